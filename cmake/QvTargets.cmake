@@ -1,0 +1,58 @@
+# One folder, one target. A folder's headers are reached as "folder/Header.h" only by targets that link it: each target
+# offers an include path that holds nothing but a link to its own folder, so an include that skips a floor fails.
+
+# qv_floor_include(<target> [<name>]): gives <target> its include path for the current folder, seen as <name>.
+function(qv_floor_include target)
+  set(name ${target})
+  if(ARGC GREATER 1)
+    set(name ${ARGV1})
+  endif()
+  set(floor ${CMAKE_BINARY_DIR}/floors/${target})
+  cmake_path(GET name PARENT_PATH above)
+  file(MAKE_DIRECTORY ${floor}/${above})
+  if(NOT EXISTS ${floor}/${name})
+    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${floor}/${name} SYMBOLIC)
+  endif()
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "INTERFACE_LIBRARY")
+    target_include_directories(${target} INTERFACE ${floor})
+  else()
+    target_include_directories(${target} PUBLIC ${floor})
+  endif()
+endfunction()
+
+# qv_add_floor(<folder> SOURCES <files> [USES <targets>] [PRIVATE <targets>] [AS <path>])
+# The static library of one folder. USES are the folders below it, PRIVATE what only its own sources need.
+function(qv_add_floor target)
+  cmake_parse_arguments(ARG "" "AS" "SOURCES;USES;PRIVATE" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  target_link_libraries(${target} PUBLIC ${ARG_USES} PRIVATE ${ARG_PRIVATE})
+  if(ARG_AS)
+    qv_floor_include(${target} ${ARG_AS})
+  else()
+    qv_floor_include(${target})
+  endif()
+endfunction()
+
+# qv_add_shared_library(<name> WHOLE <targets> [TRANSPORTS <targets>] [HIDDEN <targets>])
+# A library that is installed: WHOLE targets go in with every symbol, HIDDEN ones as far as they are used and unseen.
+function(qv_add_shared_library target)
+  cmake_parse_arguments(ARG "" "" "WHOLE;TRANSPORTS;HIDDEN" ${ARGN})
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp "// The library's code stands in the folders that it links.\n")
+  add_library(${target} SHARED ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp)
+  list(TRANSFORM ARG_WHOLE REPLACE "(.+)" "$<LINK_LIBRARY:WHOLE_ARCHIVE,\\1>" OUTPUT_VARIABLE whole)
+  target_link_libraries(${target} PRIVATE ${whole} ${ARG_HIDDEN} ${ARG_TRANSPORTS} INTERFACE qv_headers)
+  foreach(hidden IN LISTS ARG_HIDDEN)
+    target_link_options(${target} PRIVATE "LINKER:--exclude-libs,lib${hidden}.a")
+  endforeach()
+  install(TARGETS ${target})
+endfunction()
+
+# qv_add_test(<name> SOURCES <files> LINKS <targets>): one GoogleTest program, its cases known to ctest.
+function(qv_add_test target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+  gtest_discover_tests(${target} PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
+endfunction()

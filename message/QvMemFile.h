@@ -1,0 +1,55 @@
+// A growable file in memory: the store of fields that do not fit a message's block.
+#pragma once
+
+#include <cstdint>
+
+// Field order and widths, and the order of the virtual operations, are shared with the transport libraries. Sizes and
+// offsets are in bytes. One thread at a time.
+class CQvMemFile {
+ public:
+  // The file grows in steps of `grow_bytes`. Nothing is allocated yet.
+  explicit CQvMemFile(unsigned int grow_bytes);
+  CQvMemFile(const CQvMemFile&) = delete;
+  CQvMemFile& operator=(const CQvMemFile&) = delete;
+
+  // The three below manage the buffer; all of them throw std::bad_alloc when memory is short.
+  virtual unsigned char* Alloc(std::uint32_t bytes);
+  // Gives a block of `new_bytes` that starts with the bytes of `old` as far as both reach, and frees `old`.
+  virtual unsigned char* Realloc(unsigned char* old, std::uint32_t old_bytes,
+                                 std::uint32_t new_bytes);
+  virtual void Free(unsigned char** buffer);
+  // Makes the buffer at least `new_length` bytes long; new bytes are zero.
+  virtual void GrowFile(std::uint32_t new_length);
+
+  virtual ~CQvMemFile();
+
+  virtual std::uint32_t GetPosition();
+  // Moves the position by `offset` from the start (0), the position (1) or the end (2) and returns it; any other `from`
+  // changes nothing and returns 0xFFFFFFFF. Throws CFileException (badSeek) when it would lie before the start.
+  virtual std::uint32_t Seek(std::int32_t offset, std::uint32_t from);
+  virtual void SeekToBegin();
+  virtual std::uint32_t SeekToEnd();
+  virtual void SetLength(std::uint32_t new_length);
+  virtual std::uint32_t GetLength();
+  // Copies up to `count` bytes out from the position and returns how many.
+  virtual std::uint32_t Read(void* out, std::uint32_t count);
+  // Copies `count` bytes in at the position. Throws std::bad_alloc when the file cannot grow.
+  virtual void Write(const void* in, std::uint32_t count);
+  virtual void WriteBytes(const void* in, std::uint32_t count);
+  // Releases the buffer and zeroes the counters, the grow step among them.
+  virtual void Close();
+
+  // The bytes as they stand, GetLength() of them; null while nothing is allocated.
+  const unsigned char* Bytes() const { return buffer_; }
+  std::uint32_t Length() const { return file_size_; }
+
+ private:
+  friend struct MessageLayout;
+
+  std::uint32_t grow_bytes_;
+  std::uint32_t position_ = 0;
+  std::uint32_t buffer_size_ = 0;
+  std::uint32_t file_size_ = 0;
+  unsigned char* buffer_ = nullptr;
+  std::int32_t auto_delete_ = 1;
+};

@@ -1,0 +1,22 @@
+#include <array>
+#include <cstdio>
+#include <random>
+
+#include "Platform.h"
+
+namespace qv::platform {
+
+std::string NewGuid() {
+  std::random_device source;
+  std::array<std::uint32_t, 4> random;
+  for (std::uint32_t& word : random) word = source();
+  // Version 4, variant 1: made from random bits.
+  const std::uint32_t version = (random[1] & 0x0FFFu) | 0x4000u;
+  const std::uint32_t variant = (random[2] & 0x3FFFu) | 0x8000u;
+  std::array<char, 39> text;
+  std::snprintf(text.data(), text.size(), "{%08X-%04X-%04X-%04X-%04X%08X}", random[0],
+                random[1] >> 16, version, variant, random[2] >> 16, random[3]);
+  return text.data();
+}
+
+}  // namespace qv::platform

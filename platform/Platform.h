@@ -1,0 +1,51 @@
+// What differs between operating systems, behind one interface. Every function may be called from any thread.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+namespace qv::platform {
+
+// What separates the folders of a local path.
+extern const char kSeparator;
+
+// The system's folder for temporary files, with a separator at its end.
+[[nodiscard]] std::string TempFolder();
+
+// The path of the file that this code was loaded from: the library, or the program that it is linked into.
+[[nodiscard]] std::string ModuleFile();
+
+// The text behind `key` in `section` of the INI file at `path`; names ignore case. Nothing when the file, the section or
+// the key is missing; an empty value is an empty text.
+[[nodiscard]] std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
+                                                      const char* key);
+
+// A new random identifier in registry form: braces, upper-case digits, 38 characters.
+[[nodiscard]] std::string NewGuid();
+
+enum class Create {
+  kAlways,  // an existing file is emptied
+  kNew,     // an existing file is an error
+};
+
+// Opens a file for writing that only its owner can read. The caller closes it. Null, and errno, when it cannot be had.
+[[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);
+
+// Makes a folder, and those above it, that only its owner can enter. True when it is there afterwards.
+[[nodiscard]] bool CreatePrivateFolder(const std::string& path);
+
+// Removes a file; false when it was not there or will not go.
+bool RemoveFile(const std::string& path);
+
+// Gives a file another name in the same file system, replacing a file of that name in one step.
+[[nodiscard]] bool ReplaceFile(const std::string& from, const std::string& to);
+
+// Sees to it that what was written to `file` is on the disk.
+[[nodiscard]] bool FlushToDisk(std::FILE* file);
+
+// Seconds since 1970.
+[[nodiscard]] std::int64_t UnixTime();
+
+}  // namespace qv::platform
