@@ -34,7 +34,11 @@ class QVNETCALL_API CString {
   CString& operator=(const CString&) = default;
   CString& operator=(CString&&) noexcept = default;
   CString& operator=(const char* text) { return text_ = OrEmpty(text), *this; }
-  CString& operator=(char ch) { return text_ = ch, *this; }
+  // A template, so that `= {}` does not find it.
+  template <std::same_as<char> Char>
+  CString& operator=(Char ch) {
+    return text_ = ch, *this;
+  }
 
   /// The bytes with a NUL behind them; valid until the text changes.
   operator const char*() const noexcept {
@@ -53,7 +57,7 @@ class QVNETCALL_API CString {
   [[nodiscard]] char GetAt(std::ptrdiff_t index) const;
   template <std::integral Index>
   [[nodiscard]] char operator[](Index index) const {
-    return GetAt(std::in_range<std::ptrdiff_t>(index) ? static_cast<std::ptrdiff_t>(index) : -1);
+    return GetAt(static_cast<std::ptrdiff_t>(index));  // a value too large turns negative
   }
   /// Throws CInvalidArgException outside 0..length-1.
   void SetAt(std::ptrdiff_t index, char ch);
