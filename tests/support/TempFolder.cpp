@@ -1,0 +1,32 @@
+#include "tests/support/TempFolder.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace qv {
+
+TempFolder::TempFolder() {
+  std::random_device random;
+  do {
+    path_ = std::filesystem::temp_directory_path() / ("qvtest-" + std::to_string(random()));
+  } while (!std::filesystem::create_directory(path_));
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::string TempFolder::Write(const std::string& name, const std::string& bytes) const {
+  const std::string path = (path_ / name).string();
+  std::ofstream(path, std::ios::binary) << bytes;
+  return path;
+}
+
+std::string BytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace qv

@@ -1,0 +1,27 @@
+// A fresh folder for the files of one test, removed with all that it holds.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace qv {
+
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
+  // Writes a file of that name and gives its path.
+  std::string Write(const std::string& name, const std::string& bytes) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+// The bytes of a file; empty when it cannot be read.
+[[nodiscard]] std::string BytesOf(const std::string& path);
+
+}  // namespace qv
