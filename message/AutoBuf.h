@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// One server call owns the block. Its fields are part of the memory that is shared with the transport libraries:
-// their order and widths are fixed.
+// One server call owns the block. Its fields are part of the memory that is shared with the
+// transport libraries: their order and widths are fixed.
 class CAutoBuf {
  public:
   // Allocates `size` bytes of zeros; none for 0. Throws std::bad_alloc.

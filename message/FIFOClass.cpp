@@ -43,7 +43,8 @@ bool CFIFOClass::Peek(Field& field) const {
   const std::uint64_t start = std::uint64_t{read_position_} + kLengthWord;
   if (start > capacity_) return false;
   const std::uint32_t length = qv::LoadU32(data_ + read_position_);
-  // The agreed test is against the write position and lenient by the overhead; the second keeps the field in the area.
+  // The agreed test is against the write position and lenient by the overhead; the second keeps the
+  // field in the area.
   if (std::uint64_t{read_position_} + length >= write_position_) return false;
   if (start + length + 1 > capacity_) return false;
   field = {data_ + start, length};

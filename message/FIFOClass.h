@@ -6,8 +6,8 @@
 // What became of an append.
 enum class AppendResult { kDone, kFailed, kDetached, kDoesNotFit };
 
-// A field is a 4-byte little-endian length, that many bytes, and one zero byte. Field order and widths of the class are
-// shared with the transport libraries. No operation throws.
+// A field is a 4-byte little-endian length, that many bytes, and one zero byte. Field order and
+// widths of the class are shared with the transport libraries. No operation throws.
 class CFIFOClass {
  public:
   // The bytes that a field takes beside its body: the length word and the zero byte.
@@ -18,7 +18,8 @@ class CFIFOClass {
   CFIFOClass(const CFIFOClass&) = delete;
   CFIFOClass& operator=(const CFIFOClass&) = delete;
 
-  // Takes an area of `capacity` bytes, fills it with zeros and starts empty. The area stays its owner's.
+  // Takes an area of `capacity` bytes, fills it with zeros and starts empty. The area stays its
+  // owner's.
   void Attach(unsigned char* area, std::uint32_t capacity);
   // Lets go of the area.
   void Detach();
@@ -41,12 +42,14 @@ class CFIFOClass {
   // Steps over `field`, wiping its body; the length word as well when asked.
   void Consume(const Field& field, bool wipe_length);
 
-  // For transports: the area, what was written and not read yet, and how much a reply has put there.
+  // For transports: the area, what was written and not read yet, and how much a reply has put
+  // there.
   unsigned char* Area() const { return data_; }
   std::uint32_t Capacity() const { return capacity_; }
   std::uint32_t ReadPosition() const { return read_position_; }
   std::uint32_t WritePosition() const { return write_position_; }
-  // Declares that the first `bytes` of the area hold fields. False, and no change, when the area is smaller.
+  // Declares that the first `bytes` of the area hold fields. False, and no change, when the area is
+  // smaller.
   [[nodiscard]] bool SetFilled(std::uint32_t bytes) {
     if (data_ == nullptr || bytes > capacity_) return false;
     read_position_ = 0;

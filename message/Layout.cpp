@@ -1,5 +1,5 @@
-// Pins the memory layout that this library, the transport libraries and their authors share. A failure here means that a
-// transport built yesterday would read the wrong bytes.
+// Pins the memory layout that this library, the transport libraries and their authors share. A
+// failure here means that a transport built yesterday would read the wrong bytes.
 #include <cstddef>
 
 #include "MsgContent.h"

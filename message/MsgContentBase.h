@@ -1,4 +1,5 @@
-// The memory of a message: a caller's block, the queue over its payload, and the store for what does not fit.
+// The memory of a message: a caller's block, the queue over its payload, and the store for what
+// does not fit.
 #pragma once
 
 #include <cstdint>
@@ -17,11 +18,13 @@ struct MessageBlock {
   static constexpr std::uint32_t kNameSize = 256;
   static constexpr std::uint32_t kPayload = kName + kNameSize;
   static constexpr std::uint32_t kMinimumSize = kPayload + 1;
-  // What a spilled message's store starts with: ten bytes that the transport may use, then an image of the header.
+  // What a spilled message's store starts with: ten bytes that the transport may use, then an image
+  // of the header.
   static constexpr std::uint32_t kSpillPrefix = 10 + kPayload;
 };
 
-// Field order and widths are shared with the transport libraries, which read and write them directly.
+// Field order and widths are shared with the transport libraries, which read and write them
+// directly.
 class CMsgContentBase {
  public:
   virtual ~CMsgContentBase();

@@ -38,7 +38,7 @@ unsigned char* CQvMemFile::Realloc(unsigned char* old, std::uint32_t old_bytes,
 }
 
 void CQvMemFile::Free(unsigned char** buffer) {
-  delete[] *buffer;
+  delete[] * buffer;
   *buffer = nullptr;
 }
 

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// Field order and widths, and the order of the virtual operations, are shared with the transport libraries. Sizes and
-// offsets are in bytes. One thread at a time.
+// Field order and widths, and the order of the virtual operations, are shared with the transport
+// libraries. Sizes and offsets are in bytes. One thread at a time.
 class CQvMemFile {
  public:
   // The file grows in steps of `grow_bytes`. Nothing is allocated yet.
@@ -14,7 +14,8 @@ class CQvMemFile {
 
   // The three below manage the buffer; all of them throw std::bad_alloc when memory is short.
   virtual unsigned char* Alloc(std::uint32_t bytes);
-  // Gives a block of `new_bytes` that starts with the bytes of `old` as far as both reach, and frees `old`.
+  // Gives a block of `new_bytes` that starts with the bytes of `old` as far as both reach, and
+  // frees `old`.
   virtual unsigned char* Realloc(unsigned char* old, std::uint32_t old_bytes,
                                  std::uint32_t new_bytes);
   virtual void Free(unsigned char** buffer);
@@ -24,8 +25,9 @@ class CQvMemFile {
   virtual ~CQvMemFile();
 
   virtual std::uint32_t GetPosition();
-  // Moves the position by `offset` from the start (0), the position (1) or the end (2) and returns it; any other `from`
-  // changes nothing and returns 0xFFFFFFFF. Throws CFileException (badSeek) when it would lie before the start.
+  // Moves the position by `offset` from the start (0), the position (1) or the end (2) and returns
+  // it; any other `from` changes nothing and returns 0xFFFFFFFF. Throws CFileException (badSeek)
+  // when it would lie before the start.
   virtual std::uint32_t Seek(std::int32_t offset, std::uint32_t from);
   virtual void SeekToBegin();
   virtual std::uint32_t SeekToEnd();

@@ -1,4 +1,5 @@
-// What differs between operating systems, behind one interface. Every function may be called from any thread.
+// What differs between operating systems, behind one interface. Every function may be called from
+// any thread.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +15,12 @@ extern const char kSeparator;
 // The system's folder for temporary files, with a separator at its end.
 [[nodiscard]] std::string TempFolder();
 
-// The path of the file that this code was loaded from: the library, or the program that it is linked into.
+// The path of the file that this code was loaded from: the library, or the program that it is
+// linked into.
 [[nodiscard]] std::string ModuleFile();
 
-// The text behind `key` in `section` of the INI file at `path`; names ignore case. Nothing when the file, the section or
-// the key is missing; an empty value is an empty text.
+// The text behind `key` in `section` of the INI file at `path`; names ignore case. Nothing when the
+// file, the section or the key is missing; an empty value is an empty text.
 [[nodiscard]] std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
                                                       const char* key);
 
@@ -30,10 +32,12 @@ enum class Create {
   kNew,     // an existing file is an error
 };
 
-// Opens a file for writing that only its owner can read. The caller closes it. Null, and errno, when it cannot be had.
+// Opens a file for writing that only its owner can read. The caller closes it. Null, and errno,
+// when it cannot be had.
 [[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);
 
-// Makes a folder, and those above it, that only its owner can enter. True when it is there afterwards.
+// Makes a folder, and those above it, that only its owner can enter. True when it is there
+// afterwards.
 [[nodiscard]] bool CreatePrivateFolder(const std::string& path);
 
 // Removes a file; false when it was not there or will not go.

@@ -9,39 +9,41 @@
 #include "qvnetcall/framework/String.h"
 
 namespace qv {
-class ServerSettingsLoader;
+struct DatabasePeer;  // what tests reach the private members through
 }
 
-// All members are static. Queries may run on several threads at once, each with a result set of its own; the two set-up
-// calls SetFileTempInfo and Ini are to be called while no other call runs. Pointers are not null and stay their caller's.
+// All members are static. Queries may run on several threads at once, each with a result set of its
+// own; the two set-up calls SetFileTempInfo and Ini are to be called while no other call runs.
+// Pointers are not null and stay their caller's.
 class QVNETCALL_API CRvoDatabase {
  public:
-  // Sets up the record of temporary files: the system's temporary folder, prefix "qvcd", extension "tmp". The library
-  // does this itself when it is loaded.
+  // Sets up the record of temporary files: the system's temporary folder, prefix "qvcd", extension
+  // "tmp". The library does this itself when it is loaded.
   static void Ini();
   // The folder that temporary files are made in.
   static CString GetTempFilePath();
-  // Where temporary files and the files of binary cells go. `path` ends with the platform's separator. Texts that do not
-  // fit their 260 bytes are cut.
+  // Where temporary files and the files of binary cells go. `path` ends with the platform's
+  // separator. Texts that do not fit their 260 bytes are cut.
   static void SetFileTempInfo(const char* path, const char* prefix, const char* ext);
   static void SetFileTempInfo(const char* path);
   // A new name for a temporary file: "TempClient_", an identifier in registry form, ".txt".
   static CString GetTempFileNameA();
 
-  // Runs a query on the server's database of that name and appends columns and rows to `res`, which is new or emptied.
-  // With `use_cache` non-zero the answer is kept in the query cache when the server allows it, and taken from there while
-  // the client is offline. Returns
+  // Runs a query on the server's database of that name and appends columns and rows to `res`, which
+  // is new or emptied. With `use_cache` non-zero the answer is kept in the query cache when the
+  // server allows it, and taken from there while the client is offline. Returns
   //   0   rows were read into `res`;
-  //   1   the text is empty, the client is offline and the cache has no answer, or the answer could not be read;
-  //   2   the reply's fields could not be read;
-  //   3   the server refused the query;
-  //   10  a compressed answer could not be unpacked;
-  //   any other value is the transport's: -1 nothing was delivered, -2 the outcome is unknown, -3 a damaged reply.
-  // In local mode (CRvoServer::UseLocalDB): 0, or 1 when the query failed or no such database is open.
+  //   1   the text is empty, the client is offline and the cache has no answer, or the answer could
+  //   not be read; 2   the reply's fields could not be read; 3   the server refused the query; 10
+  //   a compressed answer could not be unpacked; any other value is the transport's: -1 nothing was
+  //   delivered, -2 the outcome is unknown, -3 a damaged reply.
+  // In local mode (CRvoServer::UseLocalDB): 0, or 1 when the query failed or no such database is
+  // open.
   static int SelectSQL(const CString* sql, CRvoDbRes* res, const char* database, int use_cache);
 
-  // Reads a recordset file into `res`: the rowset dialect, and the schema dialect of web servers. Files of binary cells
-  // are named by `temp_files` and stay. 1, or 0 when the file cannot be read; columns found until then stay.
+  // Reads a recordset file into `res`: the rowset dialect, and the schema dialect of web servers.
+  // Files of binary cells are named by `temp_files` and stay. 1, or 0 when the file cannot be read;
+  // columns found until then stay.
   static int ReadFromXmlFile(const char* path, CRvoDbRes* res, const tagTEMPFILEINFO& temp_files);
   static int ReadFromXmlFile2(const char* path, CRvoDbRes* res, const tagTEMPFILEINFO& temp_files);
 
@@ -52,8 +54,8 @@ class QVNETCALL_API CRvoDatabase {
   static int GetDefaultSelectCompress();
   static int GetDefaultDisplayCompress();
   static int GetServerIsSetCatche();
-  // Without a configured server: 1 when "UseAD" in section "ServerInfo" of "QvLogIn.ini" in the library's folder is there
-  // at all, whatever its value.
+  // Without a configured server: 1 when "UseAD" in section "ServerInfo" of "QvLogIn.ini" in the
+  // library's folder is there at all, whatever its value.
   static int GetDefaultDisplayDomain();
 
   // The flags themselves; calls on any thread read and write them.
@@ -63,4 +65,16 @@ class QVNETCALL_API CRvoDatabase {
   static std::atomic<int>& m_DefaultSelectCompress;
   static std::atomic<int>& m_DefaultDisplayCompress;
   static std::atomic<int>& m_DefaultDisplayDomain;
+
+ private:
+  friend struct qv::DatabasePeer;
+
+  // Loads the settings when they are due. 0 loaded or not due; 1, 2, 3 and transport results as
+  // SelectSQL has them.
+  static int UpdateServerIsCompressInfo();
+  // 1 when a query may ask for a compressed answer.
+  static int IsCanUseCompressMode();
+  // 1 when the client is offline; with `need_server_cache` non-zero only if the server allows
+  // caching as well.
+  static int IsCanUseOffCache(int need_server_cache);
 };

@@ -4,9 +4,9 @@
 #include "qvnetcall/Export.h"
 #include "qvnetcall/framework/String.h"
 
-// All members are static over module-wide state that has no locks: SetConinfo and the switches are set-up, to be called
-// while no other call runs. The calls that talk to the server may run on several threads at once. Texts stay their
-// caller's. Nothing throws but std::bad_alloc.
+// All members are static over module-wide state that has no locks: SetConinfo and the switches are
+// set-up, to be called while no other call runs. The calls that talk to the server may run on
+// several threads at once. Texts stay their caller's. Nothing throws but std::bad_alloc.
 class QVNETCALL_API CRvoServer {
  public:
   // Starts both transports; once, before any other call. FinitNet, after the last call, stops them.
@@ -16,33 +16,45 @@ class QVNETCALL_API CRvoServer {
   // Sets the server that every later call uses. Returns 1.
   static int SetConinfo(const char* server, long port);
 
-  // The kind of the given server: "TCP_IP" or "WEB_IIS", or what "ServerType" in section "Basic" of "QvNetClient.ini"
-  // in the library's folder says; when it says nothing, the server is probed. Kept for the last name and port. Returns 1.
+  // The kind of the given server: "TCP_IP" or "WEB_IIS", or what "ServerType" in section "Basic" of
+  // "QvNetClient.ini" in the library's folder says; when it says nothing, the server is probed.
+  // Kept for the last name and port. Returns 1.
   static int GetServerType(CString& type, CString server, unsigned long port);
   // 1 when the given server answers over the socket transport, else 0.
   static int CheckServerLink(CString server, unsigned long port);
 
-  // Sets or reads a parameter of the socket transport. 1, or 0 when the transport does not know it or refuses the value.
+  // Sets or reads a parameter of the socket transport. 1, or 0 when the transport does not know it
+  // or refuses the value.
   static int SetNetClientPara(CString name, CString value);
   static int GetNetClientPara(CString name, CString& value);
-  // 1 while the socket transport holds the network for bad, else 0. With `n` 0 it may probe, with 1 it only reports.
+  // 1 while the socket transport holds the network for bad, else 0. With `n` 0 it may probe, with 1
+  // it only reports.
   static int GetIsNetworkBad(int n);
-  // The HTTP transport's login token, copied to a buffer of the caller's that is large enough. 1, or 0 without one.
+  // The HTTP transport's login token, copied to a buffer of the caller's that is large enough. 1,
+  // or 0 without one.
   static int GetWebLoginToken(char* token);
 
+  // The connection text that the server has for a database; empty when it has none or cannot be
+  // reached.
+  static CString GetDBConnString(CString database);
+  // Opens a local database with a connection text, or closes it. 1, or 0 when there is no such
+  // database or, as in this version, no direct access.
+  static int OpenLocalDB(CString database, CString connection);
+  static int CloseLocalDB(CString database);
   // Non-zero makes the database calls work on a local database instead of the server. Returns 1.
   static int UseLocalDB(int on);
-  // Non-zero (as at the start) leaves opening and closing the local database to the host. Returns 1.
+  // Non-zero (as at the start) leaves opening and closing the local database to the host.
+  // Returns 1.
   static int CareOpenDBConn(int on);
 
-  // Goes online (0), offline by choice (1) or offline because the network is bad (2). 1; 0 for any other state and, with
-  // nothing changed, when the server is a web server.
+  // Goes online (0), offline by choice (1) or offline because the network is bad (2). 1; 0 for any
+  // other state and, with nothing changed, when the server is a web server.
   static int SetCacheState(int state);
-  // The state above, brought up to date with the socket transport's view of the network, which `n` is passed to, unless
-  // the host chose to be offline. 0 when the server is a web server.
+  // The state above, brought up to date with the socket transport's view of the network, which `n`
+  // is passed to, unless the host chose to be offline. 0 when the server is a web server.
   static int GetCacheState(int n);
-  // The folder that query answers are kept in; it is made when it is not there. Until it is set nothing is kept. 1, or 0
-  // when the folder cannot be used.
+  // The folder that query answers are kept in; it is made when it is not there. Until it is set
+  // nothing is kept. 1, or 0 when the folder cannot be used.
   static int SetCachePath(const char* path);
   // Forgets every kept answer. 1, or 0 when that fails.
   static int ClearCurCache();

@@ -25,7 +25,8 @@ int OnEntry(void* user, const char* section, const char* name, const char* value
   return 1;
 }
 
-// Reads a line without its indentation: an indented entry is an entry, not the continuation of the one above.
+// Reads a line without its indentation: an indented entry is an entry, not the continuation of the
+// one above.
 char* ReadUnindentedLine(char* line, int size, void* stream) {
   if (std::fgets(line, size, static_cast<std::FILE*>(stream)) == nullptr) return nullptr;
   const std::size_t indentation = std::strspn(line, " \t");

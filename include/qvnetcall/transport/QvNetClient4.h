@@ -1,5 +1,5 @@
-// The socket transport library, as QvNetCall4 calls it. Replacing the library file replaces the transport; a program
-// that defines these functions itself replaces them as well.
+// The socket transport library, as QvNetCall4 calls it. Replacing the library file replaces the
+// transport; a program that defines these functions itself replaces them as well.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,23 @@ class CMsgContent;
 
 extern "C" {
 
-// Starts the transport; once per process, before any message. The counterpart is NetworkTransFini, after the last.
+// Starts the transport; once per process, before any message. The counterpart is NetworkTransFini,
+// after the last.
 QVNETCALL_API void NetworkTransInit();
 QVNETCALL_API void NetworkTransFini();
 
-// Sends `request` to `server`:`port` and fills `reply`; both stay the caller's. Blocks until the reply is there or a
-// deadline passed. A file that travels with the reply is written to the path that the reply object names.
-// Any number of threads may call at once, each with messages of its own.
-// Returns 0 when the reply is complete; -1 when nothing reached the server; -2 when the request was sent and no
-// complete reply came, so that the outcome is unknown; -3 when the reply was malformed, failed its checksum or did not
-// fit the reply's block. A request is never sent twice.
+// Sends `request` to `server`:`port` and fills `reply`; both stay the caller's. Blocks until the
+// reply is there or a deadline passed. A file that travels with the reply is written to the path
+// that the reply object names. Any number of threads may call at once, each with messages of its
+// own. Returns 0 when the reply is complete; -1 when nothing reached the server; -2 when the
+// request was sent and no complete reply came, so that the outcome is unknown; -3 when the reply
+// was malformed, failed its checksum or did not fit the reply's block. A request is never sent
+// twice.
 QVNETCALL_API int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                                   CMsgContent& reply);
 
-// 1 while the network is bad, else 0. With `n` 0 a bad network is probed now and then, so that the state recovers by
-// itself; with 1 the state is only reported.
+// 1 while the network is bad, else 0. With `n` 0 a bad network is probed now and then, so that the
+// state recovers by itself; with 1 the state is only reported.
 QVNETCALL_API int NetworkIsBadState(int n);
 
 // Declares the network bad (non-zero) or good (0).

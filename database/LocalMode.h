@@ -1,0 +1,13 @@
+// The database calls in local mode.
+#pragma once
+
+class CRvoDbRes;
+class CString;
+
+namespace qv {
+
+// Runs a query on the local database of that name, opening and closing it when the host does not
+// care for that itself. 0, or 1 when it failed, as without direct access.
+[[nodiscard]] int SelectLocally(const CString& sql, CRvoDbRes& result, const char* database);
+
+}  // namespace qv

@@ -1,0 +1,62 @@
+// The answer of a query on its way from the reply to a result set.
+#pragma once
+
+#include <string>
+
+#include "message/MsgContent.h"
+
+class CRvoDbRes;
+
+namespace qv {
+
+// The results that the query calls share.
+enum QueryResult {
+  kQueryDone = 0,
+  kQueryFailed = 1,  // nothing to read: empty text, nothing cached, a file that is no recordset
+  kReplyUnreadable = 2,
+  kQueryRefused = 3,
+  kUnpackingFailed = 10,
+};
+
+// The key that the query cache knows an answer by: the server, the database and the text.
+[[nodiscard]] std::string CacheKey(const char* database, const CString& sql);
+
+// The file of one answer, and the file that it was unpacked from. They are in the folder of
+// temporary files, and stay there until Delete: not every path of a call may remove what a
+// transport wrote.
+class AnswerFile {
+ public:
+  AnswerFile() = default;
+  // A new name for a file that is still to be written.
+  static AnswerFile New();
+  // A file that is there.
+  explicit AnswerFile(std::string path) : path_(std::move(path)) {}
+
+  // What a reader reads, and what a transport writes.
+  [[nodiscard]] const std::string& Path() const { return path_; }
+  // The gzip file that the answer came as; empty when it came plain.
+  [[nodiscard]] const std::string& CompressedPath() const { return compressed_path_; }
+
+  // Writes the reply's next field to the file. A file that was not written whole is removed, so
+  // that nothing takes it for an answer.
+  void TakeFrom(CMsgContent& reply) const;
+  // Unpacks the file beside itself; Path then names the result. False when that fails; Delete
+  // removes both.
+  [[nodiscard]] bool Unpack();
+  // Reads the file in the dialect of the server's kind. False when it is no recordset.
+  [[nodiscard]] bool ReadInto(CRvoDbRes& result, bool web) const;
+  void Delete() const;
+
+ private:
+  std::string path_;
+  std::string compressed_path_;
+};
+
+// Which answers a call understands.
+enum class Accept { kPlain, kPlainOrCompressed };
+
+// Reads the reply of a query and brings its answer to `file`: status, number, storage kind, and the
+// file itself when it travels in the reply. kQueryDone, or the result to return.
+[[nodiscard]] QueryResult ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file);
+
+}  // namespace qv

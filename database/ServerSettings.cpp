@@ -1,0 +1,134 @@
+// The members of CRvoDatabase about the server's settings.
+#include <atomic>
+#include <optional>
+#include <string>
+
+#include "LocalMode.h"
+#include "QueryAnswer.h"
+#include "QueryExchange.h"
+#include "framework/DecimalText.h"
+#include "platform/Platform.h"
+#include "qvnetcall/RvoDatabase.h"
+#include "qvnetcall/transport/QvNetClient4.h"
+#include "server/ModuleState.h"
+#include "server/ServerType.h"
+
+using qv::ModuleState;
+using qv::ServerSettings;
+
+namespace {
+
+ServerSettings& Settings() { return ModuleState::Get().settings; }
+
+constexpr const char kDatabase[] = "PLATDB";
+constexpr const char kQuery[] =
+    "select CI_ServerSetCache,CI_ServerCompress,CI_DefaultSelectCompress,"
+    "CI_DefaultDisplayCompress,CI_DefaultDisplayDomain from QvCoMis.dbo.Mxd_sys_BaseInfo";
+
+// Asks the server; the answer lands in `file`. 0, or the result to return.
+int AskServer(bool web, qv::AnswerFile& file) {
+  qv::QueryExchange exchange(qv::kCommandQuery, kDatabase, kQuery);
+  file = qv::AnswerFile::New();
+  exchange.Reply().SetFileName(file.Path().c_str(), 0);
+  if (const int result = exchange.SendBy(web, /*compress=*/0); result != 0) return result;
+  return qv::ReceiveAnswer(exchange.Reply(), qv::Accept::kPlain, file);
+}
+
+// Takes the settings from the first row. An empty value says nothing.
+void TakeRow(const CRvoDbRes& row) {
+  ServerSettings& settings = Settings();
+  const struct {
+    const char* column;
+    std::atomic<int>& flag;
+    bool can_be_cleared;  // the others are 0 already, and another thread may have set them since
+  } columns[] = {{"CI_ServerSetCache", settings.server_set_cache, true},
+                 {"CI_ServerCompress", settings.server_compress, false},
+                 {"CI_DefaultSelectCompress", settings.default_select_compress, false},
+                 {"CI_DefaultDisplayCompress", settings.default_display_compress, false},
+                 {"CI_DefaultDisplayDomain", settings.default_display_domain, false}};
+  for (const auto& [column, flag, can_be_cleared] : columns) {
+    const CString value = row[column];
+    if (value.IsEmpty()) continue;
+    const bool is_set = qv::DecimalToInt32(value.View()) == 1;
+    if (is_set || can_be_cleared) flag = is_set ? 1 : 0;
+  }
+}
+
+}  // namespace
+
+std::atomic<int>& CRvoDatabase::m_NeedUpdateCompressState = Settings().need_update;
+std::atomic<int>& CRvoDatabase::m_bServerSetCache = Settings().server_set_cache;
+std::atomic<int>& CRvoDatabase::m_ServerIsCompress = Settings().server_compress;
+std::atomic<int>& CRvoDatabase::m_DefaultSelectCompress = Settings().default_select_compress;
+std::atomic<int>& CRvoDatabase::m_DefaultDisplayCompress = Settings().default_display_compress;
+std::atomic<int>& CRvoDatabase::m_DefaultDisplayDomain = Settings().default_display_domain;
+
+int CRvoDatabase::UpdateServerIsCompressInfo() {
+  ServerSettings& settings = Settings();
+  if (settings.need_update.exchange(0) == 0) return 0;
+  // Whether the server allows caching is known until a row says otherwise; the rest is not.
+  settings.server_compress = 0;
+  settings.default_select_compress = 0;
+  settings.default_display_compress = 0;
+  settings.default_display_domain = 0;
+
+  ModuleState& state = ModuleState::Get();
+  CRvoDbRes row;
+  // In local mode the query runs and its row is not looked at.
+  if (state.use_local_database != 0) return qv::SelectLocally(kQuery, row, kDatabase);
+
+  const bool web = qv::IsWebServer();
+  const std::string key = qv::CacheKey(kDatabase, kQuery);
+  qv::AnswerFile file;
+  if (IsCanUseOffCache(0) != 0) {
+    const auto cached = state.cache.Find(key, static_cast<const char*>(GetTempFilePath()));
+    if (!cached) return qv::kQueryFailed;
+    file = qv::AnswerFile(*cached);
+  } else if (const int result = AskServer(web, file); result != 0) {
+    return result;
+  }
+  if (!file.ReadInto(row, web)) {
+    file.Delete();
+    return qv::kQueryFailed;
+  }
+  // Kept whether or not the server allows caching: offline, this is how the client knows that it
+  // does.
+  if (state.cache.State() == qv::kOnline) state.cache.Store(key, file.Path(), qv::kCachePlain);
+  file.Delete();
+  if (row.GetRecordCount() > 0) TakeRow(row);
+  return qv::kQueryDone;
+}
+
+void CRvoDatabase::SetNeedUpdateCompressState() { m_NeedUpdateCompressState = 1; }
+
+int CRvoDatabase::GetServerIsCompressMode() { return m_ServerIsCompress; }
+
+int CRvoDatabase::GetDefaultSelectCompress() { return m_DefaultSelectCompress; }
+
+int CRvoDatabase::GetDefaultDisplayCompress() { return m_DefaultDisplayCompress; }
+
+int CRvoDatabase::GetServerIsSetCatche() { return m_bServerSetCache; }
+
+int CRvoDatabase::GetDefaultDisplayDomain() {
+  const ModuleState& state = ModuleState::Get();
+  if (!state.server_name.empty() && state.server_port != 0) return m_DefaultDisplayDomain;
+  // Only whether the key is there counts, so that even 0 means yes; -1 stands for a key that is
+  // not.
+  const std::string file = qv::ModuleFolder() + "QvLogIn.ini";
+  return qv::platform::ReadIniValue(file, "ServerInfo", "UseAD").value_or("-1") != "-1" ? 1 : 0;
+}
+
+int CRvoDatabase::IsCanUseCompressMode() {
+  const bool asked = m_DefaultDisplayCompress != 0 || m_DefaultSelectCompress != 0;
+  return m_ServerIsCompress != 0 && asked ? 1 : 0;
+}
+
+int CRvoDatabase::IsCanUseOffCache(int need_server_cache) {
+  if (qv::IsWebServer()) return 0;
+  if (need_server_cache != 0 && m_bServerSetCache == 0) return 0;
+  qv::QueryCache& cache = ModuleState::Get().cache;
+  if (cache.State() == qv::kOfflineByChoice) return 1;
+  if (NetworkIsBadState(0) != 1) return 0;
+  cache.SetState(qv::kNetworkBad);
+  return 1;
+}

@@ -1,0 +1,114 @@
+#include "BinaryCells.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+
+#include "framework/DecimalText.h"
+#include "platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+// Numbers the files of hexadecimal values, for all threads of the process.
+std::atomic<std::uint32_t> file_counter = 0;
+
+std::string Text(const char (&field)[260]) {
+  const std::string_view whole(field, sizeof field);
+  return std::string(whole.substr(0, whole.find('\0')));
+}
+
+bool WriteAndClose(std::FILE* file, const std::vector<unsigned char>& bytes) {
+  const std::size_t written = std::fwrite(bytes.data(), 1, bytes.size(), file);
+  return std::fclose(file) == 0 && written == bytes.size();
+}
+
+// 16 for what is no digit.
+unsigned HexDigit(char c) {
+  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
+  return 16;
+}
+
+constexpr std::array<std::uint8_t, 256> MakeBase64Digits() {
+  constexpr std::string_view kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::array<std::uint8_t, 256> values{};
+  values.fill(64);
+  for (std::size_t i = 0; i < kDigits.size(); ++i) {
+    values[static_cast<unsigned char>(kDigits[i])] = static_cast<std::uint8_t>(i);
+  }
+  return values;
+}
+
+constexpr std::array<std::uint8_t, 256> kBase64Digits = MakeBase64Digits();
+
+}  // namespace
+
+BinaryCells::BinaryCells(const tagTEMPFILEINFO& files)
+    : base_(Text(files.path)), extension_("." + Text(files.ext)) {
+  if (!base_.ends_with(platform::kSeparator)) base_ += platform::kSeparator;
+  base_ += Text(files.prefix);
+}
+
+std::string HexCells::Write(std::string_view text) {
+  if (text.empty()) return {};
+  const std::string timed = base_ + "_" + std::to_string(platform::UnixTime()) + "_";
+  // Another program may count through the same names; it keeps its files and this one counts on.
+  constexpr int kAttempts = 10000;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    const auto number = static_cast<std::int32_t>(file_counter++);
+    const std::string path = timed + std::to_string(number) + extension_;
+    std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kNew);
+    if (file == nullptr && errno == EEXIST) continue;
+    if (file != nullptr && WriteAndClose(file, DecodeHex(text))) return path;
+    if (file != nullptr) platform::RemoveFile(path);
+    --file_counter;
+    break;
+  }
+  return {};
+}
+
+std::string Base64Cells::Write(std::string_view text) {
+  if (text.empty()) return {};
+  const std::string path = base_ + extension_;
+  std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kAlways);
+  if (file == nullptr) return {};
+  if (WriteAndClose(file, DecodeBase64(text))) return path;
+  platform::RemoveFile(path);
+  return {};
+}
+
+std::vector<unsigned char> DecodeHex(std::string_view text) {
+  std::vector<unsigned char> bytes;
+  bytes.reserve(text.size() / 2);
+  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
+    const unsigned high = HexDigit(text[i]);
+    const unsigned low = HexDigit(text[i + 1]);
+    if (high < 16 && low < 16) bytes.push_back(static_cast<unsigned char>(high << 4 | low));
+  }
+  return bytes;
+}
+
+std::vector<unsigned char> DecodeBase64(std::string_view text) {
+  std::vector<unsigned char> bytes;
+  bytes.reserve(text.size() / 4 * 3 + 3);
+  std::uint32_t bits = 0;
+  unsigned held = 0;
+  for (const char c : text) {
+    if (IsSpace(c)) continue;
+    const std::uint32_t digit = kBase64Digits[static_cast<unsigned char>(c)];
+    if (digit >= 64) break;
+    bits = bits << 6 | digit;
+    held += 6;
+    if (held < 8) continue;
+    held -= 8;
+    bytes.push_back(static_cast<unsigned char>(bits >> held & 0xFF));
+  }
+  return bytes;
+}
+
+}  // namespace qv

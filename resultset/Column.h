@@ -1,0 +1,54 @@
+// One column of a result set: its name, its lengths, its type code, and its cells.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "GrowArray.h"
+#include "TextCells.h"
+#include "qvnetcall/framework/OleDateTime.h"
+
+namespace qv {
+
+// The type codes that the readers tell apart; every other code is text.
+enum TypeCode : std::uint8_t {
+  kTypeNone = 0,
+  kTypeSmallInt = 2,
+  kTypeInteger = 3,
+  kTypeSingle = 4,  // held as text
+  kTypeDouble = 5,
+  kTypeDate = 7,
+  kTypeBoolean = 11,
+  kTypeUnsignedTinyInt = 17,
+  kTypeBigInt = 20,  // held in 32 bits
+  kTypeChar = 129,
+  kTypeTimeStamp = 135,
+  kTypeVarChar = 200,
+  kTypeLongVarChar = 201,
+  kTypeVarWChar = 202,
+  kTypeLongVarBinary = 205,
+};
+
+using IntCells = GrowArray<std::int32_t>;
+using DoubleCells = GrowArray<double>;
+using DateCells = GrowArray<COleDateTime>;
+using Cells = std::variant<TextCells, IntCells, DoubleCells, DateCells>;
+
+// Empty cells of the kind that a type code is held in.
+[[nodiscard]] Cells CellsFor(std::uint8_t type);
+
+struct Column {
+  std::string name;
+  std::int32_t declared_length = 0;
+  std::int32_t display_length = 0;
+  std::uint8_t type = kTypeNone;
+  Cells cells;
+
+  [[nodiscard]] std::size_t Rows() const;
+  // The text form of a cell that is there.
+  [[nodiscard]] std::string Text(std::size_t row) const;
+};
+
+}  // namespace qv

@@ -1,0 +1,62 @@
+#include "FileText.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <system_error>
+
+#include "qvnetcall/framework/File.h"
+#include "qvnetcall/framework/FileException.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kFirstCapacity = 0x100000;
+constexpr std::size_t kChunkBytes = 0x200000;
+
+}  // namespace
+
+bool FileText::Reserve(std::size_t bytes) {
+  if (bytes <= capacity_) return true;
+  const std::size_t wanted = std::max(bytes, kFirstCapacity);
+  // What the buffer holds is about to be replaced, so there is nothing to copy.
+  buffer_.reset();
+  capacity_ = 0;
+  buffer_.reset(static_cast<char*>(std::malloc(wanted)));
+  if (buffer_ == nullptr) return false;
+  capacity_ = wanted;
+  return true;
+}
+
+bool FileText::Load(const char* path) try {
+  length_ = 0;
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) return false;
+  CFile file(path, CFile::modeRead);
+  if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return false;
+  // A file that grows meanwhile is read as far as its size was taken.
+  for (std::size_t left = static_cast<std::size_t>(size); left != 0;) {
+    char* const chunk = buffer_.get() + length_;
+    const std::size_t got = file.Read(chunk, static_cast<unsigned>(std::min(left, kChunkBytes)));
+    if (got == 0) break;
+    left -= got;
+    const void* const nul = std::memchr(chunk, 0, got);
+    length_ +=
+        nul != nullptr ? static_cast<std::size_t>(static_cast<const char*>(nul) - chunk) : got;
+  }
+  std::memset(buffer_.get() + length_, 0, kSlack);
+  return true;
+} catch (const CFileException&) {
+  return false;
+}
+
+FileText& KeptFileText() {
+  thread_local FileText text;
+  return text;
+}
+
+}  // namespace qv

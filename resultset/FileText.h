@@ -1,0 +1,37 @@
+// The text of a recordset file, in a buffer that is kept from file to file.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+namespace qv {
+
+// Scanners may look at a few bytes behind the end of the text, which are zero.
+class FileText {
+ public:
+  static constexpr std::size_t kSlack = 10;
+
+  // Loads a whole file. It is read in chunks of 2 MiB, and each chunk's text ends at its first NUL.
+  // False when the path is no file that can be read, or memory is short.
+  [[nodiscard]] bool Load(const char* path);
+
+  [[nodiscard]] std::string_view View() const { return {buffer_.get(), length_}; }
+
+ private:
+  [[nodiscard]] bool Reserve(std::size_t bytes);
+
+  struct Freed {
+    void operator()(char* buffer) const { std::free(buffer); }
+  };
+
+  std::unique_ptr<char, Freed> buffer_;
+  std::size_t capacity_ = 0;
+  std::size_t length_ = 0;
+};
+
+// This thread's buffer. It grows to the largest file that the thread has read and is never shrunk.
+[[nodiscard]] FileText& KeptFileText();
+
+}  // namespace qv

@@ -1,0 +1,50 @@
+#include "RowValues.h"
+
+#include <algorithm>
+
+namespace qv {
+
+namespace {
+
+// Names with these never come out of a scanner whole, so a comparison of bytes must not find them
+// either.
+bool CanBeCompared(std::string_view name) {
+  return name.find_first_of(" =<>") == std::string_view::npos;
+}
+
+}  // namespace
+
+RowValues::Name RowValues::MakeName(std::string_view text) {
+  // No text has a bit outside the mask, so this head is never met.
+  if (!CanBeCompared(text)) return {std::string(text), 1, 0};
+  char head[sizeof(std::uint64_t)] = {};
+  char mask[sizeof(std::uint64_t)] = {};
+  const std::size_t length = std::min(text.size(), sizeof head);
+  std::memcpy(head, text.data(), length);
+  std::memset(mask, 0xFF, length);
+  return {std::string(text), LoadWord(head), LoadWord(mask)};
+}
+
+RowValues::RowValues(const std::vector<Column>& columns) {
+  for (const Column& column : columns) {
+    const auto [entry, is_new] = slot_of_name_.try_emplace(column.name, names_.size());
+    if (is_new) names_.push_back(MakeName(column.name));
+    slots_.push_back(entry->second);
+    if (column.name.starts_with('/')) has_closing_tag_names_ = true;
+  }
+  values_.resize(names_.size());
+}
+
+void RowValues::Begin() {
+  std::fill(values_.begin(), values_.end(), std::string_view());
+  expected_ = 0;
+}
+
+void RowValues::Put(std::string_view name, std::string_view value) {
+  const auto found = slot_of_name_.find(name);
+  if (found == slot_of_name_.end()) return;
+  expected_ = found->second;
+  PutExpected(value);
+}
+
+}  // namespace qv

@@ -1,0 +1,141 @@
+#include "RowsetReader.h"
+
+#include <array>
+
+#include "AttributeScanner.h"
+#include "ColumnFiller.h"
+#include "FileText.h"
+#include "framework/DecimalText.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::string_view kElementType = "<s:ElementType";
+constexpr std::string_view kElementTypeEnd = "</s:ElementType";
+constexpr std::string_view kAttributeType = "<s:AttributeType";
+constexpr std::string_view kAttributeTypeEnd = "</s:AttributeType";
+constexpr std::string_view kData = "<rs:data>";
+constexpr std::string_view kRow = "<z:row";
+constexpr std::size_t kNone = std::string_view::npos;
+
+std::uint8_t TextType(const AttributeList& attributes) {
+  if (attributes.Value("rs:fixedlength") == "true") return kTypeChar;
+  if (attributes.Value("rs:long") == "true") return kTypeLongVarChar;
+  return kTypeVarChar;
+}
+
+std::uint8_t TypeOf(const AttributeList& attributes) {
+  struct Named {
+    std::string_view name;
+    TypeCode type;
+  };
+  static constexpr std::array<Named, 8> kTypes = {{{"boolean", kTypeBoolean},
+                                                   {"ui1", kTypeUnsignedTinyInt},
+                                                   {"i2", kTypeSmallInt},
+                                                   {"int", kTypeInteger},
+                                                   {"i8", kTypeBigInt},
+                                                   {"r4", kTypeSingle},
+                                                   {"float", kTypeDouble},
+                                                   {"bin.hex", kTypeLongVarBinary}}};
+  const std::string_view name = attributes.Value("dt:type");
+  if (name == "string") return TextType(attributes);
+  if (name == "dateTime") {
+    return attributes.Value("rs:precision") == "23" ? kTypeTimeStamp : kTypeDate;
+  }
+  for (const Named& named : kTypes) {
+    if (named.name == name) return named.type;
+  }
+  return kTypeNone;
+}
+
+void DefineColumn(const AttributeList& attributes, ResultTable& table) {
+  const std::string_view name = attributes.Value("name");
+  if (name.empty()) return;
+  Column& column = table.columns.emplace_back();
+  column.name = name;
+  column.type = TypeOf(attributes);
+  // What has no such attribute reads as empty, and that as 0.
+  column.declared_length = DecimalToInt32(attributes.Value("dt:maxLength"));
+}
+
+// `schema` is what stands between the element type's markers.
+void DefineColumns(std::string_view schema, ResultTable& table) {
+  AttributeList attributes;
+  std::size_t position = 0;
+  while (true) {
+    const std::size_t opening = schema.find(kAttributeType, position);
+    if (opening == kNone) return;
+    const std::size_t start = opening + kAttributeType.size();
+    const std::size_t closing = schema.find(kAttributeTypeEnd, start);
+    if (closing == kNone) return;
+    attributes.Read(schema.substr(start, closing - start));
+    DefineColumn(attributes, table);
+    position = closing;
+  }
+}
+
+// Takes the attributes that come as expected, a blank and name='value', as far as that goes.
+void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values) {
+  const char* p = scanner.Position();
+  while (p < end && *p == ' ') {
+    const std::size_t length = values.MatchExpected(p + 1, end, '=');
+    if (length == 0) break;
+    const char* const quote = p + 1 + length + 1;
+    if (quote >= end || (*quote != '\'' && *quote != '"')) break;
+    const char* const closing = FindByte(quote + 1, end, *quote);
+    if (closing == end) break;
+    values.PutExpected({quote + 1, static_cast<std::size_t>(closing - quote - 1)});
+    p = closing + 1;
+  }
+  scanner.MoveTo(p);
+}
+
+// Reads the attributes behind "<z:row" and returns where they end.
+const char* ReadRow(const char* p, const char* end, RowValues& values) {
+  AttributeScanner scanner(p, end, AttributeScanner::Stop::kAtEmptyClose);
+  values.Begin();
+  Attribute attribute;
+  do {
+    TakeExpected(scanner, end, values);
+    if (!scanner.Next(attribute)) break;
+    values.Put(attribute.name, attribute.value);
+  } while (true);
+  return scanner.Position();
+}
+
+void ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
+  RowValues values(table.columns);
+  ColumnFiller filler(table, binary);
+  const char* const end = text.data() + text.size();
+  std::size_t position = text.find(kRow);
+  while (position != kNone) {
+    const char* const row_end = ReadRow(text.data() + position + kRow.size(), end, values);
+    filler.AppendRow(values);
+    position = text.find(kRow, static_cast<std::size_t>(row_end - text.data()));
+  }
+}
+
+}  // namespace
+
+bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
+  FileText& file = KeptFileText();
+  if (!file.Load(path)) return false;
+  const std::string_view text = file.View();
+  const std::size_t opening = text.find(kElementType);
+  if (opening == kNone) return false;
+  const std::size_t closing = text.find(kElementTypeEnd, opening + kElementType.size());
+  if (closing == kNone) return false;
+
+  ResultTable& table = ResultTable::Of(result);
+  DefineColumns(text.substr(opening, closing - opening), table);
+  table.RebuildCells();
+
+  const std::size_t data = text.find(kData, opening);
+  if (data == kNone) return false;
+  HexCells binary(files);
+  ReadRows(text.substr(data), table, binary);
+  return true;
+}
+
+}  // namespace qv

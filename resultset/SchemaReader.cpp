@@ -1,0 +1,224 @@
+#include "SchemaReader.h"
+
+#include <array>
+#include <string>
+
+#include "AttributeScanner.h"
+#include "ColumnFiller.h"
+#include "FileText.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::string_view kSchema = "<xs:schema";
+constexpr std::string_view kSchemaEnd = "</xs:schema";
+constexpr std::string_view kElement = "<xs:element";
+constexpr std::string_view kSequence = "<xs:sequence";
+constexpr std::string_view kSequenceEnd = "</xs:sequence";
+constexpr std::size_t kNone = std::string_view::npos;
+
+std::uint8_t TypeOf(std::string_view name) {
+  struct Named {
+    std::string_view name;
+    TypeCode type;
+  };
+  static constexpr std::array<Named, 10> kTypes = {{{"xs:boolean", kTypeBoolean},
+                                                    {"xs:unsignedByte", kTypeUnsignedTinyInt},
+                                                    {"xs:short", kTypeSmallInt},
+                                                    {"xs:int", kTypeInteger},
+                                                    {"xs:long", kTypeBigInt},
+                                                    {"xs:float", kTypeSingle},
+                                                    {"xs:double", kTypeDouble},
+                                                    {"xs:string", kTypeVarChar},
+                                                    {"xs:dateTime", kTypeTimeStamp},
+                                                    {"xs:base64Binary", kTypeLongVarBinary}}};
+  for (const Named& named : kTypes) {
+    if (named.name == name) return named.type;
+  }
+  return kTypeNone;
+}
+
+// Reads the attributes of the element that opens at `opening`; returns where its ">" is, or kNone.
+std::size_t ReadElement(std::string_view text, std::size_t opening, AttributeList& attributes) {
+  const std::size_t start = opening + kElement.size();
+  const std::size_t end = text.find('>', start);
+  if (end != kNone) attributes.Read(text.substr(start, end - start));
+  return end;
+}
+
+// The tag of the rows: the name of the first element. Empty when the element does not say what it
+// must.
+std::string_view RowTag(std::string_view text) {
+  AttributeList attributes;
+  const std::size_t opening = text.find(kElement);
+  if (opening == kNone || ReadElement(text, opening, attributes) == kNone) return {};
+  // The main table has to be named, but it does not choose the rows.
+  if (attributes.Value("msdata:MainDataTable").empty()) return {};
+  return attributes.Value("name");
+}
+
+// Defines a column for every element that opens between `sequence` and `sequence_end`.
+void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequence_end,
+                   ResultTable& table) {
+  AttributeList attributes;
+  std::size_t opening = text.find(kElement, sequence);
+  while (opening < sequence_end) {
+    const std::size_t end = ReadElement(text, opening, attributes);
+    if (end == kNone) return;
+    const std::string_view name = attributes.Value("name");
+    if (!name.empty()) {
+      Column& column = table.columns.emplace_back();
+      column.name = name;
+      column.type = TypeOf(attributes.Value("type"));
+    }
+    opening = text.find(kElement, end);
+  }
+}
+
+// Walks the rows: elements of one tag, whose children are the values. Positions are offsets into
+// the text.
+class RowWalker {
+ public:
+  RowWalker(std::string_view text, std::string_view tag, std::size_t start)
+      : text_(text),
+        opening_("<" + std::string(tag)),
+        closing_("</" + std::string(tag)),
+        last_closing_(text.rfind(closing_)),
+        tag_end_(text, ">"),
+        empty_close_(text, "/>"),
+        next_row_(text.find(opening_, start)) {}
+
+  [[nodiscard]] bool HasRow() const { return next_row_ != kNone; }
+  [[nodiscard]] bool HasClosing() const { return IsClosedBehind(next_row_ + opening_.size()); }
+
+  // Reads the row that comes next and steps behind it. False when it has no end: the rows end
+  // before it.
+  [[nodiscard]] bool ReadRow(RowValues& values) {
+    const std::size_t start = next_row_ + opening_.size();
+    values.Begin();
+    std::size_t behind = EndOfEmptyRow(start);
+    if (behind == kNone && IsClosedBehind(start)) {
+      behind = ReadChildren(start, text_.size(), values) + closing_.size();
+    } else if (behind == kNone) {
+      const std::size_t end = empty_close_.Find(start);
+      if (end == kNone) return false;
+      ReadChildren(start, end, values);
+      behind = end + empty_close_.MarkerLength();
+    }
+    next_row_ = text_.find(opening_, behind);
+    return true;
+  }
+
+ private:
+  [[nodiscard]] bool IsClosedBehind(std::size_t position) const {
+    return last_closing_ != kNone && last_closing_ >= position;
+  }
+
+  // Behind the row's own "/>", or kNone when its opening does not end so.
+  [[nodiscard]] std::size_t EndOfEmptyRow(std::size_t start) {
+    if (start < text_.size() && text_[start] == '>') return kNone;
+    const std::size_t end = tag_end_.Find(start);
+    const bool is_empty = end != kNone && end > start && text_[end - 1] == '/';
+    return is_empty ? end + 1 : kNone;
+  }
+
+  [[nodiscard]] bool IsRowClosing(const char* p, const char* end) const {
+    return end - p >= static_cast<std::ptrdiff_t>(closing_.size()) && p[1] == '/' &&
+           std::memcmp(p, closing_.data(), closing_.size()) == 0;
+  }
+
+  // Records the values of the children between `start` and the row's closing or `limit`, whichever
+  // comes first, and returns where that is. "<" starts a name, ">" ends it and starts its value,
+  // which goes up to the next "<".
+  std::size_t ReadChildren(std::size_t start, std::size_t limit, RowValues& values) const {
+    const char* p = text_.data() + start;
+    const char* const end = text_.data() + limit;
+    const char* name = p;
+    while (p < end) {
+      if (*p == '<') {
+        p = TakeExpected(p, end, values);
+        if (p == end || IsRowClosing(p, end)) break;
+        name = ++p;
+      } else if (*p == '>') {
+        const char* const value = p + 1;
+        const bool is_pair = value < end && *value == '<';
+        p = is_pair ? value : FindByte(value, end, '<');
+        if (!is_pair) values.Put({name, Distance(name, value - 1)}, {value, Distance(value, p)});
+        name = p;
+      } else {
+        ++p;
+      }
+    }
+    return static_cast<std::size_t>(p - text_.data());
+  }
+
+  // Takes the children at the "<" at `p` that come as expected, "<name>value</name>", as far as
+  // that goes; returns the
+  // "<" that it did not take, or `end`.
+  const char* TakeExpected(const char* p, const char* end, RowValues& values) const {
+    while (p < end && *p == '<' && !IsRowClosing(p, end)) {
+      const std::size_t length = values.MatchExpected(p + 1, end, '>');
+      if (length == 0) return p;
+      const char* const name = p + 1;
+      const char* const value = name + length + 1;
+      if (value >= end || *value == '<') return p;
+      const char* const value_end = FindByte(value, end, '<');
+      values.PutExpected({value, Distance(value, value_end)});
+      p = BehindClosing(value_end, end, {name, length}, values);
+    }
+    return p;
+  }
+
+  // The "<" behind the closing tag of `name` at `p`, or `p` when that is not what stands there.
+  const char* BehindClosing(const char* p, const char* end, std::string_view name,
+                            const RowValues& values) const {
+    const auto length = static_cast<std::ptrdiff_t>(name.size()) + 3;
+    if (values.HasClosingTagNames() || end - p < length || IsRowClosing(p, end)) return p;
+    const bool is_closing =
+        p[1] == '/' && p[length - 1] == '>' && std::memcmp(p + 2, name.data(), name.size()) == 0;
+    return is_closing ? FindByte(p + length, end, '<') : p;
+  }
+
+  static std::size_t Distance(const char* from, const char* to) {
+    return static_cast<std::size_t>(to - from);
+  }
+
+  std::string_view text_;
+  std::string opening_;
+  std::string closing_;
+  std::size_t last_closing_;
+  ForwardFinder tag_end_;
+  ForwardFinder empty_close_;
+  std::size_t next_row_;
+};
+
+}  // namespace
+
+bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
+  FileText& file = KeptFileText();
+  if (!file.Load(path)) return false;
+  const std::string_view text = file.View();
+  const std::size_t schema = text.find(kSchema);
+  if (schema == kNone || text.find(kSchemaEnd, schema + kSchema.size()) == kNone) return false;
+  const std::string_view tag = RowTag(text);
+  if (tag.empty()) return false;
+  const std::size_t sequence = text.find(kSequence);
+  const std::size_t sequence_end = text.find(kSequenceEnd);
+  if (sequence == kNone || sequence_end == kNone) return false;
+
+  ResultTable& table = ResultTable::Of(result);
+  DefineColumns(text, sequence, sequence_end, table);
+  table.RebuildCells();
+
+  RowWalker rows(text, tag, sequence);
+  if (!rows.HasRow()) return true;
+  if (!rows.HasClosing()) return false;
+  RowValues values(table.columns);
+  Base64Cells binary(files);
+  ColumnFiller filler(table, binary);
+  while (rows.HasRow() && rows.ReadRow(values)) filler.AppendRow(values);
+  return true;
+}
+
+}  // namespace qv

@@ -1,0 +1,40 @@
+// One request and its reply: what every call to the server is made of.
+#pragma once
+
+#include <cstdint>
+
+#include "message/MsgContent.h"
+
+namespace qv {
+
+// What the transports return when nothing reached the server.
+constexpr int kNotDelivered = -1;
+
+// The status words of replies.
+constexpr const char kStatusSuccess[] = "SUCCESS";
+constexpr const char kStatusSuccessCompress[] = "SUCCESS_COMPRESS";
+
+// Owns both messages and their blocks. Build the request, send, read the reply; once each.
+class Exchange {
+ public:
+  // Blocks of `request_bytes` and `reply_bytes`, the request stamped with `command`.
+  Exchange(std::uint32_t command, std::uint32_t request_bytes, std::uint32_t reply_bytes);
+
+  CMsgContent& Request() { return request_; }
+  CMsgContent& Reply() { return reply_; }
+
+  // Sends over the socket transport to the module's server and returns the transport's result.
+  [[nodiscard]] int Send();
+  // The same to a server of the caller's choice.
+  [[nodiscard]] int SendTo(const char* server, std::uint32_t port);
+  // The same over the HTTP transport.
+  [[nodiscard]] int SendOverWeb(int compress);
+
+ private:
+  CAutoBuf request_block_;
+  CAutoBuf reply_block_;
+  CMsgContent request_;
+  CMsgContent reply_;
+};
+
+}  // namespace qv

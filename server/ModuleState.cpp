@@ -1,0 +1,36 @@
+#include "ModuleState.h"
+
+#include "platform/Platform.h"
+
+namespace qv {
+
+ModuleState::ModuleState() { Reset(); }
+
+ModuleState& ModuleState::Get() {
+  static ModuleState state;
+  return state;
+}
+
+void ModuleState::Reset() {
+  server_name.clear();
+  server_port = 0;
+  use_local_database = 0;
+  care_open_connection = 1;
+  local_database = nullptr;
+  module_file = platform::ModuleFile();
+  server_type.Clear();
+  settings.need_update = 1;
+  settings.server_set_cache = 0;
+  settings.server_compress = 0;
+  settings.default_select_compress = 0;
+  settings.default_display_compress = 0;
+  settings.default_display_domain = 0;
+  cache.Reset();
+}
+
+std::string ModuleFolder(std::size_t max_path) {
+  const std::string path = ModuleState::Get().module_file.substr(0, max_path);
+  return path.substr(0, path.rfind(platform::kSeparator) + 1);
+}
+
+}  // namespace qv

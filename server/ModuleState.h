@@ -1,0 +1,58 @@
+// Everything that the library keeps for the whole process, in one place that a test can reset.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+#include "ServerTypeMemo.h"
+#include "cache/QueryCache.h"
+#include "localdb/LocalDatabase.h"
+#include "qvnetcall/TempFileInfo.h"
+
+namespace qv {
+
+// The server's settings, as calls load and read them, and whether they are due.
+struct ServerSettings {
+  std::atomic<int> need_update = 1;
+  std::atomic<int> server_set_cache = 0;
+  std::atomic<int> server_compress = 0;
+  std::atomic<int> default_select_compress = 0;
+  std::atomic<int> default_display_compress = 0;
+  std::atomic<int> default_display_domain = 0;
+};
+
+// There are no locks. What set-up writes is plain; what calls write is atomic.
+struct ModuleState {
+  // The process's state.
+  static ModuleState& Get();
+
+  // Back to how it is at load, the folder of temporary files apart; while no call runs.
+  void Reset();
+
+  // Set-up writes these.
+  std::string server_name;
+  std::uint32_t server_port = 0;
+  int use_local_database = 0;
+  // Non-zero leaves opening and closing local databases to the host.
+  int care_open_connection = 1;
+  // Not owned; null while there is no direct access.
+  LocalDatabase* local_database = nullptr;
+  tagTEMPFILEINFO temp_files{};
+  // The file that this code was loaded from.
+  std::string module_file;
+
+  // Calls write these.
+  ServerTypeMemo server_type;
+  ServerSettings settings;
+  QueryCache cache;
+
+ private:
+  ModuleState();
+};
+
+// The folder of the module's file with its separator, the file's path cut to `max_path` bytes
+// before.
+[[nodiscard]] std::string ModuleFolder(std::size_t max_path = std::string::npos);
+
+}  // namespace qv

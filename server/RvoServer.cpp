@@ -1,0 +1,169 @@
+#include "qvnetcall/RvoServer.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "Exchange.h"
+#include "ModuleState.h"
+#include "ServerType.h"
+#include "framework/DecimalText.h"
+#include "platform/Platform.h"
+#include "qvnetcall/transport/QvHttpClient.h"
+#include "qvnetcall/transport/QvNetClient4.h"
+
+using qv::Exchange;
+using qv::ModuleState;
+
+namespace {
+
+// Command codes, and what travels with them.
+constexpr std::uint32_t kCheckLink = 3;              // no fields; reply: status
+constexpr std::uint32_t kGetParameter = 0xFFFFFFFF;  // name; reply: "1" when known, value
+constexpr std::uint32_t kSetParameter = 0xFFFFFFFE;  // name, value; reply: "1" when set
+constexpr std::uint32_t kConnectionText = 710;       // database; reply: "1" when known, text
+
+constexpr std::uint32_t kLinkBlock = 1024;
+constexpr std::uint32_t kRequestBlock = 10240;
+constexpr std::uint32_t kReplyBlock = 512000;
+
+// Whether the transport shows its messages to the user; off while a server is probed.
+constexpr const char kShowMessages[] = "dispmsg";
+
+constexpr std::size_t kMaxModulePath = 254;
+constexpr std::size_t kMaxServerType = 99;
+
+template <class Number>
+std::uint32_t ToPort(Number port) {
+  constexpr Number kMax = std::numeric_limits<std::uint32_t>::max();
+  return static_cast<std::uint32_t>(std::clamp(port, Number{0}, kMax));
+}
+
+// Reads the flag that replies of this kind start with.
+bool FlagIsSet(CMsgContent& reply) {
+  return qv::DecimalToInt32(reply.GetString(nullptr).View()) == 1;
+}
+
+std::string ConfiguredServerType() {
+  const std::string file = qv::ModuleFolder(kMaxModulePath) + "QvNetClient.ini";
+  const std::optional<std::string> type = qv::platform::ReadIniValue(file, "Basic", "ServerType");
+  return type.value_or("").substr(0, kMaxServerType);
+}
+
+}  // namespace
+
+void CRvoServer::InitNet() {
+  HttpworkTransInit();
+  NetworkTransInit();
+}
+
+void CRvoServer::FinitNet() {
+  HttpworkTransFini();
+  NetworkTransFini();
+}
+
+int CRvoServer::SetConinfo(const char* server, long port) {
+  ModuleState& state = ModuleState::Get();
+  state.server_name = server != nullptr ? server : "";
+  state.server_port = ToPort(port);
+  return 1;
+}
+
+int CRvoServer::GetServerType(CString& type, CString server, unsigned long port) {
+  qv::ServerTypeMemo& memo = ModuleState::Get().server_type;
+  if (const auto known = memo.Find(server.View(), port); known && !known->empty()) {
+    type = CString(std::string_view(*known));
+    return 1;
+  }
+  std::string found = ConfiguredServerType();
+  if (found.empty()) {
+    found = CheckServerLink(server, port) == 1 ? qv::kServerTypeSocket : qv::kServerTypeWeb;
+  }
+  memo.Remember(server.View(), port, found);
+  type = CString(std::string_view(found));
+  return 1;
+}
+
+int CRvoServer::CheckServerLink(CString server, unsigned long port) {
+  Exchange exchange(kCheckLink, kLinkBlock, kLinkBlock);
+  CString show_messages;
+  GetNetClientPara(kShowMessages, show_messages);
+  SetNetClientPara(kShowMessages, "0");
+  const int result = exchange.SendTo(server, ToPort(port));
+  SetNetClientPara(kShowMessages, show_messages);
+  if (result == qv::kNotDelivered) return 0;
+  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : 0;
+}
+
+// The two calls for parameters take only 0 for delivered, where others take anything but "not
+// delivered".
+int CRvoServer::SetNetClientPara(CString name, CString value) {
+  Exchange exchange(kSetParameter, kLinkBlock, kLinkBlock);
+  exchange.Request().AddString(name, nullptr);
+  exchange.Request().AddString(value, nullptr);
+  return exchange.Send() == 0 && FlagIsSet(exchange.Reply()) ? 1 : 0;
+}
+
+int CRvoServer::GetNetClientPara(CString name, CString& value) {
+  Exchange exchange(kGetParameter, kLinkBlock, kLinkBlock);
+  exchange.Request().AddString(name, nullptr);
+  if (exchange.Send() != 0 || !FlagIsSet(exchange.Reply())) return 0;
+  // No field holds an empty text, so an empty value is a missing one.
+  value = exchange.Reply().GetString(nullptr);
+  return 1;
+}
+
+int CRvoServer::GetIsNetworkBad(int n) { return NetworkIsBadState(n); }
+
+int CRvoServer::GetWebLoginToken(char* token) { return HttpworkLoginToken(token); }
+
+CString CRvoServer::GetDBConnString(CString database) {
+  Exchange exchange(kConnectionText, kRequestBlock, kReplyBlock);
+  exchange.Request().AddString(database, nullptr);
+  if (exchange.Send() == qv::kNotDelivered || !FlagIsSet(exchange.Reply())) return {};
+  return exchange.Reply().GetString(nullptr);
+}
+
+int CRvoServer::OpenLocalDB(CString database, CString connection) {
+  qv::LocalDatabase* const local = ModuleState::Get().local_database;
+  return local != nullptr ? local->Open(database, connection) : 0;
+}
+
+int CRvoServer::CloseLocalDB(CString database) {
+  qv::LocalDatabase* const local = ModuleState::Get().local_database;
+  return local != nullptr ? local->Close(database) : 0;
+}
+
+int CRvoServer::UseLocalDB(int on) {
+  ModuleState::Get().use_local_database = on;
+  return 1;
+}
+
+int CRvoServer::CareOpenDBConn(int on) {
+  ModuleState::Get().care_open_connection = on;
+  return 1;
+}
+
+int CRvoServer::SetCacheState(int state) {
+  if (qv::IsWebServer()) return 0;
+  if (state < qv::kOnline || state > qv::kNetworkBad) return 0;
+  ModuleState::Get().cache.SetState(state);
+  if (state == qv::kNetworkBad) NetworkBadState(1);
+  if (state == qv::kOnline) NetworkBadState(0);
+  return 1;
+}
+
+int CRvoServer::GetCacheState(int n) {
+  if (qv::IsWebServer()) return 0;
+  qv::QueryCache& cache = ModuleState::Get().cache;
+  if (cache.State() == qv::kOfflineByChoice) return qv::kOfflineByChoice;
+  if (GetIsNetworkBad(n) == 0 && cache.State() == qv::kNetworkBad) cache.SetState(qv::kOnline);
+  if (GetIsNetworkBad(n) == 1 && cache.State() == qv::kOnline) cache.SetState(qv::kNetworkBad);
+  return cache.State();
+}
+
+int CRvoServer::SetCachePath(const char* path) {
+  return ModuleState::Get().cache.SetPath(path != nullptr ? path : "") ? 1 : 0;
+}
+
+int CRvoServer::ClearCurCache() { return ModuleState::Get().cache.Clear() ? 1 : 0; }
