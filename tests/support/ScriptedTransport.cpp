@@ -1,0 +1,137 @@
+#include "ScriptedTransport.h"
+
+#include <cstring>
+
+#include "message/MsgContent.h"
+#include "qvnetcall/transport/QvHttpClient.h"
+#include "qvnetcall/transport/QvNetClient4.h"
+
+namespace qv::test {
+
+namespace {
+
+constexpr std::uint32_t kGetParameter = 0xFFFFFFFF;
+constexpr std::uint32_t kSetParameter = 0xFFFFFFFE;
+
+std::string PayloadOf(const CMsgContent& message) {
+  if (message.OverflowStore().Length() != 0) {
+    const auto* const bytes = reinterpret_cast<const char*>(message.OverflowStore().Bytes());
+    return std::string(bytes, message.OverflowStore().Length()).substr(MessageBlock::kSpillPrefix);
+  }
+  const CFIFOClass& queue = message.Queue();
+  return {reinterpret_cast<const char*>(queue.Area()), queue.WritePosition()};
+}
+
+std::vector<std::string> FieldsOf(const std::string& payload) {
+  std::vector<std::string> fields;
+  for (std::size_t at = 0; at + 4 < payload.size();) {
+    const std::size_t length = LoadU32(payload.data() + at);
+    fields.push_back(payload.substr(at + 4, length));
+    at += 4 + length + 1;
+  }
+  return fields;
+}
+
+void Fill(CMsgContent& reply, const std::string& payload) {
+  if (payload.size() > reply.Queue().Capacity()) throw std::length_error("reply too large");
+  std::memcpy(reply.Queue().Area(), payload.data(), payload.size());
+  static_cast<void>(reply.Queue().SetFilled(static_cast<std::uint32_t>(payload.size())));
+}
+
+int AnswerParameter(const SentRequest& request, ScriptedReply& reply) {
+  ScriptedTransport& transport = ScriptedTransport::Get();
+  const std::string name = request.fields.at(0);
+  if (request.command == kSetParameter) {
+    const std::string value = request.fields.size() > 1 ? request.fields[1] : "";
+    transport.parameter_log.push_back(name + "=" + value);
+    transport.parameters[name] = value;
+    reply.Text("1");
+  } else if (transport.parameters.contains(name)) {
+    reply.Text("1").Text(transport.parameters[name]);
+  } else {
+    reply.Text("0");
+  }
+  return transport.parameter_result;
+}
+
+int Deliver(const SentRequest& request, CMsgContent& reply) {
+  ScriptedTransport& transport = ScriptedTransport::Get();
+  ScriptedReply scripted;
+  int result = 0;
+  if (request.command == kGetParameter || request.command == kSetParameter) {
+    result = AnswerParameter(request, scripted);
+  } else {
+    transport.requests.push_back(request);
+    result = transport.handler(request, scripted);
+  }
+  Fill(reply, scripted.Payload());
+  return result;
+}
+
+SentRequest Record(bool web, const char* server, std::uint32_t port, const CMsgContent& request,
+                   const CMsgContent& reply, int compress) {
+  const std::string payload = PayloadOf(request);
+  return {web,
+          server,
+          port,
+          request.Command(),
+          payload,
+          FieldsOf(payload),
+          reply.FileName(),
+          request.MsgFlag(),
+          compress};
+}
+
+}  // namespace
+
+ScriptedReply& ScriptedReply::Text(std::string_view text) {
+  char length[4];
+  StoreU32(length, static_cast<std::uint32_t>(text.size()));
+  payload_.append(length, sizeof length).append(text).push_back('\0');
+  return *this;
+}
+
+ScriptedReply& ScriptedReply::Number(std::int32_t number) {
+  char bytes[4];
+  StoreU32(bytes, static_cast<std::uint32_t>(number));
+  return Text({bytes, sizeof bytes});
+}
+
+ScriptedTransport& ScriptedTransport::Get() {
+  static ScriptedTransport transport;
+  return transport;
+}
+
+}  // namespace qv::test
+
+using qv::test::ScriptedTransport;
+
+extern "C" {
+
+void NetworkTransInit() { ScriptedTransport::Get().life.push_back("socket init"); }
+void NetworkTransFini() { ScriptedTransport::Get().life.push_back("socket fini"); }
+void HttpworkTransInit() { ScriptedTransport::Get().life.push_back("web init"); }
+void HttpworkTransFini() { ScriptedTransport::Get().life.push_back("web fini"); }
+
+int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
+                    CMsgContent& reply) {
+  return qv::test::Deliver(qv::test::Record(false, server, port, request, reply, 0), reply);
+}
+
+int HttpworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
+                     CMsgContent& reply, int compress) {
+  return qv::test::Deliver(qv::test::Record(true, server, port, request, reply, compress), reply);
+}
+
+int NetworkIsBadState(int n) {
+  ScriptedTransport::Get().bad_state_questions.push_back(n);
+  return ScriptedTransport::Get().bad_state;
+}
+
+void NetworkBadState(int bad) { ScriptedTransport::Get().declared_bad_states.push_back(bad); }
+
+int HttpworkLoginToken(char* token) {
+  std::strcpy(token, "scripted-token");
+  return 1;
+}
+}

@@ -1,0 +1,63 @@
+// Both transports as a script: what the library sends is recorded, what it receives is chosen by
+// the test. Linking this replaces the transport libraries.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qv::test {
+
+struct SentRequest {
+  bool web;
+  std::string server;
+  std::uint32_t port;
+  std::uint32_t command;
+  std::string payload;
+  std::vector<std::string> fields;
+  std::string reply_file_name;
+  int message_flag;
+  int compress;
+};
+
+// The fields of a reply, as bytes.
+class ScriptedReply {
+ public:
+  ScriptedReply& Text(std::string_view text);
+  ScriptedReply& Number(std::int32_t number);
+  ScriptedReply& Raw(std::string_view bytes) {
+    payload_ += bytes;
+    return *this;
+  }
+
+  [[nodiscard]] const std::string& Payload() const { return payload_; }
+
+ private:
+  std::string payload_;
+};
+
+class ScriptedTransport {
+ public:
+  // Answers a request: fills the reply and returns the transport's result.
+  using Handler = std::function<int(const SentRequest&, ScriptedReply&)>;
+
+  static ScriptedTransport& Get();
+  // Forgets everything; nothing is delivered until a handler is there.
+  void Reset() { *this = ScriptedTransport(); }
+
+  Handler handler = [](const SentRequest&, ScriptedReply&) { return -1; };
+  // Without the transport's own parameters, which are kept in `parameters`.
+  std::vector<SentRequest> requests;
+  std::vector<std::string> parameter_log;
+  std::map<std::string, std::string> parameters = {{"dispmsg", "1"}};
+  int parameter_result = 0;
+  int bad_state = 0;
+  std::vector<int> bad_state_questions;
+  std::vector<int> declared_bad_states;
+  std::vector<std::string> life;
+};
+
+}  // namespace qv::test
