@@ -18,12 +18,14 @@ std::int32_t FormatFixed(double value, FixedText& text) {
   return static_cast<std::int32_t>(std::snprintf(text.data(), text.size(), "%f", value));
 }
 
-// From each of these on, six decimals round up to one more digit before the point. They are the
-// smallest such doubles; from ten digits on, doubles are too far apart for rounding to matter.
+// From each of these on, six decimals round up to one more digit before the point: the smallest
+// doubles that are not below 10 - 0.0000005, 100 - 0.0000005 and so on. From ten digits on, doubles
+// are too far apart for it to matter.
 constexpr std::array<double, 15> kDigitThresholds = {
-    9.9999995,      99.9999995,      999.9999995,      9999.9999995,      99999.9999995,
-    999999.9999995, 9999999.9999995, 99999999.9999995, 999999999.9999995, 10000000000.0,
-    100000000000.0, 1000000000000.0, 10000000000000.0, 100000000000000.0, 1000000000000000.0};
+    0x1.3ffffef39086p+3,   0x1.8fffffde7210cp+6,  0x1.f3fffffbce422p+9,  0x1.387fffffbce43p+13,
+    0x1.869ffffff79c9p+16, 0x1.e847fffffef3ap+19, 0x1.312cffffffef4p+23, 0x1.7d783ffffffdfp+26,
+    0x1.dcd64fffffffcp+29, 0x1.2a05f2p+33,        0x1.74876e8p+36,       0x1.d1a94a2p+39,
+    0x1.2309ce54p+43,      0x1.6bcc41e9p+46,      0x1.c6bf52634p+49};
 
 }  // namespace
 

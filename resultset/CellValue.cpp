@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <optional>
 
 #include "ByteScan.h"
 #include "CellText.h"
@@ -41,12 +42,14 @@ double ParseHexDouble(std::string_view digits) {
   return tiny ? 0.0 : std::numeric_limits<double>::infinity();
 }
 
-double ParseUnsigned(std::string_view text) {
-  if (text.empty() || text.front() == '-' || text.front() == '+') return 0.0;
+// Nothing when there is no number at all; then a sign before it means nothing either.
+std::optional<double> ParseUnsigned(std::string_view text) {
+  if (text.empty() || text.front() == '-' || text.front() == '+') return std::nullopt;
   if (IsHexDouble(text)) return ParseHexDouble(text.substr(2));
   double value = 0.0;
   const auto parsed = fast_float::from_chars(text.data(), text.data() + text.size(), value);
-  return parsed.ec == std::errc::invalid_argument ? 0.0 : value;
+  if (parsed.ec == std::errc::invalid_argument) return std::nullopt;
+  return value;
 }
 
 // The character behind "&#x", two digits and ";" at `p`, or 0. At least six bytes can be read.
@@ -98,8 +101,9 @@ double ParseDouble(std::string_view text) {
   text = WithoutLeadingSpace(text);
   const bool negative = text.starts_with('-');
   if (negative || text.starts_with('+')) text.remove_prefix(1);
-  const double value = ParseUnsigned(text);
-  return negative ? -value : value;
+  const std::optional<double> value = ParseUnsigned(text);
+  if (!value) return 0.0;
+  return negative ? -*value : *value;
 }
 
 DateValue ParseDate(std::string_view text) {
