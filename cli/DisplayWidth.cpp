@@ -1,0 +1,117 @@
+#include "DisplayWidth.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+
+#include "WidthRanges.h"
+
+namespace qv {
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+bool IsIn(std::span<const CharRange> ranges, char32_t character) {
+  const auto next =
+      std::upper_bound(ranges.begin(), ranges.end(), character,
+                       [](char32_t value, const CharRange& range) { return value < range.first; });
+  return next != ranges.begin() && character <= std::prev(next)->last;
+}
+
+bool IsPlain(char ch) { return ch >= 0x20 && ch < 0x7f; }
+
+// A terminal would obey these, or show the characters around them in another order.
+bool IsHidden(char32_t character) {
+  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x61c ||
+         character == 0x200e || character == 0x200f ||
+         (character >= 0x2028 && character <= 0x202e) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
+std::size_t AppendSpeltOut(char32_t character, std::string& line) {
+  const std::size_t before = line.size();
+  const auto value = static_cast<unsigned>(character);
+  switch (value) {
+    case '\t':
+      line += "\\t";
+      break;
+    case '\n':
+      line += "\\n";
+      break;
+    case '\r':
+      line += "\\r";
+      break;
+    default:
+      line += value < 0x100 ? fmt::format("\\x{:02x}", value) : fmt::format("\\u{:04x}", value);
+  }
+  return line.size() - before;
+}
+
+// How many bytes a character that begins with `lead` has; 0 when none does.
+std::size_t LengthByLead(unsigned char lead) {
+  if (lead < 0x80) return 1;
+  if (lead >= 0xc2 && lead < 0xe0) return 2;
+  if (lead >= 0xe0 && lead < 0xf0) return 3;
+  if (lead >= 0xf0 && lead < 0xf5) return 4;
+  return 0;
+}
+
+// Not a surrogate, not beyond the last character, and not longer than it has to be.
+bool IsWellFormed(char32_t value, std::size_t bytes) {
+  if (bytes == 3) return value >= 0x800 && (value < 0xd800 || value > 0xdfff);
+  if (bytes == 4) return value >= 0x10000 && value <= 0x10ffff;
+  return true;
+}
+
+}  // namespace
+
+DecodedChar DecodeUtf8(std::string_view text) {
+  const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+  const unsigned char lead = byte(0);
+  const DecodedChar invalid{lead, 1, false};
+  const std::size_t length = LengthByLead(lead);
+  if (length == 1) return {lead, 1, true};
+  if (length == 0 || length > text.size()) return invalid;
+  char32_t value = lead & (0x7fU >> length);
+  for (std::size_t at = 1; at < length; ++at) {
+    if ((byte(at) & 0xc0U) != 0x80U) return invalid;
+    value = (value << 6U) | (byte(at) & 0x3fU);
+  }
+  if (!IsWellFormed(value, length)) return invalid;
+  return {value, length, true};
+}
+
+int CellsOf(char32_t character) {
+  if (character < 0x300) return 1;
+  if (IsIn(kNoCell, character)) return 0;
+  return IsIn(kTwoCells, character) ? 2 : 1;
+}
+
+std::size_t AppendVisible(std::string_view text, std::string& line) {
+  std::size_t cells = 0;
+  while (!text.empty()) {
+    const auto plain_end = std::find_if_not(text.begin(), text.end(), IsPlain);
+    const auto plain = static_cast<std::size_t>(plain_end - text.begin());
+    line += text.substr(0, plain);
+    cells += plain;
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+
+    const DecodedChar next = DecodeUtf8(text);
+    if (!next.valid) {
+      line += kReplacement;
+      cells += 1;
+    } else if (IsHidden(next.value)) {
+      cells += AppendSpeltOut(next.value, line);
+    } else {
+      line += text.substr(0, next.bytes);
+      cells += static_cast<std::size_t>(CellsOf(next.value));
+    }
+    text.remove_prefix(next.bytes);
+  }
+  return cells;
+}
+
+}  // namespace qv

@@ -1,0 +1,30 @@
+// How text looks on a terminal: how many cells it takes, and what is shown for bytes that a
+// terminal would not show or would obey.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace qv {
+
+// One character at the start of a text, and how many bytes it takes there.
+struct DecodedChar {
+  char32_t value;
+  std::size_t bytes;
+  bool valid;
+};
+
+// The first character of `text`, which is not empty. A byte that does not begin a character of
+// well-formed UTF-8 stands for itself alone and is not valid.
+[[nodiscard]] DecodedChar DecodeUtf8(std::string_view text);
+
+// 0 for marks that join the character before them, 2 for wide characters, else 1.
+[[nodiscard]] int CellsOf(char32_t character);
+
+// Appends `text` to `line` as it can be shown and returns the cells that it takes. Control
+// characters and those that turn the direction of writing are spelt out ("\n", "\x1b", "\u202e"),
+// an invalid byte becomes U+FFFD.
+std::size_t AppendVisible(std::string_view text, std::string& line);
+
+}  // namespace qv

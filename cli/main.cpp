@@ -1,0 +1,45 @@
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <exception>
+#include <iostream>
+
+#include "cli/CommandLine.h"
+#include "cli/Ping.h"
+#include "cli/Query.h"
+
+namespace {
+
+int Run(int argc, char** argv) {
+  const qv::ParsedCommandLine parsed = qv::ParseCommandLine(argc, argv, std::cout, std::cerr);
+  if (parsed.exit_status) return *parsed.exit_status;
+  const qv::CommandLine& command = parsed.command;
+  if (!command.query) return qv::RunPing(command.connection, std::cout, std::cerr);
+  return qv::RunQuery(command.connection, *command.query, std::cin, std::cout, std::cerr);
+}
+
+// Success counts only when everything reached its reader.
+int AfterFlush(int status) {
+  std::cout.flush();
+  if (std::cout.good()) return status;
+  // Only a failed write makes the stream bad, and nothing that could fail ran since.
+  const char* reason = errno != 0 ? std::strerror(errno) : "cannot be written";
+  std::cerr << "qvcall: standard output: " << reason << '\n';
+  return qv::kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+#ifdef SIGPIPE
+  // A reader that went away shall be a failed write, so that the tool ends in order.
+  std::signal(SIGPIPE, SIG_IGN);
+#endif
+  std::ios::sync_with_stdio(false);
+  try {
+    return AfterFlush(Run(argc, argv));
+  } catch (const std::exception& error) {
+    std::cerr << "qvcall: " << error.what() << '\n';
+    return qv::kFailed;
+  }
+}
