@@ -82,8 +82,8 @@ class RowWalker {
  public:
   RowWalker(std::string_view text, std::string_view tag, std::size_t start)
       : text_(text),
-        opening_("<" + std::string(tag)),
-        closing_("</" + std::string(tag)),
+        opening_('<' + std::string(tag)),
+        closing_(std::string("</").append(tag)),
         last_closing_(text.rfind(closing_)),
         tag_end_(text, ">"),
         empty_close_(text, "/>"),
