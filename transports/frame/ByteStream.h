@@ -1,0 +1,21 @@
+// What frames travel over: a connection, as the code that reads and writes frames sees it.
+#pragma once
+
+#include <initializer_list>
+
+#include "Frame.h"
+
+namespace qv {
+
+// Blocks for as long as its implementation allows a stretch without progress to last.
+class ByteStream {
+ public:
+  virtual ~ByteStream() = default;
+
+  // Fills `bytes`. False when the connection ended, failed or stood still before that.
+  [[nodiscard]] virtual bool Read(WritableBytes bytes) = 0;
+  // Writes all of `pieces`, back to back. False likewise.
+  [[nodiscard]] virtual bool Write(std::initializer_list<Bytes> pieces) = 0;
+};
+
+}  // namespace qv

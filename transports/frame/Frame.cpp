@@ -1,0 +1,96 @@
+#include "Frame.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+
+#include "message/LittleEndian.h"
+#include "message/MsgContentBase.h"
+
+namespace qv {
+
+static_assert(kFrameBlockSize == MessageBlock::kPayload);
+
+namespace {
+
+// Reads "QvN4" in a dump.
+constexpr std::uint32_t kMagic = 0x344E7651;
+constexpr std::uint32_t kVersion = 1;
+constexpr std::uint64_t kNoFile = std::numeric_limits<std::uint64_t>::max();
+
+// Where a header's fields stand.
+constexpr std::size_t kMagicAt = 0;
+constexpr std::size_t kVersionAndKindAt = 4;
+constexpr std::size_t kPayloadLengthAt = 8;
+constexpr std::size_t kFileLengthAt = 16;
+constexpr std::size_t kTokenLengthAt = 24;
+constexpr std::size_t kHeaderChecksumAt = 28;
+static_assert(kHeaderChecksumAt + kFrameChecksumSize == kFrameHeaderSize);
+
+// The version is the low half of its word, the kind the high one.
+std::uint32_t VersionAndKind(FrameKind kind) {
+  return kVersion | static_cast<std::uint32_t>(kind) << 16;
+}
+
+bool IsWithinFormat(const FrameHeader& header) {
+  if (header.payload_length > kMaxPayload) return false;
+  if (header.file_length && *header.file_length > kMaxFile) return false;
+  return header.token_length <= (header.kind == FrameKind::kRequest ? kMaxToken : 0);
+}
+
+}  // namespace
+
+std::uint32_t Crc32(std::uint32_t start, Bytes bytes) {
+  // Without bytes there may be no pointer either, which the function takes for a request to reset.
+  if (bytes.empty()) return start;
+  return static_cast<std::uint32_t>(::crc32_z(start, bytes.data(), bytes.size()));
+}
+
+std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& header) {
+  std::array<unsigned char, kFrameHeaderSize> bytes{};
+  StoreU32(&bytes[kMagicAt], kMagic);
+  StoreU32(&bytes[kVersionAndKindAt], VersionAndKind(header.kind));
+  StoreU64(&bytes[kPayloadLengthAt], header.payload_length);
+  StoreU64(&bytes[kFileLengthAt], header.file_length.value_or(kNoFile));
+  StoreU32(&bytes[kTokenLengthAt], header.token_length);
+  StoreU32(&bytes[kHeaderChecksumAt], Crc32(0, Bytes(bytes).first(kHeaderChecksumAt)));
+  return bytes;
+}
+
+FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes, FrameKind expected,
+                         const FrameLimits& limits, FrameHeader& header) {
+  if (LoadU32(&bytes[kMagicAt]) != kMagic) return FrameStatus::kMalformed;
+  if (LoadU32(&bytes[kHeaderChecksumAt]) != Crc32(0, bytes.first(kHeaderChecksumAt))) {
+    return FrameStatus::kBadChecksum;
+  }
+  if (LoadU32(&bytes[kVersionAndKindAt]) != VersionAndKind(expected))
+    return FrameStatus::kMalformed;
+  FrameHeader decoded{.kind = expected,
+                      .token_length = LoadU32(&bytes[kTokenLengthAt]),
+                      .payload_length = LoadU64(&bytes[kPayloadLengthAt]),
+                      .file_length = LoadU64(&bytes[kFileLengthAt])};
+  if (decoded.file_length == kNoFile) decoded.file_length.reset();
+  if (!IsWithinFormat(decoded)) return FrameStatus::kMalformed;
+  if (decoded.payload_length > limits.payload || decoded.file_length.value_or(0) > limits.file) {
+    return FrameStatus::kDoesNotFit;
+  }
+  header = decoded;
+  return FrameStatus::kDone;
+}
+
+std::array<unsigned char, kChunkHeaderSize> EncodeChunk(const ChunkHeader& chunk) {
+  std::array<unsigned char, kChunkHeaderSize> bytes{};
+  StoreU32(&bytes[0], chunk.length);
+  StoreU32(&bytes[4], chunk.checksum);
+  return bytes;
+}
+
+FrameStatus DecodeChunk(std::span<const unsigned char, kChunkHeaderSize> bytes,
+                        std::uint64_t remaining, ChunkHeader& chunk) {
+  chunk = {.length = LoadU32(&bytes[0]), .checksum = LoadU32(&bytes[4])};
+  const std::uint64_t most = std::min<std::uint64_t>(remaining, kMaxChunk);
+  const bool ends_at_end = (chunk.length == 0) == (remaining == 0);
+  return chunk.length <= most && ends_at_end ? FrameStatus::kDone : FrameStatus::kMalformed;
+}
+
+}  // namespace qv

@@ -1,0 +1,63 @@
+#include "FrameFile.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+// Beside `path`, so that taking the name is one step; not made from the file's own name, which may
+// be as long as a name can be.
+std::string TemporaryBeside(const std::string& path) {
+  const std::size_t separator = path.rfind(platform::kSeparator);
+  const std::size_t name = separator == std::string::npos ? 0 : separator + 1;
+  return path.substr(0, name) + "~" + platform::NewGuid() + ".part";
+}
+
+}  // namespace
+
+std::optional<OutgoingFile> OutgoingFile::Open(const std::string& path) {
+  std::error_code error;
+  // Also keeps the sender from waiting for ever on a pipe.
+  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+  const std::uintmax_t length = std::filesystem::file_size(path, error);
+  if (error || length > kMaxFile) return std::nullopt;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  return OutgoingFile(std::move(file), length);
+}
+
+bool OutgoingFile::Read(WritableBytes bytes) {
+  file_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  return file_.good();
+}
+
+IncomingFile::IncomingFile(std::string path)
+    : path_(std::move(path)),
+      temporary_(TemporaryBeside(path_)),
+      file_(platform::CreatePrivateFile(temporary_, platform::Create::kNew)) {}
+
+IncomingFile::~IncomingFile() {
+  if (file_ == nullptr) return;
+  Close();
+  platform::RemoveFile(temporary_);
+}
+
+bool IncomingFile::Write(Bytes bytes) {
+  return std::fwrite(bytes.data(), 1, bytes.size(), file_) == bytes.size();
+}
+
+bool IncomingFile::Commit() {
+  // A full disk may only show when the last bytes leave the buffer.
+  if (Close() && platform::ReplaceFile(temporary_, path_)) return true;
+  platform::RemoveFile(temporary_);
+  return false;
+}
+
+bool IncomingFile::Close() { return std::fclose(std::exchange(file_, nullptr)) == 0; }
+
+}  // namespace qv

@@ -1,0 +1,136 @@
+#include "FrameIo.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "message/LittleEndian.h"
+
+namespace qv {
+
+namespace {
+
+// Listeners hear of every so many bytes, and of the last.
+constexpr std::uint64_t kProgressStep = 1ULL << 20;
+
+class ProgressReport {
+ public:
+  ProgressReport(const FileProgress& listener, std::uint64_t total)
+      : listener_(listener), total_(total) {}
+
+  void Advance(std::uint64_t bytes) {
+    done_ += bytes;
+    if (!listener_ || (done_ < next_ && done_ != total_)) return;
+    next_ = done_ + kProgressStep;
+    listener_(done_, total_);
+  }
+
+ private:
+  const FileProgress& listener_;
+  std::uint64_t total_;
+  std::uint64_t done_ = 0;
+  std::uint64_t next_ = kProgressStep;
+};
+
+std::array<unsigned char, kFrameChecksumSize> BodyChecksum(Bytes token, Bytes block,
+                                                           Bytes payload) {
+  std::array<unsigned char, kFrameChecksumSize> bytes{};
+  StoreU32(bytes.data(), Crc32(Crc32(Crc32(0, token), block), payload));
+  return bytes;
+}
+
+FrameStatus SendChunks(ByteStream& stream, OutgoingFile& file, const FileProgress& progress) {
+  std::vector<unsigned char> buffer(
+      static_cast<std::size_t>(std::min<std::uint64_t>(file.Length(), kChunkSize)));
+  ProgressReport report(progress, file.Length());
+  std::uint32_t checksum = 0;
+  for (std::uint64_t left = file.Length(); left != 0;) {
+    const auto length = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, kChunkSize));
+    const WritableBytes bytes = WritableBytes(buffer).first(length);
+    if (!file.Read(bytes)) return FrameStatus::kFileFailed;
+    checksum = Crc32(checksum, bytes);
+    if (!stream.Write({EncodeChunk({length, checksum}), bytes})) {
+      return FrameStatus::kConnectionLost;
+    }
+    left -= length;
+    report.Advance(length);
+  }
+  if (!stream.Write({EncodeChunk({0, checksum})})) return FrameStatus::kConnectionLost;
+  return FrameStatus::kDone;
+}
+
+// Hands the bytes of a file to `take`, piece by piece, each after its checksum held.
+FrameStatus ReceiveChunks(ByteStream& stream, std::uint64_t length, const FileProgress& progress,
+                          const std::function<bool(Bytes)>& take) {
+  std::vector<unsigned char> buffer;
+  ProgressReport report(progress, length);
+  std::uint32_t checksum = 0;
+  for (std::uint64_t left = length;;) {
+    std::array<unsigned char, kChunkHeaderSize> header_bytes{};
+    if (!stream.Read(header_bytes)) return FrameStatus::kConnectionLost;
+    ChunkHeader header;
+    const FrameStatus status = DecodeChunk(header_bytes, left, header);
+    if (status != FrameStatus::kDone) return status;
+    if (buffer.size() < header.length) buffer.resize(header.length);
+    const WritableBytes bytes = WritableBytes(buffer).first(header.length);
+    if (!stream.Read(bytes)) return FrameStatus::kConnectionLost;
+    checksum = Crc32(checksum, bytes);
+    if (checksum != header.checksum) return FrameStatus::kBadChecksum;
+    if (left == 0) return FrameStatus::kDone;
+    if (!take(bytes)) return FrameStatus::kFileFailed;
+    left -= header.length;
+    report.Advance(header.length);
+  }
+}
+
+}  // namespace
+
+FrameStatus SendFrame(ByteStream& stream, const OutgoingMessage& message, OutgoingFile* file,
+                      const FileProgress& progress) {
+  const bool fits = message.payload.size() <= kMaxPayload && message.token.size() <= kMaxToken;
+  if (!fits || message.block.size() != kFrameBlockSize) return FrameStatus::kDoesNotFit;
+  FrameHeader header{.kind = message.kind,
+                     .token_length = static_cast<std::uint32_t>(message.token.size()),
+                     .payload_length = message.payload.size(),
+                     .file_length = {}};
+  if (file != nullptr) header.file_length = file->Length();
+  const auto header_bytes = EncodeHeader(header);
+  const auto checksum = BodyChecksum(message.token, message.block, message.payload);
+  if (!stream.Write({header_bytes, message.token, message.block, message.payload, checksum})) {
+    return FrameStatus::kConnectionLost;
+  }
+  return file != nullptr ? SendChunks(stream, *file, progress) : FrameStatus::kDone;
+}
+
+FrameStatus ReceiveHeader(ByteStream& stream, FrameKind expected, const FrameLimits& limits,
+                          FrameHeader& header) {
+  std::array<unsigned char, kFrameHeaderSize> bytes{};
+  if (!stream.Read(bytes)) return FrameStatus::kConnectionLost;
+  return DecodeHeader(bytes, expected, limits, header);
+}
+
+FrameStatus ReceiveMessage(ByteStream& stream, const IncomingMessage& message) {
+  std::array<unsigned char, kFrameChecksumSize> checksum{};
+  for (const WritableBytes part :
+       {message.token, message.block, message.payload, WritableBytes(checksum)}) {
+    if (!stream.Read(part)) return FrameStatus::kConnectionLost;
+  }
+  const bool right = checksum == BodyChecksum(message.token, message.block, message.payload);
+  return right ? FrameStatus::kDone : FrameStatus::kBadChecksum;
+}
+
+FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length, const std::string& path,
+                        const FileProgress& progress) {
+  IncomingFile file(path);
+  if (!file.IsOpen()) return FrameStatus::kFileFailed;
+  const FrameStatus status =
+      ReceiveChunks(stream, length, progress, [&](Bytes bytes) { return file.Write(bytes); });
+  if (status != FrameStatus::kDone) return status;
+  return file.Commit() ? FrameStatus::kDone : FrameStatus::kFileFailed;
+}
+
+FrameStatus SkipFile(ByteStream& stream, std::uint64_t length) {
+  return ReceiveChunks(stream, length, nullptr, [](Bytes) { return true; });
+}
+
+}  // namespace qv

@@ -1,0 +1,56 @@
+// Whole frames over a byte stream, in steps that client and server share. Memory use does not
+// depend on the length of a file.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "ByteStream.h"
+#include "Frame.h"
+#include "FrameFile.h"
+
+namespace qv {
+
+// Hears how many bytes of a file have been sent or received, out of how many.
+using FileProgress = std::function<void(std::uint64_t done, std::uint64_t total)>;
+
+// A message on its way out. Nothing is owned.
+struct OutgoingMessage {
+  FrameKind kind = FrameKind::kRequest;
+  Bytes token;
+  // kFrameBlockSize bytes.
+  Bytes block;
+  Bytes payload;
+};
+
+// Where the parts of a message on its way in go, each of exactly the length that the header says.
+struct IncomingMessage {
+  WritableBytes token;
+  WritableBytes block;
+  WritableBytes payload;
+};
+
+// Sends a message and, when there is one, `file` behind it. A message above the limits is
+// kDoesNotFit, and nothing of it is sent. After any other failure the stream is in the middle of a
+// frame and of no further use; kFileFailed means that the file became shorter or unreadable.
+[[nodiscard]] FrameStatus SendFrame(ByteStream& stream, const OutgoingMessage& message,
+                                    OutgoingFile* file = nullptr,
+                                    const FileProgress& progress = nullptr);
+
+// Receiving is done in three steps: the header, which says how much room the message needs, the
+// message, and then the file, when header.file_length is there: to a path, or past. After any
+// failure the stream is of no further use.
+[[nodiscard]] FrameStatus ReceiveHeader(ByteStream& stream, FrameKind expected,
+                                        const FrameLimits& limits, FrameHeader& header);
+// Nothing in `message` may be trusted unless the result is kDone.
+[[nodiscard]] FrameStatus ReceiveMessage(ByteStream& stream, const IncomingMessage& message);
+// The file appears at `path`, readable by its owner only, when the last checksum held; until then
+// its bytes stand under a temporary name beside it, and after a failure nowhere.
+[[nodiscard]] FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length,
+                                      const std::string& path,
+                                      const FileProgress& progress = nullptr);
+// Reads and checks the file, and forgets it.
+[[nodiscard]] FrameStatus SkipFile(ByteStream& stream, std::uint64_t length);
+
+}  // namespace qv
