@@ -289,7 +289,7 @@ void RandomRecordset::DamageOnce(std::string& file) {
 }
 
 std::string RandomRecordset::Damaged(std::string file) {
-  for (std::size_t count = 1 + Below(5); count > 0; --count) DamageOnce(file);
+  for (std::size_t count = 1 + Below(OneIn(5) ? 40 : 5); count > 0; --count) DamageOnce(file);
   return file;
 }
 
