@@ -11,15 +11,17 @@ namespace {
 const std::map<std::string, Format> kFormats = {
     {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
 
+CLI::Validator NotEmpty() {
+  return {[](const std::string& text) {
+            return text.empty() ? std::string("must not be empty") : std::string();
+          },
+          ""};
+}
+
 void AddConnection(CLI::App& app, Connection& connection) {
-  const CLI::Validator not_empty(
-      [](const std::string& text) {
-        return text.empty() ? std::string("must not be empty") : std::string();
-      },
-      "");
   app.add_option("--server", connection.server, "Host name or address of the server")
       ->envname("QVCALL_SERVER")
-      ->check(not_empty)
+      ->check(NotEmpty())
       ->capture_default_str();
   app.add_option("--port", connection.port, "Port of the server")
       ->envname("QVCALL_PORT")
@@ -28,7 +30,7 @@ void AddConnection(CLI::App& app, Connection& connection) {
   app.add_option("--token", connection.token,
                  "Access token; the environment does not show it to other users")
       ->envname("QVCALL_TOKEN")
-      ->check(not_empty);
+      ->check(NotEmpty());
   app.add_option("--timeout-ms", connection.timeout_ms,
                  "Longest time to connect, and to wait without progress, in milliseconds")
       ->check(CLI::Range(1, std::numeric_limits<int>::max()));
@@ -43,7 +45,9 @@ QueryCommand AddQuery(CLI::App& app, QueryOptions& query) {
   CLI::App* command = app.add_subcommand("query", "Run a SELECT statement and print its rows");
   command->add_option("sql", query.sql, "The statement; - reads it from standard input")
       ->required();
-  command->add_option("--db", query.database, "Name of the database on the server")->required();
+  command->add_option("--db", query.database, "Name of the database on the server")
+      ->check(NotEmpty())
+      ->required();
   command->add_option("--format", query.format, "table, csv or json")
       ->transform(CLI::CheckedTransformer(kFormats))
       ->option_text("table|csv|json [table]");

@@ -42,17 +42,6 @@ std::string CellText(const COleDateTime& value) {
   return static_cast<const char*>(value.Format("%Y-%m-%d %H:%M:%S"));
 }
 
-std::int32_t DecimalLength(std::int32_t value) {
-  std::uint32_t rest = static_cast<std::uint32_t>(value);
-  std::int32_t length = 1;
-  if (value < 0) {
-    rest = 0 - rest;
-    ++length;
-  }
-  for (; rest >= 10; rest /= 10) ++length;
-  return length;
-}
-
 std::int32_t FixedLength(double value) {
   const double size = std::fabs(value);
   // Not-a-number fails the comparison as well.

@@ -52,6 +52,31 @@ std::optional<double> ParseUnsigned(std::string_view text) {
   return value;
 }
 
+// Year, month, day, hour, minute, second.
+using DateFields = std::array<std::int32_t, 6>;
+
+// Where each field starts; the year has four characters, the others two.
+constexpr std::array<std::size_t, 6> kFieldStarts = {0, 5, 8, 11, 14, 17};
+
+// Reads fields that are all digits, as dates are; false when they are not.
+bool ReadDigits(const char* text, DateFields& fields) {
+  bool all_digits = true;
+  const auto two = [&](const char* p) {
+    all_digits = all_digits && IsDigit(p[0]) && IsDigit(p[1]);
+    return static_cast<std::int32_t>(Digit(p[0]) * 10 + Digit(p[1]));
+  };
+  fields[0] = two(text) * 100 + two(text + 2);
+  for (std::size_t i = 1; i < fields.size(); ++i) fields[i] = two(text + kFieldStarts[i]);
+  return all_digits;
+}
+
+// Reads whatever numbers the fields hold.
+void ReadNumbers(std::string_view text, DateFields& fields) {
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    fields[i] = DecimalToInt32(text.substr(kFieldStarts[i], i == 0 ? 4 : 2));
+  }
+}
+
 // The character behind "&#x", two digits and ";" at `p`, or 0. At least six bytes can be read.
 char DecodeEntity(const char* p) {
   struct Entity {
@@ -110,10 +135,8 @@ DateValue ParseDate(std::string_view text) {
   constexpr std::size_t kDateLength = 19;
   constexpr std::int32_t kSeparators = 5;
   if (text.size() < kDateLength) return {};
-  const std::int32_t fields[] = {
-      DecimalToInt32(text.substr(0, 4)),  DecimalToInt32(text.substr(5, 2)),
-      DecimalToInt32(text.substr(8, 2)),  DecimalToInt32(text.substr(11, 2)),
-      DecimalToInt32(text.substr(14, 2)), DecimalToInt32(text.substr(17, 2))};
+  DateFields fields;
+  if (!ReadDigits(text.data(), fields)) ReadNumbers(text, fields);
   DateValue value;
   value.date.SetDateTime(fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]);
   value.display_length = kSeparators;

@@ -14,21 +14,22 @@ bool CanBeCompared(std::string_view name) {
 
 }  // namespace
 
-RowValues::Name RowValues::MakeName(std::string_view text) {
+RowValues::Name RowValues::MakeName(std::string_view text, char closing) {
+  std::string closed = std::string(text) + closing;
   // No text has a bit outside the mask, so this head is never met.
-  if (!CanBeCompared(text)) return {std::string(text), 1, 0};
+  if (!CanBeCompared(text)) return {1, 0, std::move(closed)};
   char head[sizeof(std::uint64_t)] = {};
   char mask[sizeof(std::uint64_t)] = {};
-  const std::size_t length = std::min(text.size(), sizeof head);
-  std::memcpy(head, text.data(), length);
+  const std::size_t length = std::min(closed.size(), sizeof head);
+  std::memcpy(head, closed.data(), length);
   std::memset(mask, 0xFF, length);
-  return {std::string(text), LoadWord(head), LoadWord(mask)};
+  return {LoadWord(head), LoadWord(mask), std::move(closed)};
 }
 
-RowValues::RowValues(const std::vector<Column>& columns) {
+RowValues::RowValues(const std::vector<Column>& columns, char closing) {
   for (const Column& column : columns) {
     const auto [entry, is_new] = slot_of_name_.try_emplace(column.name, names_.size());
-    if (is_new) names_.push_back(MakeName(column.name));
+    if (is_new) names_.push_back(MakeName(column.name, closing));
     slots_.push_back(entry->second);
     if (column.name.starts_with('/')) has_closing_tag_names_ = true;
   }

@@ -79,7 +79,7 @@ void DefineColumns(std::string_view schema, ResultTable& table) {
 void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values) {
   const char* p = scanner.Position();
   while (p < end && *p == ' ') {
-    const std::size_t length = values.MatchExpected(p + 1, end, '=');
+    const std::size_t length = values.MatchExpected(p + 1, end);
     if (length == 0) break;
     const char* const quote = p + 1 + length + 1;
     if (quote >= end || (*quote != '\'' && *quote != '"')) break;
@@ -105,7 +105,7 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
 }
 
 void ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
-  RowValues values(table.columns);
+  RowValues values(table.columns, '=');
   ColumnFiller filler(table, binary);
   const char* const end = text.data() + text.size();
   std::size_t position = text.find(kRow);

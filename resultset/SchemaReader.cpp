@@ -158,7 +158,7 @@ class RowWalker {
   // "<" that it did not take, or `end`.
   const char* TakeExpected(const char* p, const char* end, RowValues& values) const {
     while (p < end && *p == '<' && !IsRowClosing(p, end)) {
-      const std::size_t length = values.MatchExpected(p + 1, end, '>');
+      const std::size_t length = values.MatchExpected(p + 1, end);
       if (length == 0) return p;
       const char* const name = p + 1;
       const char* const value = name + length + 1;
@@ -214,7 +214,7 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   RowWalker rows(text, tag, sequence);
   if (!rows.HasRow()) return true;
   if (!rows.HasClosing()) return false;
-  RowValues values(table.columns);
+  RowValues values(table.columns, '>');
   Base64Cells binary(files);
   ColumnFiller filler(table, binary);
   while (rows.HasRow() && rows.ReadRow(values)) filler.AppendRow(values);
