@@ -1,0 +1,110 @@
+#include "cli/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/ReturnCodes.h"
+
+namespace {
+
+using qv::ParsedCommandLine;
+
+// What the environment of the test run says must not count; one case sets its own.
+class CommandLine : public testing::Test {
+ protected:
+  CommandLine() { Forget(); }
+  ~CommandLine() override { Forget(); }
+  static void Forget() {
+    for (const char* name : {"QVCALL_SERVER", "QVCALL_PORT", "QVCALL_TOKEN"}) unsetenv(name);
+  }
+};
+
+ParsedCommandLine Parse(std::vector<const char*> words) {
+  words.insert(words.begin(), "qvcall");
+  std::ostringstream out;
+  std::ostringstream err;
+  ParsedCommandLine parsed =
+      qv::ParseCommandLine(static_cast<int>(words.size()), words.data(), out, err);
+  EXPECT_EQ(parsed.exit_status == qv::kUsage, !err.str().empty());
+  return parsed;
+}
+
+TEST_F(CommandLine, TakesGlobalOptionsOnEitherSideOfTheCommand) {
+  for (const auto& words : std::vector<std::vector<const char*>>{
+           {"--server", "h", "--port", "7", "--token", "t", "query", "SELECT 1", "--db", "D"},
+           {"query", "--db", "D", "SELECT 1", "--port", "7", "--server", "h", "--token", "t"}}) {
+    const qv::CommandLine command = Parse(words).command;
+    ASSERT_TRUE(command.query);
+    EXPECT_EQ(command.connection.server, "h");
+    EXPECT_EQ(command.connection.port, 7);
+    EXPECT_EQ(command.connection.token, "t");
+    EXPECT_EQ(command.connection.timeout_ms, std::nullopt);
+    EXPECT_EQ(command.query->sql, "SELECT 1");
+    EXPECT_EQ(command.query->database, "D");
+    EXPECT_EQ(command.query->format, qv::Format::kTable);
+    EXPECT_FALSE(command.query->use_cache);
+  }
+}
+
+TEST_F(CommandLine, TakesTheEnvironmentWhereAnOptionIsMissing) {
+  setenv("QVCALL_SERVER", "e", 1);
+  setenv("QVCALL_PORT", "9", 1);
+  setenv("QVCALL_TOKEN", "s", 1);
+  const qv::Connection connection = Parse({"ping", "--server", "h"}).command.connection;
+  EXPECT_EQ(connection.server, "h");
+  EXPECT_EQ(connection.port, 9);
+  EXPECT_EQ(connection.token, "s");
+  setenv("QVCALL_PORT", "many", 1);
+  EXPECT_EQ(Parse({"ping"}).exit_status, qv::kUsage);
+}
+
+TEST_F(CommandLine, TakesAStatementFromStandardInputAndACacheWithOrWithoutAFolder) {
+  const auto query = [](std::vector<const char*> more) {
+    more.insert(more.begin(), {"--port", "7", "query", "-", "--db", "D"});
+    return Parse(more).command.query.value();
+  };
+  EXPECT_EQ(query({}).sql, "-");
+  EXPECT_TRUE(query({"--cache"}).use_cache);
+  EXPECT_EQ(query({"--cache"}).cache_folder, "");
+  EXPECT_EQ(query({"--cache", "--format", "csv"}).format, qv::Format::kCsv);
+  EXPECT_EQ(query({"--cache", "/c"}).cache_folder, "/c");
+  EXPECT_TRUE(query({"--offline"}).use_cache);
+}
+
+TEST_F(CommandLine, RefusesWrongUsage) {
+  for (const auto& words : std::vector<std::vector<const char*>>{
+           {},
+           {"--port", "7"},
+           {"ping"},
+           {"--port", "0", "ping"},
+           {"--port", "65536", "ping"},
+           {"--port", "7", "--server", "", "ping"},
+           {"--port", "7", "--timeout-ms", "0", "ping"},
+           {"--port", "7", "query", "SELECT 1"},
+           {"--port", "7", "query", "--db", "D"},
+           {"--port", "7", "query", "SELECT 1", "--db", ""},
+           {"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"},
+           {"--port", "7", "ping", "--frob"}}) {
+    EXPECT_EQ(Parse(words).exit_status, qv::kUsage);
+  }
+  EXPECT_EQ(Parse({"--help"}).exit_status, qv::kDone);
+  EXPECT_FALSE(Parse({"--port", "7", "ping"}).command.query);
+}
+
+TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
+  std::set<std::string_view> meanings;
+  for (const int code : {0, 1, 2, 3, 10, -1, -2, -3, 77}) {
+    const qv::ReturnCode words = qv::ExplainQueryResult(code);
+    EXPECT_EQ(words.code, code);
+    EXPECT_EQ(words.advice.empty(), code == 0);
+    EXPECT_TRUE(meanings.insert(words.meaning).second) << code;
+  }
+}
+
+}  // namespace
