@@ -1,0 +1,205 @@
+#include "CacheFolder.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "GzipFile.h"
+#include "QueryCache.h"
+#include "platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char kIndexName[] = "qvdbcache.db3";
+constexpr std::string_view kPrefix = "QvCache_";
+constexpr std::string_view kGuidShape = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+constexpr std::string_view kAnswer = ".dat";
+constexpr std::string_view kTemporary = ".tmp";
+constexpr std::size_t kNameLength = kPrefix.size() + kGuidShape.size() + kAnswer.size();
+// Longer paths cannot be unpacked.
+constexpr std::size_t kPathLimit = 1024;
+// A temporary file this old is not being written any more.
+constexpr std::chrono::hours kTemporaryLife(24);
+
+bool IsGuid(std::string_view text) {
+  if (text.size() != kGuidShape.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const bool hex = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+    if (kGuidShape[i] == 'X' ? !hex : c != kGuidShape[i]) return false;
+  }
+  return true;
+}
+
+bool IsName(std::string_view name, std::string_view extension) {
+  return name.size() == kNameLength && name.starts_with(kPrefix) && name.ends_with(extension) &&
+         IsGuid(name.substr(kPrefix.size(), kGuidShape.size()));
+}
+
+bool IsFile(const std::string& path) {
+  std::error_code error;
+  return fs::symlink_status(path, error).type() == fs::file_type::regular;
+}
+
+bool IsOld(const fs::path& path) {
+  std::error_code error;
+  const fs::file_time_type written = fs::last_write_time(path, error);
+  return !error && fs::file_time_type::clock::now() - written > kTemporaryLife;
+}
+
+bool CopyBytes(std::FILE* from, std::FILE* to) {
+  std::array<char, 32768> buffer;
+  std::size_t got = 0;
+  do {
+    got = std::fread(buffer.data(), 1, buffer.size(), from);
+    if (std::fwrite(buffer.data(), 1, got, to) != got) return false;
+  } while (got == buffer.size());
+  return std::ferror(from) == 0;
+}
+
+enum class Flush { kNo, kYes };
+
+// Copies a file into a new private one, of which nothing stays on failure.
+bool CopyFile(const std::string& source, const std::string& target, Flush flush) {
+  std::FILE* const from = std::fopen(source.c_str(), "rb");
+  if (from == nullptr) return false;
+  std::FILE* const to = platform::CreatePrivateFile(target, platform::Create::kNew);
+  if (to == nullptr) {
+    std::fclose(from);
+    return false;
+  }
+  const bool copied = CopyBytes(from, to) && (flush == Flush::kNo || platform::FlushToDisk(to));
+  std::fclose(from);
+  const bool closed = std::fclose(to) == 0;
+  if (!copied || !closed) platform::RemoveFile(target);
+  return copied && closed;
+}
+
+std::string NewCopyPath(const std::string& folder) {
+  std::string path = folder;
+  if (!path.empty() && path.back() != platform::kSeparator) path += platform::kSeparator;
+  return path.append("TempClient_").append(platform::NewGuid()).append(".txt");
+}
+
+}  // namespace
+
+std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
+  // The host may change its working directory later.
+  std::error_code error;
+  const std::string whole = (fs::absolute(path, error) / "").string();
+  if (error || whole.size() + kNameLength >= kPathLimit) return nullptr;
+  if (!platform::CreatePrivateFolder(whole)) return nullptr;
+  std::unique_ptr<CacheIndex> index = CacheIndex::Open(whole + kIndexName);
+  if (index == nullptr) return nullptr;
+  std::unique_ptr<CacheFolder> folder(new CacheFolder(whole, std::move(index)));
+  // When the index is too busy for it, a later opening sweeps.
+  (void)folder->Sweep();
+  return folder;
+}
+
+CacheFolder::CacheFolder(std::string path, std::unique_ptr<CacheIndex> index)
+    : path_(std::move(path)), index_(std::move(index)) {}
+
+std::optional<std::string> CacheFolder::Find(const std::string& key,
+                                             const std::string& target_folder) {
+  std::string target = NewCopyPath(target_folder);
+  // A file that is gone was most likely replaced since it was looked up, so there is a new one.
+  for (const bool last : {false, true}) {
+    const std::optional<CacheIndex::Entry> entry = LookUp(key);
+    if (!entry) return std::nullopt;
+    const TakeOutResult result = TakeOut(*entry, target);
+    if (result == TakeOutResult::kDone) return target;
+    platform::RemoveFile(target);
+    const bool gone = result == TakeOutResult::kGone;
+    if (result == TakeOutResult::kDamaged || (gone && last)) Discard(key, *entry);
+    if (!gone) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::optional<CacheIndex::Entry> CacheFolder::LookUp(const std::string& key) {
+  const std::lock_guard lock(mutex_);
+  return index_->Find(key);
+}
+
+CacheFolder::TakeOutResult CacheFolder::TakeOut(const CacheIndex::Entry& entry,
+                                                const std::string& target) {
+  const bool packed = entry.flag == kCacheGzip;
+  if (!IsName(entry.file, kAnswer) || (!packed && entry.flag != kCachePlain))
+    return TakeOutResult::kDamaged;
+  const std::string source = path_ + entry.file;
+  if (!IsFile(source)) return TakeOutResult::kGone;
+  const int unpacked = packed ? GunzipFile(source, target) : kGunzipDone;
+  const bool done = packed ? unpacked == kGunzipDone : CopyFile(source, target, Flush::kNo);
+  if (done) return TakeOutResult::kDone;
+  if (!IsFile(source)) return TakeOutResult::kGone;
+  // Any other failure may be the target's, and says nothing about the entry.
+  return unpacked == kGunzipUnreadable ? TakeOutResult::kDamaged : TakeOutResult::kFailed;
+}
+
+void CacheFolder::Discard(const std::string& key, const CacheIndex::Entry& entry) {
+  const std::lock_guard lock(mutex_);
+  if (index_->Remove(key, entry.file)) RemoveAnswer(entry.file);
+}
+
+bool CacheFolder::Store(const std::string& key, const std::string& file, int flag) {
+  if (flag != kCacheGzip && flag != kCachePlain) return false;
+  const std::string stem = std::string(kPrefix) + platform::NewGuid();
+  const std::string temporary = path_ + stem + std::string(kTemporary);
+  if (!CopyFile(file, temporary, Flush::kYes)) return false;
+  const CacheIndex::Entry entry{stem + std::string(kAnswer), flag};
+  if (Enter(key, entry, temporary)) return true;
+  platform::RemoveFile(temporary);
+  RemoveAnswer(entry.file);
+  return false;
+}
+
+bool CacheFolder::Enter(const std::string& key, const CacheIndex::Entry& entry,
+                        const std::string& temporary) {
+  const std::lock_guard lock(mutex_);
+  CacheIndex::Transaction transaction(*index_);
+  if (!transaction.Begin()) return false;
+  const std::optional<CacheIndex::Entry> old = index_->Find(key);
+  if (!platform::ReplaceFile(temporary, path_ + entry.file)) return false;
+  if (!index_->Put(key, entry) || !transaction.Commit()) return false;
+  if (old) RemoveAnswer(old->file);
+  return true;
+}
+
+bool CacheFolder::Clear() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!index_->RemoveAll()) return false;
+  }
+  return Sweep();
+}
+
+void CacheFolder::RemoveAnswer(const std::string& name) {
+  if (IsName(name, kAnswer)) platform::RemoveFile(path_ + name);
+}
+
+bool CacheFolder::Sweep() {
+  const std::lock_guard lock(mutex_);
+  CacheIndex::Transaction transaction(*index_);
+  if (!transaction.Begin()) return false;
+  const auto entered = index_->Files();
+  if (!entered) return false;
+  std::error_code error;
+  for (fs::directory_iterator at(path_, error), end; !error && at != end; at.increment(error)) {
+    const std::string name = at->path().filename().string();
+    const bool left_over = IsName(name, kAnswer) && !entered->contains(name);
+    const bool abandoned = IsName(name, kTemporary) && IsOld(at->path());
+    if (left_over || abandoned) platform::RemoveFile(path_ + name);
+  }
+  return !error;
+}
+
+}  // namespace qv

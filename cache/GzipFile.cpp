@@ -1,0 +1,50 @@
+#include "GzipFile.h"
+
+#include <zlib.h>
+
+#include <array>
+#include <cstdio>
+
+#include "platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kPathLimit = 1024;
+constexpr std::size_t kChunk = 16384;
+
+GunzipResult Unpack(gzFile source, std::FILE* target) {
+  // What is not gzip would be handed through as it stands, an empty file as an empty one.
+  if (gzdirect(source) != 0) return kGunzipUnreadable;
+  std::array<char, kChunk> chunk;
+  for (;;) {
+    const int got = gzread(source, chunk.data(), static_cast<unsigned>(chunk.size()));
+    if (got < 0) return kGunzipUnreadable;
+    if (got == 0) return kGunzipDone;
+    const auto length = static_cast<std::size_t>(got);
+    if (std::fwrite(chunk.data(), 1, length, target) != length) return kGunzipCutShort;
+  }
+}
+
+}  // namespace
+
+int GunzipFile(const std::string& source, const std::string& target) {
+  if (source.size() >= kPathLimit) return kGunzipUnreadable;
+  const gzFile packed = gzopen(source.c_str(), "rb");
+  if (packed == nullptr) return kGunzipCutShort;
+  std::FILE* const plain = platform::CreatePrivateFile(target, platform::Create::kAlways);
+  if (plain == nullptr) {
+    gzclose(packed);
+    return kGunzipNoTarget;
+  }
+  const GunzipResult result = Unpack(packed, plain);
+  // A source that ends early reads like one that ends; only closing it tells.
+  const bool ended = gzclose(packed) == Z_OK;
+  const bool kept = std::fclose(plain) == 0;
+  if (result != kGunzipDone) return result;
+  if (!ended) return kGunzipUnreadable;
+  return kept ? kGunzipDone : kGunzipCutShort;
+}
+
+}  // namespace qv
