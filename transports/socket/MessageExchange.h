@@ -1,0 +1,61 @@
+// A request on its way to the server, and the reply on its way back.
+#pragma once
+
+#include "ConnectionPool.h"
+#include "NetworkHealth.h"
+#include "Parameters.h"
+#include "message/MsgContent.h"
+#include "qvnetcall/transport/NetworkProgress.h"
+#include "transports/frame/FrameIo.h"
+
+namespace qv {
+
+// What the calls of a process share.
+struct Transport {
+  Parameters parameters;
+  ConnectionPool pool;
+  NetworkHealth health;
+};
+
+struct ProgressListener {
+  NetworkProgress callback = nullptr;
+  void* context = nullptr;
+};
+
+// The results of NetworkTransMsg.
+inline constexpr int kDelivered = 0;
+inline constexpr int kNotDelivered = -1;
+inline constexpr int kOutcomeUnknown = -2;
+inline constexpr int kBadReply = -3;
+
+// One call. The transport and the messages are the caller's and outlive it.
+class MessageExchange {
+ public:
+  MessageExchange(Transport& transport, Peer peer, const CMsgContent& request, CMsgContent& reply,
+                  ProgressListener listener);
+
+  // Throws std::exception when memory or threads are short; Interrupted() is the result then.
+  [[nodiscard]] int Run();
+  [[nodiscard]] int Interrupted() const;
+
+ private:
+  // Gets a connection and sends the request over it. A connection that failed before it took a byte
+  // is replaced once; after that nothing is ever sent again.
+  [[nodiscard]] int Send(Bytes payload);
+  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<Connection> connection, Bytes payload);
+  [[nodiscard]] int Receive();
+  [[nodiscard]] FrameStatus ReceiveReply();
+  [[nodiscard]] FileProgress FileListener() const;
+  void ReportMessage(std::uint64_t payload_length) const;
+
+  Transport& transport_;
+  Peer peer_;
+  const CMsgContent& request_;
+  CMsgContent& reply_;
+  ProgressListener listener_;
+  TransportSettings settings_;
+  std::optional<OutgoingFile> file_;
+  std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace qv

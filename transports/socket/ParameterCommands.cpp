@@ -1,0 +1,56 @@
+#include "ParameterCommands.h"
+
+#include <cstring>
+#include <initializer_list>
+#include <string>
+
+#include "RequestPayload.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kLengthWord = 4;
+
+// Takes the next text off `fields`; an empty one when there is none.
+std::string TakeText(Bytes& fields) {
+  if (fields.size() < CFIFOClass::kFieldOverhead) return {};
+  const std::uint64_t length = LoadU32(fields.data());
+  if (length > fields.size() - CFIFOClass::kFieldOverhead) return {};
+  const Bytes body = fields.subspan(kLengthWord, static_cast<std::size_t>(length));
+  fields = fields.subspan(body.size() + CFIFOClass::kFieldOverhead);
+  return {body.begin(), body.end()};
+}
+
+std::string Fields(std::initializer_list<std::string> texts) {
+  std::string fields;
+  for (const std::string& text : texts) {
+    if (text.empty()) continue;
+    char length[kLengthWord];
+    StoreU32(length, static_cast<std::uint32_t>(text.size()));
+    fields.append(length, sizeof length).append(text).push_back('\0');
+  }
+  return fields;
+}
+
+std::string Answer(Parameters& parameters, const CMsgContent& request) {
+  Bytes fields = RequestPayload(request).value_or(Bytes());
+  const std::string name = TakeText(fields);
+  if (request.Command() == kSetParameterCommand) {
+    return Fields({parameters.Set(name, TakeText(fields)) ? "1" : "0"});
+  }
+  const std::optional<std::string> value = parameters.Get(name);
+  return value ? Fields({"1", *value}) : Fields({"0"});
+}
+
+}  // namespace
+
+bool AnswerParameterCommand(Parameters& parameters, const CMsgContent& request,
+                            CMsgContent& reply) {
+  const std::string fields = Answer(parameters, request);
+  if (!reply.Queue().SetFilled(static_cast<std::uint32_t>(fields.size()))) return false;
+  std::memcpy(reply.Queue().Area(), fields.data(), fields.size());
+  return true;
+}
+
+}  // namespace qv

@@ -1,0 +1,81 @@
+#include "qvnetcall/transport/QvNetClient4.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "MessageExchange.h"
+#include "ParameterCommands.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::chrono::milliseconds kProbeTimeout{1000};
+
+// Never destroyed: a host may still have threads in a call when its program ends.
+Transport& SharedTransport() {
+  static auto* const transport = new Transport;
+  return *transport;
+}
+
+thread_local ProgressListener thread_listener;
+
+int Deliver(const Peer& peer, const CMsgContent& request, CMsgContent& reply) {
+  Transport& transport = SharedTransport();
+  if (IsParameterCommand(request.Command())) {
+    if (!reply.IsBound()) return kNotDelivered;
+    return AnswerParameterCommand(transport.parameters, request, reply) ? kDelivered : kBadReply;
+  }
+  MessageExchange exchange(transport, peer, request, reply, thread_listener);
+  try {
+    return exchange.Run();
+  } catch (const std::exception&) {
+    return exchange.Interrupted();
+  }
+}
+
+// Tries to reach the server again, when it is time for that.
+void ProbeBadNetwork() {
+  Transport& transport = SharedTransport();
+  const TransportSettings settings = transport.parameters.Snapshot();
+  const auto probe = transport.health.ClaimProbe(settings.retry_after);
+  if (!probe) return;
+  const auto timeout = std::min(settings.connect_timeout, kProbeTimeout);
+  if (Connection::Open(probe->peer, timeout)) transport.health.ProbeSucceeded(*probe);
+}
+
+}  // namespace
+
+}  // namespace qv
+
+extern "C" {
+
+// Everything is made when it is first needed.
+void NetworkTransInit() {}
+
+void NetworkTransFini() { qv::SharedTransport().pool.Clear(); }
+
+int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
+                    CMsgContent& reply) {
+  try {
+    return qv::Deliver({server != nullptr ? server : "", port}, request, reply);
+  } catch (const std::exception&) {
+    return qv::kNotDelivered;
+  }
+}
+
+int NetworkIsBadState(int n) {
+  try {
+    if (n == 0 && qv::SharedTransport().health.IsBad()) qv::ProbeBadNetwork();
+  } catch (const std::exception&) {
+    // Without memory or threads for a probe the network stays what it was.
+  }
+  return qv::SharedTransport().health.IsBad() ? 1 : 0;
+}
+
+void NetworkBadState(int bad) { qv::SharedTransport().health.Declare(bad != 0); }
+
+void NetworkTransSetProgress(NetworkProgress callback, void* context) {
+  qv::thread_listener = {callback, context};
+}
+}
