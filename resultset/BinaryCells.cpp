@@ -26,12 +26,14 @@ bool WriteAndClose(std::FILE* file, const std::vector<unsigned char>& bytes) {
   return std::fclose(file) == 0 && written == bytes.size();
 }
 
-// 16 for what is no digit.
-unsigned HexDigit(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
-  return 16;
+// What the platform's writers and readers agree on: a character up to '9' counts from '0', any other from where 'a' is
+// ten. Upper-case digits fall outside 0 to 15, and so does all but a few characters that nobody writes.
+int HexDigit(char c) {
+  const int code = static_cast<unsigned char>(c);
+  return code <= '9' ? code - '0' : code - 0x57;
 }
+
+bool IsHexDigit(int digit) { return digit >= 0 && digit <= 15; }
 
 constexpr std::array<std::uint8_t, 256> MakeBase64Digits() {
   constexpr std::string_view kDigits =
@@ -86,9 +88,10 @@ std::vector<unsigned char> DecodeHex(std::string_view text) {
   std::vector<unsigned char> bytes;
   bytes.reserve(text.size() / 2);
   for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    const unsigned high = HexDigit(text[i]);
-    const unsigned low = HexDigit(text[i + 1]);
-    if (high < 16 && low < 16) bytes.push_back(static_cast<unsigned char>(high << 4 | low));
+    const int high = HexDigit(text[i]);
+    const int low = HexDigit(text[i + 1]);
+    if (!IsHexDigit(high) || !IsHexDigit(low)) continue;
+    bytes.push_back(static_cast<unsigned char>(high * 16 + low));
   }
   return bytes;
 }

@@ -1,6 +1,7 @@
 #include "ScriptedTransport.h"
 
 #include <cstring>
+#include <stdexcept>
 
 #include "message/MsgContent.h"
 #include "qvnetcall/transport/QvHttpClient.h"

@@ -1,0 +1,140 @@
+// What the tests of the database calls share: a scripted server with a settings row and one answer.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "qvnetcall/RvoDatabase.h"
+#include "qvnetcall/RvoServer.h"
+#include "server/ModuleState.h"
+#include "tests/support/ScriptedTransport.h"
+#include "tests/support/TempFolder.h"
+
+namespace qv {
+
+// Reaches the private members of CRvoDatabase.
+struct DatabasePeer {
+  static int UpdateSettings() { return CRvoDatabase::UpdateServerIsCompressInfo(); }
+  static int CanCompress() { return CRvoDatabase::IsCanUseCompressMode(); }
+  static int IsOffline(int need) { return CRvoDatabase::IsCanUseOffCache(need); }
+};
+
+namespace test {
+
+// A rowset with one text column per name and one row, for the socket server.
+inline std::string Rowset(const std::vector<std::pair<std::string, std::string>>& row) {
+  std::string schema;
+  std::string cells;
+  for (const auto& [name, value] : row) {
+    schema +=
+        "<s:AttributeType name='" + name + "'><s:datatype dt:type='string'/></s:AttributeType>";
+    cells += " " + name + "='" + value + "'";
+  }
+  return "<xml><s:Schema><s:ElementType name='row'>" + schema +
+         "</s:ElementType></s:Schema><rs:data><z:row" + cells + "/></rs:data></xml>";
+}
+
+// The same for the web server.
+inline std::string DataSet(const std::string& name, const std::string& value) {
+  return "<xs:schema><xs:element name=\"Row\" msdata:MainDataTable=\"Row\"><xs:sequence>"
+         "<xs:element name=\"" +
+         name +
+         "\" type=\"xs:string\"/></xs:sequence></xs:element></xs:schema>"
+         "<Row><" +
+         name + ">" + value + "</" + name + "></Row>";
+}
+
+inline std::string Gzip(const std::string& bytes) {
+  const TempFolder folder;
+  const std::string path = (folder.Path() / "x.gz").string();
+  gzFile file = gzopen(path.c_str(), "wb");
+  gzwrite(file, bytes.data(), static_cast<unsigned>(bytes.size()));
+  gzclose(file);
+  return BytesOf(path);
+}
+
+struct Settings {
+  std::string cache = "0";
+  std::string compress = "0";
+  std::string select_default = "0";
+  std::string display_default = "0";
+  std::string domain = "0";
+};
+
+class DatabaseFixture : public testing::Test {
+ protected:
+  DatabaseFixture() {
+    transport_.Reset();
+    state_.Reset();
+    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
+    UseServerType("TCP_IP");
+    std::filesystem::create_directory(folder_.Path() / "temp");
+    CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp/").c_str(), "bin", "dat");
+    CRvoServer::SetConinfo("main", 4000);
+    answer_ = Memory(Rowset({{"A", "from server"}}));
+    transport_.handler = [this](const SentRequest& request, ScriptedReply& reply) {
+      if (!IsSettings(request)) {
+        reply = answer_;
+        return answer_result_;
+      }
+      reply = Memory(request.web ? "" : SettingsRow());
+      return settings_result_;
+    };
+  }
+
+  static ScriptedReply Memory(const std::string& file, const char* status = "SUCCESS") {
+    return ScriptedReply().Text(status).Number(1).Text("MEMORY").Text(file);
+  }
+  static bool IsSettings(const SentRequest& request) {
+    return !request.fields.empty() && request.fields[0] == "PLATDB";
+  }
+
+  void UseServerType(const std::string& type) {
+    folder_.Write("QvNetClient.ini", "[Basic]\nServerType=" + type + "\n");
+  }
+  std::string SettingsRow() const {
+    return Rowset({{"CI_ServerSetCache", settings_.cache},
+                   {"CI_ServerCompress", settings_.compress},
+                   {"CI_DefaultSelectCompress", settings_.select_default},
+                   {"CI_DefaultDisplayCompress", settings_.display_default},
+                   {"CI_DefaultDisplayDomain", settings_.domain}});
+  }
+  void OpenCache() { ASSERT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").c_str()), 1); }
+  // Gives the text of the first cell, or "result N".
+  std::string Select(int use_cache = 0, const CString& sql = "select 1") {
+    CRvoDbRes result;
+    const int code = CRvoDatabase::SelectSQL(&sql, &result, "DESIGNDB", use_cache);
+    if (code != 0) return "result " + std::to_string(code);
+    return static_cast<const char*>(result._str(0, 0));
+  }
+  std::vector<std::string> TempFiles() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "temp")) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+  // The commands sent for queries, the settings' left out.
+  std::vector<std::uint32_t> QueryCommands() const {
+    std::vector<std::uint32_t> commands;
+    for (const SentRequest& request : transport_.requests) {
+      if (!IsSettings(request)) commands.push_back(request.command);
+    }
+    return commands;
+  }
+
+  TempFolder folder_;
+  ScriptedTransport& transport_ = ScriptedTransport::Get();
+  ModuleState& state_ = ModuleState::Get();
+  Settings settings_;
+  ScriptedReply answer_;
+  int answer_result_ = 0;
+  int settings_result_ = 0;
+};
+
+}  // namespace test
+}  // namespace qv

@@ -1,0 +1,227 @@
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <regex>
+
+#include "DatabaseFixture.h"
+
+namespace qv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class SelectSql : public DatabaseFixture {
+ protected:
+  // Has the transport write a file answer, as it does when the storage kind is another.
+  void AnswerWithFile(const std::string& bytes, const char* status, int result = 0) {
+    transport_.handler = [=, this](const SentRequest& request, ScriptedReply& reply) {
+      if (IsSettings(request)) return -1;
+      std::ofstream(request.reply_file_name, std::ios::binary) << bytes;
+      reply.Text(status).Number(1).Text("FILE");
+      return result;
+    };
+  }
+};
+
+TEST_F(SelectSql, SendsTheAgreedRequest) {
+  EXPECT_EQ(Select(), "from server");
+  ASSERT_EQ(transport_.requests.size(), 2u);
+  const SentRequest& request = transport_.requests[1];
+  EXPECT_FALSE(request.web);
+  EXPECT_EQ(request.server, "main");
+  EXPECT_EQ(request.port, 4000u);
+  EXPECT_EQ(request.command, 200u);
+  EXPECT_THAT(request.fields, ElementsAre("DESIGNDB", "select 1"));
+  EXPECT_EQ(request.message_flag, 0);
+  const std::regex name(".*/temp/TempClient_\\{[-0-9A-F]{36}\\}\\.txt");
+  EXPECT_TRUE(std::regex_match(request.reply_file_name, name)) << request.reply_file_name;
+  EXPECT_THAT(TempFiles(), IsEmpty());
+}
+
+TEST_F(SelectSql, AsksForCompressionByCommandOrByArgument) {
+  settings_ = {.compress = "1", .select_default = "1"};
+  EXPECT_EQ(Select(), "from server");
+  EXPECT_THAT(QueryCommands(), ElementsAre(210u));
+
+  UseServerType("Web_Iis");
+  CRvoServer::SetConinfo("web", 80);
+  answer_ = Memory(DataSet("A", "from the web"));
+  EXPECT_EQ(Select(), "from the web");
+  EXPECT_EQ(transport_.requests.back().command, 200u);
+  EXPECT_TRUE(transport_.requests.back().web);
+  EXPECT_EQ(transport_.requests.back().compress, 1);
+}
+
+TEST_F(SelectSql, ReadsAnswersHoweverTheyArrive) {
+  const std::string rowset = Rowset({{"A", "value"}});
+  answer_ = Memory(Gzip(rowset), "SUCCESS_COMPRESS");
+  EXPECT_EQ(Select(), "value");
+  AnswerWithFile(rowset, "SUCCESS");
+  EXPECT_EQ(Select(), "value");
+  AnswerWithFile(Gzip(rowset), "SUCCESS_COMPRESS");
+  EXPECT_EQ(Select(), "value");
+  EXPECT_THAT(TempFiles(), IsEmpty());
+}
+
+TEST_F(SelectSql, ReturnsTheAgreedCodesAndLeavesNothing) {
+  const std::string gzip = Gzip(Rowset({{"A", "value"}}));
+  std::string damaged = gzip;
+  damaged[damaged.size() - 6] = static_cast<char>(~damaged[damaged.size() - 6]);
+  const struct {
+    const char* what;
+    ScriptedReply reply;
+    int transport;
+    const char* result;
+  } cases[] = {
+      {"refused", ScriptedReply().Text("FAILURE").Number(7), 0, "result 3"},
+      {"refused without a code", ScriptedReply().Text("FAILURE"), 0, "result 3"},
+      {"status in lower case", Memory("x", "success"), 0, "result 3"},
+      {"no status", ScriptedReply(), 0, "result 3"},
+      {"only a status", ScriptedReply().Text("SUCCESS"), 0, "result 2"},
+      {"no storage kind", ScriptedReply().Text("SUCCESS").Number(1), 0, "result 2"},
+      {"number of eight bytes", ScriptedReply().Text("SUCCESS").Text("12345678").Text("MEMORY"), 0,
+       "result 2"},
+      {"file that is missing", ScriptedReply().Text("SUCCESS").Number(1).Text("MEMORY"), 0,
+       "result 1"},
+      {"file that nobody wrote", ScriptedReply().Text("SUCCESS").Number(1).Text("FILE"), 0,
+       "result 1"},
+      {"no recordset", Memory("<xml/>"), 0, "result 1"},
+      {"not gzip", Memory(Rowset({{"A", "v"}}), "SUCCESS_COMPRESS"), 0, "result 10"},
+      {"gzip that ends early", Memory(gzip.substr(0, gzip.size() - 9), "SUCCESS_COMPRESS"), 0,
+       "result 10"},
+      {"gzip with a bad checksum", Memory(damaged, "SUCCESS_COMPRESS"), 0, "result 10"},
+      {"compressed file missing", ScriptedReply().Text("SUCCESS_COMPRESS").Number(1).Text("FILE"),
+       0, "result 10"},
+      {"not delivered", ScriptedReply(), -1, "result -1"},
+      {"outcome unknown", Memory(Rowset({{"A", "v"}})), -2, "result -2"},
+      {"any other result of the transport", Memory(Rowset({{"A", "v"}})), 5, "result 5"},
+  };
+  for (const auto& c : cases) {
+    answer_ = c.reply;
+    answer_result_ = c.transport;
+    EXPECT_EQ(Select(), c.result) << c.what;
+    EXPECT_THAT(TempFiles(), IsEmpty()) << c.what;
+  }
+}
+
+TEST_F(SelectSql, LeavesTheTransportsFileWhereTheCallCannotUseIt) {
+  AnswerWithFile("x", "FAILURE");
+  EXPECT_EQ(Select(), "result 3");
+  EXPECT_EQ(TempFiles().size(), 1u);
+}
+
+TEST_F(SelectSql, LoadsTheSettingsBeforeItLooksAtTheText) {
+  EXPECT_EQ(Select(0, ""), "result 1");
+  EXPECT_EQ(transport_.requests.size(), 1u);
+  EXPECT_TRUE(IsSettings(transport_.requests[0]));
+  EXPECT_EQ(Select(0, ""), "result 1");
+  EXPECT_EQ(transport_.requests.size(), 1u);
+}
+
+TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
+  OpenCache();
+  settings_.cache = "1";
+  EXPECT_EQ(Select(1), "from server");
+  answer_ = Memory(Rowset({{"A", "newer"}}));
+
+  CRvoServer::SetCacheState(1);
+  const std::size_t sent = transport_.requests.size();
+  EXPECT_EQ(Select(1), "from server");
+  EXPECT_EQ(Select(1, "select 2"), "result 1");  // never asked before
+  EXPECT_EQ(transport_.requests.size(), sent);
+  EXPECT_EQ(Select(0), "newer");  // without the cache, offline does not count
+  EXPECT_THAT(TempFiles(), IsEmpty());
+
+  CRvoServer::SetCacheState(0);
+  transport_.bad_state = 1;
+  EXPECT_EQ(Select(1), "from server");
+  EXPECT_EQ(state_.cache.State(), 2);
+  transport_.bad_state = 0;
+  EXPECT_EQ(Select(1), "newer");  // asked again; the stored word stays, so nothing is kept
+  transport_.bad_state = 1;
+  EXPECT_EQ(Select(1), "from server");
+}
+
+TEST_F(SelectSql, KeepsTheGzipFileWhenThereIsOne) {
+  OpenCache();
+  settings_ = {.cache = "1", .compress = "1", .select_default = "1"};
+  answer_ = Memory(Gzip(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
+  EXPECT_EQ(Select(1), "packed");
+  bool found = false;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "cache")) {
+    found = found || BytesOf(entry.path().string()).starts_with("\x1f\x8b");
+  }
+  EXPECT_TRUE(found);
+  CRvoServer::SetCacheState(1);
+  EXPECT_EQ(Select(1), "packed");
+}
+
+TEST_F(SelectSql, KeepsNothingThatItWasNotAllowedTo) {
+  OpenCache();
+  settings_.cache = "1";
+  EXPECT_EQ(Select(0), "from server");
+  CRvoDatabase::m_bServerSetCache = 0;
+  EXPECT_EQ(Select(1), "from server");
+  CRvoDatabase::m_bServerSetCache = 1;
+  CRvoServer::SetCacheState(1);
+  EXPECT_EQ(Select(1), "result 1");
+}
+
+TEST_F(SelectSql, NeverLosesAnAnswerToTheCache) {
+  OpenCache();
+  settings_.cache = "1";
+  std::filesystem::remove_all(folder_.Path() / "cache");
+  folder_.Write("cache", "now a file");
+  EXPECT_EQ(Select(1), "from server");
+}
+
+TEST_F(SelectSql, SendsTextsThatSpillOrDoNotFit) {
+  const CString sql(std::string(0x180000, 's').c_str());
+  EXPECT_EQ(Select(0, sql), "from server");
+  EXPECT_EQ(transport_.requests.back().fields.at(1).size(), 0x180000u);
+}
+
+class FakeLocalDatabase : public LocalDatabase {
+ public:
+  int Open(const char* database, const char* connection) override {
+    log += std::string("open ") + database + " " + connection + ";";
+    return 1;
+  }
+  int Close(const char* database) override {
+    log += std::string("close ") + database + ";";
+    return 1;
+  }
+  int Select(const CString& sql, CRvoDbRes&, const char* database) override {
+    log += std::string("select ") + database + " " + static_cast<const char*>(sql) + ";";
+    return 0;
+  }
+  std::string log;
+};
+
+TEST_F(SelectSql, WorksOnALocalDatabaseWhenToldTo) {
+  CRvoServer::UseLocalDB(1);
+  EXPECT_EQ(Select(), "result 1");  // no direct access
+  EXPECT_TRUE(transport_.requests.empty());
+
+  FakeLocalDatabase local;
+  state_.local_database = &local;
+  CRvoDatabase::SetNeedUpdateCompressState();
+  EXPECT_EQ(Select(0, ""), "");  // the local database decides about empty texts
+  EXPECT_TRUE(local.log.starts_with("select PLATDB select CI_ServerSetCache,"));
+  EXPECT_TRUE(local.log.ends_with(";select DESIGNDB ;"));
+  EXPECT_TRUE(transport_.requests.empty());
+
+  CRvoServer::CareOpenDBConn(0);
+  local.log.clear();
+  transport_.handler = [](const SentRequest& request, ScriptedReply& reply) {
+    EXPECT_EQ(request.command, 710u);
+    reply.Text("1").Text("conn");
+    return 0;
+  };
+  EXPECT_EQ(Select(), "");
+  EXPECT_EQ(local.log, "open DESIGNDB conn;select DESIGNDB select 1;close DESIGNDB;");
+}
+
+}  // namespace
+}  // namespace qv::test

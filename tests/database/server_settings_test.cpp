@@ -1,0 +1,170 @@
+#include <gmock/gmock.h>
+
+#include "DatabaseFixture.h"
+
+namespace qv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ServerSettingsLoad : public DatabaseFixture {
+ protected:
+  static std::string Flags() {
+    std::string text;
+    for (const int flag :
+         {CRvoDatabase::GetServerIsSetCatche(), CRvoDatabase::GetServerIsCompressMode(),
+          CRvoDatabase::GetDefaultSelectCompress(), CRvoDatabase::GetDefaultDisplayCompress(),
+          CRvoDatabase::GetDefaultDisplayDomain()}) {
+      text += std::to_string(flag);
+    }
+    return text;
+  }
+  // Loads with these settings, due or not.
+  std::string Load(const Settings& settings) {
+    settings_ = settings;
+    CRvoDatabase::SetNeedUpdateCompressState();
+    EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+    return Flags();
+  }
+};
+
+TEST_F(ServerSettingsLoad, AsksTheServerOnce) {
+  EXPECT_EQ(Flags(), "00000");
+  EXPECT_EQ(CRvoDatabase::m_NeedUpdateCompressState, 1);
+  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  ASSERT_EQ(transport_.requests.size(), 1u);
+  const SentRequest& request = transport_.requests[0];
+  EXPECT_EQ(request.command, 200u);
+  EXPECT_EQ(request.message_flag, 0);
+  EXPECT_THAT(request.fields,
+              ElementsAre("PLATDB",
+                          "select CI_ServerSetCache,CI_ServerCompress,CI_DefaultSelectCompress,"
+                          "CI_DefaultDisplayCompress,CI_DefaultDisplayDomain from "
+                          "QvCoMis.dbo.Mxd_sys_BaseInfo"));
+  EXPECT_THAT(TempFiles(), IsEmpty());
+}
+
+TEST_F(ServerSettingsLoad, TakesTheFirstRow) {
+  EXPECT_EQ(Load({"1", "1", "1", "1", "1"}), "11111");
+  EXPECT_EQ(Load({"", "", "", "", ""}),
+            "10000");  // empty says nothing, and only the first flag outlives a load
+  EXPECT_EQ(Load({"2", "2", " 1x", "-1", "01"}), "00101");
+}
+
+TEST_F(ServerSettingsLoad, AllowsCompressionWhenServerAndADefaultAgree) {
+  EXPECT_EQ(DatabasePeer::CanCompress(), 0);
+  const struct {
+    Settings settings;
+    int allowed;
+  } cases[] = {{{"0", "1", "0", "0", "0"}, 0},
+               {{"0", "1", "1", "0", "0"}, 1},
+               {{"0", "1", "0", "1", "0"}, 1},
+               {{"0", "0", "1", "1", "0"}, 0}};
+  for (const auto& c : cases) {
+    Load(c.settings);
+    EXPECT_EQ(DatabasePeer::CanCompress(), c.allowed);
+  }
+}
+
+TEST_F(ServerSettingsLoad, ReturnsTheAgreedCodesAndClearsAllButCaching) {
+  const std::string row = SettingsRow();
+  const struct {
+    const char* what;
+    ScriptedReply reply;
+    int transport;
+    int result;
+  } cases[] = {
+      {"not delivered", ScriptedReply(), -1, -1},
+      {"refused", ScriptedReply().Text("FAILURE").Number(1), 0, 3},
+      {"compressed, which nobody asked for", Memory(Gzip(row), "SUCCESS_COMPRESS"), 0, 3},
+      {"no fields", ScriptedReply().Text("SUCCESS"), 0, 2},
+      {"no recordset", Memory("x"), 0, 1},
+      {"no row",
+       Memory("<s:ElementType><s:AttributeType name='CI_ServerSetCache'>"
+              "</s:AttributeType></s:ElementType><rs:data>"),
+       0, 0},
+  };
+  for (const auto& c : cases) {
+    Load({"1", "1", "1", "1", "1"});
+    CRvoDatabase::SetNeedUpdateCompressState();
+    transport_.handler = [&](const SentRequest&, ScriptedReply& reply) {
+      reply = c.reply;
+      return c.transport;
+    };
+    EXPECT_EQ(DatabasePeer::UpdateSettings(), c.result) << c.what;
+    EXPECT_EQ(Flags(), "10000") << c.what;
+    EXPECT_EQ(CRvoDatabase::m_NeedUpdateCompressState, 0) << c.what;
+    EXPECT_THAT(TempFiles(), IsEmpty()) << c.what;
+    transport_.handler = [this](const SentRequest&, ScriptedReply& reply) {
+      reply = Memory(SettingsRow());
+      return 0;
+    };
+  }
+}
+
+TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
+  UseServerType("WEB_IIS");
+  CRvoDatabase::m_ServerIsCompress = 1;
+  transport_.handler = [](const SentRequest& request, ScriptedReply& reply) {
+    EXPECT_TRUE(request.web);
+    EXPECT_EQ(request.compress, 0);
+    reply = Memory(DataSet("CI_ServerCompress", "1"));
+    return 0;
+  };
+  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_EQ(Flags(), "01000");
+}
+
+TEST_F(ServerSettingsLoad, ComesFromTheCacheWhileOffline) {
+  OpenCache();
+  EXPECT_EQ(Load({"1", "1", "0", "0", "0"}), "11000");
+  state_.settings.server_set_cache = 0;  // as in a new process
+  CRvoServer::SetCacheState(1);
+  CRvoDatabase::SetNeedUpdateCompressState();
+  const std::size_t sent = transport_.requests.size();
+  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_EQ(Flags(), "11000");
+  CRvoServer::ClearCurCache();
+  CRvoDatabase::SetNeedUpdateCompressState();
+  EXPECT_EQ(DatabasePeer::UpdateSettings(), 1);
+  EXPECT_EQ(transport_.requests.size(), sent);
+}
+
+TEST_F(ServerSettingsLoad, DecidesWhetherToWorkOffline) {
+  struct Case {
+    int allowed, need, state, network, offline, state_after;
+  };
+  const Case cases[] = {{0, 1, 1, 1, 0, 1}, {0, 0, 1, 0, 1, 1}, {1, 1, 1, 0, 1, 1},
+                        {1, 1, 0, 1, 1, 2}, {0, 0, 0, 1, 1, 2}, {1, 1, 2, 0, 0, 2},
+                        {1, 1, 0, 2, 0, 0}};
+  for (const Case& c : cases) {
+    CRvoDatabase::m_bServerSetCache = c.allowed;
+    state_.cache.SetState(c.state);
+    transport_.bad_state = c.network;
+    EXPECT_EQ(DatabasePeer::IsOffline(c.need), c.offline) << &c - cases;
+    EXPECT_EQ(state_.cache.State(), c.state_after) << &c - cases;
+  }
+  UseServerType("WEB_IIS");
+  CRvoServer::SetConinfo("web", 80);
+  state_.cache.SetState(1);
+  transport_.bad_state = 1;
+  EXPECT_EQ(DatabasePeer::IsOffline(0), 0);
+}
+
+TEST_F(ServerSettingsLoad, ShowsTheDomainByTheLoginFileWithoutAServer) {
+  CRvoServer::SetConinfo("", 4000);
+  CRvoDatabase::m_DefaultDisplayDomain = 1;
+  EXPECT_EQ(CRvoDatabase::GetDefaultDisplayDomain(), 0);
+  for (const char* const value : {"0", "", "1"}) {
+    folder_.Write("QvLogIn.ini", std::string("[ServerInfo]\nUseAD=") + value + "\n");
+    EXPECT_EQ(CRvoDatabase::GetDefaultDisplayDomain(), 1) << value;
+  }
+  folder_.Write("QvLogIn.ini", "[ServerInfo]\nUseAD=-1\n");
+  CRvoServer::SetConinfo("main", 0);
+  EXPECT_EQ(CRvoDatabase::GetDefaultDisplayDomain(), 0);
+}
+
+}  // namespace
+}  // namespace qv::test

@@ -1,0 +1,191 @@
+#include "qvnetcall/RvoServer.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "server/ModuleState.h"
+#include "server/ServerTypeMemo.h"
+#include "tests/support/ScriptedTransport.h"
+#include "tests/support/TempFolder.h"
+
+namespace qv {
+namespace {
+
+using test::ScriptedReply;
+using test::ScriptedTransport;
+using test::SentRequest;
+using Log = std::vector<std::string>;
+
+class RvoServer : public testing::Test {
+ protected:
+  RvoServer() {
+    transport_.Reset();
+    state_.Reset();
+    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
+    CRvoServer::SetConinfo("main", 4000);
+  }
+
+  void Configure(const std::string& type) {
+    folder_.Write("QvNetClient.ini", "[Basic]\nServerType=" + type + "\n");
+  }
+  void Answer(const std::string& text, int result = 0) {
+    transport_.handler = [=](const SentRequest&, ScriptedReply& reply) {
+      if (!text.empty()) reply.Text(text);
+      return result;
+    };
+  }
+  static std::string TypeOf(const char* server, unsigned long port) {
+    CString type;
+    EXPECT_EQ(CRvoServer::GetServerType(type, server, port), 1);
+    return static_cast<const char*>(type);
+  }
+
+  TempFolder folder_;
+  ScriptedTransport& transport_ = ScriptedTransport::Get();
+  ModuleState& state_ = ModuleState::Get();
+};
+
+TEST_F(RvoServer, StartsAndStopsTheWebTransportFirst) {
+  CRvoServer::InitNet();
+  CRvoServer::FinitNet();
+  EXPECT_EQ(transport_.life, (Log{"web init", "socket init", "web fini", "socket fini"}));
+}
+
+TEST_F(RvoServer, ProbesTheGivenServerQuietly) {
+  Log states;
+  transport_.handler = [&](const SentRequest& request, ScriptedReply& reply) {
+    states.push_back(transport_.parameters["dispmsg"]);
+    EXPECT_EQ(request.command, 3u);
+    EXPECT_EQ(request.payload, "");
+    EXPECT_EQ(request.server + ":" + std::to_string(request.port), "other:5000");
+    reply.Text("SUCCESS");
+    return 0;
+  };
+  EXPECT_EQ(CRvoServer::CheckServerLink("other", 5000), 1);
+  EXPECT_EQ(states, (Log{"0"}));
+  EXPECT_EQ(transport_.parameter_log, (Log{"dispmsg=0", "dispmsg=1"}));
+
+  const struct {
+    const char* text;
+    int result;
+    int linked;
+  } cases[] = {
+      {"SUCCESS", -1, 0}, {"SUCCESS", 1, 1}, {"SUCCESS", -2, 1}, {"success", 0, 0}, {"", 0, 0}};
+  for (const auto& c : cases) {
+    Answer(c.text, c.result);
+    EXPECT_EQ(CRvoServer::CheckServerLink("main", 1), c.linked) << c.text << c.result;
+  }
+}
+
+TEST_F(RvoServer, FindsItsTypeOncePerServerAndPort) {
+  Answer("SUCCESS");
+  EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
+  Answer("SUCCESS", -1);
+  EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
+  EXPECT_EQ(TypeOf("main", 2), "WEB_IIS");
+  EXPECT_EQ(transport_.requests.size(), 2u);
+
+  Configure("own_kind");
+  EXPECT_EQ(TypeOf("main", 2), "WEB_IIS");  // a changed file counts for a new server only
+  EXPECT_EQ(TypeOf("main", 3), "own_kind");
+  EXPECT_EQ(TypeOf("other", 3), "own_kind");
+  Configure("");
+  EXPECT_EQ(TypeOf("main", 3), "WEB_IIS");  // the memo has room for one
+  EXPECT_EQ(transport_.requests.size(), 3u);
+}
+
+TEST_F(RvoServer, CutsTheTypeAndTheModulesPathAsItsBuffersDo) {
+  Configure(std::string(120, 't'));
+  EXPECT_EQ(TypeOf("main", 1), std::string(99, 't'));
+  // A path that is cut loses its file name, and perhaps a folder, but never gains one.
+  state_.module_file = (folder_.Path() / std::string(300, 'm')).string();
+  EXPECT_EQ(TypeOf("main", 2), std::string(99, 't'));
+}
+
+TEST_F(RvoServer, ReadsAndSetsParametersOfTheStoredServer) {
+  CString value = "before";
+  EXPECT_EQ(CRvoServer::SetNetClientPara("token", "secret"), 1);
+  EXPECT_EQ(CRvoServer::GetNetClientPara("token", value), 1);
+  EXPECT_EQ(value, "secret");
+  EXPECT_EQ(CRvoServer::GetNetClientPara("unknown", value), 0);
+  EXPECT_EQ(value, "secret");
+  transport_.parameter_result = 1;  // delivered for every other call
+  EXPECT_EQ(CRvoServer::SetNetClientPara("token", "x"), 0);
+  EXPECT_EQ(CRvoServer::GetNetClientPara("token", value), 0);
+}
+
+TEST_F(RvoServer, SetsTheCacheStateAndTellsTheNetwork) {
+  Configure("TCP_IP");
+  const struct {
+    int state;
+    int result;
+    int stored;
+    std::vector<int> declared;
+  } cases[] = {{1, 1, 1, {}}, {3, 0, 1, {}}, {-1, 0, 1, {}}, {2, 1, 2, {1}}, {0, 1, 0, {1, 0}}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(CRvoServer::SetCacheState(c.state), c.result) << c.state;
+    EXPECT_EQ(state_.cache.State(), c.stored) << c.state;
+    EXPECT_EQ(transport_.declared_bad_states, c.declared) << c.state;
+  }
+}
+
+TEST_F(RvoServer, FollowsTheNetworkUnlessOfflineByChoice) {
+  Configure("TCP_IP");
+  const struct {
+    int state;
+    int network;
+    int expected;
+  } cases[] = {{0, 0, 0}, {0, 1, 2}, {2, 0, 0}, {2, 1, 2},
+               {1, 0, 1}, {1, 1, 1}, {2, 5, 2}, {0, 5, 0}};
+  for (const auto& c : cases) {
+    state_.cache.SetState(c.state);
+    transport_.bad_state = c.network;
+    EXPECT_EQ(CRvoServer::GetCacheState(7), c.expected) << c.state << c.network;
+    EXPECT_EQ(state_.cache.State(), c.expected);
+  }
+  for (const int question : transport_.bad_state_questions) EXPECT_EQ(question, 7);
+}
+
+TEST_F(RvoServer, KnowsNoCacheStateOverTheWeb) {
+  Configure("web_iis");
+  state_.cache.SetState(1);
+  EXPECT_EQ(CRvoServer::SetCacheState(2), 0);
+  EXPECT_EQ(CRvoServer::GetCacheState(0), 0);
+  EXPECT_EQ(state_.cache.State(), 1);
+  EXPECT_TRUE(transport_.bad_state_questions.empty());
+}
+
+TEST_F(RvoServer, AsksForConnectionTexts) {
+  const struct {
+    ScriptedReply reply;
+    int result;
+    const char* text;
+  } cases[] = {{ScriptedReply().Text("1").Text("Driver=X"), 0, "Driver=X"},
+               {ScriptedReply().Text("1").Text("Driver=X"), -2, "Driver=X"},
+               {ScriptedReply().Text("1").Text("Driver=X"), -1, ""},
+               {ScriptedReply().Text("0").Text("Driver=X"), 0, ""},
+               {ScriptedReply().Text("1"), 0, ""}};
+  for (const auto& c : cases) {
+    transport_.handler = [&](const SentRequest& request, ScriptedReply& reply) {
+      EXPECT_EQ(request.command, 710u);
+      EXPECT_EQ(request.fields, (Log{"DESIGNDB"}));
+      reply = c.reply;
+      return c.result;
+    };
+    EXPECT_EQ(CRvoServer::GetDBConnString("DESIGNDB"), c.text);
+  }
+}
+
+TEST_F(RvoServer, HasNoLocalDatabaseWithoutDirectAccess) {
+  EXPECT_EQ(CRvoServer::OpenLocalDB("X", "text"), 0);
+  EXPECT_EQ(CRvoServer::CloseLocalDB("X"), 0);
+  EXPECT_EQ(CRvoServer::UseLocalDB(1), 1);
+  EXPECT_EQ(CRvoServer::CareOpenDBConn(0), 1);
+  EXPECT_EQ(state_.use_local_database, 1);
+  EXPECT_EQ(state_.care_open_connection, 0);
+}
+
+}  // namespace
+}  // namespace qv
