@@ -1,0 +1,14 @@
+// The text form of one cell in a recordset file.
+#pragma once
+
+#include <string>
+
+#include "Database.h"
+
+namespace qv {
+
+// Appends the cell as a column of that kind shows it, with < > ' & " as entities. False, and
+// nothing appended, when the cell has no text: null, or a date that is none.
+[[nodiscard]] bool AppendCellText(ColumnKind kind, const Cell& cell, std::string& out);
+
+}  // namespace qv

@@ -1,0 +1,56 @@
+// One request being answered.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "AnswerFile.h"
+#include "DataFolder.h"
+#include "ErrorCode.h"
+#include "FieldReader.h"
+#include "FieldWriter.h"
+#include "ServerLog.h"
+#include "WorkLimit.h"
+
+namespace qv {
+
+inline constexpr std::string_view kSuccess = "SUCCESS";
+inline constexpr std::string_view kSuccessCompress = "SUCCESS_COMPRESS";
+inline constexpr std::string_view kFailure = "FAILURE";
+inline constexpr std::string_view kMemory = "MEMORY";
+inline constexpr std::string_view kFile = "FILE";
+
+// What all requests share. Any thread.
+struct Services {
+  DataFolder& data;
+  ServerLog& log;
+  // Answers of up to so many bytes travel inside the reply.
+  std::uint32_t memory_threshold;
+  // No answer may take more room than this.
+  std::uint64_t answer_limit;
+};
+
+struct Request {
+  std::uint32_t command;
+  FieldReader fields;
+  WorkLimit& limit;
+};
+
+struct Reply {
+  FieldWriter fields;
+  std::unique_ptr<AnswerFile> file;  // travels behind the fields, when there is one
+  // For the server's own record.
+  std::string database;
+  Outcome outcome;
+};
+
+// The status word of a failure and its number.
+inline void AddFailure(Reply& reply, Outcome outcome) {
+  reply.fields.Text(kFailure);
+  reply.fields.Integer(static_cast<std::int32_t>(outcome.code));
+  reply.outcome = std::move(outcome);
+}
+
+}  // namespace qv

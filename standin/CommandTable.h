@@ -1,0 +1,11 @@
+// Which code of a request means which command.
+#pragma once
+
+#include "Command.h"
+
+namespace qv {
+
+// Carries out the request and gives the reply. A code that is not known is a failure.
+[[nodiscard]] Reply Answer(Services& services, Request request);
+
+}  // namespace qv

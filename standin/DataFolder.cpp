@@ -1,0 +1,75 @@
+#include "DataFolder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include "SampleData.h"
+#include "SqliteDatabase.h"
+#include "platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kLongestName = 64;
+constexpr std::string_view kSettingsDatabase = "PLATDB";
+constexpr std::chrono::seconds kSettingsTime{10};
+
+bool IsNameByte(char ch) {
+  return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') ||
+         ch == '_' || ch == '-';
+}
+
+}  // namespace
+
+bool IsDatabaseName(std::string_view name) {
+  return !name.empty() && name.size() <= kLongestName && std::ranges::all_of(name, IsNameByte);
+}
+
+Outcome DataFolder::Prepare() {
+  std::error_code error;
+  std::filesystem::remove_all(std::filesystem::path(path_) / "tmp", error);
+  for (const char* const below : {"db", "tmp"}) {
+    const std::string folder = (std::filesystem::path(path_) / below).string();
+    if (!platform::CreatePrivateFolder(folder)) {
+      return {ErrorCode::kNoDatabase, "cannot make the folder " + folder};
+    }
+  }
+  // Links on the way to the folder are its owner's business; behind it none is followed.
+  path_ = std::filesystem::canonical(path_, error).string();
+  if (error) return {ErrorCode::kNoDatabase, error.message()};
+  for (const SampleDatabase& sample : SampleDatabases()) {
+    const std::string file = DatabaseFile(sample.name);
+    if (std::filesystem::exists(file, error)) continue;
+    if (Outcome made = CreateSample(sample, file); !made.Ok()) return made;
+  }
+  return {};
+}
+
+Outcome DataFolder::SetCompression(bool on) {
+  WorkLimit limit(kSettingsTime, [] { return false; });
+  const auto database = Open(kSettingsDatabase, limit);
+  if (database == nullptr) return {ErrorCode::kNoDatabase, "the settings cannot be opened"};
+  const std::string value = on ? "1" : "0";
+  std::int32_t failed = 0;
+  return database->Execute({"UPDATE Mxd_sys_BaseInfo SET CI_ServerCompress = " + value +
+                            ", CI_DefaultSelectCompress = " + value},
+                           failed);
+}
+
+std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& limit) const {
+  if (!IsDatabaseName(name)) return nullptr;
+  return SqliteDatabase::Open(DatabaseFile(name), limit);
+}
+
+std::string DataFolder::AnswerFolder() const {
+  return (std::filesystem::path(path_) / "tmp" / "").string();
+}
+
+std::string DataFolder::DatabaseFile(std::string_view name) const {
+  return (std::filesystem::path(path_) / "db" / (std::string(name) + ".sqlite")).string();
+}
+
+}  // namespace qv

@@ -1,0 +1,41 @@
+// The folder that the server works on: its databases, and the files of answers on their way out.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "Database.h"
+#include "WorkLimit.h"
+
+namespace qv {
+
+// Under the folder: db/NAME.sqlite for each logical database, tmp/ for answers, server.log. What
+// Prepare has set up may then be used from any thread.
+class DataFolder {
+ public:
+  explicit DataFolder(std::string path) : path_(std::move(path)) {}
+
+  // Makes what is missing, the sample databases among it, and clears away answers of an earlier
+  // run.
+  Outcome Prepare();
+  // Whether clients are told to ask for packed answers.
+  Outcome SetCompression(bool on);
+
+  // The database of that name; null when there is none. `limit` outlives it.
+  [[nodiscard]] std::unique_ptr<Database> Open(std::string_view name, WorkLimit& limit) const;
+
+  // With a separator at its end.
+  [[nodiscard]] std::string AnswerFolder() const;
+
+ private:
+  [[nodiscard]] std::string DatabaseFile(std::string_view name) const;
+
+  std::string path_;
+};
+
+// Whether a client may name a database so: letters, digits, "_" and "-", at most 64 of them. So a
+// name never leads out of the folder.
+[[nodiscard]] bool IsDatabaseName(std::string_view name);
+
+}  // namespace qv

@@ -1,0 +1,32 @@
+// Why a command was not done, as the number that follows the status word "FAILURE".
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace qv {
+
+enum class ErrorCode : std::int32_t {
+  kNone = 0,
+  kMalformedRequest = 1,  // a field is missing or of the wrong kind
+  kUnknownCommand = 2,
+  kAccessDenied = 3,  // the access token is missing or wrong
+  kNoDatabase = 4,
+  kNotPermitted = 5,  // what a client may not do: write in a query, attach files, ...
+  kSqlFailed = 6,
+  kTimedOut = 7,
+  kStopped = 8,  // the server stops, or the client is gone
+  kNoProcedure = 9,
+  kAnswerLost = 10,  // the answer could not be kept: disk full, or past the limit
+  kBusy = 11,        // somebody else holds the database
+};
+
+// What came of a piece of work; the text is for the server's own log, never for the wire.
+struct [[nodiscard]] Outcome {
+  ErrorCode code = ErrorCode::kNone;
+  std::string text;
+
+  bool Ok() const { return code == ErrorCode::kNone; }
+};
+
+}  // namespace qv

@@ -1,0 +1,41 @@
+#include "FieldReader.h"
+
+#include <algorithm>
+
+#include "message/LittleEndian.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kLengthWord = 4;
+constexpr std::size_t kOverhead = kLengthWord + 1;
+
+}  // namespace
+
+std::optional<std::span<const unsigned char>> FieldReader::Peek() const {
+  if (rest_.size() < kOverhead) return std::nullopt;
+  const std::uint64_t length = LoadU32(rest_.data());
+  if (length > rest_.size() - kOverhead) return std::nullopt;
+  const auto body = rest_.subspan(kLengthWord, static_cast<std::size_t>(length));
+  if (rest_[kLengthWord + body.size()] != 0) return std::nullopt;
+  return body;
+}
+
+void FieldReader::Consume(std::size_t length) { rest_ = rest_.subspan(length + kOverhead); }
+
+std::optional<std::string> FieldReader::Text() {
+  const auto body = Peek();
+  if (!body || body->empty() || std::ranges::find(*body, 0) != body->end()) return std::nullopt;
+  Consume(body->size());
+  return std::string(body->begin(), body->end());
+}
+
+std::optional<std::int32_t> FieldReader::Integer() {
+  const auto body = Peek();
+  if (!body || body->size() != sizeof(std::int32_t)) return std::nullopt;
+  Consume(body->size());
+  return static_cast<std::int32_t>(LoadU32(body->data()));
+}
+
+}  // namespace qv

@@ -1,0 +1,12 @@
+// The commands that need no database.
+#pragma once
+
+#include "Command.h"
+
+namespace qv {
+
+void CheckLink(Services& services, Request& request, Reply& reply);
+// Adds a line to the server's log.
+void AppendLog(Services& services, Request& request, Reply& reply);
+
+}  // namespace qv

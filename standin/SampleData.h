@@ -1,0 +1,21 @@
+// The databases that a new data folder starts with.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "ErrorCode.h"
+
+namespace qv {
+
+struct SampleDatabase {
+  const char* name;
+  const char* script;
+};
+
+[[nodiscard]] std::span<const SampleDatabase> SampleDatabases();
+
+// Makes the database at `file`: whole, or not at all.
+Outcome CreateSample(const SampleDatabase& sample, const std::string& file);
+
+}  // namespace qv

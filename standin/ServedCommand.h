@@ -1,0 +1,18 @@
+// What the server remembers of a request.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace qv {
+
+struct ServedCommand {
+  std::uint32_t command;
+  std::string database;  // empty when the command names none
+  std::string outcome;   // "done", or why not
+  std::uint64_t bytes;   // of the reply: its fields, and its file
+  std::chrono::milliseconds time;
+};
+
+}  // namespace qv

@@ -1,0 +1,237 @@
+#include "SqliteDatabase.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <string_view>
+#include <thread>
+
+#include "SqliteCells.h"
+#include "TableNames.h"
+
+namespace qv {
+
+namespace {
+
+constexpr int kStepsBetweenChecks = 1000;
+constexpr std::chrono::milliseconds kBusyPause{5};
+// No text or cell of a client's may take more memory than this, nor a pattern more time.
+constexpr int kLongestCell = 64 << 20;
+constexpr int kLongestPattern = 1000;
+
+bool IsRefusedFunction(const char* name) {
+  constexpr std::array<std::string_view, 4> kRefused{"load_extension", "readfile", "writefile",
+                                                     "fts3_tokenizer"};
+  return name != nullptr && std::ranges::find(kRefused, name) != kRefused.end();
+}
+
+bool IsRefused(int action, const char* function) {
+  switch (action) {
+    case SQLITE_ATTACH:
+    case SQLITE_DETACH:
+    case SQLITE_PRAGMA:
+    case SQLITE_TRANSACTION:
+    case SQLITE_SAVEPOINT:
+    case SQLITE_CREATE_VTABLE:
+      return true;
+    case SQLITE_FUNCTION:
+      return IsRefusedFunction(function);
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<SqliteDatabase> SqliteDatabase::Open(const std::string& path, WorkLimit& limit) {
+  sqlite3* connection = nullptr;
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
+  const int code = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
+  std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(connection, limit));
+  if (code != SQLITE_OK) return nullptr;
+  database->Confine();
+  return database;
+}
+
+SqliteDatabase::SqliteDatabase(sqlite3* connection, WorkLimit& limit)
+    : connection_(connection), limit_(limit) {}
+
+void SqliteDatabase::Confine() {
+  sqlite3* const connection = connection_.get();
+  sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestCell);
+  sqlite3_limit(connection, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, kLongestPattern);
+  sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
+  const auto over = [](void* limit) { return static_cast<WorkLimit*>(limit)->IsOver() ? 1 : 0; };
+  sqlite3_progress_handler(connection, kStepsBetweenChecks, over, &limit_);
+  const auto wait = [](void* limit, int) {
+    if (static_cast<WorkLimit*>(limit)->IsOver()) return 0;
+    std::this_thread::sleep_for(kBusyPause);
+    return 1;
+  };
+  sqlite3_busy_handler(connection, wait, &limit_);
+  const auto authorize = [](void* self, int action, const char*, const char* function, const char*,
+                            const char*) {
+    const bool trusted = static_cast<SqliteDatabase*>(self)->trusted_;
+    return !trusted && IsRefused(action, function) ? SQLITE_DENY : SQLITE_OK;
+  };
+  sqlite3_set_authorizer(connection, authorize, this);
+}
+
+Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
+  const std::string text = WithPlainTableNames(sql);
+  const char* rest = text.c_str();
+  const char* const end = rest + text.size();
+  Statement statement;
+  if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
+  if (statement == nullptr) return {ErrorCode::kSqlFailed, "there is no statement"};
+  if (HasMore(rest, end)) return {ErrorCode::kNotPermitted, "a query is one statement"};
+  if (sqlite3_stmt_readonly(statement.get()) == 0 || sqlite3_column_count(statement.get()) == 0) {
+    return {ErrorCode::kNotPermitted, "a query only reads"};
+  }
+  return Deliver(statement.get(), sink);
+}
+
+Outcome SqliteDatabase::Execute(const std::vector<std::string>& statements, std::int32_t& failed) {
+  failed = 0;
+  if (Outcome begun = RunTrusted("BEGIN IMMEDIATE"); !begun.Ok()) return begun;
+  for (const std::string& statement : statements) {
+    ++failed;
+    Outcome outcome = RunAll(statement, {}, nullptr);
+    if (!outcome.Ok()) return EndTransaction(std::move(outcome));
+  }
+  Outcome outcome = EndTransaction({});
+  if (outcome.Ok()) failed = 0;
+  return outcome;
+}
+
+Outcome SqliteDatabase::Call(const ProcedureCall& call, RowSink& sink) {
+  std::string sql;
+  if (Outcome found = ReadProcedure(call.name, sql); !found.Ok()) return found;
+  if (Outcome begun = RunTrusted("BEGIN"); !begun.Ok()) return begun;
+  return EndTransaction(RunAll(sql, call.arguments, &sink));
+}
+
+// Steps over what holds no statement: blanks, comments, lone semicolons.
+int SqliteDatabase::Prepare(const char*& text, const char* end, Statement& statement) {
+  statement.reset();
+  while (text < end && statement == nullptr) {
+    sqlite3_stmt* prepared = nullptr;
+    const int length = static_cast<int>(std::min<std::ptrdiff_t>(end - text, kLongestCell));
+    const int code = sqlite3_prepare_v2(connection_.get(), text, length, &prepared, &text);
+    if (code != SQLITE_OK) return code;
+    statement.reset(prepared);
+  }
+  return SQLITE_OK;
+}
+
+// A statement that does not compile yet may do so once those before it have run, so it counts.
+bool SqliteDatabase::HasMore(const char* text, const char* end) {
+  Statement next;
+  return Prepare(text, end, next) != SQLITE_OK || next != nullptr;
+}
+
+// The rows of the last statement go to the sink, if there is one.
+Outcome SqliteDatabase::RunAll(const std::string& sql, Arguments arguments, RowSink* sink) {
+  const std::string text = WithPlainTableNames(sql);
+  const char* rest = text.c_str();
+  const char* const end = rest + text.size();
+  Statement statement;
+  bool more = HasMore(rest, end);
+  if (!more) return {ErrorCode::kSqlFailed, "there is no statement"};
+  while (more) {
+    if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
+    if (Outcome bound = Bind(statement.get(), arguments); !bound.Ok()) return bound;
+    more = HasMore(rest, end);
+    const bool delivers = sink != nullptr && !more;
+    Outcome outcome = delivers ? Deliver(statement.get(), *sink) : Step(statement.get());
+    if (!outcome.Ok()) return outcome;
+  }
+  return {};
+}
+
+Outcome SqliteDatabase::Step(sqlite3_stmt* statement) {
+  int code = SQLITE_ROW;
+  while (code == SQLITE_ROW) code = sqlite3_step(statement);
+  return code == SQLITE_DONE ? Outcome() : Failure(code);
+}
+
+Outcome SqliteDatabase::Deliver(sqlite3_stmt* statement, RowSink& sink) {
+  int code = sqlite3_step(statement);  // the kind of an expression shows in its first row
+  if (code != SQLITE_ROW && code != SQLITE_DONE) return Failure(code);
+  const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be kept"};
+  if (!sink.Begin(ColumnsOf(statement, code == SQLITE_ROW))) return lost;
+  std::vector<Cell> cells;
+  for (; code == SQLITE_ROW; code = sqlite3_step(statement)) {
+    ReadCells(statement, cells);
+    if (!sink.Row(cells)) return lost;
+  }
+  return code == SQLITE_DONE ? Outcome() : Failure(code);
+}
+
+Outcome SqliteDatabase::Bind(sqlite3_stmt* statement, Arguments arguments) {
+  const auto wanted = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement));
+  if (wanted > arguments.size()) {
+    return {ErrorCode::kSqlFailed, std::to_string(wanted) + " arguments are wanted"};
+  }
+  for (std::size_t i = 0; i < wanted; ++i) {
+    const int code = BindArgument(statement, static_cast<int>(i + 1), arguments[i]);
+    if (code != SQLITE_OK) return Failure(code);
+  }
+  return {};
+}
+
+Outcome SqliteDatabase::ReadProcedure(const std::string& name, std::string& sql) {
+  const Outcome unknown{ErrorCode::kNoProcedure, "no procedure " + name};
+  const std::string text =
+      std::string("SELECT sql FROM ") + kProcedureTable + " WHERE name = ?1 COLLATE NOCASE";
+  const char* rest = text.c_str();
+  Statement statement;
+  if (Prepare(rest, rest + text.size(), statement) != SQLITE_OK) return unknown;
+  const int bound = BindArgument(statement.get(), 1, name);
+  if (bound != SQLITE_OK) return Failure(bound);
+  const int code = sqlite3_step(statement.get());
+  if (code == SQLITE_DONE) return unknown;
+  if (code != SQLITE_ROW) return Failure(code);
+  std::vector<Cell> cells;
+  ReadCells(statement.get(), cells);
+  const auto* const found = std::get_if<std::string_view>(&cells.front());
+  if (found == nullptr) return unknown;
+  sql = *found;
+  return {};
+}
+
+Outcome SqliteDatabase::RunTrusted(const char* sql) {
+  trusted_ = true;
+  const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
+  trusted_ = false;
+  return code == SQLITE_OK ? Outcome() : Failure(code);
+}
+
+Outcome SqliteDatabase::EndTransaction(Outcome outcome) {
+  if (outcome.Ok()) outcome = RunTrusted("COMMIT");
+  // A failed statement may have ended the transaction already.
+  if (!outcome.Ok() && sqlite3_get_autocommit(connection_.get()) == 0) {
+    // Undoing must not be cut short by the limit that ended the work.
+    sqlite3_progress_handler(connection_.get(), 0, nullptr, nullptr);
+    if (Outcome undone = RunTrusted("ROLLBACK"); !undone.Ok()) outcome.text += "; " + undone.text;
+  }
+  return outcome;
+}
+
+Outcome SqliteDatabase::Failure(int code) {
+  const char* const text = sqlite3_errmsg(connection_.get());
+  if (limit_.Reason() != ErrorCode::kNone) return {limit_.Reason(), "cut off"};
+  switch (code & 0xff) {
+    case SQLITE_AUTH:
+      return {ErrorCode::kNotPermitted, text};
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return {ErrorCode::kBusy, text};
+    default:
+      return {ErrorCode::kSqlFailed, text};
+  }
+}
+
+}  // namespace qv

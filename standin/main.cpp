@@ -1,0 +1,56 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <csignal>
+#include <cstdio>
+
+#include "StandIn.h"
+
+namespace {
+
+void PrintServed(const qv::ServedCommand& served) {
+  fmt::print(stderr, "{} {} {}: {} bytes, {} ms\n", served.command,
+             served.database.empty() ? "-" : served.database, served.outcome, served.bytes,
+             served.time.count());
+}
+
+int Run(const qv::StandInOptions& options) {
+  boost::asio::io_context context;
+  // Before the first line, so that whoever waits for it can stop the server.
+  boost::asio::signal_set signals(context, SIGINT, SIGTERM);
+  signals.async_wait([](const auto&, int) {});
+
+  qv::StandIn server(options);
+  std::string error;
+  if (!server.Start(&error)) {
+    fmt::print(stderr, "qvstandin: {}\n", error);
+    return 1;
+  }
+  fmt::print("listening on {}:{}\n", options.listen, server.Port());
+  std::fflush(stdout);
+  context.run();
+  server.Stop();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qv::StandInOptions options;
+  std::string compress;
+  bool verbose = false;
+  CLI::App app("The stand-in server: answers the platform's commands on SQLite files in a folder");
+  app.add_option("--data", options.data_folder, "The folder of its data; made when missing")
+      ->required();
+  app.add_option("--listen", options.listen, "The address to listen on")->capture_default_str();
+  app.add_option("--port", options.port, "The port; 0 takes a free one")->capture_default_str();
+  app.add_option("--token", options.token, "What every request must carry");
+  app.add_option("--compress", compress, "Whether clients are told to ask for packed answers")
+      ->check(CLI::IsMember({"on", "off"}));
+  app.add_flag("--verbose", verbose, "Print a line for each request to standard error");
+  CLI11_PARSE(app, argc, argv);
+  if (!compress.empty()) options.compress = compress == "on";
+  if (verbose) options.on_served = PrintServed;
+  return Run(options);
+}
