@@ -51,6 +51,8 @@ QueryCommand AddQuery(CLI::App& app, QueryOptions& query) {
   command->add_option("--format", query.format, "table, csv or json")
       ->transform(CLI::CheckedTransformer(kFormats))
       ->option_text("table|csv|json [table]");
+  command->footer(
+      "Binary cells become files in the temporary folder, which stay; the cells show their paths.");
   CLI::Option* cache =
       command
           ->add_option(
@@ -74,7 +76,7 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   app.fallthrough()->require_subcommand(1);
   app.footer(
       "Exit status: 0 success, 1 a failed call, 2 wrong usage.\n"
-      "Example: qvcall --port 4000 query \"SELECT * FROM project\" --db DESIGNDB");
+      "Example: qvcall --port 4000 query \"SELECT * FROM projects\" --db DESIGNDB");
   AddConnection(app, parsed.command.connection);
   const QueryCommand query_command = AddQuery(app, query);
   app.add_subcommand("ping", "Ask whether the server answers");
