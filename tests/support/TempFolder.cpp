@@ -20,6 +20,9 @@ TempFolder::~TempFolder() {
 
 std::string TempFolder::Write(const std::string& name, const std::string& bytes) const {
   const std::string path = (path_ / name).string();
+  // A file that is cut and written anew makes some file systems wait for the disk; a new one does
+  // not.
+  std::filesystem::remove(path);
   std::ofstream(path, std::ios::binary) << bytes;
   return path;
 }
