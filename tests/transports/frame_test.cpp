@@ -1,0 +1,236 @@
+#include "transports/frame/Frame.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "ScriptedServer.h"
+#include "message/LittleEndian.h"
+#include "tests/support/TempFolder.h"
+#include "transports/frame/FrameIo.h"
+
+namespace qv {
+namespace {
+
+// What was written, and what there is to read.
+class MemoryStream final : public ByteStream {
+ public:
+  explicit MemoryStream(std::string bytes = "") : unread_(std::move(bytes)) {}
+
+  bool Read(WritableBytes bytes) override {
+    if (bytes.size() > unread_.size()) return false;
+    std::copy_n(unread_.begin(), bytes.size(), bytes.begin());
+    unread_.erase(0, bytes.size());
+    return true;
+  }
+  bool Write(std::initializer_list<Bytes> pieces) override {
+    for (const Bytes piece : pieces) written_.append(piece.begin(), piece.end());
+    return true;
+  }
+  [[nodiscard]] const std::string& Written() const { return written_; }
+
+ private:
+  std::string unread_;
+  std::string written_;
+};
+
+std::string FromHex(const std::string& hex) {
+  std::string bytes;
+  for (std::size_t at = 0; at < hex.size(); at += 2) {
+    bytes.push_back(static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16)));
+  }
+  return bytes;
+}
+
+// The examples of docs/wire-protocol.md.
+std::string GoldenRequest() {
+  return FromHex(
+             "51764e34010000000d00000000000000"
+             "ffffffffffffffff030000004c761d8d"
+             "6b6579"
+             "c8000000000000000000000000612e62") +
+         std::string(253, '\0') +
+         FromHex(
+             "0800000053454c4543542031"
+             "00503f458c");
+}
+
+std::string GoldenReply() {
+  return FromHex(
+             "51764e34010001000c00000000000000"
+             "05000000000000000000000032e8b36b") +
+         std::string(kFrameBlockSize, '\0') +
+         FromHex(
+             "070000005355434345535300bb8f678d"
+             "0500000086a6103668656c6c6f"
+             "0000000086a61036");
+}
+
+struct Received {
+  FrameStatus status;
+  std::string block;
+  std::string payload;
+};
+
+Received Receive(const std::string& frame, FrameKind kind, const std::string& path) {
+  MemoryStream stream(frame);
+  FrameHeader header;
+  Received got{ReceiveHeader(stream, kind, {}, header), {}, {}};
+  if (got.status != FrameStatus::kDone) return got;
+  std::vector<unsigned char> token(header.token_length);
+  std::vector<unsigned char> block(kFrameBlockSize);
+  std::vector<unsigned char> payload(static_cast<std::size_t>(header.payload_length));
+  got.status = ReceiveMessage(stream, {token, block, payload});
+  got.block.assign(block.begin(), block.end());
+  got.payload.assign(payload.begin(), payload.end());
+  if (got.status != FrameStatus::kDone || !header.file_length) return got;
+  got.status = ReceiveFile(stream, *header.file_length, path);
+  return got;
+}
+
+TEST(Frame, WritesTheDocumentedBytes) {
+  std::string block(kFrameBlockSize, '\0');
+  block[0] = static_cast<char>(200);
+  block.replace(13, 3, "a.b");
+  MemoryStream request;
+  EXPECT_EQ(SendFrame(request, {.kind = FrameKind::kRequest,
+                                .token = BytesOfText("key"),
+                                .block = BytesOfText(block),
+                                .payload = BytesOfText(Field("SELECT 1"))}),
+            FrameStatus::kDone);
+  EXPECT_EQ(request.Written(), GoldenRequest());
+
+  const TempFolder folder;
+  auto file = OutgoingFile::Open(folder.Write("answer", "hello"));
+  ASSERT_TRUE(file);
+  MemoryStream reply;
+  const std::string zeros(kFrameBlockSize, '\0');
+  EXPECT_EQ(SendFrame(reply,
+                      {.kind = FrameKind::kReply,
+                       .token = {},
+                       .block = BytesOfText(zeros),
+                       .payload = BytesOfText(Field("SUCCESS"))},
+                      &*file),
+            FrameStatus::kDone);
+  EXPECT_EQ(reply.Written(), GoldenReply());
+}
+
+TEST(Frame, ReadsThemBack) {
+  const TempFolder folder;
+  const std::string path = (folder.Path() / "answer").string();
+  const Received request = Receive(GoldenRequest(), FrameKind::kRequest, path);
+  EXPECT_EQ(request.status, FrameStatus::kDone);
+  EXPECT_EQ(request.block.substr(13, 4), std::string("a.b\0", 4));
+  EXPECT_EQ(request.payload, Field("SELECT 1"));
+  const Received reply = Receive(GoldenReply(), FrameKind::kReply, path);
+  EXPECT_EQ(reply.status, FrameStatus::kDone);
+  EXPECT_EQ(reply.payload, Field("SUCCESS"));
+  EXPECT_EQ(BytesOf(path), "hello");
+}
+
+TEST(Frame, NoticesEveryCutAndEveryDamagedByte) {
+  const TempFolder folder;
+  const std::string path = (folder.Path() / "answer").string();
+  const std::string whole = GoldenReply();
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    EXPECT_EQ(Receive(whole.substr(0, at), FrameKind::kReply, path).status,
+              FrameStatus::kConnectionLost)
+        << at;
+    std::string damaged = whole;
+    damaged[at] = static_cast<char>(damaged[at] ^ 0x10);
+    EXPECT_NE(Receive(damaged, FrameKind::kReply, path).status, FrameStatus::kDone) << at;
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+// A header whose checksum is right and whose word at `at` is `value`.
+FrameStatus DecodeWith(std::size_t at, std::uint64_t value, FrameKind kind) {
+  auto bytes =
+      EncodeHeader({.kind = kind, .token_length = 0, .payload_length = 0, .file_length = {}});
+  StoreU64(&bytes[at], value);
+  StoreU32(&bytes[28], Crc32(0, Bytes(bytes).first(28)));
+  FrameHeader header;
+  return DecodeHeader(bytes, kind, {.payload = 1000, .file = 5000}, header);
+}
+
+TEST(Frame, ChecksLengthsBeforeAnythingElse) {
+  constexpr std::uint64_t kHeaderStart = 0x00000001344E7651;
+  const struct {
+    std::size_t at;
+    std::uint64_t value;
+    FrameStatus status;
+  } cases[] = {
+      {0, kHeaderStart, FrameStatus::kDone},
+      {0, kHeaderStart + 1, FrameStatus::kMalformed},             // magic
+      {0, kHeaderStart + (1ULL << 32), FrameStatus::kMalformed},  // version
+      {0, kHeaderStart + (1ULL << 48), FrameStatus::kMalformed},  // kind
+      {8, 1000, FrameStatus::kDone},
+      {8, 1001, FrameStatus::kDoesNotFit},
+      {8, kMaxPayload + 1, FrameStatus::kMalformed},
+      {8, 1ULL << 32, FrameStatus::kMalformed},
+      {16, 5000, FrameStatus::kDone},
+      {16, 5001, FrameStatus::kDoesNotFit},
+      {16, kMaxFile + 1, FrameStatus::kMalformed},
+      {20, 0x00001000FFFFFFFF, FrameStatus::kDone},  // token
+      {20, 0x00001001FFFFFFFF, FrameStatus::kMalformed},
+  };
+  for (const auto& one : cases) {
+    EXPECT_EQ(DecodeWith(one.at, one.value, FrameKind::kRequest), one.status)
+        << one.at << ' ' << one.value;
+  }
+  EXPECT_EQ(DecodeWith(20, 0x00000001FFFFFFFF, FrameKind::kReply), FrameStatus::kMalformed);
+}
+
+TEST(Frame, ChunksStayWithinTheFile) {
+  const struct {
+    std::uint32_t length;
+    std::uint64_t remaining;
+    bool right;
+  } cases[] = {{1, 1, true},
+               {2, 1, false},
+               {0, 1, false},
+               {0, 0, true},
+               {1, 0, false},
+               {kMaxChunk, 1ULL << 40, true},
+               {kMaxChunk + 1, 1ULL << 40, false},
+               {0xFFFFFFFF, kMaxFile, false}};
+  for (const auto& one : cases) {
+    ChunkHeader chunk;
+    const auto bytes = EncodeChunk({one.length, 0});
+    EXPECT_EQ(DecodeChunk(bytes, one.remaining, chunk) == FrameStatus::kDone, one.right)
+        << one.length << " of " << one.remaining;
+  }
+}
+
+TEST(Frame, RefusesToSendWhatNobodyWouldTake) {
+  const std::string block(kFrameBlockSize, '\0');
+  const std::string big(kMaxPayload + 1, 'x');
+  MemoryStream stream;
+  EXPECT_EQ(SendFrame(stream, {.kind = FrameKind::kReply,
+                               .token = {},
+                               .block = BytesOfText(block),
+                               .payload = BytesOfText(big)}),
+            FrameStatus::kDoesNotFit);
+  EXPECT_EQ(stream.Written(), "");
+}
+
+TEST(Frame, AFileThatShrinksIsNotSentAsIfItWereWhole) {
+  const TempFolder folder;
+  const std::string path = folder.Write("shrinking", "0123456789");
+  auto file = OutgoingFile::Open(path);
+  ASSERT_TRUE(file);
+  std::filesystem::resize_file(path, 4);
+  const std::string block(kFrameBlockSize, '\0');
+  MemoryStream stream;
+  EXPECT_EQ(
+      SendFrame(
+          stream,
+          {.kind = FrameKind::kReply, .token = {}, .block = BytesOfText(block), .payload = {}},
+          &*file),
+      FrameStatus::kFileFailed);
+  EXPECT_FALSE(OutgoingFile::Open(folder.Path().string()));
+}
+
+}  // namespace
+}  // namespace qv

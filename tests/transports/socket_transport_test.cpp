@@ -1,0 +1,419 @@
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <utility>
+
+#include "ScriptedServer.h"
+#include "message/MsgContent.h"
+#include "qvnetcall/transport/NetworkProgress.h"
+#include "qvnetcall/transport/QvNetClient4.h"
+#include "tests/support/TempFolder.h"
+
+namespace qv {
+namespace {
+
+using boost::asio::ip::tcp;
+
+constexpr const char* kHost = "127.0.0.1";
+
+struct Call {
+  explicit Call(unsigned int size = 4096) : request_block(size), reply_block(size) {
+    request.SetCommand(200);
+  }
+  int Send(std::uint32_t port) { return NetworkTransMsg(kHost, port, request, reply); }
+  std::string Answer() { return std::string(reply.GetString(nullptr)); }
+
+  CAutoBuf request_block;
+  CAutoBuf reply_block;
+  CMsgContent request{request_block};
+  CMsgContent reply{reply_block};
+};
+
+// The text fields of the answer to one of the transport's own commands, in one line.
+std::string Parameter(unsigned int command, const char* name, const char* value = nullptr) {
+  Call call(8192);
+  call.request.SetCommand(command);
+  call.request.AddString(name, nullptr);
+  call.request.AddString(value, nullptr);
+  EXPECT_EQ(call.Send(0), 0);
+  const std::string flag = call.Answer();
+  return flag + call.Answer();
+}
+
+std::string Get(const char* name) { return Parameter(0xFFFFFFFF, name); }
+std::string Set(const char* name, const char* value) { return Parameter(0xFFFFFFFE, name, value); }
+
+class SocketTransport : public testing::Test {
+ protected:
+  SocketTransport() {
+    NetworkTransInit();
+    NetworkBadState(0);
+  }
+  ~SocketTransport() override {
+    NetworkTransFini();
+    for (const auto& [name, value] : kDefaults) EXPECT_EQ(Set(name, value), "1") << name;
+  }
+
+  std::string InFolder(const char* name) const { return (folder_.Path() / name).string(); }
+
+  static inline const std::map<const char*, const char*> kDefaults = {
+      {"dispmsg", "1"},
+      {"token", nullptr},
+      {"connect_timeout_ms", "5000"},
+      {"io_timeout_ms", "30000"},
+      {"retry_after_ms", "3000"}};
+  TempFolder folder_;
+};
+
+// A port on which nobody listens any more.
+std::uint16_t DeadPort() {
+  boost::asio::io_context context;
+  return tcp::acceptor(context, {boost::asio::ip::address_v4::loopback(), 0})
+      .local_endpoint()
+      .port();
+}
+
+TEST_F(SocketTransport, EchoesOverOneKeptConnectionAlsoByName) {
+  ScriptedServer server(ScriptedServer::Echo);
+  for (const char* const text : {"one", "two", "three"}) {
+    Call call;
+    call.request.AddString(text, nullptr);
+    EXPECT_EQ(call.Send(server.Port()), 0);
+    EXPECT_EQ(call.Answer(), text);
+  }
+  EXPECT_EQ(server.Connections(), 1);
+  Call by_name;
+  EXPECT_EQ(NetworkTransMsg("localhost", server.Port(), by_name.request, by_name.reply), 0);
+  NetworkTransFini();
+  server.WaitForFinished(2);
+  Call afterwards;
+  EXPECT_EQ(afterwards.Send(server.Port()), 0);
+}
+
+TEST_F(SocketTransport, SendsTheWholeRequestWithTokenNameAndSpilledPayload) {
+  ServerSide::Request seen;
+  ScriptedServer server([&](ServerSide& side) {
+    if (side.Receive(seen)) side.Reply("");
+  });
+  EXPECT_EQ(Set("token", "secret"), "1");
+  const std::string big(100'000, 'b');
+  Call call(1024);
+  call.request.SetName("a.dwg");
+  call.request.AddString("first", nullptr);
+  EXPECT_EQ(call.request.AddString(big.c_str(), nullptr), 0);
+  EXPECT_EQ(call.Send(server.Port()), 0);
+  server.WaitForFinished(1);
+  EXPECT_EQ(seen.token, "secret");
+  EXPECT_EQ(seen.block.substr(0, 4) + seen.block.substr(13, 5), std::string("\xC8\0\0\0a.dwg", 9));
+  EXPECT_EQ(seen.payload, Field("first") + Field(big));
+}
+
+TEST_F(SocketTransport, CarriesFilesBothWays) {
+  std::string bytes(3'000'001, '\0');
+  for (std::size_t at = 0; at < bytes.size(); ++at)
+    bytes[at] = static_cast<char>(at * 7 + at / 251);
+  ScriptedServer server([&](ServerSide& side) {
+    ServerSide::Request request;
+    if (!side.Receive(request, InFolder("stored"))) return;
+    auto file = OutgoingFile::Open(InFolder("stored"));
+    side.Reply(Field("SUCCESS"), &*file);
+  });
+  std::vector<std::pair<int, std::uint64_t>> done;
+  NetworkTransSetProgress(
+      [](std::uint64_t now, std::uint64_t total, int kind, void* context) {
+        if (now == total) static_cast<decltype(done)*>(context)->emplace_back(kind, total);
+      },
+      &done);
+  Call call;
+  call.request.SetFileName(folder_.Write("sent", bytes).c_str(), 1);
+  call.reply.SetFileName(folder_.Write("received", "an older file").c_str(), 1);
+  EXPECT_EQ(call.Send(server.Port()), 0);
+  NetworkTransSetProgress(nullptr, nullptr);
+  EXPECT_EQ(call.Answer(), "SUCCESS");
+  EXPECT_TRUE(BytesOf(InFolder("received")) == bytes);
+  using std::filesystem::perms;
+  EXPECT_EQ(std::filesystem::status(InFolder("received")).permissions(),
+            perms::owner_read | perms::owner_write);
+  EXPECT_THAT(done, testing::ElementsAre(std::pair(1, bytes.size()), std::pair(0, 269),
+                                         std::pair(0, 269 + 12), std::pair(1, bytes.size())));
+}
+
+// The bytes of a right reply with a file of 200,000 bytes.
+std::string ReplyWithFile(const TempFolder& folder) {
+  class Recorder final : public ByteStream {
+   public:
+    bool Read(WritableBytes) override { return false; }
+    bool Write(std::initializer_list<Bytes> pieces) override {
+      for (const Bytes piece : pieces) bytes.append(piece.begin(), piece.end());
+      return true;
+    }
+    std::string bytes;
+  } recorder;
+  const std::string path = folder.Write("source", std::string(200'000, 'f'));
+  auto file = OutgoingFile::Open(path);
+  const std::string block(kFrameBlockSize, '\0');
+  EXPECT_EQ(
+      SendFrame(recorder,
+                {FrameKind::kReply, {}, BytesOfText(block), BytesOfText(Field("SUCCESS"))}, &*file),
+      FrameStatus::kDone);
+  std::filesystem::remove(path);
+  return recorder.bytes;
+}
+
+std::string Damaged(std::string bytes, std::size_t at) {
+  bytes[at] = static_cast<char>(bytes[at] ^ 1);
+  return bytes;
+}
+
+std::string HeaderOnly(FrameKind kind, std::uint64_t payload_length) {
+  const auto bytes = EncodeHeader(
+      {.kind = kind, .token_length = 0, .payload_length = payload_length, .file_length = {}});
+  return {bytes.begin(), bytes.end()};
+}
+
+TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
+  const std::string right = ReplyWithFile(folder_);
+  const struct {
+    const char* what;
+    std::string answer;
+    int result;
+  } cases[] = {
+      {"hang-up at once", "", -2},
+      {"hang-up in the header", right.substr(0, 20), -2},
+      {"hang-up in the payload", right.substr(0, 305), -2},
+      {"hang-up in the file", right.substr(0, 150'000), -2},
+      {"hang-up before the last checksum", right.substr(0, right.size() - 1), -2},
+      {"damaged header", Damaged(right, 9), -3},
+      {"damaged payload", Damaged(right, 306), -3},
+      {"damaged file", Damaged(right, 100'000), -3},
+      {"damaged last checksum", Damaged(right, right.size() - 1), -3},
+      {"4 GiB", HeaderOnly(FrameKind::kReply, 1ULL << 32), -3},
+      {"larger than the block", HeaderOnly(FrameKind::kReply, 4096 - 269 + 1), -3},
+      {"a request", HeaderOnly(FrameKind::kRequest, 0), -3},
+      {"another protocol", "HTTP/1.1 400 Bad Request\r\nConnection: close\r\n\r\n", -3},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.what);
+    ScriptedServer server([&](ServerSide& side) {
+      ServerSide::Request request;
+      if (side.Receive(request)) side.Write({BytesOfText(one.answer)});
+    });
+    Call call;
+    call.reply.SetFileName(InFolder("answer").c_str(), 0);
+    EXPECT_EQ(call.Send(server.Port()), one.result);
+    EXPECT_EQ(call.Answer(), "");
+    EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
+    EXPECT_EQ(NetworkIsBadState(1), 0);
+    EXPECT_EQ(server.Connections(), 1) << "a request is never sent twice";
+  }
+}
+
+TEST_F(SocketTransport, TakesAReplyInPiecesThatFillsTheBlock) {
+  const std::string text(4096 - 269 - 5, 'x');
+  ScriptedServer server([&](ServerSide& side) {
+    ServerSide::Request request;
+    if (!side.Receive(request)) return;
+    class Dribble final : public ByteStream {
+     public:
+      explicit Dribble(ServerSide& side) : side_(side) {}
+      bool Read(WritableBytes) override { return false; }
+      bool Write(std::initializer_list<Bytes> pieces) override {
+        for (const Bytes piece : pieces) {
+          for (std::size_t at = 0; at < piece.size(); ++at) {
+            if (!side_.Write({piece.subspan(at, 1)})) return false;
+          }
+        }
+        return true;
+      }
+
+     private:
+      ServerSide& side_;
+    } dribble(side);
+    const std::string block(kFrameBlockSize, 'B');
+    static_cast<void>(
+        SendFrame(dribble, {FrameKind::kReply, {}, BytesOfText(block), BytesOfText(Field(text))}));
+  });
+  Call call;
+  EXPECT_EQ(call.Send(server.Port()), 0);
+  EXPECT_EQ(call.reply.Command(), 0x42424242U);
+  EXPECT_EQ(call.Answer(), text);
+}
+
+TEST_F(SocketTransport, AFileThatCannotBeKeptIsABadReply) {
+  const std::string right = ReplyWithFile(folder_);
+  ScriptedServer server([&](ServerSide& side) {
+    ServerSide::Request request;
+    if (side.Receive(request)) side.Write({BytesOfText(right)});
+  });
+  for (const std::string& path : {std::string(), InFolder("missing/answer")}) {
+    Call call;
+    call.reply.SetFileName(path.c_str(), 0);
+    EXPECT_EQ(call.Send(server.Port()), -3) << path;
+  }
+  // A disk that is full after 64 KiB.
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  rlimit small = before;
+  small.rlim_cur = 65536;
+  const auto old_handler = signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  Call call;
+  call.reply.SetFileName(InFolder("answer").c_str(), 0);
+  const int result = call.Send(server.Port());
+  setrlimit(RLIMIT_FSIZE, &before);
+  signal(SIGXFSZ, old_handler);
+  EXPECT_EQ(result, -3);
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
+}
+
+TEST_F(SocketTransport, WhatCannotBeSentReachesNobody) {
+  ScriptedServer server(ScriptedServer::Echo);
+  Call unbound(100);
+  Call bound;
+  EXPECT_EQ(NetworkTransMsg(kHost, server.Port(), unbound.request, bound.reply), -1);
+  EXPECT_EQ(NetworkTransMsg(kHost, server.Port(), bound.request, unbound.reply), -1);
+  bound.request.SetFileName(InFolder("missing").c_str(), 1);
+  EXPECT_EQ(bound.Send(server.Port()), -1);
+  EXPECT_EQ(server.Connections(), 0);
+  EXPECT_EQ(NetworkIsBadState(1), 0);
+}
+
+TEST_F(SocketTransport, WithoutAServerNothingIsDeliveredAndTheNetworkIsBad) {
+  const std::pair<const char*, std::uint32_t> peers[] = {
+      {kHost, DeadPort()}, {"no-such-host.invalid", 80}, {nullptr, 80}, {"", 80}, {kHost, 70'000}};
+  for (const auto& [server, port] : peers) {
+    NetworkBadState(0);
+    Call call;
+    EXPECT_EQ(NetworkTransMsg(server, port, call.request, call.reply), -1);
+    EXPECT_EQ(NetworkIsBadState(1), 1);
+  }
+}
+
+TEST_F(SocketTransport, GivesUpAConnectionThatIsNotAcceptedAndAnAnswerThatDoesNotCome) {
+  // With its queue full, a listener's system leaves further attempts without an answer.
+  boost::asio::io_context context;
+  tcp::acceptor full(context, tcp::v4());
+  full.bind({boost::asio::ip::address_v4::loopback(), 0});
+  full.listen(0);
+  tcp::socket first(context);
+  first.connect(full.local_endpoint());
+  Set("connect_timeout_ms", "50");
+  const auto start = std::chrono::steady_clock::now();
+  Call refused;
+  EXPECT_EQ(refused.Send(full.local_endpoint().port()), -1);
+
+  ScriptedServer silent([](ServerSide& side) {
+    for (ServerSide::Request request; side.Receive(request);) {
+    }
+  });
+  Set("io_timeout_ms", "50");
+  Call unanswered;
+  EXPECT_EQ(unanswered.Send(silent.Port()), -2);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+}
+
+TEST_F(SocketTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
+  for (const char* const unasked : {"", "x"}) {
+    ScriptedServer server([&](ServerSide& side) {
+      ServerSide::Request request;
+      if (side.Receive(request) && side.Reply(request.payload)) {
+        side.Write({BytesOfText(unasked)});
+      }
+    });
+    for (int count = 1; count <= 3; ++count) {
+      Call call;
+      call.request.AddString("again", nullptr);
+      EXPECT_EQ(call.Send(server.Port()), 0);
+      EXPECT_EQ(call.Answer(), "again");
+      server.WaitForFinished(count);
+    }
+  }
+}
+
+TEST_F(SocketTransport, ABadNetworkRecoversByAProbeOrADeliveredMessage) {
+  ScriptedServer server(ScriptedServer::Echo);
+  const auto send = [&] { return Call().Send(server.Port()); };
+  EXPECT_EQ(send(), 0);
+  Set("retry_after_ms", "3600000");
+  NetworkBadState(1);
+  EXPECT_EQ(NetworkIsBadState(1), 1);
+  EXPECT_EQ(NetworkIsBadState(0), 1);
+  EXPECT_EQ(server.Connections(), 1) << "probed too early";
+  EXPECT_EQ(send(), 0);
+  EXPECT_EQ(NetworkIsBadState(1), 0);
+
+  Set("retry_after_ms", "1");
+  NetworkBadState(1);
+  EXPECT_EQ(NetworkIsBadState(1), 1);
+  while (NetworkIsBadState(0) == 1) {
+  }
+  Call dead;
+  EXPECT_EQ(dead.Send(DeadPort()), -1);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
+  while (std::chrono::steady_clock::now() < end) EXPECT_EQ(NetworkIsBadState(0), 1);
+  NetworkBadState(0);
+  EXPECT_EQ(NetworkIsBadState(0), 0);
+}
+
+TEST_F(SocketTransport, AnswersItsOwnParameters) {
+  const struct {
+    const char* name;
+    const char* value;  // null: left out
+    const char* set;
+    const char* then;
+  } cases[] = {
+      {"dispmsg", "0", "1", "10"},
+      {"token", "t", "1", "1t"},
+      {"token", nullptr, "1", "1"},
+      {"connect_timeout_ms", "250", "1", "1250"},
+      {"io_timeout_ms", "0", "0", "130000"},
+      {"io_timeout_ms", "-5", "0", "130000"},
+      {"io_timeout_ms", "10s", "0", "130000"},
+      {"io_timeout_ms", "99999999999999999999", "0", "130000"},
+      {"retry_after_ms", "3600001", "0", "13000"},
+      {"retry_after_ms", nullptr, "0", "13000"},
+      {"tls", "1", "0", "10"},
+      {"tls", "0", "1", "10"},
+      {"ca_file", "/etc/ca.pem", "0", "1"},
+      {"no such name", "1", "0", "0"},
+      {nullptr, nullptr, "0", "0"},
+  };
+  for (const auto& one : cases) {
+    EXPECT_EQ(Set(one.name, one.value), one.set) << one.name;
+    EXPECT_EQ(Get(one.name), one.then) << one.name;
+  }
+  const std::string long_token(4097, 't');
+  EXPECT_EQ(Set("token", long_token.c_str()), "0");
+  EXPECT_EQ(Set("token", long_token.c_str() + 1), "1");
+  Call small(1024);
+  small.request.SetCommand(0xFFFFFFFF);
+  small.request.AddString("token", nullptr);
+  EXPECT_EQ(small.Send(0), -3);
+}
+
+TEST_F(SocketTransport, ServesManyThreadsAtOnce) {
+  ScriptedServer server(ScriptedServer::Echo);
+  std::atomic<int> right{0};
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 8; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (int count = 0; count < 50; ++count) {
+        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
+        Call call;
+        call.request.AddString(text.c_str(), nullptr);
+        if (call.Send(server.Port()) == 0 && call.Answer() == text) ++right;
+        if (count % 10 == 0) Set("dispmsg", "1");
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(right, 400);
+  EXPECT_LE(server.Connections(), 8);
+}
+
+}  // namespace
+}  // namespace qv
