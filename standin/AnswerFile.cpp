@@ -27,7 +27,7 @@ bool AnswerFile::Write(std::string_view bytes) {
 }
 
 bool AnswerFile::MoveToDisk() {
-  const std::string path = folder_ + platform::NewGuid();
+  const std::string path = folder_ + platform::NewGuid() + kExtension;
   file_.reset(platform::CreatePrivateFile(path, platform::Create::kNew));
   if (file_ == nullptr) return false;
   path_ = path;

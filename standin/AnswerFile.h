@@ -12,6 +12,9 @@ namespace qv {
 
 class AnswerFile : public ByteSink {
  public:
+  // What the names of all such files on disk end in.
+  static constexpr const char* kExtension = ".answer";
+
   // Up to `memory_limit` bytes stay in memory; more go to a file of its own in `folder`, which is
   // removed with this object. More than `size_limit` bytes are refused.
   AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "AnswerFile.h"
 #include "SampleData.h"
 #include "SqliteDatabase.h"
 #include "platform/Platform.h"
@@ -13,6 +14,7 @@ namespace qv {
 
 namespace {
 
+constexpr const char* kAnswers = "answers";
 constexpr std::size_t kLongestName = 64;
 constexpr std::string_view kSettingsDatabase = "PLATDB";
 constexpr std::chrono::seconds kSettingsTime{10};
@@ -29,23 +31,33 @@ bool IsDatabaseName(std::string_view name) {
 }
 
 Outcome DataFolder::Prepare() {
-  std::error_code error;
-  std::filesystem::remove_all(std::filesystem::path(path_) / "tmp", error);
-  for (const char* const below : {"db", "tmp"}) {
+  for (const char* const below : {"db", kAnswers}) {
     const std::string folder = (std::filesystem::path(path_) / below).string();
     if (!platform::CreatePrivateFolder(folder)) {
       return {ErrorCode::kNoDatabase, "cannot make the folder " + folder};
     }
   }
+  std::error_code error;
   // Links on the way to the folder are its owner's business; behind it none is followed.
   path_ = std::filesystem::canonical(path_, error).string();
   if (error) return {ErrorCode::kNoDatabase, error.message()};
+  RemoveOldAnswers();
   for (const SampleDatabase& sample : SampleDatabases()) {
     const std::string file = DatabaseFile(sample.name);
     if (std::filesystem::exists(file, error)) continue;
     if (Outcome made = CreateSample(sample, file); !made.Ok()) return made;
   }
   return {};
+}
+
+// What a run that was killed has left behind.
+void DataFolder::RemoveOldAnswers() const {
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(AnswerFolder(), error)) {
+    if (entry.path().extension() == AnswerFile::kExtension) {
+      platform::RemoveFile(entry.path().string());
+    }
+  }
 }
 
 Outcome DataFolder::SetCompression(bool on) {
@@ -65,7 +77,7 @@ std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& lim
 }
 
 std::string DataFolder::AnswerFolder() const {
-  return (std::filesystem::path(path_) / "tmp" / "").string();
+  return (std::filesystem::path(path_) / kAnswers / "").string();
 }
 
 std::string DataFolder::DatabaseFile(std::string_view name) const {

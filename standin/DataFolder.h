@@ -10,8 +10,8 @@
 
 namespace qv {
 
-// Under the folder: db/NAME.sqlite for each logical database, tmp/ for answers, server.log. What
-// Prepare has set up may then be used from any thread.
+// Under the folder: db/NAME.sqlite for each logical database, answers/ for what is too large
+// for a reply. What Prepare has set up may then be used from any thread.
 class DataFolder {
  public:
   explicit DataFolder(std::string path) : path_(std::move(path)) {}
@@ -29,6 +29,7 @@ class DataFolder {
   [[nodiscard]] std::string AnswerFolder() const;
 
  private:
+  void RemoveOldAnswers() const;
   [[nodiscard]] std::string DatabaseFile(std::string_view name) const;
 
   std::string path_;
