@@ -19,12 +19,14 @@ constexpr std::size_t kMaxFileName = 255;
 // A file's new name must be on the disk before the entry that tells of it, and that entry before
 // the old file goes. With a rollback journal the first holds, because the folder is flushed with
 // the journal at every commit; "extra" flushes it once more when the journal is gone.
+constexpr const char kTable[] =
+    "CREATE TABLE IF NOT EXISTS qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY, "
+    "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL) WITHOUT ROWID";
 constexpr const char* kSetUp[] = {
     "PRAGMA cell_size_check = ON",
     "PRAGMA journal_mode = DELETE",
     "PRAGMA synchronous = EXTRA",
-    "CREATE TABLE IF NOT EXISTS qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY, "
-    "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL) WITHOUT ROWID",
+    kTable,
 };
 
 // The rights of the file pass to the journal that is made beside it.

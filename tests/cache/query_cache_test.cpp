@@ -237,7 +237,7 @@ TEST_F(QueryCacheTest, GivesWholeAnswersToManyThreadsAndPrograms) {
     const std::string text(kLength, letter);
     const std::string file = letter % 2 == 0 ? Packed(folder_, text) : std::string();
     const std::string source =
-        folder_.Write(std::string(1, letter), file.empty() ? text : BytesOf(file));
+        folder_.Write(std::string("answer ") + letter, file.empty() ? text : BytesOf(file));
     const int flag = file.empty() ? kCachePlain : kCacheGzip;
     threads.emplace_back([this, &cache, source, flag] {
       for (int i = 0; i < 24; ++i) {
