@@ -22,12 +22,13 @@ std::string Text(const char (&field)[260]) {
 }
 
 bool WriteAndClose(std::FILE* file, const std::vector<unsigned char>& bytes) {
-  const std::size_t written = std::fwrite(bytes.data(), 1, bytes.size(), file);
+  const std::size_t written = bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), file);
   return std::fclose(file) == 0 && written == bytes.size();
 }
 
-// What the platform's writers and readers agree on: a character up to '9' counts from '0', any other from where 'a' is
-// ten. Upper-case digits fall outside 0 to 15, and so does all but a few characters that nobody writes.
+// What the platform's writers and readers agree on: a character up to '9' counts from '0', any
+// other from where 'a' is ten. Upper-case digits fall outside 0 to 15, and so does all but a few
+// characters that nobody writes.
 int HexDigit(char c) {
   const int code = static_cast<unsigned char>(c);
   return code <= '9' ? code - '0' : code - 0x57;
