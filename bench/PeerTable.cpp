@@ -15,6 +15,7 @@ Number Parse(std::string_view text) {
   return value;
 }
 
+// The files hold nothing but "true" and "false" here, whatever the case.
 bool IsTrue(std::string_view text) { return text.size() == 4; }
 
 // "2004-01-02T03:04:05", and whatever follows, in days since the last but one day of 1899.
