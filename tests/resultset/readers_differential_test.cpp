@@ -1,175 +1,39 @@
 // Both readers against the slow reference, on random files, well formed and damaged.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <limits>
-#include <optional>
-#include <sstream>
 #include <string>
-#include <variant>
 
-#include "qvnetcall/RvoDbRes.h"
-#include "resultset/RowsetReader.h"
-#include "resultset/SchemaReader.h"
-#include "tests/support/RandomRecordset.h"
-#include "tests/support/ReferenceReader.h"
+#include "fuzz/RandomRecordset.h"
+#include "fuzz/ReaderComparison.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
 namespace {
 
-// What the accessors of a cell shall give.
-struct Expected {
-  std::string text;
-  long integer = 0;
-  double real = 0.0;
-  COleDateTime date;
-};
-
-std::string Printed(const char* format, double value) {
-  std::string text(400, '\0');
-  text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(), format, value)));
-  return text;
-}
-
-long RoundedUp(double value) {
-  using Limits = std::numeric_limits<std::int32_t>;
-  if (std::isnan(value)) return 0;
-  return static_cast<long>(std::fmin(std::fmax(std::ceil(value), Limits::min()), Limits::max()));
-}
-
-struct ExpectedOf {
-  Expected operator()(std::int32_t value) const {
-    return {std::to_string(value), value, static_cast<double>(value), {}};
-  }
-  Expected operator()(double value) const {
-    return {Printed("%f", value), RoundedUp(value), value, {}};
-  }
-  Expected operator()(const std::optional<ReferenceDate>& date) const {
-    if (!date) return {};
-    char text[40];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date->year, date->month,
-                  date->day, date->hour, date->minute, date->second);
-    return {
-        text, 0, 0.0,
-        COleDateTime(date->year, date->month, date->day, date->hour, date->minute, date->second)};
-  }
-  Expected operator()(const std::string& text) const {
-    return {text, DecimalByReference(text), 0.0, {}};
-  }
-  // The path is the reader's to choose; its text is checked by what the file holds.
-  Expected operator()(const ReferenceBinary&) const { return {}; }
-};
-
-bool SameReal(double a, double b) {
-  return (std::isnan(a) && std::isnan(b)) || (a == b && std::signbit(a) == std::signbit(b));
-}
-
-// The first difference between a reader's result and the reference's; empty when they agree.
-class Comparison {
- public:
-  Comparison(const CRvoDbRes& result, ReferenceTable& reference, bool shared_file)
-      : result_(result), reference_(reference), shared_file_(shared_file) {}
-
-  std::string Difference() {
-    const std::size_t columns = reference_.columns.size();
-    Check("column count", result_.GetFieldCount(), static_cast<int>(columns));
-    if (Differs()) return difference_.str();
-    const std::size_t rows = columns == 0 ? 0 : reference_.columns[0].cells.size();
-    Check("row count", result_.GetRecordCount(), static_cast<int>(rows));
-    for (std::size_t i = 0; i < columns && !Differs(); ++i) Compare(static_cast<int>(i));
-    return difference_.str();
-  }
-
- private:
-  bool Differs() const { return !difference_.view().empty(); }
-
-  template <typename T>
-  void Check(const std::string& what, const T& actual, const T& expected) {
-    if (actual == expected || Differs()) return;
-    difference_ << what << ": " << testing::PrintToString(actual) << ", expected "
-                << testing::PrintToString(expected);
-  }
-
-  void Compare(int index) {
-    ReferenceColumn& column = reference_.columns[static_cast<std::size_t>(index)];
-    const std::string where = "column " + std::to_string(index);
-    Check(where + " name", std::string(result_.GetFiledName(index)), column.name);
-    widest_path_ = column.display_length;
-    for (std::size_t row = 0; row < column.cells.size() && !Differs(); ++row) {
-      Compare(static_cast<int>(row), index, column.cells[row]);
-    }
-    column.display_length = widest_path_;
-    Check(where + " display length", result_.GetFiledLength(index),
-          static_cast<int>(column.display_length));
-  }
-
-  void Compare(int row, int index, const ReferenceCell& cell) {
-    const std::string where = "row " + std::to_string(row) + " column " + std::to_string(index);
-    const Expected expected = std::visit(ExpectedOf(), cell);
-    const std::string text(result_._str(row, index).View());
-    if (const auto* binary = std::get_if<ReferenceBinary>(&cell)) {
-      CompareFile(where, text, *binary);
-    } else {
-      Check(where + " text", text, expected.text);
-      Check(where + " integer", result_._int(row, index), expected.integer);
-    }
-    Check(where + " date", result_._time(row, index).m_dt, expected.date.m_dt);
-    if (!SameReal(result_._dabl(row, index), expected.real)) {
-      Check(where + " real", Printed("%a", result_._dabl(row, index)),
-            Printed("%a", expected.real));
-    }
-  }
-
-  void CompareFile(const std::string& where, const std::string& path, const ReferenceBinary& cell) {
-    Check(where + " has a file", !path.empty(), cell.bytes.has_value());
-    if (!cell.bytes || Differs()) return;
-    widest_path_ = std::max(widest_path_, path.size());
-    Check(where + " file exists", std::filesystem::exists(path), true);
-    Check(where + " file", BytesOf(path), shared_file_ ? *reference_.last_binary : *cell.bytes);
-  }
-
-  const CRvoDbRes& result_;
-  ReferenceTable& reference_;
-  const bool shared_file_;
-  std::size_t widest_path_ = 0;
-  std::ostringstream difference_;
-};
-
 struct Dialect {
   const char* name;
   std::string (RandomRecordset::*generate)();
-  bool (*read)(const char*, CRvoDbRes&, const tagTEMPFILEINFO&);
-  bool (*reference)(const std::string&, ReferenceTable&);
-  bool shared_file;
+  const ComparedDialect& compared;
 };
 
 void PrintTo(const Dialect& dialect, std::ostream* out) { *out << dialect.name; }
 
 class ReadersAgainstReference : public testing::TestWithParam<Dialect> {
  protected:
-  // Reads one more file into both results; what differs, or nothing.
-  std::string Read(const std::string& file, CRvoDbRes& result, ReferenceTable& reference) {
-    const bool expected = GetParam().reference(file, reference);
-    const std::string path = folder_.Write("reply.xml", file);
-    const bool read = GetParam().read(path.c_str(), result, temp_files_);
-    if (read != expected) return read ? "read, but to be refused" : "refused, but to be read";
-    return Comparison(result, reference, GetParam().shared_file).Difference();
-  }
-
   void Run(std::uint32_t seed, bool damaged) {
     RandomRecordset random(seed);
     CRvoDbRes result;
     ReferenceTable reference;
+    const std::string path = (folder_.Path() / "reply.xml").string();
     // At times a second file joins the first in one result set.
     for (int files = seed % 8 == 0 ? 2 : 1; files > 0; --files) {
       std::string file = (random.*GetParam().generate)();
       if (damaged) file = random.Damaged(file);
-      const std::string difference = Read(file, result, reference);
+      const std::string difference =
+          Compare(GetParam().compared, file, path, temp_files_, result, reference);
       ASSERT_EQ(difference, "") << "seed " << seed << "\n" << testing::PrintToString(file);
     }
     if (reference.last_binary) EmptyBinaryFolder();
@@ -202,12 +66,11 @@ TEST_P(ReadersAgainstReference, AgreesOnDamagedFiles) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Dialects, ReadersAgainstReference,
-                         testing::Values(Dialect{"Rowset", &RandomRecordset::Rowset, ReadRowsetFile,
-                                                 ReadRowsetByReference, false},
-                                         Dialect{"Schema", &RandomRecordset::Schema, ReadSchemaFile,
-                                                 ReadSchemaByReference, true}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Dialects, ReadersAgainstReference,
+    testing::Values(Dialect{"Rowset", &RandomRecordset::Rowset, kRowsetDialect},
+                    Dialect{"Schema", &RandomRecordset::Schema, kSchemaDialect}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 }  // namespace qv

@@ -1,4 +1,4 @@
-#include "tests/support/RandomRecordset.h"
+#include "RandomRecordset.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,5 @@
-// Random recordset files of both dialects, and damage to them. In one build, the same seed gives the same files.
-// everywhere.
+// Random recordset files of both dialects, and damage to them. In one build, the same seed gives
+// the same files.
 #pragma once
 
 #include <cstdint>
