@@ -3,22 +3,10 @@
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 
-#include "message/LittleEndian.h"
-
 namespace qv {
 
 namespace asio = boost::asio;
 using asio::ip::tcp;
-
-Bytes BytesOfText(std::string_view text) {
-  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
-std::string Field(std::string_view body) {
-  std::string field(4, '\0');
-  StoreU32(field.data(), static_cast<std::uint32_t>(body.size()));
-  return field.append(body).append(1, '\0');
-}
 
 bool ServerSide::Read(WritableBytes bytes) {
   boost::system::error_code error;
@@ -34,28 +22,13 @@ bool ServerSide::Write(std::initializer_list<Bytes> pieces) {
   return !error;
 }
 
-bool ServerSide::Receive(Request& request, const std::string& file_path) {
-  FrameHeader header;
-  if (ReceiveHeader(*this, FrameKind::kRequest, {}, header) != FrameStatus::kDone) return false;
-  const auto room = [](std::string& text, std::uint64_t size) {
-    text.assign(static_cast<std::size_t>(size), '\0');
-    return WritableBytes(reinterpret_cast<unsigned char*>(text.data()), text.size());
-  };
-  const IncomingMessage message{.token = room(request.token, header.token_length),
-                                .block = room(request.block, kFrameBlockSize),
-                                .payload = room(request.payload, header.payload_length)};
-  if (ReceiveMessage(*this, message) != FrameStatus::kDone) return false;
-  if (!header.file_length) return true;
-  return ReceiveFile(*this, *header.file_length, file_path) == FrameStatus::kDone;
+bool ServerSide::Receive(WholeFrame& request, const std::string& file_path) {
+  request = ReceiveWhole(*this, FrameKind::kRequest, file_path);
+  return request.status == FrameStatus::kDone;
 }
 
-bool ServerSide::Reply(std::string_view payload, OutgoingFile* file) {
-  const std::string block(kFrameBlockSize, '\0');
-  const OutgoingMessage message{.kind = FrameKind::kReply,
-                                .token = {},
-                                .block = BytesOfText(block),
-                                .payload = BytesOfText(payload)};
-  return SendFrame(*this, message, file) == FrameStatus::kDone;
+bool ServerSide::Reply(const std::string& payload, OutgoingFile* file) {
+  return SendWhole(*this, FrameKind::kReply, {.payload = payload}, file) == FrameStatus::kDone;
 }
 
 ScriptedServer::ScriptedServer(Script script)
@@ -104,7 +77,7 @@ void ScriptedServer::WaitForFinished(int count) {
 }
 
 void ScriptedServer::Echo(ServerSide& side) {
-  for (ServerSide::Request request; side.Receive(request);) {
+  for (WholeFrame request; side.Receive(request);) {
     if (!side.Reply(request.payload)) return;
   }
 }

@@ -9,18 +9,12 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
-#include "transports/frame/FrameIo.h"
+#include "WholeFrame.h"
 
 namespace qv {
-
-Bytes BytesOfText(std::string_view text);
-
-// A field as it stands in a payload.
-std::string Field(std::string_view body);
 
 class ServerSide final : public ByteStream {
  public:
@@ -29,14 +23,9 @@ class ServerSide final : public ByteStream {
   bool Read(WritableBytes bytes) override;
   bool Write(std::initializer_list<Bytes> pieces) override;
 
-  struct Request {
-    std::string token;
-    std::string block;
-    std::string payload;
-  };
   // False when the client is gone. A file of the request goes to `file_path`.
-  bool Receive(Request& request, const std::string& file_path = "");
-  bool Reply(std::string_view payload, OutgoingFile* file = nullptr);
+  bool Receive(WholeFrame& request, const std::string& file_path = "");
+  bool Reply(const std::string& payload, OutgoingFile* file = nullptr);
 
  private:
   boost::asio::ip::tcp::socket& socket_;

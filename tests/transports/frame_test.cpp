@@ -2,38 +2,15 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <filesystem>
 
-#include "ScriptedServer.h"
+#include "WholeFrame.h"
 #include "message/LittleEndian.h"
 #include "tests/support/TempFolder.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv {
 namespace {
-
-// What was written, and what there is to read.
-class MemoryStream final : public ByteStream {
- public:
-  explicit MemoryStream(std::string bytes = "") : unread_(std::move(bytes)) {}
-
-  bool Read(WritableBytes bytes) override {
-    if (bytes.size() > unread_.size()) return false;
-    std::copy_n(unread_.begin(), bytes.size(), bytes.begin());
-    unread_.erase(0, bytes.size());
-    return true;
-  }
-  bool Write(std::initializer_list<Bytes> pieces) override {
-    for (const Bytes piece : pieces) written_.append(piece.begin(), piece.end());
-    return true;
-  }
-  [[nodiscard]] const std::string& Written() const { return written_; }
-
- private:
-  std::string unread_;
-  std::string written_;
-};
 
 std::string FromHex(const std::string& hex) {
   std::string bytes;
@@ -67,63 +44,37 @@ std::string GoldenReply() {
              "0000000086a61036");
 }
 
-struct Received {
-  FrameStatus status;
-  std::string block;
-  std::string payload;
-};
-
-Received Receive(const std::string& frame, FrameKind kind, const std::string& path) {
-  MemoryStream stream(frame);
-  FrameHeader header;
-  Received got{ReceiveHeader(stream, kind, {}, header), {}, {}};
-  if (got.status != FrameStatus::kDone) return got;
-  std::vector<unsigned char> token(header.token_length);
-  std::vector<unsigned char> block(kFrameBlockSize);
-  std::vector<unsigned char> payload(static_cast<std::size_t>(header.payload_length));
-  got.status = ReceiveMessage(stream, {token, block, payload});
-  got.block.assign(block.begin(), block.end());
-  got.payload.assign(payload.begin(), payload.end());
-  if (got.status != FrameStatus::kDone || !header.file_length) return got;
-  got.status = ReceiveFile(stream, *header.file_length, path);
-  return got;
+WholeFrame Receive(const std::string& frame, FrameKind kind, const std::string& path) {
+  MemoryStream stream;
+  stream.unread = frame;
+  return ReceiveWhole(stream, kind, path);
 }
 
 TEST(Frame, WritesTheDocumentedBytes) {
-  std::string block(kFrameBlockSize, '\0');
-  block[0] = static_cast<char>(200);
-  block.replace(13, 3, "a.b");
+  WholeFrame message{.token = "key", .payload = Field("SELECT 1")};
+  message.block[0] = static_cast<char>(200);
+  message.block.replace(13, 3, "a.b");
   MemoryStream request;
-  EXPECT_EQ(SendFrame(request, {.kind = FrameKind::kRequest,
-                                .token = BytesOfText("key"),
-                                .block = BytesOfText(block),
-                                .payload = BytesOfText(Field("SELECT 1"))}),
-            FrameStatus::kDone);
-  EXPECT_EQ(request.Written(), GoldenRequest());
+  EXPECT_EQ(SendWhole(request, FrameKind::kRequest, message), FrameStatus::kDone);
+  EXPECT_EQ(request.written, GoldenRequest());
 
   const TempFolder folder;
   auto file = OutgoingFile::Open(folder.Write("answer", "hello"));
   ASSERT_TRUE(file);
   MemoryStream reply;
-  const std::string zeros(kFrameBlockSize, '\0');
-  EXPECT_EQ(SendFrame(reply,
-                      {.kind = FrameKind::kReply,
-                       .token = {},
-                       .block = BytesOfText(zeros),
-                       .payload = BytesOfText(Field("SUCCESS"))},
-                      &*file),
+  EXPECT_EQ(SendWhole(reply, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file),
             FrameStatus::kDone);
-  EXPECT_EQ(reply.Written(), GoldenReply());
+  EXPECT_EQ(reply.written, GoldenReply());
 }
 
 TEST(Frame, ReadsThemBack) {
   const TempFolder folder;
   const std::string path = (folder.Path() / "answer").string();
-  const Received request = Receive(GoldenRequest(), FrameKind::kRequest, path);
+  const WholeFrame request = Receive(GoldenRequest(), FrameKind::kRequest, path);
   EXPECT_EQ(request.status, FrameStatus::kDone);
   EXPECT_EQ(request.block.substr(13, 4), std::string("a.b\0", 4));
   EXPECT_EQ(request.payload, Field("SELECT 1"));
-  const Received reply = Receive(GoldenReply(), FrameKind::kReply, path);
+  const WholeFrame reply = Receive(GoldenReply(), FrameKind::kReply, path);
   EXPECT_EQ(reply.status, FrameStatus::kDone);
   EXPECT_EQ(reply.payload, Field("SUCCESS"));
   EXPECT_EQ(BytesOf(path), "hello");
@@ -204,15 +155,10 @@ TEST(Frame, ChunksStayWithinTheFile) {
 }
 
 TEST(Frame, RefusesToSendWhatNobodyWouldTake) {
-  const std::string block(kFrameBlockSize, '\0');
-  const std::string big(kMaxPayload + 1, 'x');
   MemoryStream stream;
-  EXPECT_EQ(SendFrame(stream, {.kind = FrameKind::kReply,
-                               .token = {},
-                               .block = BytesOfText(block),
-                               .payload = BytesOfText(big)}),
-            FrameStatus::kDoesNotFit);
-  EXPECT_EQ(stream.Written(), "");
+  const WholeFrame big{.payload = std::string(kMaxPayload + 1, 'x')};
+  EXPECT_EQ(SendWhole(stream, FrameKind::kReply, big), FrameStatus::kDoesNotFit);
+  EXPECT_EQ(stream.written, "");
 }
 
 TEST(Frame, AFileThatShrinksIsNotSentAsIfItWereWhole) {
@@ -221,14 +167,8 @@ TEST(Frame, AFileThatShrinksIsNotSentAsIfItWereWhole) {
   auto file = OutgoingFile::Open(path);
   ASSERT_TRUE(file);
   std::filesystem::resize_file(path, 4);
-  const std::string block(kFrameBlockSize, '\0');
   MemoryStream stream;
-  EXPECT_EQ(
-      SendFrame(
-          stream,
-          {.kind = FrameKind::kReply, .token = {}, .block = BytesOfText(block), .payload = {}},
-          &*file),
-      FrameStatus::kFileFailed);
+  EXPECT_EQ(SendWhole(stream, FrameKind::kReply, {}, &*file), FrameStatus::kFileFailed);
   EXPECT_FALSE(OutgoingFile::Open(folder.Path().string()));
 }
 

@@ -95,7 +95,7 @@ TEST_F(SocketTransport, EchoesOverOneKeptConnectionAlsoByName) {
 }
 
 TEST_F(SocketTransport, SendsTheWholeRequestWithTokenNameAndSpilledPayload) {
-  ServerSide::Request seen;
+  WholeFrame seen;
   ScriptedServer server([&](ServerSide& side) {
     if (side.Receive(seen)) side.Reply("");
   });
@@ -117,7 +117,7 @@ TEST_F(SocketTransport, CarriesFilesBothWays) {
   for (std::size_t at = 0; at < bytes.size(); ++at)
     bytes[at] = static_cast<char>(at * 7 + at / 251);
   ScriptedServer server([&](ServerSide& side) {
-    ServerSide::Request request;
+    WholeFrame request;
     if (!side.Receive(request, InFolder("stored"))) return;
     auto file = OutgoingFile::Open(InFolder("stored"));
     side.Reply(Field("SUCCESS"), &*file);
@@ -144,24 +144,13 @@ TEST_F(SocketTransport, CarriesFilesBothWays) {
 
 // The bytes of a right reply with a file of 200,000 bytes.
 std::string ReplyWithFile(const TempFolder& folder) {
-  class Recorder final : public ByteStream {
-   public:
-    bool Read(WritableBytes) override { return false; }
-    bool Write(std::initializer_list<Bytes> pieces) override {
-      for (const Bytes piece : pieces) bytes.append(piece.begin(), piece.end());
-      return true;
-    }
-    std::string bytes;
-  } recorder;
   const std::string path = folder.Write("source", std::string(200'000, 'f'));
   auto file = OutgoingFile::Open(path);
-  const std::string block(kFrameBlockSize, '\0');
-  EXPECT_EQ(
-      SendFrame(recorder,
-                {FrameKind::kReply, {}, BytesOfText(block), BytesOfText(Field("SUCCESS"))}, &*file),
-      FrameStatus::kDone);
+  MemoryStream stream;
+  EXPECT_EQ(SendWhole(stream, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file),
+            FrameStatus::kDone);
   std::filesystem::remove(path);
-  return recorder.bytes;
+  return stream.written;
 }
 
 std::string Damaged(std::string bytes, std::size_t at) {
@@ -199,7 +188,7 @@ TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
   for (const auto& one : cases) {
     SCOPED_TRACE(one.what);
     ScriptedServer server([&](ServerSide& side) {
-      ServerSide::Request request;
+      WholeFrame request;
       if (side.Receive(request)) side.Write({BytesOfText(one.answer)});
     });
     Call call;
@@ -215,27 +204,12 @@ TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
 TEST_F(SocketTransport, TakesAReplyInPiecesThatFillsTheBlock) {
   const std::string text(4096 - 269 - 5, 'x');
   ScriptedServer server([&](ServerSide& side) {
-    ServerSide::Request request;
+    WholeFrame request;
     if (!side.Receive(request)) return;
-    class Dribble final : public ByteStream {
-     public:
-      explicit Dribble(ServerSide& side) : side_(side) {}
-      bool Read(WritableBytes) override { return false; }
-      bool Write(std::initializer_list<Bytes> pieces) override {
-        for (const Bytes piece : pieces) {
-          for (std::size_t at = 0; at < piece.size(); ++at) {
-            if (!side_.Write({piece.subspan(at, 1)})) return false;
-          }
-        }
-        return true;
-      }
-
-     private:
-      ServerSide& side_;
-    } dribble(side);
-    const std::string block(kFrameBlockSize, 'B');
-    static_cast<void>(
-        SendFrame(dribble, {FrameKind::kReply, {}, BytesOfText(block), BytesOfText(Field(text))}));
+    MemoryStream stream;
+    const WholeFrame reply{.block = std::string(kFrameBlockSize, 'B'), .payload = Field(text)};
+    EXPECT_EQ(SendWhole(stream, FrameKind::kReply, reply), FrameStatus::kDone);
+    for (const char& byte : stream.written) side.Write({BytesOfText({&byte, 1})});
   });
   Call call;
   EXPECT_EQ(call.Send(server.Port()), 0);
@@ -246,7 +220,7 @@ TEST_F(SocketTransport, TakesAReplyInPiecesThatFillsTheBlock) {
 TEST_F(SocketTransport, AFileThatCannotBeKeptIsABadReply) {
   const std::string right = ReplyWithFile(folder_);
   ScriptedServer server([&](ServerSide& side) {
-    ServerSide::Request request;
+    WholeFrame request;
     if (side.Receive(request)) side.Write({BytesOfText(right)});
   });
   for (const std::string& path : {std::string(), InFolder("missing/answer")}) {
@@ -307,7 +281,7 @@ TEST_F(SocketTransport, GivesUpAConnectionThatIsNotAcceptedAndAnAnswerThatDoesNo
   EXPECT_EQ(refused.Send(full.local_endpoint().port()), -1);
 
   ScriptedServer silent([](ServerSide& side) {
-    for (ServerSide::Request request; side.Receive(request);) {
+    for (WholeFrame request; side.Receive(request);) {
     }
   });
   Set("io_timeout_ms", "50");
@@ -319,7 +293,7 @@ TEST_F(SocketTransport, GivesUpAConnectionThatIsNotAcceptedAndAnAnswerThatDoesNo
 TEST_F(SocketTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
   for (const char* const unasked : {"", "x"}) {
     ScriptedServer server([&](ServerSide& side) {
-      ServerSide::Request request;
+      WholeFrame request;
       if (side.Receive(request) && side.Reply(request.payload)) {
         side.Write({BytesOfText(unasked)});
       }
