@@ -1,7 +1,9 @@
 #include "StandIn.h"
 
+#include <boost/asio/post.hpp>
 #include <exception>
 #include <filesystem>
+#include <system_error>
 
 namespace qv {
 
@@ -11,7 +13,6 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 
 constexpr std::size_t kRemembered = 1000;
-// When a connection cannot be accepted (too many open files), trying at once would not help.
 constexpr std::chrono::milliseconds kAcceptPause{100};
 
 std::string LogFileIn(const std::string& folder) {
@@ -63,19 +64,26 @@ bool StandIn::Listen(std::string& error) {
 }
 
 void StandIn::AcceptNext() {
-  auto client = std::make_unique<Client>(options_.io_timeout);
+  if (stopping_) return;
+  std::unique_ptr<Client> client;
+  try {
+    client = std::make_unique<Client>(options_.io_timeout);
+  } catch (const std::exception&) {
+    return AcceptLater();
+  }
   auto& peer = client->stream.Peer();
   acceptor_.async_accept(peer, [this, client = std::move(client)](const auto& error) mutable {
-    if (error == asio::error::operation_aborted) return;
-    if (!error) {
-      Admit(std::move(client));
-      return AcceptNext();
-    }
-    pause_.expires_after(kAcceptPause);
-    pause_.async_wait([this](const auto& stopped) {
-      if (!stopped) AcceptNext();
-    });
+    if (error) return AcceptLater();
+    if (!stopping_) Admit(std::move(client));
+    AcceptNext();
   });
+}
+
+// When there is no memory or no file descriptor for a connection, trying at once would not help.
+void StandIn::AcceptLater() {
+  if (stopping_) return;
+  pause_.expires_after(kAcceptPause);
+  pause_.async_wait([this](const auto&) { AcceptNext(); });
 }
 
 // One that finds no place is hung up on.
@@ -85,14 +93,18 @@ void StandIn::Admit(std::unique_ptr<Client> client) {
   Client& admitted = *clients_.emplace_back(std::move(client));
   boost::system::error_code ignored;
   admitted.stream.Peer().set_option(tcp::no_delay(true), ignored);
-  admitted.thread = std::thread([this, &admitted] { Serve(admitted); });
+  try {
+    admitted.thread = std::thread([this, &admitted] { Serve(admitted); });
+  } catch (const std::system_error&) {
+    clients_.pop_back();
+  }
 }
 
 void StandIn::Serve(Client& client) {
   try {
     Session(client.stream, services_, rules_).Serve();
   } catch (const std::exception&) {
-    // Out of memory for this client; the others go on.
+    // Out of memory or descriptors for this client; the others go on.
   }
   client.stream.HangUp();
   client.done = true;
@@ -108,10 +120,14 @@ void StandIn::JoinFinished() {
 
 void StandIn::Stop() {
   if (!accepting_.joinable()) return;
-  context_.stop();
+  // Not context_.stop(): a client that has just been accepted would keep its connection.
+  asio::post(context_, [this] {
+    stopping_ = true;
+    boost::system::error_code ignored;
+    acceptor_.close(ignored);
+    pause_.cancel();
+  });
   accepting_.join();
-  boost::system::error_code ignored;
-  acceptor_.close(ignored);
   for (const auto& client : clients_) client->stream.Close();
   for (const auto& client : clients_) client->thread.join();
   clients_.clear();

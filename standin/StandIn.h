@@ -73,6 +73,7 @@ class StandIn {
 
   [[nodiscard]] bool Listen(std::string& error);
   void AcceptNext();
+  void AcceptLater();
   void Admit(std::unique_ptr<Client> client);
   void Serve(Client& client);
   void JoinFinished();
@@ -89,7 +90,9 @@ class StandIn {
   boost::asio::steady_timer pause_{context_};
   std::uint16_t port_ = 0;
   std::thread accepting_;
-  std::list<std::unique_ptr<Client>> clients_;  // the accepting thread's, until that has ended
+  // Both are the accepting thread's, until that has ended.
+  bool stopping_ = false;
+  std::list<std::unique_ptr<Client>> clients_;
 
   std::atomic<std::uint64_t> malformed_frames_ = 0;
   mutable std::mutex served_mutex_;

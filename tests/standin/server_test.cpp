@@ -57,7 +57,10 @@ class Client {
   }
 
   [[nodiscard]] bool SendRaw(const std::string& bytes) { return stream_.Write({BytesIn(bytes)}); }
-  [[nodiscard]] bool IsHungUpOn() { return !Status() && stream_.IsGone(); }
+  [[nodiscard]] bool IsHungUpOn() {
+    const auto start = std::chrono::steady_clock::now();
+    return !Status() && std::chrono::steady_clock::now() - start < kPatience;
+  }
   void HangUp() { stream_.HangUp(); }
 
  private:
