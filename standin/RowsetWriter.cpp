@@ -94,10 +94,11 @@ bool RowsetWriter::Row(const std::vector<Cell>& cells) {
     } else {
       buffer_.resize(before);
     }
+    if (buffer_.size() >= kFlushAt && !Flush()) return false;  // one row may be large
   }
   buffer_ += "/>\n";
   if (row_count_ < std::numeric_limits<std::int32_t>::max()) ++row_count_;
-  return buffer_.size() < kFlushAt || Flush();
+  return true;
 }
 
 bool RowsetWriter::Finish() {

@@ -8,8 +8,6 @@
 
 namespace qv {
 
-namespace {
-
 std::string OnOneLine(std::string_view text) {
   std::string line;
   for (const char ch : text) {
@@ -22,8 +20,6 @@ std::string OnOneLine(std::string_view text) {
   }
   return line;
 }
-
-}  // namespace
 
 bool ServerLog::Append(std::int32_t kind, std::string_view text) {
   const std::string line = fmt::format("{} {} {}\n", platform::UnixTime(), kind, OnOneLine(text));

@@ -28,6 +28,12 @@ bool SameSecret(std::string_view secret, const std::vector<unsigned char>& given
   return difference == 0;
 }
 
+// What is remembered must not take a client's megabytes, nor its control characters.
+std::string Remark(std::string_view text) {
+  constexpr std::size_t kLongest = 160;
+  return OnOneLine(text.substr(0, kLongest));
+}
+
 }  // namespace
 
 void Session::Serve() {
@@ -91,8 +97,8 @@ void Session::Record(std::uint32_t command, const Reply& reply, Clock::time_poin
   const std::uint64_t file_bytes = reply.file != nullptr ? reply.file->Size() : 0;
   rules_.on_served(
       {.command = command,
-       .database = reply.database,
-       .outcome = reply.outcome.Ok() ? "done" : reply.outcome.text,
+       .database = Remark(reply.database),
+       .outcome = reply.outcome.Ok() ? "done" : Remark(reply.outcome.text),
        .bytes = reply.fields.Payload().size() + file_bytes,
        .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start)});
 }

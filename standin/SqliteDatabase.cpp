@@ -16,7 +16,7 @@ namespace {
 constexpr int kStepsBetweenChecks = 1000;
 constexpr std::chrono::milliseconds kBusyPause{5};
 // No text or cell of a client's may take more memory than this, nor a pattern more time.
-constexpr int kLongestCell = 64 << 20;
+constexpr int kLongestCell = 32 << 20;
 constexpr int kLongestPattern = 1000;
 
 bool IsRefusedFunction(const char* name) {

@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <sqlite3.h>
 
 #include <CLI/CLI.hpp>
 #include <boost/asio/signal_set.hpp>
@@ -9,6 +10,8 @@
 
 namespace {
 
+constexpr sqlite3_int64 kMostDatabaseMemory = sqlite3_int64{1} << 30;
+
 void PrintServed(const qv::ServedCommand& served) {
   fmt::print(stderr, "{} {} {}: {} bytes, {} ms\n", served.command,
              served.database.empty() ? "-" : served.database, served.outcome, served.bytes,
@@ -16,6 +19,8 @@ void PrintServed(const qv::ServedCommand& served) {
 }
 
 int Run(const qv::StandInOptions& options) {
+  // However many wide rows clients ask for at once; a query that needs more fails.
+  sqlite3_hard_heap_limit64(kMostDatabaseMemory);
   boost::asio::io_context context;
   // Before the first line, so that whoever waits for it can stop the server.
   boost::asio::signal_set signals(context, SIGINT, SIGTERM);

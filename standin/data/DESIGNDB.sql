@@ -70,7 +70,7 @@ SELECT i,
        datetime('2018-02-01 08:15:30', '+' || (i * 97) || ' minutes', '+' || (i % 60) || ' seconds'),
        i % 4,
        i % 17 = 0,
-       CASE WHEN i % 10 <> 0 THEN i * 9007199254741 % 68719476736 END,
+       CASE WHEN i % 10 = 0 THEN NULL WHEN i % 40 = 1 THEN 4294967296 + i ELSE 2048 + i * 7919 % 25000000 END,
        CASE i % 6 WHEN 0 THEN NULL WHEN 1 THEN '' WHEN 2 THEN 'it''s checked' || char(10) || '第二行'
                   ELSE '待审核' END
 FROM n;

@@ -91,7 +91,7 @@ TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   EXPECT_EQ(client.Status(file), "SUCCESS");
   EXPECT_TRUE(BytesOf(file).ends_with("</xml>\n"));
   auto unwanted = OutgoingFile::Open(file);
-  ASSERT_TRUE(client.Send(210, {"NOWHERE", "select 1"}, {}, &*unwanted));
+  ASSERT_TRUE(client.Send(210, {"NO\nWHERE", "select 1"}, {}, &*unwanted));
   EXPECT_EQ(client.Status(), "FAILURE");
   const auto served = server_->Served();
   ASSERT_EQ(served.size(), 3U);
@@ -99,6 +99,7 @@ TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   EXPECT_EQ(served[1].database, "DESIGNDB");
   EXPECT_EQ(served[1].outcome, "done");
   EXPECT_GT(served[1].bytes, BytesOf(file).size());
+  EXPECT_EQ(served[2].database, "NO\\x0aWHERE");
   EXPECT_EQ(served[2].outcome, "no such database");
 }
 
