@@ -81,7 +81,7 @@ class FailingServer : public testing::Test {
   // A script that receives the query, then does this.
   static ScriptedServer::Script AfterRequest(std::function<void(ServerSide&)> act) {
     return [act](ServerSide& side) {
-      ServerSide::Request request;
+      WholeFrame request;
       if (side.Receive(request)) act(side);
     };
   }
@@ -109,7 +109,7 @@ TEST_F(FailingServer, CannotBeReached) {
 TEST_F(FailingServer, HangsUpOrSaysNothing) {
   EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide&) {})), -2);
   EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
-              ServerSide::Request never;
+              WholeFrame never;
               static_cast<void>(side.Receive(never));
             })),
             -2);

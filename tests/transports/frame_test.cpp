@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
-#include "WholeFrame.h"
 #include "message/LittleEndian.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/WholeFrame.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv {

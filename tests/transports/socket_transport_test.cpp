@@ -7,10 +7,10 @@
 #include <map>
 #include <utility>
 
-#include "ScriptedServer.h"
 #include "message/MsgContent.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "qvnetcall/transport/QvNetClient4.h"
+#include "tests/support/ScriptedServer.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
