@@ -4,7 +4,7 @@
 
 #include "platform/Platform.h"
 
-namespace qv {
+namespace qv::standin {
 
 AnswerFile::AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit)
     : folder_(std::move(folder)), memory_limit_(memory_limit), size_limit_(size_limit) {}
@@ -37,4 +37,4 @@ bool AnswerFile::MoveToDisk() {
 
 bool AnswerFile::Finish() { return file_ == nullptr || std::fclose(file_.release()) == 0; }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -8,7 +8,7 @@
 
 #include "ByteSink.h"
 
-namespace qv {
+namespace qv::standin {
 
 class AnswerFile : public ByteSink {
  public:
@@ -48,4 +48,4 @@ class AnswerFile : public ByteSink {
   std::unique_ptr<std::FILE, Closer> file_;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

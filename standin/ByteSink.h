@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace qv {
+namespace qv::standin {
 
 class ByteSink {
  public:
@@ -14,4 +14,4 @@ class ByteSink {
   [[nodiscard]] virtual bool Finish() = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

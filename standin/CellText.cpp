@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -46,6 +46,21 @@ void AppendHex(std::string_view bytes, std::string& out) {
     const auto byte = static_cast<unsigned char>(ch);
     out += kDigits[byte >> 4];
     out += kDigits[byte & 0xf];
+  }
+}
+
+void AppendBase64(std::string_view bytes, std::string& out) {
+  constexpr std::string_view kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  for (std::size_t at = 0; at < bytes.size(); at += 3) {
+    const std::string_view group = bytes.substr(at, 3);
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      bits = bits << 8 | (i < group.size() ? static_cast<unsigned char>(group[i]) : 0U);
+    }
+    for (std::size_t i = 0; i < 4; ++i) {
+      out += i <= group.size() ? kDigits[bits >> (18 - 6 * i) & 0x3f] : '=';
+    }
   }
 }
 
@@ -94,15 +109,19 @@ void AppendText(const Cell& cell, std::string& out) {
   }
 }
 
-void AppendBinary(const Cell& cell, std::string& out) {
+void AppendBytes(BinaryForm form, std::string_view bytes, std::string& out) {
+  form == BinaryForm::kHex ? AppendHex(bytes, out) : AppendBase64(bytes, out);
+}
+
+void AppendBinary(BinaryForm form, const Cell& cell, std::string& out) {
   if (const auto* binary = std::get_if<Binary>(&cell)) {
-    AppendHex(binary->bytes, out);
+    AppendBytes(form, binary->bytes, out);
   } else if (const auto* text = std::get_if<std::string_view>(&cell)) {
-    AppendHex(*text, out);
+    AppendBytes(form, *text, out);
   } else {
     std::string number;
     AppendText(cell, number);
-    AppendHex(number, out);
+    AppendBytes(form, number, out);
   }
 }
 
@@ -117,7 +136,7 @@ void AppendSingle(const Cell& cell, std::string& out) {
 
 }  // namespace
 
-bool AppendCellText(ColumnKind kind, const Cell& cell, std::string& out) {
+bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::string& out) {
   if (std::holds_alternative<std::monostate>(cell)) return false;
   switch (kind) {
     case ColumnKind::kBoolean:
@@ -132,7 +151,7 @@ bool AppendCellText(ColumnKind kind, const Cell& cell, std::string& out) {
       return text != nullptr && AppendDate(*text, out);
     }
     case ColumnKind::kBinary:
-      AppendBinary(cell, out);
+      AppendBinary(binary, cell, out);
       return true;
     default:
       AppendText(cell, out);
@@ -140,4 +159,4 @@ bool AppendCellText(ColumnKind kind, const Cell& cell, std::string& out) {
   }
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -79,4 +79,4 @@ void ClientStream::HangUp() {
   socket_.close(ignored);
 }
 
-}  // namespace qv
+}  // namespace qv::standin

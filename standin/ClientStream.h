@@ -9,7 +9,7 @@
 
 #include "transports/frame/ByteStream.h"
 
-namespace qv {
+namespace qv::standin {
 
 // Blocks the one thread that serves the client; only Close may be called from another. The object
 // outlives both.
@@ -49,4 +49,4 @@ class ClientStream : public ByteStream {
   Socket socket_{context_};
 };
 
-}  // namespace qv
+}  // namespace qv::standin

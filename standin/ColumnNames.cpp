@@ -4,7 +4,7 @@
 #include <set>
 #include <string_view>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -33,4 +33,4 @@ std::vector<std::string> HarmlessNames(const std::vector<Column>& columns) {
   return names;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -6,9 +6,9 @@
 
 #include "Database.h"
 
-namespace qv {
+namespace qv::standin {
 
 // One name for each column, in order, all different and none empty.
 [[nodiscard]] std::vector<std::string> HarmlessNames(const std::vector<Column>& columns);
 
-}  // namespace qv
+}  // namespace qv::standin

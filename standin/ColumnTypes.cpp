@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -49,4 +49,4 @@ std::optional<DeclaredType> ParseDeclaredType(std::string_view type) {
   return DeclaredType{known->kind, length};
 }
 
-}  // namespace qv
+}  // namespace qv::standin

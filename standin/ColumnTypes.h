@@ -6,7 +6,7 @@
 
 #include "Database.h"
 
-namespace qv {
+namespace qv::standin {
 
 struct DeclaredType {
   ColumnKind kind;
@@ -16,4 +16,4 @@ struct DeclaredType {
 // Names are taken in any case. Nothing for a type that is not known.
 [[nodiscard]] std::optional<DeclaredType> ParseDeclaredType(std::string_view type);
 
-}  // namespace qv
+}  // namespace qv::standin

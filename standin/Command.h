@@ -14,7 +14,7 @@
 #include "ServerLog.h"
 #include "WorkLimit.h"
 
-namespace qv {
+namespace qv::standin {
 
 inline constexpr std::string_view kSuccess = "SUCCESS";
 inline constexpr std::string_view kSuccessCompress = "SUCCESS_COMPRESS";
@@ -53,4 +53,4 @@ inline void AddFailure(Reply& reply, Outcome outcome) {
   reply.outcome = std::move(outcome);
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -7,7 +7,7 @@
 #include "QueryCommand.h"
 #include "StatementCommand.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -40,4 +40,4 @@ Reply Answer(Services& services, Request request) {
   return reply;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

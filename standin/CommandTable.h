@@ -3,9 +3,9 @@
 
 #include "Command.h"
 
-namespace qv {
+namespace qv::standin {
 
 // Carries out the request and gives the reply. A code that is not known is a failure.
 [[nodiscard]] Reply Answer(Services& services, Request request);
 
-}  // namespace qv
+}  // namespace qv::standin

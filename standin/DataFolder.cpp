@@ -10,7 +10,7 @@
 #include "SqliteDatabase.h"
 #include "platform/Platform.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -84,4 +84,4 @@ std::string DataFolder::DatabaseFile(std::string_view name) const {
   return (std::filesystem::path(path_) / "db" / (std::string(name) + ".sqlite")).string();
 }
 
-}  // namespace qv
+}  // namespace qv::standin

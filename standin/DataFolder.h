@@ -8,7 +8,7 @@
 #include "Database.h"
 #include "WorkLimit.h"
 
-namespace qv {
+namespace qv::standin {
 
 // Under the folder: db/NAME.sqlite for each logical database, answers/ for what is too large
 // for a reply. What Prepare has set up may then be used from any thread.
@@ -39,4 +39,4 @@ class DataFolder {
 // name never leads out of the folder.
 [[nodiscard]] bool IsDatabaseName(std::string_view name);
 
-}  // namespace qv
+}  // namespace qv::standin

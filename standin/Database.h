@@ -10,7 +10,7 @@
 #include "ErrorCode.h"
 #include "ProcedureCall.h"
 
-namespace qv {
+namespace qv::standin {
 
 // The kinds of columns that an answer can declare.
 enum class ColumnKind {
@@ -62,4 +62,4 @@ class Database {
   virtual Outcome Call(const ProcedureCall& call, RowSink& sink) = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

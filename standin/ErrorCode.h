@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-namespace qv {
+namespace qv::standin {
 
 enum class ErrorCode : std::int32_t {
   kNone = 0,
@@ -29,4 +29,4 @@ struct [[nodiscard]] Outcome {
   bool Ok() const { return code == ErrorCode::kNone; }
 };
 
-}  // namespace qv
+}  // namespace qv::standin

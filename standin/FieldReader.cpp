@@ -4,7 +4,7 @@
 
 #include "message/LittleEndian.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -38,4 +38,4 @@ std::optional<std::int32_t> FieldReader::Integer() {
   return static_cast<std::int32_t>(LoadU32(body->data()));
 }
 
-}  // namespace qv
+}  // namespace qv::standin

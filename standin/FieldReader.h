@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-namespace qv {
+namespace qv::standin {
 
 // A field is a 4-byte little-endian length, that many bytes, and one zero byte. The bytes come from
 // a stranger: a field that does not lie whole inside the payload is no field. A failed read takes
@@ -27,4 +27,4 @@ class FieldReader {
   std::span<const unsigned char> rest_;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -2,7 +2,7 @@
 
 #include "message/LittleEndian.h"
 
-namespace qv {
+namespace qv::standin {
 
 void FieldWriter::Append(const void* body, std::size_t length) {
   const std::size_t start = payload_.size();
@@ -11,4 +11,4 @@ void FieldWriter::Append(const void* body, std::size_t length) {
   if (length != 0) std::memcpy(&payload_[start + sizeof(std::uint32_t)], body, length);
 }
 
-}  // namespace qv
+}  // namespace qv::standin

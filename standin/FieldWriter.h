@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qv {
+namespace qv::standin {
 
 class FieldWriter {
  public:
@@ -23,4 +23,4 @@ class FieldWriter {
   std::vector<unsigned char> payload_;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -52,4 +52,4 @@ bool GzipStream::Deflate(std::string_view bytes, int flush) {
   return true;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

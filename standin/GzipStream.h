@@ -5,7 +5,7 @@
 
 #include "ByteSink.h"
 
-namespace qv {
+namespace qv::standin {
 
 class GzipStream : public ByteSink {
  public:
@@ -26,4 +26,4 @@ class GzipStream : public ByteSink {
   bool ready_;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -1,6 +1,6 @@
 #include "LinkCommand.h"
 
-namespace qv {
+namespace qv::standin {
 
 void CheckLink(Services&, Request&, Reply& reply) { reply.fields.Text(kSuccess); }
 
@@ -14,4 +14,4 @@ void AppendLog(Services& services, Request& request, Reply& reply) {
   reply.fields.Text(kSuccess);
 }
 
-}  // namespace qv
+}  // namespace qv::standin

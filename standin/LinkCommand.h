@@ -3,10 +3,10 @@
 
 #include "Command.h"
 
-namespace qv {
+namespace qv::standin {
 
 void CheckLink(Services& services, Request& request, Reply& reply);
 // Adds a line to the server's log.
 void AppendLog(Services& services, Request& request, Reply& reply);
 
-}  // namespace qv
+}  // namespace qv::standin

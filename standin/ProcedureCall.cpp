@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -124,4 +124,4 @@ std::optional<ProcedureCall> ParseProcedureCall(std::string_view text) {
   return call;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

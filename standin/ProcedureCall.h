@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-namespace qv {
+namespace qv::standin {
 
 struct ProcedureCall {
   using Argument = std::variant<std::monostate, std::int64_t, double, std::string>;
@@ -24,4 +24,4 @@ struct ProcedureCall {
 // doubled; an N before the first one is skipped). Nothing when the text is not such a call.
 [[nodiscard]] std::optional<ProcedureCall> ParseProcedureCall(std::string_view text);
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -7,7 +7,7 @@
 #include "ProcedureCall.h"
 #include "RowsetWriter.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -87,4 +87,4 @@ void RunProcedure(Services& services, Request& request, Reply& reply) {
   AnswerRows(services, request, reply, false, CallOrQuery);
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -3,7 +3,7 @@
 
 #include "Command.h"
 
-namespace qv {
+namespace qv::standin {
 
 void RunQuery(Services& services, Request& request, Reply& reply);
 // The same, with the answer as a gzip file.
@@ -11,4 +11,4 @@ void RunPackedQuery(Services& services, Request& request, Reply& reply);
 // A call of a stored procedure, or a query.
 void RunProcedure(Services& services, Request& request, Reply& reply);
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -1,15 +1,10 @@
 #include "RowsetWriter.h"
 
-#include <limits>
+#include <string_view>
 
-#include "CellText.h"
-#include "ColumnNames.h"
-
-namespace qv {
+namespace qv::standin {
 
 namespace {
-
-constexpr std::size_t kFlushAt = 64 * 1024;
 
 constexpr std::string_view kHead =
     "<xml xmlns:s='urn:schemas:recordset' xmlns:dt='urn:schemas:datatypes'"
@@ -58,58 +53,37 @@ TypeAttributes AttributesOf(ColumnKind kind) {
   return {"string", 0, ""};
 }
 
-}  // namespace
-
-bool RowsetWriter::Begin(const std::vector<Column>& columns) {
-  buffer_ = kHead;
-  const std::vector<std::string> names = HarmlessNames(columns);
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    AppendColumn(columns[i], names[i], i + 1);
-    kinds_.push_back(columns[i].kind);
-    openings_.push_back(" " + names[i] + "='");
-  }
-  buffer_ += kSchemaEnd;
-  return Flush();
-}
-
-void RowsetWriter::AppendColumn(const Column& column, const std::string& name, std::size_t number) {
+std::string Declaration(const Column& column, const std::string& name, std::size_t number) {
   const TypeAttributes attributes = AttributesOf(column.kind);
   const std::uint32_t length = attributes.length != 0 ? attributes.length : column.length;
-  buffer_ += "<s:AttributeType name='" + name + "' rs:number='" + std::to_string(number) +
-             "' rs:nullable='true'><s:datatype dt:type='";
-  buffer_ += attributes.type;
-  buffer_ += "'";
-  if (length != 0) buffer_ += " dt:maxLength='" + std::to_string(length) + "'";
-  buffer_ += attributes.further;
-  buffer_ += "/></s:AttributeType>\n";
+  std::string text = "<s:AttributeType name='" + name + "' rs:number='" + std::to_string(number) +
+                     "' rs:nullable='true'><s:datatype dt:type='";
+  text += attributes.type;
+  text += "'";
+  if (length != 0) text += " dt:maxLength='" + std::to_string(length) + "'";
+  text += attributes.further;
+  text += "/></s:AttributeType>\n";
+  return text;
 }
 
-bool RowsetWriter::Row(const std::vector<Cell>& cells) {
-  buffer_ += "<z:row";
-  for (std::size_t i = 0; i < cells.size() && i < kinds_.size(); ++i) {
-    const std::size_t before = buffer_.size();
-    buffer_ += openings_[i];
-    if (AppendCellText(kinds_[i], cells[i], buffer_)) {
-      buffer_ += '\'';
-    } else {
-      buffer_.resize(before);
-    }
-    if (buffer_.size() >= kFlushAt && !Flush()) return false;  // one row may be large
+}  // namespace
+
+RecordsetWriter::Layout RowsetWriter::LayoutOf(const std::vector<Column>& columns,
+                                               const std::vector<std::string>& names) const {
+  Layout layout{.head = std::string(kHead),
+                .row_opening = "<z:row",
+                .row_closing = "/>\n",
+                .tail = std::string(kTail),
+                .binary = BinaryForm::kHex,
+                .cell_openings = {},
+                .cell_closings = {}};
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    layout.head += Declaration(columns[i], names[i], i + 1);
+    layout.cell_openings.push_back(" " + names[i] + "='");
+    layout.cell_closings.emplace_back("'");
   }
-  buffer_ += "/>\n";
-  if (row_count_ < std::numeric_limits<std::int32_t>::max()) ++row_count_;
-  return true;
+  layout.head += kSchemaEnd;
+  return layout;
 }
 
-bool RowsetWriter::Finish() {
-  buffer_ += kTail;
-  return Flush() && target_.Finish();
-}
-
-bool RowsetWriter::Flush() {
-  const bool kept = target_.Write(buffer_);
-  buffer_.clear();
-  return kept;
-}
-
-}  // namespace qv
+}  // namespace qv::standin

@@ -7,7 +7,7 @@
 
 #include "platform/Platform.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -47,4 +47,4 @@ Outcome CreateSample(const SampleDatabase& sample, const std::string& file) {
   return outcome;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -6,7 +6,7 @@
 
 #include "ErrorCode.h"
 
-namespace qv {
+namespace qv::standin {
 
 struct SampleDatabase {
   const char* name;
@@ -18,4 +18,4 @@ struct SampleDatabase {
 // Makes the database at `file`: whole, or not at all.
 Outcome CreateSample(const SampleDatabase& sample, const std::string& file);
 
-}  // namespace qv
+}  // namespace qv::standin

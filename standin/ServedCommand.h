@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace qv {
+namespace qv::standin {
 
 struct ServedCommand {
   std::uint32_t command;
@@ -15,4 +15,4 @@ struct ServedCommand {
   std::chrono::milliseconds time;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

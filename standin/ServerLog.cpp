@@ -6,7 +6,7 @@
 
 #include "platform/Platform.h"
 
-namespace qv {
+namespace qv::standin {
 
 std::string OnOneLine(std::string_view text) {
   std::string line;
@@ -29,4 +29,4 @@ bool ServerLog::Append(std::int32_t kind, std::string_view text) {
   return file.good();
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::standin {
 
 // The text with its control characters and backslashes escaped, so that it cannot pass for more
 // than one line nor steer a terminal.
@@ -25,4 +25,4 @@ class ServerLog {
   std::mutex mutex_;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -9,7 +9,7 @@
 #include "CommandTable.h"
 #include "message/LittleEndian.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -103,4 +103,4 @@ void Session::Record(std::uint32_t command, const Reply& reply, Clock::time_poin
        .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start)});
 }
 
-}  // namespace qv
+}  // namespace qv::standin

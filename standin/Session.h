@@ -12,7 +12,7 @@
 #include "ServedCommand.h"
 #include "transports/frame/FrameIo.h"
 
-namespace qv {
+namespace qv::standin {
 
 struct SessionRules {
   std::string token;  // what every request must carry; empty when none is asked for
@@ -51,4 +51,4 @@ class Session {
   const SessionRules& rules_;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -2,7 +2,7 @@
 
 #include "ColumnTypes.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -83,4 +83,4 @@ int BindArgument(sqlite3_stmt* statement, int position, const ProcedureCall::Arg
   return sqlite3_bind_null(statement, position);
 }
 
-}  // namespace qv
+}  // namespace qv::standin

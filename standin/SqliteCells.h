@@ -7,7 +7,7 @@
 
 #include "Database.h"
 
-namespace qv {
+namespace qv::standin {
 
 // The columns of a statement, by their declared types; a column that has none that is known goes by
 // the value in the current row, when there is one, and is text otherwise.
@@ -20,4 +20,4 @@ void ReadCells(sqlite3_stmt* statement, std::vector<Cell>& cells);
 [[nodiscard]] int BindArgument(sqlite3_stmt* statement, int position,
                                const ProcedureCall::Argument& argument);
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -9,7 +9,7 @@
 #include "SqliteCells.h"
 #include "TableNames.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -234,4 +234,4 @@ Outcome SqliteDatabase::Failure(int code) {
   }
 }
 
-}  // namespace qv
+}  // namespace qv::standin

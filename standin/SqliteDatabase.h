@@ -9,7 +9,7 @@
 #include "Database.h"
 #include "WorkLimit.h"
 
-namespace qv {
+namespace qv::standin {
 
 // One connection for one request; one thread. What clients send cannot attach files, change
 // settings of the database, load extensions or end the transaction that it runs in.
@@ -55,4 +55,4 @@ class SqliteDatabase : public Database {
   bool trusted_ = false;  // the statement being prepared is the server's own
 };
 
-}  // namespace qv
+}  // namespace qv::standin

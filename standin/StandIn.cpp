@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -145,4 +145,4 @@ std::vector<ServedCommand> StandIn::Served() const {
   return {served_.begin(), served_.end()};
 }
 
-}  // namespace qv
+}  // namespace qv::standin

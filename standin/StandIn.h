@@ -21,7 +21,7 @@
 #include "ServedCommand.h"
 #include "Session.h"
 
-namespace qv {
+namespace qv::standin {
 
 struct StandInOptions {
   std::string data_folder;
@@ -98,5 +98,13 @@ class StandIn {
   mutable std::mutex served_mutex_;
   std::deque<ServedCommand> served_;
 };
+
+}  // namespace qv::standin
+
+namespace qv {
+
+using standin::ServedCommand;
+using standin::StandIn;
+using standin::StandInOptions;
 
 }  // namespace qv

@@ -1,6 +1,6 @@
 #include "StatementCommand.h"
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -56,4 +56,4 @@ void RunBatch(Services& services, Request& request, Reply& reply) {
   }
 }
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -3,10 +3,10 @@
 
 #include "Command.h"
 
-namespace qv {
+namespace qv::standin {
 
 void RunStatement(Services& services, Request& request, Reply& reply);
 // Several statements, all of them or none.
 void RunBatch(Services& services, Request& request, Reply& reply);
 
-}  // namespace qv
+}  // namespace qv::standin

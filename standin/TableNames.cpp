@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -80,4 +80,4 @@ std::string WithPlainTableNames(std::string_view sql) {
   return plain;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

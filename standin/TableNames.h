@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::standin {
 
 // Gives the statement with every "X.dbo.T" and "dbo.T" as "T": the tables that clients name so
 // live in the database that the call names, whatever X says. Parts may stand in square brackets;
 // what is quoted, and comments, stay as they are.
 [[nodiscard]] std::string WithPlainTableNames(std::string_view sql);
 
-}  // namespace qv
+}  // namespace qv::standin

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace qv {
+namespace qv::standin {
 
 namespace {
 
@@ -27,4 +27,4 @@ bool WorkLimit::IsOver() {
   return reason_ != ErrorCode::kNone;
 }
 
-}  // namespace qv
+}  // namespace qv::standin

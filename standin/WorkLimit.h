@@ -6,7 +6,7 @@
 
 #include "ErrorCode.h"
 
-namespace qv {
+namespace qv::standin {
 
 // Asked again and again while work goes on; once it says that the work is over it stays so. One
 // thread.
@@ -29,4 +29,4 @@ class WorkLimit {
   ErrorCode reason_ = ErrorCode::kNone;
 };
 
-}  // namespace qv
+}  // namespace qv::standin

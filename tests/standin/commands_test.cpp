@@ -12,7 +12,7 @@
 #include "tests/support/ReferenceReader.h"
 #include "tests/support/TempFolder.h"
 
-namespace qv {
+namespace qv::standin {
 namespace {
 
 using Field = std::variant<std::string, std::int32_t>;
@@ -215,4 +215,4 @@ TEST_F(CommandsTest, WorkThatTakesTooLongIsCutOffAndUndone) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::standin

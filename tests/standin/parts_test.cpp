@@ -15,7 +15,7 @@
 #include "standin/TableNames.h"
 #include "tests/support/TempFolder.h"
 
-namespace qv {
+namespace qv::standin {
 namespace {
 
 TEST(FieldReader, TakesOnlyFieldsThatLieWholeInsideThePayload) {
@@ -131,4 +131,4 @@ TEST(ServerLog, KeepsATextOnOneLine) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::standin

@@ -15,7 +15,7 @@
 #include "tests/support/TempFolder.h"
 #include "transports/frame/FrameIo.h"
 
-namespace qv {
+namespace qv::standin {
 namespace {
 
 constexpr std::chrono::seconds kPatience{20};
@@ -187,4 +187,4 @@ TEST_F(ServerTest, DoesNotStartWithoutItsFolderOrAddress) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::standin

@@ -1,5 +1,6 @@
-// What the rowset writer writes, read back by the slow reference reader.
+// What the recordset writers write, read back by the slow reference reader.
 #include "standin/RowsetWriter.h"
+#include "standin/SchemaWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,7 @@
 
 #include "tests/support/ReferenceReader.h"
 
-namespace qv {
+namespace qv::standin {
 namespace {
 
 class TextSink : public ByteSink {
@@ -23,10 +24,11 @@ class TextSink : public ByteSink {
   std::string text;
 };
 
+template <typename Writer = RowsetWriter>
 std::string Written(const std::vector<Column>& columns,
                     const std::vector<std::vector<Cell>>& rows) {
   TextSink sink;
-  RowsetWriter writer(sink);
+  Writer writer(sink);
   EXPECT_TRUE(writer.Begin(columns));
   for (const auto& row : rows) EXPECT_TRUE(writer.Row(row));
   EXPECT_TRUE(writer.Finish());
@@ -109,5 +111,32 @@ TEST(RowsetWriter, WritesValuesAsTheirColumnShowsThem) {
   }
 }
 
+TEST(SchemaWriter, IsReadBackInItsDialect) {
+  const std::vector<Column> columns{
+      {"Table", ColumnKind::kText}, {"Table_x", ColumnKind::kInt64}, {"a b", ColumnKind::kBoolean},
+      {"d", ColumnKind::kDateTime}, {"b", ColumnKind::kBinary},      {"r", ColumnKind::kDouble},
+      {"s", ColumnKind::kSingle},   {"u", ColumnKind::kUint8},       {"h", ColumnKind::kInt16}};
+  const std::string hard = "<Table> </Table> &#x3c; 'x' \"y\"/> 图纸";
+  const std::vector<Cell> nulls(columns.size());
+  const std::string bytes("\0\xff'a", 4);
+  const std::vector<Cell> cells{
+      Cell(hard), std::int64_t{-5},  std::int64_t{1}, "2024-02-29 01:02:03", Binary{bytes}, 0.25,
+      0.5,        std::int64_t{255}, std::int64_t{-7}};
+  ReferenceTable table;
+  ASSERT_TRUE(ReadSchemaByReference(Written<SchemaWriter>(columns, {cells, nulls, cells}), table));
+  const std::vector<int> types{200, 20, 11, 135, 205, 5, 4, 17, 2};
+  ASSERT_EQ(table.columns.size(), types.size());
+  for (std::size_t i = 0; i < types.size(); ++i) {
+    EXPECT_EQ(table.columns[i].type, types[i]);
+    ASSERT_EQ(table.columns[i].cells.size(), 3U);
+  }
+  EXPECT_EQ(table.columns[2].name, "a_b");
+  EXPECT_EQ(std::get<std::string>(table.columns[0].cells[2]), hard);
+  EXPECT_EQ(std::get<std::string>(table.columns[0].cells[1]), "");
+  EXPECT_EQ(std::get<std::int32_t>(table.columns[1].cells[0]), -5);
+  EXPECT_EQ(std::get<std::optional<ReferenceDate>>(table.columns[3].cells[0])->second, 3);
+  EXPECT_EQ(table.last_binary, bytes);
+}
+
 }  // namespace
-}  // namespace qv
+}  // namespace qv::standin
