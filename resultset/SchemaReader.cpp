@@ -72,7 +72,7 @@ void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequ
       column.name = name;
       column.type = TypeOf(attributes.Value("type"));
     }
-    opening = text.find(kElement, end);
+    opening = text.substr(0, sequence_end).find(kElement, end);
   }
 }
 

@@ -4,12 +4,15 @@
 #include <qvnetcall/QvNetCall4.h>
 #include <sys/resource.h>
 
+#include <array>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "message/LittleEndian.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TempFolder.h"
 
@@ -40,6 +43,11 @@ std::string Number(std::uint32_t number) {
   std::string bytes(sizeof number, '\0');
   StoreU32(bytes.data(), number);
   return bytes;
+}
+
+std::array<unsigned char, kFrameHeaderSize> ReplyHeader(
+    std::uint64_t payload_length, std::optional<std::uint64_t> file_length = std::nullopt) {
+  return EncodeHeader({FrameKind::kReply, 0, payload_length, file_length});
 }
 
 class FailingServer : public testing::Test {
@@ -123,12 +131,12 @@ TEST_F(FailingServer, SendsWhatIsNoFrame) {
             })),
             -3);
   EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
-              auto header = EncodeHeader({.kind = FrameKind::kReply, .payload_length = 1ULL << 32});
+              auto header = ReplyHeader(1ULL << 32);
               static_cast<void>(side.Write({header}));
             })),
             -3);
   EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
-              const auto header = EncodeHeader({.kind = FrameKind::kReply, .payload_length = 4});
+              const auto header = ReplyHeader(4);
               const std::string rest(kFrameBlockSize + 4 + kFrameChecksumSize, 'x');
               static_cast<void>(side.Write({header, BytesOfText(rest)}));
             })),
@@ -139,8 +147,7 @@ TEST_F(FailingServer, SendsWhatIsNoFrame) {
 TEST_F(FailingServer, HangsUpInTheMiddleOfAFile) {
   const std::string payload = in_file_;
   const auto script = AfterRequest([payload](ServerSide& side) {
-    const auto header = EncodeHeader(
-        {.kind = FrameKind::kReply, .payload_length = payload.size(), .file_length = 1 << 20});
+    const auto header = ReplyHeader(payload.size(), 1 << 20);
     const std::string block(kFrameBlockSize, '\0');
     std::string checksum(kFrameChecksumSize, '\0');
     StoreU32(checksum.data(), Crc32(Crc32(0, BytesOfText(block)), BytesOfText(payload)));
