@@ -13,9 +13,10 @@ namespace {
 constexpr sqlite3_int64 kMostDatabaseMemory = sqlite3_int64{1} << 30;
 
 void PrintServed(const qv::ServedCommand& served) {
-  fmt::print(stderr, "{} {} {}: {} bytes, {} ms\n", served.command,
-             served.database.empty() ? "-" : served.database, served.outcome, served.bytes,
-             served.time.count());
+  const std::string line = fmt::format("{} {} {}: {} bytes, {} ms\n", served.command,
+                                       served.database.empty() ? "-" : served.database,
+                                       served.outcome, served.bytes, served.time.count());
+  std::fputs(line.c_str(), stderr);  // does not throw, so a full disk costs no client its answer
 }
 
 int Run(const qv::StandInOptions& options) {
