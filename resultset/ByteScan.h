@@ -1,6 +1,10 @@
 // Finding bytes and markers in text, exactly and fast.
 #pragma once
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -16,22 +20,41 @@ inline std::uint64_t LoadWord(const char* p) {
   return word;
 }
 
-// The first `wanted` in [p, end), or `end`. Most values are short, so eight bytes at a time come
-// before a library call. Up to seven bytes behind `end` are looked at, but do not count.
-inline const char* FindByte(const char* p, const char* end, char wanted) {
+// How far scans may look behind the end of what they scan.
+constexpr std::size_t kScanSlack = 16;
+
+#if defined(__SSE2__)
+constexpr std::ptrdiff_t kScanStep = 16;
+// A bit for each of the sixteen bytes at `p` that is `wanted`, the first byte's lowest.
+inline std::uint32_t MatchBytes(const char* p, char wanted) {
+  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+  return static_cast<std::uint32_t>(
+      _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(wanted))));
+}
+inline int FirstMatch(std::uint32_t matches) { return std::countr_zero(matches); }
+#else
+constexpr std::ptrdiff_t kScanStep = 8;
+// The high bit of the first of the eight bytes at `p` that is `wanted`, and perhaps bits above it.
+inline std::uint64_t MatchBytes(const char* p, char wanted) {
   constexpr std::uint64_t kOnes = 0x0101010101010101u;
   constexpr std::uint64_t kHighs = 0x8080808080808080u;
-  constexpr int kWordsBeforeCall = 4;
-  const std::uint64_t pattern = kOnes * static_cast<unsigned char>(wanted);
-  for (int i = 0; i < kWordsBeforeCall; ++i) {
+  const std::uint64_t differing = LoadWord(p) ^ (kOnes * static_cast<unsigned char>(wanted));
+  return (differing - kOnes) & ~differing & kHighs;
+}
+inline int FirstMatch(std::uint64_t matches) { return std::countr_zero(matches) / 8; }
+#endif
+
+// The first `wanted` in [p, end), or `end`. Most values are short, so a few steps in place come
+// before a library call. Up to kScanSlack bytes behind `end` are looked at, but do not count.
+inline const char* FindByte(const char* p, const char* end, char wanted) {
+  constexpr int kStepsBeforeCall = 3;
+  for (int i = 0; i < kStepsBeforeCall; ++i) {
     if (p >= end) return end;
-    const std::uint64_t differing = LoadWord(p) ^ pattern;
-    const std::uint64_t zeros = (differing - kOnes) & ~differing & kHighs;
-    if (zeros != 0) {
-      p += std::countr_zero(zeros) / 8;
+    if (const auto matches = MatchBytes(p, wanted); matches != 0) {
+      p += FirstMatch(matches);
       return p < end ? p : end;
     }
-    p += sizeof(std::uint64_t);
+    p += kScanStep;
   }
   if (p >= end) return end;
   const void* const found = std::memchr(p, wanted, static_cast<std::size_t>(end - p));

@@ -2,6 +2,7 @@
 
 #include <fast_float/fast_float.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
@@ -52,22 +53,45 @@ std::optional<double> ParseUnsigned(std::string_view text) {
   return value;
 }
 
+// Whether all eight bytes of a word are decimal digits.
+bool AreDigits(std::uint64_t word) {
+  constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
+  constexpr std::uint64_t kSixes = 0x0606060606060606u;
+  constexpr std::uint64_t kThrees = 0x3030303030303030u;
+  // Adding six carries out of the low half of a byte that is above '9'.
+  return (word & kHighHalves) == kThrees && ((word + kSixes) & kHighHalves) == kThrees;
+}
+
+// The number that eight digits in a word stand for, the first byte the highest: neighbours are
+// joined to numbers of two, four and eight digits.
+std::uint64_t EightDigits(std::uint64_t word) {
+  word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 0x100 + 1) >> 8;
+  word = (word & 0x00FF00FF00FF00FFu) * (100 * 0x10000 + 1) >> 16;
+  return (word & 0x0000FFFF0000FFFFu) * (10000ull * 0x100000000 + 1) >> 32;
+}
+
 // Year, month, day, hour, minute, second.
 using DateFields = std::array<std::int32_t, 6>;
 
 // Where each field starts; the year has four characters, the others two.
 constexpr std::array<std::size_t, 6> kFieldStarts = {0, 5, 8, 11, 14, 17};
 
-// Reads fields that are all digits, as dates are; false when they are not.
+// Reads fields that are all digits, as dates are; false when they are not. What stands between them
+// does not matter.
 bool ReadDigits(const char* text, DateFields& fields) {
-  bool all_digits = true;
-  const auto two = [&](const char* p) {
-    all_digits = all_digits && IsDigit(p[0]) && IsDigit(p[1]);
-    return static_cast<std::int32_t>(Digit(p[0]) * 10 + Digit(p[1]));
-  };
-  fields[0] = two(text) * 100 + two(text + 2);
-  for (std::size_t i = 1; i < fields.size(); ++i) fields[i] = two(text + kFieldStarts[i]);
-  return all_digits;
+  // Zeros take the places of the separators: "YYYY-MM-" and "DD HH:MM" become numbers of eight
+  // digits.
+  const std::uint64_t date = (LoadWord(text) & 0x00FFFF00FFFFFFFFu) | 0x3000003000000000u;
+  const std::uint64_t time = (LoadWord(text + 8) & 0xFFFF00FFFF00FFFFu) | 0x0000300000300000u;
+  const std::uint32_t tens = Digit(text[17]);
+  const std::uint32_t ones = Digit(text[18]);
+  if (!AreDigits(date) || !AreDigits(time) || tens > 9 || ones > 9) return false;
+  const auto year_month = static_cast<std::int32_t>(EightDigits(date));
+  const auto day_time = static_cast<std::int32_t>(EightDigits(time));
+  fields = {year_month / 10000, year_month / 10 % 100,
+            day_time / 1000000, day_time / 1000 % 100,
+            day_time % 100,     static_cast<std::int32_t>(tens * 10 + ones)};
+  return true;
 }
 
 // Reads whatever numbers the fields hold.
@@ -144,12 +168,23 @@ DateValue ParseDate(std::string_view text) {
   return value;
 }
 
-std::size_t AppendText(TextCells& cells, std::string_view text) {
+std::int32_t ParseInteger(std::string_view text) {
+  constexpr std::uint64_t kZeros = 0x3030303030303030u;
+  if (text.empty() || text.size() > sizeof(std::uint64_t)) return DecimalToInt32(text);
+  // The digits move to the end of the word, behind zeros.
+  const unsigned unused = 64 - static_cast<unsigned>(text.size()) * 8;
+  const std::uint64_t zeros = unused == 0 ? 0 : kZeros >> (64 - unused);
+  const std::uint64_t word = LoadWord(text.data()) << unused | zeros;
+  if (!AreDigits(word)) return DecimalToInt32(text);
+  return static_cast<std::int32_t>(EightDigits(word));
+}
+
+std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities) {
   // No entity stands for white space, so trimming first gives the same and is cheaper.
   text = Trimmed(text);
   const char* const end = text.data() + text.size();
-  if (text.empty() || FindByte(text.data(), end, '&') == end) {
-    cells.push_back(text);
+  if (!may_have_entities || text.empty() || FindByte(text.data(), end, '&') == end) {
+    cells.AppendFromBuffer(text);
     return text.size();
   }
   const std::size_t length = DecodeEntities(text.data(), end, cells.Begin(text.size()));

@@ -26,8 +26,14 @@ struct DateValue {
 // calendar has, is 0.0.
 [[nodiscard]] DateValue ParseDate(std::string_view text);
 
-// Appends a text without the white space at its ends and with its entities decoded, and returns its
-// length. Up to seven bytes behind `text` are looked at.
-std::size_t AppendText(TextCells& cells, std::string_view text);
+// How far ParseInteger and AppendText may look behind the text.
+constexpr std::size_t kValueSlack = TextCells::kCopyStep;
+
+// As DecimalToInt32.
+[[nodiscard]] std::int32_t ParseInteger(std::string_view text);
+
+// Appends a text without the white space at its ends and, when it may have some, with its entities
+// decoded; returns its length.
+std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities);
 
 }  // namespace qv

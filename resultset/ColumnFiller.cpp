@@ -5,68 +5,92 @@
 
 #include "CellText.h"
 #include "CellValue.h"
-#include "framework/DecimalText.h"
+#include "FileText.h"
 
 namespace qv {
 
-ColumnFiller::ColumnFiller(ResultTable& table, BinaryCells& binary) : binary_(binary) {
+static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack);
+
+ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary)
+    : values_(values), row_{binary, false} {
   sinks_.reserve(table.columns.size());
-  for (Column& column : table.columns) sinks_.push_back(MakeSink(column));
+  for (Column& column : table.columns) {
+    void* const cells =
+        std::visit([](auto& held) { return static_cast<void*>(&held); }, column.cells);
+    const auto longest = static_cast<std::size_t>(column.display_length);
+    sinks_.push_back({AppenderFor(column), cells, values.SlotOf(sinks_.size()), longest, &column});
+  }
 }
 
-ColumnFiller::Sink ColumnFiller::MakeSink(Column& column) {
-  if (auto* const ints = std::get_if<IntCells>(&column.cells)) {
-    return {column.type == kTypeBoolean ? Kind::kBoolean : Kind::kInteger, &column, ints};
-  }
-  if (auto* const doubles = std::get_if<DoubleCells>(&column.cells)) {
-    return {Kind::kDouble, &column, doubles};
-  }
-  if (auto* const dates = std::get_if<DateCells>(&column.cells)) {
-    return {Kind::kDate, &column, dates};
-  }
-  const Kind kind = column.type == kTypeLongVarBinary ? Kind::kBinary : Kind::kText;
-  return {kind, &column, &std::get<TextCells>(column.cells)};
-}
-
-void ColumnFiller::AppendRow(const RowValues& values) {
+ColumnFiller::~ColumnFiller() {
   constexpr std::size_t kMaxLength = std::numeric_limits<std::int32_t>::max();
-  for (std::size_t i = 0; i < sinks_.size(); ++i) {
-    const std::size_t length = std::min(Append(sinks_[i], values.For(i)), kMaxLength);
-    std::int32_t& longest = sinks_[i].column->display_length;
-    longest = std::max(longest, static_cast<std::int32_t>(length));
+  for (const Sink& sink : sinks_) {
+    sink.column->display_length = static_cast<std::int32_t>(std::min(sink.longest, kMaxLength));
   }
 }
 
-std::size_t ColumnFiller::Append(const Sink& sink, std::string_view text) {
-  switch (sink.kind) {
-    case Kind::kBoolean: {
-      static_cast<IntCells*>(sink.cells)->push_back(ParseBoolean(text));
-      return 1;
-    }
-    case Kind::kInteger: {
-      const std::int32_t value = DecimalToInt32(text);
-      static_cast<IntCells*>(sink.cells)->push_back(value);
-      return static_cast<std::size_t>(DecimalLength(value));
-    }
-    case Kind::kDouble: {
-      const double value = ParseDouble(text);
-      static_cast<DoubleCells*>(sink.cells)->push_back(value);
-      return static_cast<std::size_t>(FixedLength(value));
-    }
-    case Kind::kDate: {
-      const DateValue value = ParseDate(text);
-      static_cast<DateCells*>(sink.cells)->push_back(value.date);
-      return static_cast<std::size_t>(value.display_length);
-    }
-    case Kind::kBinary: {
-      const std::string path = binary_.Write(text);
-      static_cast<TextCells*>(sink.cells)->push_back(path);
-      return path.size();
-    }
-    case Kind::kText:
-      break;
+void ColumnFiller::AppendRow(bool may_have_entities) {
+  row_.may_have_entities = may_have_entities;
+  for (Sink& sink : sinks_) {
+    const std::size_t length = sink.append(sink.cells, values_.InSlot(sink.slot), row_);
+    sink.longest = std::max(sink.longest, length);
   }
-  return AppendText(*static_cast<TextCells*>(sink.cells), text);
+}
+
+ColumnFiller::Append ColumnFiller::AppenderFor(const Column& column) {
+  if (std::holds_alternative<IntCells>(column.cells)) {
+    return column.type == kTypeBoolean ? AppendBoolean : AppendInteger;
+  }
+  if (std::holds_alternative<DoubleCells>(column.cells)) return AppendDouble;
+  if (std::holds_alternative<DateCells>(column.cells)) return AppendDate;
+  return column.type == kTypeLongVarBinary ? AppendBinary : AppendPlainText;
+}
+
+std::size_t ColumnFiller::AppendBoolean(void* cells, std::string_view text, const Row&) {
+  static_cast<IntCells*>(cells)->push_back(ParseBoolean(text));
+  return 1;
+}
+
+std::size_t ColumnFiller::AppendInteger(void* cells, std::string_view text, const Row&) {
+  const std::int32_t value = ParseInteger(text);
+  static_cast<IntCells*>(cells)->push_back(value);
+  return static_cast<std::size_t>(DecimalLength(value));
+}
+
+std::size_t ColumnFiller::AppendDouble(void* cells, std::string_view text, const Row&) {
+  const double value = ParseDouble(text);
+  static_cast<DoubleCells*>(cells)->push_back(value);
+  return static_cast<std::size_t>(FixedLength(value));
+}
+
+std::size_t ColumnFiller::AppendDate(void* cells, std::string_view text, const Row&) {
+  const DateValue value = ParseDate(text);
+  static_cast<DateCells*>(cells)->push_back(value.date);
+  return static_cast<std::size_t>(value.display_length);
+}
+
+std::size_t ColumnFiller::AppendBinary(void* cells, std::string_view text, const Row& row) {
+  const std::string path = row.binary.Write(text);
+  static_cast<TextCells*>(cells)->push_back(path);
+  return path.size();
+}
+
+std::size_t ColumnFiller::AppendPlainText(void* cells, std::string_view text, const Row& row) {
+  return AppendText(*static_cast<TextCells*>(cells), text, row.may_have_entities);
+}
+
+void ColumnFiller::ReserveAfter(std::size_t done, std::size_t total) {
+  // What comes is taken to be like what came, and a little more. A guess that would take many times
+  // the memory of the file is not followed: cells then grow as they are needed.
+  constexpr double kMargin = 1.03;
+  constexpr double kMostPerByte = 4.0;
+  const double factor = kMargin * static_cast<double>(total) / static_cast<double>(done);
+  double bytes = 0;
+  const auto add_bytes = [&](const auto& cells) { bytes += static_cast<double>(cells.Bytes()); };
+  for (const Sink& sink : sinks_) std::visit(add_bytes, sink.column->cells);
+  if (bytes * factor > kMostPerByte * static_cast<double>(total)) return;
+  const auto reserve = [&](auto& cells) { cells.ReserveTimes(factor); };
+  for (const Sink& sink : sinks_) std::visit(reserve, sink.column->cells);
 }
 
 }  // namespace qv

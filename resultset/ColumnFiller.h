@@ -11,33 +11,54 @@
 
 namespace qv {
 
-// Fills every column of a table, whose cells were rebuilt, row by row, and measures the columns'
-// display lengths.
+// Fills every column of a table, whose cells were rebuilt, row by row. Measures the columns'
+// display lengths, which the columns have when the filler is gone.
 class ColumnFiller {
  public:
-  // `table` and `binary` outlive the filler; `table` keeps its columns meanwhile.
-  ColumnFiller(ResultTable& table, BinaryCells& binary);
+  // All three outlive the filler; `table` keeps its columns meanwhile.
+  ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary);
+  ~ColumnFiller();
+  ColumnFiller(const ColumnFiller&) = delete;
+  ColumnFiller& operator=(const ColumnFiller&) = delete;
 
   // Appends one cell to each column. The texts lie in a FileText, so that a little may be read
-  // behind them.
-  void AppendRow(const RowValues& values);
+  // behind them. Without `may_have_entities` there is no ampersand in any of them.
+  void AppendRow(bool may_have_entities);
+
+  // Makes room for the rows to come, after `done` bytes of rows out of `total` were appended, when
+  // it can be told.
+  void ReserveAfter(std::size_t done, std::size_t total);
 
  private:
-  enum class Kind { kBoolean, kInteger, kDouble, kDate, kBinary, kText };
+  // What the cells of a row share.
+  struct Row {
+    BinaryCells& binary;
+    bool may_have_entities;
+  };
+
+  // Appends one cell and returns the length of its text.
+  using Append = std::size_t (*)(void* cells, std::string_view text, const Row& row);
+
+  static Append AppenderFor(const Column& column);
+  static std::size_t AppendBoolean(void* cells, std::string_view text, const Row&);
+  static std::size_t AppendInteger(void* cells, std::string_view text, const Row&);
+  static std::size_t AppendDouble(void* cells, std::string_view text, const Row&);
+  static std::size_t AppendDate(void* cells, std::string_view text, const Row&);
+  static std::size_t AppendBinary(void* cells, std::string_view text, const Row& row);
+  static std::size_t AppendPlainText(void* cells, std::string_view text, const Row& row);
 
   // A column, resolved once for all rows.
   struct Sink {
-    Kind kind;
-    Column* column;
+    Append append;
     void* cells;
+    std::size_t slot;
+    std::size_t longest;
+    Column* column;
   };
 
-  static Sink MakeSink(Column& column);
-  // Appends one cell and returns the length of its text.
-  std::size_t Append(const Sink& sink, std::string_view text);
-
+  const RowValues& values_;
   std::vector<Sink> sinks_;
-  BinaryCells& binary_;
+  Row row_;
 };
 
 }  // namespace qv

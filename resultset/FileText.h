@@ -8,10 +8,10 @@
 
 namespace qv {
 
-// Scanners may look at a few bytes behind the end of the text, which are zero.
+// Scanners and copies may look at some bytes behind the end of the text, which are zero.
 class FileText {
  public:
-  static constexpr std::size_t kSlack = 10;
+  static constexpr std::size_t kSlack = 64;
 
   // Loads a whole file. It is read in chunks of 2 MiB, and each chunk's text ends at its first NUL.
   // False when the path is no file that can be read, or memory is short.

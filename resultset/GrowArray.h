@@ -51,6 +51,13 @@ class GrowArray {
     return room;
   }
 
+  // The memory that the values take, and room for `factor` times as many of them, which is above 1.
+  std::size_t Bytes() const { return size_ * sizeof(T); }
+  void ReserveTimes(double factor) {
+    const auto wanted = static_cast<std::size_t>(static_cast<double>(size_) * factor);
+    if (wanted > capacity_) Grow(wanted - size_);
+  }
+
   // Gives up all but the first `size` values.
   void Shrink(std::size_t size) { size_ = size; }
 

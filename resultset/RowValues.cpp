@@ -14,26 +14,29 @@ bool CanBeCompared(std::string_view name) {
 
 }  // namespace
 
-RowValues::Name RowValues::MakeName(std::string_view text, char closing) {
-  std::string closed = std::string(text) + closing;
-  // No text has a bit outside the mask, so this head is never met.
-  if (!CanBeCompared(text)) return {1, 0, std::move(closed)};
+RowValues::Name RowValues::MakeName(std::string_view closed) {
   char head[sizeof(std::uint64_t)] = {};
   char mask[sizeof(std::uint64_t)] = {};
   const std::size_t length = std::min(closed.size(), sizeof head);
   std::memcpy(head, closed.data(), length);
   std::memset(mask, 0xFF, length);
-  return {LoadWord(head), LoadWord(mask), std::move(closed)};
+  return {LoadWord(head), LoadWord(mask), closed.size(), closed.data()};
 }
 
 RowValues::RowValues(const std::vector<Column>& columns, char closing) {
+  // No text has a bit outside the mask, so this head is never met.
+  constexpr Name kNeverMet = {1, 0, 0, nullptr};
   for (const Column& column : columns) {
     const auto [entry, is_new] = slot_of_name_.try_emplace(column.name, names_.size());
-    if (is_new) names_.push_back(MakeName(column.name, closing));
     slots_.push_back(entry->second);
+    if (!is_new) continue;
+    closed_names_.push_back(column.name);
+    closed_names_.back() += closing;
+    names_.push_back(CanBeCompared(column.name) ? MakeName(closed_names_.back()) : kNeverMet);
     if (column.name.starts_with('/')) has_closing_tag_names_ = true;
   }
   values_.resize(names_.size());
+  names_.resize(names_.size() + kLookAhead, kNeverMet);
 }
 
 void RowValues::Begin() {

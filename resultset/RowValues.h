@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -34,8 +35,9 @@ class RowValues {
     ++expected_;
   }
 
-  // The value for a column; empty when the row has none.
-  [[nodiscard]] std::string_view For(std::size_t column) const { return values_[slots_[column]]; }
+  // Where a column's values are, and the value there; empty when the row has none.
+  [[nodiscard]] std::size_t SlotOf(std::size_t column) const { return slots_[column]; }
+  [[nodiscard]] std::string_view InSlot(std::size_t slot) const { return values_[slot]; }
 
   // Whether a column's name starts like the name of a closing tag.
   [[nodiscard]] bool HasClosingTagNames() const { return has_closing_tag_names_; }
@@ -45,13 +47,18 @@ class RowValues {
   struct Name {
     std::uint64_t head;
     std::uint64_t head_mask;
-    std::string closed;
+    std::size_t length;
+    const char* text;
   };
 
-  static Name MakeName(std::string_view text, char closing);
+  static Name MakeName(std::string_view closed);
 
-  std::vector<std::size_t> slots_;  // by column; columns of one name share a slot
-  std::vector<Name> names_;         // by slot
+  static constexpr std::size_t kLookAhead = 8;
+
+  std::vector<std::size_t> slots_;        // by column; columns of one name share a slot
+  std::deque<std::string> closed_names_;  // what names_ points to
+  std::vector<Name>
+      names_;  // by slot, and as many as are looked at behind the last, which match nothing
   std::unordered_map<std::string_view, std::size_t> slot_of_name_;
   std::vector<std::string_view> values_;  // by slot
   std::size_t expected_ = 0;
@@ -59,16 +66,14 @@ class RowValues {
 };
 
 inline std::size_t RowValues::MatchExpected(const char* p, const char* end) {
-  constexpr std::size_t kLookAhead = 8;
   const std::uint64_t word = LoadWord(p);
-  const std::size_t stop = std::min(names_.size(), expected_ + kLookAhead);
-  for (std::size_t slot = expected_; slot < stop; ++slot) {
-    const Name& name = names_[slot];
-    if ((word & name.head_mask) != name.head) continue;
-    const std::size_t length = name.closed.size();
+  const Name* const first = names_.data() + expected_;
+  for (const Name* name = first; name != first + kLookAhead; ++name) {
+    if ((word & name->head_mask) != name->head) continue;
+    const std::size_t length = name->length;
     if (static_cast<std::size_t>(end - p) < length) continue;
-    if (length > sizeof word && std::memcmp(p, name.closed.data(), length) != 0) continue;
-    expected_ = slot;
+    if (length > sizeof word && std::memcmp(p, name->text, length) != 0) continue;
+    expected_ += static_cast<std::size_t>(name - first);
     return length - 1;
   }
   return 0;

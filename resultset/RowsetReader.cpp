@@ -17,6 +17,8 @@ constexpr std::string_view kAttributeType = "<s:AttributeType";
 constexpr std::string_view kAttributeTypeEnd = "</s:AttributeType";
 constexpr std::string_view kData = "<rs:data>";
 constexpr std::string_view kRow = "<z:row";
+// How many rows tell what the others are like.
+constexpr std::size_t kRowsBeforeReserve = 256;
 constexpr std::size_t kNone = std::string_view::npos;
 
 std::uint8_t TextType(const AttributeList& attributes) {
@@ -106,13 +108,17 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
 
 void ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   RowValues values(table.columns, '=');
-  ColumnFiller filler(table, binary);
+  ColumnFiller filler(table, values, binary);
+  ForwardFinder ampersands(text, "&");
   const char* const end = text.data() + text.size();
+  std::size_t rows = 0;
   std::size_t position = text.find(kRow);
   while (position != kNone) {
     const char* const row_end = ReadRow(text.data() + position + kRow.size(), end, values);
-    filler.AppendRow(values);
-    position = text.find(kRow, static_cast<std::size_t>(row_end - text.data()));
+    const auto behind = static_cast<std::size_t>(row_end - text.data());
+    filler.AppendRow(ampersands.Find(position) < behind);
+    if (++rows == kRowsBeforeReserve) filler.ReserveAfter(behind, text.size());
+    position = text.find(kRow, behind);
   }
 }
 

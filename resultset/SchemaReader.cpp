@@ -87,10 +87,14 @@ class RowWalker {
         last_closing_(text.rfind(closing_)),
         tag_end_(text, ">"),
         empty_close_(text, "/>"),
+        ampersands_(text, "&"),
         next_row_(text.find(opening_, start)) {}
 
   [[nodiscard]] bool HasRow() const { return next_row_ != kNone; }
   [[nodiscard]] bool HasClosing() const { return IsClosedBehind(next_row_ + opening_.size()); }
+
+  // Whether there is an ampersand in the row that was read last.
+  [[nodiscard]] bool MayHaveEntities() const { return may_have_entities_; }
 
   // Reads the row that comes next and steps behind it. False when it has no end: the rows end
   // before it.
@@ -106,6 +110,7 @@ class RowWalker {
       ReadChildren(start, end, values);
       behind = end + empty_close_.MarkerLength();
     }
+    may_have_entities_ = ampersands_.Find(start) < behind;
     next_row_ = text_.find(opening_, behind);
     return true;
   }
@@ -190,7 +195,9 @@ class RowWalker {
   std::size_t last_closing_;
   ForwardFinder tag_end_;
   ForwardFinder empty_close_;
+  ForwardFinder ampersands_;
   std::size_t next_row_;
+  bool may_have_entities_ = false;
 };
 
 }  // namespace
@@ -216,8 +223,8 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   if (!rows.HasClosing()) return false;
   RowValues values(table.columns, '>');
   Base64Cells binary(files);
-  ColumnFiller filler(table, binary);
-  while (rows.HasRow() && rows.ReadRow(values)) filler.AppendRow(values);
+  ColumnFiller filler(table, values, binary);
+  while (rows.HasRow() && rows.ReadRow(values)) filler.AppendRow(rows.MayHaveEntities());
   return true;
 }
 
