@@ -33,10 +33,10 @@ constexpr const char kShowMessages[] = "dispmsg";
 constexpr std::size_t kMaxModulePath = 254;
 constexpr std::size_t kMaxServerType = 99;
 
-template <class Number>
-std::uint32_t ToPort(Number port) {
-  constexpr Number kMax = std::numeric_limits<std::uint32_t>::max();
-  return static_cast<std::uint32_t>(std::clamp(port, Number{0}, kMax));
+// In 64 bits, since a long may have no more than the port.
+std::uint32_t ToPort(std::uint64_t port) {
+  constexpr std::uint64_t kMax = std::numeric_limits<std::uint32_t>::max();
+  return static_cast<std::uint32_t>(std::min(port, kMax));
 }
 
 // Reads the flag that replies of this kind start with.
@@ -65,7 +65,7 @@ void CRvoServer::FinitNet() {
 int CRvoServer::SetConinfo(const char* server, long port) {
   ModuleState& state = ModuleState::Get();
   state.server_name = server != nullptr ? server : "";
-  state.server_port = ToPort(port);
+  state.server_port = ToPort(static_cast<std::uint64_t>(std::max(port, 0L)));
   return 1;
 }
 

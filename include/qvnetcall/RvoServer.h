@@ -6,7 +6,8 @@
 
 // All members are static over module-wide state that has no locks: SetConinfo and the switches are
 // set-up, to be called while no other call runs. The calls that talk to the server may run on
-// several threads at once. Texts stay their caller's. Nothing throws but std::bad_alloc.
+// several threads at once unless said otherwise. Texts stay their caller's. Nothing throws but
+// std::bad_alloc.
 class QVNETCALL_API CRvoServer {
  public:
   // Starts both transports; once, before any other call. FinitNet, after the last call, stops them.
@@ -20,7 +21,9 @@ class QVNETCALL_API CRvoServer {
   // "QvNetClient.ini" in the library's folder says; when it says nothing, the server is probed.
   // Kept for the last name and port. Returns 1.
   static int GetServerType(CString& type, CString server, unsigned long port);
-  // 1 when the given server answers over the socket transport, else 0.
+  // 1 when the given server answers over the socket transport, else 0. Meanwhile the transport's
+  // parameter "dispmsg" is "0", so that nothing is shown to the user: not for two threads at once,
+  // and neither is a GetServerType that probes.
   static int CheckServerLink(CString server, unsigned long port);
 
   // Sets or reads a parameter of the socket transport. 1, or 0 when the transport does not know it
@@ -54,7 +57,8 @@ class QVNETCALL_API CRvoServer {
   // is passed to, unless the host chose to be offline. 0 when the server is a web server.
   static int GetCacheState(int n);
   // The folder that query answers are kept in; it is made when it is not there. Until it is set
-  // nothing is kept. 1, or 0 when the folder cannot be used.
+  // nothing is kept; an empty or null path switches the cache off again and gives 1. 1, or 0 when
+  // the folder cannot be used.
   static int SetCachePath(const char* path);
   // Forgets every kept answer. 1, or 0 when that fails.
   static int ClearCurCache();
