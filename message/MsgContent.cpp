@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <limits>
 
 #include "LittleEndian.h"
-#include "qvnetcall/framework/FileException.h"
 
 namespace {
 
@@ -15,11 +15,17 @@ constexpr std::size_t kIdOffset = 252;
 constexpr std::size_t kMaxIdName = kIdOffset - 1;
 constexpr std::size_t kMaxName = MessageBlock::kNameSize - 1;
 
-// Runs `operation` unless the slot holds an error, and leaves its result there.
+// Runs `operation` unless the slot holds an error, and leaves its result there. An exception, be it
+// a file's or a lack of memory, is the failure -1.
 template <class Operation>
 int WithSlot(int* err, Operation operation) {
   if (err != nullptr && *err != 0) return *err;
-  const int result = operation();
+  int result = -1;
+  try {
+    result = operation();
+  } catch (const std::exception&) {
+    // -1 stands already.
+  }
   if (err != nullptr) *err = result;
   return result;
 }
@@ -85,11 +91,7 @@ int CMsgContent::GetFile(CFile& file, int* err) {
   return WithSlot(err, [&] {
     CFIFOClass::Field field;
     if (!Queue().Peek(field) || field.length == 0) return -1;
-    try {
-      file.Write(field.body, field.length);
-    } catch (const CException&) {
-      return -1;
-    }
+    file.Write(field.body, field.length);
     Queue().Consume(field, /*wipe_length=*/false);
     return 0;
   });

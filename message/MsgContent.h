@@ -15,7 +15,8 @@
 // Every Add and Get takes an error slot, which may be null. A slot that already holds a non-zero
 // value makes the operation do nothing and return that value; otherwise the result, 0 or -1, is
 // stored there. One slot through a chain of calls is tested once, at the end. Nothing throws but
-// construction (std::bad_alloc). One thread at a time.
+// construction (std::bad_alloc); a lack of memory elsewhere is the failure -1. One thread at a
+// time.
 class CMsgContent : public CMsgContentBase {
  public:
   // Zero-fills the block of `buf`. With a block of less than 270 bytes the message is unbound:
@@ -24,7 +25,8 @@ class CMsgContent : public CMsgContentBase {
   ~CMsgContent() override;
 
   int SetCommand(unsigned int code);
-  // Appends a text of at least one character.
+  // Appends a text of at least one character. A field that does not fit the block is the last one:
+  // after it, or after there was no memory for it, every append fails.
   int AddString(const char* text, int* err);
   // Appends `length` bytes, at least one; a length is taken as a signed 32-bit number.
   int AddData(const void* data, unsigned int length, int* err);

@@ -48,6 +48,8 @@ int CMsgContentBase::AppendField(const void* body, std::uint32_t length) noexcep
     Spill(body, length);
     return 0;
   } catch (const std::exception&) {
+    // Smaller fields behind the missing one must not make the message look whole.
+    queue_.Detach();
     return -1;
   }
 }
@@ -58,7 +60,7 @@ void CMsgContentBase::Spill(const void* body, std::uint32_t length) {
     const std::uint64_t wanted =
         std::uint64_t{MessageBlock::kSpillPrefix} + unread + length + CFIFOClass::kFieldOverhead;
     if (wanted > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    // All of the room at once: what cannot be stored leaves the message as it was.
+    // All of the room at once, so that the store holds the whole payload or nothing.
     overflow_.GrowFile(static_cast<std::uint32_t>(wanted));
     overflow_.SetLength(MessageBlock::kSpillPrefix);
   }

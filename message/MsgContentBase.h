@@ -44,7 +44,8 @@ class CMsgContentBase {
   // Binds to `buf` when it is large enough for a header and at least one byte of payload.
   explicit CMsgContentBase(CAutoBuf& buf);
 
-  // Appends one field to the queue or, when it is full, moves everything to the store. 0, or -1.
+  // Appends one field to the queue or, when it is full, moves everything to the store; in that case
+  // the field is the last one, whether or not the store could take it. 0, or -1.
   [[nodiscard]] int AppendField(const void* body, std::uint32_t length) noexcept;
 
   unsigned char* CommandPointer() const { return command_; }
