@@ -8,12 +8,6 @@ find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(fmt REQUIRED)
 
-find_path(INIH_INCLUDE_DIR ini.h REQUIRED)
-find_library(INIH_LIBRARY inih REQUIRED)
-add_library(inih INTERFACE)
-target_include_directories(inih SYSTEM INTERFACE ${INIH_INCLUDE_DIR})
-target_link_libraries(inih INTERFACE ${INIH_LIBRARY})
-
 find_path(FAST_FLOAT_INCLUDE_DIR fast_float/fast_float.h REQUIRED)
 add_library(fast_float INTERFACE)
 target_include_directories(fast_float SYSTEM INTERFACE ${FAST_FLOAT_INCLUDE_DIR})

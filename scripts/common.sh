@@ -2,7 +2,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-build_packages=(g++ cmake ninja-build libboost1.81-dev zlib1g-dev libsqlite3-dev libinih-dev
+build_packages=(g++ cmake ninja-build libboost1.81-dev zlib1g-dev libsqlite3-dev
   libfast-float-dev libcli11-dev nlohmann-json3-dev libfmt-dev)
 test_packages=(libgtest-dev libgmock-dev)
 

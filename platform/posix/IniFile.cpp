@@ -1,8 +1,7 @@
-#include <ini.h>
 #include <strings.h>
 
-#include <cstring>
-#include <memory>
+#include <fstream>
+#include <string_view>
 
 #include "../Platform.h"
 
@@ -10,41 +9,50 @@ namespace qv::platform {
 
 namespace {
 
-struct Search {
-  const char* section;
-  const char* key;
-  std::optional<std::string> value;
-};
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-// The first entry counts, as on the system that the files come from.
-int OnEntry(void* user, const char* section, const char* name, const char* value) {
-  auto& search = *static_cast<Search*>(user);
-  const bool wanted =
-      ::strcasecmp(section, search.section) == 0 && ::strcasecmp(name, search.key) == 0;
-  if (wanted && !search.value) search.value = value;
-  return 1;
+std::string_view Trimmed(std::string_view text) {
+  constexpr std::string_view kWhiteSpace = " \t\v\f\r";
+  const std::size_t first = text.find_first_not_of(kWhiteSpace);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
 }
 
-// Reads a line without its indentation: an indented entry is an entry, not the continuation of the
-// one above.
-char* ReadUnindentedLine(char* line, int size, void* stream) {
-  if (std::fgets(line, size, static_cast<std::FILE*>(stream)) == nullptr) return nullptr;
-  const std::size_t indentation = std::strspn(line, " \t");
-  std::memmove(line, line + indentation, std::strlen(line + indentation) + 1);
-  return line;
+std::string_view Unquoted(std::string_view value) {
+  if (value.size() < 2 || value.front() != value.back()) return value;
+  const bool quoted = value.front() == '"' || value.front() == '\'';
+  return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+bool IsSameName(std::string_view name, std::string_view other) {
+  name = Trimmed(name);
+  return name.size() == other.size() && ::strncasecmp(name.data(), other.data(), name.size()) == 0;
 }
 
 }  // namespace
 
+// Reads as the system does that the files come from, where a value is all that stands behind the
+// first '=': no comment ends it and no line continues it.
 std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
                                         const char* key) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                             &std::fclose);
-  if (!file) return std::nullopt;
-  Search search{section, key, std::nullopt};
-  // Lines that are no entries are passed over, so the parser's own verdict does not matter.
-  ini_parse_stream(&ReadUnindentedLine, file.get(), &OnEntry, &search);
-  return search.value;
+  std::ifstream file(path, std::ios::binary);
+  bool in_section = false;
+  std::string line;
+  for (bool first = true; std::getline(file, line); first = false) {
+    std::string_view entry = line;
+    if (first && entry.starts_with(kByteOrderMark)) entry.remove_prefix(kByteOrderMark.size());
+    entry = Trimmed(entry);
+    if (entry.starts_with(';')) continue;
+    if (entry.starts_with('[')) {
+      in_section = IsSameName(entry.substr(1, entry.find(']') - 1), section);
+      continue;
+    }
+    const std::size_t equals = entry.find('=');
+    if (!in_section || equals == std::string_view::npos) continue;
+    if (!IsSameName(entry.substr(0, equals), key)) continue;
+    return std::string(Unquoted(Trimmed(entry.substr(equals + 1))));
+  }
+  return std::nullopt;
 }
 
 }  // namespace qv::platform
