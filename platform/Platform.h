@@ -12,15 +12,18 @@ namespace qv::platform {
 // What separates the folders of a local path.
 extern const char kSeparator;
 
-// The system's folder for temporary files, with a separator at its end.
+// The system's folder for temporary files, with a separator at its end: an absolute path of at most
+// 259 bytes.
 [[nodiscard]] std::string TempFolder();
 
-// The path of the file that this code was loaded from: the library, or the program that it is
-// linked into.
+// The absolute path of the file that this code was loaded from, as it was named then, links and
+// all: the library, or the program that it is linked into.
 [[nodiscard]] std::string ModuleFile();
 
-// The text behind `key` in `section` of the INI file at `path`; names ignore case. Nothing when the
-// file, the section or the key is missing; an empty value is an empty text.
+// The text behind `key` in `section` of the INI file at `path`; names ignore case, and of several
+// entries the first counts. The value stands as it is in its line, but for white space and one pair
+// of quotes around it. Nothing when the file, the section or the key is missing; an empty value is
+// an empty text.
 [[nodiscard]] std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
                                                       const char* key);
 
@@ -28,12 +31,12 @@ extern const char kSeparator;
 [[nodiscard]] std::string NewGuid();
 
 enum class Create {
-  kAlways,  // an existing file is emptied
+  kAlways,  // an existing file is emptied and taken from everybody else
   kNew,     // an existing file is an error
 };
 
 // Opens a file for writing that only its owner can read. The caller closes it. Null, and errno,
-// when it cannot be had.
+// when it cannot be had, or something that is no file stands in its place.
 [[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);
 
 // Makes a folder, and those above it, that only its owner can enter. True when it is there

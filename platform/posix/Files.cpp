@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -12,21 +13,49 @@ namespace qv::platform {
 
 const char kSeparator = '/';
 
+namespace {
+
+constexpr const char kDefaultTempFolder[] = "/tmp/";
+// What hosts have room for, without the NUL.
+constexpr std::size_t kMaxTempFolder = 259;
+
+// Takes everybody else's rights to an open file away. False, and errno, when the file is none, or
+// somebody else's.
+bool MakePrivate(int descriptor) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return false;
+  if (!S_ISREG(status.st_mode)) {
+    errno = EEXIST;
+    return false;
+  }
+  const bool is_private = (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+  return is_private || ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
+}
+
+}  // namespace
+
 std::string TempFolder() {
   const char* const named = std::getenv("TMPDIR");
-  std::string folder = named != nullptr && *named != '\0' ? named : "/tmp";
-  if (folder.back() != kSeparator) folder += kSeparator;
-  return folder;
+  std::string folder = named != nullptr ? named : "";
+  // A relative one would move with the working directory, and one that is cut is another folder.
+  if (!folder.starts_with(kSeparator)) return kDefaultTempFolder;
+  if (!folder.ends_with(kSeparator)) folder += kSeparator;
+  return folder.size() <= kMaxTempFolder ? folder : kDefaultTempFolder;
 }
 
 std::FILE* CreatePrivateFile(const std::string& path, Create how) {
-  // A link in a shared temporary folder may be somebody's trap, so none is followed.
+  // A link or a pipe in a shared temporary folder may be somebody's trap: neither followed nor
+  // waited for.
   const int on_existing = how == Create::kNew ? O_EXCL : O_TRUNC;
-  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | on_existing;
+  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | on_existing;
   const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
   if (descriptor < 0) return nullptr;
-  std::FILE* const file = ::fdopen(descriptor, "wb");
-  if (file == nullptr) ::close(descriptor);
+  std::FILE* const file = MakePrivate(descriptor) ? ::fdopen(descriptor, "wb") : nullptr;
+  if (file == nullptr) {
+    const int cause = errno;
+    ::close(descriptor);
+    errno = cause;
+  }
   return file;
 }
 

@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -18,9 +19,12 @@ std::string ModuleFile() {
   Dl_info info{};
   const bool known = ::dladdr(&kInsideThisModule, &info) != 0 && info.dli_fname != nullptr;
   std::error_code error;
-  const auto loaded = std::filesystem::canonical(known ? info.dli_fname : "/proc/self/exe", error);
-  if (!error) return loaded.string();
-  // A program is listed under the words it was started with, which need not be a path from here.
+  // A program is listed under the word that it was started with; only with a slash is that a path.
+  if (known && std::strchr(info.dli_fname, kSeparator) != nullptr) {
+    // A link stays: what lies beside the link, not beside its target, configures the library.
+    const auto loaded = std::filesystem::absolute(info.dli_fname, error).lexically_normal();
+    if (!error && std::filesystem::exists(loaded, error)) return loaded.string();
+  }
   return std::filesystem::read_symlink("/proc/self/exe", error).string();
 }
 
