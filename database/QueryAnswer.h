@@ -52,6 +52,12 @@ class AnswerFile {
   std::string compressed_path_;
 };
 
+// Deletes an answer's files when a block is left, by an exception too.
+struct DeleteAtExit {
+  const AnswerFile& file;
+  ~DeleteAtExit() { file.Delete(); }
+};
+
 // Which answers a call understands.
 enum class Accept { kPlain, kPlainOrCompressed };
 

@@ -58,13 +58,10 @@ int CRvoDatabase::SelectSQL(const CString* sql, CRvoDbRes* res, const char* data
     if (const int result = AskServer(web, command, database, *sql, file); result != 0)
       return result;
   }
-  if (!file.ReadInto(*res, web)) {
-    file.Delete();
-    return qv::kQueryFailed;
-  }
+  const qv::DeleteAtExit deletion{file};
+  if (!file.ReadInto(*res, web)) return qv::kQueryFailed;
   const bool may_keep = GetServerIsSetCatche() != 0 && use_cache != 0;
   if (may_keep && state.cache.State() == qv::kOnline) KeepAnswer(key, file);
-  file.Delete();
   return qv::kQueryDone;
 }
 

@@ -87,14 +87,11 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
   } else if (const int result = AskServer(web, file); result != 0) {
     return result;
   }
-  if (!file.ReadInto(row, web)) {
-    file.Delete();
-    return qv::kQueryFailed;
-  }
+  const qv::DeleteAtExit deletion{file};
+  if (!file.ReadInto(row, web)) return qv::kQueryFailed;
   // Kept whether or not the server allows caching: offline, this is how the client knows that it
   // does.
   if (state.cache.State() == qv::kOnline) state.cache.Store(key, file.Path(), qv::kCachePlain);
-  file.Delete();
   if (row.GetRecordCount() > 0) TakeRow(row);
   return qv::kQueryDone;
 }

@@ -31,12 +31,14 @@ class QVNETCALL_API CRvoDatabase {
 
   // Runs a query on the server's database of that name and appends columns and rows to `res`, which
   // is new or emptied. With `use_cache` non-zero the answer is kept in the query cache when the
-  // server allows it, and taken from there while the client is offline. Returns
-  //   0   rows were read into `res`;
-  //   1   the text is empty, the client is offline and the cache has no answer, or the answer could
-  //   not be read; 2   the reply's fields could not be read; 3   the server refused the query; 10
-  //   a compressed answer could not be unpacked; any other value is the transport's: -1 nothing was
-  //   delivered, -2 the outcome is unknown, -3 a damaged reply.
+  // server allows it, and taken from there while the client is offline. Returns one of
+  // - 0: rows were read into `res`;
+  // - 1: the text is empty, or offline without an answer in the cache, or the answer is unreadable;
+  // - 2: the reply's fields could not be read;
+  // - 3: the server refused the query;
+  // - 10: a compressed answer could not be unpacked;
+  // - any other value is the transport's: -1 not delivered, -2 outcome unknown, -3 a damaged reply.
+  //
   // In local mode (CRvoServer::UseLocalDB): 0, or 1 when the query failed or no such database is
   // open.
   static int SelectSQL(const CString* sql, CRvoDbRes* res, const char* database, int use_cache);
