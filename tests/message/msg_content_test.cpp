@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -13,9 +15,14 @@ namespace {
 
 using namespace std::string_literals;
 
-// A message over a block of its own.
+CAutoBuf& Used(CAutoBuf& block) {
+  std::fill_n(block.GetData(), block.GetSize(), static_cast<unsigned char>('?'));
+  return block;
+}
+
+// A message over a block of its own, which held something else before.
 struct Message {
-  explicit Message(std::uint32_t size) : block(size), content(block) {}
+  explicit Message(std::uint32_t size) : block(size), content(Used(block)) {}
 
   // Puts `payload` where a transport puts a reply's.
   explicit Message(const std::string& payload, std::uint32_t size = 1024) : Message(size) {
@@ -31,15 +38,25 @@ struct Message {
   CMsgContent content;
 };
 
-// Collects what is written, and can fail as a full disk does.
+// Collects what is written, and can fail: as a full disk does, or for lack of memory.
 class FakeFile : public CFile {
  public:
+  enum Failure { kNone, kDiskFull, kNoMemory };
+
   void Write(const void* bytes, unsigned count) override {
-    if (full) throw CFileException(CFileException::diskFull, -1);
+    if (failure == kDiskFull) throw CFileException(CFileException::diskFull, -1);
+    if (failure == kNoMemory) throw std::bad_alloc();
     written.append(static_cast<const char*>(bytes), count);
   }
-  bool full = false;
+  Failure failure = kNone;
   std::string written;
+};
+
+// Shows how any length of field is appended.
+class RawMessage : public CMsgContentBase {
+ public:
+  explicit RawMessage(CAutoBuf& block) : CMsgContentBase(block) {}
+  using CMsgContentBase::AppendField;
 };
 
 std::string Field(const std::string& body) {
@@ -121,6 +138,21 @@ TEST(MsgContent, SpillsAFieldThatDoesNotFitAndThenTakesNoMore) {
   EXPECT_EQ(spills.content.Command(), 200u);
   EXPECT_EQ(spills.content.AddString("x", nullptr), -1);
   EXPECT_EQ(spills.content.OverflowStore().Length(), 279u + 7u + 755u);
+
+  Message half_read(Field("read") + Field("unread"));
+  EXPECT_EQ(half_read.content.GetString(nullptr), "read");
+  EXPECT_EQ(half_read.content.AddString(text.c_str(), nullptr), 0);
+  EXPECT_EQ(half_read.content.OverflowStore().Length(), 279u + 11u + 755u);
+}
+
+TEST(MsgContent, TakesNoMoreOnceAFieldFoundNoMemory) {
+  CAutoBuf block(1024);
+  RawMessage message(block);
+  EXPECT_EQ(message.AppendField("x", 1), 0);
+  EXPECT_EQ(message.AppendField("x", 0xFFFFFFF0u), -1);
+  EXPECT_EQ(message.AppendField("x", 1), -1);
+  EXPECT_TRUE(message.Queue().IsDetached());
+  EXPECT_EQ(message.OverflowStore().Length(), 0u);
 }
 
 TEST(MsgContent, ErrorSlotStopsAChainAndANullSlotDoesNot) {
@@ -153,9 +185,11 @@ TEST(MsgContent, ReadsOnceInOrderAndWipesWhatItRead) {
   EXPECT_EQ(reply.content.GetString(text, nullptr), -1);  // a zero byte in it
   EXPECT_EQ(text, "SUCCESS");
   FakeFile file;
-  file.full = true;
-  EXPECT_EQ(reply.content.GetFile(file, nullptr), -1);
-  file.full = false;
+  for (const auto failure : {FakeFile::kDiskFull, FakeFile::kNoMemory}) {
+    file.failure = failure;
+    EXPECT_EQ(reply.content.GetFile(file, nullptr), -1);
+  }
+  file.failure = FakeFile::kNone;
   EXPECT_EQ(reply.content.GetFile(file, &err), 0);
   EXPECT_EQ(file.written, "file\0bytes"s);
   EXPECT_EQ(reply.content.GetString(&err), "MEMORY");

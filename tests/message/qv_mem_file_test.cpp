@@ -24,6 +24,14 @@ class SeenMemFile : public CQvMemFile {
   std::vector<std::uint32_t> sizes;
 };
 
+// A pointer to a virtual member starts with its offset in the table, plus one.
+template <class Operation>
+std::size_t SlotOf(Operation operation) {
+  std::size_t offset = 0;
+  std::memcpy(&offset, &operation, sizeof offset);
+  return (offset - 1) / sizeof(void*);
+}
+
 std::string Contents(CQvMemFile& file) {
   std::string text(file.GetLength(), '?');
   file.SeekToBegin();
@@ -37,6 +45,18 @@ TEST(AutoBuf, IsZeroFilledAndMayBeEmpty) {
   EXPECT_EQ(empty.GetSize(), 0u);
   const CAutoBuf block(1024);
   EXPECT_EQ(std::string(reinterpret_cast<char*>(block.GetData()), 1024), std::string(1024, '\0'));
+}
+
+TEST(QvMemFile, KeepsItsOperationsInTheirSlots) {
+  using F = CQvMemFile;
+  const std::vector<std::size_t> slots = {
+      SlotOf(&F::Alloc),       SlotOf(&F::Realloc),     SlotOf(&F::Free),
+      SlotOf(&F::GrowFile),    SlotOf(&F::GetPosition), SlotOf(&F::Seek),
+      SlotOf(&F::SeekToBegin), SlotOf(&F::SeekToEnd),   SlotOf(&F::SetLength),
+      SlotOf(&F::GetLength),   SlotOf(&F::Read),        SlotOf(&F::Write),
+      SlotOf(&F::WriteBytes),  SlotOf(&F::Close)};
+  // The destructor has two slots with these compilers, 4 and 5.
+  EXPECT_EQ(slots, (std::vector<std::size_t>{0, 1, 2, 3, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}));
 }
 
 TEST(QvMemFile, GrowsInItsStepsAndInDefaultStepsAfterClose) {
