@@ -1,7 +1,7 @@
 // What the tests of the database calls share: a scripted server with a settings row and one answer.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <zlib.h>
 
 #include <filesystem>
@@ -25,17 +25,21 @@ struct DatabasePeer {
 
 namespace test {
 
-// A rowset with one text column per name and one row, for the socket server.
+// A rowset with one text column per name and two rows, for the socket server: the given one, and
+// one of ones, which nobody asked for.
 inline std::string Rowset(const std::vector<std::pair<std::string, std::string>>& row) {
   std::string schema;
   std::string cells;
+  std::string ones;
   for (const auto& [name, value] : row) {
     schema +=
         "<s:AttributeType name='" + name + "'><s:datatype dt:type='string'/></s:AttributeType>";
     cells += " " + name + "='" + value + "'";
+    ones += " " + name + "='1'";
   }
   return "<xml><s:Schema><s:ElementType name='row'>" + schema +
-         "</s:ElementType></s:Schema><rs:data><z:row" + cells + "/></rs:data></xml>";
+         "</s:ElementType></s:Schema><rs:data><z:row" + cells + "/><z:row" + ones +
+         "/></rs:data></xml>";
 }
 
 // The same for the web server.
@@ -91,6 +95,19 @@ class DatabaseFixture : public testing::Test {
   }
   static bool IsSettings(const SentRequest& request) {
     return !request.fields.empty() && request.fields[0] == "PLATDB";
+  }
+
+  // What every request for a query has in common.
+  static void ExpectQuery(const SentRequest& request) {
+    EXPECT_EQ(request.server, "main");
+    EXPECT_EQ(request.port, 4000u);
+    EXPECT_EQ(request.command, 200u);
+    EXPECT_EQ(request.message_flag, 0);
+    EXPECT_EQ(request.request_block, 0x100000u);
+    EXPECT_EQ(request.reply_block, 0x100000u);
+    EXPECT_THAT(request.reply_file_name,
+                testing::MatchesRegex(".*/temp/TempClient_\\{[-0-9A-F]{36}\\}\\.txt"));
+    EXPECT_EQ(request.reply_file_flag, 0);
   }
 
   void UseServerType(const std::string& type) {

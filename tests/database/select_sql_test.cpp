@@ -1,7 +1,4 @@
-#include <gmock/gmock.h>
-
 #include <fstream>
-#include <regex>
 
 #include "DatabaseFixture.h"
 
@@ -14,13 +11,16 @@ using testing::IsEmpty;
 class SelectSql : public DatabaseFixture {
  protected:
   // Has the transport write a file answer, as it does when the storage kind is another.
-  void AnswerWithFile(const std::string& bytes, const char* status, int result = 0) {
-    transport_.handler = [=, this](const SentRequest& request, ScriptedReply& reply) {
+  void AnswerWithFile(const std::string& bytes, const ScriptedReply& answer) {
+    transport_.handler = [=](const SentRequest& request, ScriptedReply& reply) {
       if (IsSettings(request)) return -1;
       std::ofstream(request.reply_file_name, std::ios::binary) << bytes;
-      reply.Text(status).Number(1).Text("FILE");
-      return result;
+      reply = answer;
+      return 0;
     };
+  }
+  void AnswerWithFile(const std::string& bytes, const char* status) {
+    AnswerWithFile(bytes, ScriptedReply().Text(status).Number(1).Text("FILE"));
   }
 };
 
@@ -28,14 +28,9 @@ TEST_F(SelectSql, SendsTheAgreedRequest) {
   EXPECT_EQ(Select(), "from server");
   ASSERT_EQ(transport_.requests.size(), 2u);
   const SentRequest& request = transport_.requests[1];
+  ExpectQuery(request);
   EXPECT_FALSE(request.web);
-  EXPECT_EQ(request.server, "main");
-  EXPECT_EQ(request.port, 4000u);
-  EXPECT_EQ(request.command, 200u);
   EXPECT_THAT(request.fields, ElementsAre("DESIGNDB", "select 1"));
-  EXPECT_EQ(request.message_flag, 0);
-  const std::regex name(".*/temp/TempClient_\\{[-0-9A-F]{36}\\}\\.txt");
-  EXPECT_TRUE(std::regex_match(request.reply_file_name, name)) << request.reply_file_name;
   EXPECT_THAT(TempFiles(), IsEmpty());
 }
 
@@ -46,7 +41,7 @@ TEST_F(SelectSql, AsksForCompressionByCommandOrByArgument) {
 
   UseServerType("Web_Iis");
   CRvoServer::SetConinfo("web", 80);
-  answer_ = Memory(DataSet("A", "from the web"));
+  answer_ = Memory(Gzip(DataSet("A", "from the web")), "SUCCESS_COMPRESS");
   EXPECT_EQ(Select(), "from the web");
   EXPECT_EQ(transport_.requests.back().command, 200u);
   EXPECT_TRUE(transport_.requests.back().web);
@@ -87,6 +82,7 @@ TEST_F(SelectSql, ReturnsTheAgreedCodesAndLeavesNothing) {
       {"file that nobody wrote", ScriptedReply().Text("SUCCESS").Number(1).Text("FILE"), 0,
        "result 1"},
       {"no recordset", Memory("<xml/>"), 0, "result 1"},
+      {"no recordset, packed", Memory(Gzip("<xml/>"), "SUCCESS_COMPRESS"), 0, "result 1"},
       {"not gzip", Memory(Rowset({{"A", "v"}}), "SUCCESS_COMPRESS"), 0, "result 10"},
       {"gzip that ends early", Memory(gzip.substr(0, gzip.size() - 9), "SUCCESS_COMPRESS"), 0,
        "result 10"},
@@ -109,6 +105,22 @@ TEST_F(SelectSql, LeavesTheTransportsFileWhereTheCallCannotUseIt) {
   AnswerWithFile("x", "FAILURE");
   EXPECT_EQ(Select(), "result 3");
   EXPECT_EQ(TempFiles().size(), 1u);
+  AnswerWithFile("x", ScriptedReply().Text("SUCCESS"));
+  EXPECT_EQ(Select(), "result 2");
+  EXPECT_EQ(TempFiles().size(), 2u);
+}
+
+TEST_F(SelectSql, UnpacksBesideTheAnswerUnderTheEndOfItsName) {
+  std::string unpacked;
+  transport_.handler = [&](const SentRequest& request, ScriptedReply& reply) {
+    if (IsSettings(request)) return -1;
+    unpacked = request.reply_file_name.substr(request.reply_file_name.size() - 16);
+    std::filesystem::create_directory(folder_.Path() / "temp" / unpacked);
+    reply = Memory(Gzip(Rowset({{"A", "value"}})), "SUCCESS_COMPRESS");
+    return 0;
+  };
+  EXPECT_EQ(Select(), "result 10");  // what stands in its place is no file
+  EXPECT_THAT(TempFiles(), ElementsAre(unpacked));
 }
 
 TEST_F(SelectSql, LoadsTheSettingsBeforeItLooksAtTheText) {
@@ -123,6 +135,7 @@ TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
   OpenCache();
   settings_.cache = "1";
   EXPECT_EQ(Select(1), "from server");
+  EXPECT_TRUE(state_.cache.Find("main>DESIGNDB:select 1", folder_.Path().string()));
   answer_ = Memory(Rowset({{"A", "newer"}}));
 
   CRvoServer::SetCacheState(1);
@@ -135,8 +148,9 @@ TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
 
   CRvoServer::SetCacheState(0);
   transport_.bad_state = 1;
+  EXPECT_EQ(Select(0), "newer");
+  EXPECT_EQ(state_.cache.State(), 2);  // the network is looked at all the same
   EXPECT_EQ(Select(1), "from server");
-  EXPECT_EQ(state_.cache.State(), 2);
   transport_.bad_state = 0;
   EXPECT_EQ(Select(1), "newer");  // asked again; the stored word stays, so nothing is kept
   transport_.bad_state = 1;
@@ -163,8 +177,9 @@ TEST_F(SelectSql, KeepsNothingThatItWasNotAllowedTo) {
   EXPECT_EQ(Select(0), "from server");
   CRvoDatabase::m_bServerSetCache = 0;
   EXPECT_EQ(Select(1), "from server");
-  CRvoDatabase::m_bServerSetCache = 1;
   CRvoServer::SetCacheState(1);
+  EXPECT_EQ(Select(1), "from server");  // offline counts only where caching is allowed
+  CRvoDatabase::m_bServerSetCache = 1;
   EXPECT_EQ(Select(1), "result 1");
 }
 
@@ -176,10 +191,12 @@ TEST_F(SelectSql, NeverLosesAnAnswerToTheCache) {
   EXPECT_EQ(Select(1), "from server");
 }
 
-TEST_F(SelectSql, SendsTextsThatSpillOrDoNotFit) {
+TEST_F(SelectSql, SendsTextsThatSpillOrCannotBeSent) {
   const CString sql(std::string(0x180000, 's').c_str());
   EXPECT_EQ(Select(0, sql), "from server");
   EXPECT_EQ(transport_.requests.back().fields.at(1).size(), 0x180000u);
+  EXPECT_EQ(Select(0, CString(std::string_view("\0x", 2))), "from server");
+  EXPECT_THAT(transport_.requests.back().fields, ElementsAre("DESIGNDB"));
 }
 
 class FakeLocalDatabase : public LocalDatabase {

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include "DatabaseFixture.h"
 
 namespace qv::test {
@@ -35,10 +33,8 @@ TEST_F(ServerSettingsLoad, AsksTheServerOnce) {
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
   ASSERT_EQ(transport_.requests.size(), 1u);
-  const SentRequest& request = transport_.requests[0];
-  EXPECT_EQ(request.command, 200u);
-  EXPECT_EQ(request.message_flag, 0);
-  EXPECT_THAT(request.fields,
+  ExpectQuery(transport_.requests[0]);
+  EXPECT_THAT(transport_.requests[0].fields,
               ElementsAre("PLATDB",
                           "select CI_ServerSetCache,CI_ServerCompress,CI_DefaultSelectCompress,"
                           "CI_DefaultDisplayCompress,CI_DefaultDisplayDomain from "
@@ -119,17 +115,20 @@ TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
 
 TEST_F(ServerSettingsLoad, ComesFromTheCacheWhileOffline) {
   OpenCache();
+  state_.cache.SetState(2);  // as an earlier failure left it: nothing is kept
   EXPECT_EQ(Load({"1", "1", "0", "0", "0"}), "11000");
-  state_.settings.server_set_cache = 0;  // as in a new process
   CRvoServer::SetCacheState(1);
   CRvoDatabase::SetNeedUpdateCompressState();
-  const std::size_t sent = transport_.requests.size();
-  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
-  EXPECT_EQ(Flags(), "11000");
-  CRvoServer::ClearCurCache();
-  CRvoDatabase::SetNeedUpdateCompressState();
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 1);
-  EXPECT_EQ(transport_.requests.size(), sent);
+  EXPECT_EQ(transport_.requests.size(), 1u);
+
+  CRvoServer::SetCacheState(0);
+  EXPECT_EQ(Load({"0", "1", "0", "0", "0"}), "01000");  // kept, although caching is not allowed
+  CRvoServer::SetCacheState(1);
+  CRvoDatabase::m_bServerSetCache = 1;
+  EXPECT_EQ(Load({"1", "1", "1", "1", "1"}), "01000");
+  EXPECT_EQ(transport_.requests.size(), 2u);
+  EXPECT_THAT(TempFiles(), IsEmpty());
 }
 
 TEST_F(ServerSettingsLoad, DecidesWhetherToWorkOffline) {

@@ -59,6 +59,8 @@ TEST_F(RvoServer, ProbesTheGivenServerQuietly) {
     states.push_back(transport_.parameters["dispmsg"]);
     EXPECT_EQ(request.command, 3u);
     EXPECT_EQ(request.payload, "");
+    EXPECT_EQ(request.request_block, 1024u);
+    EXPECT_EQ(request.reply_block, 1024u);
     EXPECT_EQ(request.server + ":" + std::to_string(request.port), "other:5000");
     reply.Text("SUCCESS");
     return 0;
@@ -76,6 +78,7 @@ TEST_F(RvoServer, ProbesTheGivenServerQuietly) {
   for (const auto& c : cases) {
     Answer(c.text, c.result);
     EXPECT_EQ(CRvoServer::CheckServerLink("main", 1), c.linked) << c.text << c.result;
+    EXPECT_EQ(transport_.parameters["dispmsg"], "1") << c.text << c.result;
   }
 }
 
@@ -83,6 +86,7 @@ TEST_F(RvoServer, FindsItsTypeOncePerServerAndPort) {
   Answer("SUCCESS");
   EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
   Answer("SUCCESS", -1);
+  CRvoServer::SetConinfo("elsewhere", 9);  // is not what the memo goes by
   EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
   EXPECT_EQ(TypeOf("main", 2), "WEB_IIS");
   EXPECT_EQ(transport_.requests.size(), 2u);
@@ -157,7 +161,8 @@ TEST_F(RvoServer, KnowsNoCacheStateOverTheWeb) {
   EXPECT_TRUE(transport_.bad_state_questions.empty());
 }
 
-TEST_F(RvoServer, AsksForConnectionTexts) {
+TEST_F(RvoServer, AsksForConnectionTextsOverTheSocketAlways) {
+  Configure("WEB_IIS");
   const struct {
     ScriptedReply reply;
     int result;
@@ -169,6 +174,7 @@ TEST_F(RvoServer, AsksForConnectionTexts) {
                {ScriptedReply().Text("1"), 0, ""}};
   for (const auto& c : cases) {
     transport_.handler = [&](const SentRequest& request, ScriptedReply& reply) {
+      EXPECT_FALSE(request.web);
       EXPECT_EQ(request.command, 710u);
       EXPECT_EQ(request.fields, (Log{"DESIGNDB"}));
       reply = c.reply;

@@ -79,6 +79,9 @@ SentRequest Record(bool web, const char* server, std::uint32_t port, const CMsgC
           payload,
           FieldsOf(payload),
           reply.FileName(),
+          reply.FileFlag(),
+          request.BlockSize(),
+          reply.BlockSize(),
           request.MsgFlag(),
           compress};
 }

@@ -19,6 +19,9 @@ struct SentRequest {
   std::string payload;
   std::vector<std::string> fields;
   std::string reply_file_name;
+  int reply_file_flag;
+  std::uint32_t request_block;
+  std::uint32_t reply_block;
   int message_flag;
   int compress;
 };
