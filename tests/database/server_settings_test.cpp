@@ -116,7 +116,7 @@ TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
 TEST_F(ServerSettingsLoad, ComesFromTheCacheWhileOffline) {
   OpenCache();
   state_.cache.SetState(2);  // as an earlier failure left it: nothing is kept
-  EXPECT_EQ(Load({"1", "1", "0", "0", "0"}), "11000");
+  EXPECT_EQ(Load({"0", "1", "0", "0", "0"}), "01000");
   CRvoServer::SetCacheState(1);
   CRvoDatabase::SetNeedUpdateCompressState();
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 1);
