@@ -14,7 +14,9 @@ const Choices kSchemaTypes = {
     "xs:boolean",      "xs:unsignedByte", "xs:short",  "xs:int",    "xs:long",
     "xs:float",        "xs:double",       "xs:string", "xs:string", "xs:dateTime",
     "xs:base64Binary", "xs:other",        ""};
-const Choices kNames = {"ID", "Name", "name", "Date", "a:b", "\xe5\x90\x8d", "\xc3\xfb", "s", "/x"};
+const Choices kNames = {"ID",           "Name",       "name", "Date", "a:b",      "\xe5\x90\x8d",
+                        "\xc3\xfb",     "s",          "/x",   "x",    "Document", "DocumentNo",
+                        "DocumentName", "DocumentNo2"};
 const Choices kBooleans = {"True", "true", "TRUE", "1", "0", "False", "True ", "", "Tru"};
 const Choices kIntegers = {
     "0",     "-1", "2147483647", "2147483648", "-2147483648", "-2147483649", "99999999999999999999",

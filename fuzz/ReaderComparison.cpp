@@ -11,6 +11,7 @@
 #include <sstream>
 #include <variant>
 
+#include "resultset/ResultTable.h"
 #include "resultset/RowsetReader.h"
 #include "resultset/SchemaReader.h"
 #include "tests/support/TempFolder.h"
@@ -86,7 +87,7 @@ bool SameReal(double a, double b) {
 // The first difference between a reader's result and the reference's; empty when they agree.
 class Comparison {
  public:
-  Comparison(const CRvoDbRes& result, ReferenceTable& reference, bool shared_file)
+  Comparison(CRvoDbRes& result, ReferenceTable& reference, bool shared_file)
       : result_(result), reference_(reference), shared_file_(shared_file) {}
 
   std::string Difference() {
@@ -111,7 +112,10 @@ class Comparison {
   void Compare(int index) {
     ReferenceColumn& column = reference_.columns[static_cast<std::size_t>(index)];
     const std::string where = "column " + std::to_string(index);
-    Check(where + " name", std::string(result_.GetFiledName(index)), column.name);
+    const Column& read = ResultTable::Of(result_).columns[static_cast<std::size_t>(index)];
+    Check(where + " name", read.name, column.name);
+    Check(where + " type", static_cast<int>(read.type), column.type);
+    Check(where + " declared length", read.declared_length, column.declared_length);
     widest_path_ = column.display_length;
     for (std::size_t row = 0; row < column.cells.size() && !Differs(); ++row) {
       Compare(static_cast<int>(row), index, column.cells[row]);
@@ -146,7 +150,7 @@ class Comparison {
     Check(where + " file", BytesOf(path), shared_file_ ? *reference_.last_binary : *cell.bytes);
   }
 
-  const CRvoDbRes& result_;
+  CRvoDbRes& result_;
   ReferenceTable& reference_;
   const bool shared_file_;
   std::size_t widest_path_ = 0;

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace qv {
 
@@ -44,21 +45,37 @@ inline std::uint64_t MatchBytes(const char* p, char wanted) {
 inline int FirstMatch(std::uint64_t matches) { return std::countr_zero(matches) / 8; }
 #endif
 
-// The first `wanted` in [p, end), or `end`. Most values are short, so a few steps in place come
-// before a library call. Up to kScanSlack bytes behind `end` are looked at, but do not count.
+// The first `wanted` in [p, end), or `end`; p is not behind it. Most values are short, so a few
+// steps in place come before a library call. Up to kScanSlack bytes behind `end` are looked at, but
+// do not count.
 inline const char* FindByte(const char* p, const char* end, char wanted) {
   constexpr int kStepsBeforeCall = 3;
   for (int i = 0; i < kStepsBeforeCall; ++i) {
-    if (p >= end) return end;
     if (const auto matches = MatchBytes(p, wanted); matches != 0) {
       p += FirstMatch(matches);
       return p < end ? p : end;
     }
     p += kScanStep;
+    if (p >= end) return end;
   }
-  if (p >= end) return end;
   const void* const found = std::memchr(p, wanted, static_cast<std::size_t>(end - p));
   return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+// Where `marker`, which starts with "<", first stands in `text` at or behind `from`, or npos.
+// Mostly that is near.
+inline std::size_t FindTag(std::string_view text, std::string_view marker, std::size_t from) {
+  if (from >= text.size()) return std::string_view::npos;
+  const char* const end = text.data() + text.size();
+  for (const char* p = text.data() + from; (p = FindByte(p, end, '<')) != end; ++p) {
+    const auto left = static_cast<std::size_t>(end - p);
+    if (left < marker.size()) break;
+    if (std::memcmp(p, marker.data(), marker.size()) == 0) {
+      return static_cast<std::size_t>(p - text.data());
+    }
+    if (left == 1) break;
+  }
+  return std::string_view::npos;
 }
 
 // Finds one marker again and again from positions that only grow. What was found lies ahead of many

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <limits>
+#include <cstdlib>
 #include <optional>
+#include <string>
 
 #include "ByteScan.h"
 #include "CellText.h"
@@ -31,22 +31,15 @@ bool IsHexDouble(std::string_view text) {
   return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-double ParseHexDouble(std::string_view digits) {
-  // What may stand before the digits of other numbers, a sign or a word, may not stand here.
-  if (std::string_view("0123456789abcdefABCDEF.").find(digits.front()) == std::string_view::npos)
-    return 0.0;
-  double value = 0.0;
-  const auto parsed =
-      std::from_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::hex);
-  if (parsed.ec != std::errc::result_out_of_range) return value;
-  const bool tiny = std::string_view(digits.data(), parsed.ptr).find('-') != std::string_view::npos;
-  return tiny ? 0.0 : std::numeric_limits<double>::infinity();
+// Nobody writes these but to see what happens, so the C library may take its time.
+double ParseHexDouble(std::string_view text) {
+  return std::strtod(std::string(text).c_str(), nullptr);
 }
 
 // Nothing when there is no number at all; then a sign before it means nothing either.
 std::optional<double> ParseUnsigned(std::string_view text) {
   if (text.empty() || text.front() == '-' || text.front() == '+') return std::nullopt;
-  if (IsHexDouble(text)) return ParseHexDouble(text.substr(2));
+  if (IsHexDouble(text)) return ParseHexDouble(text);
   double value = 0.0;
   const auto parsed = fast_float::from_chars(text.data(), text.data() + text.size(), value);
   if (parsed.ec == std::errc::invalid_argument) return std::nullopt;
@@ -72,6 +65,8 @@ std::uint64_t EightDigits(std::uint64_t word) {
 
 // Year, month, day, hour, minute, second.
 using DateFields = std::array<std::int32_t, 6>;
+
+constexpr std::int32_t kDateSeparators = 5;
 
 // Where each field starts; the year has four characters, the others two.
 constexpr std::array<std::size_t, 6> kFieldStarts = {0, 5, 8, 11, 14, 17};
@@ -99,6 +94,21 @@ void ReadNumbers(std::string_view text, DateFields& fields) {
   for (std::size_t i = 0; i < fields.size(); ++i) {
     fields[i] = DecimalToInt32(text.substr(kFieldStarts[i], i == 0 ? 4 : 2));
   }
+}
+
+// The length of the fields without padding, and of what stands between them.
+std::int32_t LengthOfNumbers(const DateFields& fields) {
+  std::int32_t length = kDateSeparators;
+  for (const std::int32_t field : fields) length += DecimalLength(field);
+  return length;
+}
+
+// The same for fields that were all digits: the year has up to four, the others up to two.
+std::int32_t LengthOfDigits(const DateFields& fields) {
+  const std::int32_t year = fields[0];
+  std::int32_t length = kDateSeparators + 6 + (year > 9) + (year > 99) + (year > 999);
+  for (std::size_t i = 1; i < fields.size(); ++i) length += fields[i] > 9;
+  return length;
 }
 
 // The character behind "&#x", two digits and ";" at `p`, or 0. At least six bytes can be read.
@@ -157,14 +167,16 @@ double ParseDouble(std::string_view text) {
 
 DateValue ParseDate(std::string_view text) {
   constexpr std::size_t kDateLength = 19;
-  constexpr std::int32_t kSeparators = 5;
   if (text.size() < kDateLength) return {};
   DateFields fields;
-  if (!ReadDigits(text.data(), fields)) ReadNumbers(text, fields);
   DateValue value;
+  if (ReadDigits(text.data(), fields)) {
+    value.display_length = LengthOfDigits(fields);
+  } else {
+    ReadNumbers(text, fields);
+    value.display_length = LengthOfNumbers(fields);
+  }
   value.date.SetDateTime(fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]);
-  value.display_length = kSeparators;
-  for (const std::int32_t field : fields) value.display_length += DecimalLength(field);
   return value;
 }
 

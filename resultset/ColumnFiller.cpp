@@ -11,14 +11,33 @@ namespace qv {
 
 static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack);
 
-ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary)
-    : values_(values), row_{binary, false} {
+namespace {
+
+// What the cells of a file may take: enough for results with hundreds of empty columns, and never a
+// multiple of the file that grows with it.
+constexpr std::size_t kLeastBudget = std::size_t{64} << 20;
+constexpr std::size_t kBudgetPerByte = 128;
+
+// The memory of one cell, its text apart.
+std::size_t CellBytes(const Column& column) {
+  return std::visit([](const auto& cells) { return cells.kCellBytes; }, column.cells);
+}
+
+}  // namespace
+
+ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary,
+                           std::size_t file_bytes)
+    : values_(values),
+      row_{binary, false, 0},
+      row_bytes_(0),
+      budget_(kLeastBudget + file_bytes * kBudgetPerByte) {
   sinks_.reserve(table.columns.size());
   for (Column& column : table.columns) {
     void* const cells =
         std::visit([](auto& held) { return static_cast<void*>(&held); }, column.cells);
     const auto longest = static_cast<std::size_t>(column.display_length);
     sinks_.push_back({AppenderFor(column), cells, values.SlotOf(sinks_.size()), longest, &column});
+    row_bytes_ += CellBytes(column);
   }
 }
 
@@ -29,12 +48,17 @@ ColumnFiller::~ColumnFiller() {
   }
 }
 
-void ColumnFiller::AppendRow(bool may_have_entities) {
+bool ColumnFiller::AppendRow(bool may_have_entities) {
   row_.may_have_entities = may_have_entities;
+  row_.taken = row_bytes_;
   for (Sink& sink : sinks_) {
     const std::size_t length = sink.append(sink.cells, values_.InSlot(sink.slot), row_);
     sink.longest = std::max(sink.longest, length);
+    row_.taken += length;
+    if (row_.taken > budget_) return false;
   }
+  budget_ -= row_.taken;
+  return true;
 }
 
 ColumnFiller::Append ColumnFiller::AppenderFor(const Column& column) {
@@ -46,36 +70,37 @@ ColumnFiller::Append ColumnFiller::AppenderFor(const Column& column) {
   return column.type == kTypeLongVarBinary ? AppendBinary : AppendPlainText;
 }
 
-std::size_t ColumnFiller::AppendBoolean(void* cells, std::string_view text, const Row&) {
+std::size_t ColumnFiller::AppendBoolean(void* cells, std::string_view text, Row&) {
   static_cast<IntCells*>(cells)->push_back(ParseBoolean(text));
   return 1;
 }
 
-std::size_t ColumnFiller::AppendInteger(void* cells, std::string_view text, const Row&) {
+std::size_t ColumnFiller::AppendInteger(void* cells, std::string_view text, Row&) {
   const std::int32_t value = ParseInteger(text);
   static_cast<IntCells*>(cells)->push_back(value);
   return static_cast<std::size_t>(DecimalLength(value));
 }
 
-std::size_t ColumnFiller::AppendDouble(void* cells, std::string_view text, const Row&) {
+std::size_t ColumnFiller::AppendDouble(void* cells, std::string_view text, Row&) {
   const double value = ParseDouble(text);
   static_cast<DoubleCells*>(cells)->push_back(value);
   return static_cast<std::size_t>(FixedLength(value));
 }
 
-std::size_t ColumnFiller::AppendDate(void* cells, std::string_view text, const Row&) {
+std::size_t ColumnFiller::AppendDate(void* cells, std::string_view text, Row&) {
   const DateValue value = ParseDate(text);
   static_cast<DateCells*>(cells)->push_back(value.date);
   return static_cast<std::size_t>(value.display_length);
 }
 
-std::size_t ColumnFiller::AppendBinary(void* cells, std::string_view text, const Row& row) {
+std::size_t ColumnFiller::AppendBinary(void* cells, std::string_view text, Row& row) {
   const std::string path = row.binary.Write(text);
   static_cast<TextCells*>(cells)->push_back(path);
+  row.taken += text.size();
   return path.size();
 }
 
-std::size_t ColumnFiller::AppendPlainText(void* cells, std::string_view text, const Row& row) {
+std::size_t ColumnFiller::AppendPlainText(void* cells, std::string_view text, Row& row) {
   return AppendText(*static_cast<TextCells*>(cells), text, row.may_have_entities);
 }
 

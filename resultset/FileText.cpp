@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kFirstCapacity = 0x100000;
 constexpr std::size_t kChunkBytes = 0x200000;
+constexpr std::size_t kPieceBytes = 0x40000;
 
 }  // namespace
 
@@ -31,8 +32,26 @@ bool FileText::Reserve(std::size_t bytes) {
   return true;
 }
 
+bool FileText::LoadChunk(CFile& file, std::size_t bytes) {
+  // In pieces, whose bytes are still at hand when they are looked through for a NUL.
+  bool ended = false;
+  for (std::size_t left = bytes; left != 0;) {
+    char* const piece = buffer_.get() + length_;
+    const auto wanted = static_cast<unsigned>(std::min(left, kPieceBytes));
+    const std::size_t got = file.Read(piece, wanted);
+    if (got == 0) return false;
+    left -= got;
+    if (ended) continue;
+    const void* const nul = std::memchr(piece, 0, got);
+    ended = nul != nullptr;
+    length_ += ended ? static_cast<std::size_t>(static_cast<const char*>(nul) - piece) : got;
+  }
+  return true;
+}
+
 bool FileText::Load(const char* path) try {
   length_ = 0;
+  if (path == nullptr) return false;
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) return false;
@@ -40,13 +59,9 @@ bool FileText::Load(const char* path) try {
   if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return false;
   // A file that grows meanwhile is read as far as its size was taken.
   for (std::size_t left = static_cast<std::size_t>(size); left != 0;) {
-    char* const chunk = buffer_.get() + length_;
-    const std::size_t got = file.Read(chunk, static_cast<unsigned>(std::min(left, kChunkBytes)));
-    if (got == 0) break;
-    left -= got;
-    const void* const nul = std::memchr(chunk, 0, got);
-    length_ +=
-        nul != nullptr ? static_cast<std::size_t>(static_cast<const char*>(nul) - chunk) : got;
+    const std::size_t chunk = std::min(left, kChunkBytes);
+    if (!LoadChunk(file, chunk)) break;
+    left -= chunk;
   }
   std::memset(buffer_.get() + length_, 0, kSlack);
   return true;

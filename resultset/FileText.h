@@ -6,6 +6,8 @@
 #include <memory>
 #include <string_view>
 
+class CFile;
+
 namespace qv {
 
 // Scanners and copies may look at some bytes behind the end of the text, which are zero.
@@ -21,6 +23,8 @@ class FileText {
 
  private:
   [[nodiscard]] bool Reserve(std::size_t bytes);
+  // Appends the text of the next chunk of `bytes`. False when the file ends before it.
+  [[nodiscard]] bool LoadChunk(CFile& file, std::size_t bytes);
 
   struct Freed {
     void operator()(char* buffer) const { std::free(buffer); }

@@ -20,6 +20,8 @@ class GrowArray {
   static_assert(std::is_trivially_copyable_v<T>);
 
  public:
+  static constexpr std::size_t kCellBytes = sizeof(T);
+
   GrowArray() = default;
   GrowArray(GrowArray&& other) noexcept
       : data_(std::move(other.data_)),

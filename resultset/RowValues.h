@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "ByteScan.h"
@@ -59,8 +59,8 @@ class RowValues {
   std::deque<std::string> closed_names_;  // what names_ points to
   std::vector<Name>
       names_;  // by slot, and as many as are looked at behind the last, which match nothing
-  std::unordered_map<std::string_view, std::size_t> slot_of_name_;
-  std::vector<std::string_view> values_;  // by slot
+  std::map<std::string_view, std::size_t> slot_of_name_;  // ordered, so that no names collide
+  std::vector<std::string_view> values_;                  // by slot
   std::size_t expected_ = 0;
   bool has_closing_tag_names_ = false;
 };

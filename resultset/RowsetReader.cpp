@@ -77,14 +77,15 @@ void DefineColumns(std::string_view schema, ResultTable& table) {
   }
 }
 
-// Takes the attributes that come as expected, a blank and name='value', as far as that goes.
+// Takes the attributes that come as expected, a blank and name='value', as far as that goes. Behind
+// the end there are zeros, so that looking for a blank or a quote there does no harm.
 void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values) {
   const char* p = scanner.Position();
-  while (p < end && *p == ' ') {
+  while (*p == ' ') {
     const std::size_t length = values.MatchExpected(p + 1, end);
     if (length == 0) break;
-    const char* const quote = p + 1 + length + 1;
-    if (quote >= end || (*quote != '\'' && *quote != '"')) break;
+    const char* const quote = p + length + 2;
+    if (*quote != '\'' && *quote != '"') break;
     const char* const closing = FindByte(quote + 1, end, *quote);
     if (closing == end) break;
     values.PutExpected({quote + 1, static_cast<std::size_t>(closing - quote - 1)});
@@ -106,9 +107,9 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
   return scanner.Position();
 }
 
-void ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
+bool ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   RowValues values(table.columns, '=');
-  ColumnFiller filler(table, values, binary);
+  ColumnFiller filler(table, values, binary, text.size());
   ForwardFinder ampersands(text, "&");
   const char* const end = text.data() + text.size();
   std::size_t rows = 0;
@@ -116,10 +117,11 @@ void ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   while (position != kNone) {
     const char* const row_end = ReadRow(text.data() + position + kRow.size(), end, values);
     const auto behind = static_cast<std::size_t>(row_end - text.data());
-    filler.AppendRow(ampersands.Find(position) < behind);
+    if (!filler.AppendRow(ampersands.Find(position) < behind)) return false;
     if (++rows == kRowsBeforeReserve) filler.ReserveAfter(behind, text.size());
-    position = text.find(kRow, behind);
+    position = FindTag(text, kRow, behind);
   }
+  return true;
 }
 
 }  // namespace
@@ -140,8 +142,7 @@ bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   const std::size_t data = text.find(kData, opening);
   if (data == kNone) return false;
   HexCells binary(files);
-  ReadRows(text.substr(data), table, binary);
-  return true;
+  return ReadRows(text.substr(data), table, binary);
 }
 
 }  // namespace qv

@@ -16,6 +16,9 @@ constexpr std::string_view kSchemaEnd = "</xs:schema";
 constexpr std::string_view kElement = "<xs:element";
 constexpr std::string_view kSequence = "<xs:sequence";
 constexpr std::string_view kSequenceEnd = "</xs:sequence";
+// The file chooses the tag that is searched for: a long one could make every search slow, and
+// nobody's table has it.
+constexpr std::size_t kMaxTag = 1024;
 constexpr std::size_t kNone = std::string_view::npos;
 
 std::uint8_t TypeOf(std::string_view name) {
@@ -111,7 +114,7 @@ class RowWalker {
       behind = end + empty_close_.MarkerLength();
     }
     may_have_entities_ = ampersands_.Find(start) < behind;
-    next_row_ = text_.find(opening_, behind);
+    next_row_ = FindTag(text_, opening_, behind);
     return true;
   }
 
@@ -159,7 +162,7 @@ class RowWalker {
   }
 
   // Takes the children at the "<" at `p` that come as expected, "<name>value</name>", as far as
-  // that goes; returns the
+  // that goes. Returns the
   // "<" that it did not take, or `end`.
   const char* TakeExpected(const char* p, const char* end, RowValues& values) const {
     while (p < end && *p == '<' && !IsRowClosing(p, end)) {
@@ -209,7 +212,7 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   const std::size_t schema = text.find(kSchema);
   if (schema == kNone || text.find(kSchemaEnd, schema + kSchema.size()) == kNone) return false;
   const std::string_view tag = RowTag(text);
-  if (tag.empty()) return false;
+  if (tag.empty() || tag.size() > kMaxTag) return false;
   const std::size_t sequence = text.find(kSequence);
   const std::size_t sequence_end = text.find(kSequenceEnd);
   if (sequence == kNone || sequence_end == kNone) return false;
@@ -223,8 +226,10 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   if (!rows.HasClosing()) return false;
   RowValues values(table.columns, '>');
   Base64Cells binary(files);
-  ColumnFiller filler(table, values, binary);
-  while (rows.HasRow() && rows.ReadRow(values)) filler.AppendRow(rows.MayHaveEntities());
+  ColumnFiller filler(table, values, binary, text.size());
+  while (rows.HasRow() && rows.ReadRow(values)) {
+    if (!filler.AppendRow(rows.MayHaveEntities())) return false;
+  }
   return true;
 }
 

@@ -14,6 +14,8 @@ namespace qv {
 // A column holds up to 4 GiB; what is more cannot be had, as if memory were short.
 class TextCells {
  public:
+  static constexpr std::size_t kCellBytes = sizeof(std::uint32_t);
+
   std::size_t size() const { return ends_.size(); }
 
   std::size_t Bytes() const { return bytes_.Bytes() + ends_.Bytes(); }

@@ -364,5 +364,28 @@ TEST_F(ReadersTest, LargeHostileFilesComeBack) {
   }
 }
 
+TEST_F(ReadersTest, CellsOutOfAllProportionAreRefused) {
+  const auto columns = [](int count, const std::string& name) {
+    std::vector<std::string> all;
+    for (int i = 0; i < count; ++i) {
+      all.push_back("name='" + name + (name.empty() ? std::to_string(i) : "") + "'");
+    }
+    return RowsetHead(all);
+  };
+  CRvoDbRes empty_cells, one_name, wide;
+  EXPECT_FALSE(Rowset(columns(4000, "") + Repeated("<z:row/>", 30000), empty_cells));
+  const std::string long_value = "<z:row a='" + std::string(100000, 'x') + "'/>";
+  EXPECT_FALSE(Rowset(columns(4000, "a") + long_value, one_name));
+  // Hundreds of columns without values are nothing unusual.
+  EXPECT_TRUE(Rowset(columns(300, "") + Repeated("<z:row/>", 30000), wide));
+  EXPECT_EQ(wide.GetRecordCount(), 30000);
+
+  CRvoDbRes long_tag;
+  const std::string tag(2000, 'T');
+  EXPECT_FALSE(Schema("<xs:schema></xs:schema><xs:element name='" + tag +
+                          "' msdata:MainDataTable='t'><xs:sequence></xs:sequence>",
+                      long_tag));
+}
+
 }  // namespace
 }  // namespace qv
