@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -85,7 +86,7 @@ class DatabaseFixture : public testing::Test {
         reply = answer_;
         return answer_result_;
       }
-      reply = Memory(request.web ? "" : SettingsRow());
+      reply = settings_answer_.value_or(Memory(SettingsRow()));
       return settings_result_;
     };
   }
@@ -150,6 +151,7 @@ class DatabaseFixture : public testing::Test {
   Settings settings_;
   ScriptedReply answer_;
   int answer_result_ = 0;
+  std::optional<ScriptedReply> settings_answer_;  // instead of a row of `settings_`
   int settings_result_ = 0;
 };
 

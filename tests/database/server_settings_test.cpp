@@ -85,31 +85,24 @@ TEST_F(ServerSettingsLoad, ReturnsTheAgreedCodesAndClearsAllButCaching) {
   for (const auto& c : cases) {
     Load({"1", "1", "1", "1", "1"});
     CRvoDatabase::SetNeedUpdateCompressState();
-    transport_.handler = [&](const SentRequest&, ScriptedReply& reply) {
-      reply = c.reply;
-      return c.transport;
-    };
+    settings_answer_ = c.reply;
+    settings_result_ = c.transport;
     EXPECT_EQ(DatabasePeer::UpdateSettings(), c.result) << c.what;
     EXPECT_EQ(Flags(), "10000") << c.what;
     EXPECT_EQ(CRvoDatabase::m_NeedUpdateCompressState, 0) << c.what;
     EXPECT_THAT(TempFiles(), IsEmpty()) << c.what;
-    transport_.handler = [this](const SentRequest&, ScriptedReply& reply) {
-      reply = Memory(SettingsRow());
-      return 0;
-    };
+    settings_answer_.reset();
+    settings_result_ = 0;
   }
 }
 
 TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
   UseServerType("WEB_IIS");
   CRvoDatabase::m_ServerIsCompress = 1;
-  transport_.handler = [](const SentRequest& request, ScriptedReply& reply) {
-    EXPECT_TRUE(request.web);
-    EXPECT_EQ(request.compress, 0);
-    reply = Memory(DataSet("CI_ServerCompress", "1"));
-    return 0;
-  };
+  settings_answer_ = Memory(DataSet("CI_ServerCompress", "1"));
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_TRUE(transport_.requests.back().web);
+  EXPECT_EQ(transport_.requests.back().compress, 0);
   EXPECT_EQ(Flags(), "01000");
 }
 
