@@ -2,6 +2,7 @@
 // any thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
@@ -51,6 +52,10 @@ bool RemoveFile(const std::string& path);
 
 // Sees to it that what was written to `file` is on the disk.
 [[nodiscard]] bool FlushToDisk(std::FILE* file);
+
+// Asks for large pages under `bytes` of memory at `start` that were not touched yet. Only speed
+// depends on it.
+void PreferLargePages(void* start, std::size_t bytes);
 
 // Seconds since 1970.
 [[nodiscard]] std::int64_t UnixTime();

@@ -11,6 +11,9 @@
 
 namespace qv {
 
+// How many rows tell what the others are like.
+constexpr std::size_t kRowsBeforeReserve = 256;
+
 // Fills every column of a table, whose cells were rebuilt, row by row. Measures the columns'
 // display lengths, which the columns have when the filler is gone.
 class ColumnFiller {

@@ -11,6 +11,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/Platform.h"
+
 namespace qv {
 
 // Differs from std::vector in growing by std::realloc, which moves large blocks without copying
@@ -68,6 +70,7 @@ class GrowArray {
     void operator()(T* data) const { std::free(data); }
   };
 
+  static constexpr std::size_t kLargeBytes = std::size_t{4} << 20;
   static constexpr std::size_t kFirstCapacity = 64 / sizeof(T) + 1;
 
   void Grow(std::size_t count) {
@@ -80,6 +83,9 @@ class GrowArray {
     static_cast<void>(data_.release());
     data_.reset(static_cast<T*>(grown));
     capacity_ = wanted;
+    // Filling a large block costs less than having its pages made one by one.
+    const std::size_t bytes = wanted * sizeof(T);
+    if (bytes >= kLargeBytes) platform::PreferLargePages(grown, bytes);
   }
 
   std::unique_ptr<T, Freed> data_;

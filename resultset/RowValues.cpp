@@ -15,17 +15,18 @@ bool CanBeCompared(std::string_view name) {
 }  // namespace
 
 RowValues::Name RowValues::MakeName(std::string_view closed) {
-  char head[sizeof(std::uint64_t)] = {};
-  char mask[sizeof(std::uint64_t)] = {};
-  const std::size_t length = std::min(closed.size(), sizeof head);
-  std::memcpy(head, closed.data(), length);
+  char bytes[16] = {};
+  char mask[16] = {};
+  const std::size_t length = std::min(closed.size(), sizeof bytes);
+  std::memcpy(bytes, closed.data(), length);
   std::memset(mask, 0xFF, length);
-  return {LoadWord(head), LoadWord(mask), closed.size(), closed.data()};
+  return {LoadWord(bytes),    LoadWord(mask), LoadWord(bytes + 8),
+          LoadWord(mask + 8), closed.size(),  closed.data()};
 }
 
 RowValues::RowValues(const std::vector<Column>& columns, char closing) {
   // No text has a bit outside the mask, so this head is never met.
-  constexpr Name kNeverMet = {1, 0, 0, nullptr};
+  constexpr Name kNeverMet = {1, 0, 0, 0, 0, nullptr};
   for (const Column& column : columns) {
     const auto [entry, is_new] = slot_of_name_.try_emplace(column.name, names_.size());
     slots_.push_back(entry->second);
@@ -33,10 +34,14 @@ RowValues::RowValues(const std::vector<Column>& columns, char closing) {
     closed_names_.push_back(column.name);
     closed_names_.back() += closing;
     names_.push_back(CanBeCompared(column.name) ? MakeName(closed_names_.back()) : kNeverMet);
-    if (column.name.starts_with('/')) has_closing_tag_names_ = true;
   }
   values_.resize(names_.size());
   names_.resize(names_.size() + kLookAhead, kNeverMet);
+}
+
+bool RowValues::HasNameWith(std::string_view prefix) const {
+  return std::any_of(slot_of_name_.begin(), slot_of_name_.end(),
+                     [&](const auto& entry) { return entry.first.starts_with(prefix); });
 }
 
 void RowValues::Begin() {

@@ -39,14 +39,28 @@ class RowValues {
   [[nodiscard]] std::size_t SlotOf(std::size_t column) const { return slots_[column]; }
   [[nodiscard]] std::string_view InSlot(std::size_t slot) const { return values_[slot]; }
 
-  // Whether a column's name starts like the name of a closing tag.
-  [[nodiscard]] bool HasClosingTagNames() const { return has_closing_tag_names_; }
+  // Whether the name that was recorded last stands at `p` too, with its closing character.
+  [[nodiscard]] bool IsLastExpected(const char* p, const char* end) const {
+    return names_[expected_ - 1].Matches(p, end);
+  }
+
+  // Whether any name starts with `prefix`.
+  [[nodiscard]] bool HasNameWith(std::string_view prefix) const;
 
  private:
-  // A name and its closing character, ready to be compared eight bytes at a time.
+  // A name and its closing character, ready to be compared eight bytes at a time. At least sixteen
+  // bytes from `p` on can be read.
   struct Name {
+    [[nodiscard]] bool Matches(const char* p, const char* end) const {
+      if ((LoadWord(p) & head_mask) != head || (LoadWord(p + 8) & next_mask) != next) return false;
+      if (static_cast<std::size_t>(end - p) < length) return false;
+      return length <= 16 || std::memcmp(p, text, length) == 0;
+    }
+
     std::uint64_t head;
     std::uint64_t head_mask;
+    std::uint64_t next;
+    std::uint64_t next_mask;
     std::size_t length;
     const char* text;
   };
@@ -62,19 +76,14 @@ class RowValues {
   std::map<std::string_view, std::size_t> slot_of_name_;  // ordered, so that no names collide
   std::vector<std::string_view> values_;                  // by slot
   std::size_t expected_ = 0;
-  bool has_closing_tag_names_ = false;
 };
 
 inline std::size_t RowValues::MatchExpected(const char* p, const char* end) {
-  const std::uint64_t word = LoadWord(p);
   const Name* const first = names_.data() + expected_;
   for (const Name* name = first; name != first + kLookAhead; ++name) {
-    if ((word & name->head_mask) != name->head) continue;
-    const std::size_t length = name->length;
-    if (static_cast<std::size_t>(end - p) < length) continue;
-    if (length > sizeof word && std::memcmp(p, name->text, length) != 0) continue;
+    if (!name->Matches(p, end)) continue;
     expected_ += static_cast<std::size_t>(name - first);
-    return length - 1;
+    return name->length - 1;
   }
   return 0;
 }

@@ -17,8 +17,6 @@ constexpr std::string_view kAttributeType = "<s:AttributeType";
 constexpr std::string_view kAttributeTypeEnd = "</s:AttributeType";
 constexpr std::string_view kData = "<rs:data>";
 constexpr std::string_view kRow = "<z:row";
-// How many rows tell what the others are like.
-constexpr std::size_t kRowsBeforeReserve = 256;
 constexpr std::size_t kNone = std::string_view::npos;
 
 std::uint8_t TextType(const AttributeList& attributes) {

@@ -83,10 +83,12 @@ void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequ
 // the text.
 class RowWalker {
  public:
-  RowWalker(std::string_view text, std::string_view tag, std::size_t start)
+  // With `plain_names` neither a closing tag nor the tag of the rows can be taken for a column's.
+  RowWalker(std::string_view text, std::string_view tag, std::size_t start, bool plain_names)
       : text_(text),
         opening_('<' + std::string(tag)),
         closing_(std::string("</").append(tag)),
+        plain_names_(plain_names),
         last_closing_(text.rfind(closing_)),
         tag_end_(text, ">"),
         empty_close_(text, "/>"),
@@ -98,6 +100,8 @@ class RowWalker {
 
   // Whether there is an ampersand in the row that was read last.
   [[nodiscard]] bool MayHaveEntities() const { return may_have_entities_; }
+  // Where it ended.
+  [[nodiscard]] std::size_t Position() const { return position_; }
 
   // Reads the row that comes next and steps behind it. False when it has no end: the rows end
   // before it.
@@ -113,6 +117,7 @@ class RowWalker {
       ReadChildren(start, end, values);
       behind = end + empty_close_.MarkerLength();
     }
+    position_ = behind;
     may_have_entities_ = ampersands_.Find(start) < behind;
     next_row_ = FindTag(text_, opening_, behind);
     return true;
@@ -173,19 +178,17 @@ class RowWalker {
       if (value >= end || *value == '<') return p;
       const char* const value_end = FindByte(value, end, '<');
       values.PutExpected({value, Distance(value, value_end)});
-      p = BehindClosing(value_end, end, {name, length}, values);
+      p = BehindClosing(value_end, end, length, values);
     }
     return p;
   }
 
-  // The "<" behind the closing tag of `name` at `p`, or `p` when that is not what stands there.
-  const char* BehindClosing(const char* p, const char* end, std::string_view name,
+  // The "<" behind the closing tag at `p` of the child that was taken last, a name of `length`
+  // bytes; `p` when that is not what stands there.
+  const char* BehindClosing(const char* p, const char* end, std::size_t length,
                             const RowValues& values) const {
-    const auto length = static_cast<std::ptrdiff_t>(name.size()) + 3;
-    if (values.HasClosingTagNames() || end - p < length || IsRowClosing(p, end)) return p;
-    const bool is_closing =
-        p[1] == '/' && p[length - 1] == '>' && std::memcmp(p + 2, name.data(), name.size()) == 0;
-    return is_closing ? FindByte(p + length, end, '<') : p;
+    const bool is_closing = plain_names_ && p[1] == '/' && values.IsLastExpected(p + 2, end);
+    return is_closing ? FindByte(p + length + 3, end, '<') : p;
   }
 
   static std::size_t Distance(const char* from, const char* to) {
@@ -195,11 +198,13 @@ class RowWalker {
   std::string_view text_;
   std::string opening_;
   std::string closing_;
+  bool plain_names_;
   std::size_t last_closing_;
   ForwardFinder tag_end_;
   ForwardFinder empty_close_;
   ForwardFinder ampersands_;
   std::size_t next_row_;
+  std::size_t position_ = 0;
   bool may_have_entities_ = false;
 };
 
@@ -221,14 +226,16 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   DefineColumns(text, sequence, sequence_end, table);
   table.RebuildCells();
 
-  RowWalker rows(text, tag, sequence);
+  RowValues values(table.columns, '>');
+  const bool plain_names = !values.HasNameWith("/") && !values.HasNameWith(tag);
+  RowWalker rows(text, tag, sequence, plain_names);
   if (!rows.HasRow()) return true;
   if (!rows.HasClosing()) return false;
-  RowValues values(table.columns, '>');
   Base64Cells binary(files);
   ColumnFiller filler(table, values, binary, text.size());
-  while (rows.HasRow() && rows.ReadRow(values)) {
+  for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
     if (!filler.AppendRow(rows.MayHaveEntities())) return false;
+    if (count == kRowsBeforeReserve) filler.ReserveAfter(rows.Position(), text.size());
   }
   return true;
 }
