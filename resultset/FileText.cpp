@@ -7,6 +7,7 @@
 #include <limits>
 #include <system_error>
 
+#include "platform/Platform.h"
 #include "qvnetcall/framework/File.h"
 #include "qvnetcall/framework/FileException.h"
 
@@ -28,6 +29,7 @@ bool FileText::Reserve(std::size_t bytes) {
   capacity_ = 0;
   buffer_.reset(static_cast<char*>(std::malloc(wanted)));
   if (buffer_ == nullptr) return false;
+  platform::PreferLargePages(buffer_.get(), wanted);
   capacity_ = wanted;
   return true;
 }
