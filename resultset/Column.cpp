@@ -1,8 +1,16 @@
 #include "Column.h"
 
+#include <algorithm>
+
 #include "CellText.h"
 
 namespace qv {
+
+std::uint8_t FindType(std::span<const NamedType> types, std::string_view name) {
+  const auto found = std::find_if(types.begin(), types.end(),
+                                  [&](const NamedType& type) { return type.name == name; });
+  return found != types.end() ? found->type : kTypeNone;
+}
 
 Cells CellsFor(std::uint8_t type) {
   switch (type) {

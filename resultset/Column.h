@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -30,6 +31,15 @@ enum TypeCode : std::uint8_t {
   kTypeVarWChar = 202,
   kTypeLongVarBinary = 205,
 };
+
+// What a dialect calls a type.
+struct NamedType {
+  std::string_view name;
+  TypeCode type;
+};
+
+// The type of that name; kTypeNone when it is not among `types`.
+[[nodiscard]] std::uint8_t FindType(std::span<const NamedType> types, std::string_view name);
 
 using IntCells = GrowArray<std::int32_t>;
 using DoubleCells = GrowArray<double>;

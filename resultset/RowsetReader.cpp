@@ -26,27 +26,20 @@ std::uint8_t TextType(const AttributeList& attributes) {
 }
 
 std::uint8_t TypeOf(const AttributeList& attributes) {
-  struct Named {
-    std::string_view name;
-    TypeCode type;
-  };
-  static constexpr std::array<Named, 8> kTypes = {{{"boolean", kTypeBoolean},
-                                                   {"ui1", kTypeUnsignedTinyInt},
-                                                   {"i2", kTypeSmallInt},
-                                                   {"int", kTypeInteger},
-                                                   {"i8", kTypeBigInt},
-                                                   {"r4", kTypeSingle},
-                                                   {"float", kTypeDouble},
-                                                   {"bin.hex", kTypeLongVarBinary}}};
+  static constexpr std::array<NamedType, 8> kTypes = {{{"boolean", kTypeBoolean},
+                                                       {"ui1", kTypeUnsignedTinyInt},
+                                                       {"i2", kTypeSmallInt},
+                                                       {"int", kTypeInteger},
+                                                       {"i8", kTypeBigInt},
+                                                       {"r4", kTypeSingle},
+                                                       {"float", kTypeDouble},
+                                                       {"bin.hex", kTypeLongVarBinary}}};
   const std::string_view name = attributes.Value("dt:type");
   if (name == "string") return TextType(attributes);
   if (name == "dateTime") {
     return attributes.Value("rs:precision") == "23" ? kTypeTimeStamp : kTypeDate;
   }
-  for (const Named& named : kTypes) {
-    if (named.name == name) return named.type;
-  }
-  return kTypeNone;
+  return FindType(kTypes, name);
 }
 
 void DefineColumn(const AttributeList& attributes, ResultTable& table) {

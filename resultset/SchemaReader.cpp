@@ -22,24 +22,17 @@ constexpr std::size_t kMaxTag = 1024;
 constexpr std::size_t kNone = std::string_view::npos;
 
 std::uint8_t TypeOf(std::string_view name) {
-  struct Named {
-    std::string_view name;
-    TypeCode type;
-  };
-  static constexpr std::array<Named, 10> kTypes = {{{"xs:boolean", kTypeBoolean},
-                                                    {"xs:unsignedByte", kTypeUnsignedTinyInt},
-                                                    {"xs:short", kTypeSmallInt},
-                                                    {"xs:int", kTypeInteger},
-                                                    {"xs:long", kTypeBigInt},
-                                                    {"xs:float", kTypeSingle},
-                                                    {"xs:double", kTypeDouble},
-                                                    {"xs:string", kTypeVarChar},
-                                                    {"xs:dateTime", kTypeTimeStamp},
-                                                    {"xs:base64Binary", kTypeLongVarBinary}}};
-  for (const Named& named : kTypes) {
-    if (named.name == name) return named.type;
-  }
-  return kTypeNone;
+  static constexpr std::array<NamedType, 10> kTypes = {{{"xs:boolean", kTypeBoolean},
+                                                        {"xs:unsignedByte", kTypeUnsignedTinyInt},
+                                                        {"xs:short", kTypeSmallInt},
+                                                        {"xs:int", kTypeInteger},
+                                                        {"xs:long", kTypeBigInt},
+                                                        {"xs:float", kTypeSingle},
+                                                        {"xs:double", kTypeDouble},
+                                                        {"xs:string", kTypeVarChar},
+                                                        {"xs:dateTime", kTypeTimeStamp},
+                                                        {"xs:base64Binary", kTypeLongVarBinary}}};
+  return FindType(kTypes, name);
 }
 
 // Reads the attributes of the element that opens at `opening`; returns where its ">" is, or kNone.
