@@ -160,8 +160,7 @@ class RowWalker {
   }
 
   // Takes the children at the "<" at `p` that come as expected, "<name>value</name>", as far as
-  // that goes. Returns the
-  // "<" that it did not take, or `end`.
+  // that goes. Returns the "<" that it did not take, or `end`.
   const char* TakeExpected(const char* p, const char* end, RowValues& values) const {
     while (p < end && *p == '<' && !IsRowClosing(p, end)) {
       const std::size_t length = values.MatchExpected(p + 1, end);
