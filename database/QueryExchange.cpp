@@ -2,14 +2,8 @@
 
 namespace qv {
 
-namespace {
-
-constexpr std::uint32_t kBlock = 0x100000;
-
-}  // namespace
-
 QueryExchange::QueryExchange(std::uint32_t command, const char* database, const CString& text)
-    : Exchange(command, kBlock, kBlock) {
+    : Exchange(command, kDatabaseBlock, kDatabaseBlock) {
   Request().AddString(database, nullptr);
   Request().AddString(text, nullptr);
   Request().SetMsgFlag(0);

@@ -10,6 +10,11 @@ namespace qv {
 // Commands, all with the fields: string database, string text.
 constexpr std::uint32_t kCommandQuery = 200;
 constexpr std::uint32_t kCommandQueryCompressed = 210;
+constexpr std::uint32_t kCommandStatement = 300;  // reply: string status
+constexpr std::uint32_t kCommandProcedure = 900;
+
+// The blocks of every database call's request and reply, in bytes.
+constexpr std::uint32_t kDatabaseBlock = 0x100000;
 
 class QueryExchange : public Exchange {
  public:

@@ -1,9 +1,8 @@
-// CRvoDatabase::SelectSQL, and the entry points of the readers.
-#include <string>
-
+// The calls of CRvoDatabase that fill a result set: from the server, or from a file.
 #include "LocalMode.h"
 #include "QueryAnswer.h"
 #include "QueryExchange.h"
+#include "RunQuery.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "resultset/RowsetReader.h"
 #include "resultset/SchemaReader.h"
@@ -12,57 +11,45 @@
 
 using qv::ModuleState;
 
-namespace {
-
-// Asks the server; the answer lands in `file`. 0, or the result to return.
-int AskServer(bool web, std::uint32_t command, const char* database, const CString& sql,
-              qv::AnswerFile& file) {
-  qv::QueryExchange exchange(command, database, sql);
-  file = qv::AnswerFile::New();
-  exchange.Reply().SetFileName(file.Path().c_str(), 0);
-  const int result = exchange.SendBy(web, CRvoDatabase::m_ServerIsCompress);
-  if (result != 0) return result;
-  return qv::ReceiveAnswer(exchange.Reply(), qv::Accept::kPlainOrCompressed, file);
-}
-
-// Keeps the answer as it came: the gzip file when there is one.
-void KeepAnswer(const std::string& key, const qv::AnswerFile& file) {
-  qv::QueryCache& cache = ModuleState::Get().cache;
-  if (file.CompressedPath().empty()) {
-    cache.Store(key, file.Path(), qv::kCachePlain);
-  } else {
-    cache.Store(key, file.CompressedPath(), qv::kCacheGzip);
-  }
-}
-
-}  // namespace
-
 int CRvoDatabase::SelectSQL(const CString* sql, CRvoDbRes* res, const char* database,
                             int use_cache) {
-  const ModuleState& state = ModuleState::Get();
   const bool web = qv::IsWebServer();
   UpdateServerIsCompressInfo();
-  if (state.use_local_database != 0) return qv::SelectLocally(*sql, *res, database);
+  if (ModuleState::Get().use_local_database != 0) return qv::SelectLocally(*sql, *res, database);
   if (sql->IsEmpty()) return qv::kQueryFailed;
+  // The state of the network is asked for whether or not the cache may be used.
+  const bool offline = IsCanUseOffCache(1) != 0;
+  // A web server is asked to compress by its transport, never by the command.
+  const bool compressed = IsCanUseCompressMode() != 0 && !web;
+  const std::uint32_t command = compressed ? qv::kCommandQueryCompressed : qv::kCommandQuery;
+  return qv::RunQuery({.command = command,
+                       .sql = *sql,
+                       .database = database,
+                       .web = web,
+                       .from_cache = offline && use_cache != 0,
+                       .may_keep = use_cache != 0,
+                       .keep = qv::Keep::kAsItCame},
+                      *res);
+}
 
-  const std::string key = qv::CacheKey(database, *sql);
-  qv::AnswerFile file;
-  if (IsCanUseOffCache(1) != 0 && use_cache != 0) {
-    const auto cached = state.cache.Find(key, static_cast<const char*>(GetTempFilePath()));
-    if (!cached) return qv::kQueryFailed;
-    file = qv::AnswerFile(*cached);
-  } else {
-    // A web server is asked to compress by its transport, never by the command.
-    const bool compressed = IsCanUseCompressMode() != 0 && !web;
-    const std::uint32_t command = compressed ? qv::kCommandQueryCompressed : qv::kCommandQuery;
-    if (const int result = AskServer(web, command, database, *sql, file); result != 0)
-      return result;
+int CRvoDatabase::ExecuteSP(const CString* sql, CRvoDbRes* result, const char* database,
+                            int use_cache) {
+  const bool web = qv::IsWebServer();
+  // Unlike a query, only a procedure on a web server has the settings loaded, and then always.
+  if (web) UpdateServerIsCompressInfo();
+  if (ModuleState::Get().use_local_database != 0) {
+    return qv::SelectLocally(*sql, *result, database);
   }
-  const qv::DeleteAtExit deletion{file};
-  if (!file.ReadInto(*res, web)) return qv::kQueryFailed;
-  const bool may_keep = GetServerIsSetCatche() != 0 && use_cache != 0;
-  if (may_keep && state.cache.State() == qv::kOnline) KeepAnswer(key, file);
-  return qv::kQueryDone;
+  if (sql->IsEmpty()) return qv::kQueryFailed;
+  const bool offline = IsCanUseOffCache(1) != 0;
+  return qv::RunQuery({.command = qv::kCommandProcedure,
+                       .sql = *sql,
+                       .database = database,
+                       .web = web,
+                       .from_cache = offline && use_cache != 0,
+                       .may_keep = use_cache != 0,
+                       .keep = qv::Keep::kUnpacked},
+                      *result);
 }
 
 int CRvoDatabase::ReadFromXmlFile(const char* path, CRvoDbRes* res,

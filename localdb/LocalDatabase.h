@@ -19,6 +19,8 @@ class LocalDatabase {
   // Runs a query and fills `result`. 0; 1 for an empty text, an unknown database, and a query that
   // failed.
   virtual int Select(const CString& sql, CRvoDbRes& result, const char* database) = 0;
+  // Runs a statement that gives no rows. As above.
+  virtual int Execute(const CString& sql, const char* database) = 0;
 };
 
 }  // namespace qv

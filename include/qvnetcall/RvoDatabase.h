@@ -7,6 +7,7 @@
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/TempFileInfo.h"
 #include "qvnetcall/framework/String.h"
+#include "qvnetcall/framework/StringArray.h"
 
 namespace qv {
 struct DatabasePeer;  // what tests reach the private members through
@@ -42,6 +43,27 @@ class QVNETCALL_API CRvoDatabase {
   // In local mode (CRvoServer::UseLocalDB): 0, or 1 when the query failed or no such database is
   // open.
   static int SelectSQL(const CString* sql, CRvoDbRes* res, const char* database, int use_cache);
+
+  // Runs a procedure call, or a query, on the server's database of that name. Arguments and results
+  // as SelectSQL has them; the server's settings are loaded first only when it is a web server.
+  static int ExecuteSP(const CString* sql, CRvoDbRes* result, const char* database, int use_cache);
+
+  // Runs one statement that gives no rows. Returns one of
+  // - 0: done;
+  // - 1: the text is empty, or the client is offline, or the server refused the statement;
+  // - any other value is the transport's; -2 leaves open whether the statement was run.
+  //
+  // In local mode: 0, or 1 when the statement failed or no such database is open.
+  static int ExecuteSQL(const CString* sql, const char* database);
+
+  // Runs statements in their order, all of them or none, in one exchange over the socket transport.
+  // Returns one of
+  // - 0: done;
+  // - 100 + n: the server refused the batch; n is its number for the statement that failed;
+  // - 2: the server refused the batch, and did not say which statement failed;
+  // - -1: nothing was delivered; also always in local mode, which knows no batches;
+  // - any other value is the transport's; -2 leaves open whether the batch was run.
+  static int ExecuteMultiSQL(const CStringArray* sqls, const char* database);
 
   // Reads a recordset file into `res`: the rowset dialect, and the schema dialect of web servers.
   // Files of binary cells are named by `temp_files` and stay. 1, or 0 when the file cannot be read;

@@ -62,6 +62,27 @@ inline std::string Gzip(const std::string& bytes) {
   return BytesOf(path);
 }
 
+class FakeLocalDatabase : public LocalDatabase {
+ public:
+  int Open(const char* database, const char* connection) override {
+    log += std::string("open ") + database + " " + connection + ";";
+    return 1;
+  }
+  int Close(const char* database) override {
+    log += std::string("close ") + database + ";";
+    return 1;
+  }
+  int Select(const CString& sql, CRvoDbRes&, const char* database) override {
+    log += std::string("select ") + database + " " + static_cast<const char*>(sql) + ";";
+    return 0;
+  }
+  int Execute(const CString& sql, const char* database) override {
+    log += std::string("execute ") + database + " " + static_cast<const char*>(sql) + ";";
+    return 0;
+  }
+  std::string log;
+};
+
 struct Settings {
   std::string cache = "0";
   std::string compress = "0";

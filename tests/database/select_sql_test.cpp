@@ -196,23 +196,6 @@ TEST_F(SelectSql, SendsTextsThatSpillOrCannotBeSent) {
   EXPECT_THAT(transport_.requests.back().fields, ElementsAre("DESIGNDB"));
 }
 
-class FakeLocalDatabase : public LocalDatabase {
- public:
-  int Open(const char* database, const char* connection) override {
-    log += std::string("open ") + database + " " + connection + ";";
-    return 1;
-  }
-  int Close(const char* database) override {
-    log += std::string("close ") + database + ";";
-    return 1;
-  }
-  int Select(const CString& sql, CRvoDbRes&, const char* database) override {
-    log += std::string("select ") + database + " " + static_cast<const char*>(sql) + ";";
-    return 0;
-  }
-  std::string log;
-};
-
 TEST_F(SelectSql, WorksOnALocalDatabaseWhenToldTo) {
   CRvoServer::UseLocalDB(1);
   EXPECT_EQ(Select(), "result 1");  // no direct access

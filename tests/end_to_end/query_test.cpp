@@ -105,6 +105,37 @@ TEST_F(EndToEnd, TellsWhatTheServerRefuses) {
   EXPECT_EQ(Rows("select count(*) as n from parts"), "3000|\n");
 }
 
+TEST_F(EndToEnd, WritesAndCallsProcedures) {
+  const auto server = Serve(1000, false);
+  const auto execute = [](const char* text) {
+    const CString sql(text);
+    return CRvoDatabase::ExecuteSQL(&sql, "DESIGNDB");
+  };
+  const auto batch = [](const std::vector<const char*>& texts) {
+    CStringArray sqls;
+    for (const char* const text : texts) sqls.Add(text);
+    return CRvoDatabase::ExecuteMultiSQL(&sqls, "DESIGNDB");
+  };
+  const char* const names = "select name from projects where id < 3 order by id";
+  EXPECT_EQ(execute("update projects set name = 'one' where id = 1"), 0);
+  EXPECT_EQ(execute("update nothing set x = 1"), 1);
+  EXPECT_EQ(batch({"update projects set name = 'two' where id = 2", "nonsense"}), 102);
+  EXPECT_TRUE(Rows(names).starts_with("one|\n"));
+  EXPECT_EQ(Rows(names).find("two"), std::string::npos);  // all or nothing
+  EXPECT_EQ(batch({"update projects set name = 'two' where id = 2"}), 0);
+  EXPECT_EQ(Rows(names), "one|\ntwo|\n");
+  // More than a request holds: the server hears of one field too few, and runs none of them.
+  const std::string comment = "/*" + std::string(700000, 'x') + "*/";
+  const std::string large = "update projects set name = 'large' where id = 1 " + comment;
+  EXPECT_GT(batch({large.c_str(), large.c_str(), "delete from projects"}), 0);
+  EXPECT_EQ(Rows(names), "one|\ntwo|\n");
+
+  CRvoDbRes parts;
+  const CString call("call parts_heavier_than(2000, 3)");
+  EXPECT_EQ(CRvoDatabase::ExecuteSP(&call, &parts, "DESIGNDB", 0), 0);
+  EXPECT_EQ(parts.GetRecordCount(), 3);
+}
+
 TEST_F(EndToEnd, GoesOfflineAndComesBack) {
   const char* const query = "select id, name from projects order by id";
   auto server = Serve(1000, false);

@@ -1,0 +1,55 @@
+#include "RunQuery.h"
+
+#include <optional>
+#include <string>
+
+#include "QueryAnswer.h"
+#include "QueryExchange.h"
+#include "qvnetcall/RvoDatabase.h"
+#include "server/ModuleState.h"
+
+namespace qv {
+
+namespace {
+
+QueryCache& Cache() { return ModuleState::Get().cache; }
+
+// Asks the server; the answer lands in `file`. 0, or the result to return.
+int AskServer(const Query& query, AnswerFile& file) {
+  QueryExchange exchange(query.command, query.database, query.sql);
+  file = AnswerFile::New();
+  exchange.Reply().SetFileName(file.Path().c_str(), 0);
+  const int result = exchange.SendBy(query.web, CRvoDatabase::m_ServerIsCompress);
+  if (result != 0) return result;
+  return ReceiveAnswer(exchange.Reply(), Accept::kPlainOrCompressed, file);
+}
+
+void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
+  if (keep == Keep::kAsItCame && !file.CompressedPath().empty()) {
+    Cache().Store(key, file.CompressedPath(), kCacheGzip);
+  } else {
+    Cache().Store(key, file.Path(), kCachePlain);
+  }
+}
+
+}  // namespace
+
+int RunQuery(const Query& query, CRvoDbRes& result) {
+  const std::string key = CacheKey(query.database, query.sql);
+  AnswerFile file;
+  if (query.from_cache) {
+    const auto cached =
+        Cache().Find(key, static_cast<const char*>(CRvoDatabase::GetTempFilePath()));
+    if (!cached) return kQueryFailed;
+    file = AnswerFile(*cached);
+  } else if (const int failed = AskServer(query, file); failed != 0) {
+    return failed;
+  }
+  const DeleteAtExit deletion{file};
+  if (!file.ReadInto(result, query.web)) return kQueryFailed;
+  const bool may_keep = CRvoDatabase::GetServerIsSetCatche() != 0 && query.may_keep;
+  if (may_keep && Cache().State() == kOnline) KeepAnswer(key, file, query.keep);
+  return kQueryDone;
+}
+
+}  // namespace qv

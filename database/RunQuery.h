@@ -1,0 +1,36 @@
+// What SelectSQL and ExecuteSP have in common: from a text to a filled result set.
+#pragma once
+
+#include <cstdint>
+
+#include "qvnetcall/framework/String.h"
+
+class CRvoDbRes;
+
+namespace qv {
+
+// Which file of a compressed answer the query cache keeps.
+enum class Keep {
+  kAsItCame,  // the gzip file
+  kUnpacked,
+};
+
+struct Query {
+  std::uint32_t command;
+  const CString& sql;
+  const char* database;
+  // Whether the server is a web server.
+  bool web;
+  // Whether the answer comes from the query cache, because the client is offline and the caller
+  // allows it.
+  bool from_cache;
+  // Whether the caller lets the answer be kept; the server and the state of the cache have their
+  // say as well.
+  bool may_keep;
+  Keep keep;
+};
+
+// Gets the answer and reads it into `result`. One of QueryResult, or the transport's own result.
+[[nodiscard]] int RunQuery(const Query& query, CRvoDbRes& result);
+
+}  // namespace qv

@@ -1,0 +1,180 @@
+#include "DatabaseFixture.h"
+
+namespace qv::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Statements : public DatabaseFixture {
+ protected:
+  static int Execute(const char* text) {
+    const CString sql(text);
+    return CRvoDatabase::ExecuteSQL(&sql, "DESIGNDB");
+  }
+  static int ExecuteBatch(const std::vector<const char*>& texts) {
+    CStringArray sqls;
+    for (const char* const text : texts) sqls.Add(text);
+    return CRvoDatabase::ExecuteMultiSQL(&sqls, "DESIGNDB");
+  }
+  // Gives the text of the first cell, or "result N".
+  static std::string Call(int use_cache = 0, const char* text = "call p") {
+    CRvoDbRes result;
+    const CString sql(text);
+    const int code = CRvoDatabase::ExecuteSP(&sql, &result, "DESIGNDB", use_cache);
+    if (code != 0) return "result " + std::to_string(code);
+    return static_cast<const char*>(result._str(0, 0));
+  }
+  void UseWebServer() {
+    UseServerType("web_iis");
+    CRvoServer::SetConinfo("web", 80);
+  }
+  void GoOffline() {
+    CRvoDatabase::m_bServerSetCache = 1;
+    CRvoServer::SetCacheState(1);
+  }
+};
+
+TEST_F(Statements, OneStatementReturnsTheAgreedCodes) {
+  const struct {
+    ScriptedReply reply;
+    int transport;
+    int result;
+  } cases[] = {{ScriptedReply().Text("SUCCESS"), 0, 0},   {ScriptedReply().Text("success"), 0, 1},
+               {ScriptedReply().Text("FAILURE"), 0, 1},   {ScriptedReply(), 0, 1},
+               {ScriptedReply().Text("SUCCESS"), -2, -2}, {ScriptedReply().Text("SUCCESS"), 7, 7}};
+  for (const auto& c : cases) {
+    answer_ = c.reply;
+    answer_result_ = c.transport;
+    EXPECT_EQ(Execute("delete from t"), c.result);
+  }
+  const SentRequest& request = transport_.requests.back();
+  EXPECT_EQ(request.command, 300u);
+  EXPECT_THAT(request.fields, ElementsAre("DESIGNDB", "delete from t"));
+  EXPECT_EQ(request.message_flag, 0);
+  EXPECT_FALSE(request.web);
+  EXPECT_EQ(transport_.requests.size(), std::size(cases));  // nothing twice, and no settings
+
+  EXPECT_EQ(Execute(""), 1);
+  GoOffline();
+  EXPECT_EQ(Execute("delete from t"), 1);
+  EXPECT_EQ(transport_.requests.size(), std::size(cases));
+
+  UseWebServer();  // knows no offline work
+  CRvoDatabase::m_ServerIsCompress = 1;
+  answer_ = ScriptedReply().Text("SUCCESS");
+  answer_result_ = 0;
+  EXPECT_EQ(Execute("delete from t"), 0);
+  EXPECT_TRUE(transport_.requests.back().web);
+  EXPECT_EQ(transport_.requests.back().compress, 0);
+}
+
+TEST_F(Statements, ABatchReturnsTheAgreedCodes) {
+  const struct {
+    ScriptedReply reply;
+    int transport;
+    int result;
+  } cases[] = {{ScriptedReply().Text("SUCCESS"), 0, 0},
+               {ScriptedReply().Text("FAILURE").Number(9).Number(3), 0, 103},
+               {ScriptedReply().Text("FAILURE").Number(9).Number(-101), 0, -1},
+               {ScriptedReply().Text("FAILURE").Number(9).Number(0x7FFFFFFF), 0, -0x7FFFFFFF + 98},
+               {ScriptedReply().Text("FAILURE").Number(9), 0, 2},
+               {ScriptedReply(), 0, 2},
+               {ScriptedReply().Text("SUCCESS"), -2, -2}};
+  for (const auto& c : cases) {
+    answer_ = c.reply;
+    answer_result_ = c.transport;
+    EXPECT_EQ(ExecuteBatch({"one", "two"}), c.result);
+  }
+  const SentRequest& request = transport_.requests.back();
+  EXPECT_EQ(request.command, 310u);
+  EXPECT_THAT(request.fields, ElementsAre("DESIGNDB", std::string("\x02\0\0\0", 4), "one", "two"));
+  EXPECT_EQ(request.message_flag, 0);
+  EXPECT_EQ(request.request_block, 0x100000u);
+}
+
+TEST_F(Statements, ABatchAsksForNothingBeforeItIsSent) {
+  answer_ = ScriptedReply().Text("SUCCESS");
+  UseServerType("");  // asking for the type would be a probe
+  CRvoServer::SetConinfo("other", 1);
+  CRvoDatabase::m_bServerSetCache = 1;
+  state_.cache.SetState(1);
+  EXPECT_EQ(ExecuteBatch({}), 0);
+  EXPECT_EQ(ExecuteBatch({"", "two", "three"}), 0);
+  // The empty statement stops the chain, and what could not be added is missing.
+  EXPECT_THAT(transport_.requests.back().fields,
+              ElementsAre("DESIGNDB", std::string("\x03\0\0\0", 4)));
+  EXPECT_EQ(transport_.requests.size(), 2u);
+  UseWebServer();
+  EXPECT_EQ(ExecuteBatch({"one"}), 0);
+  EXPECT_FALSE(transport_.requests.back().web);
+}
+
+TEST_F(Statements, AProcedureFillsAResultSet) {
+  const std::string gzip = Gzip(Rowset({{"A", "packed"}}));
+  const struct {
+    ScriptedReply reply;
+    int transport;
+    const char* result;
+  } cases[] = {{Memory(Rowset({{"A", "plain"}})), 0, "plain"},
+               {Memory(gzip, "SUCCESS_COMPRESS"), 0, "packed"},
+               {Memory("no gzip", "SUCCESS_COMPRESS"), 0, "result 10"},
+               {Memory("no recordset"), 0, "result 1"},
+               {ScriptedReply().Text("FAILURE").Number(1), 0, "result 3"},
+               {ScriptedReply(), 0, "result 3"},
+               {ScriptedReply().Text("SUCCESS").Number(1), 0, "result 2"},
+               {Memory(Rowset({{"A", "plain"}})), 5, "result 5"}};
+  for (const auto& c : cases) {
+    answer_ = c.reply;
+    answer_result_ = c.transport;
+    EXPECT_EQ(Call(), c.result);
+    EXPECT_THAT(TempFiles(), IsEmpty());
+  }
+  EXPECT_EQ(Call(0, ""), "result 1");
+  EXPECT_EQ(transport_.requests.back().command, 900u);
+  EXPECT_EQ(transport_.requests.size(), std::size(cases));  // no settings over the socket
+}
+
+TEST_F(Statements, AProcedureOnAWebServerLoadsTheSettingsFirst) {
+  UseWebServer();
+  settings_answer_ = Memory(DataSet("CI_ServerCompress", "1"));
+  answer_ = Memory(DataSet("A", "from the web"));
+  EXPECT_EQ(Call(0, ""), "result 1");
+  EXPECT_EQ(transport_.requests.size(), 1u);
+  EXPECT_EQ(Call(), "from the web");
+  EXPECT_EQ(transport_.requests.back().command, 900u);
+  EXPECT_EQ(transport_.requests.back().compress, 1);
+}
+
+TEST_F(Statements, AProceduresAnswerIsKeptUnpacked) {
+  OpenCache();
+  CRvoDatabase::m_bServerSetCache = 1;
+  answer_ = Memory(Gzip(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
+  EXPECT_EQ(Call(1), "packed");
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "cache")) {
+    EXPECT_FALSE(BytesOf(entry.path().string()).starts_with("\x1f\x8b"));
+  }
+  GoOffline();
+  const std::size_t sent = transport_.requests.size();
+  EXPECT_EQ(Call(1), "packed");
+  EXPECT_EQ(Call(1, "call other"), "result 1");
+  EXPECT_EQ(transport_.requests.size(), sent);
+  EXPECT_EQ(Call(0), "packed");
+  EXPECT_EQ(transport_.requests.size(), sent + 1);
+}
+
+TEST_F(Statements, RunOnALocalDatabaseWhenToldTo) {
+  CRvoServer::UseLocalDB(1);
+  EXPECT_EQ(Execute("x"), 1);  // no direct access
+  EXPECT_EQ(Call(), "result 1");
+  FakeLocalDatabase local;
+  state_.local_database = &local;
+  EXPECT_EQ(Execute(""), 0);  // the local database decides about empty texts
+  EXPECT_EQ(Call(0, ""), "");
+  EXPECT_EQ(ExecuteBatch({"x"}), -1);
+  EXPECT_EQ(local.log, "execute DESIGNDB ;select DESIGNDB ;");
+  EXPECT_TRUE(transport_.requests.empty());
+}
+
+}  // namespace
+}  // namespace qv::test
