@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ctime>
 #include <limits>
 
 namespace {
@@ -83,16 +84,9 @@ TEST(OleDateTime, RefusesWhatIsNoDate) {
 
 TEST(OleDateTime, TakesATimeAsLocalTime) {
   for (std::time_t time : {std::time_t{0}, std::time_t{86400}, std::time_t{1700000000}}) {
-    const COleDateTime date(time);
-    std::tm tm{};
-    tm.tm_year = date.GetYear() - 1900;
-    tm.tm_mon = date.GetMonth() - 1;
-    tm.tm_mday = date.GetDay();
-    tm.tm_hour = date.GetHour();
-    tm.tm_min = date.GetMinute();
-    tm.tm_sec = date.GetSecond();
-    tm.tm_isdst = -1;
-    EXPECT_EQ(std::mktime(&tm), time);
+    char local[20];
+    std::strftime(local, sizeof local, kWhole, std::localtime(&time));
+    EXPECT_EQ(COleDateTime(time).Format(kWhole), local);
   }
   EXPECT_EQ(COleDateTime::GetCurrentTime().GetStatus(), COleDateTime::valid);
 }
