@@ -106,18 +106,11 @@ TEST_F(QueryCacheTest, KeepsTheNewestAnswerOfEachKey) {
 }
 
 TEST_F(QueryCacheTest, TakesKeysOfAnyBytes) {
-  const std::string keys[] = {"",
-                              std::string("a\0b", 3),
-                              std::string("a\0c", 3),
-                              "a",
-                              "A",
-                              "\xFF\xFE",
-                              "\xFF\xFD",
-                              "\xC0\xEE' --",
-                              "1",
-                              "1.0",
-                              std::string(3'000'000, 'x'),
-                              std::string(3'000'000, 'x') + "y"};
+  const std::string long_key(3'000'000, 'x');
+  const std::string with_nuls[] = {std::string("a\0b", 3), std::string("a\0c", 3)};
+  const std::string keys[] = {"",  with_nuls[0], with_nuls[1], "a",
+                              "A", "\xFF\xFE",   "\xFF\xFD",   "\xC0\xEE' --",
+                              "1", "1.0",        long_key,     long_key + "y"};
   int text = 0;
   for (const std::string& key : keys) EXPECT_TRUE(Store(key, std::to_string(text++)));
   text = 0;
