@@ -214,18 +214,11 @@ TEST(RvoDbRes, RemovesColumns) {
 }
 
 TEST(CellText, MeasuresWithoutFormatting) {
-  std::vector<double> values = {0.0,
-                                -0.0,
-                                1e-320,
-                                -1e-9,
-                                1e15,
-                                1e16,
-                                1e22,
-                                1e300,
-                                1.7976931348623157e308,
-                                std::numeric_limits<double>::infinity(),
-                                -std::numeric_limits<double>::infinity(),
-                                std::nan(""),
+  const double infinity = std::numeric_limits<double>::infinity();
+  std::vector<double> values = {0.0,          -0.0,      1e-320,
+                                -1e-9,        1e15,      1e16,
+                                1e22,         1e300,     1.7976931348623157e308,
+                                infinity,     -infinity, std::nan(""),
                                 -std::nan("")};
   // Around every power of ten, and around what rounds up to it.
   for (double power = 1; power < 1e17; power *= 10) {
@@ -249,42 +242,21 @@ TEST(CellText, MeasuresWithoutFormatting) {
 }
 
 TEST(CellValue, ReadsNumbersAsTheCLibraryDoes) {
-  for (const char* const text :
-       {"",
-        " ",
-        "1",
-        "+1",
-        "-1.5",
-        "\t\n 2.25x",
-        "1e",
-        "1e+",
-        "1e5",
-        ".5",
-        "5.",
-        ".",
-        "-.",
-        "+-1",
-        "- 1",
-        "inf",
-        "-Infinity",
-        "nan",
-        "0x1A",
-        "-0x1.8p3",
-        "0x",
-        "0x-5",
-        "0xg",
-        "1e400",
-        "-1e400",
-        "1e-400",
-        "4.9e-324",
-        "2.4703282292062328e-324",
-        "0x1p5000",
-        "0x1p-5000",
-        "1,5",
-        "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017"
-        "977587207096330286416692887910946555547851940402630657488671505820681908902000708383676273"
-        "854845817711531764475730270069855571366959622842914819860834936475292719074168444365510704"
-        "342711559699508093042880"}) {
+  // Halfway between the largest double and what would follow it.
+  const std::string halfway =
+      "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017"
+      "977587207096330286416692887910946555547851940402630657488671505820681908902000708383676273"
+      "854845817711531764475730270069855571366959622842914819860834936475292719074168444365510704"
+      "342711559699508093042880";
+  const char* const texts[] = {"",          " ",          "1",        "+1",
+                               "-1.5",      "\t\n 2.25x", "1e",       "1e+",
+                               "1e5",       ".5",         "5.",       ".",
+                               "-.",        "+-1",        "- 1",      "inf",
+                               "-Infinity", "nan",        "0x1A",     "-0x1.8p3",
+                               "0x",        "0x-5",       "0xg",      "1e400",
+                               "-1e400",    "1e-400",     "4.9e-324", "2.4703282292062328e-324",
+                               "0x1p5000",  "0x1p-5000",  "1,5",      halfway.c_str()};
+  for (const char* const text : texts) {
     const double expected = std::strtod(text, nullptr);
     const double value = ParseDouble(text);
     EXPECT_TRUE(value == expected || (std::isnan(value) && std::isnan(expected)))
