@@ -35,6 +35,10 @@ int main(int argc, char** argv) {
   // A reader that went away shall be a failed write, so that the tool ends in order.
   std::signal(SIGPIPE, SIG_IGN);
 #endif
+#ifdef SIGXFSZ
+  // And so shall a limit on the size of files.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
   std::ios::sync_with_stdio(false);
   try {
     return AfterFlush(Run(argc, argv));

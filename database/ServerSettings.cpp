@@ -10,6 +10,7 @@
 #include "platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/transport/QvNetClient4.h"
+#include "resultset/ResultTable.h"
 #include "server/ModuleState.h"
 #include "server/ServerType.h"
 
@@ -32,6 +33,17 @@ int AskServer(bool web, qv::AnswerFile& file) {
   exchange.Reply().SetFileName(file.Path().c_str(), 0);
   if (const int result = exchange.SendBy(web, /*compress=*/0); result != 0) return result;
   return qv::ReceiveAnswer(exchange.Reply(), qv::Accept::kPlain, file);
+}
+
+// Nobody will hear of the files that a row of settings has no business to bring.
+void DropBinaryCells(CRvoDbRes& rows) {
+  for (const qv::Column& column : qv::ResultTable::Of(rows).columns) {
+    if (column.type != qv::kTypeLongVarBinary) continue;
+    for (std::size_t row = 0; row < column.Rows(); ++row) {
+      const std::string path = column.Text(row);
+      if (!path.empty()) qv::platform::RemoveFile(path);
+    }
+  }
 }
 
 // Takes the settings from the first row. An empty value says nothing.
@@ -88,7 +100,9 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
     return result;
   }
   const qv::DeleteAtExit deletion{file};
-  if (!file.ReadInto(row, web)) return qv::kQueryFailed;
+  const bool is_read = file.ReadInto(row, web);
+  DropBinaryCells(row);
+  if (!is_read) return qv::kQueryFailed;
   // Kept whether or not the server allows caching: offline, this is how the client knows that it
   // does.
   if (state.cache.State() == qv::kOnline) state.cache.Store(key, file.Path(), qv::kCachePlain);

@@ -16,7 +16,7 @@ namespace {
 // What the cells of a file may take: enough for results with hundreds of empty columns, and never a
 // multiple of the file that grows with it.
 constexpr std::size_t kLeastBudget = std::size_t{64} << 20;
-constexpr std::size_t kBudgetPerByte = 128;
+constexpr std::size_t kBudgetPerByte = 32;
 
 // The memory of one cell, its text apart.
 std::size_t CellBytes(const Column& column) {

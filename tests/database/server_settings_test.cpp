@@ -77,6 +77,10 @@ TEST_F(ServerSettingsLoad, ReturnsTheAgreedCodesAndClearsAllButCaching) {
       {"compressed, which nobody asked for", Memory(Gzip(row), "SUCCESS_COMPRESS"), 0, 3},
       {"no fields", ScriptedReply().Text("SUCCESS"), 0, 2},
       {"no recordset", Memory("x"), 0, 1},
+      {"a binary column, whose file nobody would hear of",
+       Memory("<s:ElementType><s:AttributeType name='B' dt:type='bin.hex'></s:AttributeType>"
+              "</s:ElementType><rs:data><z:row B='00ff'/>"),
+       0, 0},
       {"no row",
        Memory("<s:ElementType><s:AttributeType name='CI_ServerSetCache'>"
               "</s:AttributeType></s:ElementType><rs:data>"),
