@@ -92,9 +92,11 @@ std::string NewCopyPath(const std::string& folder) {
 }  // namespace
 
 std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
-  // The host may change its working directory later.
+  // The host may change its working directory later, and the index is opened through no link.
   std::error_code error;
-  const std::string whole = (fs::absolute(path, error) / "").string();
+  const fs::path absolute = fs::absolute(path, error);
+  if (error) return nullptr;
+  const std::string whole = (fs::weakly_canonical(absolute, error) / "").string();
   if (error || whole.size() + kNameLength >= kPathLimit) return nullptr;
   if (!platform::CreatePrivateFolder(whole)) return nullptr;
   std::unique_ptr<CacheIndex> index = CacheIndex::Open(whole + kIndexName);

@@ -1,8 +1,10 @@
 #include "CacheIndex.h"
 
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <mutex>
+#include <string_view>
 #include <utility>
 
 #include "platform/Platform.h"
@@ -11,7 +13,8 @@ namespace qv {
 
 namespace {
 
-constexpr int kBusyTimeoutMs = 2000;
+// A call may have to wait several times.
+constexpr int kBusyTimeoutMs = 500;
 // No key or row is longer, so that a planted one cannot take the memory of the host.
 constexpr int kMaxLength = 64 * 1024 * 1024;
 constexpr std::size_t kMaxFileName = 255;
@@ -19,15 +22,52 @@ constexpr std::size_t kMaxFileName = 255;
 // A file's new name must be on the disk before the entry that tells of it, and that entry before
 // the old file goes. With a rollback journal the first holds, because the folder is flushed with
 // the journal at every commit; "extra" flushes it once more when the journal is gone.
-constexpr const char kTable[] =
-    "CREATE TABLE IF NOT EXISTS qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY, "
-    "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL) WITHOUT ROWID";
 constexpr const char* kSetUp[] = {
     "PRAGMA cell_size_check = ON",
-    "PRAGMA journal_mode = DELETE",
     "PRAGMA synchronous = EXTRA",
-    kTable,
 };
+constexpr const char kTable[] =
+    "qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY, "
+    "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL) WITHOUT ROWID";
+
+constexpr const char kJournal[] = "-journal";
+// The result for a database that is not the index; no code that SQLite would give here.
+constexpr int kForeign = SQLITE_MISMATCH;
+
+bool IsAbsent(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type() ==
+         std::filesystem::file_type::not_found;
+}
+
+bool IsFile(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type() == std::filesystem::file_type::regular;
+}
+
+// Opening a pipe would wait for ever, and a link leads out of the folder. The files of a
+// write-ahead log are never the index's, and reading a database with them changes it.
+bool MayOpen(const std::string& path) {
+  for (const std::string& file : {path, path + kJournal}) {
+    if (!IsFile(file) && !IsAbsent(file)) return false;
+  }
+  return IsAbsent(path + "-wal") && IsAbsent(path + "-shm");
+}
+
+// Whether the file says so of itself. Asked by way of the open database, since closing another
+// handle would drop its locks; and before its first read, which would begin such a log.
+bool HasWriteAheadLog(sqlite3* database) {
+  constexpr std::string_view kMagic("SQLite format 3", 16);
+  constexpr std::size_t kWriteVersion = 18;
+  constexpr std::size_t kReadVersion = 19;
+  std::array<char, kReadVersion + 1> head{};
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  if (file == nullptr || file->pMethods == nullptr) return false;
+  const int read = file->pMethods->xRead(file, head.data(), static_cast<int>(head.size()), 0);
+  return read == SQLITE_OK && std::string_view(head.data(), kMagic.size()) == kMagic &&
+         (head[kWriteVersion] == 2 || head[kReadVersion] == 2);
+}
 
 // The rights of the file pass to the journal that is made beside it.
 void CreatePrivately(const std::string& path) {
@@ -37,8 +77,7 @@ void CreatePrivately(const std::string& path) {
 
 bool MoveAside(const std::string& path) {
   if (!platform::ReplaceFile(path, path + ".broken")) return false;
-  for (const char* const companion : {"-journal", "-wal", "-shm"})
-    platform::RemoveFile(path + companion);
+  platform::RemoveFile(path + kJournal);
   return true;
 }
 
@@ -59,6 +98,7 @@ std::unique_ptr<CacheIndex> CacheIndex::Open(const std::string& path) {
   static std::mutex opening;
   const std::lock_guard lock(opening);
   for (const bool first : {true, false}) {
+    if (!MayOpen(path)) return nullptr;
     CreatePrivately(path);
     std::unique_ptr<CacheIndex> index(new CacheIndex);
     const int result = index->Connect(path);
@@ -73,7 +113,8 @@ std::unique_ptr<CacheIndex> CacheIndex::Open(const std::string& path) {
 int CacheIndex::Connect(const std::string& path) {
   // SQLite takes names in UTF-8 on every system.
   const std::u8string name = std::filesystem::path(path).u8string();
-  constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  constexpr int kFlags =
+      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
   sqlite3* opened = nullptr;
   const int result =
       sqlite3_open_v2(reinterpret_cast<const char*>(name.c_str()), &opened, kFlags, nullptr);
@@ -81,13 +122,42 @@ int CacheIndex::Connect(const std::string& path) {
   if (result != SQLITE_OK) return result;
   Restrict(opened);
   sqlite3_busy_timeout(opened, kBusyTimeoutMs);
+  if (HasWriteAheadLog(opened)) return kForeign;
   for (const char* const sql : kSetUp) {
-    Statement statement;
-    if (const int prepared = statement.Prepare(opened, sql); prepared != SQLITE_OK) return prepared;
-    if (const int done = statement.Execute(); done != SQLITE_DONE) return done;
+    if (const int done = Execute(sql); done != SQLITE_DONE) return done;
   }
+  int table = Recognise();
+  if (table == SQLITE_DONE) {
+    // Another program may have come first since.
+    table = Execute((std::string("CREATE TABLE IF NOT EXISTS ") + kTable).c_str());
+    if (table == SQLITE_DONE) table = SQLITE_ROW;
+  }
+  if (table != SQLITE_ROW) return table;
   const int checked = Check();
   return checked == SQLITE_OK ? PrepareAll() : checked;
+}
+
+int CacheIndex::Execute(const char* sql) {
+  Statement statement;
+  const int prepared = statement.Prepare(database_.get(), sql);
+  return prepared == SQLITE_OK ? statement.Execute() : prepared;
+}
+
+// A table that differs, or anything beside it, belongs to somebody else, or was put there to run
+// when the table is used.
+int CacheIndex::Recognise() {
+  Statement schema;
+  const int prepared = schema.Prepare(database_.get(), "SELECT sql FROM sqlite_master");
+  if (prepared != SQLITE_OK) return prepared;
+  StatementRun run(schema);
+  const int first = run.Step();
+  if (first != SQLITE_ROW) return first;
+  // The database keeps the statement in these words, whichever way it was given.
+  const std::string own = std::string("CREATE TABLE ") + kTable;
+  if (run.Text(0, own.size()) != own) return kForeign;
+  const int second = run.Step();
+  if (second == SQLITE_ROW) return kForeign;
+  return second == SQLITE_DONE ? SQLITE_ROW : second;
 }
 
 // Damage further inside would otherwise show only later, when nobody begins the index anew.
@@ -97,6 +167,8 @@ int CacheIndex::Check() {
   if (prepared != SQLITE_OK) return prepared;
   StatementRun run(check);
   const int result = run.Step();
+  // What was not found in that time is no reason to go without the index.
+  if (result == SQLITE_INTERRUPT) return SQLITE_OK;
   if (result != SQLITE_ROW) return result;
   return run.Text(0, kMaxFileName) == "ok" ? SQLITE_OK : SQLITE_CORRUPT;
 }

@@ -24,7 +24,8 @@ class CacheIndex {
 
   // Opens or creates the database at `path`. One that is damaged, or no database at all, is moved
   // aside (to the path with ".broken" at its end) and begun anew. Null when there is none to be
-  // had, or when it is a database whose table is not the index's.
+  // had. Null as well, and nothing changed, when it is a database that holds anything but the
+  // index's own table, or is no plain file.
   [[nodiscard]] static std::unique_ptr<CacheIndex> Open(const std::string& path);
 
   // All changes between Begin() and Commit() happen together or not at all; no other program
@@ -59,6 +60,9 @@ class CacheIndex {
   CacheIndex() = default;
   // SQLite result codes.
   [[nodiscard]] int Connect(const std::string& path);
+  [[nodiscard]] int Execute(const char* sql);
+  // SQLITE_ROW for the index, SQLITE_DONE for an empty database.
+  [[nodiscard]] int Recognise();
   [[nodiscard]] int Check();
   [[nodiscard]] int PrepareAll();
 

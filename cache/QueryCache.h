@@ -22,8 +22,9 @@ enum CacheFlag { kCacheGzip = 0, kCachePlain = 1 };
 //
 // Every call may come from several threads at once, and several programs may share a folder. A
 // program that dies, or a machine that stops, at any moment leaves the earlier answer or the new
-// one. An index that another thread or program keeps busy is waited for, two seconds at most;
-// then the answer is not found or not kept. Nothing throws but a lack of memory.
+// one. An index that another program keeps busy is waited for, half a second at most each time,
+// and thrice at most in one call; then the answer is not found or not kept. Threads wait for each
+// other's calls. Nothing throws but a lack of memory.
 class QueryCache {
  public:
   QueryCache();
@@ -34,7 +35,8 @@ class QueryCache {
   // Uses the cache in `folder`, which is created if need be, instead of the one before; an empty
   // text switches the cache off, as it is at first. False when the folder cannot be had; the cache
   // is off then. An index file that is damaged or no database is moved aside, and the cache begins
-  // empty; one that is another program's database is left alone, and false returned.
+  // empty; one that is another program's database, a link or no plain file is left alone, and
+  // false returned.
   bool SetPath(const std::string& folder);
 
   // Makes a private, plain copy of the answer kept under `key` in `target_folder`, for the caller

@@ -3,6 +3,8 @@
 namespace qv {
 
 int Statement::Prepare(sqlite3* database, const char* sql) {
+  // The first statement reads what tables there are.
+  const Deadline deadline(database);
   sqlite3_stmt* compiled = nullptr;
   const int result =
       sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &compiled, nullptr);

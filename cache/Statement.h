@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "Deadline.h"
+
 namespace qv {
 
 // Kept for as long as its database is open, and run many times; one run at a time.
@@ -25,10 +27,12 @@ class Statement {
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };
 
-// One run of a statement, which lets go of its locks and of what was bound at its end.
+// One run of a statement, the only one of its database at that time, which lets go of its locks
+// and of what was bound at its end.
 class StatementRun {
  public:
-  explicit StatementRun(const Statement& statement) : handle_(statement.handle_.get()) {}
+  explicit StatementRun(const Statement& statement)
+      : handle_(statement.handle_.get()), deadline_(sqlite3_db_handle(handle_)) {}
   ~StatementRun();
   StatementRun(const StatementRun&) = delete;
   StatementRun& operator=(const StatementRun&) = delete;
@@ -48,7 +52,8 @@ class StatementRun {
  private:
   void Remember(int result);
 
-  sqlite3_stmt* handle_;
+  sqlite3_stmt* const handle_;
+  const Deadline deadline_;
   int error_ = SQLITE_OK;
 };
 
