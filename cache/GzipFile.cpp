@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kPathLimit = 1024;
 constexpr std::size_t kChunk = 16384;
 
-GunzipResult Unpack(gzFile source, std::FILE* target) {
+GunzipResult Unpack(gzFile source, std::FILE* target, std::uint64_t limit) {
   // What is not gzip would be handed through as it stands, an empty file as an empty one.
   if (gzdirect(source) != 0) return kGunzipUnreadable;
   std::array<char, kChunk> chunk;
@@ -23,13 +23,15 @@ GunzipResult Unpack(gzFile source, std::FILE* target) {
     if (got < 0) return kGunzipUnreadable;
     if (got == 0) return kGunzipDone;
     const auto length = static_cast<std::size_t>(got);
+    if (length > limit) return kGunzipUnreadable;
+    limit -= length;
     if (std::fwrite(chunk.data(), 1, length, target) != length) return kGunzipCutShort;
   }
 }
 
 }  // namespace
 
-int GunzipFile(const std::string& source, const std::string& target) {
+int GunzipFile(const std::string& source, const std::string& target, std::uint64_t limit) {
   if (source.size() >= kPathLimit) return kGunzipUnreadable;
   const gzFile packed = gzopen(source.c_str(), "rb");
   if (packed == nullptr) return kGunzipCutShort;
@@ -38,7 +40,7 @@ int GunzipFile(const std::string& source, const std::string& target) {
     gzclose(packed);
     return kGunzipNoTarget;
   }
-  const GunzipResult result = Unpack(packed, plain);
+  const GunzipResult result = Unpack(packed, plain, limit);
   // A source that ends early reads like one that ends; only closing it tells.
   const bool ended = gzclose(packed) == Z_OK;
   const bool kept = std::fclose(plain) == 0;

@@ -42,7 +42,7 @@ TEST_F(GzipFile, UnpacksWholeFilesOfOneOrMoreMembers) {
   EXPECT_EQ(BytesOf(target_), text);
   EXPECT_EQ(Unpack(Packed("one,") + Packed("") + Packed("two")), 0);
   EXPECT_EQ(BytesOf(target_), "one,two");
-  EXPECT_EQ(Unpack(Packed("")), 0);
+  EXPECT_EQ(Unpack(Packed("") + "more"), 0) << "which begins no member";
   EXPECT_EQ(BytesOf(target_), "");
 }
 
@@ -65,6 +65,8 @@ TEST_F(GzipFile, TellsWhichFileIsToBlame) {
   const std::string good = folder_.Write("source.gz", Packed("text"));
   EXPECT_EQ(GunzipFile(std::string(1024, 'x'), target_), -1);
   EXPECT_EQ(GunzipFile(std::string(1023, 'x'), target_), -2);
+  EXPECT_EQ(GunzipFile(good, target_, 4), 0);
+  EXPECT_EQ(GunzipFile(good, target_, 3), -1) << "longer than the limit";
   EXPECT_EQ(GunzipFile(target_ + ".missing", target_), -2);
   EXPECT_EQ(GunzipFile(good, (folder_.Path() / "missing" / "target").string()), -3);
 }
