@@ -36,18 +36,26 @@ void AddConnection(CLI::App& app, Connection& connection) {
       ->check(CLI::Range(1, std::numeric_limits<int>::max()));
 }
 
+void AddDatabase(CLI::App& command, std::string& database) {
+  command.add_option("--db", database, "Name of the database on the server")
+      ->check(NotEmpty())
+      ->required();
+}
+
+void AddStatement(CLI::App& command, std::string& sql) {
+  command.add_option("sql", sql, "The statement; - reads it from standard input")->required();
+}
+
 struct QueryCommand {
   CLI::App* command;
   CLI::Option* cache;
 };
 
-QueryCommand AddQuery(CLI::App& app, QueryOptions& query) {
-  CLI::App* command = app.add_subcommand("query", "Run a SELECT statement and print its rows");
-  command->add_option("sql", query.sql, "The statement; - reads it from standard input")
-      ->required();
-  command->add_option("--db", query.database, "Name of the database on the server")
-      ->check(NotEmpty())
-      ->required();
+QueryCommand AddQuery(CLI::App& app, const char* name, const char* description,
+                      QueryOptions& query) {
+  CLI::App* command = app.add_subcommand(name, description);
+  AddStatement(*command, query.sql);
+  AddDatabase(*command, query.database);
   command->add_option("--format", query.format, "table, csv or json")
       ->transform(CLI::CheckedTransformer(kFormats))
       ->option_text("table|csv|json [table]");
@@ -66,19 +74,50 @@ QueryCommand AddQuery(CLI::App& app, QueryOptions& query) {
   return {command, cache};
 }
 
+void TakeQuery(const QueryCommand& from, QueryOptions& options, CommandLine& command) {
+  if (!from.command->parsed()) return;
+  options.use_cache = options.offline || from.cache->count() != 0;
+  command.query = options;
+}
+
+CLI::App* AddExec(CLI::App& app, ExecOptions& exec) {
+  CLI::App* command = app.add_subcommand("exec", "Run a statement that gives no rows");
+  AddStatement(*command, exec.sql);
+  AddDatabase(*command, exec.database);
+  return command;
+}
+
+CLI::App* AddBatch(CLI::App& app, BatchOptions& batch) {
+  CLI::App* command =
+      app.add_subcommand("batch", "Run the statements of a file, all of them or none");
+  command->add_option("file", batch.file, "The file; - is standard input")->required();
+  AddDatabase(*command, batch.database);
+  command->footer(
+      "Statements end at each \";\" outside quotes, names in square brackets and comments.");
+  return command;
+}
+
 }  // namespace
 
 ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostream& out,
                                    std::ostream& err) {
   ParsedCommandLine parsed;
   QueryOptions query;
+  QueryOptions call{.call = Call::kProcedure};
+  ExecOptions exec;
+  BatchOptions batch;
   CLI::App app("Talks to a design-management server from the command line.", "qvcall");
   app.fallthrough()->require_subcommand(1);
   app.footer(
       "Exit status: 0 success, 1 a failed call, 2 wrong usage.\n"
       "Example: qvcall --port 4000 query \"SELECT * FROM projects\" --db DESIGNDB");
   AddConnection(app, parsed.command.connection);
-  const QueryCommand query_command = AddQuery(app, query);
+  const QueryCommand query_command =
+      AddQuery(app, "query", "Run a SELECT statement and print its rows", query);
+  const QueryCommand call_command =
+      AddQuery(app, "call", "Run a procedure call and print its rows", call);
+  const CLI::App* exec_command = AddExec(app, exec);
+  const CLI::App* batch_command = AddBatch(app, batch);
   app.add_subcommand("ping", "Ask whether the server answers");
   try {
     app.parse(argc, argv);
@@ -86,10 +125,10 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
     parsed.exit_status = app.exit(error, out, err) == 0 ? kDone : kUsage;
     return parsed;
   }
-  if (query_command.command->parsed()) {
-    query.use_cache = query.offline || query_command.cache->count() != 0;
-    parsed.command.query = query;
-  }
+  TakeQuery(query_command, query, parsed.command);
+  TakeQuery(call_command, call, parsed.command);
+  if (exec_command->parsed()) parsed.command.exec = exec;
+  if (batch_command->parsed()) parsed.command.batch = batch;
   return parsed;
 }
 

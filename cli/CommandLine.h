@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ResultWriter.h"
+#include "ReturnCodes.h"
 
 namespace qv {
 
@@ -22,17 +23,30 @@ struct Connection {
 };
 
 struct QueryOptions {
-  std::string sql;  // "-": standard input has it
-  std::string database;
+  Call call = Call::kQuery;  // or kProcedure
+  std::string sql{};         // "-": standard input has it
+  std::string database{};
   Format format = Format::kTable;
   bool use_cache = false;
-  std::string cache_folder;  // empty: the user's default folder
-  bool offline = false;      // only together with use_cache
+  std::string cache_folder{};  // empty: the user's default folder
+  bool offline = false;        // only together with use_cache
+};
+
+struct ExecOptions {
+  std::string sql;  // "-": standard input has it
+  std::string database;
+};
+
+struct BatchOptions {
+  std::string file;  // "-": standard input
+  std::string database;
 };
 
 struct CommandLine {
   Connection connection;
-  std::optional<QueryOptions> query{};  // none: ping
+  std::optional<QueryOptions> query{};  // at most one of these; none: ping
+  std::optional<ExecOptions> exec{};
+  std::optional<BatchOptions> batch{};
 };
 
 struct ParsedCommandLine {

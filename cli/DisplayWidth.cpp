@@ -114,4 +114,20 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
   return cells;
 }
 
+std::string VisibleStart(std::string_view text, std::size_t cells) {
+  constexpr std::string_view kCut = "...";
+  std::string whole;
+  if (AppendVisible(text, whole) <= cells) return whole;
+  std::string start;
+  for (std::size_t left = cells - kCut.size();;) {
+    const std::string_view next = text.substr(0, DecodeUtf8(text).bytes);
+    std::string shown;
+    const std::size_t taken = AppendVisible(next, shown);
+    if (taken > left) return start.append(kCut);
+    start += shown;
+    left -= taken;
+    text.remove_prefix(next.size());
+  }
+}
+
 }  // namespace qv

@@ -2,8 +2,6 @@
 
 #include <fmt/ostream.h>
 
-#include <string>
-
 #include "Session.h"
 #include "qvnetcall/RvoServer.h"
 
@@ -11,11 +9,7 @@ namespace qv {
 
 int RunPing(const Connection& connection, std::ostream& out, std::ostream& err) {
   const Session session(connection);
-  std::string error;
-  if (!session.Configure(error)) {
-    fmt::print(err, "qvcall: {}\n", error);
-    return kFailed;
-  }
+  if (!session.Configure(err)) return kFailed;
   if (session.Probe()) {
     fmt::print(out, "{}:{} answers\n", connection.server, connection.port);
     return kDone;

@@ -3,7 +3,6 @@
 #include <fmt/ostream.h>
 
 #include <istream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,25 +10,29 @@
 #include "CacheFolder.h"
 #include "ReturnCodes.h"
 #include "Session.h"
+#include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
 
 namespace qv {
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
-
-// The statement, without the white space around it: a line feed that a file ends with must not make
-// it another query for the cache.
-std::string StatementFrom(const QueryOptions& options, std::istream& in) {
-  std::string sql = options.sql;
-  if (sql == "-") sql.assign(std::istreambuf_iterator<char>(in), {});
-  sql.erase(sql.find_last_not_of(kWhiteSpace) + 1);
-  sql.erase(0, sql.find_first_not_of(kWhiteSpace));
-  return sql;
+// Runs the text by the call that the command stands for.
+int RunText(const QueryOptions& options, const CString& text, CRvoDbRes& rows) {
+  const auto call =
+      options.call == Call::kProcedure ? CRvoDatabase::ExecuteSP : CRvoDatabase::SelectSQL;
+  return call(&text, &rows, options.database.c_str(), options.use_cache ? 1 : 0);
 }
 
-// Goes offline by choice. An empty query has the library load the server's kept settings and send
-// nothing. They must allow keeping answers, or the query itself would go to the server after all.
+// An empty query has the library load the server's settings, or its kept ones while it is offline,
+// and send nothing else. A procedure does not load them, and without them nothing is kept.
+void LoadSettings(const std::string& database) {
+  const CString nothing;
+  CRvoDbRes no_rows;
+  (void)CRvoDatabase::SelectSQL(&nothing, &no_rows, database.c_str(), 1);
+}
+
+// Goes offline by choice. The server's kept settings must allow keeping answers, or the text itself
+// would go to the server after all.
 bool GoOffline(const std::string& database, std::ostream& err) {
   if (CRvoServer::SetCacheState(1) != 1) {
     fmt::print(err,
@@ -37,13 +40,11 @@ bool GoOffline(const std::string& database, std::ostream& err) {
                "QvNetClient.ini beside the library\n");
     return false;
   }
-  const CString nothing;
-  CRvoDbRes no_rows;
-  (void)CRvoDatabase::SelectSQL(&nothing, &no_rows, database.c_str(), 1);
+  LoadSettings(database);
   if (CRvoDatabase::GetServerIsSetCatche() != 1) {
     fmt::print(err,
                "qvcall: the cache folder holds no answers of this server, or the server does "
-               "not allow keeping them; run the query with --cache while it can be reached\n");
+               "not allow keeping them; run this with --cache while it can be reached\n");
     return false;
   }
   return true;
@@ -66,6 +67,7 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
   if (options.offline) return GoOffline(options.database, err);
   // Only a failed contact tells the library that it is offline, and then it answers from the cache.
   (void)session.Probe();
+  LoadSettings(options.database);
   return true;
 }
 
@@ -73,19 +75,12 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
 bool Fetch(const Connection& connection, const QueryOptions& options, const std::string& sql,
            CRvoDbRes& rows, std::ostream& err) {
   const Session session(connection);
-  std::string error;
-  if (!session.Configure(error)) {
-    fmt::print(err, "qvcall: {}\n", error);
-    return false;
-  }
+  if (!session.Configure(err)) return false;
   if (options.use_cache && !PrepareCache(session, options, err)) return false;
 
-  const CString text{std::string_view(sql)};
-  const int code =
-      CRvoDatabase::SelectSQL(&text, &rows, options.database.c_str(), options.use_cache ? 1 : 0);
+  const int code = RunText(options, CString(std::string_view(sql)), rows);
   if (code != 0) {
-    const ReturnCode words = ExplainQueryResult(code);
-    fmt::print(err, "qvcall: {} (result {})\n  {}\n", words.meaning, code, words.advice);
+    PrintFailure(options.call, code, err);
     return false;
   }
   // An answer from the server would have brought the client back online.
@@ -100,15 +95,8 @@ bool Fetch(const Connection& connection, const QueryOptions& options, const std:
 
 int RunQuery(const Connection& connection, const QueryOptions& options, std::istream& in,
              std::ostream& out, std::ostream& err) {
-  const std::string sql = StatementFrom(options, in);
-  if (in.bad()) {
-    fmt::print(err, "qvcall: standard input cannot be read\n");
-    return kFailed;
-  }
-  if (sql.empty() || sql.find('\0') != std::string::npos) {
-    fmt::print(err, "qvcall: the statement is empty or holds a NUL byte\n");
-    return kUsage;
-  }
+  std::string sql;
+  if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
   CRvoDbRes rows;
   if (!Fetch(connection, options, sql, rows, err)) return kFailed;
   if (!WriteResult(rows, options.format, out)) return kFailed;

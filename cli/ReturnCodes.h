@@ -1,9 +1,16 @@
-// What the results of a query mean, in words.
+// What the results of the library's calls mean, in words.
 #pragma once
 
+#include <iosfwd>
 #include <string_view>
 
 namespace qv {
+
+// The calls, by the commands that make them; the same number means something else for each.
+enum class Call { kQuery, kProcedure, kExec, kBatch };
+
+// A refused batch gives this and the number of the refused statement.
+constexpr int kRefusedBatch = 100;
 
 struct ReturnCode {
   int code;
@@ -11,7 +18,9 @@ struct ReturnCode {
   std::string_view advice;  // what the user can do; empty for success
 };
 
-// The words for a result of CRvoDatabase::SelectSQL; every value has some.
-[[nodiscard]] ReturnCode ExplainQueryResult(int code);
+// The words for a result of that call; every value has some.
+[[nodiscard]] ReturnCode ExplainResult(Call call, int code);
+
+void PrintFailure(Call call, int code, std::ostream& err);
 
 }  // namespace qv

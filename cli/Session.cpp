@@ -1,7 +1,8 @@
 #include "Session.h"
 
-#include <fmt/format.h>
+#include <fmt/ostream.h>
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -16,7 +17,7 @@ Session::Session(const Connection& connection) : connection_(connection) {
 
 Session::~Session() { CRvoServer::FinitNet(); }
 
-bool Session::Configure(std::string& error) const {
+bool Session::Configure(std::ostream& err) const {
   std::vector<std::pair<const char*, std::string>> parameters;
   if (!connection_.token.empty()) parameters.emplace_back("token", connection_.token);
   if (connection_.timeout_ms) {
@@ -26,7 +27,7 @@ bool Session::Configure(std::string& error) const {
   }
   for (const auto& [name, value] : parameters) {
     if (CRvoServer::SetNetClientPara(name, value.c_str()) != 1) {
-      error = fmt::format("the transport does not take this value of its parameter {}", name);
+      fmt::print(err, "qvcall: the transport does not take this value of its parameter {}\n", name);
       return false;
     }
   }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <iosfwd>
 
 #include "CommandLine.h"
 
@@ -14,9 +14,9 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // Hands the token and the deadlines to the transport. False, with the reason in `error`, when it
+  // Hands the token and the deadlines to the transport. False, with the reason on `err`, when it
   // does not take one: sending on without it would not be what the user asked for.
-  [[nodiscard]] bool Configure(std::string& error) const;
+  [[nodiscard]] bool Configure(std::ostream& err) const;
 
   // Asks the server whether it is there; also teaches the transport the state of the network.
   [[nodiscard]] bool Probe() const;

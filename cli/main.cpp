@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "cli/CommandLine.h"
+#include "cli/Execute.h"
 #include "cli/Ping.h"
 #include "cli/Query.h"
 
@@ -14,8 +15,13 @@ int Run(int argc, char** argv) {
   const qv::ParsedCommandLine parsed = qv::ParseCommandLine(argc, argv, std::cout, std::cerr);
   if (parsed.exit_status) return *parsed.exit_status;
   const qv::CommandLine& command = parsed.command;
-  if (!command.query) return qv::RunPing(command.connection, std::cout, std::cerr);
-  return qv::RunQuery(command.connection, *command.query, std::cin, std::cout, std::cerr);
+  const qv::Connection& connection = command.connection;
+  if (command.query) {
+    return qv::RunQuery(connection, *command.query, std::cin, std::cout, std::cerr);
+  }
+  if (command.exec) return qv::RunExec(connection, *command.exec, std::cin, std::cerr);
+  if (command.batch) return qv::RunBatch(connection, *command.batch, std::cin, std::cerr);
+  return qv::RunPing(connection, std::cout, std::cerr);
 }
 
 // Success counts only when everything reached its reader.

@@ -77,6 +77,14 @@ TEST_F(CommandLine, TakesAStatementFromStandardInputAndACacheWithOrWithoutAFolde
   EXPECT_TRUE(query({"--offline"}).use_cache);
 }
 
+TEST_F(CommandLine, KeepsTheCommandsApart) {
+  EXPECT_EQ(Parse({"--port", "7", "call", "p", "--db", "D"}).command.query.value().call,
+            qv::Call::kProcedure);
+  const qv::CommandLine exec = Parse({"--port", "7", "exec", "-", "--db", "D"}).command;
+  EXPECT_TRUE(exec.exec && !exec.query && !exec.batch);
+  EXPECT_EQ(Parse({"--port", "7", "batch", "f", "--db", "D"}).command.batch.value().file, "f");
+}
+
 TEST_F(CommandLine, RefusesWrongUsage) {
   for (const auto& words : std::vector<std::vector<const char*>>{
            {},
@@ -90,6 +98,7 @@ TEST_F(CommandLine, RefusesWrongUsage) {
            {"--port", "7", "query", "--db", "D"},
            {"--port", "7", "query", "SELECT 1", "--db", ""},
            {"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"},
+           {"--port", "7", "batch", "--db", "D"},
            {"--port", "7", "ping", "--frob"}}) {
     EXPECT_EQ(Parse(words).exit_status, qv::kUsage);
   }
@@ -100,11 +109,17 @@ TEST_F(CommandLine, RefusesWrongUsage) {
 TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
   std::set<std::string_view> meanings;
   for (const int code : {0, 1, 2, 3, 10, -1, -2, -3, 77}) {
-    const qv::ReturnCode words = qv::ExplainQueryResult(code);
+    const qv::ReturnCode words = qv::ExplainResult(qv::Call::kQuery, code);
     EXPECT_EQ(words.code, code);
     EXPECT_EQ(words.advice.empty(), code == 0);
     EXPECT_TRUE(meanings.insert(words.meaning).second) << code;
   }
+  const auto meaning = [](qv::Call call, int code) {
+    return qv::ExplainResult(call, code).meaning;
+  };
+  EXPECT_EQ(meaning(qv::Call::kBatch, 107), meaning(qv::Call::kBatch, qv::kRefusedBatch));
+  EXPECT_EQ(meaning(qv::Call::kExec, 100), meaning(qv::Call::kQuery, 77));
+  EXPECT_NE(meaning(qv::Call::kBatch, 2), meaning(qv::Call::kProcedure, 2));
 }
 
 }  // namespace

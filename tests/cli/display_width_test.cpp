@@ -42,6 +42,12 @@ TEST(DisplayWidth, ShowsWhatATerminalCanShow) {
   }
 }
 
+TEST(DisplayWidth, CutsBetweenCharacters) {
+  EXPECT_EQ(qv::VisibleStart("a\nb阀", 6), "a\\nb阀");
+  EXPECT_EQ(qv::VisibleStart("a阀门阀门", 7), "a阀...");
+  EXPECT_EQ(qv::VisibleStart("a阀\u0301\n门阀门", 6), "a阀\u0301...");
+}
+
 TEST(DisplayWidth, KnowsTheEdgesOfItsRanges) {
   const std::pair<char32_t, int> cases[] = {
       {0x2ff, 1},  {0x300, 0},  {0x36f, 0},  {0x370, 1},   {0x10ff, 1},  {0x1100, 2},
