@@ -205,8 +205,36 @@ TEST_F(QueryCacheTest, BeginsADamagedIndexAnew) {
   bytes.replace(bytes.size() / 2, 8192, 8192, '\xAA');
   folder_.Write("a/cache/qvdbcache.db3", bytes);
   EXPECT_TRUE(is_usable()) << "damaged further inside";
-  Sql("ALTER TABLE qv_tp_sqlindex RENAME TO theirs; CREATE TABLE qv_tp_sqlindex(other)");
-  EXPECT_FALSE(cache_.SetPath(path_)) << "somebody else's";
+}
+
+TEST_F(QueryCacheTest, LeavesTheDatabasesOfOthersAlone) {
+  const std::string index = path_ + "/qvdbcache.db3";
+  const auto is_left_alone = [&] {
+    const std::string before = BytesOf(index);
+    return !cache_.SetPath(path_) && BytesOf(index) == before && Files().empty();
+  };
+  const char* const planted[] = {
+      "PRAGMA journal_mode = WAL",
+      "PRAGMA journal_mode = DELETE; CREATE INDEX slow ON qv_tp_sqlindex(hex(query_text))",
+      "DROP TABLE qv_tp_sqlindex; CREATE TABLE qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY,"
+      "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL, slow INT CHECK(hex(slow) = 0))",
+      "DROP TABLE qv_tp_sqlindex; CREATE TABLE theirs(id)"};
+  for (const char* const sql : planted) {
+    cache_.Reset();
+    Sql(sql);
+    EXPECT_TRUE(is_left_alone()) << sql;
+  }
+  fs::rename(index, folder_.Path() / "theirs.db3");
+  fs::create_symlink(folder_.Path() / "theirs.db3", index);
+  EXPECT_TRUE(is_left_alone()) << "a link";
+  fs::remove(index);
+  for (const char* const companion : {"", "-journal", "-wal", "-shm"}) {
+    fs::create_directory(index + companion);
+    EXPECT_FALSE(cache_.SetPath(path_)) << companion;
+    fs::remove(index + companion);
+  }
+  fs::create_directory_symlink(path_, folder_.Path() / "link");
+  EXPECT_TRUE(cache_.SetPath(folder_.Path() / "link")) << "a folder may be a link";
 }
 
 TEST_F(QueryCacheTest, KeepsTheStateWord) {
