@@ -98,7 +98,6 @@ TEST_F(CommandLine, RefusesWrongUsage) {
            {"--port", "7", "query", "--db", "D"},
            {"--port", "7", "query", "SELECT 1", "--db", ""},
            {"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"},
-           {"--port", "7", "batch", "--db", "D"},
            {"--port", "7", "ping", "--frob"}}) {
     EXPECT_EQ(Parse(words).exit_status, qv::kUsage);
   }
