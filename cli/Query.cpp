@@ -62,7 +62,8 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
   if (CRvoServer::SetCachePath(folder->c_str()) != 1) {
     fmt::print(err, "qvcall: the cache folder {} cannot be used; check that it can be written\n",
                *folder);
-    return false;
+    // A cache that fails costs no answer that the server can give.
+    return !options.offline;
   }
   if (options.offline) return GoOffline(options.database, err);
   // Only a failed contact tells the library that it is offline, and then it answers from the cache.
