@@ -25,7 +25,14 @@ int Run(const qv::StandInOptions& options) {
   boost::asio::io_context context;
   // Before the first line, so that whoever waits for it can stop the server.
   boost::asio::signal_set signals(context, SIGINT, SIGTERM);
-  signals.async_wait([](const auto&, int) {});
+  // A second signal finds nobody here, and ends the process if stopping should take too long.
+  signals.async_wait([&signals](const auto&, int) {
+    boost::system::error_code ignored;
+    signals.clear(ignored);
+  });
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is that request's failure only
+#endif
 
   qv::StandIn server(options);
   std::string error;
