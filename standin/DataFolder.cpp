@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -41,6 +42,7 @@ Outcome DataFolder::Prepare() {
   // Links on the way to the folder are its owner's business; behind it none is followed.
   path_ = std::filesystem::canonical(path_, error).string();
   if (error) return {ErrorCode::kNoDatabase, error.message()};
+  if (Outcome locked = Lock(); !locked.Ok()) return locked;
   RemoveOldAnswers();
   for (const SampleDatabase& sample : SampleDatabases()) {
     const std::string file = DatabaseFile(sample.name);
@@ -48,6 +50,24 @@ Outcome DataFolder::Prepare() {
     if (Outcome made = CreateSample(sample, file); !made.Ok()) return made;
   }
   return {};
+}
+
+// Two servers would clear away each other's answers.
+Outcome DataFolder::Lock() {
+  const std::string file = (std::filesystem::path(path_) / "server.lock").string();
+  // Made here, so that only its owner can read it; mostly it is there already.
+  if (std::FILE* const made = platform::CreatePrivateFile(file, platform::Create::kNew)) {
+    std::fclose(made);
+  }
+  sqlite3* opened = nullptr;
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW;
+  int code = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);
+  lock_.reset(opened);
+  if (code == SQLITE_OK) code = sqlite3_exec(opened, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
+  if (code == SQLITE_OK) return {};
+  lock_.reset();
+  if (code == SQLITE_BUSY) return {ErrorCode::kBusy, "another server works on " + path_};
+  return {ErrorCode::kNoDatabase, "cannot lock " + file};
 }
 
 // What a run that was killed has left behind.
@@ -66,9 +86,10 @@ Outcome DataFolder::SetCompression(bool on) {
   if (database == nullptr) return {ErrorCode::kNoDatabase, "the settings cannot be opened"};
   const std::string value = on ? "1" : "0";
   std::int32_t failed = 0;
-  return database->Execute({"UPDATE Mxd_sys_BaseInfo SET CI_ServerCompress = " + value +
-                            ", CI_DefaultSelectCompress = " + value},
-                           failed);
+  const std::string sql = "UPDATE Mxd_sys_BaseInfo SET CI_ServerCompress = " + value +
+                          ", CI_DefaultSelectCompress = " + value;
+  const std::string_view statement = sql;
+  return database->Execute({&statement, 1}, failed);
 }
 
 std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& limit) const {

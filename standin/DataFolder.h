@@ -1,6 +1,8 @@
 // The folder that the server works on: its databases, and the files of answers on their way out.
 #pragma once
 
+#include <sqlite3.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,8 +18,8 @@ class DataFolder {
  public:
   explicit DataFolder(std::string path) : path_(std::move(path)) {}
 
-  // Makes what is missing, the sample databases among it, and clears away answers of an earlier
-  // run.
+  // Takes the folder for this object, makes what is missing, the sample databases among it, and
+  // clears away answers of an earlier run.
   Outcome Prepare();
   // Whether clients are told to ask for packed answers.
   Outcome SetCompression(bool on);
@@ -29,10 +31,16 @@ class DataFolder {
   [[nodiscard]] std::string AnswerFolder() const;
 
  private:
+  struct Closer {
+    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
+  };
+
+  Outcome Lock();
   void RemoveOldAnswers() const;
   [[nodiscard]] std::string DatabaseFile(std::string_view name) const;
 
   std::string path_;
+  std::unique_ptr<sqlite3, Closer> lock_;  // an open transaction, which ends with the process too
 };
 
 // Whether a client may name a database so: letters, digits, "_" and "-", at most 64 of them. So a

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -57,7 +58,7 @@ class Database {
   virtual Outcome Query(const std::string& sql, RowSink& sink) = 0;
   // All of the statements or none. `failed` becomes the 1-based position of the one that was
   // refused, or 0 when none is to blame.
-  virtual Outcome Execute(const std::vector<std::string>& statements, std::int32_t& failed) = 0;
+  virtual Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) = 0;
   // A stored procedure; its last statement gives the rows, the others may write.
   virtual Outcome Call(const ProcedureCall& call, RowSink& sink) = 0;
 };

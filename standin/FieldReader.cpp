@@ -25,10 +25,15 @@ std::optional<std::span<const unsigned char>> FieldReader::Peek() const {
 void FieldReader::Consume(std::size_t length) { rest_ = rest_.subspan(length + kOverhead); }
 
 std::optional<std::string> FieldReader::Text() {
+  const auto view = View();
+  return view ? std::optional<std::string>(*view) : std::nullopt;
+}
+
+std::optional<std::string_view> FieldReader::View() {
   const auto body = Peek();
   if (!body || body->empty() || std::ranges::find(*body, 0) != body->end()) return std::nullopt;
   Consume(body->size());
-  return std::string(body->begin(), body->end());
+  return std::string_view(reinterpret_cast<const char*>(body->data()), body->size());
 }
 
 std::optional<std::int32_t> FieldReader::Integer() {

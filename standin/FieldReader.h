@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace qv::standin {
 
@@ -18,6 +19,8 @@ class FieldReader {
 
   // A text of at least one character and without a zero byte.
   [[nodiscard]] std::optional<std::string> Text();
+  // The same without a copy: it lies inside the payload.
+  [[nodiscard]] std::optional<std::string_view> View();
   [[nodiscard]] std::optional<std::int32_t> Integer();
 
  private:

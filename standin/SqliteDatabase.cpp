@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <limits>
 #include <string_view>
 #include <thread>
 
+#include "BoundedFunctions.h"
 #include "SqliteCells.h"
 #include "TableNames.h"
 
@@ -13,11 +15,10 @@ namespace qv::standin {
 
 namespace {
 
-constexpr int kStepsBetweenChecks = 1000;
+constexpr int kStepsBetweenChecks = 100;
 constexpr std::chrono::milliseconds kBusyPause{5};
-// No text or cell of a client's may take more memory than this, nor a pattern more time.
-constexpr int kLongestCell = 32 << 20;
-constexpr int kLongestPattern = 1000;
+// No cell or result of a function may be longer: a function cannot be cut short.
+constexpr int kLongestCell = 1 << 20;
 
 bool IsRefusedFunction(const char* name) {
   constexpr std::array<std::string_view, 4> kRefused{"load_extension", "readfile", "writefile",
@@ -49,19 +50,17 @@ std::unique_ptr<SqliteDatabase> SqliteDatabase::Open(const std::string& path, Wo
   const int code = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
   std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(connection, limit));
   if (code != SQLITE_OK) return nullptr;
-  database->Confine();
-  return database;
+  return database->Confine() ? std::move(database) : nullptr;
 }
 
 SqliteDatabase::SqliteDatabase(sqlite3* connection, WorkLimit& limit)
     : connection_(connection), limit_(limit) {}
 
-void SqliteDatabase::Confine() {
+bool SqliteDatabase::Confine() {
   sqlite3* const connection = connection_.get();
   sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestCell);
-  sqlite3_limit(connection, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, kLongestPattern);
   sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
   const auto over = [](void* limit) { return static_cast<WorkLimit*>(limit)->IsOver() ? 1 : 0; };
   sqlite3_progress_handler(connection, kStepsBetweenChecks, over, &limit_);
@@ -77,6 +76,7 @@ void SqliteDatabase::Confine() {
     return !trusted && IsRefused(action, function) ? SQLITE_DENY : SQLITE_OK;
   };
   sqlite3_set_authorizer(connection, authorize, this);
+  return BoundFunctions(connection, limit_) == SQLITE_OK;
 }
 
 Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
@@ -93,10 +93,11 @@ Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
   return Deliver(statement.get(), sink);
 }
 
-Outcome SqliteDatabase::Execute(const std::vector<std::string>& statements, std::int32_t& failed) {
+Outcome SqliteDatabase::Execute(std::span<const std::string_view> statements,
+                                std::int32_t& failed) {
   failed = 0;
   if (Outcome begun = RunTrusted("BEGIN IMMEDIATE"); !begun.Ok()) return begun;
-  for (const std::string& statement : statements) {
+  for (const std::string_view statement : statements) {
     ++failed;
     Outcome outcome = RunAll(statement, {}, nullptr);
     if (!outcome.Ok()) return EndTransaction(std::move(outcome));
@@ -113,13 +114,17 @@ Outcome SqliteDatabase::Call(const ProcedureCall& call, RowSink& sink) {
   return EndTransaction(RunAll(sql, call.arguments, &sink));
 }
 
-// Steps over what holds no statement: blanks, comments, lone semicolons.
+// Steps over what holds no statement: blanks, comments, lone semicolons. What lies behind a NUL is
+// no text any more.
 int SqliteDatabase::Prepare(const char*& text, const char* end, Statement& statement) {
   statement.reset();
-  while (text < end && statement == nullptr) {
+  while (*text != '\0' && statement == nullptr) {
     sqlite3_stmt* prepared = nullptr;
-    const int length = static_cast<int>(std::min<std::ptrdiff_t>(end - text, kLongestCell));
-    const int code = sqlite3_prepare_v2(connection_.get(), text, length, &prepared, &text);
+    // With the NUL counted in, the rest of a long text is not copied for every statement.
+    const std::ptrdiff_t length = end - text + 1;
+    if (length > std::numeric_limits<int>::max()) return SQLITE_TOOBIG;
+    const int code =
+        sqlite3_prepare_v2(connection_.get(), text, static_cast<int>(length), &prepared, &text);
     if (code != SQLITE_OK) return code;
     statement.reset(prepared);
   }
@@ -133,7 +138,7 @@ bool SqliteDatabase::HasMore(const char* text, const char* end) {
 }
 
 // The rows of the last statement go to the sink, if there is one.
-Outcome SqliteDatabase::RunAll(const std::string& sql, Arguments arguments, RowSink* sink) {
+Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSink* sink) {
   const std::string text = WithPlainTableNames(sql);
   const char* rest = text.c_str();
   const char* const end = rest + text.size();
@@ -141,6 +146,8 @@ Outcome SqliteDatabase::RunAll(const std::string& sql, Arguments arguments, RowS
   bool more = HasMore(rest, end);
   if (!more) return {ErrorCode::kSqlFailed, "there is no statement"};
   while (more) {
+    // Short statements never come to the progress handler.
+    if (limit_.IsOver()) return Failure(SQLITE_INTERRUPT);
     if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
     if (Outcome bound = Bind(statement.get(), arguments); !bound.Ok()) return bound;
     more = HasMore(rest, end);

@@ -24,7 +24,7 @@ class SqliteDatabase : public Database {
                                                             WorkLimit& limit);
 
   Outcome Query(const std::string& sql, RowSink& sink) override;
-  Outcome Execute(const std::vector<std::string>& statements, std::int32_t& failed) override;
+  Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) override;
   Outcome Call(const ProcedureCall& call, RowSink& sink) override;
 
  private:
@@ -37,10 +37,11 @@ class SqliteDatabase : public Database {
 
   SqliteDatabase(sqlite3* connection, WorkLimit& limit);
 
-  void Confine();
+  [[nodiscard]] bool Confine();
+  // Prepares the next statement of a text that a NUL at `end` closes; null behind the last.
   [[nodiscard]] int Prepare(const char*& text, const char* end, Statement& statement);
   [[nodiscard]] bool HasMore(const char* text, const char* end);
-  Outcome RunAll(const std::string& sql, Arguments arguments, RowSink* sink);
+  Outcome RunAll(std::string_view sql, Arguments arguments, RowSink* sink);
   Outcome Step(sqlite3_stmt* statement);
   Outcome Deliver(sqlite3_stmt* statement, RowSink& sink);
   Outcome Bind(sqlite3_stmt* statement, Arguments arguments);

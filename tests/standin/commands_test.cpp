@@ -114,7 +114,8 @@ TEST_F(CommandsTest, ALargeAnswerIsAFileAndAPackedOneIsGzip) {
   const std::string payload(packed.fields.Payload().begin(), packed.fields.Payload().end());
   EXPECT_NE(payload.find("\x1f\x8b\x08"), std::string::npos);
   services_.memory_threshold = 0xFFFFFFFF;
-  EXPECT_NE(Ask(200, {"DESIGNDB", "select hex(zeroblob(600000))"}).file, nullptr)
+  EXPECT_NE(Ask(200, {"DESIGNDB", "select hex(zeroblob(400000)), hex(zeroblob(200000))"}).file,
+            nullptr)
       << "more than a client's block holds";
 }
 
@@ -137,7 +138,8 @@ TEST_F(CommandsTest, ABatchIsDoneWholeOrNotAtAll) {
   const std::string gone = "insert or rollback into people (id, name, active) values (1, 'x', 1)";
   EXPECT_THAT(Refusal(Ask(310, {"DESIGNDB", 2, insert, gone})), ElementsAre(6, 2));
   EXPECT_THAT(Refusal(Ask(310, {"DESIGNDB", 2, insert})), ElementsAre(1, 2));
-  EXPECT_THAT(Refusal(Ask(310, {"DESIGNDB", 0x7fffffff})), ElementsAre(1, 1));
+  EXPECT_THAT(Refusal(Ask(310, {"DESIGNDB", 100'000})), ElementsAre(1, 1));
+  EXPECT_THAT(Refusal(Ask(310, {"DESIGNDB", 100'001})), ElementsAre(5, 0));
   EXPECT_THAT(Refusal(Ask(310, {"DESIGNDB", -1, insert})), ElementsAre(1, 0));
   EXPECT_THAT(Refusal(Ask(310, {"NOWHERE", 1, insert})), ElementsAre(4, 0));
   EXPECT_EQ(people(), 60);
@@ -199,6 +201,24 @@ TEST_F(CommandsTest, HostileRequestsAreFailures) {
   EXPECT_THAT(Refusal(Ask(6015, {})), ElementsAre(2));
 }
 
+TEST_F(CommandsTest, FunctionsWithBoundsAnswerAsTheOnesTheyReplace) {
+  for (const char* sql :
+       {"'Abc' like 'a%'", "'a%c' like 'a!%c' escape '!'", "not 'abc' like 'a!%c' escape '!'",
+        "'Abc' glob 'A*'", "not 'Abc' glob 'a*'", "instr('图纸x', 'x') = 3", "instr('a', 'b') = 0",
+        "instr(x'e59bbe00', x'00') = 4", "replace('aXbX', 'X', '纸') = 'a纸b纸'",
+        "replace('aa', 'a', '') = ''", "replace('ab', '', 'c') = 'ab'",
+        "replace(null, 'a', 'b') is null", "replace(12, 1, 3) = '32'", "trim(' a ') = 'a'"}) {
+    EXPECT_EQ(Count("select cast(" + std::string(sql) + " as int)"), 1) << sql;
+  }
+  const std::string text = "replace(hex(zeroblob(500000)), '0', 'a')";
+  const std::vector<std::string> refused{"instr(" + text + ", " + text + ")", "trim('a', 'a')",
+                                         "json_patch('{}', '{}')", text + " like " + text,
+                                         "replace(" + text + ", 'a', " + text + ")"};
+  for (const std::string& sql : refused) {
+    EXPECT_THAT(Refusal(Ask(200, {"DESIGNDB", "select " + sql})), ElementsAre(6)) << sql;
+  }
+}
+
 TEST_F(CommandsTest, WorkThatTakesTooLongIsCutOffAndUndone) {
   time_ = std::chrono::milliseconds(30);
   const std::string forever = "with recursive n(i) as (select 1 union all select i + 1 from n) ";
@@ -207,6 +227,9 @@ TEST_F(CommandsTest, WorkThatTakesTooLongIsCutOffAndUndone) {
   const std::string fill =
       forever + "insert into people (id, name, active) select i + 99, 'x', 1 from n";
   EXPECT_THAT(Refusal(Ask(300, {"DESIGNDB", fill})), ElementsAre(7));
+  std::string many = "select 1;";
+  for (int i = 0; i < 17; ++i) many += many;
+  EXPECT_THAT(Refusal(Ask(300, {"DESIGNDB", many})), ElementsAre(7));
   time_ = std::chrono::seconds(30);
   EXPECT_EQ(Count("select count(*) from people"), 60);
   EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "answers"));
