@@ -1,5 +1,6 @@
 #include "ClientStream.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/asio/post.hpp>
 #include <boost/asio/read.hpp>
@@ -14,13 +15,24 @@ namespace {
 
 namespace asio = boost::asio;
 
+constexpr std::size_t kMostAhead = 16384;
+
 ClientStream::Milliseconds TimeFor(std::size_t bytes, ClientStream::Milliseconds per_mebibyte) {
   return per_mebibyte * (1 + static_cast<long long>(bytes >> 20));
 }
 
 }  // namespace
 
+ClientStream::ClientStream(Milliseconds io_timeout) : io_timeout_(io_timeout) {
+  ahead_.reserve(kMostAhead);  // IsGone shall not fail for want of memory
+}
+
 bool ClientStream::Read(WritableBytes bytes) {
+  const std::size_t here = std::min(bytes.size(), ahead_.size());
+  const auto end_of_here = ahead_.begin() + static_cast<std::ptrdiff_t>(here);
+  std::copy(ahead_.begin(), end_of_here, bytes.begin());
+  ahead_.erase(ahead_.begin(), end_of_here);
+  bytes = bytes.subspan(here);
   if (bytes.empty()) return true;
   const auto start = [&](Handler done) {
     asio::async_read(socket_, asio::buffer(bytes.data(), bytes.size()),
@@ -39,6 +51,7 @@ bool ClientStream::Write(std::initializer_list<Bytes> pieces) {
 }
 
 bool ClientStream::WaitForRequest(Milliseconds longest) {
+  if (!ahead_.empty()) return !closed_;
   const auto start = [&](Handler done) { socket_.async_wait(Socket::wait_read, done); };
   return Complete(start, longest);
 }
@@ -63,10 +76,14 @@ bool ClientStream::Complete(const std::function<void(Handler)>& start, Milliseco
 bool ClientStream::IsGone() {
   if (closed_) return true;
   Error error;
-  std::array<char, 1> byte;
+  std::array<unsigned char, kMostAhead> piece;
   socket_.non_blocking(true, error);
-  socket_.receive(asio::buffer(byte), Socket::message_peek, error);
-  return error && error != asio::error::would_block;
+  while (!error) {
+    const std::size_t length = socket_.receive(asio::buffer(piece), 0, error);
+    if (ahead_.size() + length > kMostAhead) return true;
+    ahead_.insert(ahead_.end(), piece.begin(), piece.begin() + length);
+  }
+  return error != asio::error::would_block;
 }
 
 void ClientStream::Close() {

@@ -6,6 +6,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <chrono>
 #include <functional>
+#include <vector>
 
 #include "transports/frame/ByteStream.h"
 
@@ -20,7 +21,7 @@ class ClientStream : public ByteStream {
 
   // A read or write may take `io_timeout` for each mebibyte that it has begun, so that a client
   // that dribbles holds its place for a bounded time.
-  explicit ClientStream(Milliseconds io_timeout) : io_timeout_(io_timeout) {}
+  explicit ClientStream(Milliseconds io_timeout);
 
   // Where the connection is accepted into, before anything else is called.
   Socket& Peer() { return socket_; }
@@ -29,7 +30,8 @@ class ClientStream : public ByteStream {
   bool Write(std::initializer_list<Bytes> pieces) override;
   // Waits until the client sends something. False when it went, or sent nothing for so long.
   [[nodiscard]] bool WaitForRequest(Milliseconds longest);
-  // Whether the client hung up, or its connection was closed here.
+  // Whether the client hung up, broke the rules by sending much before it has its answer, or its
+  // connection was closed here.
   [[nodiscard]] bool IsGone();
   // Ends what is being waited for, and everything that follows. Any thread.
   void Close();
@@ -45,6 +47,8 @@ class ClientStream : public ByteStream {
 
   const Milliseconds io_timeout_;
   std::atomic<bool> closed_ = false;
+  // What came while nobody read. An end shows only behind it.
+  std::vector<unsigned char> ahead_;
   boost::asio::io_context context_{1};
   Socket socket_{context_};
 };

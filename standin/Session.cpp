@@ -37,8 +37,8 @@ std::string Remark(std::string_view text) {
 }  // namespace
 
 void Session::Serve() {
-  while (stream_.WaitForRequest(rules_.idle_timeout) && ServeRequest()) {
-  }
+  std::chrono::milliseconds longest = rules_.first_timeout;
+  while (stream_.WaitForRequest(longest) && ServeRequest()) longest = rules_.idle_timeout;
 }
 
 bool Session::ServeRequest() {

@@ -16,7 +16,8 @@ namespace qv::standin {
 
 struct SessionRules {
   std::string token;  // what every request must carry; empty when none is asked for
-  std::chrono::milliseconds idle_timeout;
+  std::chrono::milliseconds first_timeout;  // how long a newcomer may say nothing
+  std::chrono::milliseconds idle_timeout;   // how long it may afterwards
   std::chrono::milliseconds statement_limit;
   std::uint64_t request_limit;  // the longest payload, in bytes
   std::function<void(ServedCommand)> on_served;

@@ -27,6 +27,7 @@ StandIn::StandIn(StandInOptions options)
       log_(LogFileIn(options_.data_folder)),
       services_{data_, log_, options_.memory_threshold, options_.answer_limit},
       rules_{.token = options_.token,
+             .first_timeout = options_.io_timeout,
              .idle_timeout = options_.idle_timeout,
              .statement_limit = options_.statement_limit,
              .request_limit = options_.request_limit,

@@ -1,4 +1,5 @@
 // The server over real connections: frames, tokens, slow, broken and vanished clients.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <boost/asio/ip/address.hpp>
@@ -135,17 +136,36 @@ TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
   EXPECT_EQ(client.Status(), "SUCCESS");
 }
 
-TEST_F(ServerTest, HangsUpOnTheSlowTheIdleAndTheSurplus) {
-  options_.io_timeout = std::chrono::milliseconds(30);
-  options_.idle_timeout = std::chrono::milliseconds(200);
-  options_.connection_limit = 2;
+TEST_F(ServerTest, HangsUpOnTheIdleAndTheSurplus) {
+  options_.idle_timeout = std::chrono::milliseconds(500);
+  options_.connection_limit = 1;
   Start();
-  Client slow(*server_);
   Client idle(*server_);
-  ASSERT_TRUE(slow.SendRaw("Q"));
-  EXPECT_TRUE(Client(*server_).IsHungUpOn());
-  EXPECT_TRUE(slow.IsHungUpOn());
+  ASSERT_TRUE(idle.Send(3, {}));
+  EXPECT_EQ(idle.Status(), "SUCCESS");
+  EXPECT_TRUE(Client(*server_).IsHungUpOn()) << "the surplus";
   EXPECT_TRUE(idle.IsHungUpOn());
+}
+
+TEST_F(ServerTest, HangsUpOnTheSlowAndTheSilent) {
+  options_.io_timeout = std::chrono::milliseconds(30);
+  Start();
+  Client silent(*server_);
+  Client slow(*server_);
+  ASSERT_TRUE(slow.SendRaw("Q"));
+  EXPECT_TRUE(slow.IsHungUpOn());
+  EXPECT_TRUE(silent.IsHungUpOn());
+}
+
+TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
+  Start();
+  Client client(*server_);
+  const std::string slow = "with recursive n(i) as (select 1 union all select i + 1 from n limit ";
+  ASSERT_TRUE(client.Send(200, {"DESIGNDB", slow + "300000) select count(*) from n"}));
+  ASSERT_TRUE(client.Send(3, {}) && client.Send(6015, {}));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  EXPECT_EQ(client.Status(), "FAILURE");
 }
 
 TEST_F(ServerTest, StopsWhileClientsHangAndQueriesRun) {
@@ -168,7 +188,7 @@ TEST_F(ServerTest, EndsTheQueryOfAClientThatVanished) {
   Start();
   {
     Client client(*server_);
-    ASSERT_TRUE(client.Send(200, {"DESIGNDB", kForever}));
+    ASSERT_TRUE(client.Send(200, {"DESIGNDB", kForever}) && client.SendRaw("behind"));
     client.HangUp();
   }
   auto future = served.get_future();
@@ -182,6 +202,14 @@ TEST_F(ServerTest, DoesNotStartWithoutItsFolderOrAddress) {
   EXPECT_FALSE(StandIn(options_).Start(&error));
   EXPECT_FALSE(error.empty());
   options_.data_folder = folder_.Path().string();
+  {
+    Start();
+    StandIn second(options_);
+    EXPECT_FALSE(second.Start(&error));
+    EXPECT_THAT(error, testing::HasSubstr("another server"));
+    server_.reset();
+    EXPECT_TRUE(second.Start(&error)) << error;
+  }
   options_.listen = "nowhere";
   EXPECT_FALSE(StandIn(options_).Start());
 }
