@@ -34,24 +34,20 @@ constexpr const char kJournal[] = "-journal";
 // The result for a database that is not the index; no code that SQLite would give here.
 constexpr int kForeign = SQLITE_MISMATCH;
 
-bool IsAbsent(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::symlink_status(path, error).type() ==
-         std::filesystem::file_type::not_found;
-}
-
-bool IsFile(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::symlink_status(path, error).type() == std::filesystem::file_type::regular;
-}
-
 // Opening a pipe would wait for ever, and a link leads out of the folder. The files of a
-// write-ahead log are never the index's, and reading a database with them changes it.
+// write-ahead log are never the index's, and reading a database with them changes it. Each is
+// looked at once, for the journal of another program comes and goes.
 bool MayOpen(const std::string& path) {
-  for (const std::string& file : {path, path + kJournal}) {
-    if (!IsFile(file) && !IsAbsent(file)) return false;
+  const auto type_of = [&path](const char* companion) {
+    std::error_code error;
+    return std::filesystem::symlink_status(path + companion, error).type();
+  };
+  using enum std::filesystem::file_type;
+  for (const char* const companion : {"", kJournal}) {
+    const std::filesystem::file_type type = type_of(companion);
+    if (type != regular && type != not_found) return false;
   }
-  return IsAbsent(path + "-wal") && IsAbsent(path + "-shm");
+  return type_of("-wal") == not_found && type_of("-shm") == not_found;
 }
 
 // Whether the file says so of itself. Asked by way of the open database, since closing another
