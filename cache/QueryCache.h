@@ -22,9 +22,9 @@ enum CacheFlag { kCacheGzip = 0, kCachePlain = 1 };
 //
 // Every call may come from several threads at once, and several programs may share a folder. A
 // program that dies, or a machine that stops, at any moment leaves the earlier answer or the new
-// one. An index that another program keeps busy is waited for, half a second at most each time,
-// and thrice at most in one call; then the answer is not found or not kept. Threads wait for each
-// other's calls. Nothing throws but a lack of memory.
+// one. An index that another program keeps busy is waited for, half a second at most each time
+// and two seconds at most in one call; then the answer is not found or not kept. Threads wait for
+// each other's calls. Nothing throws but a lack of memory.
 class QueryCache {
  public:
   QueryCache();
