@@ -21,6 +21,8 @@ class DataFolder {
   // Takes the folder for this object, makes what is missing, the sample databases among it, and
   // clears away answers of an earlier run.
   Outcome Prepare();
+  // Gives the folder back, once nothing works on it any more.
+  void Release() { lock_.reset(); }
   // Whether clients are told to ask for packed answers.
   Outcome SetCompression(bool on);
 

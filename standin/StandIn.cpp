@@ -132,6 +132,7 @@ void StandIn::Stop() {
   for (const auto& client : clients_) client->stream.Close();
   for (const auto& client : clients_) client->thread.join();
   clients_.clear();
+  data_.Release();
 }
 
 void StandIn::Remember(ServedCommand served) {

@@ -53,7 +53,8 @@ class StandIn {
 
   // Prepares the folder and listens; once. Otherwise false, and why in `error`.
   [[nodiscard]] bool Start(std::string* error = nullptr);
-  // Closes every connection, cuts short and undoes what is unfinished, and waits for all threads.
+  // Closes every connection, cuts short and undoes what is unfinished, waits for all threads, and
+  // gives the folder back.
   void Stop();
 
   [[nodiscard]] std::uint16_t Port() const { return port_; }

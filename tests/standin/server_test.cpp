@@ -207,7 +207,7 @@ TEST_F(ServerTest, DoesNotStartWithoutItsFolderOrAddress) {
     StandIn second(options_);
     EXPECT_FALSE(second.Start(&error));
     EXPECT_THAT(error, testing::HasSubstr("another server"));
-    server_.reset();
+    server_->Stop();
     EXPECT_TRUE(second.Start(&error)) << error;
   }
   options_.listen = "nowhere";
