@@ -15,9 +15,9 @@ struct DatabasePeer;  // what tests reach the private members through
 
 // All members are static. Queries may run on several threads at once, each with a result set of its
 // own; the two set-up calls SetFileTempInfo and Ini are to be called while no other call runs.
-// Pointers are not null and stay their caller's. Nothing throws but std::bad_alloc. Where a limit on
-// the size of files ends programs by a signal (SIGXFSZ), the host ignores that signal, so that the
-// limit is an error like a full disk.
+// Pointers are not null and stay their caller's. Nothing throws but std::bad_alloc. Where a limit
+// on the size of files ends programs by a signal (SIGXFSZ), the host ignores that signal, so that
+// the limit is an error like a full disk.
 class QVNETCALL_API CRvoDatabase {
  public:
   // Sets up the record of temporary files: the system's temporary folder, prefix "qvcd", extension
