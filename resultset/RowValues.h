@@ -27,8 +27,8 @@ class RowValues {
   void Put(std::string_view name, std::string_view value);
 
   // Compares the name at `p`, and the closing character behind it, with what is expected next. At
-  // least eight bytes from `p` on can be read. The length of the name, or 0 when it is none of
-  // those; PutExpected then records its value.
+  // least sixteen bytes from `p` on can be read. The length of the name, whose value PutExpected
+  // then records, or 0 when it is none of those.
   [[nodiscard]] std::size_t MatchExpected(const char* p, const char* end);
   void PutExpected(std::string_view value) {
     if (values_[expected_].data() == nullptr) values_[expected_] = value;
@@ -71,8 +71,8 @@ class RowValues {
 
   std::vector<std::size_t> slots_;        // by column; columns of one name share a slot
   std::deque<std::string> closed_names_;  // what names_ points to
-  std::vector<Name>
-      names_;  // by slot, and as many as are looked at behind the last, which match nothing
+  // By slot; behind the last stand as many as are looked at ahead, which match nothing.
+  std::vector<Name> names_;
   std::map<std::string_view, std::size_t> slot_of_name_;  // ordered, so that no names collide
   std::vector<std::string_view> values_;                  // by slot
   std::size_t expected_ = 0;

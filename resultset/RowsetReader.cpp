@@ -135,7 +135,9 @@ bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   const std::size_t data = text.find(kData, opening);
   if (data == kNone) return false;
   HexCells binary(files);
-  return ReadRows(text.substr(data), table, binary);
+  if (ReadRows(text.substr(data), table, binary)) return true;
+  table.RebuildCells();
+  return false;
 }
 
 }  // namespace qv

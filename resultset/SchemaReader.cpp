@@ -226,7 +226,10 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   Base64Cells binary(files);
   ColumnFiller filler(table, values, binary, text.size());
   for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
-    if (!filler.AppendRow(rows.MayHaveEntities())) return false;
+    if (!filler.AppendRow(rows.MayHaveEntities())) {
+      table.RebuildCells();
+      return false;
+    }
     if (count == kRowsBeforeReserve) filler.ReserveAfter(rows.Position(), text.size());
   }
   return true;

@@ -6,9 +6,9 @@
 
 namespace qv {
 
-// As ReadRowsetFile, for a data set with an inline schema. False when the file cannot be loaded,
-// when an anchor of its schema or the name of its rows is missing, or when the first row is never
-// closed; columns defined until then stay.
+// As ReadRowsetFile, for a data set with an inline schema. False also when an anchor of its schema
+// or the name of its rows is missing or that name is absurdly long, and when the first row is never
+// closed.
 [[nodiscard]] bool ReadSchemaFile(const char* path, CRvoDbRes& result,
                                   const tagTEMPFILEINFO& files);
 

@@ -376,6 +376,8 @@ TEST_F(ReadersTest, CellsOutOfAllProportionAreRefused) {
   EXPECT_FALSE(Rowset(columns(4000, "") + Repeated("<z:row/>", 30000), empty_cells));
   const std::string long_value = "<z:row a='" + std::string(100000, 'x') + "'/>";
   EXPECT_FALSE(Rowset(columns(4000, "a") + long_value, one_name));
+  EXPECT_EQ(empty_cells.GetFieldCount(), 4000);
+  EXPECT_EQ(empty_cells.GetRecordCount() + one_name.GetRecordCount(), 0);  // nothing is held on to
   // Hundreds of columns without values are nothing unusual.
   EXPECT_TRUE(Rowset(columns(300, "") + Repeated("<z:row/>", 30000), wide));
   EXPECT_EQ(wide.GetRecordCount(), 30000);
