@@ -84,6 +84,11 @@ int CRvoServer::GetServerType(CString& type, CString server, unsigned long port)
   return 1;
 }
 
+int CRvoServer::SetServerType(CString type, CString server, unsigned long port) {
+  ModuleState::Get().server_type.Remember(server.View(), port, type.View());
+  return 1;
+}
+
 int CRvoServer::CheckServerLink(CString server, unsigned long port) {
   Exchange exchange(kCheckLink, kLinkBlock, kLinkBlock);
   CString show_messages;

@@ -100,6 +100,15 @@ TEST_F(RvoServer, FindsItsTypeOncePerServerAndPort) {
   EXPECT_EQ(transport_.requests.size(), 3u);
 }
 
+TEST_F(RvoServer, TakesTheHostsWordForItsType) {
+  Configure("TCP_IP");
+  EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
+  EXPECT_EQ(CRvoServer::SetServerType("WEB_IIS", "main", 1), 1);
+  EXPECT_EQ(TypeOf("main", 1), "WEB_IIS");
+  CRvoServer::SetServerType("", "main", 1);
+  EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
+}
+
 TEST_F(RvoServer, CutsTheTypeAndTheModulesPathAsItsBuffersDo) {
   Configure(std::string(120, 't'));
   EXPECT_EQ(TypeOf("main", 1), std::string(99, 't'));
