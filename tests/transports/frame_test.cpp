@@ -67,6 +67,22 @@ TEST(Frame, WritesTheDocumentedBytes) {
   EXPECT_EQ(reply.written, GoldenReply());
 }
 
+TEST(Frame, ItsLengthIsKnownBeforehand) {
+  const TempFolder folder;
+  for (const std::size_t length : {0U, 1U, 65535U, 65536U, 65537U, 131072U}) {
+    auto file = OutgoingFile::Open(folder.Write("answer", std::string(length, 'x')));
+    ASSERT_TRUE(file);
+    FrameHeader header{.token_length = 3, .payload_length = 13, .file_length = {}};
+    const WholeFrame message{.token = "key", .payload = Field("SELECT 1")};
+    EXPECT_EQ(FrameLength(header), GoldenRequest().size());
+    header.file_length = length;
+    MemoryStream stream;
+    EXPECT_EQ(SendWhole(stream, FrameKind::kRequest, message, &*file), FrameStatus::kDone);
+    EXPECT_EQ(FrameLength(header), stream.written.size());
+  }
+  EXPECT_GT(FrameLength({.file_length = kMaxFile}), kMaxFile);
+}
+
 TEST(Frame, ReadsThemBack) {
   const TempFolder folder;
   const std::string path = (folder.Path() / "answer").string();

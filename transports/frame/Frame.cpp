@@ -13,8 +13,6 @@ static_assert(kFrameBlockSize == MessageBlock::kPayload);
 
 namespace {
 
-// Reads "QvN4" in a dump.
-constexpr std::uint32_t kMagic = 0x344E7651;
 constexpr std::uint32_t kVersion = 1;
 constexpr std::uint64_t kNoFile = std::numeric_limits<std::uint64_t>::max();
 
@@ -40,6 +38,15 @@ bool IsWithinFormat(const FrameHeader& header) {
 
 }  // namespace
 
+std::uint64_t FrameLength(const FrameHeader& header) {
+  const std::uint64_t message = kFrameHeaderSize + header.token_length + kFrameBlockSize +
+                                header.payload_length + kFrameChecksumSize;
+  if (!header.file_length) return message;
+  const std::uint64_t file = *header.file_length;
+  const std::uint64_t chunks = file / kChunkSize + (file % kChunkSize != 0 ? 1 : 0) + 1;
+  return message + file + chunks * kChunkHeaderSize;
+}
+
 std::uint32_t Crc32(std::uint32_t start, Bytes bytes) {
   // Without bytes there may be no pointer either, which the function takes for a request to reset.
   if (bytes.empty()) return start;
@@ -48,7 +55,7 @@ std::uint32_t Crc32(std::uint32_t start, Bytes bytes) {
 
 std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& header) {
   std::array<unsigned char, kFrameHeaderSize> bytes{};
-  StoreU32(&bytes[kMagicAt], kMagic);
+  std::ranges::copy(kFrameMagic, &bytes[kMagicAt]);
   StoreU32(&bytes[kVersionAndKindAt], VersionAndKind(header.kind));
   StoreU64(&bytes[kPayloadLengthAt], header.payload_length);
   StoreU64(&bytes[kFileLengthAt], header.file_length.value_or(kNoFile));
@@ -59,7 +66,9 @@ std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& head
 
 FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes, FrameKind expected,
                          const FrameLimits& limits, FrameHeader& header) {
-  if (LoadU32(&bytes[kMagicAt]) != kMagic) return FrameStatus::kMalformed;
+  if (!std::ranges::equal(bytes.subspan<kMagicAt, kFrameMagic.size()>(), kFrameMagic)) {
+    return FrameStatus::kMalformed;
+  }
   if (LoadU32(&bytes[kHeaderChecksumAt]) != Crc32(0, bytes.first(kHeaderChecksumAt))) {
     return FrameStatus::kBadChecksum;
   }

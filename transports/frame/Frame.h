@@ -23,6 +23,9 @@ namespace qv {
 using Bytes = std::span<const unsigned char>;
 using WritableBytes = std::span<unsigned char>;
 
+// What a frame begins with: "QvN4".
+inline constexpr std::array<unsigned char, 4> kFrameMagic{'Q', 'v', 'N', '4'};
+
 inline constexpr std::size_t kFrameHeaderSize = 32;
 inline constexpr std::size_t kFrameBlockSize = 269;
 inline constexpr std::size_t kFrameChecksumSize = 4;
@@ -56,6 +59,9 @@ struct FrameHeader {
 
   bool operator==(const FrameHeader&) const = default;
 };
+
+// How long the frame with this header is that SendFrame sends, its file's chunks included.
+[[nodiscard]] std::uint64_t FrameLength(const FrameHeader& header);
 
 // What a receiver accepts; it can ask for less than the format allows.
 struct FrameLimits {
