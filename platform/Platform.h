@@ -40,6 +40,9 @@ enum class Create {
 // when it cannot be had, or something that is no file stands in its place.
 [[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);
 
+// Whether an open file is an ordinary one that nobody but its owner can read or change.
+[[nodiscard]] bool IsPrivate(std::FILE* file);
+
 // Makes a folder, and those above it, that only its owner can enter. True when it is there
 // afterwards.
 [[nodiscard]] bool CreatePrivateFolder(const std::string& path);

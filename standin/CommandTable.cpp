@@ -18,13 +18,14 @@ struct Command {
 
 // Commands                    request fields               reply fields behind the status
 constexpr std::array kCommands{
-    Command{3, CheckLink},         //
-    Command{4, AppendLog},         // kind, text
-    Command{200, RunQuery},        // database, text           count, storage kind[, file]
-    Command{210, RunPackedQuery},  // database, text           count, storage kind[, file]
-    Command{300, RunStatement},    // database, text
-    Command{310, RunBatch},        // database, n, n texts     when refused: code, position
-    Command{900, RunProcedure},    // database, text           count, storage kind[, file]
+    Command{3, CheckLink},             //
+    Command{4, AppendLog},             // kind, text
+    Command{200, RunQuery},            // database, text           count, storage kind[, file]
+    Command{210, RunPackedQuery},      // database, text           count, storage kind[, file]
+    Command{300, RunStatement},        // database, text
+    Command{310, RunBatch},            // database, n, n texts     when refused: code, position
+    Command{710, SendConnectionText},  // database  in place of the status: "1" and a text, or "0"
+    Command{900, RunProcedure},        // database, text           count, storage kind[, file]
 };
 
 }  // namespace

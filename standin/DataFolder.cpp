@@ -16,6 +16,7 @@ namespace qv::standin {
 namespace {
 
 constexpr const char* kAnswers = "answers";
+constexpr const char* kSettingsFile = "databases.json";
 constexpr std::size_t kLongestName = 64;
 constexpr std::string_view kSettingsDatabase = "PLATDB";
 constexpr std::chrono::seconds kSettingsTime{10};
@@ -44,8 +45,17 @@ Outcome DataFolder::Prepare() {
   if (error) return {ErrorCode::kNoDatabase, error.message()};
   if (Outcome locked = Lock(); !locked.Ok()) return locked;
   RemoveOldAnswers();
+  const std::string settings = (std::filesystem::path(path_) / kSettingsFile).string();
+  if (Outcome read = ReadDatabaseSettings(settings, settings_); !read.Ok()) return read;
+  return MakeSamples();
+}
+
+Outcome DataFolder::MakeSamples() const {
   for (const SampleDatabase& sample : SampleDatabases()) {
+    const DatabaseSettings* const settings = SettingsOf(sample.name);
+    if (settings != nullptr && !settings->odbc.empty()) continue;
     const std::string file = DatabaseFile(sample.name);
+    std::error_code error;
     if (std::filesystem::exists(file, error)) continue;
     if (Outcome made = CreateSample(sample, file); !made.Ok()) return made;
   }
@@ -95,6 +105,17 @@ Outcome DataFolder::SetCompression(bool on) {
 std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& limit) const {
   if (!IsDatabaseName(name)) return nullptr;
   return SqliteDatabase::Open(DatabaseFile(name), limit);
+}
+
+const std::string* DataFolder::ConnectionText(std::string_view name) const {
+  const DatabaseSettings* const settings = SettingsOf(name);
+  if (settings == nullptr || settings->connection_text.empty()) return nullptr;
+  return &settings->connection_text;
+}
+
+const DatabaseSettings* DataFolder::SettingsOf(std::string_view name) const {
+  const auto found = settings_.find(name);
+  return found != settings_.end() ? &found->second : nullptr;
 }
 
 std::string DataFolder::AnswerFolder() const {

@@ -8,12 +8,14 @@
 #include <string_view>
 
 #include "Database.h"
+#include "DatabaseSettings.h"
 #include "WorkLimit.h"
 
 namespace qv::standin {
 
-// Under the folder: db/NAME.sqlite for each logical database, answers/ for what is too large
-// for a reply. What Prepare has set up may then be used from any thread.
+// Under the folder: db/NAME.sqlite for each logical database, databases.json for those that live
+// elsewhere, answers/ for what is too large for a reply. What Prepare has set up may then be used
+// from any thread.
 class DataFolder {
  public:
   explicit DataFolder(std::string path) : path_(std::move(path)) {}
@@ -29,6 +31,9 @@ class DataFolder {
   // The database of that name; null when there is none. `limit` outlives it.
   [[nodiscard]] std::unique_ptr<Database> Open(std::string_view name, WorkLimit& limit) const;
 
+  // What clients connect with to work on the database themselves; null when there is no such text.
+  [[nodiscard]] const std::string* ConnectionText(std::string_view name) const;
+
   // With a separator at its end.
   [[nodiscard]] std::string AnswerFolder() const;
 
@@ -38,10 +43,13 @@ class DataFolder {
   };
 
   Outcome Lock();
+  Outcome MakeSamples() const;
   void RemoveOldAnswers() const;
+  [[nodiscard]] const DatabaseSettings* SettingsOf(std::string_view name) const;
   [[nodiscard]] std::string DatabaseFile(std::string_view name) const;
 
   std::string path_;
+  DatabaseSettingsByName settings_;
   std::unique_ptr<sqlite3, Closer> lock_;  // an open transaction, which ends with the process too
 };
 

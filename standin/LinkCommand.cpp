@@ -14,4 +14,19 @@ void AppendLog(Services& services, Request& request, Reply& reply) {
   reply.fields.Text(kSuccess);
 }
 
+void SendConnectionText(Services& services, Request& request, Reply& reply) {
+  constexpr std::string_view kKnown = "1";
+  constexpr std::string_view kUnknown = "0";
+  const auto name = request.fields.Text();
+  if (!name) return AddFailure(reply, {ErrorCode::kMalformedRequest, "the database is missing"});
+  reply.database = *name;
+  const std::string* const text = services.data.ConnectionText(*name);
+  reply.fields.Text(text != nullptr ? kKnown : kUnknown);
+  if (text != nullptr) {
+    reply.fields.Text(*text);
+  } else {
+    reply.outcome = {ErrorCode::kNoDatabase, "no connection text"};
+  }
+}
+
 }  // namespace qv::standin

@@ -1,4 +1,4 @@
-// The commands that need no database.
+// The commands that work on no database.
 #pragma once
 
 #include "Command.h"
@@ -8,5 +8,7 @@ namespace qv::standin {
 void CheckLink(Services& services, Request& request, Reply& reply);
 // Adds a line to the server's log.
 void AppendLog(Services& services, Request& request, Reply& reply);
+// What a client connects with that goes to the database itself.
+void SendConnectionText(Services& services, Request& request, Reply& reply);
 
 }  // namespace qv::standin

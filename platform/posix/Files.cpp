@@ -19,6 +19,8 @@ constexpr const char kDefaultTempFolder[] = "/tmp/";
 // What hosts have room for, without the NUL.
 constexpr std::size_t kMaxTempFolder = 259;
 
+bool HasOwnerOnly(const struct stat& status) { return (status.st_mode & (S_IRWXG | S_IRWXO)) == 0; }
+
 // Takes everybody else's rights to an open file away. False, and errno, when the file is none, or
 // somebody else's.
 bool MakePrivate(int descriptor) {
@@ -28,8 +30,7 @@ bool MakePrivate(int descriptor) {
     errno = EEXIST;
     return false;
   }
-  const bool is_private = (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-  return is_private || ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
+  return HasOwnerOnly(status) || ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
 }
 
 }  // namespace
@@ -57,6 +58,11 @@ std::FILE* CreatePrivateFile(const std::string& path, Create how) {
     errno = cause;
   }
   return file;
+}
+
+bool IsPrivate(std::FILE* file) {
+  struct stat status {};
+  return ::fstat(::fileno(file), &status) == 0 && S_ISREG(status.st_mode) && HasOwnerOnly(status);
 }
 
 bool CreatePrivateFolder(const std::string& path) {
