@@ -32,10 +32,19 @@ struct Services {
   std::uint64_t answer_limit;
 };
 
+enum class Dialect { kRowset, kSchema };
+
+// How a client wants answers that are rows.
+struct AnswerForm {
+  Dialect dialect = Dialect::kRowset;
+  bool packed = false;  // as gzip files, whichever command asks for them
+};
+
 struct Request {
   std::uint32_t command;
   FieldReader fields;
   WorkLimit& limit;
+  AnswerForm form = {};
 };
 
 struct Reply {

@@ -6,6 +6,7 @@
 #include "GzipStream.h"
 #include "ProcedureCall.h"
 #include "RowsetWriter.h"
+#include "SchemaWriter.h"
 
 namespace qv::standin {
 
@@ -17,13 +18,32 @@ constexpr std::uint64_t kLargestInReply = (1U << 20) - 1024;
 
 using Source = std::function<Outcome(Database&, const std::string& text, RowSink&)>;
 
-Outcome Write(Database& database, const std::string& text, const Source& source, ByteSink& target,
-              std::int32_t& rows) {
-  RowsetWriter writer(target);
-  Outcome outcome = source(database, text, writer);
-  if (outcome.Ok() && !writer.Finish()) outcome = {ErrorCode::kAnswerLost, "disk full?"};
-  rows = writer.RowCount();
+std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, ByteSink& target) {
+  if (dialect == Dialect::kSchema) return std::make_unique<SchemaWriter>(target);
+  return std::make_unique<RowsetWriter>(target);
+}
+
+// Where rows come from, and in what form they go out.
+struct Rows {
+  Database& database;
+  const std::string& text;
+  const Source& source;
+  AnswerForm form;
+  std::int32_t count = 0;
+};
+
+Outcome Write(Rows& rows, ByteSink& target) {
+  const auto writer = WriterFor(rows.form.dialect, target);
+  Outcome outcome = rows.source(rows.database, rows.text, *writer);
+  if (outcome.Ok() && !writer->Finish()) outcome = {ErrorCode::kAnswerLost, "disk full?"};
+  rows.count = writer->RowCount();
   return outcome;
+}
+
+Outcome WriteAnswer(Rows& rows, AnswerFile& answer) {
+  if (!rows.form.packed) return Write(rows, answer);
+  GzipStream gzip(answer);
+  return Write(rows, gzip);
 }
 
 void AddAnswer(std::string_view status, std::int32_t rows, std::unique_ptr<AnswerFile> answer,
@@ -38,7 +58,7 @@ void AddAnswer(std::string_view status, std::int32_t rows, std::unique_ptr<Answe
   }
 }
 
-void AnswerRows(Services& services, Request& request, Reply& reply, bool packed,
+void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm form,
                 const Source& source) {
   const auto name = request.fields.Text();
   const auto text = name ? request.fields.Text() : std::nullopt;
@@ -50,16 +70,10 @@ void AnswerRows(Services& services, Request& request, Reply& reply, bool packed,
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
   auto answer =
       std::make_unique<AnswerFile>(services.data.AnswerFolder(), threshold, services.answer_limit);
-  std::int32_t rows = 0;
-  Outcome outcome;
-  if (packed) {
-    GzipStream gzip(*answer);
-    outcome = Write(*database, *text, source, gzip, rows);
-  } else {
-    outcome = Write(*database, *text, source, *answer, rows);
-  }
+  Rows rows{*database, *text, source, form};
+  Outcome outcome = WriteAnswer(rows, *answer);
   if (!outcome.Ok()) return AddFailure(reply, std::move(outcome));
-  AddAnswer(packed ? kSuccessCompress : kSuccess, rows, std::move(answer), reply);
+  AddAnswer(form.packed ? kSuccessCompress : kSuccess, rows.count, std::move(answer), reply);
 }
 
 Outcome Query(Database& database, const std::string& text, RowSink& sink) {
@@ -76,15 +90,15 @@ Outcome CallOrQuery(Database& database, const std::string& text, RowSink& sink) 
 }  // namespace
 
 void RunQuery(Services& services, Request& request, Reply& reply) {
-  AnswerRows(services, request, reply, false, Query);
+  AnswerRows(services, request, reply, request.form, Query);
 }
 
 void RunPackedQuery(Services& services, Request& request, Reply& reply) {
-  AnswerRows(services, request, reply, true, Query);
+  AnswerRows(services, request, reply, {.dialect = request.form.dialect, .packed = true}, Query);
 }
 
 void RunProcedure(Services& services, Request& request, Reply& reply) {
-  AnswerRows(services, request, reply, false, CallOrQuery);
+  AnswerRows(services, request, reply, request.form, CallOrQuery);
 }
 
 }  // namespace qv::standin

@@ -1,29 +1,13 @@
 // Serves one client from its first request to its last.
 #pragma once
 
-#include <chrono>
-#include <cstdint>
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "ClientStream.h"
 #include "Command.h"
-#include "ServedCommand.h"
-#include "transports/frame/FrameIo.h"
+#include "SessionRules.h"
 
 namespace qv::standin {
 
-struct SessionRules {
-  std::string token;  // what every request must carry; empty when none is asked for
-  std::chrono::milliseconds first_timeout;  // how long a newcomer may say nothing
-  std::chrono::milliseconds idle_timeout;   // how long it may afterwards
-  std::chrono::milliseconds statement_limit;
-  std::uint64_t request_limit;  // the longest payload, in bytes
-  std::function<void(ServedCommand)> on_served;
-  std::function<void()> on_malformed_frame;
-};
-
+// One whose frames follow each other on the connection, with nothing around them.
 class Session {
  public:
   // All three outlive the session.
@@ -34,18 +18,7 @@ class Session {
   void Serve();
 
  private:
-  struct Message {
-    std::vector<unsigned char> token;
-    std::vector<unsigned char> block;
-    std::vector<unsigned char> payload;
-  };
-
   [[nodiscard]] bool ServeRequest();
-  [[nodiscard]] FrameStatus Receive(Message& message);
-  [[nodiscard]] bool MayEnter(const Message& message) const;
-  [[nodiscard]] bool Send(std::uint32_t command, const Reply& reply);
-  void Record(std::uint32_t command, const Reply& reply,
-              std::chrono::steady_clock::time_point start);
 
   ClientStream& stream_;
   Services& services_;

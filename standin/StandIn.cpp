@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "Secret.h"
+
 namespace qv::standin {
 
 namespace {
@@ -27,6 +29,7 @@ StandIn::StandIn(StandInOptions options)
       log_(LogFileIn(options_.data_folder)),
       services_{data_, log_, options_.memory_threshold, options_.answer_limit},
       rules_{.token = options_.token,
+             .login_token = NewSecret(),
              .first_timeout = options_.io_timeout,
              .idle_timeout = options_.idle_timeout,
              .statement_limit = options_.statement_limit,

@@ -1,0 +1,85 @@
+#include "Exchange.h"
+
+#include <string>
+
+#include "CommandTable.h"
+#include "Secret.h"
+#include "message/LittleEndian.h"
+
+namespace qv::standin {
+
+namespace {
+
+// No command here takes a file; one that comes along is read past when it is small.
+constexpr std::uint64_t kLongestUnwantedFile = 16ULL << 20;
+
+// What is remembered must not take a client's megabytes, nor its control characters.
+std::string Remark(std::string_view text) {
+  constexpr std::size_t kLongest = 160;
+  return OnOneLine(text.substr(0, kLongest));
+}
+
+}  // namespace
+
+FrameStatus Exchange::Receive(ByteStream& stream) {
+  const FrameLimits limits{.payload = rules_.request_limit, .file = kLongestUnwantedFile};
+  FrameHeader header;
+  FrameStatus status = ReceiveHeader(stream, FrameKind::kRequest, limits, header);
+  if (status != FrameStatus::kDone) return status;
+  token_.resize(header.token_length);
+  payload_.resize(static_cast<std::size_t>(header.payload_length));
+  status = ReceiveMessage(stream, {token_, block_, payload_});
+  command_ = LoadU32(block_.data());
+  if (status != FrameStatus::kDone || !header.file_length) return status;
+  return SkipFile(stream, *header.file_length);
+}
+
+bool Exchange::IsAllowed(std::string_view login_token) const {
+  if (rules_.token.empty()) return true;
+  const std::string_view token(reinterpret_cast<const char*>(token_.data()), token_.size());
+  return SameSecret(rules_.token, token) ||
+         (!login_token.empty() && SameSecret(rules_.login_token, login_token));
+}
+
+bool Exchange::Answer(AnswerForm form, bool allowed, const std::function<bool()>& abandoned) {
+  if (allowed) {
+    WorkLimit limit(rules_.statement_limit, abandoned);
+    reply_ = standin::Answer(services_, {command_, FieldReader(payload_), limit, form});
+  } else {
+    AddFailure(reply_, {ErrorCode::kAccessDenied, "wrong token"});
+  }
+  payload_ = {};  // a large request is not kept while its answer goes out
+  Record();
+  if (reply_.file == nullptr) return true;
+  file_ = OutgoingFile::Open(reply_.file->Path());
+  return file_.has_value();
+}
+
+std::uint64_t Exchange::ReplyLength() const {
+  FrameHeader header{.kind = FrameKind::kReply,
+                     .token_length = 0,
+                     .payload_length = reply_.fields.Payload().size(),
+                     .file_length = {}};
+  if (file_) header.file_length = file_->Length();
+  return FrameLength(header);
+}
+
+bool Exchange::Send(ByteStream& stream) {
+  std::array<unsigned char, kFrameBlockSize> block{};
+  StoreU32(block.data(), command_);
+  const OutgoingMessage message{
+      .kind = FrameKind::kReply, .token = {}, .block = block, .payload = reply_.fields.Payload()};
+  return SendFrame(stream, message, file_ ? &*file_ : nullptr) == FrameStatus::kDone;
+}
+
+void Exchange::Record() const {
+  const std::uint64_t file_bytes = reply_.file != nullptr ? reply_.file->Size() : 0;
+  rules_.on_served(
+      {.command = command_,
+       .database = Remark(reply_.database),
+       .outcome = reply_.outcome.Ok() ? "done" : Remark(reply_.outcome.text),
+       .bytes = reply_.fields.Payload().size() + file_bytes,
+       .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_)});
+}
+
+}  // namespace qv::standin

@@ -1,0 +1,52 @@
+// One request and its reply, whatever their frames travel over.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "Command.h"
+#include "SessionRules.h"
+#include "transports/frame/FrameIo.h"
+
+namespace qv::standin {
+
+// Receive, Answer and Send are called in this order, each once and only after the one before it
+// went well.
+class Exchange {
+ public:
+  // Both outlive the exchange.
+  Exchange(Services& services, const SessionRules& rules) : services_(services), rules_(rules) {}
+
+  [[nodiscard]] FrameStatus Receive(ByteStream& stream);
+  // Whether the request may be answered. `login_token` is what its sender showed besides the
+  // frame; empty when nothing.
+  [[nodiscard]] bool IsAllowed(std::string_view login_token = {}) const;
+  // Carries the request out, or refuses it when it is not `allowed`. Asks `abandoned` now and then
+  // whether anybody still waits. False when there is no reply that could be sent.
+  [[nodiscard]] bool Answer(AnswerForm form, bool allowed, const std::function<bool()>& abandoned);
+  // How many bytes Send is going to send.
+  [[nodiscard]] std::uint64_t ReplyLength() const;
+  [[nodiscard]] bool Send(ByteStream& stream);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void Record() const;
+
+  Services& services_;
+  const SessionRules& rules_;
+  const Clock::time_point start_ = Clock::now();
+  std::vector<unsigned char> token_;
+  std::array<unsigned char, kFrameBlockSize> block_{};
+  std::vector<unsigned char> payload_;
+  std::uint32_t command_ = 0;
+  Reply reply_;
+  std::optional<OutgoingFile> file_;
+};
+
+}  // namespace qv::standin
