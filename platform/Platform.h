@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace qv::platform {
 
@@ -59,6 +60,15 @@ bool RemoveFile(const std::string& path);
 // Asks for large pages under `bytes` of memory at `start` that were not touched yet. Only speed
 // depends on it.
 void PreferLargePages(void* start, std::size_t bytes);
+
+// Text in the platform's narrow code page (UTF-8 off Windows) as UTF-16, whatever the locale.
+// Nothing when it is no such text.
+[[nodiscard]] std::optional<std::u16string> WideFromNarrow(std::string_view text);
+
+// UTF-16 in the platform's narrow code page; half of a character, and what the code page lacks,
+// becomes its replacement character. AppendNarrow adds to `text`, to reuse its memory.
+[[nodiscard]] std::string NarrowFromWide(std::u16string_view wide);
+void AppendNarrow(std::u16string_view wide, std::string& text);
 
 // Seconds since 1970.
 [[nodiscard]] std::int64_t UnixTime();

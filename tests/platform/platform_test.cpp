@@ -128,6 +128,29 @@ TEST(Platform, MakesFoldersWithThoseAbove) {
   EXPECT_FALSE(CreatePrivateFolder(folder.Write("file", "") + "/below"));
 }
 
+TEST(Platform, ConvertsTextWhateverTheLocale) {
+  const std::pair<const char*, const char16_t*> both_ways[] = {
+      {"", u""},
+      {"plain", u"plain"},
+      {"é中\U0001F600z", u"é中\U0001F600z"},
+      {"\uFFFF\U0010FFFF", u"\uFFFF\U0010FFFF"}};
+  for (const auto& [narrow, wide] : both_ways) {
+    EXPECT_EQ(WideFromNarrow(narrow), std::u16string(wide)) << narrow;
+    EXPECT_EQ(NarrowFromWide(wide), narrow);
+  }
+  EXPECT_EQ(WideFromNarrow(std::string_view("a\0b", 3)), std::u16string(u"a\0b", 3));
+  for (const char* const bad : {"\xFF", "a\x80", "\xE4\xB8", "\xC0\xAF", "\xED\xA0\x80",
+                                "\xF4\x90\x80\x80", "\xF0\x9F\x98"}) {
+    EXPECT_EQ(WideFromNarrow(bad), std::nullopt) << bad;
+  }
+  const std::u16string half(1, char16_t{0xD83D});
+  const std::u16string other_half(1, char16_t{0xDE00});
+  EXPECT_EQ(NarrowFromWide(half + u"a"), "\uFFFDa");
+  EXPECT_EQ(NarrowFromWide(u"a" + half), "a\uFFFD");
+  EXPECT_EQ(NarrowFromWide(half + half + other_half), "\uFFFD\U0001F600");
+  EXPECT_EQ(NarrowFromWide(other_half + half), "\uFFFD\uFFFD");
+}
+
 TEST(Platform, KnowsWhereItIs) {
   EXPECT_TRUE(std::filesystem::is_regular_file(ModuleFile()));
   EXPECT_TRUE(std::filesystem::path(ModuleFile()).is_absolute());

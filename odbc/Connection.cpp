@@ -1,0 +1,119 @@
+#include "Connection.h"
+
+#include <algorithm>
+
+#include "DriverCalls.h"
+
+namespace qv::odbc {
+
+namespace {
+
+SQLPOINTER AsValue(std::uintptr_t value) { return reinterpret_cast<SQLPOINTER>(value); }
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0; });
+}
+
+}  // namespace
+
+std::unique_ptr<Connection> Connection::Open(std::string_view text, const Limits& limits,
+                                             Diagnostics& diagnostics) {
+  std::unique_ptr<Connection> connection(new Connection(limits));  // its constructor is private
+  if (!connection->Prepare(diagnostics) || !connection->Connect(text, diagnostics)) return nullptr;
+  return connection;
+}
+
+Connection::~Connection() {
+  Disconnect();
+  if (connection_ != nullptr) SQLFreeHandle(SQL_HANDLE_DBC, connection_);
+  if (environment_ != nullptr) SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+}
+
+bool Connection::Prepare(Diagnostics& diagnostics) {
+  const bool done =
+      SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_)) &&
+      SQL_SUCCEEDED(SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, AsValue(SQL_OV_ODBC3), 0)) &&
+      SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_));
+  if (!done) {
+    diagnostics.push_back({kNoReason, 0, "the driver manager cannot be used"});
+    return false;
+  }
+  // Drivers that cannot limit the time say so, and connect all the same.
+  SQLSetConnectAttr(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsValue(limits_.login_seconds), 0);
+  return true;
+}
+
+bool Connection::Connect(std::string_view text, Diagnostics& diagnostics) {
+  // What kind of driver it is shows only when it is connected. Plain ASCII reaches both kinds
+  // unharmed; any other text reaches a narrow driver only by the narrow call, and a wide one only
+  // by the wide call.
+  Diagnostics narrow;
+  if (!IsAscii(text)) {
+    const bool connected = ConnectAs(false, text, narrow);
+    if (connected && EncodingOf(connection_) == Encoding::kNarrow) return true;
+    Disconnect();
+  }
+  if (ConnectAs(true, text, diagnostics)) {
+    is_wide_ = EncodingOf(connection_) == Encoding::kWide;
+    if (is_wide_ || IsAscii(text)) return true;
+    Disconnect();
+  }
+  // Of two attempts, nobody knows which one the driver understood.
+  diagnostics.insert(diagnostics.end(), narrow.begin(), narrow.end());
+  return false;
+}
+
+bool Connection::ConnectAs(bool wide, std::string_view text, Diagnostics& diagnostics) {
+  is_wide_ = wide;
+  auto given = DriverText::From(text, wide ? Encoding::kWide : Encoding::kNarrow, diagnostics);
+  if (!given) return false;
+  is_connected_ = SQL_SUCCEEDED(given->Connect(connection_));
+  return is_connected_ || Failed(diagnostics);
+}
+
+bool Connection::Begin(Diagnostics& diagnostics) {
+  if (!SetAutocommit(false, diagnostics)) return false;
+  in_transaction_ = true;
+  return true;
+}
+
+bool Connection::Commit(Diagnostics& diagnostics) { return End(SQL_COMMIT, diagnostics); }
+
+bool Connection::Rollback(Diagnostics& diagnostics) { return End(SQL_ROLLBACK, diagnostics); }
+
+bool Connection::End(std::int16_t how, Diagnostics& diagnostics) {
+  if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_, how))) return Failed(diagnostics);
+  in_transaction_ = false;
+  // What was to be done is done; should this fail, the next statement does too.
+  Diagnostics ignored;
+  static_cast<void>(SetAutocommit(true, ignored));
+  return true;
+}
+
+bool Connection::IsLost() const {
+  SQLUINTEGER dead = SQL_CD_FALSE;
+  const SQLRETURN result =
+      SQLGetConnectAttr(connection_, SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr);
+  return SQL_SUCCEEDED(result) && dead == SQL_CD_TRUE;
+}
+
+bool Connection::SetAutocommit(bool on, Diagnostics& diagnostics) {
+  const SQLPOINTER value = AsValue(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF);
+  const SQLRETURN result = SQLSetConnectAttr(connection_, SQL_ATTR_AUTOCOMMIT, value, 0);
+  return SQL_SUCCEEDED(result) || Failed(diagnostics);
+}
+
+bool Connection::Failed(Diagnostics& diagnostics) const {
+  Collect(SQL_HANDLE_DBC, connection_, is_wide_ ? Encoding::kWide : Encoding::kNarrow, diagnostics);
+  return false;
+}
+
+void Connection::Disconnect() {
+  if (!is_connected_) return;
+  // No driver lets go of a connection in the middle of a transaction.
+  if (in_transaction_) SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK);
+  SQLDisconnect(connection_);
+  is_connected_ = false;
+}
+
+}  // namespace qv::odbc
