@@ -40,6 +40,9 @@ bool Connection::Prepare(Diagnostics& diagnostics) {
   }
   // Drivers that cannot limit the time say so, and connect all the same.
   SQLSetConnectAttr(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsValue(limits_.login_seconds), 0);
+  if (limits_.reads_only) {
+    SQLSetConnectAttr(connection_, SQL_ATTR_ACCESS_MODE, AsValue(SQL_MODE_READ_ONLY), 0);
+  }
   return true;
 }
 
@@ -88,6 +91,15 @@ bool Connection::End(std::int16_t how, Diagnostics& diagnostics) {
   Diagnostics ignored;
   static_cast<void>(SetAutocommit(true, ignored));
   return true;
+}
+
+std::string Connection::Product() const {
+  std::string name(128, '\0');
+  SQLSMALLINT length = 0;
+  const SQLRETURN result = SQLGetInfo(connection_, SQL_DBMS_NAME, name.data(),
+                                      static_cast<SQLSMALLINT>(name.size()), &length);
+  if (!SQL_SUCCEEDED(result)) return {};
+  return name.substr(0, name.find('\0'));
 }
 
 bool Connection::IsLost() const {

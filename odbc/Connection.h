@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "Diagnostics.h"
@@ -13,6 +14,8 @@ struct Limits {
   // In seconds; 0 is as long as it takes. Both are as good as the driver's word.
   std::uint32_t login_seconds = 15;
   std::uint32_t query_seconds = 0;
+  // Tells the driver that nothing will be changed; few care.
+  bool reads_only = false;
   // The longest cell that is read, in bytes as the driver gives it.
   std::size_t cell_bytes = std::size_t{1} << 30;
 };
@@ -34,6 +37,9 @@ class Connection {
   [[nodiscard]] bool Begin(Diagnostics& diagnostics);
   [[nodiscard]] bool Commit(Diagnostics& diagnostics);
   bool Rollback(Diagnostics& diagnostics);
+
+  // What the engine calls itself; empty when it does not say.
+  [[nodiscard]] std::string Product() const;
 
   // Whether the driver knows that its server is gone.
   [[nodiscard]] bool IsLost() const;

@@ -127,6 +127,26 @@ SQLRETURN DriverText::Execute(SQLHSTMT statement) {
                        static_cast<SQLINTEGER>(narrow_.size()));
 }
 
+SQLRETURN DriverText::Bind(SQLHSTMT statement, SQLUSMALLINT number) {
+  // Longer ones are another type to some engines.
+  constexpr SQLULEN kLongestPlain = 4000;
+  const bool is_wide = encoding_ == Encoding::kWide;
+  const SQLULEN size = std::max<std::size_t>({wide_.size(), narrow_.size(), 1});
+  const bool is_plain = size <= kLongestPlain;
+  const SQLSMALLINT wide_type = is_plain ? SQL_WVARCHAR : SQL_WLONGVARCHAR;
+  const SQLSMALLINT narrow_type = is_plain ? SQL_VARCHAR : SQL_LONGVARCHAR;
+  bytes_ = static_cast<SQLLEN>(is_wide ? wide_.size() * sizeof(SQLWCHAR) : narrow_.size());
+  SQLPOINTER const text = is_wide ? static_cast<void*>(wide_.data()) : narrow_.data();
+  return SQLBindParameter(statement, number, SQL_PARAM_INPUT, is_wide ? SQL_C_WCHAR : SQL_C_CHAR,
+                          is_wide ? wide_type : narrow_type, size, 0, text, bytes_, &bytes_);
+}
+
+SQLRETURN DriverText::BindNull(SQLHSTMT statement, SQLUSMALLINT number) {
+  static SQLLEN null = SQL_NULL_DATA;  // which drivers only read
+  return SQLBindParameter(statement, number, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 1, 0,
+                          nullptr, 0, &null);
+}
+
 std::optional<ColumnFacts> DescribeColumn(SQLHSTMT statement, SQLUSMALLINT number,
                                           Encoding encoding) {
   return encoding == Encoding::kWide ? DescribeAs<char16_t>(statement, number)

@@ -32,11 +32,17 @@ class DriverText {
 
   [[nodiscard]] SQLRETURN Connect(SQLHDBC connection);
   [[nodiscard]] SQLRETURN Execute(SQLHSTMT statement);
+  // Binds the text, which has to stay where it is while the statement runs.
+  [[nodiscard]] SQLRETURN Bind(SQLHSTMT statement, SQLUSMALLINT number);
+
+  // The same for a null.
+  [[nodiscard]] static SQLRETURN BindNull(SQLHSTMT statement, SQLUSMALLINT number);
 
  private:
   Encoding encoding_ = Encoding::kWide;
   std::u16string wide_;
   std::string narrow_;
+  SQLLEN bytes_ = 0;  // while it is bound
 };
 
 // What SQLDescribeCol tells.

@@ -137,6 +137,30 @@ bool Statement::Execute(std::string_view sql, Diagnostics& diagnostics) {
   return Describe(diagnostics);
 }
 
+bool Statement::Execute(std::string_view sql, std::span<const Argument> arguments,
+                        Diagnostics& diagnostics) {
+  const Encoding encoding = EncodingFor(connection_.is_wide_);
+  std::vector<DriverText> texts;
+  texts.reserve(arguments.size());  // they are bound where they lie
+  bool done = true;
+  SQLUSMALLINT number = 0;
+  for (const Argument& argument : arguments) {
+    if (argument) {
+      auto text = DriverText::From(*argument, encoding, diagnostics);
+      if (!text) break;
+      texts.push_back(std::move(*text));
+    }
+    ++number;
+    const SQLRETURN result =
+        argument ? texts.back().Bind(statement_, number) : DriverText::BindNull(statement_, number);
+    done = SQL_SUCCEEDED(result) || Failed(diagnostics);
+    if (!done) break;
+  }
+  done = number == arguments.size() && done && Execute(sql, diagnostics);
+  SQLFreeStmt(statement_, SQL_RESET_PARAMS);
+  return done;
+}
+
 Step Statement::NextResult(Diagnostics& diagnostics) {
   columns_.clear();
   const SQLRETURN result = SQLMoreResults(statement_);

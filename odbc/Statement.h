@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +49,8 @@ struct Timestamp {
   std::int32_t second = 0;
 };
 
+using Argument = std::optional<std::string>;
+
 enum class Step { kNext, kEnd, kFailed };
 enum class CellState {
   kValue,
@@ -68,6 +72,10 @@ class Statement {
 
   // Runs a text; the rows of the text before are gone. It stands at its first result.
   [[nodiscard]] bool Execute(std::string_view sql, Diagnostics& diagnostics);
+  // The same with texts, or nulls, for the question marks in it; the engine makes of the texts what
+  // it needs.
+  [[nodiscard]] bool Execute(std::string_view sql, std::span<const Argument> arguments,
+                             Diagnostics& diagnostics);
   // Goes on to the next result, of the several that some texts have.
   [[nodiscard]] Step NextResult(Diagnostics& diagnostics);
 

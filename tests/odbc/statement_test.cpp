@@ -179,5 +179,24 @@ TEST_F(Statements, AreCancelledFromOtherThreads) {
   EXPECT_THAT(said_, Not(IsEmpty()));
 }
 
+TEST_F(Statements, TakeTextsAndNullsForQuestionMarks) {
+  const auto connection = Connect();
+  ASSERT_NE(connection, nullptr) << TextOf(said_);
+  EXPECT_THAT(connection->Product(), HasSubstr("SQLite"));
+  const std::string long_text(70000, 'x');
+  const std::vector<Argument> arguments{"'中\U0001F600?", std::nullopt, "", long_text};
+  Statement statement(*connection);
+  const std::string sql = "select ? || 'y', ? is null, ?, length(?)";
+  ASSERT_TRUE(statement.Execute(sql, arguments, said_)) << TextOf(said_);
+  ASSERT_EQ(statement.Next(said_), Step::kNext);
+  std::size_t column = 0;
+  for (const char* const expected : {"'中\U0001F600?y", "1", "", "70000"}) {
+    std::string text;
+    EXPECT_EQ(statement.ReadText(column++, text, said_), CellState::kValue);
+    EXPECT_EQ(text, expected);
+  }
+  EXPECT_FALSE(statement.Execute("select ?", std::vector<Argument>{"\xff"}, said_));
+}
+
 }  // namespace
 }  // namespace qv::odbc
