@@ -4,6 +4,9 @@
 #include <limits>
 #include <map>
 #include <ostream>
+#include <string>
+
+#include "OptionRules.h"
 
 namespace qv {
 namespace {
@@ -18,28 +21,47 @@ CLI::Validator NotEmpty() {
           ""};
 }
 
-void AddConnection(CLI::App& app, Connection& connection) {
-  app.add_option("--server", connection.server, "Host name or address of the server")
+void AddServer(CLI::App& app, Connection& connection) {
+  app.add_option("--server", connection.server,
+                 "Host name or address of the server; with --web it may begin with https://")
       ->envname("QVCALL_SERVER")
       ->check(NotEmpty())
       ->capture_default_str();
-  app.add_option("--port", connection.port, "Port of the server")
+  app.add_option("--port", connection.port, "Port of the server; needed unless --direct")
       ->envname("QVCALL_PORT")
-      ->check(CLI::Range(1, 65535))
-      ->required();
+      ->check(CLI::Range(1, 65535));
+  app.add_flag("--web", connection.web,
+               "Talk HTTP. Without it, ServerType in the QvNetClient.ini beside the library says "
+               "what to talk");
+  app.add_option("--http-port", connection.http_port, "Port that --web uses; --port without it")
+      ->envname("QVCALL_HTTP_PORT")
+      ->check(CLI::Range(1, 65535));
   app.add_option("--token", connection.token,
                  "Access token; the environment does not show it to other users")
       ->envname("QVCALL_TOKEN")
       ->check(NotEmpty());
+  app.add_option("--ca-file", connection.ca_file,
+                 "Authorities whose certificates are good for https://, as PEM; the system's "
+                 "without it")
+      ->check(CLI::ExistingFile);
   app.add_option("--timeout-ms", connection.timeout_ms,
                  "Longest time to connect, and to wait without progress, in milliseconds")
       ->check(CLI::Range(1, std::numeric_limits<int>::max()));
 }
 
-void AddDatabase(CLI::App& command, std::string& database) {
-  command.add_option("--db", database, "Name of the database on the server")
+void AddDirect(CLI::App& app, std::string& connection_text) {
+  app.add_option("--direct", connection_text,
+                 "Work on the database of this ODBC connection text, without any server. It may "
+                 "hold a password: the environment does not show it to other users")
+      ->envname("QVCALL_DIRECT")
       ->check(NotEmpty())
-      ->required();
+      ->option_text("CONNSTR (Env:QVCALL_DIRECT)");
+}
+
+constexpr const char kDatabaseHelp[] = "Name of the database on the server; needed unless --direct";
+
+void AddDatabase(CLI::App& command, std::string& database, const char* help = kDatabaseHelp) {
+  command.add_option("--db", database, help)->check(NotEmpty());
 }
 
 void AddStatement(CLI::App& command, std::string& sql) {
@@ -66,7 +88,8 @@ QueryCommand AddQuery(CLI::App& app, const char* name, const char* description,
           ->add_option(
               "--cache", query.cache_folder,
               "Keep answers in DIR and use them while the server cannot be reached. "
-              "Without DIR, a folder of the user's own; then write it behind the statement")
+              "Without DIR, a folder of the user's own; then write it behind the statement. "
+              "Not with --web or --direct")
           ->expected(0, 1)
           ->option_text("[DIR]");
   command->add_flag("--offline", query.offline,
@@ -91,9 +114,11 @@ CLI::App* AddBatch(CLI::App& app, BatchOptions& batch) {
   CLI::App* command =
       app.add_subcommand("batch", "Run the statements of a file, all of them or none");
   command->add_option("file", batch.file, "The file; - is standard input")->required();
-  AddDatabase(*command, batch.database);
+  AddDatabase(*command, batch.database, "Name of the database on the server; needed");
   command->footer(
-      "Statements end at each \";\" outside quotes, names in square brackets and comments.");
+      "Statements end at each \";\" outside quotes, names in square brackets and comments.\n"
+      "A batch goes over the socket transport, with --web as well: to --port, or without one to "
+      "--http-port, for a server that takes both there. Not with --direct.");
   return command;
 }
 
@@ -110,8 +135,12 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   app.fallthrough()->require_subcommand(1);
   app.footer(
       "Exit status: 0 success, 1 a failed call, 2 wrong usage.\n"
-      "Example: qvcall --port 4000 query \"SELECT * FROM projects\" --db DESIGNDB");
-  AddConnection(app, parsed.command.connection);
+      "Examples:\n"
+      "  qvcall --port 4000 query \"SELECT * FROM projects\" --db DESIGNDB\n"
+      "  qvcall --web --http-port 8080 query \"SELECT * FROM projects\" --db DESIGNDB\n"
+      "  qvcall --direct \"Driver=SQLite3;Database=plans.db\" query \"SELECT * FROM projects\"");
+  AddServer(app, parsed.command.connection);
+  AddDirect(app, parsed.command.connection.direct);
   const QueryCommand query_command =
       AddQuery(app, "query", "Run a SELECT statement and print its rows", query);
   const QueryCommand call_command =
@@ -121,14 +150,17 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   app.add_subcommand("ping", "Ask whether the server answers");
   try {
     app.parse(argc, argv);
+    TakeQuery(query_command, query, parsed.command);
+    TakeQuery(call_command, call, parsed.command);
+    if (exec_command->parsed()) parsed.command.exec = exec;
+    if (batch_command->parsed()) parsed.command.batch = batch;
+    const std::string_view broken = BrokenRule(parsed.command);
+    if (!broken.empty()) {
+      throw CLI::ParseError(std::string(broken), CLI::ExitCodes::ValidationError);
+    }
   } catch (const CLI::ParseError& error) {
     parsed.exit_status = app.exit(error, out, err) == 0 ? kDone : kUsage;
-    return parsed;
   }
-  TakeQuery(query_command, query, parsed.command);
-  TakeQuery(call_command, call, parsed.command);
-  if (exec_command->parsed()) parsed.command.exec = exec;
-  if (batch_command->parsed()) parsed.command.batch = batch;
   return parsed;
 }
 

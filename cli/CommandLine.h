@@ -14,18 +14,25 @@ constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
-// Where the server is and how to talk to it.
+// What to talk to, and how.
 struct Connection {
   std::string server = "127.0.0.1";
-  int port = 0;
-  std::string token;                // empty: none
+  int port = 0;                     // 0: not given
+  int http_port = 0;                // likewise
+  bool web = false;                 // HTTP, whatever the library's configuration says
+  std::string token{};              // empty: none
+  std::string ca_file{};            // empty: the system's
   std::optional<int> timeout_ms{};  // none: the transport's own
+  std::string direct{};             // a connection text: its database, and no server
+
+  // The port of the server, as it is talked to; 0 when it was not given.
+  [[nodiscard]] int Port() const { return web && http_port != 0 ? http_port : port; }
 };
 
 struct QueryOptions {
   Call call = Call::kQuery;  // or kProcedure
   std::string sql{};         // "-": standard input has it
-  std::string database{};
+  std::string database{};    // empty only in direct mode; so in the other commands
   Format format = Format::kTable;
   bool use_cache = false;
   std::string cache_folder{};  // empty: the user's default folder

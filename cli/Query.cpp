@@ -17,30 +17,32 @@ namespace qv {
 namespace {
 
 // Runs the text by the call that the command stands for.
-int RunText(const QueryOptions& options, const CString& text, CRvoDbRes& rows) {
+int RunText(const QueryOptions& options, const char* database, const CString& text,
+            CRvoDbRes& rows) {
   const auto call =
       options.call == Call::kProcedure ? CRvoDatabase::ExecuteSP : CRvoDatabase::SelectSQL;
-  return call(&text, &rows, options.database.c_str(), options.use_cache ? 1 : 0);
+  return call(&text, &rows, database, options.use_cache ? 1 : 0);
 }
 
 // An empty query has the library load the server's settings, or its kept ones while it is offline,
 // and send nothing else. A procedure does not load them, and without them nothing is kept.
-void LoadSettings(const std::string& database) {
+void LoadSettings(const Session& session) {
   const CString nothing;
   CRvoDbRes no_rows;
-  (void)CRvoDatabase::SelectSQL(&nothing, &no_rows, database.c_str(), 1);
+  (void)CRvoDatabase::SelectSQL(&nothing, &no_rows, session.Database(), 1);
 }
 
 // Goes offline by choice. The server's kept settings must allow keeping answers, or the text itself
 // would go to the server after all.
-bool GoOffline(const std::string& database, std::ostream& err) {
+bool GoOffline(const Session& session, std::ostream& err) {
   if (CRvoServer::SetCacheState(1) != 1) {
     fmt::print(err,
-               "qvcall: this kind of server has no offline work; check ServerType in "
-               "QvNetClient.ini beside the library\n");
+               "qvcall: {} counts as a web server, by ServerType in the QvNetClient.ini beside the "
+               "library or because nobody answered there, and web servers have no offline work\n",
+               session.Address());
     return false;
   }
-  LoadSettings(database);
+  LoadSettings(session);
   if (CRvoDatabase::GetServerIsSetCatche() != 1) {
     fmt::print(err,
                "qvcall: the cache folder holds no answers of this server, or the server does "
@@ -51,6 +53,10 @@ bool GoOffline(const std::string& database, std::ostream& err) {
 }
 
 bool PrepareCache(const Session& session, const QueryOptions& options, std::ostream& err) {
+  if (session.Way() == Route::kWeb && !options.offline) {
+    fmt::print(err, "--cache is not used: a web server has no offline work\n");
+    return true;
+  }
   std::optional<std::string> folder = options.cache_folder;
   if (folder->empty()) folder = DefaultCacheFolder();
   if (!folder) {
@@ -65,23 +71,23 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
     // A cache that fails costs no answer that the server can give.
     return !options.offline;
   }
-  if (options.offline) return GoOffline(options.database, err);
+  if (options.offline) return GoOffline(session, err);
   // Only a failed contact tells the library that it is offline, and then it answers from the cache.
   (void)session.Probe();
-  LoadSettings(options.database);
+  LoadSettings(session);
   return true;
 }
 
 // Fills `rows`; the connection is not kept while somebody pages through them.
 bool Fetch(const Connection& connection, const QueryOptions& options, const std::string& sql,
            CRvoDbRes& rows, std::ostream& err) {
-  const Session session(connection);
-  if (!session.Configure(err)) return false;
+  Session session(connection, options.database);
+  if (!session.Start(err)) return false;
   if (options.use_cache && !PrepareCache(session, options, err)) return false;
 
-  const int code = RunText(options, CString(std::string_view(sql)), rows);
+  const int code = RunText(options, session.Database(), CString(std::string_view(sql)), rows);
   if (code != 0) {
-    PrintFailure(options.call, code, err);
+    PrintFailure(options.call, session.Way(), code, err);
     return false;
   }
   // An answer from the server would have brought the client back online.

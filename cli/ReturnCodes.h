@@ -9,6 +9,9 @@ namespace qv {
 // The calls, by the commands that make them; the same number means something else for each.
 enum class Call { kQuery, kProcedure, kExec, kBatch };
 
+// What a call went through; here, too, the same number means something else for each.
+enum class Route { kSocket, kWeb, kDirect };
+
 // A refused batch gives this and the number of the refused statement.
 constexpr int kRefusedBatch = 100;
 
@@ -19,8 +22,8 @@ struct ReturnCode {
 };
 
 // The words for a result of that call; every value has some.
-[[nodiscard]] ReturnCode ExplainResult(Call call, int code);
+[[nodiscard]] ReturnCode ExplainResult(Call call, Route route, int code);
 
-void PrintFailure(Call call, int code, std::ostream& err);
+void PrintFailure(Call call, Route route, int code, std::ostream& err);
 
 }  // namespace qv

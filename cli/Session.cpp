@@ -2,41 +2,120 @@
 
 #include <fmt/ostream.h>
 
-#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "qvnetcall/RvoServer.h"
+#include "LoadedFunction.h"
+#include "qvnetcall/QvNetCall4.h"
+#include "qvnetcall/transport/HttpParameters.h"
 
 namespace qv {
+namespace {
 
-Session::Session(const Connection& connection) : connection_(connection) {
-  CRvoServer::InitNet();
-  CRvoServer::SetConinfo(connection.server.c_str(), connection.port);
-}
+constexpr const char kSocketServer[] = "TCP_IP";
+constexpr const char kWebServer[] = "WEB_IIS";
+constexpr std::string_view kPlainScheme = "http://";
 
-Session::~Session() { CRvoServer::FinitNet(); }
+bool HasScheme(std::string_view server) { return server.find("://") != std::string_view::npos; }
 
-bool Session::Configure(std::ostream& err) const {
-  std::vector<std::pair<const char*, std::string>> parameters;
-  if (!connection_.token.empty()) parameters.emplace_back("token", connection_.token);
-  if (connection_.timeout_ms) {
-    const std::string timeout = std::to_string(*connection_.timeout_ms);
+using Parameters = std::vector<std::pair<const char*, std::string>>;
+
+Parameters Wanted(const Connection& connection, Route route) {
+  Parameters parameters;
+  if (!connection.token.empty()) parameters.emplace_back("token", connection.token);
+  if (connection.timeout_ms) {
+    const std::string timeout = std::to_string(*connection.timeout_ms);
     parameters.emplace_back("connect_timeout_ms", timeout);
     parameters.emplace_back("io_timeout_ms", timeout);
   }
-  for (const auto& [name, value] : parameters) {
-    if (CRvoServer::SetNetClientPara(name, value.c_str()) != 1) {
-      fmt::print(err, "qvcall: the transport does not take this value of its parameter {}\n", name);
-      return false;
-    }
+  if (route == Route::kWeb && !connection.ca_file.empty()) {
+    parameters.emplace_back("ca_file", connection.ca_file);
+  }
+  return parameters;
+}
+
+// Whether the transport of that route took a parameter. That of another maker may know none.
+bool Take(Route route, const char* name, const std::string& value) {
+  if (route == Route::kSocket) return CRvoServer::SetNetClientPara(name, value.c_str()) == 1;
+  const auto set = LoadedFunction<decltype(HttpworkSetParameter)>("HttpworkSetParameter");
+  return set != nullptr && set(name, value.c_str()) == 1;
+}
+
+}  // namespace
+
+Session::Session(const Connection& connection, std::string database, Calls calls)
+    : connection_(connection),
+      calls_(calls),
+      database_(std::move(database)),
+      server_(connection.server),
+      port_(connection.Port()) {
+  if (database_.empty()) database_ = "direct";
+  if (calls == Calls::kOverSocket) {
+    if (connection.port != 0) port_ = connection.port;
+    if (server_.rfind(kPlainScheme, 0) == 0) server_.erase(0, kPlainScheme.size());
+  }
+  CRvoServer::InitNet();
+}
+
+Session::~Session() {
+  if (route_ == Route::kDirect) {
+    CRvoServer::CloseLocalDB(database_.c_str());
+    CRvoServer::UseLocalDB(0);
+  }
+  CRvoServer::FinitNet();
+}
+
+bool Session::Start(std::ostream& err) {
+  if (!connection_.direct.empty()) return OpenDirect(err);
+  CRvoServer::SetConinfo(server_.c_str(), port_);
+  return FindRoute(err) && Configure(err);
+}
+
+std::string Session::Address() const {
+  const bool web = route_ == Route::kWeb && !HasScheme(server_);
+  return fmt::format("{}{}:{}", web ? kPlainScheme : "", server_, port_);
+}
+
+bool Session::Probe() const {
+  return CRvoServer::CheckServerLink(server_.c_str(), static_cast<unsigned long>(port_)) == 1;
+}
+
+bool Session::FindRoute(std::ostream& err) {
+  const auto port = static_cast<unsigned long>(port_);
+  if (calls_ == Calls::kByServerType) {
+    if (connection_.web) CRvoServer::SetServerType(kWebServer, server_.c_str(), port);
+    CString type;
+    CRvoServer::GetServerType(type, server_.c_str(), port);
+    if (type.CompareNoCase(kWebServer) == 0) route_ = Route::kWeb;
+  }
+  if (route_ == Route::kWeb || !HasScheme(server_)) return true;
+  fmt::print(err,
+             "qvcall: {} is not the name of a server; one with a scheme goes only with --web\n",
+             server_);
+  return false;
+}
+
+bool Session::Configure(std::ostream& err) const {
+  for (const auto& [name, value] : Wanted(connection_, route_)) {
+    if (Take(route_, name, value)) continue;
+    fmt::print(err, "qvcall: the {} transport does not take this value of its parameter {}\n",
+               route_ == Route::kWeb ? "HTTP" : "socket", name);
+    return false;
   }
   return true;
 }
 
-bool Session::Probe() const {
-  return CRvoServer::CheckServerLink(connection_.server.c_str(),
-                                     static_cast<unsigned long>(connection_.port)) == 1;
+bool Session::OpenDirect(std::ostream& err) {
+  route_ = Route::kDirect;
+  // Or a procedure call would look for the kind of a server that is not there.
+  CRvoServer::SetServerType(kSocketServer, "", 0);
+  CRvoServer::UseLocalDB(1);
+  // The settings of a server are none of this database's business.
+  CRvoDatabase::m_NeedUpdateCompressState = 0;
+  if (CRvoServer::OpenLocalDB(database_.c_str(), connection_.direct.c_str()) == 1) return true;
+  fmt::print(err, "qvcall: the database cannot be opened; check the connection text (--direct)\n");
+  return false;
 }
 
 }  // namespace qv

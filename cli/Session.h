@@ -1,28 +1,55 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
 
 #include "CommandLine.h"
+#include "ReturnCodes.h"
 
 namespace qv {
 
-// The library, started for one server and stopped at the end; one at a time.
+// The library, started for one command and stopped at the end; one at a time.
 class Session {
  public:
-  explicit Session(const Connection& connection);
+  // What a command's calls go through.
+  enum class Calls {
+    kByServerType,  // the transport for the server's kind, or a database in direct mode
+    kOverSocket,    // the socket transport, whatever the server's kind
+  };
+
+  // `connection` outlives the session. A database in direct mode is known as `database`.
+  Session(const Connection& connection, std::string database, Calls calls = Calls::kByServerType);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // Hands the token and the deadlines to the transport. False, with the reason on `err`, when it
-  // does not take one: sending on without it would not be what the user asked for.
-  [[nodiscard]] bool Configure(std::ostream& err) const;
+  // Hands the token, the authorities and the deadlines to the transport that is used, or opens the
+  // database. False, with the reason on `err`, when one is not taken: going on without it would not
+  // be what the user asked for.
+  [[nodiscard]] bool Start(std::ostream& err);
 
-  // Asks the server whether it is there; also teaches the transport the state of the network.
+  // What the calls go through; valid once the session is started.
+  [[nodiscard]] Route Way() const { return route_; }
+  // The server as a user would write it.
+  [[nodiscard]] std::string Address() const;
+  // The name under which calls find the database.
+  [[nodiscard]] const char* Database() const { return database_.c_str(); }
+
+  // Asks over the socket whether the server is there; also teaches the transport the state of the
+  // network.
   [[nodiscard]] bool Probe() const;
 
  private:
+  [[nodiscard]] bool FindRoute(std::ostream& err);
+  [[nodiscard]] bool OpenDirect(std::ostream& err);
+  [[nodiscard]] bool Configure(std::ostream& err) const;
+
   const Connection& connection_;
+  const Calls calls_;
+  std::string database_;
+  std::string server_;
+  int port_ = 0;
+  Route route_ = Route::kSocket;
 };
 
 }  // namespace qv

@@ -4,6 +4,7 @@
 #include <exception>
 #include <iostream>
 
+#include "cli/Batch.h"
 #include "cli/CommandLine.h"
 #include "cli/Execute.h"
 #include "cli/Ping.h"

@@ -14,6 +14,7 @@
 namespace {
 
 using qv::ParsedCommandLine;
+using qv::Route;
 
 // What the environment of the test run says must not count; one case sets its own.
 class CommandLine : public testing::Test {
@@ -21,17 +22,24 @@ class CommandLine : public testing::Test {
   CommandLine() { Forget(); }
   ~CommandLine() override { Forget(); }
   static void Forget() {
-    for (const char* name : {"QVCALL_SERVER", "QVCALL_PORT", "QVCALL_TOKEN"}) unsetenv(name);
+    for (const char* name :
+         {"QVCALL_SERVER", "QVCALL_PORT", "QVCALL_HTTP_PORT", "QVCALL_TOKEN", "QVCALL_DIRECT"}) {
+      unsetenv(name);
+    }
   }
 };
 
-ParsedCommandLine Parse(std::vector<const char*> words) {
+struct Parsed : ParsedCommandLine {
+  std::string complaint;
+};
+
+Parsed Parse(std::vector<const char*> words) {
   words.insert(words.begin(), "qvcall");
   std::ostringstream out;
   std::ostringstream err;
-  ParsedCommandLine parsed =
-      qv::ParseCommandLine(static_cast<int>(words.size()), words.data(), out, err);
-  EXPECT_EQ(parsed.exit_status == qv::kUsage, !err.str().empty());
+  Parsed parsed{qv::ParseCommandLine(static_cast<int>(words.size()), words.data(), out, err),
+                err.str()};
+  EXPECT_EQ(parsed.exit_status == qv::kUsage, !parsed.complaint.empty());
   return parsed;
 }
 
@@ -105,20 +113,85 @@ TEST_F(CommandLine, RefusesWrongUsage) {
   EXPECT_FALSE(Parse({"--port", "7", "ping"}).command.query);
 }
 
+TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
+  const struct {
+    std::vector<const char*> words;
+    const char* complaint;  // null: they go together
+  } cases[] = {
+      {{"--web", "--http-port", "8", "ping"}, nullptr},
+      {{"--web", "--port", "7", "ping"}, nullptr},
+      {{"--web", "ping"}, "--http-port or --port is required"},
+      {{"--http-port", "8", "ping"}, "--port is required"},
+      {{"--port", "7", "exec", "x"}, "--db is required"},
+      {{"--port", "7", "batch", "f"}, "--db is required"},
+      {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "no offline work"},
+      {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"}, "no offline work"},
+      {{"--port", "7", "--ca-file", "/dev/null", "ping"}, "--ca-file goes only with --web"},
+      {{"--web", "--port", "7", "--ca-file", "/dev/null", "ping"}, "https://"},
+      {{"--web", "--port", "7", "--server", "https://h", "--ca-file", "/dev/null", "ping"},
+       nullptr},
+      {{"--web", "--port", "7", "--ca-file", "/no/such", "ping"}, "does not exist"},
+      {{"--web", "--port", "7", "--server", "https://h", "batch", "f", "--db", "D"}, "encrypt"},
+      {{"--web", "--http-port", "8", "batch", "f", "--db", "D"}, nullptr},
+      {{"--direct", "x=y", "ping"}, nullptr},
+      {{"--direct", "x=y", "query", "x"}, nullptr},
+      {{"--direct", "x=y", "call", "x", "--db", "D"}, nullptr},
+      {{"--direct", "", "ping"}, "must not be empty"},
+      {{"--direct", "x=y", "--web", "ping"}, "--web talks to a server"},
+      {{"--direct", "x=y", "query", "x", "--cache"}, "keep answers of a server"},
+      {{"--direct", "x=y", "query", "x", "--offline"}, "keep answers of a server"},
+      {{"--direct", "x=y", "batch", "f"}, "a batch needs a server"},
+      {{"--direct", "x=y", "--timeout-ms", "9", "ping"}, "--timeout-ms"},
+  };
+  for (const auto& [words, complaint] : cases) {
+    const Parsed parsed = Parse(words);
+    EXPECT_EQ(parsed.exit_status.has_value(), complaint != nullptr) << parsed.complaint;
+    if (complaint != nullptr) {
+      EXPECT_NE(parsed.complaint.find(complaint), std::string::npos) << parsed.complaint;
+    }
+  }
+}
+
+TEST_F(CommandLine, PicksThePortThatItTalksTo) {
+  setenv("QVCALL_PORT", "7", 1);
+  setenv("QVCALL_HTTP_PORT", "8", 1);
+  EXPECT_EQ(Parse({"ping"}).command.connection.Port(), 7);
+  EXPECT_EQ(Parse({"--web", "ping"}).command.connection.Port(), 8);
+  setenv("QVCALL_DIRECT", "x=y", 1);
+  EXPECT_EQ(Parse({"ping"}).command.connection.direct, "x=y");
+  EXPECT_EQ(Parse({"--web", "ping"}).exit_status, qv::kUsage);
+}
+
 TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
   std::set<std::string_view> meanings;
   for (const int code : {0, 1, 2, 3, 10, -1, -2, -3, 77}) {
-    const qv::ReturnCode words = qv::ExplainResult(qv::Call::kQuery, code);
+    const qv::ReturnCode words = qv::ExplainResult(qv::Call::kQuery, Route::kSocket, code);
     EXPECT_EQ(words.code, code);
     EXPECT_EQ(words.advice.empty(), code == 0);
     EXPECT_TRUE(meanings.insert(words.meaning).second) << code;
   }
-  const auto meaning = [](qv::Call call, int code) {
-    return qv::ExplainResult(call, code).meaning;
+  const auto meaning = [](qv::Call call, int code, Route route = Route::kSocket) {
+    return qv::ExplainResult(call, route, code).meaning;
   };
   EXPECT_EQ(meaning(qv::Call::kBatch, 107), meaning(qv::Call::kBatch, qv::kRefusedBatch));
   EXPECT_EQ(meaning(qv::Call::kExec, 100), meaning(qv::Call::kQuery, 77));
   EXPECT_NE(meaning(qv::Call::kBatch, 2), meaning(qv::Call::kProcedure, 2));
+  EXPECT_NE(meaning(qv::Call::kBatch, -1), meaning(qv::Call::kBatch, -1, Route::kDirect));
+}
+
+TEST(ReturnCodes, SpeakOfServersAndOfflineWorkOnlyWhereTheyAre) {
+  for (const qv::Call call : {qv::Call::kQuery, qv::Call::kProcedure, qv::Call::kExec}) {
+    for (const int code : {1, 2, 3, 10, -1, -2, -3, 77}) {
+      const qv::ReturnCode web = qv::ExplainResult(call, Route::kWeb, code);
+      for (const std::string_view words : {web.meaning, web.advice}) {
+        EXPECT_EQ(words.find("offline"), std::string_view::npos) << words;
+        EXPECT_EQ(words.find("--cache"), std::string_view::npos) << words;
+      }
+    }
+    const qv::ReturnCode direct = qv::ExplainResult(call, Route::kDirect, 1);
+    EXPECT_EQ(direct.meaning.find("server"), std::string_view::npos) << direct.meaning;
+    EXPECT_EQ(direct.advice.find("server"), std::string_view::npos) << direct.advice;
+  }
 }
 
 }  // namespace

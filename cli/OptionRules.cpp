@@ -1,0 +1,70 @@
+#include "OptionRules.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace qv {
+namespace {
+
+bool IsDirect(const CommandLine& command) { return !command.connection.direct.empty(); }
+
+bool NeedsDatabase(const CommandLine& command) {
+  const bool named = (command.query && !command.query->database.empty()) ||
+                     (command.exec && !command.exec->database.empty()) ||
+                     (command.batch && !command.batch->database.empty());
+  return (command.query || command.exec || command.batch) && !named;
+}
+
+bool IsEncrypted(const Connection& connection) {
+  return connection.server.rfind("https://", 0) == 0;
+}
+
+struct Rule {
+  bool (*is_broken)(const CommandLine&);
+  std::string_view words;
+};
+
+// In the order in which they are looked at: the first that is broken is told.
+constexpr Rule kRules[] = {
+    {[](const CommandLine& c) { return IsDirect(c) && c.connection.web; },
+     "--web talks to a server and --direct (or QVCALL_DIRECT) to a database without one: give only "
+     "one of them"},
+    {[](const CommandLine& c) { return IsDirect(c) && c.query && c.query->use_cache; },
+     "--cache and --offline keep answers of a server, and --direct (or QVCALL_DIRECT) talks to a "
+     "database without one: leave them away"},
+    {[](const CommandLine& c) { return IsDirect(c) && c.batch.has_value(); },
+     "a batch needs a server, and --direct (or QVCALL_DIRECT) talks to a database without one: run "
+     "its statements one by one with exec"},
+    {[](const CommandLine& c) { return IsDirect(c) && c.connection.timeout_ms.has_value(); },
+     "--timeout-ms limits the wait for a server, and --direct (or QVCALL_DIRECT) talks to a "
+     "database without one: set a limit in the connection text"},
+    {[](const CommandLine& c) { return !IsDirect(c) && NeedsDatabase(c); },
+     "--db is required: the name of the database on the server"},
+    {[](const CommandLine& c) { return c.connection.web && c.query && c.query->use_cache; },
+     "--cache and --offline do not go with --web: a web server has no offline work"},
+    {[](const CommandLine& c) { return !c.connection.ca_file.empty() && !c.connection.web; },
+     "--ca-file goes only with --web: the socket transport does not encrypt"},
+    {[](const CommandLine& c) {
+       return !c.connection.ca_file.empty() && !IsEncrypted(c.connection);
+     },
+     "--ca-file needs encryption to be used for: begin the name of the server with https://"},
+    {[](const CommandLine& c) { return c.batch && c.connection.web && IsEncrypted(c.connection); },
+     "a batch always goes over the socket transport, which does not encrypt: leave --web and "
+     "https:// away, and give --port"},
+    {[](const CommandLine& c) {
+       return !IsDirect(c) && c.connection.web && c.connection.Port() == 0;
+     },
+     "--http-port or --port is required: the port on which the server talks HTTP"},
+    {[](const CommandLine& c) { return !IsDirect(c) && c.connection.Port() == 0; },
+     "--port is required: the port of the server"},
+};
+
+}  // namespace
+
+std::string_view BrokenRule(const CommandLine& command) {
+  const auto* broken = std::find_if(std::begin(kRules), std::end(kRules),
+                                    [&](const Rule& rule) { return rule.is_broken(command); });
+  return broken != std::end(kRules) ? broken->words : std::string_view();
+}
+
+}  // namespace qv
