@@ -5,7 +5,6 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -14,12 +13,11 @@ namespace qv::standin {
 namespace {
 
 namespace asio = boost::asio;
+using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kMostAhead = 16384;
 
-ClientStream::Milliseconds TimeFor(std::size_t bytes, ClientStream::Milliseconds per_mebibyte) {
-  return per_mebibyte * (1 + static_cast<long long>(bytes >> 20));
-}
+constexpr ClientStream::Milliseconds kLongestGoodbye{2000};
 
 }  // namespace
 
@@ -27,18 +25,45 @@ ClientStream::ClientStream(Milliseconds io_timeout) : io_timeout_(io_timeout) {
   ahead_.reserve(kMostAhead);  // IsGone shall not fail for want of memory
 }
 
-bool ClientStream::Read(WritableBytes bytes) {
-  const std::size_t here = std::min(bytes.size(), ahead_.size());
-  const auto end_of_here = ahead_.begin() + static_cast<std::ptrdiff_t>(here);
-  std::copy(ahead_.begin(), end_of_here, bytes.begin());
-  ahead_.erase(ahead_.begin(), end_of_here);
-  bytes = bytes.subspan(here);
+ClientStream::Deadline ClientStream::DeadlineFor(std::size_t bytes) const {
+  return Clock::now() + io_timeout_ * (1 + static_cast<long long>(bytes >> 20));
+}
+
+bool ClientStream::Read(WritableBytes bytes) { return Read(bytes, DeadlineFor(bytes.size())); }
+
+bool ClientStream::Read(WritableBytes bytes, Deadline deadline) {
+  bytes = bytes.subspan(TakeAhead(bytes));
   if (bytes.empty()) return true;
   const auto start = [&](Handler done) {
     asio::async_read(socket_, asio::buffer(bytes.data(), bytes.size()),
                      [done](const Error& error, std::size_t) { done(error); });
   };
-  return Complete(start, TimeFor(bytes.size(), io_timeout_));
+  return Complete(start, deadline);
+}
+
+std::size_t ClientStream::ReadSome(WritableBytes bytes, Deadline deadline) {
+  std::size_t length = TakeAhead(bytes);
+  if (length != 0 || bytes.empty()) return length;
+  const auto start = [&](Handler done) {
+    socket_.async_read_some(asio::buffer(bytes.data(), bytes.size()),
+                            [done, &length](const Error& error, std::size_t read) {
+                              length = read;
+                              done(error);
+                            });
+  };
+  return Complete(start, deadline) ? length : 0;
+}
+
+std::size_t ClientStream::TakeAhead(WritableBytes bytes) {
+  const std::size_t length = std::min(bytes.size(), ahead_.size());
+  const auto end = ahead_.begin() + static_cast<std::ptrdiff_t>(length);
+  std::copy(ahead_.begin(), end, bytes.begin());
+  ahead_.erase(ahead_.begin(), end);
+  return length;
+}
+
+void ClientStream::PutBack(Bytes bytes) {
+  ahead_.insert(ahead_.begin(), bytes.begin(), bytes.end());
 }
 
 bool ClientStream::Write(std::initializer_list<Bytes> pieces) {
@@ -47,21 +72,20 @@ bool ClientStream::Write(std::initializer_list<Bytes> pieces) {
   const auto start = [&](Handler done) {
     asio::async_write(socket_, buffers, [done](const Error& error, std::size_t) { done(error); });
   };
-  return Complete(start, TimeFor(asio::buffer_size(buffers), io_timeout_));
+  return Complete(start, DeadlineFor(asio::buffer_size(buffers)));
 }
 
 bool ClientStream::WaitForRequest(Milliseconds longest) {
   if (!ahead_.empty()) return !closed_;
   const auto start = [&](Handler done) { socket_.async_wait(Socket::wait_read, done); };
-  return Complete(start, longest);
+  return Complete(start, Clock::now() + longest);
 }
 
-bool ClientStream::Complete(const std::function<void(Handler)>& start, Milliseconds longest) {
+bool ClientStream::Complete(const std::function<void(Handler)>& start, Deadline deadline) {
   if (closed_) return false;
   std::optional<Error> result;
   context_.restart();
   start([&result](const Error& error) { result = error; });
-  const auto deadline = std::chrono::steady_clock::now() + longest;
   // A close that was asked for while nobody waited runs here first, so one turn is not enough.
   while (!result && context_.run_one_until(deadline) != 0) {
   }
@@ -84,6 +108,15 @@ bool ClientStream::IsGone() {
     ahead_.insert(ahead_.end(), piece.begin(), piece.begin() + length);
   }
   return error != asio::error::would_block;
+}
+
+void ClientStream::SayGoodbye() {
+  Error error;
+  socket_.shutdown(Socket::shutdown_send, error);
+  const Deadline deadline = Clock::now() + std::min(io_timeout_, kLongestGoodbye);
+  std::array<unsigned char, kMostAhead> piece;
+  while (!error && ReadSome(piece, deadline) != 0) {
+  }
 }
 
 void ClientStream::Close() {

@@ -17,6 +17,7 @@ namespace qv::standin {
 class ClientStream : public ByteStream {
  public:
   using Milliseconds = std::chrono::milliseconds;
+  using Deadline = std::chrono::steady_clock::time_point;
   using Socket = boost::asio::ip::tcp::socket;
 
   // A read or write may take `io_timeout` for each mebibyte that it has begun, so that a client
@@ -27,6 +28,14 @@ class ClientStream : public ByteStream {
   Socket& Peer() { return socket_; }
 
   bool Read(WritableBytes bytes) override;
+  // The same by a deadline that several reads can share.
+  [[nodiscard]] bool Read(WritableBytes bytes, Deadline deadline);
+  // Reads what there is, up to so many bytes, and waits only for the first. 0 when none came.
+  [[nodiscard]] std::size_t ReadSome(WritableBytes bytes, Deadline deadline);
+  // Takes back what was read last, to be read again.
+  void PutBack(Bytes bytes);
+  // By when so many bytes must have come.
+  [[nodiscard]] Deadline DeadlineFor(std::size_t bytes) const;
   bool Write(std::initializer_list<Bytes> pieces) override;
   // Waits until the client sends something. False when it went, or sent nothing for so long.
   [[nodiscard]] bool WaitForRequest(Milliseconds longest);
@@ -35,6 +44,9 @@ class ClientStream : public ByteStream {
   [[nodiscard]] bool IsGone();
   // Ends what is being waited for, and everything that follows. Any thread.
   void Close();
+  // Says that nothing more will be sent, and waits a little for the client to see it: one that is
+  // hung up on while it sends may lose what was sent to it.
+  void SayGoodbye();
   // Closes the connection at once; the serving thread's last call.
   void HangUp();
 
@@ -43,7 +55,9 @@ class ClientStream : public ByteStream {
   using Handler = std::function<void(const Error&)>;
 
   // Starts an operation, which calls the handler when it is done, and waits for it.
-  [[nodiscard]] bool Complete(const std::function<void(Handler)>& start, Milliseconds longest);
+  [[nodiscard]] bool Complete(const std::function<void(Handler)>& start, Deadline deadline);
+  // Takes up to so many of the bytes that came while nobody read.
+  [[nodiscard]] std::size_t TakeAhead(WritableBytes bytes);
 
   const Milliseconds io_timeout_;
   std::atomic<bool> closed_ = false;

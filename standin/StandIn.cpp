@@ -1,24 +1,33 @@
 #include "StandIn.h"
 
+#include <array>
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <filesystem>
 #include <system_error>
 
+#include "HttpSession.h"
 #include "Secret.h"
+#include "Session.h"
 
 namespace qv::standin {
 
 namespace {
 
 namespace asio = boost::asio;
-using asio::ip::tcp;
 
 constexpr std::size_t kRemembered = 1000;
-constexpr std::chrono::milliseconds kAcceptPause{100};
 
 std::string LogFileIn(const std::string& folder) {
   return (std::filesystem::path(folder) / "server.log").string();
+}
+
+// Some calls always go as they do over sockets, even to this port.
+bool BeginsWithFrame(ClientStream& stream) {
+  std::array<unsigned char, kFrameMagic.size()> bytes;
+  if (!stream.Read(bytes)) return false;
+  stream.PutBack(bytes);
+  return bytes == kFrameMagic;
 }
 
 }  // namespace
@@ -48,55 +57,23 @@ bool StandIn::Start(std::string* error) {
     why = prepared.text;
     return false;
   }
-  if (!Listen(why)) return false;
-  AcceptNext();
+  if (!frames_.Open(options_.listen, options_.port, why)) return false;
+  if (options_.http_port && !http_.Open(options_.listen, *options_.http_port, why)) return false;
   accepting_ = std::thread([this] { context_.run(); });
   return true;
 }
 
-bool StandIn::Listen(std::string& error) {
-  boost::system::error_code code;
-  const auto address = asio::ip::make_address(options_.listen, code);
-  const tcp::endpoint endpoint(address, options_.port);
-  if (!code) acceptor_.open(endpoint.protocol(), code);
-  if (!code) acceptor_.set_option(tcp::acceptor::reuse_address(true), code);
-  if (!code) acceptor_.bind(endpoint, code);
-  if (!code) acceptor_.listen(asio::socket_base::max_listen_connections, code);
-  if (!code) port_ = acceptor_.local_endpoint(code).port();
-  if (code) error = "cannot listen on " + options_.listen + ": " + code.message();
-  return !code;
-}
-
-void StandIn::AcceptNext() {
-  if (stopping_) return;
-  std::unique_ptr<Client> client;
-  try {
-    client = std::make_unique<Client>(options_.io_timeout);
-  } catch (const std::exception&) {
-    return AcceptLater();
-  }
-  auto& peer = client->stream.Peer();
-  acceptor_.async_accept(peer, [this, client = std::move(client)](const auto& error) mutable {
-    if (error) return AcceptLater();
-    if (!stopping_) Admit(std::move(client));
-    AcceptNext();
-  });
-}
-
-// When there is no memory or no file descriptor for a connection, trying at once would not help.
-void StandIn::AcceptLater() {
-  if (stopping_) return;
-  pause_.expires_after(kAcceptPause);
-  pause_.async_wait([this](const auto&) { AcceptNext(); });
+Listener::Admit StandIn::AdmitWho(Speech speech) {
+  return [this, speech](std::unique_ptr<ClientStream> stream) { Admit(std::move(stream), speech); };
 }
 
 // One that finds no place is hung up on.
-void StandIn::Admit(std::unique_ptr<Client> client) {
+void StandIn::Admit(std::unique_ptr<ClientStream> stream, Speech speech) {
   JoinFinished();
   if (clients_.size() >= options_.connection_limit) return;
-  Client& admitted = *clients_.emplace_back(std::move(client));
+  Client& admitted = clients_.emplace_back(std::move(stream), speech);
   boost::system::error_code ignored;
-  admitted.stream.Peer().set_option(tcp::no_delay(true), ignored);
+  admitted.stream->Peer().set_option(asio::ip::tcp::no_delay(true), ignored);
   try {
     admitted.thread = std::thread([this, &admitted] { Serve(admitted); });
   } catch (const std::system_error&) {
@@ -106,18 +83,22 @@ void StandIn::Admit(std::unique_ptr<Client> client) {
 
 void StandIn::Serve(Client& client) {
   try {
-    Session(client.stream, services_, rules_).Serve();
+    if (client.speech == Speech::kHttp && !BeginsWithFrame(*client.stream)) {
+      HttpSession(*client.stream, services_, rules_).Serve();
+    } else {
+      Session(*client.stream, services_, rules_).Serve();
+    }
   } catch (const std::exception&) {
     // Out of memory or descriptors for this client; the others go on.
   }
-  client.stream.HangUp();
+  client.stream->HangUp();
   client.done = true;
 }
 
 void StandIn::JoinFinished() {
-  clients_.remove_if([](const std::unique_ptr<Client>& client) {
-    if (!client->done) return false;
-    client->thread.join();
+  clients_.remove_if([](Client& client) {
+    if (!client.done) return false;
+    client.thread.join();
     return true;
   });
 }
@@ -126,14 +107,12 @@ void StandIn::Stop() {
   if (!accepting_.joinable()) return;
   // Not context_.stop(): a client that has just been accepted would keep its connection.
   asio::post(context_, [this] {
-    stopping_ = true;
-    boost::system::error_code ignored;
-    acceptor_.close(ignored);
-    pause_.cancel();
+    frames_.Close();
+    http_.Close();
   });
   accepting_.join();
-  for (const auto& client : clients_) client->stream.Close();
-  for (const auto& client : clients_) client->thread.join();
+  for (Client& client : clients_) client.stream->Close();
+  for (Client& client : clients_) client.thread.join();
   clients_.clear();
   data_.Release();
 }

@@ -3,8 +3,6 @@
 
 #include <atomic>
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -15,20 +13,24 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
+#include "ClientStream.h"
 #include "Command.h"
+#include "Listener.h"
 #include "ServedCommand.h"
-#include "Session.h"
+#include "SessionRules.h"
 
 namespace qv::standin {
 
 struct StandInOptions {
   std::string data_folder;
   std::string listen = "127.0.0.1";
-  std::uint16_t port = 0;        // 0: a free one
-  std::string token;             // empty: none is asked for
-  std::optional<bool> compress;  // nothing: the settings stay as they are
+  std::uint16_t port = 0;                  // 0: a free one
+  std::optional<std::uint16_t> http_port;  // nothing: no HTTP
+  std::string token;                       // empty: none is asked for
+  std::optional<bool> compress;            // nothing: the settings stay as they are
 
   std::uint32_t memory_threshold = 256U << 10;
   std::uint64_t request_limit = 16ULL << 20;
@@ -57,25 +59,29 @@ class StandIn {
   // gives the folder back.
   void Stop();
 
-  [[nodiscard]] std::uint16_t Port() const { return port_; }
+  [[nodiscard]] std::uint16_t Port() const { return frames_.Port(); }
+  // 0 when there is none.
+  [[nodiscard]] std::uint16_t HttpPort() const { return http_.Port(); }
   // The last requests, oldest first.
   [[nodiscard]] std::vector<ServedCommand> Served() const;
-  // How many connections were closed because what came was no proper frame.
+  // How many connections were closed because what came was no proper frame, or no proper HTTP.
   [[nodiscard]] std::uint64_t MalformedFrames() const { return malformed_frames_; }
 
  private:
-  struct Client {
-    explicit Client(std::chrono::milliseconds io_timeout) : stream(io_timeout) {}
+  enum class Speech { kFrames, kHttp };
 
-    ClientStream stream;
+  struct Client {
+    Client(std::unique_ptr<ClientStream> connection, Speech spoken)
+        : stream(std::move(connection)), speech(spoken) {}
+
+    const std::unique_ptr<ClientStream> stream;
+    const Speech speech;
     std::atomic<bool> done = false;
     std::thread thread;
   };
 
-  [[nodiscard]] bool Listen(std::string& error);
-  void AcceptNext();
-  void AcceptLater();
-  void Admit(std::unique_ptr<Client> client);
+  [[nodiscard]] Listener::Admit AdmitWho(Speech speech);
+  void Admit(std::unique_ptr<ClientStream> stream, Speech speech);
   void Serve(Client& client);
   void JoinFinished();
   void Remember(ServedCommand served);
@@ -87,13 +93,11 @@ class StandIn {
   SessionRules rules_;
 
   boost::asio::io_context context_{1};
-  boost::asio::ip::tcp::acceptor acceptor_{context_};
-  boost::asio::steady_timer pause_{context_};
-  std::uint16_t port_ = 0;
+  Listener frames_{context_, options_.io_timeout, AdmitWho(Speech::kFrames)};
+  Listener http_{context_, options_.io_timeout, AdmitWho(Speech::kHttp)};
   std::thread accepting_;
-  // Both are the accepting thread's, until that has ended.
-  bool stopping_ = false;
-  std::list<std::unique_ptr<Client>> clients_;
+  // The accepting thread's, until that has ended.
+  std::list<Client> clients_;
 
   std::atomic<std::uint64_t> malformed_frames_ = 0;
   mutable std::mutex served_mutex_;

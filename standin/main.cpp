@@ -41,6 +41,7 @@ int Run(const qv::StandInOptions& options) {
     return 1;
   }
   fmt::print("listening on {}:{}\n", options.listen, server.Port());
+  if (options.http_port) fmt::print("http on {}:{}\n", options.listen, server.HttpPort());
   std::fflush(stdout);
   context.run();
   server.Stop();
@@ -58,6 +59,7 @@ int main(int argc, char** argv) {
       ->required();
   app.add_option("--listen", options.listen, "The address to listen on")->capture_default_str();
   app.add_option("--port", options.port, "The port; 0 takes a free one")->capture_default_str();
+  app.add_option("--http-port", options.http_port, "A port for HTTP as well; 0 takes a free one");
   app.add_option("--token", options.token, "What every request must carry");
   app.add_option("--compress", compress, "Whether clients are told to ask for packed answers")
       ->check(CLI::IsMember({"on", "off"}));

@@ -4,24 +4,18 @@
 
 #include <boost/asio/ip/address.hpp>
 #include <future>
-#include <optional>
 #include <string>
 #include <vector>
 
+#include "ServerFixture.h"
 #include "message/LittleEndian.h"
 #include "standin/ClientStream.h"
 #include "standin/FieldReader.h"
 #include "standin/FieldWriter.h"
-#include "standin/StandIn.h"
-#include "tests/support/TempFolder.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv::standin {
 namespace {
-
-constexpr std::chrono::seconds kPatience{20};
-const std::string kForever =
-    "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n";
 
 Bytes BytesIn(const std::string& text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
@@ -66,20 +60,6 @@ class Client {
 
  private:
   ClientStream stream_;
-};
-
-class ServerTest : public testing::Test {
- protected:
-  void Start() {
-    options_.data_folder = folder_.Path().string();
-    server_.emplace(options_);
-    std::string error;
-    ASSERT_TRUE(server_->Start(&error)) << error;
-  }
-
-  const TempFolder folder_;
-  StandInOptions options_;
-  std::optional<StandIn> server_;
 };
 
 TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {

@@ -1,0 +1,144 @@
+#include "HttpHead.h"
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/string.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/http/write.hpp>
+#include <sstream>
+#include <string_view>
+
+namespace qv::standin {
+
+namespace {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+
+using Parser = http::request_parser<http::empty_body>;
+using Error = boost::system::error_code;
+
+constexpr std::uint32_t kLongestHead = 8192;
+constexpr const char* kCompressField = "Qv-Compress";
+constexpr const char* kLoginTokenField = "Qv-Login-Token";
+
+// The client's stream as the parser reads it.
+class HeadSource {
+ public:
+  explicit HeadSource(ClientStream& stream) : stream_(stream), deadline_(stream.DeadlineFor(0)) {}
+
+  template <typename Buffers>
+  std::size_t read_some(const Buffers& buffers, Error& error) {
+    const asio::mutable_buffer room = *asio::buffer_sequence_begin(buffers);
+    const std::size_t length =
+        stream_.ReadSome({static_cast<unsigned char*>(room.data()), room.size()}, deadline_);
+    error = length != 0 ? Error() : asio::error::connection_aborted;
+    return length;
+  }
+  template <typename Buffers>
+  std::size_t read_some(const Buffers& buffers) {
+    Error error;
+    const std::size_t length = read_some(buffers, error);
+    if (error) throw boost::system::system_error(error);
+    return length;
+  }
+
+ private:
+  ClientStream& stream_;
+  ClientStream::Deadline deadline_;
+};
+
+// No server before or behind this one shall see another end of the body than it does.
+bool HasOneMeaning(const Parser& parser) {
+  const auto& fields = parser.get();
+  const bool is_current = parser.get().version() == 11;
+  if (fields.count(http::field::content_length) > 1) return false;
+  if (is_current && fields.count(http::field::host) != 1) return false;
+  const auto codings = fields.count(http::field::transfer_encoding);
+  if (codings == 0) return true;
+  return is_current && codings == 1 && fields.count(http::field::content_length) == 0 &&
+         beast::iequals(fields[http::field::transfer_encoding], "chunked");
+}
+
+// Whatever its parameters.
+bool IsForBytes(beast::string_view type) {
+  type = type.substr(0, type.find(';'));
+  return beast::iequals(type.substr(0, type.find_last_not_of(" \t") + 1), kBytesType);
+}
+
+HttpExpectation ExpectationOf(beast::string_view field) {
+  if (field.empty()) return HttpExpectation::kNothing;
+  return beast::iequals(field, "100-continue") ? HttpExpectation::kContinue
+                                               : HttpExpectation::kOther;
+}
+
+HttpMethod MethodOf(http::verb verb) {
+  switch (verb) {
+    case http::verb::get:
+      return HttpMethod::kGet;
+    case http::verb::head:
+      return HttpMethod::kHead;
+    case http::verb::post:
+      return HttpMethod::kPost;
+    default:
+      return HttpMethod::kOther;
+  }
+}
+
+HttpRequestHead HeadOf(const Parser& parser) {
+  const auto& request = parser.get();
+  HttpRequestHead head;
+  head.method = MethodOf(request.method());
+  head.target = std::string(request.target());
+  head.is_for_bytes = IsForBytes(request[http::field::content_type]);
+  head.is_chunked = parser.chunked();
+  if (const auto length = parser.content_length()) head.length = *length;
+  head.expectation = ExpectationOf(request[http::field::expect]);
+  head.keep_alive = parser.keep_alive() && request.version() == 11;
+  head.takes_packed = request[kCompressField] == "1";
+  head.login_token = std::string(request[kLoginTokenField]);
+  return head;
+}
+
+}  // namespace
+
+std::optional<HttpStatus> ReadHead(ClientStream& stream, HttpRequestHead& head) {
+  HeadSource source(stream);
+  beast::flat_buffer buffer(kLongestHead);
+  Parser parser;
+  parser.header_limit(kLongestHead);
+  parser.body_limit(boost::none);  // the frame knows its limits
+  Error error;
+  http::read_header(source, buffer, parser, error);
+  if (error == asio::error::connection_aborted) return std::nullopt;
+  if (error == http::error::header_limit || error == http::error::buffer_overflow) {
+    return HttpStatus::kHeadTooLarge;
+  }
+  if (error || !HasOneMeaning(parser)) return HttpStatus::kBadRequest;
+  const asio::const_buffer behind = buffer.data();
+  stream.PutBack({static_cast<const unsigned char*>(behind.data()), behind.size()});
+  head = HeadOf(parser);
+  return HttpStatus::kOk;
+}
+
+std::string HeadText(const HttpReplyHead& head) {
+  http::response_header<> response;
+  response.version(11);
+  response.result(static_cast<unsigned>(head.status));
+  response.set(http::field::content_type, head.type);
+  response.set(http::field::content_length, std::to_string(head.length));
+  if (!head.keep_alive) response.set(http::field::connection, "close");
+  if (!head.allow.empty()) response.set(http::field::allow, head.allow);
+  if (!head.login_token.empty()) response.set(kLoginTokenField, head.login_token);
+  std::ostringstream text;
+  text << response;
+  return std::move(text).str();
+}
+
+std::string ReasonFor(HttpStatus status) {
+  return std::string(http::obsolete_reason(static_cast<http::status>(status)));
+}
+
+}  // namespace qv::standin
