@@ -104,7 +104,10 @@ bool ClientStream::IsGone() {
   socket_.non_blocking(true, error);
   while (!error) {
     const std::size_t length = socket_.receive(asio::buffer(piece), 0, error);
-    if (ahead_.size() + length > kMostAhead) return true;
+    if (ahead_.size() + length > kMostAhead) {
+      HangUp();  // what does not fit is lost, and nobody could tell requests apart behind it
+      return true;
+    }
     ahead_.insert(ahead_.end(), piece.begin(), piece.begin() + length);
   }
   return error != asio::error::would_block;

@@ -39,8 +39,8 @@ class ClientStream : public ByteStream {
   bool Write(std::initializer_list<Bytes> pieces) override;
   // Waits until the client sends something. False when it went, or sent nothing for so long.
   [[nodiscard]] bool WaitForRequest(Milliseconds longest);
-  // Whether the client hung up, broke the rules by sending much before it has its answer, or its
-  // connection was closed here.
+  // Whether the client hung up, or its connection was closed here; which is what happens when it
+  // breaks the rules by sending much before it has its answer.
   [[nodiscard]] bool IsGone();
   // Ends what is being waited for, and everything that follows. Any thread.
   void Close();
