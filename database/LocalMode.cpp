@@ -7,17 +7,30 @@ namespace qv {
 
 namespace {
 
-// Runs `act` on the local database object, with the connection open around it when that is not the
-// host's business.
+// A connection that is open for one call, when that is not the host's business.
+class CallConnection {
+ public:
+  explicit CallConnection(const char* database)
+      : database_(database), is_open_(ModuleState::Get().care_open_connection == 0) {
+    if (is_open_) CRvoServer::OpenLocalDB(database, CRvoServer::GetDBConnString(database));
+  }
+  ~CallConnection() {
+    if (is_open_) CRvoServer::CloseLocalDB(database_);
+  }
+  CallConnection(const CallConnection&) = delete;
+  CallConnection& operator=(const CallConnection&) = delete;
+
+ private:
+  const char* database_;
+  bool is_open_;
+};
+
+// Runs `act` on the local database object.
 template <class Act>
 int RunLocally(const char* database, Act act) {
-  const ModuleState& state = ModuleState::Get();
-  const bool opens = state.care_open_connection == 0;
-  if (opens) CRvoServer::OpenLocalDB(database, CRvoServer::GetDBConnString(database));
-  LocalDatabase* const local = state.local_database;
-  const int failed = local != nullptr ? act(*local) : 1;
-  if (opens) CRvoServer::CloseLocalDB(database);
-  return failed;
+  const CallConnection connection(database);
+  LocalDatabase* const local = ModuleState::Get().local_database;
+  return local != nullptr ? act(*local) : 1;
 }
 
 }  // namespace

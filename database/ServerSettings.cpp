@@ -10,6 +10,7 @@
 #include "platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/transport/QvNetClient4.h"
+#include "resultset/BinaryCells.h"
 #include "resultset/ResultTable.h"
 #include "server/ModuleState.h"
 #include "server/ServerType.h"
@@ -36,15 +37,7 @@ int AskServer(bool web, qv::AnswerFile& file) {
 }
 
 // Nobody will hear of the files that a row of settings has no business to bring.
-void DropBinaryCells(CRvoDbRes& rows) {
-  for (const qv::Column& column : qv::ResultTable::Of(rows).columns) {
-    if (column.type != qv::kTypeLongVarBinary) continue;
-    for (std::size_t row = 0; row < column.Rows(); ++row) {
-      const std::string path = column.Text(row);
-      if (!path.empty()) qv::platform::RemoveFile(path);
-    }
-  }
-}
+void RemoveBinaryFiles(CRvoDbRes& rows) { qv::RemoveBinaryFiles(qv::ResultTable::Of(rows)); }
 
 // Takes the settings from the first row. An empty value says nothing.
 void TakeRow(const CRvoDbRes& row) {
@@ -86,8 +79,12 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
 
   ModuleState& state = ModuleState::Get();
   CRvoDbRes row;
-  // In local mode the query runs and its row is not looked at.
-  if (state.use_local_database != 0) return qv::SelectLocally(kQuery, row, kDatabase);
+  if (state.use_local_database != 0) {
+    // In local mode the query runs and its row is not looked at.
+    const int failed = qv::SelectLocally(kQuery, row, kDatabase);
+    RemoveBinaryFiles(row);
+    return failed;
+  }
 
   const bool web = qv::IsWebServer();
   const std::string key = qv::CacheKey(kDatabase, kQuery);
@@ -101,7 +98,7 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
   }
   const qv::DeleteAtExit deletion{file};
   const bool is_read = file.ReadInto(row, web);
-  DropBinaryCells(row);
+  RemoveBinaryFiles(row);
   if (!is_read) return qv::kQueryFailed;
   // Kept whether or not the server allows caching: offline, this is how the client knows that it
   // does.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "ResultTable.h"
 #include "framework/DecimalText.h"
 #include "platform/Platform.h"
 
@@ -83,6 +84,16 @@ std::string Base64Cells::Write(std::string_view text) {
   if (WriteAndClose(file, DecodeBase64(text))) return path;
   platform::RemoveFile(path);
   return {};
+}
+
+void RemoveBinaryFiles(const ResultTable& table) {
+  for (const Column& column : table.columns) {
+    if (column.type != kTypeLongVarBinary) continue;
+    for (std::size_t row = 0; row < column.Rows(); ++row) {
+      const std::string path = column.Text(row);
+      if (!path.empty()) platform::RemoveFile(path);
+    }
+  }
 }
 
 std::vector<unsigned char> DecodeHex(std::string_view text) {

@@ -9,6 +9,8 @@
 
 namespace qv {
 
+class ResultTable;
+
 // How one dialect turns the text of a binary value into a file.
 class BinaryCells {
  public:
@@ -39,6 +41,9 @@ class Base64Cells : public BinaryCells {
   explicit Base64Cells(const tagTEMPFILEINFO& files) : BinaryCells(files) {}
   [[nodiscard]] std::string Write(std::string_view text) override;
 };
+
+// Removes the files that a table's cells name, for a table that nobody will see.
+void RemoveBinaryFiles(const ResultTable& table);
 
 // Pairs of lower-case digits; a pair with any other character is left out, and so is an odd last
 // one.

@@ -136,6 +136,7 @@ bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   if (data == kNone) return false;
   HexCells binary(files);
   if (ReadRows(text.substr(data), table, binary)) return true;
+  RemoveBinaryFiles(table);
   table.RebuildCells();
   return false;
 }

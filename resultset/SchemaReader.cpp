@@ -227,6 +227,7 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   ColumnFiller filler(table, values, binary, text.size());
   for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
     if (!filler.AppendRow(rows.MayHaveEntities())) {
+      RemoveBinaryFiles(table);
       table.RebuildCells();
       return false;
     }

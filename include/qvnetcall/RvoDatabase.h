@@ -14,8 +14,10 @@ struct DatabasePeer;  // what tests reach the private members through
 }
 
 // All members are static. Queries may run on several threads at once, each with a result set of its
-// own; the two set-up calls SetFileTempInfo and Ini are to be called while no other call runs.
-// Pointers are not null and stay their caller's. Nothing throws but std::bad_alloc. Where a limit
+// own, but for those on one local database that each call opens (CRvoServer::CareOpenDBConn); the
+// two set-up calls SetFileTempInfo and Ini are to be called while no other call runs. Pointers are
+// not null and stay their caller's; texts end at their first NUL. Nothing throws but
+// std::bad_alloc. Where a limit
 // on the size of files ends programs by a signal (SIGXFSZ), the host ignores that signal, so that
 // the limit is an error like a full disk.
 class QVNETCALL_API CRvoDatabase {
@@ -47,22 +49,26 @@ class QVNETCALL_API CRvoDatabase {
   static int SelectSQL(const CString* sql, CRvoDbRes* res, const char* database, int use_cache);
 
   // Runs a procedure call, or a query, on the server's database of that name. Arguments and results
-  // as SelectSQL has them; the server's settings are loaded first only when it is a web server.
+  // as SelectSQL has them. The server's settings are loaded first only when it is a web server;
+  // with a socket server nothing is kept, and no work is offline, before a query has loaded them.
   static int ExecuteSP(const CString* sql, CRvoDbRes* result, const char* database, int use_cache);
 
   // Runs one statement that gives no rows. Returns one of
   // - 0: done;
-  // - 1: the text is empty, or the client is offline, or the server refused the statement;
+  // - 1: the text is empty, or the server refused the statement, or the client is offline, as far
+  //   as settings that were loaded say that the server allows offline work;
   // - any other value is the transport's; -2 leaves open whether the statement was run.
   //
   // In local mode: 0, or 1 when the statement failed or no such database is open.
   static int ExecuteSQL(const CString* sql, const char* database);
 
-  // Runs statements in their order, all of them or none, in one exchange over the socket transport.
-  // Returns one of
+  // Runs statements in their order, all of them or none, in one exchange over the socket transport,
+  // offline or not. An empty statement, and one that no longer fits, ends the request: the server
+  // hears of fewer statements than were counted. Returns one of
   // - 0: done;
-  // - 100 + n: the server refused the batch; n is its number for the statement that failed;
-  // - 2: the server refused the batch, and did not say which statement failed;
+  // - 100 + n: the server refused the batch; n is its number for the statement that failed, as it
+  //   came;
+  // - 2: the reply does not say that the batch was done, nor which statement failed;
   // - -1: nothing was delivered; also always in local mode, which knows no batches;
   // - any other value is the transport's; -2 leaves open whether the batch was run.
   static int ExecuteMultiSQL(const CStringArray* sqls, const char* database);

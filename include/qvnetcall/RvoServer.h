@@ -23,8 +23,8 @@ class QVNETCALL_API CRvoServer {
   static int GetServerType(CString& type, CString server, unsigned long port);
   // Has GetServerType answer `type` for that server, in place of what it kept before: for a host
   // that knows, so that neither is the configuration read nor the server probed. Set-up, like
-  // SetConinfo; an addition to what the platform's hosts know. An empty type has it looked up
-  // again. Returns 1.
+  // SetConinfo; an addition to what the platform's hosts know. It holds until the kind of
+  // another server is asked for, or an empty type given. Returns 1.
   static int SetServerType(CString type, CString server, unsigned long port);
   // 1 when the given server answers over the socket transport, else 0. Meanwhile the transport's
   // parameter "dispmsg" is "0", so that nothing is shown to the user: not for two threads at once,

@@ -72,15 +72,18 @@ class FakeLocalDatabase : public LocalDatabase {
     log += std::string("close ") + database + ";";
     return 1;
   }
-  int Select(const CString& sql, CRvoDbRes&, const char* database) override {
+  int Select(const CString& sql, CRvoDbRes& rows, const char* database) override {
     log += std::string("select ") + database + " " + static_cast<const char*>(sql) + ";";
-    return 0;
+    if (!answer.empty()) CRvoDatabase::ReadFromXmlFile(answer.c_str(), &rows, {});
+    return result;
   }
   int Execute(const CString& sql, const char* database) override {
     log += std::string("execute ") + database + " " + static_cast<const char*>(sql) + ";";
-    return 0;
+    return result;
   }
   std::string log;
+  std::string answer;  // the rowset that queries give, when not empty
+  int result = 0;
 };
 
 struct Settings {

@@ -77,6 +77,8 @@ TEST_F(SelectSql, ReturnsTheAgreedCodesAndLeavesNothing) {
       {"number of eight bytes", ScriptedReply().Text("SUCCESS").Text("12345678").Text("MEMORY"), 2},
       {"file that is missing", ScriptedReply().Text("SUCCESS").Number(1).Text("MEMORY"), 1},
       {"file that nobody wrote", ScriptedReply().Text("SUCCESS").Number(1).Text("FILE"), 1},
+      {"storage kind in lower case",
+       ScriptedReply().Text("SUCCESS").Number(1).Text("memory").Text(Rowset({{"A", "v"}})), 1},
       {"no recordset", Memory("<xml/>"), 1},
       {"no recordset, packed", Memory(Gzip("<xml/>"), "SUCCESS_COMPRESS"), 1},
       {"not gzip", Memory(Rowset({{"A", "v"}}), "SUCCESS_COMPRESS"), 10},
@@ -105,6 +107,12 @@ TEST_F(SelectSql, LeavesTheTransportsFileWhereTheCallCannotUseIt) {
   AnswerWithFile("x", ScriptedReply().Text("SUCCESS"));
   EXPECT_EQ(Select(), "result 2");
   EXPECT_EQ(TempFiles().size(), 2u);
+  transport_.handler = [](const SentRequest& request, ScriptedReply&) {
+    std::ofstream(request.reply_file_name) << "x";
+    return -2;
+  };
+  EXPECT_EQ(Select(), "result -2");
+  EXPECT_EQ(TempFiles().size(), 3u);
 }
 
 TEST_F(SelectSql, UnpacksBesideTheAnswerUnderTheEndOfItsName) {
@@ -121,11 +129,13 @@ TEST_F(SelectSql, UnpacksBesideTheAnswerUnderTheEndOfItsName) {
 }
 
 TEST_F(SelectSql, LoadsTheSettingsBeforeItLooksAtTheText) {
+  settings_.cache = "1";
   EXPECT_EQ(Select(0, ""), "result 1");
   EXPECT_EQ(transport_.requests.size(), 1u);
   EXPECT_TRUE(IsSettings(transport_.requests[0]));
   EXPECT_EQ(Select(0, ""), "result 1");
   EXPECT_EQ(transport_.requests.size(), 1u);
+  EXPECT_EQ(transport_.bad_state_questions.size(), 1u);  // the settings'
 }
 
 TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
@@ -137,7 +147,7 @@ TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
 
   CRvoServer::SetCacheState(1);
   const std::size_t sent = transport_.requests.size();
-  EXPECT_EQ(Select(1), "from server");
+  EXPECT_EQ(Select(2), "from server");
   EXPECT_EQ(Select(1, "select 2"), "result 1");  // never asked before
   EXPECT_EQ(transport_.requests.size(), sent);
   EXPECT_EQ(Select(0), "newer");  // without the cache, offline does not count
@@ -152,6 +162,13 @@ TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
   EXPECT_EQ(Select(1), "newer");  // asked again; the stored word stays, so nothing is kept
   transport_.bad_state = 1;
   EXPECT_EQ(Select(1), "from server");
+}
+
+TEST_F(SelectSql, GoesToTheServerWhileOfflineWhenNothingSaysThatItMayNot) {
+  OpenCache();
+  CRvoServer::SetCacheState(1);  // and no settings were ever kept
+  EXPECT_EQ(Select(1), "from server");
+  EXPECT_EQ(transport_.requests.size(), 1u);
 }
 
 TEST_F(SelectSql, KeepsTheGzipFileWhenThereIsOne) {
@@ -171,6 +188,10 @@ TEST_F(SelectSql, KeepsTheGzipFileWhenThereIsOne) {
 TEST_F(SelectSql, KeepsNothingThatItWasNotAllowedTo) {
   OpenCache();
   settings_.cache = "1";
+  answer_ = Memory("no recordset");
+  EXPECT_EQ(Select(1), "result 1");
+  EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:select 1", folder_.Path().string()));
+  answer_ = Memory(Rowset({{"A", "from server"}}));
   EXPECT_EQ(Select(0), "from server");
   CRvoDatabase::m_bServerSetCache = 0;
   EXPECT_EQ(Select(1), "from server");

@@ -103,8 +103,11 @@ TEST_F(ServerSettingsLoad, ReturnsTheAgreedCodesAndClearsAllButCaching) {
 TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
   UseServerType("WEB_IIS");
   CRvoDatabase::m_ServerIsCompress = 1;
+  OpenCache();
   settings_answer_ = Memory(DataSet("CI_ServerCompress", "1"));
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_TRUE(state_.cache.Find("main>PLATDB:" + transport_.requests.back().fields[1],
+                                folder_.Path().string()));
   EXPECT_TRUE(transport_.requests.back().web);
   EXPECT_EQ(transport_.requests.back().compress, 0);
   EXPECT_EQ(Flags(), "01000");
@@ -121,10 +124,13 @@ TEST_F(ServerSettingsLoad, ComesFromTheCacheWhileOffline) {
 
   CRvoServer::SetCacheState(0);
   EXPECT_EQ(Load({"0", "1", "0", "0", "0"}), "01000");  // kept, although caching is not allowed
+  settings_answer_ = Memory("x");                       // does not take its place
+  CRvoDatabase::SetNeedUpdateCompressState();
+  EXPECT_EQ(DatabasePeer::UpdateSettings(), 1);
   CRvoServer::SetCacheState(1);
   CRvoDatabase::m_bServerSetCache = 1;
   EXPECT_EQ(Load({"1", "1", "1", "1", "1"}), "01000");
-  EXPECT_EQ(transport_.requests.size(), 2u);
+  EXPECT_EQ(transport_.requests.size(), 3u);
   EXPECT_THAT(TempFiles(), IsEmpty());
 }
 
@@ -134,7 +140,7 @@ TEST_F(ServerSettingsLoad, DecidesWhetherToWorkOffline) {
   };
   const Case cases[] = {{0, 1, 1, 1, 0, 1}, {0, 0, 1, 0, 1, 1}, {1, 1, 1, 0, 1, 1},
                         {1, 1, 0, 1, 1, 2}, {0, 0, 0, 1, 1, 2}, {1, 1, 2, 0, 0, 2},
-                        {1, 1, 0, 2, 0, 0}};
+                        {1, 1, 0, 2, 0, 0}, {0, 0, 1, 1, 1, 1}, {0, 1, 0, 1, 0, 0}};
   for (const Case& c : cases) {
     CRvoDatabase::m_bServerSetCache = c.allowed;
     state_.cache.SetState(c.state);
@@ -142,11 +148,29 @@ TEST_F(ServerSettingsLoad, DecidesWhetherToWorkOffline) {
     EXPECT_EQ(DatabasePeer::IsOffline(c.need), c.offline) << &c - cases;
     EXPECT_EQ(state_.cache.State(), c.state_after) << &c - cases;
   }
+  EXPECT_THAT(transport_.bad_state_questions, testing::Each(0));  // it may try the network again
   UseServerType("WEB_IIS");
   CRvoServer::SetConinfo("web", 80);
-  state_.cache.SetState(1);
   transport_.bad_state = 1;
-  EXPECT_EQ(DatabasePeer::IsOffline(0), 0);
+  for (const int state : {0, 1}) {
+    state_.cache.SetState(state);
+    EXPECT_EQ(DatabasePeer::IsOffline(0), 0);
+    EXPECT_EQ(state_.cache.State(), state);
+  }
+}
+
+TEST_F(ServerSettingsLoad, RunsTheQueryOnALocalDatabaseAndLooksAtNoRow) {
+  Load({"1", "1", "1", "1", "1"});
+  FakeLocalDatabase local;
+  local.answer = folder_.Write("row.xml", SettingsRow());
+  state_.local_database = &local;
+  CRvoServer::UseLocalDB(1);
+  for (const int result : {0, 1}) {
+    local.result = result;
+    CRvoDatabase::SetNeedUpdateCompressState();
+    EXPECT_EQ(DatabasePeer::UpdateSettings(), result);
+    EXPECT_EQ(Flags(), "10000");
+  }
 }
 
 TEST_F(ServerSettingsLoad, ShowsTheDomainByTheLoginFileWithoutAServer) {

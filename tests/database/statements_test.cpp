@@ -40,9 +40,11 @@ TEST_F(Statements, OneStatementReturnsTheAgreedCodes) {
     ScriptedReply reply;
     int transport;
     int result;
-  } cases[] = {{ScriptedReply().Text("SUCCESS"), 0, 0},   {ScriptedReply().Text("success"), 0, 1},
-               {ScriptedReply().Text("FAILURE"), 0, 1},   {ScriptedReply(), 0, 1},
-               {ScriptedReply().Text("SUCCESS"), -2, -2}, {ScriptedReply().Text("SUCCESS"), 7, 7}};
+  } cases[] = {
+      {ScriptedReply().Text("SUCCESS"), 0, 0},          {ScriptedReply().Text("success"), 0, 1},
+      {ScriptedReply().Text("FAILURE"), 0, 1},          {ScriptedReply(), 0, 1},
+      {ScriptedReply().Text("SUCCESS_COMPRESS"), 0, 1}, {ScriptedReply().Text("SUCCESS"), -1, -1},
+      {ScriptedReply().Text("SUCCESS"), -2, -2},        {ScriptedReply().Text("SUCCESS"), 7, 7}};
   for (const auto& c : cases) {
     answer_ = c.reply;
     answer_result_ = c.transport;
@@ -55,10 +57,17 @@ TEST_F(Statements, OneStatementReturnsTheAgreedCodes) {
   EXPECT_FALSE(request.web);
   EXPECT_EQ(transport_.requests.size(), std::size(cases));  // nothing twice, and no settings
 
-  EXPECT_EQ(Execute(""), 1);
   GoOffline();
   EXPECT_EQ(Execute("delete from t"), 1);
+  state_.cache.SetState(0);
+  transport_.bad_state = 1;
+  transport_.bad_state_questions.clear();
+  EXPECT_EQ(Execute(""), 1);
+  EXPECT_THAT(transport_.bad_state_questions, IsEmpty());
+  EXPECT_EQ(Execute("delete from t"), 1);
   EXPECT_EQ(transport_.requests.size(), std::size(cases));
+  CRvoDatabase::m_bServerSetCache = 0;  // offline counts only where caching is allowed
+  EXPECT_EQ(Execute("delete from t"), 7);
 
   UseWebServer();  // knows no offline work
   CRvoDatabase::m_ServerIsCompress = 1;
@@ -67,6 +76,9 @@ TEST_F(Statements, OneStatementReturnsTheAgreedCodes) {
   EXPECT_EQ(Execute("delete from t"), 0);
   EXPECT_TRUE(transport_.requests.back().web);
   EXPECT_EQ(transport_.requests.back().compress, 0);
+  EXPECT_EQ(transport_.requests.back().server, "web");
+  EXPECT_EQ(transport_.requests.back().port, 80u);
+  EXPECT_EQ(transport_.requests.size(), std::size(cases) + 2);
 }
 
 TEST_F(Statements, ABatchReturnsTheAgreedCodes) {
@@ -80,6 +92,10 @@ TEST_F(Statements, ABatchReturnsTheAgreedCodes) {
                {ScriptedReply().Text("FAILURE").Number(9).Number(0x7FFFFFFF), 0, -0x7FFFFFFF + 98},
                {ScriptedReply().Text("FAILURE").Number(9), 0, 2},
                {ScriptedReply(), 0, 2},
+               {ScriptedReply().Number(9).Number(3), 0, 2},
+               {ScriptedReply().Text("success"), 0, 2},
+               {ScriptedReply().Text("SUCCESS_COMPRESS"), 0, 2},
+               {ScriptedReply().Text("SUCCESS"), -1, -1},
                {ScriptedReply().Text("SUCCESS"), -2, -2}};
   for (const auto& c : cases) {
     answer_ = c.reply;
@@ -91,6 +107,8 @@ TEST_F(Statements, ABatchReturnsTheAgreedCodes) {
   EXPECT_THAT(request.fields, ElementsAre("DESIGNDB", std::string("\x02\0\0\0", 4), "one", "two"));
   EXPECT_EQ(request.message_flag, 0);
   EXPECT_EQ(request.request_block, 0x100000u);
+  EXPECT_EQ(request.reply_block, 0x100000u);
+  EXPECT_EQ(transport_.requests.size(), std::size(cases));  // nothing twice
 }
 
 TEST_F(Statements, ABatchAsksForNothingBeforeItIsSent) {
@@ -100,6 +118,7 @@ TEST_F(Statements, ABatchAsksForNothingBeforeItIsSent) {
   CRvoDatabase::m_bServerSetCache = 1;
   state_.cache.SetState(1);
   EXPECT_EQ(ExecuteBatch({}), 0);
+  EXPECT_THAT(transport_.requests.back().fields, ElementsAre("DESIGNDB", std::string(4, '\0')));
   EXPECT_EQ(ExecuteBatch({"", "two", "three"}), 0);
   // The empty statement stops the chain, and what could not be added is missing.
   EXPECT_THAT(transport_.requests.back().fields,
@@ -144,13 +163,21 @@ TEST_F(Statements, AProcedureOnAWebServerLoadsTheSettingsFirst) {
   EXPECT_EQ(Call(), "from the web");
   EXPECT_EQ(transport_.requests.back().command, 900u);
   EXPECT_EQ(transport_.requests.back().compress, 1);
+  EXPECT_EQ(transport_.requests.size(), 2u);  // loaded once
+
+  CRvoDatabase::SetNeedUpdateCompressState();
+  settings_result_ = -1;
+  EXPECT_EQ(Call(), "from the web");  // it runs without them
 }
 
 TEST_F(Statements, AProceduresAnswerIsKeptUnpacked) {
   OpenCache();
   CRvoDatabase::m_bServerSetCache = 1;
   answer_ = Memory(Gzip(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
-  EXPECT_EQ(Call(1), "packed");
+  EXPECT_EQ(Call(0), "packed");
+  EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:call p", folder_.Path().string()));
+  EXPECT_EQ(Call(2), "packed");
+  EXPECT_TRUE(state_.cache.Find("main>DESIGNDB:call p", folder_.Path().string()));
   for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "cache")) {
     EXPECT_FALSE(BytesOf(entry.path().string()).starts_with("\x1f\x8b"));
   }
@@ -161,6 +188,14 @@ TEST_F(Statements, AProceduresAnswerIsKeptUnpacked) {
   EXPECT_EQ(transport_.requests.size(), sent);
   EXPECT_EQ(Call(0), "packed");
   EXPECT_EQ(transport_.requests.size(), sent + 1);
+  CRvoDatabase::m_bServerSetCache = 0;
+  EXPECT_EQ(Call(1), "packed");  // offline counts only where caching is allowed
+  EXPECT_EQ(transport_.requests.size(), sent + 2);
+  CRvoDatabase::m_bServerSetCache = 1;
+  state_.cache.SetState(0);
+  transport_.bad_state = 1;
+  EXPECT_EQ(Call(0), "packed");
+  EXPECT_EQ(state_.cache.State(), 2);  // the network is looked at all the same
 }
 
 TEST_F(Statements, RunOnALocalDatabaseWhenToldTo) {
@@ -174,6 +209,35 @@ TEST_F(Statements, RunOnALocalDatabaseWhenToldTo) {
   EXPECT_EQ(ExecuteBatch({"x"}), -1);
   EXPECT_EQ(local.log, "execute DESIGNDB ;select DESIGNDB ;");
   EXPECT_TRUE(transport_.requests.empty());
+}
+
+TEST_F(Statements, OpenALocalDatabaseAroundEachCallWhenTheHostDoesNot) {
+  CRvoServer::UseLocalDB(2);
+  CRvoServer::CareOpenDBConn(0);
+  FakeLocalDatabase local;
+  local.result = 1;
+  state_.local_database = &local;
+  answer_ = ScriptedReply().Text("0");  // no connection text: it is tried all the same
+  EXPECT_EQ(Execute("x"), 1);
+  EXPECT_EQ(Call(), "result 1");
+  EXPECT_EQ(local.log,
+            "open DESIGNDB ;execute DESIGNDB x;close DESIGNDB;"
+            "open DESIGNDB ;select DESIGNDB call p;close DESIGNDB;");
+}
+
+TEST_F(Statements, OnlyAProcedureAsksForTheTypeInLocalMode) {
+  CRvoServer::UseLocalDB(1);
+  FakeLocalDatabase local;
+  state_.local_database = &local;
+  UseServerType("");  // asking for the type is a probe, which finds no server
+  CRvoServer::SetConinfo("other", 1);
+  answer_result_ = -1;
+  EXPECT_EQ(Execute("x"), 0);
+  EXPECT_EQ(ExecuteBatch({"x"}), -1);
+  EXPECT_TRUE(transport_.requests.empty());
+  EXPECT_EQ(Call(), "");
+  EXPECT_EQ(transport_.requests.size(), 1u);
+  EXPECT_TRUE(local.log.starts_with("execute DESIGNDB x;select PLATDB select CI_"));
 }
 
 }  // namespace

@@ -366,18 +366,21 @@ TEST_F(ReadersTest, LargeHostileFilesComeBack) {
 
 TEST_F(ReadersTest, CellsOutOfAllProportionAreRefused) {
   const auto columns = [](int count, const std::string& name) {
-    std::vector<std::string> all;
+    std::vector<std::string> all = {"name='image' dt:type='bin.hex'"};
     for (int i = 0; i < count; ++i) {
       all.push_back("name='" + name + (name.empty() ? std::to_string(i) : "") + "'");
     }
     return RowsetHead(all);
   };
   CRvoDbRes empty_cells, one_name, wide;
-  EXPECT_FALSE(Rowset(columns(4000, "") + Repeated("<z:row/>", 30000), empty_cells));
+  EXPECT_FALSE(
+      Rowset(columns(4000, "") + "<z:row image='4a'/>" + Repeated("<z:row/>", 30000), empty_cells));
   const std::string long_value = "<z:row a='" + std::string(100000, 'x') + "'/>";
   EXPECT_FALSE(Rowset(columns(4000, "a") + long_value, one_name));
-  EXPECT_EQ(empty_cells.GetFieldCount(), 4000);
+  EXPECT_EQ(empty_cells.GetFieldCount(), 4001);
   EXPECT_EQ(empty_cells.GetRecordCount() + one_name.GetRecordCount(), 0);  // nothing is held on to
+  const std::filesystem::directory_iterator files(folder_.Path());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 1);  // nor on the disk
   // Hundreds of columns without values are nothing unusual.
   EXPECT_TRUE(Rowset(columns(300, "") + Repeated("<z:row/>", 30000), wide));
   EXPECT_EQ(wide.GetRecordCount(), 30000);

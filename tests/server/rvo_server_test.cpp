@@ -159,6 +159,9 @@ TEST_F(RvoServer, FollowsTheNetworkUnlessOfflineByChoice) {
     EXPECT_EQ(state_.cache.State(), c.expected);
   }
   for (const int question : transport_.bad_state_questions) EXPECT_EQ(question, 7);
+  transport_.bad_state = 5;
+  EXPECT_EQ(CRvoServer::GetIsNetworkBad(1), 5);
+  EXPECT_EQ(transport_.bad_state_questions.back(), 1);
 }
 
 TEST_F(RvoServer, KnowsNoCacheStateOverTheWeb) {
@@ -168,6 +171,9 @@ TEST_F(RvoServer, KnowsNoCacheStateOverTheWeb) {
   EXPECT_EQ(CRvoServer::GetCacheState(0), 0);
   EXPECT_EQ(state_.cache.State(), 1);
   EXPECT_TRUE(transport_.bad_state_questions.empty());
+  char token[32];
+  EXPECT_EQ(CRvoServer::GetWebLoginToken(token), 1);
+  EXPECT_EQ(std::string(token), "scripted-token");
 }
 
 TEST_F(RvoServer, AsksForConnectionTextsOverTheSocketAlways) {
@@ -186,6 +192,8 @@ TEST_F(RvoServer, AsksForConnectionTextsOverTheSocketAlways) {
       EXPECT_FALSE(request.web);
       EXPECT_EQ(request.command, 710u);
       EXPECT_EQ(request.fields, (Log{"DESIGNDB"}));
+      EXPECT_EQ(request.request_block, 10240u);
+      EXPECT_EQ(request.reply_block, 512000u);
       reply = c.reply;
       return c.result;
     };
