@@ -1,13 +1,15 @@
 // Direct access to databases, as the database calls use it in local mode.
 #pragma once
 
+#include <string>
+
 class CRvoDbRes;
 class CString;
 
 namespace qv {
 
 // Connections are registered under the name of their database. Results are those of the exported
-// calls.
+// calls. Texts stay their caller's.
 class LocalDatabase {
  public:
   virtual ~LocalDatabase() = default;
@@ -21,6 +23,9 @@ class LocalDatabase {
   virtual int Select(const CString& sql, CRvoDbRes& result, const char* database) = 0;
   // Runs a statement that gives no rows. As above.
   virtual int Execute(const CString& sql, const char* database) = 0;
+
+  // Why the last call of this thread failed, for a log; empty when nobody said.
+  [[nodiscard]] virtual std::string LastError() const { return {}; }
 };
 
 }  // namespace qv

@@ -33,7 +33,9 @@ class Connection {
   Connection& operator=(const Connection&) = delete;
 
   // Statements are committed one by one until Begin, and again after Commit and Rollback. When
-  // Commit fails, the transaction goes on, to be rolled back. False when the driver cannot.
+  // Commit fails, the transaction goes on, to be rolled back; roll back too when a statement of it
+  // has failed: some drivers have done so by then, and run what follows on its own. False when the
+  // driver cannot.
   [[nodiscard]] bool Begin(Diagnostics& diagnostics);
   [[nodiscard]] bool Commit(Diagnostics& diagnostics);
   bool Rollback(Diagnostics& diagnostics);

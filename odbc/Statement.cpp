@@ -196,6 +196,13 @@ Step Statement::Next(Diagnostics& diagnostics) {
   return Step::kFailed;
 }
 
+CellState Statement::ReadBoolean(std::size_t column, bool& value, Diagnostics& diagnostics) {
+  unsigned char read = 0;
+  const CellState state = ReadFixed(column, SQL_C_BIT, read, diagnostics);
+  if (state == CellState::kValue) value = read != 0;
+  return state;
+}
+
 CellState Statement::ReadInteger(std::size_t column, std::int64_t& value,
                                  Diagnostics& diagnostics) {
   return ReadFixed(column, SQL_C_SBIGINT, value, diagnostics);

@@ -89,6 +89,7 @@ class Statement {
 
   // Cells of the row, by column from 0 on. The value is set, or replaced, for kValue only; on
   // kMisfit and kFailed `diagnostics` say why.
+  [[nodiscard]] CellState ReadBoolean(std::size_t column, bool& value, Diagnostics& diagnostics);
   [[nodiscard]] CellState ReadInteger(std::size_t column, std::int64_t& value,
                                       Diagnostics& diagnostics);
   [[nodiscard]] CellState ReadDouble(std::size_t column, double& value, Diagnostics& diagnostics);

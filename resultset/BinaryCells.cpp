@@ -22,7 +22,7 @@ std::string Text(const char (&field)[260]) {
   return std::string(whole.substr(0, whole.find('\0')));
 }
 
-bool WriteAndClose(std::FILE* file, const std::vector<unsigned char>& bytes) {
+bool WriteAndClose(std::FILE* file, std::span<const unsigned char> bytes) {
   const std::size_t written = bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), file);
   return std::fclose(file) == 0 && written == bytes.size();
 }
@@ -59,7 +59,10 @@ BinaryCells::BinaryCells(const tagTEMPFILEINFO& files)
 }
 
 std::string HexCells::Write(std::string_view text) {
-  if (text.empty()) return {};
+  return text.empty() ? std::string() : WriteBytes(DecodeHex(text));
+}
+
+std::string HexCells::WriteBytes(std::span<const unsigned char> bytes) {
   const std::string timed = base_ + "_" + std::to_string(platform::UnixTime()) + "_";
   // Another program may count through the same names; it keeps its files and this one counts on.
   constexpr int kAttempts = 10000;
@@ -68,7 +71,7 @@ std::string HexCells::Write(std::string_view text) {
     const std::string path = timed + std::to_string(number) + extension_;
     std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kNew);
     if (file == nullptr && errno == EEXIST) continue;
-    if (file != nullptr && WriteAndClose(file, DecodeHex(text))) return path;
+    if (file != nullptr && WriteAndClose(file, bytes)) return path;
     if (file != nullptr) platform::RemoveFile(path);
     --file_counter;
     break;
@@ -87,12 +90,14 @@ std::string Base64Cells::Write(std::string_view text) {
 }
 
 void RemoveBinaryFiles(const ResultTable& table) {
-  for (const Column& column : table.columns) {
-    if (column.type != kTypeLongVarBinary) continue;
-    for (std::size_t row = 0; row < column.Rows(); ++row) {
-      const std::string path = column.Text(row);
-      if (!path.empty()) platform::RemoveFile(path);
-    }
+  for (const Column& column : table.columns) RemoveBinaryFiles(column);
+}
+
+void RemoveBinaryFiles(const Column& column) {
+  if (column.type != kTypeLongVarBinary) return;
+  for (std::size_t row = 0; row < column.Rows(); ++row) {
+    const std::string path = column.Text(row);
+    if (!path.empty()) platform::RemoveFile(path);
   }
 }
 

@@ -1,6 +1,7 @@
 // Binary values go to files; the cell holds the file's path.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 
 namespace qv {
 
+struct Column;
 class ResultTable;
 
 // How one dialect turns the text of a binary value into a file.
@@ -32,6 +34,8 @@ class HexCells : public BinaryCells {
  public:
   explicit HexCells(const tagTEMPFILEINFO& files) : BinaryCells(files) {}
   [[nodiscard]] std::string Write(std::string_view text) override;
+  // The same for a value that is there as bytes, none included.
+  [[nodiscard]] std::string WriteBytes(std::span<const unsigned char> bytes);
 };
 
 // Base64 text; every value in the same file, "prefix.ext", each replacing the one before: hosts
@@ -44,6 +48,7 @@ class Base64Cells : public BinaryCells {
 
 // Removes the files that a table's cells name, for a table that nobody will see.
 void RemoveBinaryFiles(const ResultTable& table);
+void RemoveBinaryFiles(const Column& column);
 
 // Pairs of lower-case digits; a pair with any other character is left out, and so is an odd last
 // one.

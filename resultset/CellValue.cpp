@@ -3,7 +3,6 @@
 #include <fast_float/fast_float.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -63,9 +62,6 @@ std::uint64_t EightDigits(std::uint64_t word) {
   return (word & 0x0000FFFF0000FFFFu) * (10000ull * 0x100000000 + 1) >> 32;
 }
 
-// Year, month, day, hour, minute, second.
-using DateFields = std::array<std::int32_t, 6>;
-
 constexpr std::int32_t kDateSeparators = 5;
 
 // Where each field starts; the year has four characters, the others two.
@@ -109,6 +105,10 @@ std::int32_t LengthOfDigits(const DateFields& fields) {
   std::int32_t length = kDateSeparators + 6 + (year > 9) + (year > 99) + (year > 999);
   for (std::size_t i = 1; i < fields.size(); ++i) length += fields[i] > 9;
   return length;
+}
+
+COleDateTime DateOf(const DateFields& fields) {
+  return {fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]};
 }
 
 // The character behind "&#x", two digits and ";" at `p`, or 0. At least six bytes can be read.
@@ -165,19 +165,15 @@ double ParseDouble(std::string_view text) {
   return negative ? -*value : *value;
 }
 
+DateValue MakeDate(const DateFields& fields) { return {DateOf(fields), LengthOfNumbers(fields)}; }
+
 DateValue ParseDate(std::string_view text) {
   constexpr std::size_t kDateLength = 19;
   if (text.size() < kDateLength) return {};
   DateFields fields;
-  DateValue value;
-  if (ReadDigits(text.data(), fields)) {
-    value.display_length = LengthOfDigits(fields);
-  } else {
-    ReadNumbers(text, fields);
-    value.display_length = LengthOfNumbers(fields);
-  }
-  value.date.SetDateTime(fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]);
-  return value;
+  if (ReadDigits(text.data(), fields)) return {DateOf(fields), LengthOfDigits(fields)};
+  ReadNumbers(text, fields);
+  return MakeDate(fields);
 }
 
 std::int32_t ParseInteger(std::string_view text) {

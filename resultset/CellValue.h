@@ -1,6 +1,7 @@
 // From the text of a value to the value, as the recordset files write them.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -21,6 +22,12 @@ struct DateValue {
   // The length of the date written without padding, "%d-%d-%d %d-%d-%d"; 0 when there is none.
   std::int32_t display_length = 0;
 };
+
+// Year, month, day, hour, minute, second.
+using DateFields = std::array<std::int32_t, 6>;
+
+// What no calendar has is 0.0.
+[[nodiscard]] DateValue MakeDate(const DateFields& fields);
 
 // A date and time at fixed places of a text of at least 19 characters. A shorter text, and what no
 // calendar has, is 0.0.

@@ -25,6 +25,7 @@ enum TypeCode : std::uint8_t {
   kTypeUnsignedTinyInt = 17,
   kTypeBigInt = 20,  // held in 32 bits
   kTypeChar = 129,
+  kTypeNumeric = 131,  // held as text
   kTypeTimeStamp = 135,
   kTypeVarChar = 200,
   kTypeLongVarChar = 201,

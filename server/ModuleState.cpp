@@ -4,7 +4,7 @@
 
 namespace qv {
 
-ModuleState::ModuleState() { Reset(); }
+ModuleState::ModuleState() : direct_access(*new OdbcLocalDatabase(temp_files)) { Reset(); }
 
 ModuleState& ModuleState::Get() {
   static ModuleState state;
@@ -16,7 +16,8 @@ void ModuleState::Reset() {
   server_port = 0;
   use_local_database = 0;
   care_open_connection = 1;
-  local_database = nullptr;
+  direct_access.CloseAll();
+  local_database = &direct_access;
   module_file = platform::ModuleFile();
   server_type.Clear();
   settings.need_update = 1;

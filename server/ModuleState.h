@@ -7,7 +7,7 @@
 
 #include "ServerTypeMemo.h"
 #include "cache/QueryCache.h"
-#include "localdb/LocalDatabase.h"
+#include "localdb/OdbcLocalDatabase.h"
 #include "qvnetcall/TempFileInfo.h"
 
 namespace qv {
@@ -36,9 +36,12 @@ struct ModuleState {
   int use_local_database = 0;
   // Non-zero leaves opening and closing local databases to the host.
   int care_open_connection = 1;
-  // Not owned; null while there is no direct access.
-  LocalDatabase* local_database = nullptr;
   tagTEMPFILEINFO temp_files{};
+  // Never goes away: the connections that a host leaves open end with the process, since at its end
+  // the drivers may be gone already.
+  OdbcLocalDatabase& direct_access;
+  // Direct access, unless a test has its own. Not null, not owned.
+  LocalDatabase* local_database = &direct_access;
   // The file that this code was loaded from.
   std::string module_file;
 

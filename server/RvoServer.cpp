@@ -58,6 +58,7 @@ void CRvoServer::InitNet() {
 }
 
 void CRvoServer::FinitNet() {
+  ModuleState::Get().direct_access.CloseAll();
   HttpworkTransFini();
   NetworkTransFini();
 }
@@ -130,13 +131,16 @@ CString CRvoServer::GetDBConnString(CString database) {
 }
 
 int CRvoServer::OpenLocalDB(CString database, CString connection) {
-  qv::LocalDatabase* const local = ModuleState::Get().local_database;
-  return local != nullptr ? local->Open(database, connection) : 0;
+  return ModuleState::Get().local_database->Open(database, connection);
 }
 
 int CRvoServer::CloseLocalDB(CString database) {
-  qv::LocalDatabase* const local = ModuleState::Get().local_database;
-  return local != nullptr ? local->Close(database) : 0;
+  return ModuleState::Get().local_database->Close(database);
+}
+
+int CRvoServer::GetLocalDBError(CString& text) {
+  text = CString(std::string_view(ModuleState::Get().local_database->LastError()));
+  return text.IsEmpty() ? 0 : 1;
 }
 
 int CRvoServer::UseLocalDB(int on) {

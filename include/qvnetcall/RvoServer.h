@@ -10,7 +10,8 @@
 // std::bad_alloc.
 class QVNETCALL_API CRvoServer {
  public:
-  // Starts both transports; once, before any other call. FinitNet, after the last call, stops them.
+  // Starts both transports; once, before any other call. FinitNet, after the last call, stops them
+  // and closes every local database.
   static void InitNet();
   static void FinitNet();
 
@@ -45,14 +46,24 @@ class QVNETCALL_API CRvoServer {
   // The connection text that the server has for a database; empty when it has none or cannot be
   // reached.
   static CString GetDBConnString(CString database);
-  // Opens a local database with a connection text, or closes it. 1, or 0 when there is no such
-  // database or, as in this version, no direct access.
+  // Opens a local database with an ODBC connection text ("Driver=...;Database=..."), under a name
+  // of which every byte counts. 1, or 0 when it does not open; a connection that has the name
+  // already goes when the new one stands, and stays when it does not. Waits for the database, 15
+  // seconds at most where the driver can tell the time.
   static int OpenLocalDB(CString database, CString connection);
+  // Closes a local database. 1, or 0 when it is not open. Waits for nobody: the connection goes
+  // when the calls of other threads that work on it are done.
   static int CloseLocalDB(CString database);
-  // Non-zero makes the database calls work on a local database instead of the server. Returns 1.
+  // Why the last call of this thread on a local database failed, for a log: the database's name,
+  // and state and text of everything that its driver said. It may quote the statement. An addition
+  // to what the platform's hosts know. 1, or 0 and an empty text when there is nothing to say.
+  static int GetLocalDBError(CString& text);
+  // Non-zero makes the database calls work on a local database instead of the server, batches
+  // apart. Calls on different databases run side by side, those on one take turns. Returns 1.
   static int UseLocalDB(int on);
-  // Non-zero (as at the start) leaves opening and closing the local database to the host.
-  // Returns 1.
+  // Non-zero (as at the start) leaves opening and closing the local database to the host. With 0
+  // every call asks the server for the connection text, opens, works and closes, so that only one
+  // thread can use a database. Returns 1.
   static int CareOpenDBConn(int on);
 
   // Goes online (0), offline by choice (1) or offline because the network is bad (2). 1; 0 for any

@@ -219,7 +219,7 @@ TEST_F(SelectSql, SendsTextsThatSpillOrCannotBeSent) {
 
 TEST_F(SelectSql, WorksOnALocalDatabaseWhenToldTo) {
   CRvoServer::UseLocalDB(1);
-  EXPECT_EQ(Select(), "result 1");  // no direct access
+  EXPECT_EQ(Select(), "result 1");  // nothing is open
   EXPECT_TRUE(transport_.requests.empty());
 
   FakeLocalDatabase local;

@@ -200,7 +200,7 @@ TEST_F(Statements, AProceduresAnswerIsKeptUnpacked) {
 
 TEST_F(Statements, RunOnALocalDatabaseWhenToldTo) {
   CRvoServer::UseLocalDB(1);
-  EXPECT_EQ(Execute("x"), 1);  // no direct access
+  EXPECT_EQ(Execute("x"), 1);  // nothing is open
   EXPECT_EQ(Call(), "result 1");
   FakeLocalDatabase local;
   state_.local_database = &local;

@@ -201,8 +201,11 @@ TEST_F(RvoServer, AsksForConnectionTextsOverTheSocketAlways) {
   }
 }
 
-TEST_F(RvoServer, HasNoLocalDatabaseWithoutDirectAccess) {
-  EXPECT_EQ(CRvoServer::OpenLocalDB("X", "text"), 0);
+TEST_F(RvoServer, KnowsNoLocalDatabaseThatItDidNotOpen) {
+  CString said;
+  EXPECT_EQ(CRvoServer::OpenLocalDB("X", "Driver=None there"), 0);
+  EXPECT_EQ(CRvoServer::GetLocalDBError(said), 1);
+  EXPECT_TRUE(said.View().starts_with("X: ["));
   EXPECT_EQ(CRvoServer::CloseLocalDB("X"), 0);
   EXPECT_EQ(CRvoServer::UseLocalDB(1), 1);
   EXPECT_EQ(CRvoServer::CareOpenDBConn(0), 1);

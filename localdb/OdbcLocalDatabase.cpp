@@ -1,0 +1,120 @@
+#include "OdbcLocalDatabase.h"
+
+#include <utility>
+
+#include "CursorReader.h"
+#include "qvnetcall/RvoDbRes.h"
+#include "qvnetcall/framework/String.h"
+#include "resultset/ResultTable.h"
+
+namespace qv {
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+
+// This thread's last failure.
+struct Failure {
+  std::string database;
+  std::string text;  // empty: there is none
+};
+thread_local Failure last_failure;
+
+std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+void NoteUnknown(std::string_view database) {
+  if (!last_failure.text.empty() && last_failure.database == database) return;
+  last_failure = {std::string(database), "no connection is open"};
+}
+
+// Moves to the first result that has columns, if there is one.
+bool FindRows(odbc::Statement& statement, odbc::Diagnostics& diagnostics) {
+  while (statement.Columns().empty()) {
+    const odbc::Step step = statement.NextResult(diagnostics);
+    if (step != odbc::Step::kNext) return step == odbc::Step::kEnd;
+  }
+  return true;
+}
+
+// Some databases work through a text only as its results are asked for, and fail only then.
+bool Finish(odbc::Statement& statement, odbc::Diagnostics& diagnostics) {
+  odbc::Step step = odbc::Step::kNext;
+  while (step == odbc::Step::kNext) step = statement.NextResult(diagnostics);
+  return step == odbc::Step::kEnd;
+}
+
+}  // namespace
+
+int OdbcLocalDatabase::Open(const char* database, const char* connection) {
+  odbc::Diagnostics diagnostics;
+  auto entry = std::make_shared<Entry>();
+  entry->connection = odbc::Connection::Open(OrEmpty(connection), {}, diagnostics);
+  if (entry->connection == nullptr) {
+    last_failure = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
+    return 0;
+  }
+  last_failure = {};
+  // The connection that is replaced goes behind the lock.
+  const std::lock_guard lock(mutex_);
+  std::swap(entries_[std::string(OrEmpty(database))], entry);
+  return 1;
+}
+
+int OdbcLocalDatabase::Close(const char* database) {
+  std::map<std::string, std::shared_ptr<Entry>, std::less<>>::node_type closed;
+  const std::lock_guard lock(mutex_);
+  const auto found = entries_.find(OrEmpty(database));
+  if (found != entries_.end()) closed = entries_.extract(found);
+  return closed.empty() ? 0 : 1;
+}
+
+void OdbcLocalDatabase::CloseAll() {
+  decltype(entries_) closed;
+  const std::lock_guard lock(mutex_);
+  entries_.swap(closed);
+}
+
+int OdbcLocalDatabase::Select(const CString& sql, CRvoDbRes& result, const char* database) {
+  return Run(sql, database, [&](odbc::Statement& statement, odbc::Diagnostics& diagnostics) {
+    if (!FindRows(statement, diagnostics)) return false;
+    if (statement.Columns().empty()) return true;
+    CursorReader reader(statement, files_, diagnostics);
+    if (!reader.Read() || !Finish(statement, diagnostics)) return false;
+    reader.MoveTo(ResultTable::Of(result).columns);
+    return true;
+  });
+}
+
+int OdbcLocalDatabase::Execute(const CString& sql, const char* database) {
+  return Run(sql, database, Finish);
+}
+
+std::string OdbcLocalDatabase::LastError() const {
+  if (last_failure.text.empty()) return {};
+  return last_failure.database + ": " + last_failure.text;
+}
+
+std::shared_ptr<OdbcLocalDatabase::Entry> OdbcLocalDatabase::Find(std::string_view database) {
+  const std::lock_guard lock(mutex_);
+  const auto found = entries_.find(database);
+  return found != entries_.end() ? found->second : nullptr;
+}
+
+int OdbcLocalDatabase::Run(const CString& sql, const char* database, const Work& work) {
+  if (sql.IsEmpty()) return kFailed;
+  const std::shared_ptr<Entry> entry = Find(OrEmpty(database));
+  if (entry == nullptr) {
+    NoteUnknown(OrEmpty(database));
+    return kFailed;
+  }
+  odbc::Diagnostics diagnostics;
+  const std::lock_guard lock(entry->mutex);
+  odbc::Statement statement(*entry->connection);
+  const bool done = statement.Execute(sql.View(), diagnostics) && work(statement, diagnostics);
+  last_failure = {};
+  if (!done) last_failure = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
+  return done ? kDone : kFailed;
+}
+
+}  // namespace qv
