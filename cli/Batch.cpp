@@ -106,7 +106,7 @@ int RunBatch(const Connection& connection, const BatchOptions& options, std::ist
   if (!session.Start(err)) return kFailed;
   const int code = Send(statements, session.Database(), err);
   if (code != 0) {
-    PrintFailure(Call::kBatch, session.Way(), code, err);
+    session.PrintFailure(Call::kBatch, code, err);
     if (code >= kRefusedBatch) {
       PrintRefused(statements, static_cast<std::size_t>(code - kRefusedBatch), err);
     }

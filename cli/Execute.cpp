@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "ReturnCodes.h"
 #include "Session.h"
 #include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
@@ -22,7 +21,7 @@ int RunExec(const Connection& connection, const ExecOptions& options, std::istre
   const CString text{std::string_view(sql)};
   const int code = CRvoDatabase::ExecuteSQL(&text, session.Database());
   if (code != 0) {
-    PrintFailure(Call::kExec, session.Way(), code, err);
+    session.PrintFailure(Call::kExec, code, err);
     return kFailed;
   }
   fmt::print(err, "done\n");

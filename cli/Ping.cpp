@@ -48,7 +48,7 @@ int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
     fmt::print(err, "qvcall: {} can be reached, but refuses a small query; check --token\n",
                session.Address());
   } else {
-    PrintFailure(Call::kQuery, Route::kWeb, code, err);
+    session.PrintFailure(Call::kQuery, code, err);
   }
   return kFailed;
 }

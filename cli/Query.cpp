@@ -8,7 +8,6 @@
 #include <string_view>
 
 #include "CacheFolder.h"
-#include "ReturnCodes.h"
 #include "Session.h"
 #include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
@@ -87,7 +86,7 @@ bool Fetch(const Connection& connection, const QueryOptions& options, const std:
 
   const int code = RunText(options, session.Database(), CString(std::string_view(sql)), rows);
   if (code != 0) {
-    PrintFailure(options.call, session.Way(), code, err);
+    session.PrintFailure(options.call, code, err);
     return false;
   }
   // An answer from the server would have brought the client back online.

@@ -2,10 +2,13 @@
 
 #include <fmt/ostream.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "ConnectionSecrets.h"
+#include "DisplayWidth.h"
 #include "LoadedFunction.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
@@ -42,6 +45,21 @@ bool Take(Route route, const char* name, const std::string& value) {
   return set != nullptr && set(name, value.c_str()) == 1;
 }
 
+// The lines of a text as a terminal can show them, those behind the first with blanks before them.
+std::string Indented(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  std::string shown;
+  while (!text.empty()) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    const std::size_t begin = line.find_first_not_of(kBlanks);
+    if (begin == std::string_view::npos) continue;
+    if (!shown.empty()) shown += "\n    ";
+    AppendVisible(line.substr(begin, line.find_last_not_of(kBlanks) + 1 - begin), shown);
+  }
+  return shown;
+}
+
 }  // namespace
 
 Session::Session(const Connection& connection, std::string database, Calls calls)
@@ -70,6 +88,11 @@ bool Session::Start(std::ostream& err) {
   if (!connection_.direct.empty()) return OpenDirect(err);
   CRvoServer::SetConinfo(server_.c_str(), port_);
   return FindRoute(err) && Configure(err);
+}
+
+void Session::PrintFailure(Call call, int code, std::ostream& err) const {
+  qv::PrintFailure(call, route_, code, err);
+  if (route_ == Route::kDirect) PrintDriverText(err);
 }
 
 std::string Session::Address() const {
@@ -115,7 +138,20 @@ bool Session::OpenDirect(std::ostream& err) {
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   if (CRvoServer::OpenLocalDB(database_.c_str(), connection_.direct.c_str()) == 1) return true;
   fmt::print(err, "qvcall: the database cannot be opened; check the connection text (--direct)\n");
+  PrintDriverText(err);
   return false;
+}
+
+void Session::PrintDriverText(std::ostream& err) const {
+  CString said;
+  if (CRvoServer::GetLocalDBError(said) != 1) return;
+  std::string_view text = said.View();
+  // Which database it is about is known.
+  if (const std::string prefix = database_ + ": "; text.substr(0, prefix.size()) == prefix) {
+    text.remove_prefix(prefix.size());
+  }
+  fmt::print(err, "  the driver says: {}\n",
+             Indented(WithoutSecrets(std::string(text), connection_.direct)));
 }
 
 }  // namespace qv

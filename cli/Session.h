@@ -28,6 +28,9 @@ class Session {
   // be what the user asked for.
   [[nodiscard]] bool Start(std::ostream& err);
 
+  // Says on `err` what a call's result means, and in direct mode what the driver said.
+  void PrintFailure(Call call, int code, std::ostream& err) const;
+
   // What the calls go through; valid once the session is started.
   [[nodiscard]] Route Way() const { return route_; }
   // The server as a user would write it.
@@ -43,6 +46,7 @@ class Session {
   [[nodiscard]] bool FindRoute(std::ostream& err);
   [[nodiscard]] bool OpenDirect(std::ostream& err);
   [[nodiscard]] bool Configure(std::ostream& err) const;
+  void PrintDriverText(std::ostream& err) const;
 
   const Connection& connection_;
   const Calls calls_;

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qv {
+
+// `text` with "***" wherever it quotes an ODBC connection text, or a password of it.
+[[nodiscard]] std::string WithoutSecrets(std::string text, std::string_view connection_text);
+
+}  // namespace qv
