@@ -16,6 +16,10 @@ class ByteStream {
   [[nodiscard]] virtual bool Read(WritableBytes bytes) = 0;
   // Writes all of `pieces`, back to back. False likewise.
   [[nodiscard]] virtual bool Write(std::initializer_list<Bytes> pieces) = 0;
+  // Called behind the last byte of a frame, and before its file gets its name: whether the frame
+  // may end here. kMalformed when what carries it goes on, kConnectionLost when that cannot be
+  // told. A connection that carries one frame after the other has nothing to say about it.
+  [[nodiscard]] virtual FrameStatus End() { return FrameStatus::kDone; }
 };
 
 }  // namespace qv

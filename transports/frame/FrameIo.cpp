@@ -85,6 +85,15 @@ FrameStatus ReceiveChunks(ByteStream& stream, std::uint64_t length, const FilePr
 
 }  // namespace
 
+std::uint64_t FrameLength(const OutgoingMessage& message, const OutgoingFile* file) {
+  const std::uint64_t length = kFrameHeaderSize + message.token.size() + message.block.size() +
+                               message.payload.size() + kFrameChecksumSize;
+  if (file == nullptr) return length;
+  const std::uint64_t bytes = file->Length();
+  const std::uint64_t chunks = bytes / kChunkSize + (bytes % kChunkSize != 0 ? 1 : 0);
+  return length + bytes + (chunks + 1) * kChunkHeaderSize;
+}
+
 FrameStatus SendFrame(ByteStream& stream, const OutgoingMessage& message, OutgoingFile* file,
                       const FileProgress& progress) {
   const bool fits = message.payload.size() <= kMaxPayload && message.token.size() <= kMaxToken;
@@ -123,8 +132,9 @@ FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length, const std::str
                         const FileProgress& progress) {
   IncomingFile file(path);
   if (!file.IsOpen()) return FrameStatus::kFileFailed;
-  const FrameStatus status =
+  FrameStatus status =
       ReceiveChunks(stream, length, progress, [&](Bytes bytes) { return file.Write(bytes); });
+  if (status == FrameStatus::kDone) status = stream.End();
   if (status != FrameStatus::kDone) return status;
   return file.Commit() ? FrameStatus::kDone : FrameStatus::kFileFailed;
 }

@@ -31,6 +31,9 @@ struct IncomingMessage {
   WritableBytes payload;
 };
 
+// The bytes that SendFrame writes for a message and, when there is one, its file.
+[[nodiscard]] std::uint64_t FrameLength(const OutgoingMessage& message, const OutgoingFile* file);
+
 // Sends a message and, when there is one, `file` behind it. A message above the limits is
 // kDoesNotFit, and nothing of it is sent. After any other failure the stream is in the middle of a
 // frame and of no further use; kFileFailed means that the file became shorter or unreadable.

@@ -1,19 +1,19 @@
 // A request on its way to the server, and the reply on its way back.
 #pragma once
 
-#include "ConnectionPool.h"
+#include "Connection.h"
 #include "NetworkHealth.h"
 #include "Parameters.h"
-#include "message/MsgContent.h"
 #include "qvnetcall/transport/NetworkProgress.h"
-#include "transports/frame/FrameIo.h"
+#include "transports/exchange/IdlePool.h"
+#include "transports/exchange/RequestFrame.h"
 
 namespace qv {
 
 // What the calls of a process share.
 struct Transport {
   Parameters parameters;
-  ConnectionPool pool;
+  IdlePool<Connection> pool;
   NetworkHealth health;
 };
 
@@ -21,12 +21,6 @@ struct ProgressListener {
   NetworkProgress callback = nullptr;
   void* context = nullptr;
 };
-
-// The results of NetworkTransMsg.
-inline constexpr int kDelivered = 0;
-inline constexpr int kNotDelivered = -1;
-inline constexpr int kOutcomeUnknown = -2;
-inline constexpr int kBadReply = -3;
 
 // One call. The transport and the messages are the caller's and outlive it.
 class MessageExchange {
@@ -41,10 +35,9 @@ class MessageExchange {
  private:
   // Gets a connection and sends the request over it. A connection that failed before it took a byte
   // is replaced once; after that nothing is ever sent again.
-  [[nodiscard]] int Send(Bytes payload);
-  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<Connection> connection, Bytes payload);
+  [[nodiscard]] int Send(RequestFrame& frame);
+  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<Connection> connection, RequestFrame& frame);
   [[nodiscard]] int Receive();
-  [[nodiscard]] FrameStatus ReceiveReply();
   [[nodiscard]] FileProgress FileListener() const;
   void ReportMessage(std::uint64_t payload_length) const;
 
@@ -54,7 +47,6 @@ class MessageExchange {
   CMsgContent& reply_;
   ProgressListener listener_;
   TransportSettings settings_;
-  std::optional<OutgoingFile> file_;
   std::unique_ptr<Connection> connection_;
 };
 

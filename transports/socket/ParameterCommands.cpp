@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "RequestPayload.h"
+#include "transports/exchange/RequestPayload.h"
 
 namespace qv {
 

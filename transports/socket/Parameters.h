@@ -2,14 +2,12 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
-#include <mutex>
-#include <optional>
 #include <string>
+
+#include "transports/exchange/ParameterSet.h"
 
 namespace qv {
 
-// The values as one exchange uses them.
 struct TransportSettings {
   // Whether a user interface may report what is going on; kept for the host, which reads it back.
   std::string display_messages = "1";
@@ -21,8 +19,6 @@ struct TransportSettings {
   std::chrono::milliseconds retry_after{3000};
 };
 
-// Any thread may use it at any time.
-//
 //   name                values
 //   dispmsg             any text
 //   token               any text; travels with every request
@@ -31,17 +27,9 @@ struct TransportSettings {
 //   retry_after_ms      1 to 3600000
 //   tls                 "0": this transport does not encrypt and says so rather than pretend
 //   ca_file             empty: only an encrypting transport would use it
-class Parameters {
+class Parameters : public ParameterSet<TransportSettings> {
  public:
-  // Nothing for an unknown name.
-  [[nodiscard]] std::optional<std::string> Get(const std::string& name) const;
-  // False, and no change, for an unknown name or a value that it cannot have.
-  [[nodiscard]] bool Set(const std::string& name, const std::string& value);
-  [[nodiscard]] TransportSettings Snapshot() const;
-
- private:
-  mutable std::mutex mutex_;
-  TransportSettings settings_;
+  Parameters();
 };
 
 }  // namespace qv

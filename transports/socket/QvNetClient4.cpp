@@ -5,6 +5,7 @@
 
 #include "MessageExchange.h"
 #include "ParameterCommands.h"
+#include "transports/exchange/Result.h"
 
 namespace qv {
 

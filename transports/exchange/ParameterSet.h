@@ -1,0 +1,81 @@
+// A transport's parameters: settings that hosts read and write by name.
+#pragma once
+
+#include <algorithm>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "SettingValue.h"
+
+namespace qv {
+
+// One name, and how its text becomes a member of `Settings` and back.
+template <class Settings>
+struct Parameter {
+  const char* name;
+  std::string (*get)(const Settings&);
+  bool (*set)(Settings&, const std::string&);
+};
+
+template <class Settings, std::chrono::milliseconds Settings::*kMember>
+constexpr Parameter<Settings> MillisecondsParameter(const char* name) {
+  return {name, [](const Settings& from) { return std::to_string((from.*kMember).count()); },
+          [](Settings& to, const std::string& v) { return SetMilliseconds(to.*kMember, v); }};
+}
+
+template <class Settings, std::string Settings::*kMember>
+constexpr Parameter<Settings> TextParameter(const char* name) {
+  return {name, [](const Settings& from) { return from.*kMember; },
+          [](Settings& to, const std::string& v) { return SetText(to.*kMember, v); }};
+}
+
+template <class Settings, bool Settings::*kMember>
+constexpr Parameter<Settings> SwitchParameter(const char* name) {
+  return {name, [](const Settings& from) { return std::string(from.*kMember ? "1" : "0"); },
+          [](Settings& to, const std::string& v) { return SetSwitch(to.*kMember, v); }};
+}
+
+// Any thread may use it at any time.
+template <class Settings>
+class ParameterSet {
+ public:
+  // `table` outlives the set.
+  explicit ParameterSet(std::span<const Parameter<Settings>> table) : table_(table) {}
+
+  // Nothing for an unknown name.
+  [[nodiscard]] std::optional<std::string> Get(const std::string& name) const {
+    const Parameter<Settings>* const parameter = Find(name);
+    if (parameter == nullptr) return std::nullopt;
+    const std::lock_guard lock(mutex_);
+    return parameter->get(settings_);
+  }
+
+  // False, and no change, for an unknown name or a value that it cannot have.
+  [[nodiscard]] bool Set(const std::string& name, const std::string& value) {
+    const Parameter<Settings>* const parameter = Find(name);
+    if (parameter == nullptr) return false;
+    const std::lock_guard lock(mutex_);
+    return parameter->set(settings_, value);
+  }
+
+  // The values as one exchange uses them.
+  [[nodiscard]] Settings Snapshot() const {
+    const std::lock_guard lock(mutex_);
+    return settings_;
+  }
+
+ private:
+  const Parameter<Settings>* Find(const std::string& name) const {
+    const auto found = std::find_if(table_.begin(), table_.end(),
+                                    [&](const auto& one) { return name == one.name; });
+    return found != table_.end() ? &*found : nullptr;
+  }
+
+  std::span<const Parameter<Settings>> table_;
+  mutable std::mutex mutex_;
+  Settings settings_;
+};
+
+}  // namespace qv

@@ -1,0 +1,25 @@
+// The way of a reply from a stream into the message that waits for it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "message/MsgContent.h"
+#include "transports/frame/FrameIo.h"
+
+namespace qv {
+
+// Who hears of a reply's progress; either may be empty.
+struct ReplyProgress {
+  // The fields are here: so many bytes of payload.
+  std::function<void(std::uint64_t payload)> message = nullptr;
+  FileProgress file = nullptr;
+};
+
+// Receives a reply, and its file to the path that `reply` names. After anything but kDone `reply`
+// holds no fields, no part of the file is left, and the stream is of no further use. kDoesNotFit
+// also stands for a file that nobody named a path for.
+[[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply,
+                                       const ReplyProgress& progress = {});
+
+}  // namespace qv
