@@ -27,6 +27,8 @@ class ServerSide final : public ByteStream {
   bool Receive(WholeFrame& request, const std::string& file_path = "");
   bool Reply(const std::string& payload, OutgoingFile* file = nullptr);
 
+  [[nodiscard]] boost::asio::ip::tcp::socket& Socket() { return socket_; }
+
  private:
   boost::asio::ip::tcp::socket& socket_;
 };

@@ -1,16 +1,367 @@
-#include <gtest/gtest.h>
+#include "HttpTransport.h"
 
-#include "message/MsgContent.h"
-#include "qvnetcall/transport/QvHttpClient.h"
+#include <filesystem>
 
-TEST(HttpTransport, SaysThatItDeliversNothing) {
-  CAutoBuf buffer(1024);
-  CMsgContent message(buffer);
-  HttpworkTransInit();
-  EXPECT_EQ(HttpworkTransMsg("127.0.0.1", 80, message, message, 1), -1);
-  char token[] = "old";
-  EXPECT_EQ(HttpworkLoginToken(token), 0);
-  EXPECT_STREQ(token, "");
-  EXPECT_EQ(HttpworkLoginToken(nullptr), 0);
+namespace qv {
+namespace {
+
+using std::chrono::hours;
+using testing::HasSubstr;
+using testing::Not;
+
+TEST_F(HttpTransport, EchoesOverOneKeptConnectionHoweverTheServerIsSpelt) {
+  ScriptedServer server(EchoHttp);
+  for (const char* const name : {"127.0.0.1", "http://127.0.0.1", "HTTP://127.0.0.1"}) {
+    HttpCall call;
+    call.request.AddString(name, nullptr);
+    EXPECT_EQ(call.Send(server.Port(), name), 0);
+    EXPECT_EQ(call.Answer(), name);
+  }
+  EXPECT_EQ(server.Connections(), 1);
+  EXPECT_EQ(HttpCall().Send(server.Port(), "LocalHost"), 0);
   HttpworkTransFini();
+  server.WaitForFinished(2);
+  EXPECT_EQ(HttpCall().Send(server.Port()), 0);
 }
+
+TEST_F(HttpTransport, PostsTheWholeRequest) {
+  HttpRequestSeen seen;
+  ScriptedServer server([&](ServerSide& side) {
+    for (HttpRequestSeen request; ReceiveHttp(side, request);) {
+      seen = request;
+      ReplyHttp(side, "");
+    }
+  });
+  EXPECT_EQ(Set("token", "secret"), 1);
+  const std::string big(300'000, 'b');
+  HttpCall call(1024);
+  call.request.SetName("a.dwg");
+  call.request.AddString("first", nullptr);
+  EXPECT_EQ(call.request.AddString(big.c_str(), nullptr), 0);
+  EXPECT_EQ(call.Send(server.Port()), 0);
+  EXPECT_EQ(call.Answer(), "");
+  EXPECT_EQ(seen.frame.token, "secret");
+  EXPECT_EQ(seen.frame.block.substr(0, 4) + seen.frame.block.substr(13, 5),
+            std::string("\xC8\0\0\0a.dwg", 9));
+  EXPECT_EQ(seen.frame.payload, Field("first") + Field(big));
+  EXPECT_THAT(seen.head, testing::StartsWith("POST /qvcall HTTP/1.1\r\n"));
+  EXPECT_THAT(seen.head, HasSubstr("\r\nContent-Type: application/octet-stream\r\n"));
+  for (const char* const absent : {"Expect", "Encoding", "Cookie", "Authorization", "Qv-"}) {
+    EXPECT_THAT(seen.head, Not(HasSubstr(absent)));
+  }
+  EXPECT_EQ(HttpCall().Send(server.Port(), kHttpHost, 1), 0);
+  EXPECT_THAT(seen.head, HasSubstr("\r\nQv-Compress: 1\r\n"));
+  EXPECT_EQ(seen.frame.payload, "");
+  EXPECT_EQ(server.Connections(), 1);
+}
+
+TEST_F(HttpTransport, CarriesFilesBothWays) {
+  for (const std::string& bytes : {LongBytes(), std::string(65536, 'c'), std::string()}) {
+    ScriptedServer server([&](ServerSide& side) {
+      HttpRequestSeen request;
+      if (!ReceiveHttp(side, request, InFolder("stored"))) return;
+      auto file = OutgoingFile::Open(InFolder("stored"));
+      ReplyHttp(side, Field("SUCCESS"), &*file);
+    });
+    HttpCall call;
+    call.request.SetFileName(folder_.Write("sent", bytes).c_str(), 1);
+    call.reply.SetFileName(folder_.Write("received", "an older file").c_str(), 1);
+    EXPECT_EQ(call.Send(server.Port()), 0);
+    EXPECT_EQ(call.Answer(), "SUCCESS");
+    EXPECT_TRUE(BytesOf(InFolder("received")) == bytes);
+  }
+}
+
+// Cuts `body` into chunks of at most `size` bytes.
+std::string Chunked(std::string body, std::size_t size) {
+  std::string text = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+  for (; !body.empty(); body.erase(0, size)) {
+    const std::string chunk = body.substr(0, size);
+    char length[20];
+    std::snprintf(length, sizeof length, "%zx\r\n", chunk.size());
+    text += length + chunk + "\r\n";
+  }
+  return text + "0\r\n\r\n";
+}
+
+TEST_F(HttpTransport, AnswersGiveTheirCodeAndBrokenOnesLeaveNothing) {
+  const std::string right = ReplyWithFile(folder_);
+  const std::string answer = HttpAnswer(right);
+  const std::string headers = answer.substr(0, answer.size() - right.size());
+  const std::string until_close = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n";
+  const std::string chunked = Chunked(right, 7777);
+  const auto flood = [](std::string line, int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += line;
+    return text;
+  };
+  const struct {
+    const char* what;
+    std::string answer;
+    int result;
+  } cases[] = {
+      {"right", answer, 0},
+      {"in chunks", chunked, 0},
+      {"until the connection ends", until_close + right, 0},
+      {"after other statuses", flood("HTTP/1.1 103 Hints\r\nA: b\r\n\r\n", 9) + answer, 0},
+      {"no answer", "", -2},
+      {"cut in the headers", answer.substr(0, 30), -2},
+      {"cut in the frame", answer.substr(0, headers.size() + 20), -2},
+      {"cut in the file", answer.substr(0, 150'000), -2},
+      {"cut before the last byte", answer.substr(0, answer.size() - 1), -2},
+      {"cut without a length", until_close + right.substr(0, 150'000), -2},
+      {"cut in the chunks", chunked.substr(0, 150'000), -2},
+      {"cut before the last chunk", chunked.substr(0, chunked.size() - 5), -2},
+      {"a frame that stops short", HttpAnswer(right.substr(0, 150'000)), -3},
+      {"chunks that stop short", Chunked(right.substr(0, 150'000), 7777), -3},
+      {"longer than its frame", HttpAnswer(right + "x"), -3},
+      {"chunks longer than the frame", Chunked(right + "x", 7777), -3},
+      {"damaged", HttpAnswer(Damaged(right, 306)), -3},
+      {"damaged in the file", HttpAnswer(Damaged(right, 100'000)), -3},
+      {"larger than the block", HttpAnswer(HeaderOnly(FrameKind::kReply, 4096)), -3},
+      {"no body", HttpAnswer(""), -3},
+      {"another protocol", right, -3},
+      {"201", HttpAnswer(right, "", "201 Created"), -3},
+      {"204", "HTTP/1.1 204 No Content\r\n\r\n", -3},
+      {"302", HttpAnswer("", "Location: /qvcall\r\n", "302 Found"), -3},
+      {"404", HttpAnswer("gone", "", "404 Not Found"), -3},
+      {"401", HttpAnswer("", "WWW-Authenticate: Basic realm=\"x\"\r\n", "401 Unauthorized"), -3},
+      {"500", HttpAnswer(right, "", "500 Broken"), -3},
+      {"101", "HTTP/1.1 101 Switching\r\nUpgrade: h2c\r\n\r\n" + right, -3},
+      {"packed for the transfer", HttpAnswer(right, "Transfer-Encoding: gzip\r\n"), -3},
+      {"coded twice",
+       HttpAnswer(right, "Transfer-Encoding: gzip\r\nTransfer-Encoding: chunked\r\n"), -3},
+      {"two lengths", HttpAnswer(right, "Content-Length: 5\r\n"), -3},
+      {"a negative length", "HTTP/1.1 200 OK\r\nContent-Length: -5\r\n\r\n" + right, -3},
+      {"a flood of headers", HttpAnswer(right, flood("A: 0123456789\r\n", 5000)), -3},
+      {"a long header", HttpAnswer(right, "A: " + std::string(70'000, 'a') + "\r\n"), -3},
+      {"statuses without end", flood("HTTP/1.1 100 Continue\r\n\r\n", 5000) + answer, -3},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.what);
+    ScriptedServer server(Answering(one.answer));
+    HttpCall call;
+    call.reply.SetFileName(InFolder("answer").c_str(), 0);
+    EXPECT_EQ(call.Send(server.Port()), one.result);
+    EXPECT_EQ(call.Answer(), one.result == 0 ? "SUCCESS" : "");
+    EXPECT_EQ(std::filesystem::remove(InFolder("answer")), one.result == 0);
+    EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
+    EXPECT_EQ(server.Connections(), 1) << "a request is never sent twice";
+  }
+}
+
+TEST_F(HttpTransport, AFileThatCannotBeKeptIsABadReply) {
+  ScriptedServer server(Answering(HttpAnswer(ReplyWithFile(folder_))));
+  for (const std::string& path : {std::string(), InFolder("missing/answer")}) {
+    HttpCall call;
+    call.reply.SetFileName(path.c_str(), 0);
+    EXPECT_EQ(call.Send(server.Port()), -3) << path;
+  }
+}
+
+TEST_F(HttpTransport, ARequestThatAKeptConnectionSwallowedIsNotSentAgain) {
+  for (const bool whole : {true, false}) {
+    std::atomic<int> requests{0};
+    ScriptedServer server([&](ServerSide& side) {
+      HttpRequestSeen request;
+      if (!ReceiveHttp(side, request)) return;
+      ++requests;
+      if (requests > 1 || !ReplyHttp(side, "")) return;
+      unsigned char byte = 0;
+      const bool is_more_read = whole ? ReceiveHttp(side, request) : side.Read({&byte, 1});
+      if (is_more_read) ++requests;
+    });
+    EXPECT_EQ(HttpCall().Send(server.Port()), 0);
+    EXPECT_EQ(HttpCall().Send(server.Port()), -2);
+    server.WaitForFinished(1);
+    EXPECT_EQ(requests, 2);
+    EXPECT_EQ(server.Connections(), 1);
+  }
+}
+
+TEST_F(HttpTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
+  for (const char* const unasked : {"", "x"}) {
+    ScriptedServer server([&](ServerSide& side) {
+      HttpRequestSeen request;
+      if (ReceiveHttp(side, request) && ReplyHttp(side, request.frame.payload)) {
+        side.Write({BytesOfText(unasked)});
+      }
+    });
+    for (int count = 1; count <= 3; ++count) {
+      HttpCall call;
+      call.request.AddString("again", nullptr);
+      EXPECT_EQ(call.Send(server.Port()), 0);
+      EXPECT_EQ(call.Answer(), "again");
+      server.WaitForFinished(count);
+    }
+  }
+}
+
+TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
+  ScriptedServer server(EchoHttp);
+  const std::string port = std::to_string(server.Port());
+  const std::string names[] = {"",
+                               "http://",
+                               "ftp://127.0.0.1",
+                               "http://http://127.0.0.1",
+                               "127.0.0.1:" + port,
+                               "127.0.0.1/",
+                               "127.0.0.1?a",
+                               "127.0.0.1#a",
+                               "user@127.0.0.1",
+                               "127.0.0.1 ",
+                               "127.0.0.1\r\nA: b",
+                               "%3127.0.0.1",
+                               "[127.0.0.1]",
+                               "no-such-host.invalid",
+                               std::string(300, 'a')};
+  for (const std::string& name : names) {
+    EXPECT_EQ(HttpCall().Send(server.Port(), name.c_str()), -1) << name;
+  }
+  EXPECT_EQ(HttpCall().Send(server.Port(), nullptr), -1);
+  EXPECT_EQ(HttpCall().Send(0), -1);
+  EXPECT_EQ(HttpCall().Send(0x10000U + server.Port()), -1);
+  HttpCall unbound(100);
+  HttpCall bound;
+  EXPECT_EQ(HttpworkTransMsg(kHttpHost, server.Port(), unbound.request, bound.reply, 0), -1);
+  EXPECT_EQ(HttpworkTransMsg(kHttpHost, server.Port(), bound.request, unbound.reply, 0), -1);
+  bound.request.SetFileName(InFolder("missing").c_str(), 1);
+  EXPECT_EQ(bound.Send(server.Port()), -1);
+  EXPECT_EQ(server.Connections(), 0);
+}
+
+TEST_F(HttpTransport, ReachesAServerOfIpv6) {
+  boost::asio::io_context context;
+  boost::system::error_code error;
+  boost::asio::ip::tcp::acceptor acceptor(context);
+  const boost::asio::ip::tcp::endpoint anywhere(boost::asio::ip::address_v6::loopback(), 0);
+  acceptor.open(anywhere.protocol(), error);
+  if (!error) acceptor.bind(anywhere, error);
+  if (error) GTEST_SKIP() << "no IPv6 here";
+  acceptor.listen();
+  std::thread server([&] {
+    for (int count = 0; count < 2; ++count) {
+      boost::asio::ip::tcp::socket socket = acceptor.accept();
+      ServerSide side(socket);
+      HttpRequestSeen request;
+      EXPECT_TRUE(ReceiveHttp(side, request) &&
+                  ReplyHttp(side, "", nullptr, "Connection: close\r\n"));
+    }
+  });
+  for (const char* const name : {"::1", "http://[::1]"}) {
+    EXPECT_EQ(HttpCall().Send(acceptor.local_endpoint().port(), name), 0);
+  }
+  server.join();
+}
+
+TEST_F(HttpTransport, GivesUpWhoDoesNotAcceptAnswerOrTake) {
+  // With its queue full, a listener's system leaves further attempts without an answer.
+  boost::asio::io_context context;
+  boost::asio::ip::tcp::acceptor full(context, boost::asio::ip::tcp::v4());
+  full.bind({boost::asio::ip::address_v4::loopback(), 0});
+  full.listen(0);
+  boost::asio::ip::tcp::socket first(context);
+  first.connect(full.local_endpoint());
+  // Accepts, and is silent where TLS should begin, or stops reading in the middle of a request.
+  ScriptedServer deaf([](ServerSide& side) {
+    boost::system::error_code ended;
+    side.Socket().wait(boost::asio::ip::tcp::socket::wait_error, ended);
+  });
+  ScriptedServer silent([](ServerSide& side) {
+    for (HttpRequestSeen request; ReceiveHttp(side, request);) {
+    }
+  });
+  ScriptedServer stuck([](ServerSide& side) {
+    HttpRequestSeen request;
+    if (ReceiveHttp(side, request)) side.Write({BytesOfText(HttpAnswer("QvN4").substr(0, 40))});
+    unsigned char byte = 0;
+    side.Read({&byte, 1});
+  });
+  Set("connect_timeout_ms", "50");
+  Set("io_timeout_ms", "50");
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(HttpCall().Send(full.local_endpoint().port()), -1);
+  EXPECT_EQ(HttpCall().Send(deaf.Port(), "https://127.0.0.1"), -1);
+  EXPECT_EQ(HttpCall().Send(silent.Port()), -2);
+  EXPECT_EQ(HttpCall().Send(stuck.Port()), -2);
+  HttpCall upload;
+  upload.request.SetFileName(folder_.Write("big", std::string(20'000'000, 'u')).c_str(), 1);
+  EXPECT_EQ(upload.Send(deaf.Port()), -2);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+}
+
+TEST_F(HttpTransport, AnUploadEndsWhenTheServerRefusesItOrHangsUp) {
+  const TestCertificate certificate = MakeCertificate("IP:127.0.0.1", hours(1));
+  EXPECT_EQ(Set("ca_file", folder_.Write("ca.pem", certificate.certificate)), 1);
+  const std::string big = folder_.Write("big", std::string(20'000'000, 'u'));
+  std::array<unsigned char, 1000> start{};
+  ScriptedServer refusing([&](ServerSide& side) {
+    if (!side.Read(start)) return;
+    side.Write({BytesOfText(HttpAnswer("too big", "", "413 Too Large"))});
+    while (side.Read(start)) {
+    }
+  });
+  ScriptedServer leaving([&](ServerSide& side) { side.Read(start); });
+  ScriptedServer leaving_tls([&](ServerSide& side) {
+    TlsSide tls(side, certificate);
+    if (tls.ShakeHands()) tls.Read(start);
+  });
+  const std::tuple<std::uint16_t, const char*, int> cases[] = {
+      {refusing.Port(), "http://127.0.0.1", -3},
+      {leaving.Port(), "http://127.0.0.1", -2},
+      {leaving_tls.Port(), "https://127.0.0.1", -2}};
+  for (const auto& [port, server, result] : cases) {
+    HttpCall upload;
+    upload.request.SetFileName(big.c_str(), 1);
+    EXPECT_EQ(upload.Send(port, server), result);
+  }
+}
+
+TEST_F(HttpTransport, ParametersTakeWhatTheyCanHave) {
+  const struct {
+    const char* name;
+    std::string value;
+    int result;
+  } cases[] = {
+      {"token", std::string(4096, 't'), 1},
+      {"token", std::string(4097, 't'), 0},
+      {"tls", "1", 1},
+      {"tls", "yes", 0},
+      {"ca_file", "", 1},
+      {"connect_timeout_ms", "3600000", 1},
+      {"connect_timeout_ms", "3600001", 0},
+      {"io_timeout_ms", "0", 0},
+      {"dispmsg", "1", 0},
+      {"", "", 0},
+  };
+  for (const auto& one : cases) EXPECT_EQ(Set(one.name, one.value), one.result) << one.name;
+  EXPECT_EQ(HttpworkSetParameter(nullptr, "1"), 0);
+  EXPECT_EQ(HttpworkSetParameter("tls", nullptr), 0);
+}
+
+TEST_F(HttpTransport, ServesManyThreadsAtOnce) {
+  ScriptedServer server([](ServerSide& side) {
+    for (HttpRequestSeen request; ReceiveHttp(side, request);) {
+      if (!ReplyHttp(side, request.frame.payload, nullptr, "Qv-Login-Token: t\r\n")) return;
+    }
+  });
+  std::atomic<int> right{0};
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 8; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (int count = 0; count < 50; ++count) {
+        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
+        HttpCall call;
+        call.request.AddString(text.c_str(), nullptr);
+        if (call.Send(server.Port()) == 0 && call.Answer() == text && LoginToken() == "t") ++right;
+        if (count % 10 == 0) Set("token", text);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(right, 400);
+  EXPECT_LE(server.Connections(), 8);
+}
+
+}  // namespace
+}  // namespace qv

@@ -7,11 +7,10 @@
 #include <map>
 #include <utility>
 
-#include "message/MsgContent.h"
+#include "TransportCall.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 #include "tests/support/ScriptedServer.h"
-#include "tests/support/TempFolder.h"
 
 namespace qv {
 namespace {
@@ -20,17 +19,9 @@ using boost::asio::ip::tcp;
 
 constexpr const char* kHost = "127.0.0.1";
 
-struct Call {
-  explicit Call(unsigned int size = 4096) : request_block(size), reply_block(size) {
-    request.SetCommand(200);
-  }
+struct Call : TransportCall {
+  using TransportCall::TransportCall;
   int Send(std::uint32_t port) { return NetworkTransMsg(kHost, port, request, reply); }
-  std::string Answer() { return std::string(reply.GetString(nullptr)); }
-
-  CAutoBuf request_block;
-  CAutoBuf reply_block;
-  CMsgContent request{request_block};
-  CMsgContent reply{reply_block};
 };
 
 // The text fields of the answer to one of the transport's own commands, in one line.
@@ -113,9 +104,7 @@ TEST_F(SocketTransport, SendsTheWholeRequestWithTokenNameAndSpilledPayload) {
 }
 
 TEST_F(SocketTransport, CarriesFilesBothWays) {
-  std::string bytes(3'000'001, '\0');
-  for (std::size_t at = 0; at < bytes.size(); ++at)
-    bytes[at] = static_cast<char>(at * 7 + at / 251);
+  const std::string bytes = LongBytes();
   ScriptedServer server([&](ServerSide& side) {
     WholeFrame request;
     if (!side.Receive(request, InFolder("stored"))) return;
@@ -140,28 +129,6 @@ TEST_F(SocketTransport, CarriesFilesBothWays) {
             perms::owner_read | perms::owner_write);
   EXPECT_THAT(done, testing::ElementsAre(std::pair(1, bytes.size()), std::pair(0, 269),
                                          std::pair(0, 269 + 12), std::pair(1, bytes.size())));
-}
-
-// The bytes of a right reply with a file of 200,000 bytes.
-std::string ReplyWithFile(const TempFolder& folder) {
-  const std::string path = folder.Write("source", std::string(200'000, 'f'));
-  auto file = OutgoingFile::Open(path);
-  MemoryStream stream;
-  EXPECT_EQ(SendWhole(stream, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file),
-            FrameStatus::kDone);
-  std::filesystem::remove(path);
-  return stream.written;
-}
-
-std::string Damaged(std::string bytes, std::size_t at) {
-  bytes[at] = static_cast<char>(bytes[at] ^ 1);
-  return bytes;
-}
-
-std::string HeaderOnly(FrameKind kind, std::uint64_t payload_length) {
-  const auto bytes = EncodeHeader(
-      {.kind = kind, .token_length = 0, .payload_length = payload_length, .file_length = {}});
-  return {bytes.begin(), bytes.end()};
 }
 
 TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {

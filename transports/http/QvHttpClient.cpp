@@ -1,18 +1,78 @@
 #include "qvnetcall/transport/QvHttpClient.h"
 
+#include <cstring>
+#include <exception>
+
+#include "HttpExchange.h"
+#include "qvnetcall/transport/HttpParameters.h"
+#include "transports/exchange/Result.h"
+
+namespace qv {
+
+namespace {
+
+HttpTransport* MakeTransport() {
+  // There is no counterpart at the end: the host may use libcurl as well.
+  curl_global_init(CURL_GLOBAL_DEFAULT);
+  return new HttpTransport;
+}
+
+// Never destroyed: a host may still have threads in a call when its program ends.
+HttpTransport& SharedTransport() {
+  static auto* const transport = MakeTransport();
+  return *transport;
+}
+
+int Deliver(const char* server, std::uint32_t port, const CMsgContent& request, CMsgContent& reply,
+            bool compress) {
+  HttpExchange exchange(SharedTransport(), request, reply);
+  try {
+    return exchange.Run(server, port, compress);
+  } catch (const std::exception&) {
+    return exchange.Interrupted();
+  }
+}
+
+}  // namespace
+
+}  // namespace qv
+
 extern "C" {
 
-void HttpworkTransInit() {}
+void HttpworkTransInit() { qv::SharedTransport(); }
 
-void HttpworkTransFini() {}
+void HttpworkTransFini() {
+  qv::SharedTransport().pool.Clear();
+  qv::SharedTransport().tokens.Clear();
+}
 
-int HttpworkTransMsg(const char* /*server*/, std::uint32_t /*port*/, CMsgContent& /*request*/,
-                     CMsgContent& /*reply*/, int /*compress*/) {
-  return -1;
+int HttpworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
+                     CMsgContent& reply, int compress) {
+  try {
+    return qv::Deliver(server, port, request, reply, compress != 0);
+  } catch (const std::exception&) {
+    return qv::kNotDelivered;
+  }
 }
 
 int HttpworkLoginToken(char* token) {
-  if (token != nullptr) *token = '\0';
-  return 0;
+  if (token == nullptr) return 0;
+  *token = '\0';
+  try {
+    const std::string last = qv::SharedTransport().tokens.Last();
+    std::memcpy(token, last.c_str(), last.size() + 1);
+    return last.empty() ? 0 : 1;
+  } catch (const std::exception&) {
+    return 0;
+  }
+}
+
+int HttpworkSetParameter(const char* name, const char* value) {
+  if (name == nullptr || value == nullptr) return 0;
+  try {
+    return qv::SharedTransport().parameters.Set(name, value) ? 1 : 0;
+  } catch (const std::exception&) {
+    return 0;
+  }
 }
 }

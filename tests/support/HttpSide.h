@@ -1,0 +1,32 @@
+// The server's side of HTTP, written out by hand.
+#pragma once
+
+#include <string>
+
+#include "WholeFrame.h"
+
+namespace qv {
+
+struct HttpRequestSeen {
+  // The request line and the headers, with their line ends.
+  std::string head;
+  // What came as the body; kMalformed when more came than that.
+  WholeFrame frame;
+};
+
+// Receives one request; its file goes to `file_path`. False when the client is gone or sent
+// something else.
+bool ReceiveHttp(ByteStream& stream, HttpRequestSeen& request, const std::string& file_path = "");
+
+// An answer: the status line and headers, "Content-Length" among them, and `body`.
+std::string HttpAnswer(const std::string& body, const std::string& more_headers = "",
+                       const std::string& status = "200 OK");
+
+// Answers with a frame that holds `payload` and the file.
+bool ReplyHttp(ByteStream& stream, const std::string& payload, OutgoingFile* file = nullptr,
+               const std::string& more_headers = "");
+
+// Answers every request with its own payload.
+void EchoHttp(ByteStream& stream);
+
+}  // namespace qv

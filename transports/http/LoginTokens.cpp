@@ -1,0 +1,52 @@
+#include "LoginTokens.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kMaxServers = 64;
+constexpr std::size_t kLongestToken = 255;
+
+}  // namespace
+
+LoginTokens::LoginTokens() { entries_.reserve(kMaxServers); }
+
+bool LoginTokens::IsToken(std::string_view text) {
+  return !text.empty() && text.size() <= kLongestToken &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
+}
+
+void LoginTokens::Keep(const std::string& url, std::string_view token) noexcept {
+  try {
+    Entry entry{url, std::string(token)};
+    const std::lock_guard lock(mutex_);
+    std::erase_if(entries_, [&](const Entry& one) { return one.url == url; });
+    if (entries_.size() == kMaxServers) entries_.erase(entries_.begin());
+    entries_.push_back(std::move(entry));
+  } catch (const std::bad_alloc&) {
+    // The server can do without, or asks for a new login.
+  }
+}
+
+std::string LoginTokens::Of(const std::string& url) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const Entry& one) { return one.url == url; });
+  return found != entries_.end() ? found->token : std::string();
+}
+
+std::string LoginTokens::Last() const {
+  const std::lock_guard lock(mutex_);
+  return entries_.empty() ? std::string() : entries_.back().token;
+}
+
+void LoginTokens::Clear() {
+  const std::lock_guard lock(mutex_);
+  entries_.clear();
+}
+
+}  // namespace qv
