@@ -14,8 +14,8 @@ namespace {
 // Text of `length` units in `buffer`, of which a driver may have written fewer than it says.
 template <class Unit>
 std::string TextIn(const std::basic_string<Unit>& buffer, SQLSMALLINT length) {
-  const std::size_t held =
-      std::min<std::size_t>(std::max<SQLSMALLINT>(length, 0), buffer.size() - 1);
+  const auto said = static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0));
+  const std::size_t held = std::min(said, buffer.size() - 1);
   const std::basic_string_view<Unit> whole(buffer.data(), held);
   const auto text = whole.substr(0, whole.find(Unit{}));
   if constexpr (std::is_same_v<Unit, char16_t>) {
