@@ -48,7 +48,10 @@ int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
     fmt::print(err, "qvcall: {} can be reached, but refuses a small query; check --token\n",
                session.Address());
   } else {
-    session.PrintFailure(Call::kQuery, code, err);
+    fmt::print(err,
+               "qvcall: {} can be reached, but does not answer as the platform's web server does; "
+               "check --http-port\n",
+               session.Address());
   }
   return kFailed;
 }

@@ -45,6 +45,14 @@ bool Take(Route route, const char* name, const std::string& value) {
   return set != nullptr && set(name, value.c_str()) == 1;
 }
 
+// Hands all of them over. The name of the first that was not taken, or null.
+const char* FirstRefused(const Connection& connection, Route route) {
+  for (const auto& [name, value] : Wanted(connection, route)) {
+    if (!Take(route, name, value)) return name;
+  }
+  return nullptr;
+}
+
 // The lines of a text as a terminal can show them, those behind the first with blanks before them.
 std::string Indented(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
@@ -87,7 +95,15 @@ Session::~Session() {
 bool Session::Start(std::ostream& err) {
   if (!connection_.direct.empty()) return OpenDirect(err);
   CRvoServer::SetConinfo(server_.c_str(), port_);
-  return FindRoute(err) && Configure(err);
+  const bool surely_web = connection_.web && calls_ == Calls::kByServerType;
+  // Before the route is looked for: that may be by a probe, for which a server may want the token.
+  const char* refused = surely_web ? nullptr : FirstRefused(connection_, Route::kSocket);
+  if (!FindRoute(err)) return false;
+  if (route_ == Route::kWeb) refused = FirstRefused(connection_, Route::kWeb);
+  if (refused == nullptr) return true;
+  fmt::print(err, "qvcall: the {} transport does not take this value of its parameter {}\n",
+             route_ == Route::kWeb ? "HTTP" : "socket", refused);
+  return false;
 }
 
 void Session::PrintFailure(Call call, int code, std::ostream& err) const {
@@ -117,16 +133,6 @@ bool Session::FindRoute(std::ostream& err) {
              "qvcall: {} is not the name of a server; one with a scheme goes only with --web\n",
              server_);
   return false;
-}
-
-bool Session::Configure(std::ostream& err) const {
-  for (const auto& [name, value] : Wanted(connection_, route_)) {
-    if (Take(route_, name, value)) continue;
-    fmt::print(err, "qvcall: the {} transport does not take this value of its parameter {}\n",
-               route_ == Route::kWeb ? "HTTP" : "socket", name);
-    return false;
-  }
-  return true;
 }
 
 bool Session::OpenDirect(std::ostream& err) {

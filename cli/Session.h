@@ -45,7 +45,6 @@ class Session {
  private:
   [[nodiscard]] bool FindRoute(std::ostream& err);
   [[nodiscard]] bool OpenDirect(std::ostream& err);
-  [[nodiscard]] bool Configure(std::ostream& err) const;
   void PrintDriverText(std::ostream& err) const;
 
   const Connection& connection_;
