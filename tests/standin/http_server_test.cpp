@@ -4,31 +4,14 @@
 
 #include <array>
 #include <atomic>
-#include <boost/asio/ip/address.hpp>
 #include <future>
 #include <string>
 #include <vector>
 
 #include "ServerFixture.h"
-#include "message/LittleEndian.h"
-#include "standin/ClientStream.h"
-#include "standin/FieldReader.h"
-#include "tests/support/WholeFrame.h"
 
 namespace qv::standin {
 namespace {
-
-using testing::HasSubstr;
-
-std::string FrameOf(std::uint32_t command, const std::vector<std::string>& fields,
-                    const std::string& token = {}) {
-  WholeFrame frame{.token = token};
-  StoreU32(frame.block.data(), command);
-  for (const std::string& field : fields) frame.payload += Field(field);
-  MemoryStream stream;
-  EXPECT_EQ(SendWhole(stream, FrameKind::kRequest, frame), FrameStatus::kDone);
-  return stream.written;
-}
 
 const std::string kHost = "Host: x\r\n";
 const std::string kBytes = "Content-Type: application/octet-stream\r\n";
@@ -82,14 +65,10 @@ struct HttpReply {
   [[nodiscard]] std::string Outcome() const { return Fields().at(0); }
 };
 
-class HttpClient {
+class HttpClient : public Connection {
  public:
-  explicit HttpClient(std::uint16_t port) : stream_(kPatience) {
-    stream_.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), port});
-  }
+  using Connection::Connection;
 
-  // False when the server would not take it.
-  bool Send(const std::string& bytes) { return stream_.Write({BytesOfText(bytes)}); }
   HttpReply Receive(bool has_body = true) {
     HttpReply reply;
     while (!reply.head.ends_with("\r\n\r\n")) {
@@ -105,20 +84,6 @@ class HttpClient {
     Send(bytes);
     return Receive();
   }
-  [[nodiscard]] bool IsHungUpOn() {
-    const auto start = std::chrono::steady_clock::now();
-    return Read(1).empty() && std::chrono::steady_clock::now() - start < kPatience;
-  }
-  ClientStream& Stream() { return stream_; }
-
- private:
-  std::string Read(std::size_t length) {
-    std::string bytes(length, '\0');
-    const WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
-    return stream_.Read(room) ? bytes : "";
-  }
-
-  ClientStream stream_;
 };
 
 class HttpServerTest : public ServerTest {
@@ -170,11 +135,11 @@ TEST_F(HttpServerTest, KeepsTheConnectionAndAnswersInOrder) {
 TEST_F(HttpServerTest, TakesFramesWithoutHttpAsWell) {
   Start();
   HttpClient client = Client();
-  for (const char* text : {"select 1", "select 2"}) {
-    ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", text})));
-    const WholeFrame reply = ReceiveWhole(client.Stream(), FrameKind::kReply);
-    EXPECT_THAT(reply.payload, HasSubstr("<z:row")) << text;
-  }
+  const std::string path = (folder_.Path() / "answer").string();
+  ASSERT_TRUE(client.Send(kPing) && client.Send(FrameOf(200, {"DESIGNDB", "select * from parts"})));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  EXPECT_EQ(client.Status(path), "SUCCESS");
+  EXPECT_THAT(BytesOf(path), testing::HasSubstr("<z:row"));
 }
 
 TEST_F(HttpServerTest, WantsATokenOrTheOneThatItHandedOut) {
@@ -335,7 +300,7 @@ TEST_F(HttpServerTest, HangsUpOnTheSlowTheIdleAndTheSurplus) {
   Start();
   HttpClient first(server_->Port());
   first.Send(kPing);
-  EXPECT_EQ(ReceiveWhole(first.Stream(), FrameKind::kReply).status, FrameStatus::kDone);
+  EXPECT_EQ(first.Status(), "SUCCESS");
   EXPECT_TRUE(Client().IsHungUpOn()) << "both ports share one limit";
 }
 
