@@ -1,5 +1,6 @@
 #include "HttpTransport.h"
 
+#include <array>
 #include <filesystem>
 #include <optional>
 #include <tuple>
@@ -275,17 +276,20 @@ TEST_F(HttpTransport, AnUploadEndsWhenTheServerRefusesItOrHangsUp) {
   const TestCertificate certificate = MakeCertificate("IP:127.0.0.1", hours(1));
   EXPECT_EQ(Set("ca_file", folder_.Write("ca.pem", certificate.certificate)), 1);
   const std::string big = folder_.Write("big", std::string(20'000'000, 'u'));
-  std::array<unsigned char, 1000> start{};
+  const auto read_some = [](ByteStream& side) {
+    std::array<unsigned char, 1000> bytes{};
+    return side.Read(bytes);
+  };
   ScriptedServer refusing([&](ServerSide& side) {
-    if (!side.Read(start)) return;
+    if (!read_some(side)) return;
     side.Write({BytesOfText(HttpAnswer("too big", "", "413 Too Large"))});
-    while (side.Read(start)) {
+    while (read_some(side)) {
     }
   });
-  ScriptedServer leaving([&](ServerSide& side) { side.Read(start); });
+  ScriptedServer leaving([&](ServerSide& side) { read_some(side); });
   ScriptedServer leaving_tls([&](ServerSide& side) {
     TlsSide tls(side, certificate);
-    if (tls.ShakeHands()) tls.Read(start);
+    if (tls.ShakeHands()) read_some(tls);
   });
   const std::tuple<std::uint16_t, const char*, int> cases[] = {
       {refusing.Port(), "http://127.0.0.1", -3},
