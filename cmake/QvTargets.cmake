@@ -50,11 +50,17 @@ function(qv_add_shared_library target)
   install(TARGETS ${target})
 endfunction()
 
-# qv_add_test(<name> SOURCES <files> LINKS <targets>): one GoogleTest program, its cases known to ctest.
+# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER]): one GoogleTest program, its cases known to ctest, which
+# runs each in a process of its own; TOGETHER runs them all in one, when they share what takes long to start.
 function(qv_add_test target)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
-  gtest_discover_tests(${target} PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
+  if(ARG_TOGETHER)
+    add_test(NAME ${target} COMMAND ${target})
+    set_tests_properties(${target} PROPERTIES TIMEOUT 300)
+  else()
+    gtest_discover_tests(${target} PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
+  endif()
 endfunction()

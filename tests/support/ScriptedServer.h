@@ -39,8 +39,7 @@ class ScriptedServer {
  public:
   using Script = std::function<void(ServerSide&)>;
 
-  explicit ScriptedServer(Script script, const boost::asio::ip::address& address =
-                                             boost::asio::ip::address_v4::loopback());
+  explicit ScriptedServer(Script script);
   ~ScriptedServer();
 
   // Answers every request with its own payload.
