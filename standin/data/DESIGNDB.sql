@@ -1,5 +1,5 @@
 -- A design office's work: projects, their documents with every revision, and the parts that the documents list. Each
--- type of column that a recordset can declare occurs.
+-- type of column that a recordset can declare occurs. Runs on SQLite, and on PostgreSQL behind postgresql.sql.
 
 CREATE TABLE people (
   id INTEGER PRIMARY KEY,
@@ -17,7 +17,7 @@ SELECT i,
        CASE i % 4 WHEN 0 THEN '高级工程师' WHEN 1 THEN '工程师' WHEN 2 THEN '助理工程师' END,
        CASE WHEN i % 9 <> 0 THEN date('1962-05-17', '+' || (i * 211) || ' days') END,
        i % 13 <> 0,
-       CASE WHEN i % 5 = 0 THEN CAST(printf('signature of %d', i) AS BLOB) END
+       CASE WHEN i % 5 = 0 THEN CAST('signature of ' || i AS BLOB) END
 FROM n;
 
 CREATE TABLE projects (
@@ -34,10 +34,10 @@ CREATE TABLE projects (
 WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 24)
 INSERT INTO projects
 SELECT i,
-       printf('PRJ-%04d', i * 17),
+       'PRJ-' || substr('' || (10000 + i * 17), 2),
        CASE i % 4 WHEN 0 THEN '滨江' WHEN 1 THEN '城南' WHEN 2 THEN '高新区' ELSE '老城' END ||
        CASE i % 6 WHEN 0 THEN '图书馆' WHEN 1 THEN '地铁站' WHEN 2 THEN '中心医院' WHEN 3 THEN '体育馆'
-                  WHEN 4 THEN '水处理厂' ELSE '科技园' END || printf('%d期', 1 + i % 3),
+                  WHEN 4 THEN '水处理厂' ELSE '科技园' END || (1 + i % 3) || '期',
        1 + i * 11 % 60,
        i * 37 % 256,
        date('2017-01-09', '+' || (i * 83) || ' days'),
@@ -63,16 +63,16 @@ WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1200)
 INSERT INTO documents
 SELECT i,
        1 + i * 7 % 24,
-       printf('D%05d-%s', i, substr('ARSTMEEL', 1 + i % 4 * 2, 2)),
+       'D' || substr('' || (100000 + i), 2) || '-' || substr('ARSTMEEL', 1 + i % 4 * 2, 2),
        CASE i % 5 WHEN 0 THEN '总平面图' WHEN 1 THEN '结构计算书' WHEN 2 THEN '设备表'
-                  WHEN 3 THEN '剖面图' ELSE '节点详图' END || printf(' <%d> "A&B"', i % 40),
+                  WHEN 3 THEN '剖面图' ELSE '节点详图' END || ' <' || (i % 40) || '> "A&B"',
        1 + i * 13 % 60,
        datetime('2018-02-01 08:15:30', '+' || (i * 97) || ' minutes', '+' || (i % 60) || ' seconds'),
        i % 4,
        i % 17 = 0,
        CASE WHEN i % 10 = 0 THEN NULL WHEN i % 40 = 1 THEN 4294967296 + i ELSE 2048 + i * 7919 % 25000000 END,
-       CASE i % 6 WHEN 0 THEN NULL WHEN 1 THEN '' WHEN 2 THEN 'it''s checked' || char(10) || '第二行'
-                  ELSE '待审核' END
+       CASE i % 6 WHEN 0 THEN NULL WHEN 1 THEN '' WHEN 2 THEN 'it''s checked
+第二行'           ELSE '待审核' END
 FROM n;
 
 CREATE TABLE revisions (
@@ -91,9 +91,9 @@ SELECT d.id,
        r.i,
        datetime(d.created, '+' || (r.i * 9) || ' days'),
        1 + (d.author_id + r.i) % 60,
-       CASE r.i WHEN 0 THEN NULL ELSE printf('第%d次修改', r.i) END,
+       CASE r.i WHEN 0 THEN NULL ELSE '第' || r.i || '次修改' END,
        CASE WHEN d.id % 7 <> 0 THEN 1.0 / (50 * (1 + d.id % 4)) END,
-       CASE WHEN r.i <> 1 THEN CAST(x'00ff27' || char(33 + d.id % 90, 1 + r.i) AS BLOB) END
+       CASE r.i WHEN 0 THEN zeroblob(1 + d.id % 4) WHEN 1 THEN NULL ELSE CAST('''印' || (d.id * 7919) AS BLOB) END
 FROM documents d JOIN r ON r.i <= d.revision;
 
 CREATE TABLE parts (
@@ -112,9 +112,9 @@ WITH RECURSIVE n (i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000)
 INSERT INTO parts
 SELECT i,
        1 + i * 29 % 1200,
-       printf('P-%08d', i * 7919 % 100000000),
+       'P-' || substr('' || (100000000 + i * 7919 % 100000000), 2),
        CASE i % 6 WHEN 0 THEN '高强螺栓' WHEN 1 THEN '预埋件' WHEN 2 THEN '工字钢' WHEN 3 THEN '风阀'
-                  WHEN 4 THEN '电缆桥架' ELSE '法兰' END || printf(' M%d', 6 + i % 12),
+                  WHEN 4 THEN '电缆桥架' ELSE '法兰' END || ' M' || (6 + i % 12),
        i * 31 % 500 - 20,
        CASE WHEN i % 12 <> 0 THEN i * 0.731 + 0.02 END,
        CASE WHEN i % 15 <> 0 THEN (i % 50) / 1000.0 END,
