@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "AnswerFile.h"
+#include "OdbcDatabase.h"
 #include "SampleData.h"
 #include "SqliteDatabase.h"
 #include "platform/Platform.h"
@@ -104,6 +105,10 @@ Outcome DataFolder::SetCompression(bool on) {
 
 std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& limit) const {
   if (!IsDatabaseName(name)) return nullptr;
+  const DatabaseSettings* const settings = SettingsOf(name);
+  if (settings != nullptr && !settings->odbc.empty()) {
+    return std::make_unique<OdbcDatabase>(settings->odbc, limit);
+  }
   return SqliteDatabase::Open(DatabaseFile(name), limit);
 }
 

@@ -1,5 +1,6 @@
 #include "WorkLimit.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qv::standin {
@@ -25,6 +26,11 @@ bool WorkLimit::IsOver() {
     if (abandoned_()) reason_ = ErrorCode::kStopped;
   }
   return reason_ != ErrorCode::kNone;
+}
+
+std::chrono::milliseconds WorkLimit::TimeLeft() const {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
+  return std::max(left, std::chrono::milliseconds(0));
 }
 
 }  // namespace qv::standin

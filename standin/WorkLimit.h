@@ -19,6 +19,8 @@ class WorkLimit {
   WorkLimit(std::chrono::milliseconds time, std::function<bool()> abandoned);
 
   [[nodiscard]] bool IsOver();
+  // How long it may still go on; never negative.
+  [[nodiscard]] std::chrono::milliseconds TimeLeft() const;
   // Why it is over; kNone while it is not.
   [[nodiscard]] ErrorCode Reason() const { return reason_; }
 

@@ -1,6 +1,8 @@
 #include "HttpStream.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace qv {
 
@@ -226,7 +228,7 @@ std::size_t HttpStream::TakeBody(Bytes bytes) {
 template <class Condition>
 bool HttpStream::RunUntil(const Condition& is_done) {
   if (is_done()) return true;
-  if (is_added_) last_progress_ = Clock::now();
+  last_progress_ = is_added_ ? Clock::now() : last_progress_;
   if (!Resume()) return false;
   for (;;) {
     if (!Perform()) return false;

@@ -4,10 +4,8 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "CurlHandle.h"

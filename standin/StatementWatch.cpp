@@ -1,0 +1,60 @@
+#include "StatementWatch.h"
+
+#include <exception>
+
+namespace qv::standin {
+
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenQuestions{20};
+constexpr std::chrono::milliseconds kBetweenCancellations{100};
+
+}  // namespace
+
+StatementWatch::StatementWatch(WorkLimit& limit) : limit_(limit), thread_([this] { Run(); }) {}
+
+StatementWatch::~StatementWatch() {
+  {
+    const std::lock_guard lock(mutex_);
+    ends_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+}
+
+bool StatementWatch::IsOver() {
+  const std::lock_guard lock(mutex_);
+  return limit_.IsOver();
+}
+
+ErrorCode StatementWatch::Reason() {
+  const std::lock_guard lock(mutex_);
+  return limit_.Reason();
+}
+
+// Waits for a cancellation that is on its way, so that none reaches a statement that is gone.
+void StatementWatch::Set(Cancel cancel) {
+  const std::lock_guard lock(mutex_);
+  cancel_ = std::move(cancel);
+  cancelled_ = 0;
+}
+
+void StatementWatch::CancelOnce() {
+  try {
+    cancel_(cancelled_++);
+  } catch (const std::exception&) {
+    // Short of memory; there may be more for the next attempt.
+  }
+}
+
+void StatementWatch::Run() {
+  std::unique_lock lock(mutex_);
+  while (!ends_) {
+    const bool is_over = limit_.IsOver();
+    if (is_over && cancel_) CancelOnce();
+    changed_.wait_for(lock, is_over ? kBetweenCancellations : kBetweenQuestions,
+                      [this] { return ends_; });
+  }
+}
+
+}  // namespace qv::standin
