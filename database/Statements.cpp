@@ -43,7 +43,7 @@ int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database
   const std::int32_t count = sqls->GetSize();
   int err = 0;
   request.AddString(database, nullptr);
-  request.AddData(&count, sizeof count, nullptr);
+  exchange.AddNumber(count);
   for (std::int32_t i = 0; i < count; ++i) request.AddString(sqls->GetAt(i), &err);
   request.SetMsgFlag(0);
   if (const int result = exchange.Send(); result != 0) return result;

@@ -10,7 +10,8 @@ namespace qv::odbc {
 // States of our own, beside those of the driver and the driver manager.
 constexpr const char kNotText[] = "22021";      // what was given is no text of the code page
 constexpr const char kCellTooLong[] = "22001";  // a cell is longer than the connection allows
-constexpr const char kNoReason[] = "HY000";     // nothing was said
+constexpr const char kCancelled[] = "HY008";
+constexpr const char kNoReason[] = "HY000";  // nothing was said
 
 struct Diagnostic {
   std::string state;  // the five characters of the SQLSTATE

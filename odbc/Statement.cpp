@@ -126,12 +126,25 @@ Statement::~Statement() {
   if (statement_ != nullptr) SQLFreeHandle(SQL_HANDLE_STMT, statement_);
 }
 
+template <class Call>
+std::int16_t Statement::Run(Call call) {
+  {
+    const std::lock_guard lock(cancel_mutex_);
+    if (is_cancelled_) return SQL_ERROR;
+    is_running_ = true;
+  }
+  const SQLRETURN result = call();
+  const std::lock_guard lock(cancel_mutex_);
+  is_running_ = false;
+  return result;
+}
+
 bool Statement::Execute(std::string_view sql, Diagnostics& diagnostics) {
   columns_.clear();
   auto text = DriverText::From(sql, EncodingFor(connection_.is_wide_), diagnostics);
   if (!text) return false;
   SQLFreeStmt(statement_, SQL_CLOSE);
-  const SQLRETURN result = text->Execute(statement_);
+  const SQLRETURN result = Run([&] { return text->Execute(statement_); });
   // A statement that finds no row to change is no failure.
   if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA) return Failed(diagnostics);
   return Describe(diagnostics);
@@ -163,7 +176,7 @@ bool Statement::Execute(std::string_view sql, std::span<const Argument> argument
 
 Step Statement::NextResult(Diagnostics& diagnostics) {
   columns_.clear();
-  const SQLRETURN result = SQLMoreResults(statement_);
+  const SQLRETURN result = Run([&] { return SQLMoreResults(statement_); });
   if (result == SQL_NO_DATA) return Step::kEnd;
   if (SQL_SUCCEEDED(result) && Describe(diagnostics)) return Step::kNext;
   if (!SQL_SUCCEEDED(result)) Failed(diagnostics);
@@ -189,7 +202,7 @@ std::int64_t Statement::RowsChanged() const {
 }
 
 Step Statement::Next(Diagnostics& diagnostics) {
-  const SQLRETURN result = SQLFetch(statement_);
+  const SQLRETURN result = Run([&] { return SQLFetch(statement_); });
   if (SQL_SUCCEEDED(result)) return Step::kNext;
   if (result == SQL_NO_DATA) return Step::kEnd;
   Failed(diagnostics);
@@ -279,10 +292,15 @@ CellState Statement::CellFailed(Diagnostics& diagnostics) const {
 }
 
 bool Statement::Failed(Diagnostics& diagnostics) const {
+  if (is_cancelled_) diagnostics.push_back({kCancelled, 0, "the statement was cancelled"});
   Collect(SQL_HANDLE_STMT, statement_, EncodingFor(connection_.is_wide_), diagnostics);
   return false;
 }
 
-void Statement::Cancel() { SQLCancel(statement_); }
+void Statement::Cancel() {
+  const std::lock_guard lock(cancel_mutex_);
+  is_cancelled_ = true;
+  if (is_running_) SQLCancel(statement_);
+}
 
 }  // namespace qv::odbc

@@ -1,7 +1,9 @@
 // A statement and the rows that it gives.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -99,13 +101,17 @@ class Statement {
   [[nodiscard]] CellState ReadBytes(std::size_t column, std::vector<unsigned char>& bytes,
                                     Diagnostics& diagnostics);
 
-  // From any thread while the statement is there: has what it does come to an end with a failure,
-  // as far as the driver can.
+  // From any thread while the statement is there: has what it executes or fetches come to an end
+  // with a failure, as far as the driver can, and every later call that goes to the database fail.
+  // Drivers do not hear it while they only prepare: should the call go on, try again after a while.
   void Cancel();
 
  private:
   [[nodiscard]] bool Describe(Diagnostics& diagnostics);
 
+  // Makes a call to the driver manager during which it may be told to cancel.
+  template <class Call>
+  [[nodiscard]] std::int16_t Run(Call call);
   template <class Unit>
   struct Piece;
   template <class Value>
@@ -119,6 +125,11 @@ class Statement {
   const Connection& connection_;
   void* statement_ = nullptr;  // a handle of the driver manager
   std::vector<Column> columns_;
+  // The driver manager gives up what it knows of a statement's failures when it is told to cancel:
+  // not while those are read.
+  std::mutex cancel_mutex_;
+  bool is_running_ = false;
+  std::atomic<bool> is_cancelled_ = false;
   std::vector<char16_t> memory_;  // for the pieces of cells
   std::u16string wide_;
 };

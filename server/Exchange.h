@@ -21,6 +21,8 @@ class Exchange {
   Exchange(std::uint32_t command, std::uint32_t request_bytes, std::uint32_t reply_bytes);
 
   CMsgContent& Request() { return request_; }
+  // Appends a number to the request, as 4 bytes.
+  void AddNumber(std::int32_t number) { request_.AddData(&number, sizeof number, nullptr); }
   CMsgContent& Reply() { return reply_; }
 
   // Sends over the socket transport to the module's server and returns the transport's result.

@@ -21,11 +21,8 @@ namespace {
 constexpr std::uint32_t kCheckLink = 3;              // no fields; reply: status
 constexpr std::uint32_t kGetParameter = 0xFFFFFFFF;  // name; reply: "1" when known, value
 constexpr std::uint32_t kSetParameter = 0xFFFFFFFE;  // name, value; reply: "1" when set
-constexpr std::uint32_t kConnectionText = 710;       // database; reply: "1" when known, text
 
 constexpr std::uint32_t kLinkBlock = 1024;
-constexpr std::uint32_t kRequestBlock = 10240;
-constexpr std::uint32_t kReplyBlock = 512000;
 
 // Whether the transport shows its messages to the user; off while a server is probed.
 constexpr const char kShowMessages[] = "dispmsg";
@@ -123,11 +120,10 @@ int CRvoServer::GetIsNetworkBad(int n) { return NetworkIsBadState(n); }
 
 int CRvoServer::GetWebLoginToken(char* token) { return HttpworkLoginToken(token); }
 
-CString CRvoServer::GetDBConnString(CString database) {
-  Exchange exchange(kConnectionText, kRequestBlock, kReplyBlock);
-  exchange.Request().AddString(database, nullptr);
-  if (exchange.Send() == qv::kNotDelivered || !FlagIsSet(exchange.Reply())) return {};
-  return exchange.Reply().GetString(nullptr);
+CString CRvoServer::QvURL(CString a, int n, CString b) {
+  CString url;
+  url.Format("%s_%d:%s", a, n, b);
+  return url;
 }
 
 int CRvoServer::OpenLocalDB(CString database, CString connection) {

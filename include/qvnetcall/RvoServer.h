@@ -2,6 +2,8 @@
 #pragma once
 
 #include "qvnetcall/Export.h"
+#include "qvnetcall/QvNetExeInfo.h"
+#include "qvnetcall/ServerRecords.h"
 #include "qvnetcall/framework/String.h"
 
 // All members are static over module-wide state that has no locks: SetConinfo and the switches are
@@ -42,6 +44,22 @@ class QVNETCALL_API CRvoServer {
   // The HTTP transport's login token, copied to a buffer of the caller's that is large enough. 1,
   // or 0 without one.
   static int GetWebLoginToken(char* token);
+
+  // What the server says about the client program; `info` stays the caller's and is not null. Its
+  // server and port are set in any case; texts that did not come are empty. 1, or 0 when the server
+  // has nothing to say or cannot be reached.
+  static int GetQvNetExeInfo(CQvNetExeInfo* info);
+  // The sub-stores of that name: an array of `count` records that the caller frees with delete[].
+  // Null, and `count` as it was, when there are none or the server cannot be reached; null with
+  // `count` set without memory for them, which more than 64 MiB counts as. The records are zero
+  // when the server sent none that fit.
+  static CZelkorSvrSubStoreInfo* GetSubStoreInfo(int& count, CString name);
+  // Adds a line to the server's log; `kind` is the server's. Texts of 10239 bytes and more are cut
+  // to that length, and not in the middle of a GBK character. 1, or 0; always 0, with
+  // nothing sent, when the server is a web server.
+  static int SendSvrLogInfo(int kind, CString text);
+  // "a_n:b".
+  static CString QvURL(CString a, int n, CString b);
 
   // The connection text that the server has for a database; empty when it has none or cannot be
   // reached.

@@ -73,8 +73,8 @@ TEST_F(KilledServer, LeavesEachBatchWhollyThereOrWhollyAbsent) {
   std::uniform_int_distribution<Microseconds::rep> moment(0, 2 * undisturbed.count());
   std::map<int, int> results;  // of each batch
   for (int batch = 1; batch <= kBatches; ++batch) {
-    std::thread killer([&server, wait = Microseconds(moment(random))] {
-      std::this_thread::sleep_for(wait);
+    std::thread killer([&server, at = Clock::now() + Microseconds(moment(random))] {
+      while (Clock::now() < at) std::this_thread::yield();
       server->Kill();
     });
     results[batch] = Insert(batch);

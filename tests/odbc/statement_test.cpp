@@ -2,7 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <atomic>
+#include <chrono>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -162,21 +163,23 @@ TEST_F(Statements, AreCancelledFromOtherThreads) {
   const auto connection = Connect();
   ASSERT_NE(connection, nullptr) << TextOf(said_);
   Statement statement(*connection);
-  std::atomic<bool> done = false;
-  std::thread canceller([&] {
-    while (!done) {
+  std::promise<void> done;
+  std::thread canceller([&, ended = done.get_future()] {
+    while (ended.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout) {
       statement.Cancel();
-      std::this_thread::yield();
     }
   });
   const bool ran = statement.Execute(
       "with recursive N(x) as (select 1 union all select x + 1 from N) select count(*) from N",
       said_);
   const Step step = ran ? statement.Next(said_) : Step::kFailed;
-  done = true;
+  done.set_value();
   canceller.join();
   EXPECT_EQ(step, Step::kFailed);
-  EXPECT_THAT(said_, Not(IsEmpty()));
+  ASSERT_THAT(said_, Not(IsEmpty()));
+  EXPECT_EQ(said_.front().state, kCancelled);
+  EXPECT_FALSE(statement.Execute("select 1", said_));
+  EXPECT_TRUE(Statement(*connection).Execute("select 1", said_));
 }
 
 TEST_F(Statements, TakeTextsAndNullsForQuestionMarks) {

@@ -129,6 +129,17 @@ TEST_F(RvoServer, ReadsAndSetsParametersOfTheStoredServer) {
   EXPECT_EQ(CRvoServer::GetNetClientPara("token", value), 0);
 }
 
+TEST_F(RvoServer, GivesTheCacheItsFolderAndClearsIt) {
+  const std::string file = folder_.Write("answer", "x");
+  EXPECT_EQ(CRvoServer::SetCachePath(file.c_str()), 0);
+  EXPECT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").c_str()), 1);
+  EXPECT_TRUE(state_.cache.Store("key", file, kCachePlain));
+  EXPECT_EQ(CRvoServer::ClearCurCache(), 1);
+  EXPECT_FALSE(state_.cache.Find("key", folder_.Path().string()));
+  EXPECT_EQ(CRvoServer::SetCachePath(nullptr), 1);
+  EXPECT_EQ(CRvoServer::ClearCurCache(), 0);  // switched off
+}
+
 TEST_F(RvoServer, SetsTheCacheStateAndTellsTheNetwork) {
   Configure("TCP_IP");
   const struct {

@@ -1,20 +1,64 @@
-// A server in a folder of its own.
+// A server in a folder of its own, and what its clients send.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <boost/asio/ip/address.hpp>
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "message/LittleEndian.h"
+#include "standin/ClientStream.h"
 #include "standin/StandIn.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/WholeFrame.h"
 
 namespace qv::standin {
 
 inline constexpr std::chrono::seconds kPatience{20};
 inline const std::string kForever =
     "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n";
+
+inline std::string FrameOf(std::uint32_t command, const std::vector<std::string>& fields,
+                           const std::string& token = {}, OutgoingFile* file = nullptr) {
+  WholeFrame frame{.token = token};
+  StoreU32(frame.block.data(), command);
+  for (const std::string& field : fields) frame.payload += Field(field);
+  MemoryStream stream;
+  EXPECT_EQ(SendWhole(stream, FrameKind::kRequest, frame, file), FrameStatus::kDone);
+  return stream.written;
+}
+
+class Connection {
+ public:
+  explicit Connection(std::uint16_t port) : stream_(kPatience) {
+    stream_.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), port});
+  }
+
+  // False when the server would not take it.
+  bool Send(const std::string& bytes) { return stream_.Write({BytesOfText(bytes)}); }
+  // So many bytes, or none.
+  std::string Read(std::size_t length) {
+    std::string bytes(length, '\0');
+    const WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
+    return stream_.Read(room) ? bytes : "";
+  }
+  // The reply's first field, when a whole frame comes; its file goes to `path`.
+  std::string Status(const std::string& path = {}) {
+    const WholeFrame reply = ReceiveWhole(stream_, FrameKind::kReply, path);
+    if (reply.status != FrameStatus::kDone || reply.payload.size() < 4) return "";
+    return reply.payload.substr(4, LoadU32(reply.payload.data()));
+  }
+  [[nodiscard]] bool IsHungUpOn() {
+    const auto start = std::chrono::steady_clock::now();
+    return Read(1).empty() && std::chrono::steady_clock::now() - start < kPatience;
+  }
+
+ private:
+  ClientStream stream_;
+};
 
 class ServerTest : public testing::Test {
  protected:

@@ -2,77 +2,25 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <boost/asio/ip/address.hpp>
 #include <future>
 #include <string>
-#include <vector>
 
 #include "ServerFixture.h"
-#include "message/LittleEndian.h"
-#include "standin/ClientStream.h"
-#include "standin/FieldReader.h"
-#include "standin/FieldWriter.h"
-#include "transports/frame/FrameIo.h"
 
 namespace qv::standin {
 namespace {
 
-Bytes BytesIn(const std::string& text) {
-  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
-class Client {
- public:
-  explicit Client(const StandIn& server) : stream_(kPatience) {
-    stream_.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), server.Port()});
-  }
-
-  [[nodiscard]] bool Send(std::uint32_t command, const std::vector<std::string>& fields,
-                          const std::string& token = {}, OutgoingFile* file = nullptr) {
-    std::vector<unsigned char> block(kFrameBlockSize);
-    StoreU32(block.data(), command);
-    FieldWriter writer;
-    for (const std::string& field : fields) writer.Text(field);
-    const OutgoingMessage message{FrameKind::kRequest, BytesIn(token), block, writer.Payload()};
-    return SendFrame(stream_, message, file) == FrameStatus::kDone;
-  }
-
-  // The reply's first field, when a whole reply comes; its file goes to `path`.
-  std::optional<std::string> Status(const std::string& path = {}) {
-    FrameHeader header;
-    if (ReceiveHeader(stream_, FrameKind::kReply, {}, header) != FrameStatus::kDone) return {};
-    std::vector<unsigned char> block(kFrameBlockSize);
-    std::vector<unsigned char> payload(header.payload_length);
-    if (ReceiveMessage(stream_, {{}, block, payload}) != FrameStatus::kDone) return {};
-    if (header.file_length &&
-        ReceiveFile(stream_, *header.file_length, path) != FrameStatus::kDone) {
-      return {};
-    }
-    return FieldReader(payload).Text();
-  }
-
-  [[nodiscard]] bool SendRaw(const std::string& bytes) { return stream_.Write({BytesIn(bytes)}); }
-  [[nodiscard]] bool IsHungUpOn() {
-    const auto start = std::chrono::steady_clock::now();
-    return !Status() && std::chrono::steady_clock::now() - start < kPatience;
-  }
-  void HangUp() { stream_.HangUp(); }
-
- private:
-  ClientStream stream_;
-};
-
 TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   Start();
-  Client client(*server_);
+  Connection client(server_->Port());
   const std::string file = (folder_.Path() / "answer").string();
-  ASSERT_TRUE(client.Send(3, {}));
+  ASSERT_TRUE(client.Send(FrameOf(3, {})));
   EXPECT_EQ(client.Status(), "SUCCESS");
-  ASSERT_TRUE(client.Send(200, {"DESIGNDB", "select * from parts"}));
+  ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", "select * from parts"})));
   EXPECT_EQ(client.Status(file), "SUCCESS");
   EXPECT_TRUE(BytesOf(file).ends_with("</xml>\n"));
   auto unwanted = OutgoingFile::Open(file);
-  ASSERT_TRUE(client.Send(210, {"NO\nWHERE", "select 1"}, {}, &*unwanted));
+  ASSERT_TRUE(client.Send(FrameOf(210, {"NO\nWHERE", "select 1"}, {}, &*unwanted)));
   EXPECT_EQ(client.Status(), "FAILURE");
   const auto served = server_->Served();
   ASSERT_EQ(served.size(), 3U);
@@ -88,13 +36,13 @@ TEST_F(ServerTest, WithoutTheTokenNobodyEnters) {
   options_.token = "secret";
   Start();
   for (const char* token : {"", "secre", "secretsecret", "Secret"}) {
-    Client client(*server_);
-    ASSERT_TRUE(client.Send(3, {}, token));
+    Connection client(server_->Port());
+    ASSERT_TRUE(client.Send(FrameOf(3, {}, token)));
     EXPECT_EQ(client.Status(), "FAILURE") << token;
     EXPECT_TRUE(client.IsHungUpOn());
   }
-  Client client(*server_);
-  ASSERT_TRUE(client.Send(3, {}, "secret"));
+  Connection client(server_->Port());
+  ASSERT_TRUE(client.Send(FrameOf(3, {}, "secret")));
   EXPECT_EQ(client.Status(), "SUCCESS");
 }
 
@@ -106,13 +54,13 @@ TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
   const auto header = EncodeHeader(large);
   const std::string oversized(header.begin(), header.end());
   for (const std::string& bytes : {std::string(400, 'x'), oversized}) {
-    Client client(*server_);
-    ASSERT_TRUE(client.SendRaw(bytes));
+    Connection client(server_->Port());
+    ASSERT_TRUE(client.Send(bytes));
     EXPECT_TRUE(client.IsHungUpOn());
   }
   EXPECT_EQ(server_->MalformedFrames(), 2U);
-  Client client(*server_);
-  ASSERT_TRUE(client.Send(3, {}));
+  Connection client(server_->Port());
+  ASSERT_TRUE(client.Send(FrameOf(3, {})));
   EXPECT_EQ(client.Status(), "SUCCESS");
 }
 
@@ -120,29 +68,29 @@ TEST_F(ServerTest, HangsUpOnTheIdleAndTheSurplus) {
   options_.idle_timeout = std::chrono::milliseconds(500);
   options_.connection_limit = 1;
   Start();
-  Client idle(*server_);
-  ASSERT_TRUE(idle.Send(3, {}));
+  Connection idle(server_->Port());
+  ASSERT_TRUE(idle.Send(FrameOf(3, {})));
   EXPECT_EQ(idle.Status(), "SUCCESS");
-  EXPECT_TRUE(Client(*server_).IsHungUpOn()) << "the surplus";
+  EXPECT_TRUE(Connection(server_->Port()).IsHungUpOn()) << "the surplus";
   EXPECT_TRUE(idle.IsHungUpOn());
 }
 
 TEST_F(ServerTest, HangsUpOnTheSlowAndTheSilent) {
   options_.io_timeout = std::chrono::milliseconds(30);
   Start();
-  Client silent(*server_);
-  Client slow(*server_);
-  ASSERT_TRUE(slow.SendRaw("Q"));
+  Connection silent(server_->Port());
+  Connection slow(server_->Port());
+  ASSERT_TRUE(slow.Send("Q"));
   EXPECT_TRUE(slow.IsHungUpOn());
   EXPECT_TRUE(silent.IsHungUpOn());
 }
 
 TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
   Start();
-  Client client(*server_);
+  Connection client(server_->Port());
   const std::string slow = "with recursive n(i) as (select 1 union all select i + 1 from n limit ";
-  ASSERT_TRUE(client.Send(200, {"DESIGNDB", slow + "300000) select count(*) from n"}));
-  ASSERT_TRUE(client.Send(3, {}) && client.Send(6015, {}));
+  ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", slow + "300000) select count(*) from n"})));
+  ASSERT_TRUE(client.Send(FrameOf(3, {})) && client.Send(FrameOf(6015, {})));
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "FAILURE");
@@ -150,11 +98,11 @@ TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
 
 TEST_F(ServerTest, StopsWhileClientsHangAndQueriesRun) {
   Start();
-  Client half(*server_);
-  Client busy(*server_);
-  Client idle(*server_);
-  ASSERT_TRUE(half.SendRaw("QvN4"));
-  ASSERT_TRUE(busy.Send(200, {"DESIGNDB", kForever}));
+  Connection half(server_->Port());
+  Connection busy(server_->Port());
+  Connection idle(server_->Port());
+  ASSERT_TRUE(half.Send("QvN4"));
+  ASSERT_TRUE(busy.Send(FrameOf(200, {"DESIGNDB", kForever})));
   const auto start = std::chrono::steady_clock::now();
   server_->Stop();
   EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience);
@@ -167,9 +115,8 @@ TEST_F(ServerTest, EndsTheQueryOfAClientThatVanished) {
   options_.on_served = [&](const ServedCommand& command) { served.set_value(command); };
   Start();
   {
-    Client client(*server_);
-    ASSERT_TRUE(client.Send(200, {"DESIGNDB", kForever}) && client.SendRaw("behind"));
-    client.HangUp();
+    Connection client(server_->Port());
+    ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", kForever})) && client.Send("behind"));
   }
   auto future = served.get_future();
   ASSERT_EQ(future.wait_for(kPatience), std::future_status::ready);

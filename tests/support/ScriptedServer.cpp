@@ -31,9 +31,9 @@ bool ServerSide::Reply(const std::string& payload, OutgoingFile* file) {
   return SendWhole(*this, FrameKind::kReply, {.payload = payload}, file) == FrameStatus::kDone;
 }
 
-ScriptedServer::ScriptedServer(Script script)
+ScriptedServer::ScriptedServer(Script script, const asio::ip::address& address)
     : script_(std::move(script)),
-      acceptor_(context_, tcp::endpoint(asio::ip::address_v4::loopback(), 0)),
+      acceptor_(context_, tcp::endpoint(address, 0)),
       listener_([this] { Accept(); }) {}
 
 ScriptedServer::~ScriptedServer() {

@@ -39,7 +39,8 @@ class ScriptedServer {
  public:
   using Script = std::function<void(ServerSide&)>;
 
-  explicit ScriptedServer(Script script);
+  explicit ScriptedServer(Script script, const boost::asio::ip::address& address =
+                                             boost::asio::ip::address_v4::loopback());
   ~ScriptedServer();
 
   // Answers every request with its own payload.

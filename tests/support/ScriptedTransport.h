@@ -18,6 +18,9 @@ struct SentRequest {
   std::uint32_t command;
   std::string payload;
   std::vector<std::string> fields;
+  std::string name_field;  // all 256 bytes
+  std::string file_name;
+  int file_flag;
   std::string reply_file_name;
   int reply_file_flag;
   std::uint32_t request_block;

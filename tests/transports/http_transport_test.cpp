@@ -1,6 +1,9 @@
 #include "HttpTransport.h"
 
+#include <array>
 #include <filesystem>
+#include <optional>
+#include <tuple>
 
 namespace qv {
 namespace {
@@ -22,6 +25,18 @@ TEST_F(HttpTransport, EchoesOverOneKeptConnectionHoweverTheServerIsSpelt) {
   HttpworkTransFini();
   server.WaitForFinished(2);
   EXPECT_EQ(HttpCall().Send(server.Port()), 0);
+}
+
+TEST_F(HttpTransport, ReachesAServerOfIpv6) {
+  std::optional<ScriptedServer> server;
+  try {
+    server.emplace(EchoHttp, boost::asio::ip::address_v6::loopback());
+  } catch (const boost::system::system_error&) {
+    GTEST_SKIP() << "there is no IPv6 here";
+  }
+  for (const char* const name : {"::1", "http://[::1]"}) {
+    EXPECT_EQ(HttpCall().Send(server->Port(), name), 0);
+  }
 }
 
 TEST_F(HttpTransport, PostsTheWholeRequest) {
@@ -150,15 +165,6 @@ TEST_F(HttpTransport, AnswersGiveTheirCodeAndBrokenOnesLeaveNothing) {
   }
 }
 
-TEST_F(HttpTransport, AFileThatCannotBeKeptIsABadReply) {
-  ScriptedServer server(Answering(HttpAnswer(ReplyWithFile(folder_))));
-  for (const std::string& path : {std::string(), InFolder("missing/answer")}) {
-    HttpCall call;
-    call.reply.SetFileName(path.c_str(), 0);
-    EXPECT_EQ(call.Send(server.Port()), -3) << path;
-  }
-}
-
 TEST_F(HttpTransport, ARequestThatAKeptConnectionSwallowedIsNotSentAgain) {
   for (const bool whole : {true, false}) {
     std::atomic<int> requests{0};
@@ -230,30 +236,6 @@ TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
   EXPECT_EQ(server.Connections(), 0);
 }
 
-TEST_F(HttpTransport, ReachesAServerOfIpv6) {
-  boost::asio::io_context context;
-  boost::system::error_code error;
-  boost::asio::ip::tcp::acceptor acceptor(context);
-  const boost::asio::ip::tcp::endpoint anywhere(boost::asio::ip::address_v6::loopback(), 0);
-  acceptor.open(anywhere.protocol(), error);
-  if (!error) acceptor.bind(anywhere, error);
-  if (error) GTEST_SKIP() << "no IPv6 here";
-  acceptor.listen();
-  std::thread server([&] {
-    for (int count = 0; count < 2; ++count) {
-      boost::asio::ip::tcp::socket socket = acceptor.accept();
-      ServerSide side(socket);
-      HttpRequestSeen request;
-      EXPECT_TRUE(ReceiveHttp(side, request) &&
-                  ReplyHttp(side, "", nullptr, "Connection: close\r\n"));
-    }
-  });
-  for (const char* const name : {"::1", "http://[::1]"}) {
-    EXPECT_EQ(HttpCall().Send(acceptor.local_endpoint().port(), name), 0);
-  }
-  server.join();
-}
-
 TEST_F(HttpTransport, GivesUpWhoDoesNotAcceptAnswerOrTake) {
   // With its queue full, a listener's system leaves further attempts without an answer.
   boost::asio::io_context context;
@@ -294,17 +276,20 @@ TEST_F(HttpTransport, AnUploadEndsWhenTheServerRefusesItOrHangsUp) {
   const TestCertificate certificate = MakeCertificate("IP:127.0.0.1", hours(1));
   EXPECT_EQ(Set("ca_file", folder_.Write("ca.pem", certificate.certificate)), 1);
   const std::string big = folder_.Write("big", std::string(20'000'000, 'u'));
-  std::array<unsigned char, 1000> start{};
+  const auto read_some = [](ByteStream& side) {
+    std::array<unsigned char, 1000> bytes{};
+    return side.Read(bytes);
+  };
   ScriptedServer refusing([&](ServerSide& side) {
-    if (!side.Read(start)) return;
+    if (!read_some(side)) return;
     side.Write({BytesOfText(HttpAnswer("too big", "", "413 Too Large"))});
-    while (side.Read(start)) {
+    while (read_some(side)) {
     }
   });
-  ScriptedServer leaving([&](ServerSide& side) { side.Read(start); });
+  ScriptedServer leaving([&](ServerSide& side) { read_some(side); });
   ScriptedServer leaving_tls([&](ServerSide& side) {
     TlsSide tls(side, certificate);
-    if (tls.ShakeHands()) tls.Read(start);
+    if (tls.ShakeHands()) read_some(tls);
   });
   const std::tuple<std::uint16_t, const char*, int> cases[] = {
       {refusing.Port(), "http://127.0.0.1", -3},
@@ -318,23 +303,14 @@ TEST_F(HttpTransport, AnUploadEndsWhenTheServerRefusesItOrHangsUp) {
 }
 
 TEST_F(HttpTransport, ParametersTakeWhatTheyCanHave) {
-  const struct {
-    const char* name;
-    std::string value;
-    int result;
-  } cases[] = {
-      {"token", std::string(4096, 't'), 1},
-      {"token", std::string(4097, 't'), 0},
-      {"tls", "1", 1},
-      {"tls", "yes", 0},
-      {"ca_file", "", 1},
-      {"connect_timeout_ms", "3600000", 1},
-      {"connect_timeout_ms", "3600001", 0},
-      {"io_timeout_ms", "0", 0},
-      {"dispmsg", "1", 0},
-      {"", "", 0},
-  };
-  for (const auto& one : cases) EXPECT_EQ(Set(one.name, one.value), one.result) << one.name;
+  const std::tuple<const char*, std::string, int> cases[] = {{"token", std::string(4096, 't'), 1},
+                                                             {"token", std::string(4097, 't'), 0},
+                                                             {"tls", "1", 1},
+                                                             {"tls", "yes", 0},
+                                                             {"io_timeout_ms", "3600000", 1},
+                                                             {"connect_timeout_ms", "0", 0},
+                                                             {"dispmsg", "1", 0}};
+  for (const auto& [name, value, result] : cases) EXPECT_EQ(Set(name, value), result) << name;
   EXPECT_EQ(HttpworkSetParameter(nullptr, "1"), 0);
   EXPECT_EQ(HttpworkSetParameter("tls", nullptr), 0);
 }

@@ -16,8 +16,8 @@ class CurlHandle {
 
   // The address that it is for.
   [[nodiscard]] const std::string& Server() const { return url_; }
-  // Whether the connection that it keeps, if any, lies idle as it should. libcurl looks for one that
-  // was closed, but would take what a server sent unasked for the answer to the next request.
+  // Whether the connection that it keeps, if any, lies idle as it should. libcurl looks for one
+  // that was closed, but would take what a server sent unasked for the answer to the next request.
   [[nodiscard]] bool IsQuiet() const;
   // To be called when an exchange is over and still set up: notes which connection is kept.
   void NoteConnection();

@@ -1,8 +1,6 @@
 #include "HttpStream.h"
 
 #include <algorithm>
-#include <string_view>
-#include <utility>
 
 namespace qv {
 
@@ -228,7 +226,7 @@ std::size_t HttpStream::TakeBody(Bytes bytes) {
 template <class Condition>
 bool HttpStream::RunUntil(const Condition& is_done) {
   if (is_done()) return true;
-  last_progress_ = is_added_ ? Clock::now() : last_progress_;
+  if (is_added_) last_progress_ = Clock::now();
   if (!Resume()) return false;
   for (;;) {
     if (!Perform()) return false;

@@ -1,0 +1,82 @@
+#include "qvnetcall/RvoAd.h"
+
+#include "server/CatalogueCall.h"
+
+using qv::CatalogueCall;
+using qv::CatalogueCommand;
+
+namespace {
+
+// Commands; request fields, numbers among them as decimal texts; reply fields behind the number.
+constexpr CatalogueCommand kGroups{6015};         // key; records
+constexpr CatalogueCommand kGroupUsers{6016};     // group; records
+constexpr CatalogueCommand kNewDepartment{6017};  // number
+constexpr CatalogueCommand kNewGroup{6018};       // group, two numbers
+constexpr CatalogueCommand kAddToGroup{6019};     // group, users, number
+constexpr CatalogueCommand kUsers{6020};          // none; records
+constexpr CatalogueCommand kNewUser{6021};        // two texts, mode
+
+// The answer that comes with a text why.
+constexpr std::int32_t kRefusedWithText = -3;
+
+constexpr int kLastUserMode = 2;
+
+CString Decimal(int number) {
+  CString text;
+  text.Format("%d", number);
+  return text;
+}
+
+// The answer when it is above zero, else 0.
+std::int32_t Ask(CatalogueCall& call) {
+  const std::int32_t answer = call.Ask().value_or(0);
+  if (answer == kRefusedWithText)
+    (void)call.Text();  // is part of the answer, and nobody asks for it
+  return answer > 0 ? answer : 0;
+}
+
+template <class... Fields>
+int Change(const CatalogueCommand& command, const Fields&... fields) {
+  CatalogueCall call(command, fields...);
+  return Ask(call);
+}
+
+template <class... Fields>
+CZelkorSvrADObjInfo* Read(int& count, const CatalogueCommand& command, const Fields&... fields) {
+  CatalogueCall call(command, fields...);
+  const std::int32_t found = Ask(call);
+  if (found == 0) return nullptr;
+  count = found;
+  return call.ReadRecords<CZelkorSvrADObjInfo>(found);
+}
+
+}  // namespace
+
+CZelkorSvrADObjInfo* CRvoAd::GetADGroupInfo(CString key, int& count) {
+  count = 0;
+  return Read(count, kGroups, key);
+}
+
+CZelkorSvrADObjInfo* CRvoAd::GetADGroupUserInfo(CString group, int& count) {
+  count = 0;
+  return Read(count, kGroupUsers, group);
+}
+
+// Unlike the calls for groups it leaves `count` alone when there is nothing.
+CZelkorSvrADObjInfo* CRvoAd::GetADUserInfo(int& count) { return Read(count, kUsers); }
+
+int CRvoAd::CreateADDepart(int value) { return Change(kNewDepartment, Decimal(value)); }
+
+int CRvoAd::AddADGroup(CString group, int value1, int value2) {
+  return Change(kNewGroup, group, Decimal(value1), Decimal(value2));
+}
+
+int CRvoAd::AddADGroupUsers(CString group, CString users, int value) {
+  users.Replace('\\', '/');
+  return Change(kAddToGroup, group, users, Decimal(value));
+}
+
+int CRvoAd::AddADUser(CString first, CString second, int mode) {
+  if (mode < 0 || mode > kLastUserMode) return 0;
+  return Change(kNewUser, first, second, Decimal(mode));
+}

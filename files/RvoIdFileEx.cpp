@@ -1,0 +1,76 @@
+#include "qvnetcall/RvoIdFileEx.h"
+
+#include <optional>
+
+#include "Offline.h"
+#include "server/CatalogueCall.h"
+
+using qv::CatalogueCall;
+
+namespace {
+
+constexpr std::uint32_t kReply = qv::kShortCatalogueReply;
+
+// Commands; request fields; reply fields behind a number of 1 and more, else the error's text.
+// Texts pack, name, number, text, number: in the caller's order; nothing.
+constexpr qv::CatalogueCommand kCopyPacked{6030, kReply};
+constexpr qv::CatalogueCommand kPackedChecksum{6031, kReply};  // pack, name, id; checksum, number
+constexpr qv::CatalogueCommand kChecksum{6032, kReply};        // name, id; checksum, number
+constexpr qv::CatalogueCommand kSavePath{6033, kReply};        // name, id; path
+
+constexpr const char kCallFailed[] = "调用函数失败";
+
+// Sends the call and gives the server's answer; has `read_rest` read what success brings.
+template <class ReadRest>
+int Run(CatalogueCall& call, CString& error_text, ReadRest read_rest) {
+  const std::optional<std::int32_t> answer = call.Ask();
+  if (!answer) {
+    error_text = kCallFailed;
+    return 0;
+  }
+  if (*answer >= 1) {
+    read_rest();
+  } else {
+    call.Read(error_text);
+  }
+  return *answer;
+}
+
+int AskChecksum(CatalogueCall& call, CString& crc, int& value, CString& error_text) {
+  crc.Empty();
+  return Run(call, error_text, [&] {
+    call.Read(crc);
+    call.Read(value);
+  });
+}
+
+}  // namespace
+
+int CRvoIdFileEx::GetIDFileCRC(CString file_name, int file_id, CString& crc, int& value,
+                               CString& error_text) {
+  if (qv::NetworkIsHeldForBad()) return 0;
+  CatalogueCall call(kChecksum, file_name, file_id);
+  return AskChecksum(call, crc, value, error_text);
+}
+
+int CRvoIdFileEx::GetPackFileCRC(CString pack_file, CString file_name, int file_id, CString& crc,
+                                 int& value, CString& error_text) {
+  if (qv::NetworkIsHeldForBad()) return 0;
+  CatalogueCall call(kPackedChecksum, pack_file, file_name, file_id);
+  return AskChecksum(call, crc, value, error_text);
+}
+
+int CRvoIdFileEx::GetIDFileSavePath(CString file_name, int file_id, CString& save_path,
+                                    CString& error_text) {
+  if (qv::NetworkIsHeldForBad()) return 0;
+  CatalogueCall call(kSavePath, file_name, file_id);
+  save_path.Empty();
+  return Run(call, error_text, [&] { call.Read(save_path); });
+}
+
+int CRvoIdFileEx::CopyPackFileToIdFile(CString pack_file, CString packed_name, int source_id,
+                                       CString target_name, int target_id, CString& error_text) {
+  if (qv::NetworkIsHeldForBad()) return 0;
+  CatalogueCall call(kCopyPacked, pack_file, packed_name, source_id, target_name, target_id);
+  return Run(call, error_text, [] {});
+}

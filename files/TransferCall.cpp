@@ -1,0 +1,39 @@
+#include "TransferCall.h"
+
+#include "platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+constexpr const char kStatusFailure[] = "FAILURE";
+
+// The transport shall take a request's file from, or write a reply's file to, the path given.
+constexpr unsigned char kHasFile = 1;
+
+}  // namespace
+
+int TransferCall::Send() {
+  if (const int result = exchange_.Send(); result != 0) return result;
+  return exchange_.Reply().GetString(nullptr) == kStatusSuccess ? kTransferDone : kTransferRefused;
+}
+
+int TransferCall::Upload(const char* local_file) {
+  Request().SetFileName(local_file, kHasFile);
+  Request().SetMsgFlag(0);
+  return Send();
+}
+
+int TransferCall::Download(const char* local_file) {
+  Request().SetMsgFlag(0);
+  CMsgContent& reply = exchange_.Reply();
+  reply.SetFileName(local_file, kHasFile);
+  if (const int result = exchange_.Send(); result != 0) return result;
+  const CString status = reply.GetString(nullptr);
+  if (status == kStatusSuccess) return kTransferDone;
+  // The path as the transport has it, which may be cut.
+  if (*reply.FileName() != '\0') platform::RemoveFile(reply.FileName());
+  return status == kStatusFailure ? kDownloadFailed : kTransferRefused;
+}
+
+}  // namespace qv

@@ -1,0 +1,41 @@
+// The calls that move, remove and probe single files, and answer with a status word.
+#pragma once
+
+#include <cstdint>
+
+#include "server/Exchange.h"
+
+namespace qv {
+
+// Results of these calls; every other value is the transport's.
+enum TransferResult {
+  kTransferDone = 0,
+  kTransferRefused = 1,
+  kDownloadFailed = 2,
+};
+
+constexpr std::uint32_t kTransferBlock = 1024;
+
+// One call, over the socket transport. The caller puts the name, or fields, into the request first.
+class TransferCall {
+ public:
+  explicit TransferCall(std::uint32_t command)
+      : exchange_(command, kTransferBlock, kTransferBlock) {}
+
+  CMsgContent& Request() { return exchange_.Request(); }
+  void AddNumber(std::int32_t number) { exchange_.AddNumber(number); }
+
+  // Sends the request as it stands: done, refused, or the transport's own result.
+  [[nodiscard]] int Send();
+  // Sends the request with the contents of `local_file`.
+  [[nodiscard]] int Upload(const char* local_file);
+  // Sends the request and has the file of the reply written to `local_file`, which is removed when
+  // the server refuses, were it one from before: hosts take its absence for the refusal. After a
+  // failure of the transport it is as the transport left it.
+  [[nodiscard]] int Download(const char* local_file);
+
+ private:
+  Exchange exchange_;
+};
+
+}  // namespace qv

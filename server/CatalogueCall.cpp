@@ -1,0 +1,12 @@
+#include "CatalogueCall.h"
+
+#include "framework/DecimalText.h"
+
+namespace qv {
+
+std::optional<std::int32_t> CatalogueCall::Ask() {
+  if (exchange_.Send() == kNotDelivered) return {};
+  return DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
+}
+
+}  // namespace qv

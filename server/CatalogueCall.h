@@ -1,0 +1,76 @@
+// The calls whose reply opens with a decimal number: a count, a flag, or the server's verdict.
+#pragma once
+
+#include <cstdint>
+#include <new>
+#include <optional>
+
+#include "Exchange.h"
+#include "qvnetcall/framework/String.h"
+
+namespace qv {
+
+constexpr std::uint32_t kCatalogueRequest = 10240;
+constexpr std::uint32_t kCatalogueReply = 512000;
+constexpr std::uint32_t kLargeCatalogueReply = 1048576;
+constexpr std::uint32_t kShortCatalogueReply = 10240;
+
+struct CatalogueCommand {
+  std::uint32_t code;
+  std::uint32_t reply_bytes = kCatalogueReply;
+};
+
+// Records that a reply claims beyond this cannot be had: no reply holds them.
+constexpr std::uint64_t kMostRecordBytes = 64ULL << 20;
+
+// One call. It goes over the socket transport, whatever the kind of the server.
+class CatalogueCall {
+ public:
+  // The request's fields in their order: texts, and numbers as 4 bytes. A field that cannot be
+  // written, such as an empty text, is left out, and the request sent all the same.
+  template <class... Fields>
+  explicit CatalogueCall(const CatalogueCommand& command, const Fields&... fields)
+      : exchange_(command.code, kCatalogueRequest, command.reply_bytes) {
+    (Add(fields), ...);
+  }
+
+  // Sends the request and reads the number, which is 0 for what is none. Nothing when it was not
+  // delivered; every other result of the transport counts as delivered.
+  [[nodiscard]] std::optional<std::int32_t> Ask();
+
+  // The reply's next field as a text; empty when it cannot be read.
+  [[nodiscard]] CString Text() { return exchange_.Reply().GetString(nullptr); }
+  // Read the reply's next field; a field that cannot be read leaves `out` as it is.
+  void Read(CString& out) { exchange_.Reply().GetString(out, nullptr); }
+  void Read(int& out) { exchange_.Reply().GetData(&out, sizeof out, nullptr); }
+  void Read(void* out, std::uint32_t bytes) { exchange_.Reply().GetData(out, bytes, nullptr); }
+
+  // Sends the request and, when the number is above zero, puts it into `count` and reads as many
+  // records. Null, and `count` as it was, when it is not.
+  template <class Record>
+  [[nodiscard]] Record* AskRecords(int& count) {
+    const std::int32_t found = Ask().value_or(0);
+    if (found <= 0) return nullptr;
+    count = found;
+    return ReadRecords<Record>(found);
+  }
+  // The next field as an array of `count` records, which is above zero; the caller frees it with
+  // delete[]. It holds zeros when the field is not of exactly that size. Null without memory for
+  // it.
+  template <class Record>
+  [[nodiscard]] Record* ReadRecords(std::int32_t count) {
+    const std::uint64_t bytes = static_cast<std::uint64_t>(count) * sizeof(Record);
+    if (bytes > kMostRecordBytes) return nullptr;
+    auto* const records = new (std::nothrow) Record[static_cast<std::size_t>(count)]();
+    if (records != nullptr) Read(records, static_cast<std::uint32_t>(bytes));
+    return records;
+  }
+
+ private:
+  void Add(const CString& text) { exchange_.Request().AddString(text, nullptr); }
+  void Add(std::int32_t number) { exchange_.AddNumber(number); }
+
+  Exchange exchange_;
+};
+
+}  // namespace qv
