@@ -102,9 +102,8 @@ Outcome SqliteDatabase::Execute(std::span<const std::string_view> statements,
     Outcome outcome = RunAll(statement, {}, nullptr);
     if (!outcome.Ok()) return EndTransaction(std::move(outcome));
   }
-  Outcome outcome = EndTransaction({});
-  if (outcome.Ok()) failed = 0;
-  return outcome;
+  failed = 0;
+  return EndTransaction({});
 }
 
 Outcome SqliteDatabase::Call(const ProcedureCall& call, RowSink& sink) {
