@@ -7,6 +7,7 @@
 #include <string>
 
 #include "OptionRules.h"
+#include "StoreCommandLine.h"
 
 namespace qv {
 namespace {
@@ -138,7 +139,9 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
       "Examples:\n"
       "  qvcall --port 4000 query \"SELECT * FROM projects\" --db DESIGNDB\n"
       "  qvcall --web --http-port 8080 query \"SELECT * FROM projects\" --db DESIGNDB\n"
-      "  qvcall --direct \"Driver=SQLite3;Database=plans.db\" query \"SELECT * FROM projects\"");
+      "  qvcall --direct \"Driver=SQLite3;Database=plans.db\" query \"SELECT * FROM projects\"\n"
+      "  qvcall --port 4000 get -r drawings/structural .\n"
+      "Commands for files and the directory go over the socket transport, as batch does.");
   AddServer(app, parsed.command.connection);
   AddDirect(app, parsed.command.connection.direct);
   const QueryCommand query_command =
@@ -148,6 +151,7 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   const CLI::App* exec_command = AddExec(app, exec);
   const CLI::App* batch_command = AddBatch(app, batch);
   app.add_subcommand("ping", "Ask whether the server answers");
+  AddStoreCommands(app, parsed.command.store);
   try {
     app.parse(argc, argv);
     TakeQuery(query_command, query, parsed.command);

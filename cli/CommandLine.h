@@ -6,6 +6,7 @@
 
 #include "ResultWriter.h"
 #include "ReturnCodes.h"
+#include "StoreCommands.h"
 
 namespace qv {
 
@@ -54,6 +55,7 @@ struct CommandLine {
   std::optional<QueryOptions> query{};  // at most one of these; none: ping
   std::optional<ExecOptions> exec{};
   std::optional<BatchOptions> batch{};
+  std::optional<StoreCommand> store{};
 };
 
 struct ParsedCommandLine {

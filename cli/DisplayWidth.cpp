@@ -114,6 +114,12 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
   return cells;
 }
 
+std::string Visible(std::string_view text) {
+  std::string shown;
+  AppendVisible(text, shown);
+  return shown;
+}
+
 std::string VisibleStart(std::string_view text, std::size_t cells) {
   constexpr std::string_view kCut = "...";
   std::string whole;

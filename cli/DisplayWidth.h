@@ -27,6 +27,9 @@ struct DecodedChar {
 // an invalid byte becomes U+FFFD.
 std::size_t AppendVisible(std::string_view text, std::string& line);
 
+// `text` as it can be shown.
+[[nodiscard]] std::string Visible(std::string_view text);
+
 // `text` as it can be shown in that many cells, at least three; "..." ends what had to be cut.
 [[nodiscard]] std::string VisibleStart(std::string_view text, std::size_t cells);
 

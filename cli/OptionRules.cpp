@@ -35,6 +35,9 @@ constexpr Rule kRules[] = {
     {[](const CommandLine& c) { return IsDirect(c) && c.batch.has_value(); },
      "a batch needs a server, and --direct (or QVCALL_DIRECT) talks to a database without one: run "
      "its statements one by one with exec"},
+    {[](const CommandLine& c) { return IsDirect(c) && c.store.has_value(); },
+     "files, the directory and the log are a server's, and --direct (or QVCALL_DIRECT) talks to a "
+     "database without one: leave it away"},
     {[](const CommandLine& c) { return IsDirect(c) && c.connection.timeout_ms.has_value(); },
      "--timeout-ms limits the wait for a server, and --direct (or QVCALL_DIRECT) talks to a "
      "database without one: set a limit in the connection text"},
@@ -48,8 +51,10 @@ constexpr Rule kRules[] = {
        return !c.connection.ca_file.empty() && !IsEncrypted(c.connection);
      },
      "--ca-file needs encryption to be used for: begin the name of the server with https://"},
-    {[](const CommandLine& c) { return c.batch && c.connection.web && IsEncrypted(c.connection); },
-     "a batch always goes over the socket transport, which does not encrypt: leave --web and "
+    {[](const CommandLine& c) {
+       return (c.batch || c.store) && c.connection.web && IsEncrypted(c.connection);
+     },
+     "this command always goes over the socket transport, which does not encrypt: leave --web and "
      "https:// away, and give --port"},
     {[](const CommandLine& c) {
        return !IsDirect(c) && c.connection.web && c.connection.Port() == 0;

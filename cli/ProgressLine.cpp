@@ -112,4 +112,6 @@ std::string ProgressLine(const Progress& progress, std::size_t cells) {
   return line + (sane.total ? Bar(Share(sane), left) : "") + details;
 }
 
+std::string SizeText(std::uint64_t bytes) { return Bytes(static_cast<double>(bytes)); }
+
 }  // namespace qv

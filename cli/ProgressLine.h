@@ -22,4 +22,7 @@ struct Progress {
 // told, has passed. What does not fit is left out, the bar first and the time last.
 [[nodiscard]] std::string ProgressLine(const Progress& progress, std::size_t cells);
 
+// "1.5 KiB".
+[[nodiscard]] std::string SizeText(std::uint64_t bytes);
+
 }  // namespace qv

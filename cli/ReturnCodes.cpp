@@ -6,6 +6,8 @@
 #include <initializer_list>
 #include <iterator>
 
+#include "DisplayWidth.h"
+
 namespace qv {
 namespace {
 
@@ -21,6 +23,11 @@ constexpr unsigned kBatch = SetOf({Call::kBatch});
 constexpr unsigned kRows = SetOf({Call::kQuery, Call::kProcedure});
 constexpr unsigned kChanges = SetOf({Call::kProcedure, Call::kExec, Call::kBatch});
 constexpr unsigned kAll = kRows | kChanges;
+
+constexpr unsigned kFiles = SetOf({Call::kUpload, Call::kDownload, Call::kRemove});
+constexpr unsigned kStoreChanges =
+    SetOf({Call::kMakeFolder, Call::kRemoveFolder, Call::kMove, Call::kCopy, Call::kLog});
+constexpr unsigned kStore = kStoreChanges | SetOf({Call::kLook});
 
 constexpr unsigned kSocket = SetOf({Route::kSocket});
 constexpr unsigned kWeb = SetOf({Route::kWeb});
@@ -135,6 +142,72 @@ constexpr Entry kEntries[] = {
       "the reply is not that of the platform's web server, was damaged, or did not fit; the "
       "request may have been run or not",
       "check --server and --http-port, and look at the data before running it again"}},
+    {kFiles, kSocket, {0, "the call succeeded", ""}},
+    {SetOf({Call::kUpload}),
+     kSocket,
+     {1, "the server did not take the file",
+      "check its name, that its folder is there and has no folder of that name, and the access "
+      "token (--token); the server's log has its reason"}},
+    {SetOf({Call::kRemove}),
+     kSocket,
+     {1, "the server did not remove it",
+      "see with `qvcall ls` whether there is such a file; folders are removed with rmdir"}},
+    {SetOf({Call::kDownload}),
+     kSocket,
+     {1, "the server refused it", "check the name and the access token (--token)"}},
+    {SetOf({Call::kDownload}),
+     kSocket,
+     {2, "the server has no such file, or cannot send it",
+      "see with `qvcall ls` or `qvcall idstat` what there is"}},
+    {kFiles | kStore,
+     kSocket,
+     {-1, "nothing reached the server", "check --server and --port, and try `qvcall ping`"}},
+    {SetOf({Call::kUpload}),
+     kSocket,
+     {-2, "the file was sent, but no complete reply came; the server has it or what it had before",
+      "try again; give a slow server more time with --timeout-ms"}},
+    {SetOf({Call::kDownload}),
+     kSocket,
+     {-2, "the file did not come whole",
+      "try again; give a slow server more time with --timeout-ms"}},
+    {SetOf({Call::kRemove}),
+     kSocket,
+     {-2, "the request was sent, but no complete reply came; the file may be gone or not",
+      "see with `qvcall ls`"}},
+    {SetOf({Call::kDownload}),
+     kSocket,
+     {-3, "the file came damaged, or cannot be written here",
+      "check that the folder can be written and is not full, and try again"}},
+    {SetOf({Call::kUpload, Call::kRemove}),
+     kSocket,
+     {-3, "the reply was damaged; the server has done it or not",
+      "see with `qvcall stat`; check whether something on the way alters the traffic"}},
+    {kStore, kSocket, {1, "the call succeeded", ""}},
+    {SetOf({Call::kMakeFolder}),
+     kSocket,
+     {0, "the folder was not made",
+      "there may be something of that name, or no folder to make it in: see with `qvcall ls`"}},
+    {SetOf({Call::kRemoveFolder}),
+     kSocket,
+     {0, "the folder was not removed",
+      "only folders that are there and empty are: see with `qvcall ls`"}},
+    {SetOf({Call::kMove}),
+     kSocket,
+     {0, "it was not moved",
+      "there may be no such file or folder, or the new name be taken, or its folder missing: see "
+      "with `qvcall ls`"}},
+    {SetOf({Call::kCopy}),
+     kSocket,
+     {0, "it was not copied",
+      "there may be no such file, or no folder for the copy: see with `qvcall ls`; folders are not "
+      "copied"}},
+    {SetOf({Call::kLook}),
+     kSocket,
+     {0, "the server has no such thing, or does not show it",
+      "check the name and the access token (--token); the server's log has its reason"}},
+    {SetOf({Call::kLog}),
+     kSocket,
+     {0, "the server did not take the line", "check the access token (--token)"}},
 };
 
 constexpr ReturnCode kOther{0, "the call failed with a result that has no words here",
@@ -154,9 +227,10 @@ ReturnCode ExplainResult(Call call, Route route, int code) {
   return {code, words.meaning, words.advice};
 }
 
-void PrintFailure(Call call, Route route, int code, std::ostream& err) {
+void PrintFailure(Call call, Route route, int code, std::ostream& err, std::string_view subject) {
   const ReturnCode words = ExplainResult(call, route, code);
-  fmt::print(err, "qvcall: {} (result {})\n  {}\n", words.meaning, code, words.advice);
+  const std::string about = subject.empty() ? "" : Visible(subject) + ": ";
+  fmt::print(err, "qvcall: {}{} (result {})\n  {}\n", about, words.meaning, code, words.advice);
 }
 
 }  // namespace qv

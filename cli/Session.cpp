@@ -106,10 +106,16 @@ bool Session::Start(std::ostream& err) {
   return false;
 }
 
-void Session::PrintFailure(Call call, int code, std::ostream& err) const {
-  qv::PrintFailure(call, route_, code, err);
+void Session::PrintFailure(Call call, int code, std::ostream& err, std::string_view subject) const {
+  qv::PrintFailure(call, route_, code, err, subject);
   if (route_ == Route::kDirect) PrintDriverText(err);
 }
+
+void Session::PrintRefusal(Call call, std::string_view subject, std::ostream& err) const {
+  PrintFailure(call, IsUnreachable() ? -1 : 0, err, subject);
+}
+
+bool Session::IsUnreachable() const { return CRvoServer::GetIsNetworkBad(1) == 1; }
 
 std::string Session::Address() const {
   const bool web = route_ == Route::kWeb && !HasScheme(server_);
@@ -122,7 +128,10 @@ bool Session::Probe() const {
 
 bool Session::FindRoute(std::ostream& err) {
   const auto port = static_cast<unsigned long>(port_);
-  if (calls_ == Calls::kByServerType) {
+  if (calls_ == Calls::kOverSocket) {
+    // Some calls do nothing for a server of the other kind.
+    CRvoServer::SetServerType(kSocketServer, server_.c_str(), port);
+  } else {
     if (connection_.web) CRvoServer::SetServerType(kWebServer, server_.c_str(), port);
     CString type;
     CRvoServer::GetServerType(type, server_.c_str(), port);

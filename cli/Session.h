@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include "CommandLine.h"
 #include "ReturnCodes.h"
@@ -28,8 +29,13 @@ class Session {
   // be what the user asked for.
   [[nodiscard]] bool Start(std::ostream& err);
 
-  // Says on `err` what a call's result means, and in direct mode what the driver said.
-  void PrintFailure(Call call, int code, std::ostream& err) const;
+  // Says on `err` what a call's result means, and in direct mode what the driver said. `subject` is
+  // the one of several things that it is about.
+  void PrintFailure(Call call, int code, std::ostream& err, std::string_view subject = {}) const;
+  // The same for a call that only gives 0, whether the server refused it or was not reached.
+  void PrintRefusal(Call call, std::string_view subject, std::ostream& err) const;
+  // Whether that is so because the last attempt did not even reach the server.
+  [[nodiscard]] bool IsUnreachable() const;
 
   // What the calls go through; valid once the session is started.
   [[nodiscard]] Route Way() const { return route_; }

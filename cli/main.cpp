@@ -3,12 +3,18 @@
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <variant>
 
 #include "cli/Batch.h"
 #include "cli/CommandLine.h"
+#include "cli/DirectoryCommands.h"
 #include "cli/Execute.h"
+#include "cli/FileCommands.h"
+#include "cli/FolderCommands.h"
+#include "cli/IdCommands.h"
 #include "cli/Ping.h"
 #include "cli/Query.h"
+#include "cli/TransferCommands.h"
 
 namespace {
 
@@ -22,6 +28,11 @@ int Run(int argc, char** argv) {
   }
   if (command.exec) return qv::RunExec(connection, *command.exec, std::cin, std::cerr);
   if (command.batch) return qv::RunBatch(connection, *command.batch, std::cin, std::cerr);
+  if (command.store) {
+    return std::visit(
+        [&](const auto& store) { return qv::Run(connection, store, std::cout, std::cerr); },
+        *command.store);
+  }
   return qv::RunPing(connection, std::cout, std::cerr);
 }
 

@@ -93,6 +93,24 @@ TEST_F(CommandLine, KeepsTheCommandsApart) {
   EXPECT_EQ(Parse({"--port", "7", "batch", "f", "--db", "D"}).command.batch.value().file, "f");
 }
 
+TEST_F(CommandLine, TakesServerPathsAsTheyAreSent) {
+  const auto taken = [](std::vector<const char*> words) {
+    words.insert(words.begin(), {"--port", "7"});
+    return Parse(words).command.store.value();
+  };
+  const auto put = std::get<qv::PutFiles>(taken({"put", "a/b", "info", "-r", "c", "/x/y/"}));
+  EXPECT_EQ(put.local, (std::vector<std::string>{"a/b", "info", "c"}));
+  EXPECT_EQ(put.server_folder, "x\\y");
+  EXPECT_TRUE(put.recursive);
+  const auto get = std::get<qv::GetFiles>(taken({"get", "-r", "/", "x/y", "./"}));
+  EXPECT_EQ(get.server, (std::vector<std::string>{"", "x\\y"}));
+  EXPECT_EQ(get.local_folder, "./");
+  EXPECT_EQ(std::get<qv::MovePath>(taken({"mv", "a/b", "c/"})).target, "c\\b");
+  EXPECT_EQ(std::get<qv::CopyFile>(taken({"cp", "a/b", "c"})).target, "c");
+  EXPECT_EQ(std::get<qv::PutById>(taken({"idput", "7", "n"})).local, "n");
+  EXPECT_EQ(std::get<qv::ListGroups>(taken({"groups"})).pattern, "*");
+}
+
 TEST_F(CommandLine, RefusesWrongUsage) {
   for (const auto& words : std::vector<std::vector<const char*>>{
            {},
@@ -114,6 +132,8 @@ TEST_F(CommandLine, RefusesWrongUsage) {
 }
 
 TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
+  const std::string long_name(256, 'n');
+  const std::string long_folder = long_name.substr(2) + '/';
   const struct {
     std::vector<const char*> words;
     const char* complaint;  // null: they go together
@@ -142,6 +162,15 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"--direct", "x=y", "query", "x", "--offline"}, "keep answers of a server"},
       {{"--direct", "x=y", "batch", "f"}, "a batch needs a server"},
       {{"--direct", "x=y", "--timeout-ms", "9", "ping"}, "--timeout-ms"},
+      {{"--direct", "x=y", "ls"}, "a server's"},
+      {{"--web", "--port", "7", "--server", "https://h", "get", "a", "."}, "encrypt"},
+      {{"--port", "7", "get", "a"}, "At least 2"},
+      {{"--port", "7", "rm", "/"}, "must not be empty"},
+      {{"--port", "7", "rm", long_name.c_str()}, "255"},
+      {{"--port", "7", "cp", "a", long_name.c_str() + 1}, nullptr},
+      {{"--port", "7", "mv", "aa", long_folder.c_str()}, "255"},
+      {{"--port", "7", "idput", "-1", "a"}, "not in range"},
+      {{"--port", "7", "idget", "1", "..\\a"}, "LOCAL"},
   };
   for (const auto& [words, complaint] : cases) {
     const Parsed parsed = Parse(words);
@@ -177,6 +206,17 @@ TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
   EXPECT_EQ(meaning(qv::Call::kExec, 100), meaning(qv::Call::kQuery, 77));
   EXPECT_NE(meaning(qv::Call::kBatch, 2), meaning(qv::Call::kProcedure, 2));
   EXPECT_NE(meaning(qv::Call::kBatch, -1), meaning(qv::Call::kBatch, -1, Route::kDirect));
+}
+
+TEST(ReturnCodes, KnowWhichCallsGiveNoughtForSuccess) {
+  for (auto call = qv::Call::kUpload; call <= qv::Call::kLog;
+       call = static_cast<qv::Call>(static_cast<int>(call) + 1)) {
+    const int success = call <= qv::Call::kRemove ? 0 : 1;
+    EXPECT_EQ(qv::ExplainResult(call, Route::kSocket, success).advice, "");
+    const auto refused = qv::ExplainResult(call, Route::kSocket, 1 - success);
+    EXPECT_NE(refused.meaning, qv::ExplainResult(call, Route::kSocket, 77).meaning);
+    EXPECT_NE(refused.advice, "");
+  }
 }
 
 TEST(ReturnCodes, SpeakOfServersAndOfflineWorkOnlyWhereTheyAre) {

@@ -1,0 +1,99 @@
+#include <filesystem>
+#include <system_error>
+
+#include "DisplayWidth.h"
+#include "ServerPath.h"
+#include "StoreListing.h"
+#include "TransferPlan.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Files and folders; a server may go on for ever.
+constexpr std::size_t kMostEntries = 1'000'000;
+
+constexpr int kNotReached = -1;
+constexpr int kNoSuchFile = 2;
+
+class DownloadPlan {
+ public:
+  DownloadPlan(bool recursive, TransferReport& report) : recursive_(recursive), report_(report) {}
+
+  void Add(const std::string& server, const fs::path& local_folder) {
+    if (server.empty()) return AddInside(server, local_folder);
+    const std::string name(LastPart(server));
+    if (!CanBeTaken(server, name)) return;
+    if (const auto file = FindFile(server)) {
+      AddFile(server, local_folder / name, file->size);
+    } else if (CRvoServer::GetIsNetworkBad(1) == 1) {
+      report_.Fail(server, Call::kDownload, kNotReached);
+    } else if (!FindFolder(server)) {
+      report_.Fail(server, Call::kDownload, kNoSuchFile);
+    } else if (!recursive_) {
+      report_.Fail(server, "is a folder, which is only fetched with -r");
+    } else {
+      AddFolder(server, local_folder / name);
+    }
+  }
+
+  std::vector<FileTransfer> Taken() { return std::move(files_); }
+
+ private:
+  bool CanBeTaken(const std::string& server, std::string_view name) {
+    if (!IsPlainName(name)) {
+      report_.Fail(server, "has a name that no file shall have here");
+      return false;
+    }
+    if (server.size() > kLongestServerPath) {
+      report_.Fail(server, "has too long a path to be asked for");
+      return false;
+    }
+    return ++entries_ <= kMostEntries;
+  }
+
+  void AddFile(const std::string& server, const fs::path& local, std::uint64_t bytes) {
+    files_.push_back({local.string(), server, bytes});
+  }
+
+  // A link would lead out of the folder that the user gave.
+  void AddFolder(const std::string& server, const fs::path& local) {
+    std::error_code error;
+    if (!fs::create_directory(local, error) &&
+        !fs::is_directory(fs::symlink_status(local, error))) {
+      return report_.Fail(server, "there is no place for a folder at " + Visible(local.string()));
+    }
+    AddInside(server, local);
+  }
+
+  void AddInside(const std::string& server, const fs::path& local) {
+    const bool is_whole = ForEachFile(server, kEveryFile, [&](const ServerFile& file) {
+      const std::string path = JoinServerPath(server, file.name);
+      if (CanBeTaken(path, file.name)) AddFile(path, local / file.name, file.size);
+      return entries_ <= kMostEntries;
+    });
+    if (!is_whole) report_.Fail(server, "not all that is in it could be listed");
+    for (const ServerFolder& folder : FoldersIn(server)) {
+      const std::string path = JoinServerPath(server, folder.name);
+      if (CanBeTaken(path, folder.name)) AddFolder(path, local / folder.name);
+      if (entries_ > kMostEntries) return;
+    }
+  }
+
+  const bool recursive_;
+  TransferReport& report_;
+  std::vector<FileTransfer> files_;
+  std::size_t entries_ = 0;
+};
+
+}  // namespace
+
+std::vector<FileTransfer> PlanDownload(const GetFiles& command, TransferReport& report) {
+  DownloadPlan plan(command.recursive, report);
+  for (const std::string& server : command.server) plan.Add(server, command.local_folder);
+  return plan.Taken();
+}
+
+}  // namespace qv

@@ -1,0 +1,107 @@
+#include "StoreListing.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <utility>
+
+#include "ServerPath.h"
+#include "qvnetcall/QvNetCall4.h"
+#include "qvnetcall/standin/Records.h"
+
+namespace qv {
+namespace {
+
+// As many as a reply has room for, with a margin.
+constexpr int kPage = 4000;
+
+ServerFile FileOf(const CZelkorSvrFileInfo& record) {
+  return {records::Text(record, records::file::kName),
+          records::Number(record, records::file::kSize),
+          static_cast<std::int64_t>(records::Number(record, records::file::kModified))};
+}
+
+ServerFolder FolderFrom(const CZelkorSvrFolderInfo& record) {
+  return {records::Text(record, records::folder::kName),
+          static_cast<std::int64_t>(records::Number(record, records::folder::kModified))};
+}
+
+SubStore SubStoreOf(const CZelkorSvrSubStoreInfo& record) {
+  return {records::Text(record, records::sub_store::kName),
+          records::Text(record, records::sub_store::kPath),
+          records::Number(record, records::sub_store::kFree)};
+}
+
+// An array that is freed here, its records as `read` takes them.
+template <class Record, class Read>
+auto Taken(Record* array, int count, Read read) {
+  const std::unique_ptr<Record[]> records(array);
+  std::vector<decltype(read(*array))> taken;
+  for (int i = 0; records != nullptr && i < count; ++i) taken.push_back(read(records[i]));
+  return taken;
+}
+
+// How many records of a page were taken; none when something is wrong with it.
+int TakePage(const CQvRvoBuf& page, const std::function<bool(const ServerFile&)>& take) {
+  CZelkorSvrFileInfo record;
+  const int records = static_cast<int>(std::min<std::size_t>(page.m_size / sizeof record, kPage));
+  for (int i = 0; i < records; ++i) {
+    std::memcpy(&record, page.m_bytes + static_cast<std::size_t>(i) * sizeof record, sizeof record);
+    const ServerFile file = FileOf(record);
+    // A page that did not come whole is all zeros.
+    if (file.name.empty() || !take(file)) return 0;
+  }
+  return records;
+}
+
+}  // namespace
+
+std::vector<SubStore> SubStoresLike(const std::string& pattern) {
+  int count = 0;
+  CZelkorSvrSubStoreInfo* const array = CRvoServer::GetSubStoreInfo(count, pattern.c_str());
+  return Taken(array, count, SubStoreOf);
+}
+
+std::vector<ServerFolder> FoldersIn(const std::string& path) {
+  int count = 0;
+  CZelkorSvrFolderInfo* const array = CRvoFolder::GetChildFolderInfo(count, path.c_str());
+  std::vector<ServerFolder> folders = Taken(array, count, FolderFrom);
+  std::sort(folders.begin(), folders.end(),
+            [](const ServerFolder& a, const ServerFolder& b) { return a.name < b.name; });
+  return folders;
+}
+
+bool ForEachFile(const std::string& path, const std::string& pattern,
+                 const std::function<bool(const ServerFile&)>& take) {
+  constexpr int kLastStart = std::numeric_limits<int>::max() - kPage;
+  for (int from = 0; from <= kLastStart;) {
+    CQvRvoBuf page;
+    int count = 0;
+    if (CRvoFolderEx::GetMatchFilesInFolderEx(path.c_str(), pattern.c_str(), count, 0, 0, from,
+                                              from + kPage - 1, &page) != 1) {
+      // Files may go while they are listed.
+      return from == 0 ? count == 0 : count > 0 && count <= from;
+    }
+    const int taken = TakePage(page, take);
+    if (taken == 0) return false;
+    from += taken;
+    if (from >= count) return true;
+  }
+  return false;
+}
+
+std::optional<ServerFile> FindFile(const std::string& path) {
+  CZelkorSvrFileInfo record{};
+  if (CRvoFile::GetFileInfor(path.c_str(), &record) != 1) return std::nullopt;
+  return FileOf(record);
+}
+
+std::optional<ServerFolder> FindFolder(const std::string& path) {
+  for (ServerFolder& folder : FoldersIn(std::string(FolderOf(path)))) {
+    if (folder.name == LastPart(path)) return std::move(folder);
+  }
+  return std::nullopt;
+}
+
+}  // namespace qv

@@ -1,0 +1,38 @@
+#include "TransferReport.h"
+
+#include <fmt/ostream.h>
+
+#include "DisplayWidth.h"
+#include "ProgressLine.h"
+
+namespace qv {
+
+void TransferReport::Done(std::uint64_t bytes) {
+  ++done_;
+  bytes_ += bytes;
+}
+
+void TransferReport::Fail(std::string_view subject, std::string_view reason) {
+  fmt::print(err_, "qvcall: {}: {}\n", Visible(subject), reason);
+  failed_.emplace_back(subject);
+}
+
+void TransferReport::Fail(std::string_view subject, Call call, int code) {
+  session_.PrintFailure(call, code, err_, subject);
+  failed_.emplace_back(subject);
+}
+
+int TransferReport::Finish(std::string_view remark) const {
+  if (done_ > 0 || failed_.empty()) {
+    fmt::print(err_, "done ({} {}, {}{}{})\n", done_, done_ == 1 ? "file" : "files",
+               SizeText(bytes_), remark.empty() ? "" : ", ", remark);
+  }
+  if (failed_.empty()) return kDone;
+  if (done_ + failed_.size() > 1) {
+    fmt::print(err_, "qvcall: {} failed:\n", failed_.size());
+    for (const std::string& subject : failed_) fmt::print(err_, "  {}\n", Visible(subject));
+  }
+  return kFailed;
+}
+
+}  // namespace qv

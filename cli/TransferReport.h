@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Session.h"
+
+namespace qv {
+
+// Says how it goes with each of several files, and at the end how it went with all.
+class TransferReport {
+ public:
+  // Both outlive it.
+  TransferReport(const Session& session, std::ostream& err) : session_(session), err_(err) {}
+
+  void Done(std::uint64_t bytes);
+  // The reason is ours, or a call's result.
+  void Fail(std::string_view subject, std::string_view reason);
+  void Fail(std::string_view subject, Call call, int code);
+  // Sums up, with a remark on what went well, and gives the exit status.
+  [[nodiscard]] int Finish(std::string_view remark = {}) const;
+
+ private:
+  const Session& session_;
+  std::ostream& err_;
+  std::size_t done_ = 0;
+  std::uint64_t bytes_ = 0;
+  std::vector<std::string> failed_;
+};
+
+}  // namespace qv
