@@ -14,6 +14,13 @@ find_path(FAST_FLOAT_INCLUDE_DIR fast_float/fast_float.h REQUIRED)
 add_library(fast_float INTERFACE)
 target_include_directories(fast_float SYSTEM INTERFACE ${FAST_FLOAT_INCLUDE_DIR})
 
+# Without its own package file, which wants the command-line tools to be installed as well.
+find_path(LIBZIP_INCLUDE_DIR zip.h REQUIRED)
+find_library(LIBZIP_LIBRARY zip REQUIRED)
+add_library(libzip INTERFACE)
+target_include_directories(libzip SYSTEM INTERFACE ${LIBZIP_INCLUDE_DIR})
+target_link_libraries(libzip INTERFACE ${LIBZIP_LIBRARY})
+
 if(QV_BUILD_TESTS)
   find_package(GTest REQUIRED)
   find_package(OpenSSL REQUIRED)

@@ -56,6 +56,8 @@ bool RemoveFile(const std::string& path);
 
 // Sees to it that what was written to `file` is on the disk.
 [[nodiscard]] bool FlushToDisk(std::FILE* file);
+// The same for a file that is closed; a link is none.
+[[nodiscard]] bool FlushFileToDisk(const std::string& path);
 
 // Asks for large pages under `bytes` of memory at `start` that were not touched yet. Only speed
 // depends on it.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,7 @@
 #include "ErrorCode.h"
 #include "FieldReader.h"
 #include "FieldWriter.h"
+#include "NameField.h"
 #include "ServerLog.h"
 #include "WorkLimit.h"
 
@@ -45,11 +47,18 @@ struct Request {
   FieldReader fields;
   WorkLimit& limit;
   AnswerForm form = {};
+  // Of the header block.
+  NameField name_field = {};
+  // Where the file is that came along, for a command that takes one to move it away; empty when
+  // none came, or there was no room for it.
+  std::string file = {};
 };
 
 struct Reply {
   FieldWriter fields;
-  std::unique_ptr<AnswerFile> file;  // travels behind the fields, when there is one
+  // One of these travels behind the fields, when it is there.
+  std::unique_ptr<AnswerFile> file;
+  std::optional<platform::OpenedFile> stored;
   // For the server's own record.
   std::string database;
   Outcome outcome;
@@ -61,5 +70,7 @@ inline void AddFailure(Reply& reply, Outcome outcome) {
   reply.fields.Integer(static_cast<std::int32_t>(outcome.code));
   reply.outcome = std::move(outcome);
 }
+
+inline Outcome NoFileCame() { return {ErrorCode::kMalformedRequest, "no file, or no room for it"}; }
 
 }  // namespace qv::standin

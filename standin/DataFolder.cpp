@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <system_error>
 
-#include "AnswerFile.h"
 #include "OdbcDatabase.h"
 #include "SampleData.h"
+#include "SampleFiles.h"
 #include "SqliteDatabase.h"
 #include "platform/Platform.h"
 
@@ -17,6 +17,9 @@ namespace qv::standin {
 namespace {
 
 constexpr const char* kAnswers = "answers";
+constexpr const char* kIncoming = "incoming";
+constexpr const char* kFiles = "files";
+constexpr const char* kIds = "ids";
 constexpr const char* kSettingsFile = "databases.json";
 constexpr std::size_t kLongestName = 64;
 constexpr std::string_view kSettingsDatabase = "PLATDB";
@@ -27,6 +30,14 @@ bool IsNameByte(char ch) {
          ch == '_' || ch == '-';
 }
 
+// What a run that was killed has left behind.
+void RemoveFilesIn(const std::string& folder) {
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    platform::RemoveFile(entry.path().string());
+  }
+}
+
 }  // namespace
 
 bool IsDatabaseName(std::string_view name) {
@@ -34,7 +45,7 @@ bool IsDatabaseName(std::string_view name) {
 }
 
 Outcome DataFolder::Prepare() {
-  for (const char* const below : {"db", kAnswers}) {
+  for (const char* const below : {"db", kAnswers, kIncoming, kIds}) {
     const std::string folder = (std::filesystem::path(path_) / below).string();
     if (!platform::CreatePrivateFolder(folder)) {
       return {ErrorCode::kNoDatabase, "cannot make the folder " + folder};
@@ -45,10 +56,12 @@ Outcome DataFolder::Prepare() {
   path_ = std::filesystem::canonical(path_, error).string();
   if (error) return {ErrorCode::kNoDatabase, error.message()};
   if (Outcome locked = Lock(); !locked.Ok()) return locked;
-  RemoveOldAnswers();
+  RemoveFilesIn(AnswerFolder());
+  RemoveFilesIn(IncomingFolder());
   const std::string settings = (std::filesystem::path(path_) / kSettingsFile).string();
   if (Outcome read = ReadDatabaseSettings(settings, settings_); !read.Ok()) return read;
-  return MakeSamples();
+  if (Outcome made = MakeSamples(); !made.Ok()) return made;
+  return OpenStores();
 }
 
 Outcome DataFolder::MakeSamples() const {
@@ -60,6 +73,18 @@ Outcome DataFolder::MakeSamples() const {
     if (std::filesystem::exists(file, error)) continue;
     if (Outcome made = CreateSample(sample, file); !made.Ok()) return made;
   }
+  const std::string files = (std::filesystem::path(path_) / kFiles).string();
+  std::error_code error;
+  return std::filesystem::exists(files, error) ? Outcome{} : CreateSampleFiles(files);
+}
+
+Outcome DataFolder::OpenStores() {
+  const auto below = platform::Folder::Open(path_);
+  auto files = below ? below->Enter(kFiles) : std::nullopt;
+  auto ids = below ? below->Enter(kIds) : std::nullopt;
+  if (!files || !ids) return {ErrorCode::kNoDatabase, "cannot open the stores in " + path_};
+  files_.emplace(std::move(*files), IncomingFolder());
+  ids_.emplace(std::move(*ids), IncomingFolder());
   return {};
 }
 
@@ -79,16 +104,6 @@ Outcome DataFolder::Lock() {
   lock_.reset();
   if (code == SQLITE_BUSY) return {ErrorCode::kBusy, "another server works on " + path_};
   return {ErrorCode::kNoDatabase, "cannot lock " + file};
-}
-
-// What a run that was killed has left behind.
-void DataFolder::RemoveOldAnswers() const {
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(AnswerFolder(), error)) {
-    if (entry.path().extension() == AnswerFile::kExtension) {
-      platform::RemoveFile(entry.path().string());
-    }
-  }
 }
 
 Outcome DataFolder::SetCompression(bool on) {
@@ -125,6 +140,10 @@ const DatabaseSettings* DataFolder::SettingsOf(std::string_view name) const {
 
 std::string DataFolder::AnswerFolder() const {
   return (std::filesystem::path(path_) / kAnswers / "").string();
+}
+
+std::string DataFolder::IncomingFolder() const {
+  return (std::filesystem::path(path_) / kIncoming / "").string();
 }
 
 std::string DataFolder::DatabaseFile(std::string_view name) const {

@@ -1,27 +1,32 @@
-// The folder that the server works on: its databases, and the files of answers on their way out.
+// The folder that the server works on: its databases, the files that it keeps, and those on their
+// way in and out.
 #pragma once
 
 #include <sqlite3.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "Database.h"
 #include "DatabaseSettings.h"
+#include "FileStore.h"
+#include "IdStore.h"
 #include "WorkLimit.h"
 
 namespace qv::standin {
 
 // Under the folder: db/NAME.sqlite for each logical database, databases.json for those that live
-// elsewhere, answers/ for what is too large for a reply. What Prepare has set up may then be used
-// from any thread.
+// elsewhere, answers/ for what is too large for a reply, files/ and ids/ for the files of clients,
+// incoming/ for those that are not whole yet. What Prepare has set up may then be used from any
+// thread.
 class DataFolder {
  public:
   explicit DataFolder(std::string path) : path_(std::move(path)) {}
 
-  // Takes the folder for this object, makes what is missing, the sample databases among it, and
-  // clears away answers of an earlier run.
+  // Takes the folder for this object, makes what is missing, sample databases and files among it,
+  // and clears away answers and unfinished files of an earlier run.
   Outcome Prepare();
   // Gives the folder back, once nothing works on it any more.
   void Release() { lock_.reset(); }
@@ -36,6 +41,11 @@ class DataFolder {
 
   // With a separator at its end.
   [[nodiscard]] std::string AnswerFolder() const;
+  [[nodiscard]] std::string IncomingFolder() const;
+
+  // There once Prepare went well.
+  FileStore& Files() { return *files_; }
+  IdStore& Ids() { return *ids_; }
 
  private:
   struct Closer {
@@ -44,12 +54,14 @@ class DataFolder {
 
   Outcome Lock();
   Outcome MakeSamples() const;
-  void RemoveOldAnswers() const;
+  Outcome OpenStores();
   [[nodiscard]] const DatabaseSettings* SettingsOf(std::string_view name) const;
   [[nodiscard]] std::string DatabaseFile(std::string_view name) const;
 
   std::string path_;
   DatabaseSettingsByName settings_;
+  std::optional<FileStore> files_;
+  std::optional<IdStore> ids_;
   std::unique_ptr<sqlite3, Closer> lock_;  // an open transaction, which ends with the process too
 };
 

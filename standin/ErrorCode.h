@@ -17,8 +17,12 @@ enum class ErrorCode : std::int32_t {
   kTimedOut = 7,
   kStopped = 8,  // the server stops, or the client is gone
   kNoProcedure = 9,
-  kAnswerLost = 10,  // the answer could not be kept: disk full, or past the limit
-  kBusy = 11,        // somebody else holds the database
+  kAnswerLost = 10,   // the answer could not be kept: disk full, or past the limit
+  kBusy = 11,         // somebody else holds the database
+  kBadName = 20,      // of a file or folder, or an identifier that is none
+  kNoFile = 21,       // no such file or folder
+  kStoreFailed = 22,  // the place is taken, the folder is not empty, the disk is full, ...
+  kBadPack = 23,      // no pack file, or a damaged one
 };
 
 // What came of a piece of work; the text is for the server's own log, never for the wire.

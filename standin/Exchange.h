@@ -11,6 +11,7 @@
 
 #include "Command.h"
 #include "SessionRules.h"
+#include "TemporaryFile.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv::standin {
@@ -22,13 +23,13 @@ class Exchange {
   // Both outlive the exchange.
   Exchange(Services& services, const SessionRules& rules) : services_(services), rules_(rules) {}
 
-  [[nodiscard]] FrameStatus Receive(ByteStream& stream);
-  // Whether the request may be answered. `login_token` is what its sender showed besides the
-  // frame; empty when nothing.
-  [[nodiscard]] bool IsAllowed(std::string_view login_token = {}) const;
-  // Carries the request out, or refuses it when it is not `allowed`. Asks `abandoned` now and then
+  // `login_token` is what the sender showed besides the frame; empty when nothing.
+  [[nodiscard]] FrameStatus Receive(ByteStream& stream, std::string_view login_token = {});
+  // Whether the request may be answered.
+  [[nodiscard]] bool IsAllowed() const { return is_allowed_; }
+  // Carries the request out, or refuses it when it is not allowed. Asks `abandoned` now and then
   // whether anybody still waits. False when there is no reply that could be sent.
-  [[nodiscard]] bool Answer(AnswerForm form, bool allowed, const std::function<bool()>& abandoned);
+  [[nodiscard]] bool Answer(AnswerForm form, const std::function<bool()>& abandoned);
   // How many bytes Send is going to send.
   [[nodiscard]] std::uint64_t ReplyLength() const;
   [[nodiscard]] bool Send(ByteStream& stream);
@@ -36,6 +37,9 @@ class Exchange {
  private:
   using Clock = std::chrono::steady_clock;
 
+  [[nodiscard]] bool ShowsToken(std::string_view login_token) const;
+  [[nodiscard]] FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length);
+  [[nodiscard]] bool OpenReplyFile();
   void Record() const;
 
   Services& services_;
@@ -45,6 +49,8 @@ class Exchange {
   std::array<unsigned char, kFrameBlockSize> block_{};
   std::vector<unsigned char> payload_;
   std::uint32_t command_ = 0;
+  bool is_allowed_ = false;
+  std::optional<TemporaryFile> received_;
   Reply reply_;
   std::optional<OutgoingFile> file_;
 };

@@ -63,20 +63,19 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
   }
   HttpBody body(stream_, request);
   Exchange exchange(services_, rules_);
-  const FrameStatus received = exchange.Receive(body);
+  const FrameStatus received = exchange.Receive(body, request.login_token);
   const bool is_whole = received == FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;
   if (!is_whole) {
     const bool is_large = received == FrameStatus::kDoesNotFit;
     return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest);
   }
-  const bool allowed = exchange.IsAllowed(request.login_token);
   const AnswerForm form{.dialect = Dialect::kSchema, .packed = request.takes_packed};
-  if (!exchange.Answer(form, allowed, [this] { return stream_.IsGone(); })) {
+  if (!exchange.Answer(form, [this] { return stream_.IsGone(); })) {
     return Refuse(HttpStatus::kFailed, request);
   }
   HttpReplyHead reply{.length = exchange.ReplyLength()};
-  if (allowed) {
+  if (exchange.IsAllowed()) {
     reply.keep_alive = request.keep_alive;
     reply.login_token = rules_.login_token;
   }

@@ -1,6 +1,17 @@
 #include "LinkCommand.h"
 
+#include <array>
+
 namespace qv::standin {
+
+namespace {
+
+// "1" and: the program, its version, the path of the top folder, whether folders can be listed by
+// pages, whether checksums are offered, how names are encoded, and what it is.
+constexpr std::array<std::string_view, 8> kProgramInfo{
+    "1", "qvstandin", "4", FileStore::kTop, "1", "1", "UTF-8", "the stand-in server"};
+
+}  // namespace
 
 void CheckLink(Services&, Request&, Reply& reply) { reply.fields.Text(kSuccess); }
 
@@ -27,6 +38,10 @@ void SendConnectionText(Services& services, Request& request, Reply& reply) {
   } else {
     reply.outcome = {ErrorCode::kNoDatabase, "no connection text"};
   }
+}
+
+void SendProgramInfo(Services&, Request&, Reply& reply) {
+  for (const std::string_view text : kProgramInfo) reply.fields.Text(text);
 }
 
 }  // namespace qv::standin

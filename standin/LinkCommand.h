@@ -11,4 +11,7 @@ void AppendLog(Services& services, Request& request, Reply& reply);
 // What a client connects with that goes to the database itself.
 void SendConnectionText(Services& services, Request& request, Reply& reply);
 
+// What this server is: docs/records.md has its texts.
+void SendProgramInfo(Services& services, Request& request, Reply& reply);
+
 }  // namespace qv::standin

@@ -9,7 +9,7 @@ namespace qv::standin {
 
 struct ServedCommand {
   std::uint32_t command;
-  std::string database;  // empty when the command names none
+  std::string database;  // or the file that the command names; empty when it names neither
   std::string outcome;   // "done", or why not
   std::uint64_t bytes;   // of the reply: its fields, and its file
   std::chrono::milliseconds time;

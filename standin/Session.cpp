@@ -16,10 +16,9 @@ bool Session::ServeRequest() {
     if (status != FrameStatus::kConnectionLost) rules_.on_malformed_frame();
     return false;
   }
-  const bool allowed = exchange.IsAllowed();
   const AnswerForm form{.dialect = Dialect::kRowset, .packed = false};
-  return exchange.Answer(form, allowed, [this] { return stream_.IsGone(); }) &&
-         exchange.Send(stream_) && allowed;
+  return exchange.Answer(form, [this] { return stream_.IsGone(); }) && exchange.Send(stream_) &&
+         exchange.IsAllowed();
 }
 
 }  // namespace qv::standin

@@ -17,6 +17,7 @@ struct SessionRules {
   std::chrono::milliseconds idle_timeout;   // how long it may afterwards
   std::chrono::milliseconds statement_limit;
   std::uint64_t request_limit;  // the longest payload, in bytes
+  std::uint64_t upload_limit;   // the longest file that comes along with a command
   std::function<void(ServedCommand)> on_served;
   std::function<void()> on_malformed_frame;
 };

@@ -43,6 +43,7 @@ StandIn::StandIn(StandInOptions options)
              .idle_timeout = options_.idle_timeout,
              .statement_limit = options_.statement_limit,
              .request_limit = options_.request_limit,
+             .upload_limit = options_.upload_limit,
              .on_served = [this](ServedCommand served) { Remember(std::move(served)); },
              .on_malformed_frame = [this] { ++malformed_frames_; }} {}
 

@@ -35,6 +35,7 @@ struct StandInOptions {
   std::uint32_t memory_threshold = 256U << 10;
   std::uint64_t request_limit = 16ULL << 20;
   std::uint64_t answer_limit = 8ULL << 30;
+  std::uint64_t upload_limit = 8ULL << 30;
   std::size_t connection_limit = 64;
   std::chrono::milliseconds io_timeout{30'000};
   std::chrono::milliseconds idle_timeout{600'000};

@@ -61,6 +61,8 @@ int main(int argc, char** argv) {
   app.add_option("--port", options.port, "The port; 0 takes a free one")->capture_default_str();
   app.add_option("--http-port", options.http_port, "A port for HTTP as well; 0 takes a free one");
   app.add_option("--token", options.token, "What every request must carry");
+  app.add_option("--upload-limit", options.upload_limit, "The longest file that clients may send")
+      ->transform(CLI::AsSizeValue(false));
   app.add_option("--compress", compress, "Whether clients are told to ask for packed answers")
       ->check(CLI::IsMember({"on", "off"}));
   app.add_flag("--verbose", verbose, "Print a line for each request to standard error");

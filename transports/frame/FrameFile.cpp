@@ -26,14 +26,13 @@ std::optional<OutgoingFile> OutgoingFile::Open(const std::string& path) {
   if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
   const std::uintmax_t length = std::filesystem::file_size(path, error);
   if (error || length > kMaxFile) return std::nullopt;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
-  return OutgoingFile(std::move(file), length);
+  platform::FilePtr file(std::fopen(path.c_str(), "rb"));
+  if (file == nullptr) return std::nullopt;
+  return OutgoingFile({std::move(file), length});
 }
 
 bool OutgoingFile::Read(WritableBytes bytes) {
-  file_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  return file_.good();
+  return std::fread(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
 }
 
 IncomingFile::IncomingFile(std::string path)

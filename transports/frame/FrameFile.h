@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
-#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Frame.h"
+#include "platform/Folder.h"
 
 namespace qv {
 
@@ -17,16 +17,16 @@ class OutgoingFile {
  public:
   // Nothing when there is no regular file at `path` that can be read.
   [[nodiscard]] static std::optional<OutgoingFile> Open(const std::string& path);
+  // An opened one; it stands at its beginning.
+  explicit OutgoingFile(platform::OpenedFile opened)
+      : file_(std::move(opened.file)), length_(opened.size) {}
 
   [[nodiscard]] std::uint64_t Length() const { return length_; }
   // Fills `bytes` with what comes next. False when there is less.
   [[nodiscard]] bool Read(WritableBytes bytes);
 
  private:
-  OutgoingFile(std::ifstream file, std::uint64_t length)
-      : file_(std::move(file)), length_(length) {}
-
-  std::ifstream file_;
+  platform::FilePtr file_;
   std::uint64_t length_;
 };
 

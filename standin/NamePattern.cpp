@@ -1,0 +1,60 @@
+#include "NamePattern.h"
+
+#include <algorithm>
+
+namespace qv::standin {
+
+namespace {
+
+constexpr std::size_t kLongestPattern = 255;
+
+unsigned char Folded(char ch) {
+  return static_cast<unsigned char>(ch >= 'A' && ch <= 'Z' ? ch - 'A' + 'a' : ch);
+}
+
+// Where the character behind the one at `at` begins, in UTF-8.
+std::size_t BehindCharacter(std::string_view text, std::size_t at) {
+  do {
+    ++at;
+  } while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80);
+  return at;
+}
+
+}  // namespace
+
+bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  if (pattern == "*.*") return true;
+  if (pattern.size() > kLongestPattern) return false;
+  // The last star is the only one whose share of the name may have to grow.
+  std::size_t star = std::string_view::npos;
+  std::size_t behind_share = 0;
+  std::size_t at = 0;
+  std::size_t wanted = 0;
+  while (at < name.size()) {
+    const bool has_more = wanted < pattern.size();
+    if (has_more && pattern[wanted] == '*') {
+      star = wanted++;
+      behind_share = at;
+    } else if (has_more && pattern[wanted] == '?') {
+      at = BehindCharacter(name, at);
+      ++wanted;
+    } else if (has_more && Folded(pattern[wanted]) == Folded(name[at])) {
+      ++at;
+      ++wanted;
+    } else if (star != std::string_view::npos) {
+      at = behind_share = BehindCharacter(name, behind_share);
+      wanted = star + 1;
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', wanted) == std::string_view::npos;
+}
+
+bool NameComesBefore(std::string_view a, std::string_view b) {
+  const auto folded = [](char x, char y) { return Folded(x) < Folded(y); };
+  if (std::ranges::lexicographical_compare(a, b, folded)) return true;
+  return !std::ranges::lexicographical_compare(b, a, folded) && a < b;
+}
+
+}  // namespace qv::standin
