@@ -84,7 +84,9 @@ class StoreCommandLine {
           given.server_folder = TakenTyped(given.local.back(), true);
           given.local.pop_back();
         });
-    AddAll(put, up->local, "LOCAL... FOLDER")->expected(2, kAnyNumber);
+    AddAll(put, up->local, "LOCAL... FOLDER",
+           "Local files, and the folder of the server that they go to")
+        ->expected(2, kAnyNumber);
     put->add_flag("-r", up->recursive, "Send folders with all that is in them");
     auto [get, down] =
         Add<GetFiles>(kFiles, "get", "Fetch files into a local folder", [](auto& given) {
@@ -92,7 +94,9 @@ class StoreCommandLine {
           given.server.pop_back();
           for (std::string& path : given.server) path = TakenTyped(path, given.recursive);
         });
-    AddAll(get, down->server, "PATH... LOCALFOLDER")->expected(2, kAnyNumber);
+    AddAll(get, down->server, "PATH... LOCALFOLDER",
+           "Files on the server, and the local folder that they go to")
+        ->expected(2, kAnyNumber);
     get->add_flag("-r", down->recursive, "Fetch folders with all that is in them");
   }
 
@@ -152,8 +156,9 @@ class StoreCommandLine {
     return {added, command.get()};
   }
 
-  static CLI::Option* AddAll(CLI::App* command, std::vector<std::string>& words, const char* text) {
-    return command->add_option("paths", words)->required()->option_text(text);
+  static CLI::Option* AddAll(CLI::App* command, std::vector<std::string>& words, const char* text,
+                             const char* help = "") {
+    return command->add_option("paths", words, help)->required()->option_text(text);
   }
 
   template <class Command>

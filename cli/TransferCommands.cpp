@@ -58,8 +58,8 @@ bool IsThere(const std::string& server_folder, const Session& session, std::ostr
   return false;
 }
 
-void Fetch(const Files& files, const PartFolder& parts, TransferReport& report, std::ostream& err) {
-  TransferProgress progress(err, [&parts] { parts.Remove(); });
+void Fetch(const Files& files, const PartFolder& parts, TransferProgress& progress,
+           TransferReport& report) {
   for (const FileTransfer& file : files) {
     progress.Begin(Label(files, file), file.bytes);
     const int code = CRvoFile::DownLoadServerFile(parts.File().c_str(), file.server.c_str());
@@ -96,7 +96,8 @@ int Run(const Connection& connection, const GetFiles& command, std::ostream& /*o
     return kFailed;
   }
   TransferReport report(session, err);
-  Fetch(PlanDownload(command, report), *parts, report, err);
+  TransferProgress progress(err, [&parts] { parts->Remove(); });
+  Fetch(PlanDownload(command, report), *parts, progress, report);
   return report.Finish();
 }
 

@@ -2,6 +2,8 @@
 
 #include <fmt/ostream.h>
 
+#include <utility>
+
 #include "DisplayWidth.h"
 #include "ProgressLine.h"
 
@@ -18,8 +20,11 @@ void TransferReport::Fail(std::string_view subject, std::string_view reason) {
 }
 
 void TransferReport::Fail(std::string_view subject, Call call, int code) {
-  session_.PrintFailure(call, code, err_, subject);
-  failed_.emplace_back(subject);
+  const ReturnCode words = ExplainResult(call, session_.Way(), code);
+  Fail(subject, fmt::format("{} (result {})", words.meaning, code));
+  // Once for all files that one thing keeps from being moved.
+  if (std::exchange(last_advice_, words.advice) == words.advice) return;
+  fmt::print(err_, "  {}\n", words.advice);
 }
 
 int TransferReport::Finish(std::string_view remark) const {

@@ -28,6 +28,7 @@ class TransferReport {
   std::ostream& err_;
   std::size_t done_ = 0;
   std::uint64_t bytes_ = 0;
+  std::string_view last_advice_;
   std::vector<std::string> failed_;
 };
 
