@@ -47,7 +47,7 @@ Rows Users(const std::string& group) {
 
 int Show(const Session& session, const Rows& rows, const char* one, const char* more,
          std::ostream& out, std::ostream& err) {
-  if (rows.empty() && session.IsUnreachable()) {
+  if (rows.empty() && !session.Probe()) {
     session.PrintRefusal(Call::kLook, {}, err);
     return kFailed;
   }

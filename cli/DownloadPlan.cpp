@@ -74,8 +74,11 @@ class DownloadPlan {
       if (CanBeTaken(path, file.name)) AddFile(path, local / file.name, file.size);
       return entries_ <= kMostEntries;
     });
-    if (!is_whole) report_.Fail(server, "not all that is in it could be listed");
-    for (const ServerFolder& folder : FoldersIn(server)) {
+    const std::vector<ServerFolder> folders = FoldersIn(server);
+    if (!is_whole || CRvoServer::GetIsNetworkBad(1) == 1) {
+      report_.Fail(server.empty() ? "the store" : server, "not all that is in it could be listed");
+    }
+    for (const ServerFolder& folder : folders) {
       const std::string path = JoinServerPath(server, folder.name);
       if (CanBeTaken(path, folder.name)) AddFolder(path, local / folder.name);
       if (entries_ > kMostEntries) return;

@@ -56,12 +56,14 @@ bool ListInside(const ListFolder& command, Listing& listing) {
                      [&](const ServerFile& file) { return listing.Add(file); });
 }
 
-// An empty folder and none at all look the same from inside.
-bool IsThere(const ListFolder& command, Listing& listing) {
-  if (command.pattern.empty() && !command.path.empty()) {
+// An empty folder and none at all look the same from inside, and so does a store that the token is
+// not good for.
+bool IsThere(const ListFolder& command, const Session& session, Listing& listing) {
+  if (command.path.empty()) return session.Probe();
+  if (command.pattern.empty()) {
     if (const auto file = FindFile(command.path)) return listing.Add(*file);
   }
-  return command.path.empty() || FindFolder(command.path);
+  return FindFolder(command.path).has_value();
 }
 
 template <class Change>
@@ -87,7 +89,7 @@ int Run(const Connection& connection, const ListFolder& command, std::ostream& o
   if (!session.Start(err)) return kFailed;
   Listing listing(command.is_long, out);
   const bool is_whole = ListInside(command, listing);
-  if (session.IsUnreachable() || (listing.IsEmpty() && !IsThere(command, listing))) {
+  if (session.IsUnreachable() || (listing.IsEmpty() && !IsThere(command, session, listing))) {
     session.PrintRefusal(Call::kLook, command.path, err);
     return kFailed;
   }

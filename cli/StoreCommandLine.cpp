@@ -13,6 +13,8 @@ namespace {
 
 // What the library sends of a text for the log.
 constexpr std::size_t kLongestLogText = 10238;
+// Longer than any path.
+constexpr std::size_t kLongestWord = 4096;
 constexpr int kAnyNumber = CLI::detail::expected_max_vector_size;
 
 constexpr const char kFiles[] = "Files and folders on the server";
@@ -158,7 +160,10 @@ class StoreCommandLine {
 
   static CLI::Option* AddAll(CLI::App* command, std::vector<std::string>& words, const char* text,
                              const char* help = "") {
-    return command->add_option("paths", words, help)->required()->option_text(text);
+    return command->add_option("paths", words, help)
+        ->required()
+        ->check(Length(kLongestWord))
+        ->option_text(text);
   }
 
   template <class Command>

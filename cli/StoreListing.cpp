@@ -42,6 +42,12 @@ auto Taken(Record* array, int count, Read read) {
   return taken;
 }
 
+// An answer that was lost on its way looks like an empty folder, whose files nobody would miss:
+// only what is empty twice is.
+bool AskUntilSomeCame(const std::function<bool()>& ask) {
+  return ask() || (CRvoServer::GetIsNetworkBad(1) == 0 && ask());
+}
+
 // How many records of a page were taken; none when something is wrong with it.
 int TakePage(const CQvRvoBuf& page, const std::function<bool(const ServerFile&)>& take) {
   CZelkorSvrFileInfo record;
@@ -64,9 +70,13 @@ std::vector<SubStore> SubStoresLike(const std::string& pattern) {
 }
 
 std::vector<ServerFolder> FoldersIn(const std::string& path) {
-  int count = 0;
-  CZelkorSvrFolderInfo* const array = CRvoFolder::GetChildFolderInfo(count, path.c_str());
-  std::vector<ServerFolder> folders = Taken(array, count, FolderFrom);
+  std::vector<ServerFolder> folders;
+  AskUntilSomeCame([&] {
+    int count = 0;
+    CZelkorSvrFolderInfo* const array = CRvoFolder::GetChildFolderInfo(count, path.c_str());
+    folders = Taken(array, count, FolderFrom);
+    return !folders.empty();
+  });
   std::sort(folders.begin(), folders.end(),
             [](const ServerFolder& a, const ServerFolder& b) { return a.name < b.name; });
   return folders;
@@ -78,11 +88,12 @@ bool ForEachFile(const std::string& path, const std::string& pattern,
   for (int from = 0; from <= kLastStart;) {
     CQvRvoBuf page;
     int count = 0;
-    if (CRvoFolderEx::GetMatchFilesInFolderEx(path.c_str(), pattern.c_str(), count, 0, 0, from,
-                                              from + kPage - 1, &page) != 1) {
-      // Files may go while they are listed.
-      return from == 0 ? count == 0 : count > 0 && count <= from;
-    }
+    const bool came = AskUntilSomeCame([&] {
+      return CRvoFolderEx::GetMatchFilesInFolderEx(path.c_str(), pattern.c_str(), count, 0, 0, from,
+                                                   from + kPage - 1, &page) == 1;
+    });
+    // Files may go while they are listed.
+    if (!came) return from == 0 ? count == 0 : count > 0 && count <= from;
     const int taken = TakePage(page, take);
     if (taken == 0) return false;
     from += taken;

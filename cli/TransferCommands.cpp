@@ -49,7 +49,7 @@ void Send(const Files& files, TransferReport& report, std::ostream& err) {
 // Or each file would be sent for nothing.
 bool IsThere(const std::string& server_folder, const Session& session, std::ostream& err) {
   if (server_folder.empty() || FindFolder(server_folder)) return true;
-  if (session.IsUnreachable()) {
+  if (!session.Probe()) {
     session.PrintRefusal(Call::kLook, {}, err);
   } else {
     fmt::print(err, "qvcall: {}: the server has no such folder; make it with `qvcall mkdir`\n",
@@ -97,7 +97,10 @@ int Run(const Connection& connection, const GetFiles& command, std::ostream& /*o
   }
   TransferReport report(session, err);
   TransferProgress progress(err, [&parts] { parts->Remove(); });
-  Fetch(PlanDownload(command, report), *parts, progress, report);
+  const Files files = PlanDownload(command, report);
+  // Nothing is also what a server shows without a good token.
+  if (files.empty() && !session.Probe()) report.Fail(session.Address(), Call::kDownload, 1);
+  Fetch(files, *parts, progress, report);
   return report.Finish();
 }
 

@@ -13,6 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kNotReached = -1;
+
 // What a path ends with once it is clear where it leads, as it is not for "..".
 std::string NameOf(const fs::path& local) {
   std::error_code error;
@@ -53,6 +55,8 @@ class UploadPlan {
       report_.Fail(local.string(), "is a folder, which is only sent with -r");
     } else if (CRvoFolder::NewOneFolder(server.c_str()) == 1 || FindFolder(server)) {
       AddInside(local, server);
+    } else if (CRvoServer::GetIsNetworkBad(1) == 1) {
+      report_.Fail(local.string(), Call::kUpload, kNotReached);
     } else {
       report_.Fail(local.string(), "the server has no folder for it and makes none");
     }
