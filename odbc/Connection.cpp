@@ -1,6 +1,7 @@
 #include "Connection.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "DriverCalls.h"
 
@@ -12,6 +13,42 @@ SQLPOINTER AsValue(std::uintptr_t value) { return reinterpret_cast<SQLPOINTER>(v
 
 bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0; });
+}
+
+char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+// The length of the value that `rest` begins with. One in braces may hold ";", and "}" by doubling
+// it.
+std::size_t ValueLength(std::string_view rest) {
+  std::size_t close = 0;
+  if (rest.starts_with('{')) {
+    close = rest.find('}');
+    while (close < rest.size() && rest.substr(close).starts_with("}}")) {
+      close = rest.find('}', close + 2);
+    }
+  }
+  return std::min(rest.find(';', close), rest.size());
+}
+
+// Driver managers copy the driver's name into a fixed buffer, of 1001 bytes in unixODBC, without a
+// look at its length; and some texts come from servers.
+bool HasLongDriver(std::string_view text) {
+  constexpr std::string_view kKeyword = "driver";
+  constexpr std::size_t kLongest = 512;
+  std::string lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(), ToLower);
+  const std::string_view all = lower;
+  for (std::size_t at = 0; (at = all.find(kKeyword, at)) != std::string_view::npos;) {
+    at += kKeyword.size();
+    const std::size_t value = std::min(all.find_first_not_of(" \t=", at), all.size());
+    if (ValueLength(all.substr(value)) > kLongest) return true;
+  }
+  return false;
+}
+
+bool IsTooLong(std::string_view text) {
+  constexpr std::size_t kLongest = std::numeric_limits<SQLSMALLINT>::max();
+  return text.size() > kLongest || HasLongDriver(text);
 }
 
 }  // namespace
@@ -47,6 +84,11 @@ bool Connection::Prepare(Diagnostics& diagnostics) {
 }
 
 bool Connection::Connect(std::string_view text, Diagnostics& diagnostics) {
+  if (IsTooLong(text)) {
+    diagnostics.push_back(
+        {kTextTooLong, 0, "the connection text or its driver's name is too long"});
+    return false;
+  }
   // What kind of driver it is shows only when it is connected. Plain ASCII reaches both kinds
   // unharmed; any other text reaches a narrow driver only by the narrow call, and a wide one only
   // by the wide call.

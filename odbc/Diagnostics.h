@@ -11,7 +11,8 @@ namespace qv::odbc {
 constexpr const char kNotText[] = "22021";      // what was given is no text of the code page
 constexpr const char kCellTooLong[] = "22001";  // a cell is longer than the connection allows
 constexpr const char kCancelled[] = "HY008";
-constexpr const char kNoReason[] = "HY000";  // nothing was said
+constexpr const char kTextTooLong[] = "HY090";  // more than can be passed to the driver manager
+constexpr const char kNoReason[] = "HY000";     // nothing was said
 
 struct Diagnostic {
   std::string state;  // the five characters of the SQLSTATE

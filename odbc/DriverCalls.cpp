@@ -107,8 +107,6 @@ std::optional<DriverText> DriverText::From(std::string_view text, Encoding encod
 }
 
 SQLRETURN DriverText::Connect(SQLHDBC connection) {
-  constexpr std::size_t kLongest = std::numeric_limits<SQLSMALLINT>::max();
-  if (std::max(wide_.size(), narrow_.size()) > kLongest) return SQL_ERROR;
   if (encoding_ == Encoding::kWide) {
     return SQLDriverConnectW(connection, nullptr, ToDriver(wide_.data()),
                              static_cast<SQLSMALLINT>(wide_.size()), nullptr, 0, nullptr,

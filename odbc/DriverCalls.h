@@ -30,6 +30,7 @@ class DriverText {
   [[nodiscard]] static std::optional<DriverText> From(std::string_view text, Encoding encoding,
                                                       Diagnostics& diagnostics);
 
+  // For a text of at most 32767 bytes.
   [[nodiscard]] SQLRETURN Connect(SQLHDBC connection);
   [[nodiscard]] SQLRETURN Execute(SQLHSTMT statement);
   // Binds the text, which has to stay where it is while the statement runs.

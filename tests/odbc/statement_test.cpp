@@ -150,8 +150,10 @@ TEST_F(Statements, SayWhyTheyFail) {
   EXPECT_TRUE(statement.Execute("select 1", said_));  // and can be used again
 
   const std::string long_text = "Driver=SQLite3;Database=" + std::string(100000, 'x');
-  for (const std::string& text : {std::string("Driver=None there"), std::string(), long_text,
-                                  std::string("Driver=SQLite3;Database=/不存在/x.db")}) {
+  const std::string long_driver = "DRIVER = {;}}" + std::string(2000, 'x');
+  for (const std::string& text :
+       {std::string("Driver=None there"), std::string(), long_text, long_driver,
+        std::string("Driver=SQLite3;Database=/不存在/x.db")}) {
     said_.clear();
     EXPECT_EQ(Connection::Open(text, {}, said_), nullptr);
     EXPECT_THAT(said_, Not(IsEmpty()));
