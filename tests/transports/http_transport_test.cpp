@@ -150,6 +150,7 @@ TEST_F(HttpTransport, AnswersGiveTheirCodeAndBrokenOnesLeaveNothing) {
       {"a negative length", "HTTP/1.1 200 OK\r\nContent-Length: -5\r\n\r\n" + right, -3},
       {"a flood of headers", HttpAnswer(right, flood("A: 0123456789\r\n", 5000)), -3},
       {"a long header", HttpAnswer(right, "A: " + std::string(70'000, 'a') + "\r\n"), -3},
+      {"one too long to read", HttpAnswer(right, "A: " + std::string(150'000, 'a') + "\r\n"), -3},
       {"statuses without end", flood("HTTP/1.1 100 Continue\r\n\r\n", 5000) + answer, -3},
   };
   for (const auto& one : cases) {

@@ -133,6 +133,9 @@ FrameStatus HttpStream::Failure() const {
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
       return FrameStatus::kMalformed;
+    case CURLE_OUT_OF_MEMORY:
+      // Also what libcurl says of a header line that is longer than it takes.
+      return has_all_headers_ ? FrameStatus::kConnectionLost : FrameStatus::kMalformed;
     default:
       return FrameStatus::kConnectionLost;
   }
