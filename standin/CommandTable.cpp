@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "DirectoryCommands.h"
 #include "FileCommands.h"
 #include "FolderCommands.h"
 #include "IdFileCommands.h"
@@ -53,6 +54,14 @@ constexpr std::array kCommands{
     Command{6031, SendPackedChecksum},  // pack, name, id         checksum, size; or text
     Command{6032, SendIdChecksum},      // name, id               checksum, size; or text
     Command{6033, SendIdPath},          // name, id               path; or text
+    // In place of the status a number, "0", or "-3" and a text; numbers are decimal texts.
+    Command{6015, ListGroups},       // pattern                     records, when there are any
+    Command{6016, ListGroupUsers},   // group                       records, when there are any
+    Command{6017, MakeDepartment},   // number
+    Command{6018, MakeGroup},        // name, kind, department id
+    Command{6019, AddUsersToGroup},  // group, users, number
+    Command{6020, ListUsers},        //                             records, when there are any
+    Command{6021, MakeUser},         // login, display name, mode
 };
 
 const Command* Find(std::uint32_t code) {

@@ -38,6 +38,11 @@ void RemoveFilesIn(const std::string& folder) {
   }
 }
 
+Outcome MakeMissing(const SampleDatabase& sample, const std::string& file) {
+  std::error_code error;
+  return std::filesystem::exists(file, error) ? Outcome() : CreateSample(sample, file);
+}
+
 }  // namespace
 
 bool IsDatabaseName(std::string_view name) {
@@ -68,11 +73,9 @@ Outcome DataFolder::MakeSamples() const {
   for (const SampleDatabase& sample : SampleDatabases()) {
     const DatabaseSettings* const settings = SettingsOf(sample.name);
     if (settings != nullptr && !settings->odbc.empty()) continue;
-    const std::string file = DatabaseFile(sample.name);
-    std::error_code error;
-    if (std::filesystem::exists(file, error)) continue;
-    if (Outcome made = CreateSample(sample, file); !made.Ok()) return made;
+    if (Outcome made = MakeMissing(sample, DatabaseFile(sample.name)); !made.Ok()) return made;
   }
+  if (Outcome made = MakeMissing(SampleDirectory(), DirectoryFile()); !made.Ok()) return made;
   const std::string files = (std::filesystem::path(path_) / kFiles).string();
   std::error_code error;
   return std::filesystem::exists(files, error) ? Outcome{} : CreateSampleFiles(files);
@@ -127,6 +130,10 @@ std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& lim
   return SqliteDatabase::Open(DatabaseFile(name), limit);
 }
 
+std::unique_ptr<Directory> DataFolder::OpenDirectory(WorkLimit& limit) const {
+  return Directory::Open(DirectoryFile(), limit);
+}
+
 const std::string* DataFolder::ConnectionText(std::string_view name) const {
   const DatabaseSettings* const settings = SettingsOf(name);
   if (settings == nullptr || settings->connection_text.empty()) return nullptr;
@@ -148,6 +155,10 @@ std::string DataFolder::IncomingFolder() const {
 
 std::string DataFolder::DatabaseFile(std::string_view name) const {
   return (std::filesystem::path(path_) / "db" / (std::string(name) + ".sqlite")).string();
+}
+
+std::string DataFolder::DirectoryFile() const {
+  return (std::filesystem::path(path_) / "directory.sqlite").string();
 }
 
 }  // namespace qv::standin

@@ -2,8 +2,6 @@
 // way in and out.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,16 +9,18 @@
 
 #include "Database.h"
 #include "DatabaseSettings.h"
+#include "Directory.h"
 #include "FileStore.h"
 #include "IdStore.h"
+#include "SqliteConnection.h"
 #include "WorkLimit.h"
 
 namespace qv::standin {
 
 // Under the folder: db/NAME.sqlite for each logical database, databases.json for those that live
-// elsewhere, answers/ for what is too large for a reply, files/ and ids/ for the files of clients,
-// incoming/ for those that are not whole yet. What Prepare has set up may then be used from any
-// thread.
+// elsewhere, directory.sqlite, answers/ for what is too large for a reply, files/ and ids/ for the
+// files of clients, incoming/ for those that are not whole yet. What Prepare has set up may then be
+// used from any thread.
 class DataFolder {
  public:
   explicit DataFolder(std::string path) : path_(std::move(path)) {}
@@ -39,6 +39,9 @@ class DataFolder {
   // What clients connect with to work on the database themselves; null when there is no such text.
   [[nodiscard]] const std::string* ConnectionText(std::string_view name) const;
 
+  // The groups, users and departments; null when they cannot be had. `limit` outlives it.
+  [[nodiscard]] std::unique_ptr<Directory> OpenDirectory(WorkLimit& limit) const;
+
   // With a separator at its end.
   [[nodiscard]] std::string AnswerFolder() const;
   [[nodiscard]] std::string IncomingFolder() const;
@@ -48,21 +51,18 @@ class DataFolder {
   IdStore& Ids() { return *ids_; }
 
  private:
-  struct Closer {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-  };
-
   Outcome Lock();
   Outcome MakeSamples() const;
   Outcome OpenStores();
   [[nodiscard]] const DatabaseSettings* SettingsOf(std::string_view name) const;
   [[nodiscard]] std::string DatabaseFile(std::string_view name) const;
+  [[nodiscard]] std::string DirectoryFile() const;
 
   std::string path_;
   DatabaseSettingsByName settings_;
   std::optional<FileStore> files_;
   std::optional<IdStore> ids_;
-  std::unique_ptr<sqlite3, Closer> lock_;  // an open transaction, which ends with the process too
+  SqliteConnection lock_;  // an open transaction, which ends with the process too
 };
 
 // Whether a client may name a database so: letters, digits, "_" and "-", at most 64 of them. So a

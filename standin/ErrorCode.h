@@ -25,7 +25,8 @@ enum class ErrorCode : std::int32_t {
   kBadPack = 23,      // no pack file, or a damaged one
 };
 
-// What came of a piece of work; the text is for the server's own log, never for the wire.
+// What came of a piece of work; the text is for the server's own log, and for the wire only
+// where the command's own description says so.
 struct [[nodiscard]] Outcome {
   ErrorCode code = ErrorCode::kNone;
   std::string text;

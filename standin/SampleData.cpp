@@ -1,10 +1,8 @@
 #include "SampleData.h"
 
-#include <sqlite3.h>
-
 #include <cstdio>
-#include <memory>
 
+#include "SqliteConnection.h"
 #include "platform/Platform.h"
 
 namespace qv::standin {
@@ -14,14 +12,10 @@ namespace {
 // Readers and a writer at once; the mode stays with the file.
 constexpr const char* kAfterwards = "PRAGMA journal_mode = WAL";
 
-struct Closer {
-  void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-};
-
 Outcome RunScript(const std::string& file, const std::string& script) {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open(file.c_str(), &opened);
-  const std::unique_ptr<sqlite3, Closer> connection(opened);
+  const SqliteConnection connection(opened);
   if (code != SQLITE_OK) return {ErrorCode::kNoDatabase, "cannot make " + file};
   for (const std::string& part : {"BEGIN;" + script + ";COMMIT", std::string(kAfterwards)}) {
     if (sqlite3_exec(connection.get(), part.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {

@@ -14,6 +14,8 @@ struct SampleDatabase {
 };
 
 [[nodiscard]] std::span<const SampleDatabase> SampleDatabases();
+// The groups, users and departments, which no client reaches as a database.
+[[nodiscard]] const SampleDatabase& SampleDirectory();
 
 // Makes the database at `file`: whole, or not at all.
 Outcome CreateSample(const SampleDatabase& sample, const std::string& file);

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <limits>
 #include <string_view>
-#include <thread>
+#include <utility>
 
 #include "BoundedFunctions.h"
 #include "SqliteCells.h"
@@ -15,8 +14,6 @@ namespace qv::standin {
 
 namespace {
 
-constexpr int kStepsBetweenChecks = 100;
-constexpr std::chrono::milliseconds kBusyPause{5};
 // No cell or result of a function may be longer: a function cannot be cut short.
 constexpr int kLongestCell = 1 << 20;
 
@@ -45,16 +42,14 @@ bool IsRefused(int action, const char* function) {
 }  // namespace
 
 std::unique_ptr<SqliteDatabase> SqliteDatabase::Open(const std::string& path, WorkLimit& limit) {
-  sqlite3* connection = nullptr;
-  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
-  const int code = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
-  std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(connection, limit));
-  if (code != SQLITE_OK) return nullptr;
+  SqliteConnection connection = OpenSqlite(path, limit);
+  if (connection == nullptr) return nullptr;
+  std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(std::move(connection), limit));
   return database->Confine() ? std::move(database) : nullptr;
 }
 
-SqliteDatabase::SqliteDatabase(sqlite3* connection, WorkLimit& limit)
-    : connection_(connection), limit_(limit) {}
+SqliteDatabase::SqliteDatabase(SqliteConnection connection, WorkLimit& limit)
+    : connection_(std::move(connection)), limit_(limit) {}
 
 bool SqliteDatabase::Confine() {
   sqlite3* const connection = connection_.get();
@@ -62,14 +57,6 @@ bool SqliteDatabase::Confine() {
   sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestCell);
   sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
-  const auto over = [](void* limit) { return static_cast<WorkLimit*>(limit)->IsOver() ? 1 : 0; };
-  sqlite3_progress_handler(connection, kStepsBetweenChecks, over, &limit_);
-  const auto wait = [](void* limit, int) {
-    if (static_cast<WorkLimit*>(limit)->IsOver()) return 0;
-    std::this_thread::sleep_for(kBusyPause);
-    return 1;
-  };
-  sqlite3_busy_handler(connection, wait, &limit_);
   const auto authorize = [](void* self, int action, const char*, const char* function, const char*,
                             const char*) {
     const bool trusted = static_cast<SqliteDatabase*>(self)->trusted_;
@@ -83,7 +70,7 @@ Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
   const std::string text = WithPlainTableNames(sql);
   const char* rest = text.c_str();
   const char* const end = rest + text.size();
-  Statement statement;
+  SqliteStatement statement;
   if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
   if (statement == nullptr) return {ErrorCode::kSqlFailed, "there is no statement"};
   if (HasMore(rest, end)) return {ErrorCode::kNotPermitted, "a query is one statement"};
@@ -115,7 +102,7 @@ Outcome SqliteDatabase::Call(const ProcedureCall& call, RowSink& sink) {
 
 // Steps over what holds no statement: blanks, comments, lone semicolons. What lies behind a NUL is
 // no text any more.
-int SqliteDatabase::Prepare(const char*& text, const char* end, Statement& statement) {
+int SqliteDatabase::Prepare(const char*& text, const char* end, SqliteStatement& statement) {
   statement.reset();
   while (*text != '\0' && statement == nullptr) {
     sqlite3_stmt* prepared = nullptr;
@@ -132,7 +119,7 @@ int SqliteDatabase::Prepare(const char*& text, const char* end, Statement& state
 
 // A statement that does not compile yet may do so once those before it have run, so it counts.
 bool SqliteDatabase::HasMore(const char* text, const char* end) {
-  Statement next;
+  SqliteStatement next;
   return Prepare(text, end, next) != SQLITE_OK || next != nullptr;
 }
 
@@ -141,7 +128,7 @@ Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSin
   const std::string text = WithPlainTableNames(sql);
   const char* rest = text.c_str();
   const char* const end = rest + text.size();
-  Statement statement;
+  SqliteStatement statement;
   bool more = HasMore(rest, end);
   if (!more) return {ErrorCode::kSqlFailed, "there is no statement"};
   while (more) {
@@ -193,7 +180,7 @@ Outcome SqliteDatabase::ReadProcedure(const std::string& name, std::string& sql)
   const std::string text =
       std::string("SELECT sql FROM ") + kProcedureTable + " WHERE name = ?1 COLLATE NOCASE";
   const char* rest = text.c_str();
-  Statement statement;
+  SqliteStatement statement;
   if (Prepare(rest, rest + text.size(), statement) != SQLITE_OK) return unknown;
   const int bound = BindArgument(statement.get(), 1, name);
   if (bound != SQLITE_OK) return Failure(bound);
@@ -226,18 +213,6 @@ Outcome SqliteDatabase::EndTransaction(Outcome outcome) {
   return outcome;
 }
 
-Outcome SqliteDatabase::Failure(int code) {
-  const char* const text = sqlite3_errmsg(connection_.get());
-  if (limit_.Reason() != ErrorCode::kNone) return {limit_.Reason(), "cut off"};
-  switch (code & 0xff) {
-    case SQLITE_AUTH:
-      return {ErrorCode::kNotPermitted, text};
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return {ErrorCode::kBusy, text};
-    default:
-      return {ErrorCode::kSqlFailed, text};
-  }
-}
+Outcome SqliteDatabase::Failure(int code) { return SqliteFailure(connection_.get(), code, limit_); }
 
 }  // namespace qv::standin

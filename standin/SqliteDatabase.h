@@ -7,6 +7,7 @@
 #include <span>
 
 #include "Database.h"
+#include "SqliteConnection.h"
 #include "WorkLimit.h"
 
 namespace qv::standin {
@@ -28,18 +29,13 @@ class SqliteDatabase : public Database {
   Outcome Call(const ProcedureCall& call, RowSink& sink) override;
 
  private:
-  struct Closer {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-  };
-  using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
   using Arguments = std::span<const ProcedureCall::Argument>;
 
-  SqliteDatabase(sqlite3* connection, WorkLimit& limit);
+  SqliteDatabase(SqliteConnection connection, WorkLimit& limit);
 
   [[nodiscard]] bool Confine();
   // Prepares the next statement of a text that a NUL at `end` closes; null behind the last.
-  [[nodiscard]] int Prepare(const char*& text, const char* end, Statement& statement);
+  [[nodiscard]] int Prepare(const char*& text, const char* end, SqliteStatement& statement);
   [[nodiscard]] bool HasMore(const char* text, const char* end);
   Outcome RunAll(std::string_view sql, Arguments arguments, RowSink* sink);
   Outcome Step(sqlite3_stmt* statement);
@@ -51,7 +47,7 @@ class SqliteDatabase : public Database {
   Outcome EndTransaction(Outcome outcome);
   [[nodiscard]] Outcome Failure(int code);
 
-  std::unique_ptr<sqlite3, Closer> connection_;
+  SqliteConnection connection_;
   WorkLimit& limit_;
   bool trusted_ = false;  // the statement being prepared is the server's own
 };

@@ -198,7 +198,7 @@ TEST_F(CommandsTest, HostileRequestsAreFailures) {
     }
   }
   EXPECT_THAT(Refusal(Ask(4, {"text"})), ElementsAre(1));
-  EXPECT_THAT(Refusal(Ask(6015, {})), ElementsAre(2));
+  EXPECT_THAT(Refusal(Ask(9999, {})), ElementsAre(2));
 }
 
 TEST_F(CommandsTest, FunctionsWithBoundsAnswerAsTheOnesTheyReplace) {

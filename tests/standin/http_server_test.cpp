@@ -123,7 +123,7 @@ TEST_F(HttpServerTest, KeepsTheConnectionAndAnswersInOrder) {
   Start();
   HttpClient client = Client();
   const std::string path = (folder_.Path() / "answer").string();
-  client.Send(Call(FrameOf(200, {"DESIGNDB", "select * from parts"})) + Call(FrameOf(6015, {})) +
+  client.Send(Call(FrameOf(200, {"DESIGNDB", "select * from parts"})) + Call(FrameOf(9999, {})) +
               "HEAD / HTTP/1.1\r\n" + kHost + "\r\n" + Call(kPing));
   EXPECT_EQ(client.Receive().Fields(path).at(2), "FILE");
   EXPECT_THAT(BytesOf(path), testing::EndsWith("</DataSet>\n"));

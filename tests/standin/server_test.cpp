@@ -90,7 +90,7 @@ TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
   Connection client(server_->Port());
   const std::string slow = "with recursive n(i) as (select 1 union all select i + 1 from n limit ";
   ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", slow + "300000) select count(*) from n"})));
-  ASSERT_TRUE(client.Send(FrameOf(3, {})) && client.Send(FrameOf(6015, {})));
+  ASSERT_TRUE(client.Send(FrameOf(3, {})) && client.Send(FrameOf(9999, {})));
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "FAILURE");
