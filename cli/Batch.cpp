@@ -95,7 +95,7 @@ int RunBatch(const Connection& connection, const BatchOptions& options, std::ist
              std::ostream& err) {
   const std::optional<std::string> script = ReadScript(options.file, in);
   if (!script) {
-    fmt::print(err, "qvcall: {} cannot be read\n",
+    fmt::print(err, "qvcall: {} cannot be read, or is over 64 MB\n",
                options.file == "-" ? "standard input" : options.file);
     return kFailed;
   }

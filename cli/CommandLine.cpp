@@ -1,7 +1,6 @@
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
-#include <limits>
 #include <map>
 #include <ostream>
 #include <string>
@@ -11,6 +10,8 @@
 
 namespace qv {
 namespace {
+
+constexpr int kLongestTimeout = 3600000;  // an hour; the transports take no more
 
 const std::map<std::string, Format> kFormats = {
     {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
@@ -47,7 +48,7 @@ void AddServer(CLI::App& app, Connection& connection) {
       ->check(CLI::ExistingFile);
   app.add_option("--timeout-ms", connection.timeout_ms,
                  "Longest time to connect, and to wait without progress, in milliseconds")
-      ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+      ->check(CLI::Range(1, kLongestTimeout));
 }
 
 void AddDirect(CLI::App& app, std::string& connection_text) {

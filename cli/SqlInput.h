@@ -7,7 +7,7 @@
 
 namespace qv {
 
-// All that `in` still has; none when it cannot be read.
+// All that `in` still has; none when it cannot be read, or is over 64 MiB.
 [[nodiscard]] std::optional<std::string> ReadAll(std::istream& in);
 
 // The statement that a command was given, or that `in` has when that is "-". Gives an exit status,
