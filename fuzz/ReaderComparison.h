@@ -3,9 +3,9 @@
 
 #include <string>
 
+#include "ReferenceReader.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/TempFileInfo.h"
-#include "tests/support/ReferenceReader.h"
 
 namespace qv {
 

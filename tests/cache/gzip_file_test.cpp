@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "PackedFile.h"
+#include "tests/support/Gzip.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
@@ -12,8 +12,6 @@ namespace {
 
 class GzipFile : public testing::Test {
  protected:
-  std::string Packed(const std::string& text) { return BytesOf(PackedFile(folder_, text)); }
-
   int Unpack(const std::string& bytes) {
     return GunzipFile(folder_.Write("source.gz", bytes), target_);
   }
@@ -32,16 +30,16 @@ std::string LongText() {
 TEST_F(GzipFile, UnpacksWholeFilesOfOneOrMoreMembers) {
   const std::string text = LongText();
   folder_.Write("target.xml", std::string(1'000'000, '?'));
-  EXPECT_EQ(Unpack(Packed(text)), 0);
+  EXPECT_EQ(Unpack(Gzipped(text)), 0);
   EXPECT_EQ(BytesOf(target_), text);
-  EXPECT_EQ(Unpack(Packed("one,") + Packed("") + Packed("two")), 0);
+  EXPECT_EQ(Unpack(Gzipped("one,") + Gzipped("") + Gzipped("two")), 0);
   EXPECT_EQ(BytesOf(target_), "one,two");
-  EXPECT_EQ(Unpack(Packed("") + "more"), 0) << "which begins no member";
+  EXPECT_EQ(Unpack(Gzipped("") + "more"), 0) << "which begins no member";
   EXPECT_EQ(BytesOf(target_), "");
 }
 
 TEST_F(GzipFile, RefusesWhatIsNotWhole) {
-  const std::string good = Packed(LongText());
+  const std::string good = Gzipped(LongText());
   std::string bad_checksum = good;
   bad_checksum[good.size() - 8] ^= 1;
   std::string bad_length = good;
@@ -56,7 +54,7 @@ TEST_F(GzipFile, RefusesWhatIsNotWhole) {
 }
 
 TEST_F(GzipFile, TellsWhichFileIsToBlame) {
-  const std::string good = folder_.Write("source.gz", Packed("text"));
+  const std::string good = folder_.Write("source.gz", Gzipped("text"));
   EXPECT_EQ(GunzipFile(std::string(1024, 'x'), target_), -1);
   EXPECT_EQ(GunzipFile(std::string(1023, 'x'), target_), -2);
   EXPECT_EQ(GunzipFile(good, target_, 4), 0);

@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
-#include "PackedFile.h"
 #include "platform/Platform.h"
+#include "tests/support/Gzip.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
@@ -82,7 +82,7 @@ TEST_F(QueryCacheTest, KeepsTheNewestAnswerOfEachKey) {
   EXPECT_EQ(Found("key"), "-");
   EXPECT_TRUE(Store("key", "first"));
   EXPECT_TRUE(Store("other", ""));
-  EXPECT_TRUE(cache_.Store("key", PackedFile(folder_, "second"), kCacheGzip));
+  EXPECT_TRUE(cache_.Store("key", folder_.Write("answer", Gzipped("second")), kCacheGzip));
   EXPECT_EQ(Files().size(), 2u) << "the first answer's file goes";
   EXPECT_EQ(Found("key"), "second");
   EXPECT_EQ(Found("key"), "second") << "the copy was the caller's";
@@ -114,7 +114,7 @@ TEST_F(QueryCacheTest, ForgetsADamagedAnswerOnly) {
   ASSERT_TRUE(cache_.Store("bad", folder_.Write("answer", "not gzip"), kCacheGzip));
   EXPECT_EQ(Found("bad"), "-");
   EXPECT_EQ(Files().size(), 1u);
-  ASSERT_TRUE(cache_.Store("packed", PackedFile(folder_, "text"), kCacheGzip));
+  ASSERT_TRUE(cache_.Store("packed", folder_.Write("answer", Gzipped("text")), kCacheGzip));
   for (const char* const key : {"good", "packed"}) {
     EXPECT_FALSE(cache_.Find(key, copies_ + "/missing")) << "not the answer's fault";
     EXPECT_EQ(Found(key), "text");
@@ -249,8 +249,7 @@ TEST_F(QueryCacheTest, GivesWholeAnswersToManyThreadsAndPrograms) {
     const std::string text(kLength, letter);
     const int flag = letter % 2 == 0 ? kCacheGzip : kCachePlain;
     const std::string source =
-        folder_.Write(std::string("answer ") + letter,
-                      flag == kCacheGzip ? BytesOf(PackedFile(folder_, text)) : text);
+        folder_.Write(std::string("answer ") + letter, flag == kCacheGzip ? Gzipped(text) : text);
     threads.emplace_back([this, &cache, source, flag] {
       for (int i = 0; i < 24; ++i) {
         const std::string key = std::to_string(i % 2);

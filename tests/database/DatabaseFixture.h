@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <zlib.h>
 
 #include <filesystem>
 #include <optional>
@@ -10,10 +9,8 @@
 #include <vector>
 
 #include "qvnetcall/RvoDatabase.h"
-#include "qvnetcall/RvoServer.h"
-#include "server/ModuleState.h"
-#include "tests/support/ScriptedTransport.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/Gzip.h"
+#include "tests/support/ModuleTest.h"
 
 namespace qv {
 
@@ -53,15 +50,6 @@ inline std::string DataSet(const std::string& name, const std::string& value) {
          name + ">" + value + "</" + name + "></Row>";
 }
 
-inline std::string Gzip(const std::string& bytes) {
-  const TempFolder folder;
-  const std::string path = (folder.Path() / "x.gz").string();
-  gzFile file = gzopen(path.c_str(), "wb");
-  gzwrite(file, bytes.data(), static_cast<unsigned>(bytes.size()));
-  gzclose(file);
-  return BytesOf(path);
-}
-
 class FakeLocalDatabase : public LocalDatabase {
  public:
   int Open(const char* database, const char* connection) override {
@@ -94,16 +82,12 @@ struct Settings {
   std::string domain = "0";
 };
 
-class DatabaseFixture : public testing::Test {
+class DatabaseFixture : public ModuleTest {
  protected:
   DatabaseFixture() {
-    transport_.Reset();
-    state_.Reset();
-    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
     UseServerType("TCP_IP");
     std::filesystem::create_directory(folder_.Path() / "temp");
     CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp/").c_str(), "bin", "dat");
-    CRvoServer::SetConinfo("main", 4000);
     answer_ = Memory(Rowset({{"A", "from server"}}));
     transport_.handler = [this](const SentRequest& request, ScriptedReply& reply) {
       if (!IsSettings(request)) {
@@ -135,9 +119,6 @@ class DatabaseFixture : public testing::Test {
     EXPECT_EQ(request.reply_file_flag, 0);
   }
 
-  void UseServerType(const std::string& type) {
-    folder_.Write("QvNetClient.ini", "[Basic]\nServerType=" + type + "\n");
-  }
   std::string SettingsRow() const {
     return Rowset({{"CI_ServerSetCache", settings_.cache},
                    {"CI_ServerCompress", settings_.compress},
@@ -169,9 +150,6 @@ class DatabaseFixture : public testing::Test {
     return commands;
   }
 
-  TempFolder folder_;
-  ScriptedTransport& transport_ = ScriptedTransport::Get();
-  ModuleState& state_ = ModuleState::Get();
   Settings settings_;
   ScriptedReply answer_;
   int answer_result_ = 0;

@@ -41,7 +41,7 @@ TEST_F(SelectSql, AsksForCompressionByCommandOrByArgument) {
 
   UseServerType("Web_Iis");
   CRvoServer::SetConinfo("web", 80);
-  answer_ = Memory(Gzip(DataSet("A", "from the web")), "SUCCESS_COMPRESS");
+  answer_ = Memory(Gzipped(DataSet("A", "from the web")), "SUCCESS_COMPRESS");
   EXPECT_EQ(Select(), "from the web");
   EXPECT_EQ(transport_.requests.back().command, 200u);
   EXPECT_TRUE(transport_.requests.back().web);
@@ -50,17 +50,17 @@ TEST_F(SelectSql, AsksForCompressionByCommandOrByArgument) {
 
 TEST_F(SelectSql, ReadsAnswersHoweverTheyArrive) {
   const std::string rowset = Rowset({{"A", "value"}});
-  answer_ = Memory(Gzip(rowset), "SUCCESS_COMPRESS");
+  answer_ = Memory(Gzipped(rowset), "SUCCESS_COMPRESS");
   EXPECT_EQ(Select(), "value");
   AnswerWithFile(rowset, "SUCCESS");
   EXPECT_EQ(Select(), "value");
-  AnswerWithFile(Gzip(rowset), "SUCCESS_COMPRESS");
+  AnswerWithFile(Gzipped(rowset), "SUCCESS_COMPRESS");
   EXPECT_EQ(Select(), "value");
   EXPECT_THAT(TempFiles(), IsEmpty());
 }
 
 TEST_F(SelectSql, ReturnsTheAgreedCodesAndLeavesNothing) {
-  const std::string gzip = Gzip(Rowset({{"A", "value"}}));
+  const std::string gzip = Gzipped(Rowset({{"A", "value"}}));
   std::string damaged = gzip;
   damaged[damaged.size() - 6] = static_cast<char>(~damaged[damaged.size() - 6]);
   const struct {
@@ -80,7 +80,7 @@ TEST_F(SelectSql, ReturnsTheAgreedCodesAndLeavesNothing) {
       {"storage kind in lower case",
        ScriptedReply().Text("SUCCESS").Number(1).Text("memory").Text(Rowset({{"A", "v"}})), 1},
       {"no recordset", Memory("<xml/>"), 1},
-      {"no recordset, packed", Memory(Gzip("<xml/>"), "SUCCESS_COMPRESS"), 1},
+      {"no recordset, packed", Memory(Gzipped("<xml/>"), "SUCCESS_COMPRESS"), 1},
       {"not gzip", Memory(Rowset({{"A", "v"}}), "SUCCESS_COMPRESS"), 10},
       {"gzip that ends early", Memory(gzip.substr(0, gzip.size() - 9), "SUCCESS_COMPRESS"), 10},
       {"gzip with a bad checksum", Memory(damaged, "SUCCESS_COMPRESS"), 10},
@@ -121,7 +121,7 @@ TEST_F(SelectSql, UnpacksBesideTheAnswerUnderTheEndOfItsName) {
     if (IsSettings(request)) return -1;
     unpacked = request.reply_file_name.substr(request.reply_file_name.size() - 16);
     std::filesystem::create_directory(folder_.Path() / "temp" / unpacked);
-    reply = Memory(Gzip(Rowset({{"A", "value"}})), "SUCCESS_COMPRESS");
+    reply = Memory(Gzipped(Rowset({{"A", "value"}})), "SUCCESS_COMPRESS");
     return 0;
   };
   EXPECT_EQ(Select(), "result 10");  // what stands in its place is no file
@@ -174,7 +174,7 @@ TEST_F(SelectSql, GoesToTheServerWhileOfflineWhenNothingSaysThatItMayNot) {
 TEST_F(SelectSql, KeepsTheGzipFileWhenThereIsOne) {
   OpenCache();
   settings_ = {.cache = "1", .compress = "1", .select_default = "1"};
-  answer_ = Memory(Gzip(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
+  answer_ = Memory(Gzipped(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
   EXPECT_EQ(Select(1), "packed");
   bool found = false;
   for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "cache")) {

@@ -74,7 +74,7 @@ TEST_F(ServerSettingsLoad, ReturnsTheAgreedCodesAndClearsAllButCaching) {
   } cases[] = {
       {"not delivered", ScriptedReply(), -1, -1},
       {"refused", ScriptedReply().Text("FAILURE").Number(1), 0, 3},
-      {"compressed, which nobody asked for", Memory(Gzip(row), "SUCCESS_COMPRESS"), 0, 3},
+      {"compressed, which nobody asked for", Memory(Gzipped(row), "SUCCESS_COMPRESS"), 0, 3},
       {"no fields", ScriptedReply().Text("SUCCESS"), 0, 2},
       {"no recordset", Memory("x"), 0, 1},
       {"a binary column, whose file nobody would hear of",

@@ -130,7 +130,7 @@ TEST_F(Statements, ABatchAsksForNothingBeforeItIsSent) {
 }
 
 TEST_F(Statements, AProcedureFillsAResultSet) {
-  const std::string gzip = Gzip(Rowset({{"A", "packed"}}));
+  const std::string gzip = Gzipped(Rowset({{"A", "packed"}}));
   const struct {
     ScriptedReply reply;
     int transport;
@@ -173,7 +173,7 @@ TEST_F(Statements, AProcedureOnAWebServerLoadsTheSettingsFirst) {
 TEST_F(Statements, AProceduresAnswerIsKeptUnpacked) {
   OpenCache();
   CRvoDatabase::m_bServerSetCache = 1;
-  answer_ = Memory(Gzip(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
+  answer_ = Memory(Gzipped(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
   EXPECT_EQ(Call(0), "packed");
   EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:call p", folder_.Path().string()));
   EXPECT_EQ(Call(2), "packed");

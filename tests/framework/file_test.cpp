@@ -2,24 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
+
+#include "tests/support/TempFolder.h"
 
 namespace {
 
 class File : public testing::Test {
  protected:
-  ~File() override { std::filesystem::remove(path_); }
+  std::string Content() const { return qv::BytesOf(path_); }
 
-  std::string Content() const {
-    CFile file(path_.c_str(), CFile::modeRead);
-    std::string text(100, '\0');
-    text.resize(file.Read(text.data(), 100));
-    return text;
-  }
-
-  const std::string path_ = testing::TempDir() + "qv_file_test_" +
-                            testing::UnitTest::GetInstance()->current_test_info()->name();
+  const qv::TempFolder folder_;
+  const std::string path_ = (folder_.Path() / "file").string();
 };
 
 template <typename Operation>

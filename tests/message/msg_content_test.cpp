@@ -3,17 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "qvnetcall/framework/FileException.h"
+#include "tests/support/Fields.h"
 
 namespace {
 
 using namespace std::string_literals;
+using qv::Field;
 
 CAutoBuf& Used(CAutoBuf& block) {
   std::fill_n(block.GetData(), block.GetSize(), static_cast<unsigned char>('?'));
@@ -58,12 +59,6 @@ class RawMessage : public CMsgContentBase {
   explicit RawMessage(CAutoBuf& block) : CMsgContentBase(block) {}
   using CMsgContentBase::AppendField;
 };
-
-std::string Field(const std::string& body) {
-  std::array<char, 4> length;
-  qv::StoreU32(length.data(), static_cast<std::uint32_t>(body.size()));
-  return std::string(length.data(), length.size()) + body + '\0';
-}
 
 TEST(MsgContent, WritesHeaderAndFieldsToTheByte) {
   Message message(1024);

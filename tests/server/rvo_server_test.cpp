@@ -1,35 +1,19 @@
 #include "qvnetcall/RvoServer.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "server/ModuleState.h"
-#include "server/ServerTypeMemo.h"
-#include "tests/support/ScriptedTransport.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/ModuleTest.h"
 
 namespace qv {
 namespace {
 
 using test::ScriptedReply;
-using test::ScriptedTransport;
 using test::SentRequest;
 using Log = std::vector<std::string>;
 
-class RvoServer : public testing::Test {
+class RvoServer : public test::ModuleTest {
  protected:
-  RvoServer() {
-    transport_.Reset();
-    state_.Reset();
-    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
-    CRvoServer::SetConinfo("main", 4000);
-  }
-
-  void Configure(const std::string& type) {
-    folder_.Write("QvNetClient.ini", "[Basic]\nServerType=" + type + "\n");
-  }
   void Answer(const std::string& text, int result = 0) {
     transport_.handler = [=](const SentRequest&, ScriptedReply& reply) {
       if (!text.empty()) reply.Text(text);
@@ -41,10 +25,6 @@ class RvoServer : public testing::Test {
     EXPECT_EQ(CRvoServer::GetServerType(type, server, port), 1);
     return static_cast<const char*>(type);
   }
-
-  TempFolder folder_;
-  ScriptedTransport& transport_ = ScriptedTransport::Get();
-  ModuleState& state_ = ModuleState::Get();
 };
 
 TEST_F(RvoServer, StartsAndStopsTheWebTransportFirst) {
@@ -91,17 +71,17 @@ TEST_F(RvoServer, FindsItsTypeOncePerServerAndPort) {
   EXPECT_EQ(TypeOf("main", 2), "WEB_IIS");
   EXPECT_EQ(transport_.requests.size(), 2u);
 
-  Configure("own_kind");
+  UseServerType("own_kind");
   EXPECT_EQ(TypeOf("main", 2), "WEB_IIS");  // a changed file counts for a new server only
   EXPECT_EQ(TypeOf("main", 3), "own_kind");
   EXPECT_EQ(TypeOf("other", 3), "own_kind");
-  Configure("");
+  UseServerType("");
   EXPECT_EQ(TypeOf("main", 3), "WEB_IIS");  // the memo has room for one
   EXPECT_EQ(transport_.requests.size(), 3u);
 }
 
 TEST_F(RvoServer, TakesTheHostsWordForItsType) {
-  Configure("TCP_IP");
+  UseServerType("TCP_IP");
   EXPECT_EQ(TypeOf("main", 1), "TCP_IP");
   EXPECT_EQ(CRvoServer::SetServerType("WEB_IIS", "main", 1), 1);
   EXPECT_EQ(TypeOf("main", 1), "WEB_IIS");
@@ -110,7 +90,7 @@ TEST_F(RvoServer, TakesTheHostsWordForItsType) {
 }
 
 TEST_F(RvoServer, CutsTheTypeAndTheModulesPathAsItsBuffersDo) {
-  Configure(std::string(120, 't'));
+  UseServerType(std::string(120, 't'));
   EXPECT_EQ(TypeOf("main", 1), std::string(99, 't'));
   // A path that is cut loses its file name, and perhaps a folder, but never gains one.
   state_.module_file = (folder_.Path() / std::string(300, 'm')).string();
@@ -141,7 +121,7 @@ TEST_F(RvoServer, GivesTheCacheItsFolderAndClearsIt) {
 }
 
 TEST_F(RvoServer, SetsTheCacheStateAndTellsTheNetwork) {
-  Configure("TCP_IP");
+  UseServerType("TCP_IP");
   const struct {
     int state;
     int result;
@@ -156,7 +136,7 @@ TEST_F(RvoServer, SetsTheCacheStateAndTellsTheNetwork) {
 }
 
 TEST_F(RvoServer, FollowsTheNetworkUnlessOfflineByChoice) {
-  Configure("TCP_IP");
+  UseServerType("TCP_IP");
   const struct {
     int state;
     int network;
@@ -176,7 +156,7 @@ TEST_F(RvoServer, FollowsTheNetworkUnlessOfflineByChoice) {
 }
 
 TEST_F(RvoServer, KnowsNoCacheStateOverTheWeb) {
-  Configure("web_iis");
+  UseServerType("web_iis");
   state_.cache.SetState(1);
   EXPECT_EQ(CRvoServer::SetCacheState(2), 0);
   EXPECT_EQ(CRvoServer::GetCacheState(0), 0);
@@ -185,31 +165,6 @@ TEST_F(RvoServer, KnowsNoCacheStateOverTheWeb) {
   char token[32];
   EXPECT_EQ(CRvoServer::GetWebLoginToken(token), 1);
   EXPECT_EQ(std::string(token), "scripted-token");
-}
-
-TEST_F(RvoServer, AsksForConnectionTextsOverTheSocketAlways) {
-  Configure("WEB_IIS");
-  const struct {
-    ScriptedReply reply;
-    int result;
-    const char* text;
-  } cases[] = {{ScriptedReply().Text("1").Text("Driver=X"), 0, "Driver=X"},
-               {ScriptedReply().Text("1").Text("Driver=X"), -2, "Driver=X"},
-               {ScriptedReply().Text("1").Text("Driver=X"), -1, ""},
-               {ScriptedReply().Text("0").Text("Driver=X"), 0, ""},
-               {ScriptedReply().Text("1"), 0, ""}};
-  for (const auto& c : cases) {
-    transport_.handler = [&](const SentRequest& request, ScriptedReply& reply) {
-      EXPECT_FALSE(request.web);
-      EXPECT_EQ(request.command, 710u);
-      EXPECT_EQ(request.fields, (Log{"DESIGNDB"}));
-      EXPECT_EQ(request.request_block, 10240u);
-      EXPECT_EQ(request.reply_block, 512000u);
-      reply = c.reply;
-      return c.result;
-    };
-    EXPECT_EQ(CRvoServer::GetDBConnString("DESIGNDB"), c.text);
-  }
 }
 
 TEST_F(RvoServer, KnowsNoLocalDatabaseThatItDidNotOpen) {

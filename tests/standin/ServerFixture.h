@@ -45,11 +45,16 @@ class Connection {
     const WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
     return stream_.Read(room) ? bytes : "";
   }
-  // The reply's first field, when a whole frame comes; its file goes to `path`.
-  std::string Status(const std::string& path = {}) {
+  // The reply's fields, when a whole frame comes; its file goes to `path`.
+  std::vector<std::string> Fields(const std::string& path = {}) {
     const WholeFrame reply = ReceiveWhole(stream_, FrameKind::kReply, path);
-    if (reply.status != FrameStatus::kDone || reply.payload.size() < 4) return "";
-    return reply.payload.substr(4, LoadU32(reply.payload.data()));
+    return reply.status == FrameStatus::kDone ? FieldsOf(reply.payload)
+                                              : std::vector<std::string>();
+  }
+  // The first of them.
+  std::string Status(const std::string& path = {}) {
+    const auto fields = Fields(path);
+    return fields.empty() ? "" : fields[0];
   }
   [[nodiscard]] bool IsHungUpOn() {
     const auto start = std::chrono::steady_clock::now();

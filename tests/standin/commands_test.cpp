@@ -8,8 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include "fuzz/ReferenceReader.h"
 #include "standin/CommandTable.h"
-#include "tests/support/ReferenceReader.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv::standin {

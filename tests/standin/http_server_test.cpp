@@ -54,13 +54,7 @@ struct HttpReply {
     const WholeFrame frame = ReceiveWhole(stream, FrameKind::kReply, path);
     EXPECT_EQ(frame.status, FrameStatus::kDone);
     EXPECT_EQ(stream.unread, "");
-    std::vector<std::string> fields;
-    for (std::size_t at = 0; at + 4 < frame.payload.size();) {
-      const std::size_t length = LoadU32(frame.payload.data() + at);
-      fields.push_back(frame.payload.substr(at + 4, length));
-      at += length + 5;
-    }
-    return fields;
+    return FieldsOf(frame.payload);
   }
   [[nodiscard]] std::string Outcome() const { return Fields().at(0); }
 };

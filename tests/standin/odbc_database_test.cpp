@@ -6,16 +6,12 @@
 
 #include <atomic>
 #include <filesystem>
-#include <future>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "message/MsgContent.h"
-#include "qvnetcall/transport/QvNetClient4.h"
+#include "ServerFixture.h"
 #include "standin/CellText.h"
-#include "standin/StandIn.h"
 #include "tests/support/PostgresServer.h"
 #include "tests/support/TempFolder.h"
 
@@ -361,47 +357,30 @@ TEST(OdbcDatabase, SaysWhyItCannotConnectWithoutTheText) {
   }
 }
 
-// What a client gets over the network, field by field.
-std::vector<std::string> Ask(const StandIn& server, std::uint32_t command,
-                             const std::vector<std::string>& fields) {
-  CAutoBuf request_block(4096);
-  CAutoBuf reply_block(65536);
-  CMsgContent request(request_block);
-  CMsgContent reply(reply_block);
-  request.SetCommand(command);
-  for (const std::string& field : fields) request.AddString(field.c_str(), nullptr);
-  EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), request, reply), 0);
-  std::vector<std::string> answer;
-  CString text;
-  while (reply.GetString(text, nullptr) == 0) answer.emplace_back(text);
-  return answer;
-}
+class StandInOverOdbc : public ServerTest {};
 
-TEST(StandInOverOdbc, ServesADatabaseOfAnotherEngine) {
+TEST_F(StandInOverOdbc, ServesADatabaseOfAnotherEngine) {
   EmptyPostgres();
   const PostgresServer& postgres = PostgresServer::Shared();
   ASSERT_TRUE(postgres.Run({"-f", Source("DESIGNDB.sql")}));
-  const TempFolder folder;
   const nlohmann::json settings{
       {"DESIGNDB",
        {{"odbc", postgres.ConnectionText()}, {"connection_text", "Driver=for clients"}}}};
-  std::filesystem::permissions(folder.Write("databases.json", settings.dump()),
+  std::filesystem::permissions(folder_.Write("databases.json", settings.dump()),
                                std::filesystem::perms(0600));
-  StandInOptions options;
-  options.data_folder = folder.Path().string();
-  StandIn server(options);
-  std::string error;
-  ASSERT_TRUE(server.Start(&error)) << error;
-  NetworkTransInit();
-  EXPECT_THAT(
-      Ask(server, 300, {"DESIGNDB", "update X.dbo.Projects set name = '滨江桥' where id = 1"}),
-      ElementsAre("SUCCESS"));
-  EXPECT_THAT(Ask(server, 710, {"DESIGNDB"}), ElementsAre("1", "Driver=for clients"));
-  EXPECT_EQ(Ask(server, 300, {"DESIGNDB", "select 1/0"}).at(0), "FAILURE");
-  NetworkTransFini();
-  EXPECT_EQ(server.Served().at(2).outcome,
+  Start();
+  Connection client(server_->Port());
+  const auto ask = [&](std::uint32_t command, const std::vector<std::string>& fields) {
+    EXPECT_TRUE(client.Send(FrameOf(command, fields)));
+    return client.Fields();
+  };
+  EXPECT_THAT(ask(300, {"DESIGNDB", "update X.dbo.Projects set name = '滨江桥' where id = 1"}),
+              ElementsAre("SUCCESS"));
+  EXPECT_THAT(ask(710, {"DESIGNDB"}), ElementsAre("1", "Driver=for clients"));
+  EXPECT_EQ(ask(300, {"DESIGNDB", "select 1/0"}).at(0), "FAILURE");
+  EXPECT_EQ(server_->Served().at(2).outcome,
             "[22012] ERROR: division by zero; Error while executing the query");
-  server.Stop();
+  server_->Stop();
   WorkLimit limit(milliseconds(30'000), [] { return false; });
   Kept kept;
   EXPECT_TRUE(OdbcDatabase(postgres.ConnectionText(), limit)

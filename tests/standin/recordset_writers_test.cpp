@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/ReferenceReader.h"
+#include "fuzz/ReferenceReader.h"
 
 namespace qv::standin {
 namespace {

@@ -4,7 +4,6 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,8 +11,9 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <csignal>
+#include <utility>
 
-extern char** environ;
+#include "Process.h"
 
 namespace qv {
 
@@ -42,23 +42,6 @@ std::uint16_t FreePort() {
       .port();
 }
 
-// Starts a program with `output` for what it prints; -1 when it cannot be started.
-pid_t Spawn(std::vector<std::string> words, const std::string& folder, int output) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  pid_t pid = -1;
-  if (posix_spawnp(&pid, arguments[0], &actions, nullptr, arguments.data(), environ) != 0) pid = -1;
-  posix_spawn_file_actions_destroy(&actions);
-  return pid;
-}
-
 // As the user that the server runs as, and not for longer than this program.
 std::vector<std::string> AsServerUser(std::vector<std::string> command) {
   std::vector<std::string> words{"setpriv", "--pdeathsig", "INT"};
@@ -74,7 +57,7 @@ std::vector<std::string> AsServerUser(std::vector<std::string> command) {
 bool RunToEnd(const std::vector<std::string>& words, const std::string& folder) {
   const std::string output = folder + "/output";
   const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  const pid_t pid = Spawn(words, folder, file);
+  const pid_t pid = Spawn(words, file, true, folder);
   close(file);
   int status = -1;
   if (pid > 0) waitpid(pid, &status, 0);
@@ -127,33 +110,23 @@ bool PostgresServer::Start() {
   for (const char* const setting :
        {"listen_addresses=127.0.0.1", "unix_socket_directories=", "fsync=off",
         "synchronous_commit=off", "full_page_writes=off", "autovacuum=off", "shared_buffers=16MB",
-        "max_connections=20", "max_wal_senders=0", "logging_collector=off"}) {
+        "max_connections=20", "max_wal_senders=0", "logging_collector=off", "log_checkpoints=off",
+        // So that the pipe, which nobody empties later, has room for all that is said.
+        "log_min_messages=log"}) {
     command.insert(command.end(), {"-c", setting});
   }
   int log[2];
   if (pipe2(log, O_CLOEXEC) != 0) return false;
-  pid_ = Spawn(AsServerUser(command), folder_.Path().string(), log[1]);
+  pid_ = Spawn(AsServerUser(command), log[1], true, folder_.Path().string());
   close(log[1]);
-  log_.clear();
-  has_ended_ = false;
-  following_ = std::thread([this, end = log[0]] { Follow(end); });
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return has_ended_ || log_.find(kReady) != std::string::npos; });
-  return !has_ended_;
-}
-
-// Until the last process of the server has closed its end.
-void PostgresServer::Follow(int log) {
+  log_end_ = log[0];
   char piece[4096];
-  for (ssize_t length = 0; (length = read(log, piece, sizeof piece)) > 0;) {
-    const std::lock_guard lock(mutex_);
+  for (log_.clear(); log_.find(kReady) == std::string::npos;) {
+    const ssize_t length = read(log_end_, piece, sizeof piece);
+    if (length <= 0) return false;
     log_.append(piece, static_cast<std::size_t>(length));
-    changed_.notify_all();
   }
-  close(log);
-  const std::lock_guard lock(mutex_);
-  has_ended_ = true;
-  changed_.notify_all();
+  return true;
 }
 
 void PostgresServer::Stop() {
@@ -162,7 +135,7 @@ void PostgresServer::Stop() {
     waitpid(pid_, nullptr, 0);
     pid_ = -1;
   }
-  if (following_.joinable()) following_.join();
+  if (log_end_ >= 0) close(std::exchange(log_end_, -1));
 }
 
 std::string PostgresServer::ConnectionText(const std::string& driver) const {

@@ -3,11 +3,8 @@
 
 #include <sys/types.h>
 
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/support/TempFolder.h"
@@ -36,19 +33,14 @@ class PostgresServer {
  private:
   [[nodiscard]] bool MakeCluster();
   [[nodiscard]] bool Start();
-  void Follow(int log);
   void Stop();
 
   const TempFolder folder_;
   std::string programs_;
   std::uint16_t port_ = 0;
   pid_t pid_ = -1;
-
-  std::thread following_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
+  int log_end_ = -1;
   std::string log_;
-  bool has_ended_ = false;
 };
 
 }  // namespace qv

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "Fields.h"
 #include "message/MsgContent.h"
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "qvnetcall/transport/QvNetClient4.h"
@@ -21,16 +22,6 @@ std::string PayloadOf(const CMsgContent& message) {
   }
   const CFIFOClass& queue = message.Queue();
   return {reinterpret_cast<const char*>(queue.Area()), queue.WritePosition()};
-}
-
-std::vector<std::string> FieldsOf(const std::string& payload) {
-  std::vector<std::string> fields;
-  for (std::size_t at = 0; at + 4 < payload.size();) {
-    const std::size_t length = LoadU32(payload.data() + at);
-    fields.push_back(payload.substr(at + 4, length));
-    at += 4 + length + 1;
-  }
-  return fields;
 }
 
 void Fill(CMsgContent& reply, const std::string& payload) {
@@ -93,9 +84,7 @@ SentRequest Record(bool web, const char* server, std::uint32_t port, const CMsgC
 }  // namespace
 
 ScriptedReply& ScriptedReply::Text(std::string_view text) {
-  char length[4];
-  StoreU32(length, static_cast<std::uint32_t>(text.size()));
-  payload_.append(length, sizeof length).append(text).push_back('\0');
+  payload_ += Field(text);
   return *this;
 }
 

@@ -2,18 +2,12 @@
 
 #include <algorithm>
 
-#include "message/LittleEndian.h"
+#include "tests/support/TempFolder.h"
 
 namespace qv {
 
 Bytes BytesOfText(std::string_view text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
-std::string Field(std::string_view body) {
-  std::string field(4, '\0');
-  StoreU32(field.data(), static_cast<std::uint32_t>(body.size()));
-  return field.append(body).append(1, '\0');
 }
 
 bool MemoryStream::Read(WritableBytes bytes) {
@@ -51,6 +45,25 @@ FrameStatus SendWhole(ByteStream& stream, FrameKind kind, const WholeFrame& fram
                                 .block = BytesOfText(frame.block),
                                 .payload = BytesOfText(frame.payload)};
   return SendFrame(stream, message, file);
+}
+
+std::string ReplyWithFile() {
+  const TempFolder folder;
+  auto file = OutgoingFile::Open(folder.Write("source", std::string(200'000, 'f')));
+  MemoryStream stream;
+  static_cast<void>(SendWhole(stream, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file));
+  return stream.written;
+}
+
+std::string HeaderOnly(FrameKind kind, std::uint64_t payload_length) {
+  const auto bytes = EncodeHeader(
+      {.kind = kind, .token_length = 0, .payload_length = payload_length, .file_length = {}});
+  return {bytes.begin(), bytes.end()};
+}
+
+std::string Damaged(std::string bytes, std::size_t at) {
+  bytes[at] = static_cast<char>(bytes[at] ^ 1);
+  return bytes;
 }
 
 }  // namespace qv

@@ -4,14 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "Fields.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv {
 
 Bytes BytesOfText(std::string_view text);
-
-// A field as it stands in a payload.
-std::string Field(std::string_view body);
 
 // What there is to read, and what was written.
 struct MemoryStream final : ByteStream {
@@ -33,5 +31,10 @@ struct WholeFrame {
 WholeFrame ReceiveWhole(ByteStream& stream, FrameKind kind, const std::string& path = "");
 FrameStatus SendWhole(ByteStream& stream, FrameKind kind, const WholeFrame& frame,
                       OutgoingFile* file = nullptr);
+
+// The bytes of a right reply with a file of 200,000 bytes.
+std::string ReplyWithFile();
+std::string HeaderOnly(FrameKind kind, std::uint64_t payload_length);
+std::string Damaged(std::string bytes, std::size_t at);
 
 }  // namespace qv

@@ -3,12 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <atomic>
+#include <functional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "message/MsgContent.h"
+#include "tests/support/ScriptedServer.h"
 #include "tests/support/TempFolder.h"
-#include "tests/support/WholeFrame.h"
 
 namespace qv {
 
@@ -33,26 +36,57 @@ inline std::string LongBytes() {
   return bytes;
 }
 
-// The bytes of a right reply with a file of 200,000 bytes.
-inline std::string ReplyWithFile(const TempFolder& folder) {
-  const std::string path = folder.Write("source", std::string(200'000, 'f'));
-  auto file = OutgoingFile::Open(path);
-  MemoryStream stream;
-  EXPECT_EQ(SendWhole(stream, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file),
-            FrameStatus::kDone);
-  std::filesystem::remove(path);
-  return stream.written;
+// Eight threads call fifty times each; gives the number of calls that brought back what they sent.
+inline int CallsThatEchoed(const std::function<bool(TransportCall&, int count)>& is_delivered) {
+  std::atomic<int> right{0};
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 8; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (int count = 0; count < 50; ++count) {
+        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
+        TransportCall call;
+        call.request.AddString(text.c_str(), nullptr);
+        if (is_delivered(call, count) && call.Answer() == text) ++right;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  return right;
 }
 
-inline std::string Damaged(std::string bytes, std::size_t at) {
-  bytes[at] = static_cast<char>(bytes[at] ^ 1);
-  return bytes;
+// Calls three times a server whose connections are no longer in order after an answer: one hangs
+// up, another sends a byte that nobody asked for.
+inline void ExpectConnectionsToBeReplaced(
+    const std::function<bool(ServerSide&)>& echo,
+    const std::function<int(TransportCall&, std::uint16_t port)>& send) {
+  for (const char* const unasked : {"", "x"}) {
+    ScriptedServer server([&](ServerSide& side) {
+      if (echo(side)) side.Write({BytesOfText(unasked)});
+    });
+    for (int count = 1; count <= 3; ++count) {
+      TransportCall call;
+      call.request.AddString("again", nullptr);
+      EXPECT_EQ(send(call, server.Port()), 0);
+      EXPECT_EQ(call.Answer(), "again");
+      server.WaitForFinished(count);
+    }
+  }
 }
 
-inline std::string HeaderOnly(FrameKind kind, std::uint64_t payload_length) {
-  const auto bytes = EncodeHeader(
-      {.kind = kind, .token_length = 0, .payload_length = payload_length, .file_length = {}});
-  return {bytes.begin(), bytes.end()};
-}
+// With its queue full, a listener's system leaves further attempts without an answer.
+class FullListener {
+ public:
+  FullListener() {
+    acceptor_.bind({boost::asio::ip::address_v4::loopback(), 0});
+    acceptor_.listen(0);
+    first_.connect(acceptor_.local_endpoint());
+  }
+  [[nodiscard]] std::uint16_t Port() const { return acceptor_.local_endpoint().port(); }
+
+ private:
+  boost::asio::io_context context_;
+  boost::asio::ip::tcp::acceptor acceptor_{context_, boost::asio::ip::tcp::v4()};
+  boost::asio::ip::tcp::socket first_{context_};
+};
 
 }  // namespace qv

@@ -100,7 +100,7 @@ std::string Chunked(std::string body, std::size_t size) {
 }
 
 TEST_F(HttpTransport, AnswersGiveTheirCodeAndBrokenOnesLeaveNothing) {
-  const std::string right = ReplyWithFile(folder_);
+  const std::string right = ReplyWithFile();
   const std::string answer = HttpAnswer(right);
   const std::string headers = answer.substr(0, answer.size() - right.size());
   const std::string until_close = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n";
@@ -187,43 +187,25 @@ TEST_F(HttpTransport, ARequestThatAKeptConnectionSwallowedIsNotSentAgain) {
 }
 
 TEST_F(HttpTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
-  for (const char* const unasked : {"", "x"}) {
-    ScriptedServer server([&](ServerSide& side) {
-      HttpRequestSeen request;
-      if (ReceiveHttp(side, request) && ReplyHttp(side, request.frame.payload)) {
-        side.Write({BytesOfText(unasked)});
-      }
-    });
-    for (int count = 1; count <= 3; ++count) {
-      HttpCall call;
-      call.request.AddString("again", nullptr);
-      EXPECT_EQ(call.Send(server.Port()), 0);
-      EXPECT_EQ(call.Answer(), "again");
-      server.WaitForFinished(count);
-    }
-  }
+  ExpectConnectionsToBeReplaced(
+      [](ServerSide& side) {
+        HttpRequestSeen request;
+        return ReceiveHttp(side, request) && ReplyHttp(side, request.frame.payload);
+      },
+      [](TransportCall& call, std::uint16_t port) {
+        return HttpworkTransMsg(kHttpHost, port, call.request, call.reply, 0);
+      });
 }
 
 TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
   ScriptedServer server(EchoHttp);
-  const std::string port = std::to_string(server.Port());
-  const std::string names[] = {"",
-                               "http://",
-                               "ftp://127.0.0.1",
-                               "http://http://127.0.0.1",
-                               "127.0.0.1:" + port,
-                               "127.0.0.1/",
-                               "127.0.0.1?a",
-                               "127.0.0.1#a",
-                               "user@127.0.0.1",
-                               "127.0.0.1 ",
-                               "127.0.0.1\r\nA: b",
-                               "%3127.0.0.1",
-                               "[127.0.0.1]",
-                               "no-such-host.invalid",
-                               std::string(300, 'a')};
-  for (const std::string& name : names) {
-    EXPECT_EQ(HttpCall().Send(server.Port(), name.c_str()), -1) << name;
+  const std::string with_port = "127.0.0.1:" + std::to_string(server.Port());
+  const std::string long_name(300, 'a');
+  for (const char* const name : {"", "http://", "ftp://127.0.0.1", "http://http://127.0.0.1",
+                                 with_port.c_str(), "127.0.0.1/", "127.0.0.1?a", "127.0.0.1#a",
+                                 "user@127.0.0.1", "127.0.0.1 ", "127.0.0.1\r\nA: b", "%3127.0.0.1",
+                                 "[127.0.0.1]", "no-such-host.invalid", long_name.c_str()}) {
+    EXPECT_EQ(HttpCall().Send(server.Port(), name), -1) << name;
   }
   EXPECT_EQ(HttpCall().Send(server.Port(), nullptr), -1);
   EXPECT_EQ(HttpCall().Send(0), -1);
@@ -238,13 +220,7 @@ TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
 }
 
 TEST_F(HttpTransport, GivesUpWhoDoesNotAcceptAnswerOrTake) {
-  // With its queue full, a listener's system leaves further attempts without an answer.
-  boost::asio::io_context context;
-  boost::asio::ip::tcp::acceptor full(context, boost::asio::ip::tcp::v4());
-  full.bind({boost::asio::ip::address_v4::loopback(), 0});
-  full.listen(0);
-  boost::asio::ip::tcp::socket first(context);
-  first.connect(full.local_endpoint());
+  const FullListener full;
   // Accepts, and is silent where TLS should begin, or stops reading in the middle of a request.
   ScriptedServer deaf([](ServerSide& side) {
     boost::system::error_code ended;
@@ -263,7 +239,7 @@ TEST_F(HttpTransport, GivesUpWhoDoesNotAcceptAnswerOrTake) {
   Set("connect_timeout_ms", "50");
   Set("io_timeout_ms", "50");
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(HttpCall().Send(full.local_endpoint().port()), -1);
+  EXPECT_EQ(HttpCall().Send(full.Port()), -1);
   EXPECT_EQ(HttpCall().Send(deaf.Port(), "https://127.0.0.1"), -1);
   EXPECT_EQ(HttpCall().Send(silent.Port()), -2);
   EXPECT_EQ(HttpCall().Send(stuck.Port()), -2);
@@ -322,21 +298,13 @@ TEST_F(HttpTransport, ServesManyThreadsAtOnce) {
       if (!ReplyHttp(side, request.frame.payload, nullptr, "Qv-Login-Token: t\r\n")) return;
     }
   });
-  std::atomic<int> right{0};
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
-    threads.emplace_back([&, thread] {
-      for (int count = 0; count < 50; ++count) {
-        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
-        HttpCall call;
-        call.request.AddString(text.c_str(), nullptr);
-        if (call.Send(server.Port()) == 0 && call.Answer() == text && LoginToken() == "t") ++right;
-        if (count % 10 == 0) Set("token", text);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(right, 400);
+  EXPECT_EQ(CallsThatEchoed([&](TransportCall& call, int count) {
+              if (count % 10 == 0) Set("token", std::to_string(count));
+              const auto port = server.Port();
+              return HttpworkTransMsg(kHttpHost, port, call.request, call.reply, 0) == 0 &&
+                     LoginToken() == "t";
+            }),
+            400);
   EXPECT_LE(server.Connections(), 8);
 }
 

@@ -1,6 +1,4 @@
 #include <gmock/gmock.h>
-#include <signal.h>
-#include <sys/resource.h>
 
 #include <chrono>
 #include <filesystem>
@@ -10,7 +8,6 @@
 #include "TransportCall.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "qvnetcall/transport/QvNetClient4.h"
-#include "tests/support/ScriptedServer.h"
 
 namespace qv {
 namespace {
@@ -19,9 +16,13 @@ using boost::asio::ip::tcp;
 
 constexpr const char* kHost = "127.0.0.1";
 
+int SendTo(TransportCall& call, std::uint32_t port) {
+  return NetworkTransMsg(kHost, port, call.request, call.reply);
+}
+
 struct Call : TransportCall {
   using TransportCall::TransportCall;
-  int Send(std::uint32_t port) { return NetworkTransMsg(kHost, port, request, reply); }
+  int Send(std::uint32_t port) { return SendTo(*this, port); }
 };
 
 // The text fields of the answer to one of the transport's own commands, in one line.
@@ -132,7 +133,7 @@ TEST_F(SocketTransport, CarriesFilesBothWays) {
 }
 
 TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
-  const std::string right = ReplyWithFile(folder_);
+  const std::string right = ReplyWithFile();
   const struct {
     const char* what;
     std::string answer;
@@ -185,7 +186,7 @@ TEST_F(SocketTransport, TakesAReplyInPiecesThatFillsTheBlock) {
 }
 
 TEST_F(SocketTransport, AFileThatCannotBeKeptIsABadReply) {
-  const std::string right = ReplyWithFile(folder_);
+  const std::string right = ReplyWithFile();
   ScriptedServer server([&](ServerSide& side) {
     WholeFrame request;
     if (side.Receive(request)) side.Write({BytesOfText(right)});
@@ -195,20 +196,6 @@ TEST_F(SocketTransport, AFileThatCannotBeKeptIsABadReply) {
     call.reply.SetFileName(path.c_str(), 0);
     EXPECT_EQ(call.Send(server.Port()), -3) << path;
   }
-  // A disk that is full after 64 KiB.
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  rlimit small = before;
-  small.rlim_cur = 65536;
-  const auto old_handler = signal(SIGXFSZ, SIG_IGN);
-  setrlimit(RLIMIT_FSIZE, &small);
-  Call call;
-  call.reply.SetFileName(InFolder("answer").c_str(), 0);
-  const int result = call.Send(server.Port());
-  setrlimit(RLIMIT_FSIZE, &before);
-  signal(SIGXFSZ, old_handler);
-  EXPECT_EQ(result, -3);
-  EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
 }
 
 TEST_F(SocketTransport, WhatCannotBeSentReachesNobody) {
@@ -235,17 +222,11 @@ TEST_F(SocketTransport, WithoutAServerNothingIsDeliveredAndTheNetworkIsBad) {
 }
 
 TEST_F(SocketTransport, GivesUpAConnectionThatIsNotAcceptedAndAnAnswerThatDoesNotCome) {
-  // With its queue full, a listener's system leaves further attempts without an answer.
-  boost::asio::io_context context;
-  tcp::acceptor full(context, tcp::v4());
-  full.bind({boost::asio::ip::address_v4::loopback(), 0});
-  full.listen(0);
-  tcp::socket first(context);
-  first.connect(full.local_endpoint());
+  const FullListener full;
   Set("connect_timeout_ms", "50");
   const auto start = std::chrono::steady_clock::now();
   Call refused;
-  EXPECT_EQ(refused.Send(full.local_endpoint().port()), -1);
+  EXPECT_EQ(refused.Send(full.Port()), -1);
 
   ScriptedServer silent([](ServerSide& side) {
     for (WholeFrame request; side.Receive(request);) {
@@ -258,21 +239,12 @@ TEST_F(SocketTransport, GivesUpAConnectionThatIsNotAcceptedAndAnAnswerThatDoesNo
 }
 
 TEST_F(SocketTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
-  for (const char* const unasked : {"", "x"}) {
-    ScriptedServer server([&](ServerSide& side) {
-      WholeFrame request;
-      if (side.Receive(request) && side.Reply(request.payload)) {
-        side.Write({BytesOfText(unasked)});
-      }
-    });
-    for (int count = 1; count <= 3; ++count) {
-      Call call;
-      call.request.AddString("again", nullptr);
-      EXPECT_EQ(call.Send(server.Port()), 0);
-      EXPECT_EQ(call.Answer(), "again");
-      server.WaitForFinished(count);
-    }
-  }
+  ExpectConnectionsToBeReplaced(
+      [](ServerSide& side) {
+        WholeFrame request;
+        return side.Receive(request) && side.Reply(request.payload);
+      },
+      SendTo);
 }
 
 TEST_F(SocketTransport, ABadNetworkRecoversByAProbeOrADeliveredMessage) {
@@ -338,21 +310,11 @@ TEST_F(SocketTransport, AnswersItsOwnParameters) {
 
 TEST_F(SocketTransport, ServesManyThreadsAtOnce) {
   ScriptedServer server(ScriptedServer::Echo);
-  std::atomic<int> right{0};
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
-    threads.emplace_back([&, thread] {
-      for (int count = 0; count < 50; ++count) {
-        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
-        Call call;
-        call.request.AddString(text.c_str(), nullptr);
-        if (call.Send(server.Port()) == 0 && call.Answer() == text) ++right;
-        if (count % 10 == 0) Set("dispmsg", "1");
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(right, 400);
+  EXPECT_EQ(CallsThatEchoed([&](TransportCall& call, int count) {
+              if (count % 10 == 0) Set("dispmsg", "1");
+              return SendTo(call, server.Port()) == 0;
+            }),
+            400);
   EXPECT_LE(server.Connections(), 8);
 }
 

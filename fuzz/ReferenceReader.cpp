@@ -1,4 +1,4 @@
-#include "tests/support/ReferenceReader.h"
+#include "ReferenceReader.h"
 
 #include <algorithm>
 #include <cstdio>

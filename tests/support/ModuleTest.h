@@ -1,0 +1,33 @@
+// The module as if freshly loaded, from a folder of the test's own, over the scripted transport.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "qvnetcall/RvoServer.h"
+#include "server/ModuleState.h"
+#include "tests/support/ScriptedTransport.h"
+#include "tests/support/TempFolder.h"
+
+namespace qv::test {
+
+class ModuleTest : public testing::Test {
+ protected:
+  ModuleTest() {
+    transport_.Reset();
+    state_.Reset();
+    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
+    CRvoServer::SetConinfo("main", 4000);
+  }
+  // By the file beside the module.
+  void UseServerType(const std::string& type) {
+    folder_.Write("QvNetClient.ini", "[Basic]\nServerType=" + type + "\n");
+  }
+
+  const TempFolder folder_;
+  ScriptedTransport& transport_ = ScriptedTransport::Get();
+  ModuleState& state_ = ModuleState::Get();
+};
+
+}  // namespace qv::test
