@@ -1,10 +1,11 @@
 // What the tests of single exchanges share: a scripted server that gives every request one answer.
 #pragma once
 
-#include <gtest/gtest.h>
-
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "qvnetcall/RvoAd.h"
 #include "qvnetcall/RvoFile.h"
@@ -12,23 +13,16 @@
 #include "qvnetcall/RvoFolderEx.h"
 #include "qvnetcall/RvoIdFile.h"
 #include "qvnetcall/RvoIdFileEx.h"
-#include "qvnetcall/RvoServer.h"
-#include "server/ModuleState.h"
-#include "tests/support/ScriptedTransport.h"
-#include "tests/support/TempFolder.h"
+#include "tests/support/ModuleTest.h"
 
 namespace qv::test {
 
 using Fields = ScriptedReply;
 
-class Calls : public testing::Test {
+class Calls : public ModuleTest {
  protected:
   Calls() {
-    transport_.Reset();
-    state_.Reset();
-    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
-    folder_.Write("QvNetClient.ini", "[Basic]\nServerType=TCP_IP\n");
-    CRvoServer::SetConinfo("main", 4000);
+    UseServerType("TCP_IP");
     Answer(Fields());
   }
 
@@ -39,9 +33,63 @@ class Calls : public testing::Test {
     };
   }
 
-  const TempFolder folder_;
-  ScriptedTransport& transport_ = ScriptedTransport::Get();
-  ModuleState& state_ = ModuleState::Get();
+  struct OneCall {
+    std::function<int()> call;
+    std::optional<int> while_bad;  // what it gives without asking; nothing when it always asks
+  };
+  // Every call that reads a reply.
+  std::vector<OneCall> EveryCall() {
+    const char* const local = local_.c_str();
+    const auto taken = [](auto* records) {
+      delete[] records;
+      return records == nullptr ? 0 : 1;
+    };
+    return {
+        {[=] { return CRvoFile::UpLoadFileToServer(local, "s"); }, 0},
+        {[=] { return CRvoFile::DownLoadServerFile(local, "s"); }, 0},
+        {[] { return CRvoFile::DeleteServerFile("s"); }, 0},
+        {[this] { return CRvoFile::GetFileInfor("s", &info_); }, 1},
+        {[] { return CRvoFile::CopyOneFile("a", "b"); }, 1},
+        {[] { return CRvoFile::RenOneFile("a", "b"); }, 1},
+        {[] { return CRvoFolder::NewOneFolder("f"); }, 1},
+        {[] { return CRvoFolder::DelOneFolder("f"); }, 1},
+        {[] { return CRvoFolder::RenOneFolder("f", "g"); }, 1},
+        {[=, this] { return taken(CRvoFolder::GetFilesInFolder("f", count_, 0)); }, 0},
+        {[=, this] { return taken(CRvoFolder::GetChildFolderInfo(count_, "f")); }, 0},
+        {[this] { return CRvoFolderEx::GetFilesInFolderEx("f", count_, 0, 0, 0, -1, &buffer_); },
+         0},
+        {[=] { return CRvoIdFile::UpLoadFileToServerByFileID(local, "n", 1); }, 0},
+        {[=] { return CRvoIdFile::DownLoadServerFileByFileID(local, "n", 1); }, 0},
+        {[] { return CRvoIdFile::DeleteServerFileByFileID("n", 1); }, 0},
+        {[] { return CRvoIdFile::CopyIdFile(1, "a", 2, "b"); }, 0},
+        {[] { return CRvoIdFile::IsIdFileExist("n", 1); }, 0},
+        {[this] { return CRvoIdFileEx::GetIDFileCRC("n", 1, text_, value_, error_); }, 0},
+        {[this] { return CRvoIdFileEx::GetPackFileCRC("p", "n", 1, text_, value_, error_); }, 0},
+        {[this] { return CRvoIdFileEx::GetIDFileSavePath("n", 1, text_, error_); }, 0},
+        {[this] { return CRvoIdFileEx::CopyPackFileToIdFile("p", "n", 1, "t", 2, error_); }, 0},
+        // The directory, and what the server says about itself, know no offline state.
+        {[=, this] { return taken(CRvoAd::GetADGroupInfo("k", count_)); }, {}},
+        {[=, this] { return taken(CRvoAd::GetADGroupUserInfo("k", count_)); }, {}},
+        {[=, this] { return taken(CRvoAd::GetADUserInfo(count_)); }, {}},
+        {[] { return CRvoAd::CreateADDepart(1); }, {}},
+        {[] { return CRvoAd::AddADGroup("g", 1, 2); }, {}},
+        {[] { return CRvoAd::AddADGroupUsers("g", "u", 1); }, {}},
+        {[] { return CRvoAd::AddADUser("a", "b", 1); }, {}},
+        {[this] { return CRvoServer::GetQvNetExeInfo(&exe_); }, {}},
+        {[=, this] { return taken(CRvoServer::GetSubStoreInfo(count_, "s")); }, {}},
+        {[] { return CRvoServer::SendSvrLogInfo(1, "x"); }, {}},
+        {[] { return CRvoServer::GetDBConnString("d").GetLength(); }, {}},
+    };
+  }
+
+  const std::string local_ = folder_.Write("local", "before");
+  CString text_ = "text";
+  CString error_ = "error";
+  int value_ = 77;
+  int count_ = 77;
+  CZelkorSvrFileInfo info_{{'u'}};
+  CQvRvoBuf buffer_;
+  CQvNetExeInfo exe_;
 };
 
 }  // namespace qv::test

@@ -1,7 +1,4 @@
 // The exact bytes of every request.
-#include <cstring>
-#include <functional>
-
 #include "CallsFixture.h"
 #include "message/LittleEndian.h"
 
@@ -25,10 +22,17 @@ struct Sent {
 };
 
 struct Case {
-  const char* name;
   std::function<void()> call;
   Sent sent;
 };
+
+// What most calls send: fields, and nothing in the header.
+Sent Texts(std::uint32_t command, std::initializer_list<const char*> fields,
+           std::uint32_t reply_block = kReply) {
+  Fields all;
+  for (const char* const field : fields) all.Text(field);
+  return {command, kRequest, reply_block, all.Payload()};
+}
 
 std::string IdName(std::string name, int id) {
   name.resize(252);
@@ -49,7 +53,7 @@ class Requests : public Calls {
 
   void Expect(const std::vector<Case>& cases) {
     for (const Case& c : cases) {
-      SCOPED_TRACE(c.name);
+      SCOPED_TRACE(std::to_string(c.sent.command) + " " + std::to_string(&c - &cases[0]));
       transport_.requests.clear();
       c.call();
       ASSERT_EQ(transport_.requests.size(), 1u);
@@ -69,13 +73,6 @@ class Requests : public Calls {
       EXPECT_EQ(request.reply_file_flag, 1);
     }
   }
-
-  int count_ = 0;
-  int value_ = 0;
-  CString text_;
-  CString error_;
-  CZelkorSvrFileInfo info_{};
-  CQvRvoBuf buffer_;
 };
 
 TEST_F(Requests, OfFilesByPathAndByIdentifier) {
@@ -86,96 +83,61 @@ TEST_F(Requests, OfFilesByPathAndByIdentifier) {
                         const std::string& file = "", const std::string& reply_file = "") {
     return Sent{code, kSmall, kSmall, "", name, flag, file, reply_file};
   };
+  const auto identified = [](std::uint32_t code, const Fields& fields) {
+    return Sent{code, kRequest, kRequest, fields.Payload()};
+  };
+  const auto copied = [](const Fields& fields) {
+    return Sent{140, kMebibyte, kMebibyte, fields.Payload(), "", 0};
+  };
   Expect({
-      {"upload", [&] { CRvoFile::UpLoadFileToServer(local, "a\\b"); },
-       small(100, "a\\b", 0, absent)},
-      {"download", [&] { CRvoFile::DownLoadServerFile(local, "a\\b"); },
-       small(101, "a\\b", 0, "", absent)},
-      {"delete", [&] { CRvoFile::DeleteServerFile(long_name.c_str()); },
+      {[&] { CRvoFile::UpLoadFileToServer(local, "a\\b"); }, small(100, "a\\b", 0, absent)},
+      {[&] { CRvoFile::DownLoadServerFile(local, "a\\b"); }, small(101, "a\\b", 0, "", absent)},
+      {[&] { CRvoFile::DeleteServerFile(long_name.c_str()); },
        small(700, long_name.substr(0, 255))},
-      {"upload by id", [&] { CRvoIdFile::UpLoadFileToServerByFileID(local, "n", 7); },
+      {[&] { CRvoIdFile::UpLoadFileToServerByFileID(local, "n", 7); },
        small(130, IdName("n", 7), 0, absent)},
-      {"download by id",
-       [&] { CRvoIdFile::DownLoadServerFileByFileID(local, long_name.c_str(), 0x01020304); },
+      {[&] { CRvoIdFile::DownLoadServerFileByFileID(local, long_name.c_str(), 0x01020304); },
        small(131, IdName(long_name.substr(0, 251), 0x01020304), 0, "", absent)},
-      {"delete by id", [] { CRvoIdFile::DeleteServerFileByFileID("n", 0); },
-       small(730, IdName("n", 0))},
-      {"delete by an id that there is not", [] { CRvoIdFile::DeleteServerFileByFileID("n", -1); },
-       small(730, "")},
-      {"copy by id",
-       [] { CRvoIdFile::CopyIdFile(1, "from", 2, "to"); },
-       {140, kMebibyte, kMebibyte, Fields().Number(1).Text("from").Number(2).Text("to").Payload(),
-        "", 0}},
-      {"copy by id of no names",
-       [] { CRvoIdFile::CopyIdFile(-1, "", 2, nullptr); },
-       {140, kMebibyte, kMebibyte, Fields().Number(-1).Number(2).Payload(), "", 0}},
-      {"exists",
-       [] { CRvoIdFile::IsIdFileExist("n", 9); },
+      {[] { CRvoIdFile::DeleteServerFileByFileID("n", 0); }, small(730, IdName("n", 0))},
+      {[] { CRvoIdFile::DeleteServerFileByFileID("n", -1); }, small(730, "")},
+      {[] { CRvoIdFile::CopyIdFile(1, "from", 2, "to"); },
+       copied(Fields().Number(1).Text("from").Number(2).Text("to"))},
+      {[] { CRvoIdFile::CopyIdFile(-1, "", 2, nullptr); }, copied(Fields().Number(-1).Number(2))},
+      {[] { CRvoIdFile::IsIdFileExist("n", 9); },
        {150, kSmall, kSmall, Fields().Number(9).Text("n").Payload()}},
-      {"information",
-       [&] { CRvoFile::GetFileInfor("a\\b", &info_); },
-       {6007, kRequest, kReply, Fields().Text("a\\b").Payload()}},
-      {"copy",
-       [] { CRvoFile::CopyOneFile("a", "b"); },
-       {6011, kRequest, kReply, Fields().Text("a").Text("b").Payload()}},
-      {"rename",
-       [] { CRvoFile::RenOneFile("a", "b"); },
-       {6005, kRequest, kReply, Fields().Text("a").Text("b").Payload()}},
-      {"checksum",
-       [&] { CRvoIdFileEx::GetIDFileCRC("n", 5, text_, value_, error_); },
-       {6032, kRequest, kRequest, Fields().Text("n").Number(5).Payload()}},
-      {"packed checksum",
-       [&] { CRvoIdFileEx::GetPackFileCRC("p", "n", 5, text_, value_, error_); },
-       {6031, kRequest, kRequest, Fields().Text("p").Text("n").Number(5).Payload()}},
-      {"save path",
-       [&] { CRvoIdFileEx::GetIDFileSavePath("n", 5, text_, error_); },
-       {6033, kRequest, kRequest, Fields().Text("n").Number(5).Payload()}},
-      {"unpack",
-       [&] { CRvoIdFileEx::CopyPackFileToIdFile("p", "n", 1, "t", 2, error_); },
-       {6030, kRequest, kRequest,
-        Fields().Text("p").Text("n").Number(1).Text("t").Number(2).Payload()}},
+      {[&] { CRvoFile::GetFileInfor("a\\b", &info_); }, Texts(6007, {"a\\b"})},
+      {[] { CRvoFile::CopyOneFile("a", "b"); }, Texts(6011, {"a", "b"})},
+      {[] { CRvoFile::RenOneFile("a", "b"); }, Texts(6005, {"a", "b"})},
+      {[&] { CRvoIdFileEx::GetIDFileCRC("n", 5, text_, value_, error_); },
+       identified(6032, Fields().Text("n").Number(5))},
+      {[&] { CRvoIdFileEx::GetPackFileCRC("p", "n", 5, text_, value_, error_); },
+       identified(6031, Fields().Text("p").Text("n").Number(5))},
+      {[&] { CRvoIdFileEx::GetIDFileSavePath("n", 5, text_, error_); },
+       identified(6033, Fields().Text("n").Number(5))},
+      {[&] { CRvoIdFileEx::CopyPackFileToIdFile("p", "n", 1, "t", 2, error_); },
+       identified(6030, Fields().Text("p").Text("n").Number(1).Text("t").Number(2))},
   });
 }
 
 TEST_F(Requests, OfFolders) {
   const auto page = [](const char* pattern, const char* flag, int option, int from, int to) {
+    const Fields texts = Fields().Text("f").Text(pattern).Text(flag);
     return Sent{6029, kRequest, kMebibyte,
-                Fields()
-                    .Text("f")
-                    .Text(pattern)
-                    .Text(flag)
-                    .Number(option)
-                    .Number(from)
-                    .Number(to)
-                    .Payload()};
+                Fields(texts).Number(option).Number(from).Number(to).Payload()};
   };
   Expect({
-      {"children",
-       [&] { CRvoFolder::GetChildFolderInfo(count_, "f"); },
-       {6001, kRequest, kMebibyte, Fields().Text("f").Payload()}},
-      {"matching",
-       [&] { CRvoFolder::GetMatchFilesInFolder("f", "*.dwg", count_, -2); },
-       {6002, kRequest, kReply, Fields().Text("f").Text("*.dwg").Text("1").Payload()}},
-      {"all",
-       [&] { CRvoFolder::GetFilesInFolder("f", count_, 0); },
-       {6002, kRequest, kReply, Fields().Text("f").Text("*.*").Text("0").Payload()}},
+      {[&] { CRvoFolder::GetChildFolderInfo(count_, "f"); }, Texts(6001, {"f"}, kMebibyte)},
+      {[&] { CRvoFolder::GetMatchFilesInFolder("f", "*.dwg", count_, -2); },
+       Texts(6002, {"f", "*.dwg", "1"})},
+      {[&] { CRvoFolder::GetFilesInFolder("f", count_, 0); }, Texts(6002, {"f", "*.*", "0"})},
       // An empty text is no field.
-      {"of no name",
-       [&] { CRvoFolder::GetFilesInFolder("", count_, 0); },
-       {6002, kRequest, kReply, Fields().Text("*.*").Text("0").Payload()}},
-      {"new",
-       [] { CRvoFolder::NewOneFolder("f"); },
-       {6003, kRequest, kReply, Fields().Text("f").Payload()}},
-      {"delete",
-       [] { CRvoFolder::DelOneFolder("f"); },
-       {6004, kRequest, kReply, Fields().Text("f").Payload()}},
-      {"rename",
-       [] { CRvoFolder::RenOneFolder("f", "g"); },
-       {6005, kRequest, kReply, Fields().Text("f").Text("g").Payload()}},
-      {"page",
-       [&] { CRvoFolderEx::GetMatchFilesInFolderEx("f", "?", count_, 1, 3, 5, 5, &buffer_); },
+      {[&] { CRvoFolder::GetFilesInFolder("", count_, 0); }, Texts(6002, {"*.*", "0"})},
+      {[] { CRvoFolder::NewOneFolder("f"); }, Texts(6003, {"f"})},
+      {[] { CRvoFolder::DelOneFolder("f"); }, Texts(6004, {"f"})},
+      {[] { CRvoFolder::RenOneFolder("f", "g"); }, Texts(6005, {"f", "g"})},
+      {[&] { CRvoFolderEx::GetMatchFilesInFolderEx("f", "?", count_, 1, 3, 5, 5, &buffer_); },
        page("?", "1", 3, 5, 5)},
-      {"rest", [&] { CRvoFolderEx::GetFilesInFolderEx("f", count_, 0, 0, 10, -1, &buffer_); },
+      {[&] { CRvoFolderEx::GetFilesInFolderEx("f", count_, 0, 0, 10, -1, &buffer_); },
        page("*.*", "0", 0, 10, -1)},
   });
   transport_.requests.clear();
@@ -190,45 +152,29 @@ TEST_F(Requests, OfFolders) {
   EXPECT_TRUE(transport_.requests.empty());
 }
 
-TEST_F(Requests, OfTheDirectory) {
-  const auto texts = [](std::uint32_t code, std::initializer_list<const char*> fields) {
-    Fields all;
-    for (const char* const field : fields) all.Text(field);
-    return Sent{code, kRequest, kReply, all.Payload()};
-  };
+TEST_F(Requests, OfTheDirectoryAndTheServer) {
   Expect({
-      {"groups", [&] { CRvoAd::GetADGroupInfo("k", count_); }, texts(6015, {"k"})},
-      {"users of", [&] { CRvoAd::GetADGroupUserInfo("g", count_); }, texts(6016, {"g"})},
-      {"department", [] { CRvoAd::CreateADDepart(-5); }, texts(6017, {"-5"})},
-      {"group", [] { CRvoAd::AddADGroup("g", 1, 2); }, texts(6018, {"g", "1", "2"})},
-      {"members", [] { CRvoAd::AddADGroupUsers("g\\h", "d\\u,\xB0\\v", 0); },
-       texts(6019, {"g\\h", "d/u,\xB0/v", "0"})},  // byte by byte
-      {"users", [&] { CRvoAd::GetADUserInfo(count_); }, texts(6020, {})},
-      {"user", [] { CRvoAd::AddADUser("a", "b", 2); }, texts(6021, {"a", "b", "2"})},
+      {[&] { CRvoAd::GetADGroupInfo("k", count_); }, Texts(6015, {"k"})},
+      {[&] { CRvoAd::GetADGroupUserInfo("g", count_); }, Texts(6016, {"g"})},
+      {[] { CRvoAd::CreateADDepart(-5); }, Texts(6017, {"-5"})},
+      {[] { CRvoAd::AddADGroup("g", 1, 2); }, Texts(6018, {"g", "1", "2"})},
+      {[] { CRvoAd::AddADGroupUsers("g\\h", "d\\u,\xB0\\v", 0); },
+       Texts(6019, {"g\\h", "d/u,\xB0/v", "0"})},  // byte by byte
+      {[&] { CRvoAd::GetADUserInfo(count_); }, Texts(6020, {})},
+      {[] { CRvoAd::AddADUser("a", "b", 2); }, Texts(6021, {"a", "b", "2"})},
+      {[&] { CRvoServer::GetQvNetExeInfo(&exe_); }, Texts(6008, {})},
+      {[&] { CRvoServer::GetSubStoreInfo(count_, "s"); }, Texts(6009, {"s"})},
+      {[] { CRvoServer::GetDBConnString("d"); }, Texts(710, {"d"})},
+  });
+  CRvoServer::SetServerType("TCP_IP", "main", 4000);
+  const auto log = [](const Fields& fields) { return Sent{4, kRequest, kReply, fields.Payload()}; };
+  Expect({
+      {[] { CRvoServer::SendSvrLogInfo(3, "line"); }, log(Fields().Number(3).Text("line"))},
+      {[] { CRvoServer::SendSvrLogInfo(3, ""); }, log(Fields().Number(3))},
   });
   transport_.requests.clear();
   for (const int mode : {-1, 3}) EXPECT_EQ(CRvoAd::AddADUser("a", "b", mode), 0);
   EXPECT_TRUE(transport_.requests.empty());
-}
-
-TEST_F(Requests, OfTheServer) {
-  CRvoServer::SetServerType("TCP_IP", "main", 4000);
-  CQvNetExeInfo info;
-  Expect({
-      {"program", [&] { CRvoServer::GetQvNetExeInfo(&info); }, {6008}},
-      {"sub-stores",
-       [&] { CRvoServer::GetSubStoreInfo(count_, "s"); },
-       {6009, kRequest, kReply, Fields().Text("s").Payload()}},
-      {"log",
-       [] { CRvoServer::SendSvrLogInfo(3, "line"); },
-       {4, kRequest, kReply, Fields().Number(3).Text("line").Payload()}},
-      {"empty log",
-       [] { CRvoServer::SendSvrLogInfo(3, ""); },
-       {4, kRequest, kReply, Fields().Number(3).Payload()}},
-      {"connection",
-       [] { CRvoServer::GetDBConnString("d"); },
-       {710, kRequest, kReply, Fields().Text("d").Payload()}},
-  });
 }
 
 TEST_F(Requests, CutTheLogAtWholeCharacters) {

@@ -1,8 +1,6 @@
 // What the calls make of answers, and of being offline.
 #include <cstring>
-#include <functional>
 #include <limits>
-#include <optional>
 
 #include "CallsFixture.h"
 
@@ -17,21 +15,18 @@ class Results : public Calls {
     int result;
   };
 
-  void Expect(const char* name, const std::function<int()>& call,
+  // Each of the calls makes the same of the answers.
+  void Expect(const std::vector<std::function<int()>>& calls,
               const std::vector<Answered>& answers) {
-    for (const Answered& a : answers) {
-      Answer(a.fields, a.transport);
-      EXPECT_EQ(call(), a.result) << name << " after " << a.transport << " and "
-                                  << testing::PrintToString(a.fields.Payload());
+    for (const auto& call : calls) {
+      for (const Answered& a : answers) {
+        Answer(a.fields, a.transport);
+        EXPECT_EQ(call(), a.result) << &call - &calls[0] << " after " << a.transport << " and "
+                                    << testing::PrintToString(a.fields.Payload());
+      }
     }
   }
   static Fields Text(const char* text) { return Fields().Text(text); }
-
-  const std::string local_ = folder_.Write("local", "before");
-  CString text_ = "text";
-  CString error_ = "error";
-  int value_ = 77;
-  int count_ = 77;
 };
 
 TEST_F(Results, OfStatusWords) {
@@ -39,22 +34,18 @@ TEST_F(Results, OfStatusWords) {
                                        {Text("FAILURE"), 0, 1},  {Fields(), 0, 1},
                                        {Text("SUCCESS"), 1, 1},  {Text("SUCCESS"), -1, -1},
                                        {Text("SUCCESS"), -2, -2}};
-  Expect(
-      "upload", [&] { return CRvoFile::UpLoadFileToServer(local_.c_str(), "s"); }, plain);
-  Expect(
-      "upload by id",
-      [&] { return CRvoIdFile::UpLoadFileToServerByFileID(local_.c_str(), "s", 1); }, plain);
-  Expect(
-      "delete", [] { return CRvoFile::DeleteServerFile("s"); }, plain);
-  Expect(
-      "delete by id", [] { return CRvoIdFile::DeleteServerFileByFileID("s", 1); }, plain);
-  Expect("exists", [] { return CRvoIdFile::IsIdFileExist("s", 1); },
-         {{Text("SUCCESS"), 0, 1},
-          {Text("FAILURE"), 0, 0},
-          {Text("SUCCESS"), 1, 0},
-          {Text("SUCCESS"), -1, 0},
-          {Fields(), 0, 0}});
-  Expect("copy by id", [] { return CRvoIdFile::CopyIdFile(1, "a", 2, "b"); },
+  const char* const local = local_.c_str();
+  Expect({[=] { return CRvoFile::UpLoadFileToServer(local, "s"); },
+          [=] { return CRvoIdFile::UpLoadFileToServerByFileID(local, "s", 1); },
+          [] { return CRvoFile::DeleteServerFile("s"); },
+          [] { return CRvoIdFile::DeleteServerFileByFileID("s", 1); }},
+         plain);
+  Expect({[] { return CRvoIdFile::IsIdFileExist("s", 1); }}, {{Text("SUCCESS"), 0, 1},
+                                                              {Text("FAILURE"), 0, 0},
+                                                              {Text("SUCCESS"), 1, 0},
+                                                              {Text("SUCCESS"), -1, 0},
+                                                              {Fields(), 0, 0}});
+  Expect({[] { return CRvoIdFile::CopyIdFile(1, "a", 2, "b"); }},
          {{Text("SUCCESS"), 0, 0},
           {Text("FAILURE").Number(7), 0, 7},
           {Text("FAILURE").Number(-5), 0, -5},
@@ -99,19 +90,15 @@ TEST_F(Results, OfNumbers) {
       {Text("1"), 0, 1},    {Text(" +2x"), 0, 1}, {Text("0"), 0, 0},  {Text("-3"), 0, 0},
       {Text("none"), 0, 0}, {Fields(), 0, 0},     {Text("1"), -1, 0}, {Text("1"), -2, 1}};
   Expect(
-      "rename", [] { return CRvoFile::RenOneFile("a", "b"); }, above_zero);
-  Expect(
-      "new folder", [] { return CRvoFolder::NewOneFolder("a"); }, above_zero);
-  Expect(
-      "delete folder", [] { return CRvoFolder::DelOneFolder("a"); }, above_zero);
-  Expect(
-      "rename folder", [] { return CRvoFolder::RenOneFolder("a", "b"); }, above_zero);
-  Expect("copy", [] { return CRvoFile::CopyOneFile("a", "b"); },
-         {{Text("1"), 0, 1},
-          {Text("2"), 0, 0},
-          {Text("0"), 0, 0},
-          {Text("1"), -1, 0},
-          {Text("1"), 3, 1}});
+      {[] { return CRvoFile::RenOneFile("a", "b"); }, [] { return CRvoFolder::NewOneFolder("a"); },
+       [] { return CRvoFolder::DelOneFolder("a"); },
+       [] { return CRvoFolder::RenOneFolder("a", "b"); }},
+      above_zero);
+  Expect({[] { return CRvoFile::CopyOneFile("a", "b"); }}, {{Text("1"), 0, 1},
+                                                            {Text("2"), 0, 0},
+                                                            {Text("0"), 0, 0},
+                                                            {Text("1"), -1, 0},
+                                                            {Text("1"), 3, 1}});
   const std::vector<Answered> answer = {{Text("41"), 0, 41},
                                         {Text("0"), 0, 0},
                                         {Text("-3").Text("why"), 0, 0},
@@ -120,20 +107,15 @@ TEST_F(Results, OfNumbers) {
                                         {Text("5"), -1, 0},
                                         {Text("5"), 9, 5},
                                         {Text("99999999999"), 0, std::numeric_limits<int>::max()}};
-  Expect(
-      "department", [] { return CRvoAd::CreateADDepart(1); }, answer);
-  Expect(
-      "group", [] { return CRvoAd::AddADGroup("g", 1, 2); }, answer);
-  Expect(
-      "members", [] { return CRvoAd::AddADGroupUsers("g", "u", 1); }, answer);
-  Expect(
-      "user", [] { return CRvoAd::AddADUser("a", "b", 0); }, answer);
-  Expect("log", [] { return CRvoServer::SendSvrLogInfo(1, "x"); },
-         {{Text("SUCCESS"), 0, 1},
-          {Text("SUCCESS"), 2, 1},
-          {Text("SUCCESS"), -1, 0},
-          {Text("success"), 0, 0},
-          {Fields(), 0, 0}});
+  Expect({[] { return CRvoAd::CreateADDepart(1); }, [] { return CRvoAd::AddADGroup("g", 1, 2); },
+          [] { return CRvoAd::AddADGroupUsers("g", "u", 1); },
+          [] { return CRvoAd::AddADUser("a", "b", 0); }},
+         answer);
+  Expect({[] { return CRvoServer::SendSvrLogInfo(1, "x"); }}, {{Text("SUCCESS"), 0, 1},
+                                                               {Text("SUCCESS"), 2, 1},
+                                                               {Text("SUCCESS"), -1, 0},
+                                                               {Text("success"), 0, 0},
+                                                               {Fields(), 0, 0}});
 }
 
 // The bytes of an array of three records, which is freed; nothing for a null one.
@@ -307,7 +289,6 @@ TEST_F(Results, OfTheClientProgram) {
   other.m_server.Empty();
   EXPECT_EQ(CRvoServer::GetQvNetExeInfo(&other), 0);
   EXPECT_EQ(other.m_server, "main");
-  EXPECT_EQ(CRvoServer::GetDBConnString("d"), "");
   EXPECT_EQ(CRvoServer::QvURL("a", -1, "b"), "a_-1:b");
 
   // A line that is missing is as the one before; a last line without an end loses a character.
@@ -331,59 +312,49 @@ TEST_F(Results, OfTheClientProgram) {
   EXPECT_EQ(other.LoadData(nullptr) + other.SaveData(nullptr), 0);
 }
 
-TEST_F(Results, WhileTheNetworkIsHeldForBad) {
-  CZelkorSvrFileInfo info{{'u'}};
-  CQvRvoBuf buffer;
-  const char* const local = local_.c_str();
+TEST_F(Results, OfConnectionTexts) {
   const struct {
-    std::function<int()> call;
-    int result;
-  } cases[] = {
-      {[&] { return CRvoFile::UpLoadFileToServer(local, "s"); }, 0},
-      {[&] { return CRvoFile::DownLoadServerFile(local, "s"); }, 0},
-      {[&] { return CRvoFile::DeleteServerFile("s"); }, 0},
-      {[&] { return CRvoFile::GetFileInfor("s", &info); }, 1},
-      {[&] { return CRvoFile::CopyOneFile("a", "b"); }, 1},
-      {[&] { return CRvoFile::RenOneFile("a", "b"); }, 1},
-      {[&] { return CRvoFolder::NewOneFolder("a"); }, 1},
-      {[&] { return CRvoFolder::DelOneFolder("a"); }, 1},
-      {[&] { return CRvoFolder::RenOneFolder("a", "b"); }, 1},
-      {[&] { return CRvoFolder::GetFilesInFolder("a", count_, 0) == nullptr ? 0 : 1; }, 0},
-      {[&] { return CRvoFolder::GetChildFolderInfo(count_, "a") == nullptr ? 0 : 1; }, 0},
-      {[&] { return CRvoFolderEx::GetFilesInFolderEx("f", count_, 0, 0, 0, -1, &buffer); }, 0},
-      {[&] { return CRvoIdFile::UpLoadFileToServerByFileID(local, "n", 1); }, 0},
-      {[&] { return CRvoIdFile::DownLoadServerFileByFileID(local, "n", 1); }, 0},
-      {[&] { return CRvoIdFile::DeleteServerFileByFileID("n", 1); }, 0},
-      {[&] { return CRvoIdFile::CopyIdFile(1, "a", 2, "b"); }, 0},
-      {[&] { return CRvoIdFile::IsIdFileExist("n", 1); }, 0},
-      {[&] { return CRvoIdFileEx::GetIDFileCRC("n", 1, text_, value_, error_); }, 0},
-      {[&] { return CRvoIdFileEx::GetPackFileCRC("p", "n", 1, text_, value_, error_); }, 0},
-      {[&] { return CRvoIdFileEx::GetIDFileSavePath("n", 1, text_, error_); }, 0},
-      {[&] { return CRvoIdFileEx::CopyPackFileToIdFile("p", "n", 1, "t", 2, error_); }, 0},
-  };
+    Fields fields;
+    int transport;
+    const char* text;
+  } cases[] = {{Text("1").Text("Driver=X"), 0, "Driver=X"},
+               {Text("1").Text("Driver=X"), -2, "Driver=X"},
+               {Text("1").Text("Driver=X"), -1, ""},
+               {Text("0").Text("Driver=X"), 0, ""},
+               {Text("1"), 0, ""}};
+  for (const auto& c : cases) {
+    Answer(c.fields, c.transport);
+    EXPECT_EQ(CRvoServer::GetDBConnString("d"), c.text);
+  }
+}
+
+TEST_F(Results, WhileTheNetworkIsHeldForBad) {
   Answer(Text("1"));
   CRvoServer::SetServerType("WEB_IIS", "main", 4000);
   state_.cache.SetState(kNetworkBad);
-  for (const auto& c : cases) EXPECT_EQ(c.call(), c.result) << &c - cases;
+  const auto calls = EveryCall();
+  for (const auto& [call, while_bad] : calls) {
+    if (while_bad.has_value()) {
+      EXPECT_EQ(call(), while_bad);
+    }
+  }
   EXPECT_TRUE(transport_.requests.empty());
   EXPECT_TRUE(transport_.bad_state_questions.empty());  // only the stored word counts
   EXPECT_EQ(std::string(text_) + std::string(error_), "texterror");
   EXPECT_EQ(count_, 77);
   EXPECT_EQ(BytesOf(local_), "before");
-  EXPECT_EQ(info.bytes[0], 'u');
+  EXPECT_EQ(info_.bytes[0], 'u');
   EXPECT_EQ(CRvoIdFile::GetIdFilePath(42), "0\\00\\00\\42\\");
-  // The directory, and what the server says about itself, know no offline state.
-  CRvoServer::SetServerType("TCP_IP", "main", 4000);
-  CRvoAd::CreateADDepart(1);
-  delete[] CRvoAd::GetADUserInfo(count_);
-  delete[] CRvoServer::GetSubStoreInfo(count_, "s");
-  CRvoServer::SendSvrLogInfo(1, "x");
-  EXPECT_EQ(transport_.requests.size(), 4u);
 
+  CRvoServer::SetServerType("TCP_IP", "main", 4000);
+  for (const auto& [call, while_bad] : calls) {
+    if (!while_bad) call();
+  }
+  EXPECT_EQ(transport_.requests.size(), 11u);
   state_.cache.SetState(kOfflineByChoice);
   transport_.requests.clear();
-  for (const auto& c : cases) (void)c.call();
-  EXPECT_EQ(transport_.requests.size(), std::size(cases));
+  for (const auto& one : calls) one.call();
+  EXPECT_EQ(transport_.requests.size(), calls.size());
 }
 
 TEST_F(Results, OfIdentifierFolders) {
