@@ -148,20 +148,10 @@ TEST_P(EveryWay, OfflineIsWhatTheSocketKnows) {
   EXPECT_TRUE(std::filesystem::is_empty(folder_.Path() / "temp"));
 }
 
-std::string NameOf(const testing::TestParamInfo<Way>& way) {
-  switch (way.param) {
-    case Way::kSocket:
-      return "Socket";
-    case Way::kWeb:
-      return "Web";
-    case Way::kDirect:
-      break;
-  }
-  return "Direct";
-}
+constexpr const char* kNames[] = {"Socket", "Web", "Direct"};
 
 INSTANTIATE_TEST_SUITE_P(Ways, EveryWay, testing::Values(Way::kSocket, Way::kWeb, Way::kDirect),
-                         NameOf);
+                         [](const auto& way) { return kNames[static_cast<int>(way.param)]; });
 
 }  // namespace
 }  // namespace qv

@@ -1,20 +1,12 @@
 // Servers and disks that fail while a query is on its way: each gives its documented code and
 // leaves no file behind.
-#include <gtest/gtest.h>
-#include <qvnetcall/QvNetCall4.h>
 #include <sys/resource.h>
 
-#include <array>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <optional>
-#include <string>
 
-#include "message/LittleEndian.h"
+#include "EndToEnd.h"
 #include "tests/support/ScriptedServer.h"
-#include "tests/support/TempFolder.h"
 
 namespace qv {
 namespace {
@@ -39,23 +31,9 @@ class FullDisk {
   void (*handler_)(int);
 };
 
-std::string Number(std::uint32_t number) {
-  std::string bytes(sizeof number, '\0');
-  StoreU32(bytes.data(), number);
-  return bytes;
-}
-
-std::array<unsigned char, kFrameHeaderSize> ReplyHeader(
-    std::uint64_t payload_length, std::optional<std::uint64_t> file_length = std::nullopt) {
-  return EncodeHeader({FrameKind::kReply, 0, payload_length, file_length});
-}
-
-class FailingServer : public testing::Test {
+class FailingServer : public EndToEnd {
  protected:
   FailingServer() {
-    CRvoServer::InitNet();
-    std::filesystem::create_directory(folder_.Path() / "temp");
-    CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp/").c_str());
     CRvoServer::SetNetClientPara("io_timeout_ms", "300");
     CRvoServer::SetNetClientPara("connect_timeout_ms", "1000");
     CRvoDatabase::m_NeedUpdateCompressState = 0;  // one exchange per query
@@ -63,8 +41,6 @@ class FailingServer : public testing::Test {
   ~FailingServer() override {
     CRvoServer::SetNetClientPara("io_timeout_ms", "30000");
     CRvoServer::SetNetClientPara("connect_timeout_ms", "5000");
-    CRvoServer::FinitNet();
-    CRvoDatabase::Ini();
   }
 
   // A recordset of that many rows, with text enough to be large.
@@ -98,9 +74,7 @@ class FailingServer : public testing::Test {
         << std::filesystem::directory_iterator(folder_.Path() / "temp")->path();
   }
 
-  const std::string in_reply_ = Field("SUCCESS") + Field(Number(1)) + Field("MEMORY");
-  const std::string in_file_ = Field("SUCCESS") + Field(Number(1)) + Field("FILE");
-  TempFolder folder_;
+  const std::string found_ = Field("SUCCESS") + Field({"\1\0\0\0", 4});
 };
 
 TEST_F(FailingServer, CannotBeReached) {
@@ -114,61 +88,34 @@ TEST_F(FailingServer, CannotBeReached) {
   ExpectNothingLeft();
 }
 
-TEST_F(FailingServer, HangsUpOrSaysNothing) {
-  EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide&) {})), -2);
+TEST_F(FailingServer, GivesNoWholeAnswer) {
   EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
               WholeFrame never;
               static_cast<void>(side.Receive(never));
             })),
             -2);
-  ExpectNothingLeft();
-}
-
-TEST_F(FailingServer, SendsWhatIsNoFrame) {
-  EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
-              const std::string noise(4096, '\xFF');
-              static_cast<void>(side.Write({BytesOfText(noise)}));
-            })),
-            -3);
-  EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
-              auto header = ReplyHeader(1ULL << 32);
-              static_cast<void>(side.Write({header}));
-            })),
-            -3);
-  EXPECT_EQ(SelectFrom(AfterRequest([](ServerSide& side) {
-              const auto header = ReplyHeader(4);
-              const std::string rest(kFrameBlockSize + 4 + kFrameChecksumSize, 'x');
-              static_cast<void>(side.Write({header, BytesOfText(rest)}));
-            })),
-            -3);
-  ExpectNothingLeft();
-}
-
-TEST_F(FailingServer, HangsUpInTheMiddleOfAFile) {
-  const std::string payload = in_file_;
-  const auto script = AfterRequest([payload](ServerSide& side) {
-    const auto header = ReplyHeader(payload.size(), 1 << 20);
-    const std::string block(kFrameBlockSize, '\0');
-    std::string checksum(kFrameChecksumSize, '\0');
-    StoreU32(checksum.data(), Crc32(Crc32(0, BytesOfText(block)), BytesOfText(payload)));
-    const std::string bytes(5000, 'f');
-    const auto chunk = EncodeChunk({.length = 5000, .checksum = Crc32(0, BytesOfText(bytes))});
-    static_cast<void>(side.Write({header, BytesOfText(block), BytesOfText(payload),
-                                  BytesOfText(checksum), chunk, BytesOfText(bytes)}));
-  });
-  EXPECT_EQ(SelectFrom(script), -2);
-  ExpectNothingLeft();
+  const std::string right = ReplyWithFile();
+  const std::pair<std::string, int> cases[] = {{"", -2},
+                                               {right.substr(0, 150'000), -2},
+                                               {std::string(4096, '\xFF'), -3},
+                                               {HeaderOnly(FrameKind::kReply, 1ULL << 32), -3},
+                                               {Damaged(right, 306), -3}};
+  for (const auto& [answer, result] : cases) {
+    const auto script = AfterRequest([&](ServerSide& side) { side.Write({BytesOfText(answer)}); });
+    EXPECT_EQ(SelectFrom(script), result) << answer.size();
+    ExpectNothingLeft();
+  }
 }
 
 TEST_F(FailingServer, AnswersOnToAFullDisk) {
   const std::string rowset = Rowset(3000);
   const std::string file = folder_.Write("answer.xml", rowset);
   const auto memory =
-      AfterRequest([&](ServerSide& side) { side.Reply(in_reply_ + Field(rowset)); });
+      AfterRequest([&](ServerSide& side) { side.Reply(found_ + Field("MEMORY") + Field(rowset)); });
   const auto streamed = AfterRequest([&](ServerSide& side) {
     auto outgoing = OutgoingFile::Open(file);
     ASSERT_TRUE(outgoing);
-    side.Reply(in_file_, &*outgoing);
+    side.Reply(found_ + Field("FILE"), &*outgoing);
   });
   EXPECT_EQ(SelectFrom(memory), 0);
   EXPECT_EQ(SelectFrom(streamed), 0);

@@ -1,19 +1,12 @@
 // A server that is killed in the middle of its work: a batch is wholly there or wholly absent, and
 // its caller never hears of a success that is not there.
-#include <gtest/gtest.h>
-#include <qvnetcall/QvNetCall4.h>
-
-#include <algorithm>
 #include <chrono>
 #include <map>
-#include <memory>
 #include <random>
-#include <string>
 #include <thread>
-#include <vector>
 
+#include "EndToEnd.h"
 #include "tests/support/ServerProcess.h"
-#include "tests/support/TempFolder.h"
 
 namespace qv {
 namespace {
@@ -24,17 +17,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int kBatches = 200;
 constexpr int kLines = 60;
 
-class KilledServer : public testing::Test {
+class KilledServer : public EndToEnd {
  protected:
-  KilledServer() {
-    CRvoServer::InitNet();
-    CRvoDatabase::SetFileTempInfo((folder_.Path() / "").c_str());
-  }
-  ~KilledServer() override {
-    CRvoServer::FinitNet();
-    CRvoDatabase::Ini();
-  }
-
   std::unique_ptr<ServerProcess> Start() const {
     auto server = std::make_unique<ServerProcess>(std::vector<std::string>{
         QV_STANDIN_PROGRAM, "--data", (folder_.Path() / "data").string(), "--port", "0"});
@@ -42,27 +26,19 @@ class KilledServer : public testing::Test {
     CRvoServer::SetConinfo("127.0.0.1", server->Port());
     return server;
   }
-  static int Execute(const CStringArray& texts) {
-    return CRvoDatabase::ExecuteMultiSQL(&texts, "DESIGNDB");
-  }
   static int Insert(int batch) {
-    CStringArray texts;
+    std::vector<std::string> texts;
     for (int line = 0; line < kLines; ++line) {
-      texts.Add(("insert into lines values (" + std::to_string(batch) + ", " +
-                 std::to_string(line) + ", '" + std::string(2000, 'x') + "')")
-                    .c_str());
+      texts.push_back("insert into lines values (" + std::to_string(batch) + ", " +
+                      std::to_string(line) + ", '" + std::string(2000, 'x') + "')");
     }
-    return Execute(texts);
+    return ExecuteBatch(texts);
   }
-
-  const TempFolder folder_;
 };
 
 TEST_F(KilledServer, LeavesEachBatchWhollyThereOrWhollyAbsent) {
   auto server = Start();
-  CStringArray table;
-  table.Add("create table lines(batch integer, line integer, text text)");
-  ASSERT_EQ(Execute(table), 0);
+  ASSERT_EQ(Execute("create table lines(batch integer, line integer, text text)"), 0);
   const auto before = Clock::now();
   ASSERT_EQ(Insert(0), 0);
   const auto undisturbed = std::chrono::duration_cast<Microseconds>(Clock::now() - before);
