@@ -37,8 +37,9 @@ class DirectAccess : public testing::Test {
     std::strcpy(files_.prefix, "qv");
     std::strcpy(files_.ext, "bin");
   }
+  // The file's name must reach the driver as it stands.
   std::string ConnectionText(const std::string& name) const {
-    return "Driver=SQLite3;SyncPragma=OFF;Database=" + (folder_.Path() / name).string();
+    return "Driver=SQLite3;SyncPragma=OFF;Database=" + (folder_.Path() / ("图纸 " + name)).string();
   }
   void Run(const std::string& sql) {
     EXPECT_EQ(database_.Execute(CString(std::string_view(sql)), "DESIGN"), 0)
@@ -140,6 +141,7 @@ TEST_F(DirectAccess, WritesBinaryCellsToFiles) {
   Run("insert into T values (1, x'0001FF27'), (2, zeroblob(150000)), (3, x''), (4, null)");
   CRvoDbRes rows;
   Query("select B, Id from T order by Id", rows);
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / "图纸 design"));
   EXPECT_EQ(BytesOf(rows._str(0, 0).View().data()), std::string("\x00\x01\xFF'", 4));
   EXPECT_EQ(BytesOf(rows._str(1, 0).View().data()), std::string(150000, '\0'));
   EXPECT_THAT(rows._str(0, 0).View().data(), StartsWith((Blobs() / "qv_").string()));

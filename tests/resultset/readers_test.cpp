@@ -134,18 +134,6 @@ TEST_F(ReadersTest, ValuesAreConvertedAndMeasured) {
   }
 }
 
-TEST_F(ReadersTest, MissingValuesAreNeutral) {
-  CRvoDbRes result;
-  ASSERT_TRUE(Rowset(RowsetHead({"name='i' dt:type='int'", "name='d' dt:type='float'",
-                                 "name='t' dt:type='dateTime'", "name='s' dt:type='string'",
-                                 "name='b' dt:type='bin.hex'"}) +
-                         "<z:row/><z:row i='' d='' t='' s='' b=''/>",
-                     result));
-  EXPECT_EQ(RowsOf(result), (Rows{"0|0.000000|||", "0|0.000000|||"}));
-  EXPECT_EQ(result._time(0, 2).m_dt, 0.0);
-  EXPECT_EQ(result.GetFiledLength(2), 0);
-}
-
 struct RowsCase {
   const char* what;
   std::string body;

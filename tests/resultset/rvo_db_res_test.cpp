@@ -55,16 +55,6 @@ std::vector<std::string> Texts(const CRvoDbRes& result, const char* field) {
 
 using Strings = std::vector<std::string>;
 
-TEST(RvoDbRes, GroupsEveryTypeCode) {
-  for (int type = 0; type < 256; ++type) {
-    const Cells cells = CellsFor(static_cast<std::uint8_t>(type));
-    const bool integer = type == 2 || type == 3 || type == 11 || type == 17 || type == 20;
-    EXPECT_EQ(std::holds_alternative<IntCells>(cells), integer) << type;
-    EXPECT_EQ(std::holds_alternative<DoubleCells>(cells), type == 5) << type;
-    EXPECT_EQ(std::holds_alternative<DateCells>(cells), type == 7 || type == 135) << type;
-  }
-}
-
 TEST(RvoDbRes, GivesTextFormsAndValuesByType) {
   CRvoDbRes result;
   Fill(result, {{"n", 3, {"-7", "2147483647", "0"}},
