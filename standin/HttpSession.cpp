@@ -66,6 +66,7 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
   const FrameStatus received = exchange.Receive(body, request.login_token);
   const bool is_whole = received == FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;
+  if (received == FrameStatus::kFileFailed) return Refuse(HttpStatus::kFailed, request);
   if (!is_whole) {
     const bool is_large = received == FrameStatus::kDoesNotFit;
     return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest);

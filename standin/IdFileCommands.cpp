@@ -59,14 +59,14 @@ std::string_view Explain(ErrorCode code) {
   }
 }
 
-void Explain(Reply& reply, Outcome outcome) {
+void RefuseWithText(Reply& reply, Outcome outcome) {
   const std::string_view text = Explain(outcome.code);
   Refuse(reply, std::move(outcome));
   reply.fields.Text(text);
 }
 
 void AnswerChecksum(Reply& reply, Outcome outcome, const Checksum& checksum) {
-  if (!outcome.Ok()) return Explain(reply, std::move(outcome));
+  if (!outcome.Ok()) return RefuseWithText(reply, std::move(outcome));
   reply.fields.Text(kYes);
   reply.fields.Text(checksum.Text());
   reply.fields.Integer(checksum.Size());
@@ -120,7 +120,7 @@ void FindIdFile(Services& services, Request& request, Reply& reply) {
 
 void SendIdChecksum(Services& services, Request& request, Reply& reply) {
   const auto wanted = ReadNameAndId(request.fields);
-  if (!wanted) return Explain(reply, FieldMissing());
+  if (!wanted) return RefuseWithText(reply, FieldMissing());
   reply.database = wanted->name;
   std::optional<platform::OpenedFile> opened;
   Checksum checksum;
@@ -131,11 +131,11 @@ void SendIdChecksum(Services& services, Request& request, Reply& reply) {
 
 void SendIdPath(Services& services, Request& request, Reply& reply) {
   const auto wanted = ReadNameAndId(request.fields);
-  if (!wanted) return Explain(reply, FieldMissing());
+  if (!wanted) return RefuseWithText(reply, FieldMissing());
   reply.database = wanted->name;
   std::optional<platform::OpenedFile> opened;
   Outcome outcome = services.data.Ids().Open(*wanted, opened);
-  if (!outcome.Ok()) return Explain(reply, std::move(outcome));
+  if (!outcome.Ok()) return RefuseWithText(reply, std::move(outcome));
   reply.fields.Text(kYes);
   reply.fields.Text(IdStore::FolderOf(wanted->id) + wanted->name);
 }
@@ -143,7 +143,7 @@ void SendIdPath(Services& services, Request& request, Reply& reply) {
 void SendPackedChecksum(Services& services, Request& request, Reply& reply) {
   const auto pack = request.fields.Text();
   const auto wanted = pack ? ReadNameAndId(request.fields) : std::nullopt;
-  if (!wanted) return Explain(reply, FieldMissing());
+  if (!wanted) return RefuseWithText(reply, FieldMissing());
   reply.database = *pack;
   Checksum checksum;
   Outcome outcome = Unpack(services, *pack, *wanted, checksum, request.limit);
@@ -154,12 +154,12 @@ void CopyPackedFile(Services& services, Request& request, Reply& reply) {
   const auto pack = request.fields.Text();
   const auto wanted = pack ? ReadNameAndId(request.fields) : std::nullopt;
   const auto target = wanted ? ReadNameAndId(request.fields) : std::nullopt;
-  if (!target) return Explain(reply, FieldMissing());
+  if (!target) return RefuseWithText(reply, FieldMissing());
   reply.database = *pack;
   TemporaryFile unpacked(services.data.IncomingFolder());
   Outcome outcome = Unpack(services, *pack, *wanted, unpacked, request.limit);
   if (outcome.Ok()) outcome = services.data.Ids().Put(*target, unpacked.Path());
-  if (!outcome.Ok()) return Explain(reply, std::move(outcome));
+  if (!outcome.Ok()) return RefuseWithText(reply, std::move(outcome));
   reply.fields.Text(kYes);
 }
 

@@ -13,7 +13,9 @@ bool Session::ServeRequest() {
   Exchange exchange(services_, rules_);
   const FrameStatus status = exchange.Receive(stream_);
   if (status != FrameStatus::kDone) {
-    if (status != FrameStatus::kConnectionLost) rules_.on_malformed_frame();
+    const bool is_its_fault =
+        status != FrameStatus::kConnectionLost && status != FrameStatus::kFileFailed;
+    if (is_its_fault) rules_.on_malformed_frame();
     return false;
   }
   const AnswerForm form{.dialect = Dialect::kRowset, .packed = false};
