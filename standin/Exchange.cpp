@@ -101,11 +101,14 @@ bool Exchange::Send(ByteStream& stream) {
 }
 
 void Exchange::Record() const {
+  // Paths mean the same so, and need no escapes.
+  std::string subject = reply_.database;
+  std::ranges::replace(subject, '\\', '/');
   std::uint64_t file_bytes = reply_.file != nullptr ? reply_.file->Size() : 0;
   if (reply_.stored) file_bytes = reply_.stored->size;
   rules_.on_served(
       {.command = command_,
-       .database = Remark(reply_.database),
+       .database = Remark(subject),
        .outcome = reply_.outcome.Ok() ? "done" : Remark(reply_.outcome.text),
        .bytes = reply_.fields.Payload().size() + file_bytes,
        .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_)});
