@@ -23,19 +23,19 @@ class DownloadPlan {
   DownloadPlan(bool recursive, TransferReport& report) : recursive_(recursive), report_(report) {}
 
   void Add(const std::string& server, const fs::path& local_folder) {
-    if (server.empty()) return AddInside(server, local_folder);
+    if (server.empty()) return AddInside(server, local_folder, false);
     const std::string name(LastPart(server));
     if (!CanBeTaken(server, name)) return;
     if (const auto file = FindFile(server)) {
       AddFile(server, local_folder / name, file->size);
     } else if (CRvoServer::GetIsNetworkBad(1) == 1) {
       report_.Fail(server, Call::kDownload, kNotReached);
-    } else if (!FindFolder(server)) {
+    } else if (const auto folder = FindFolder(server); !folder) {
       report_.Fail(server, Call::kDownload, kNoSuchFile);
     } else if (!recursive_) {
       report_.Fail(server, "is a folder, which is only fetched with -r");
     } else {
-      AddFolder(server, local_folder / name);
+      AddFolder(server, local_folder / name, folder->has_folders);
     }
   }
 
@@ -59,28 +59,30 @@ class DownloadPlan {
   }
 
   // A link would lead out of the folder that the user gave.
-  void AddFolder(const std::string& server, const fs::path& local) {
+  void AddFolder(const std::string& server, const fs::path& local, bool has_folders) {
     std::error_code error;
     if (!fs::create_directory(local, error) &&
         !fs::is_directory(fs::symlink_status(local, error))) {
       return report_.Fail(server, "there is no place for a folder at " + Visible(local.string()));
     }
-    AddInside(server, local);
+    AddInside(server, local, has_folders);
   }
 
-  void AddInside(const std::string& server, const fs::path& local) {
+  void AddInside(const std::string& server, const fs::path& local, bool has_folders) {
     const bool is_whole = ForEachFile(server, kEveryFile, [&](const ServerFile& file) {
       const std::string path = JoinServerPath(server, file.name);
       if (CanBeTaken(path, file.name)) AddFile(path, local / file.name, file.size);
       return entries_ <= kMostEntries;
     });
     const std::vector<ServerFolder> folders = FoldersIn(server);
-    if (!is_whole || CRvoServer::GetIsNetworkBad(1) == 1) {
+    // A server lists too many as none.
+    const bool hides_folders = has_folders && folders.empty();
+    if (!is_whole || hides_folders || CRvoServer::GetIsNetworkBad(1) == 1) {
       report_.Fail(server.empty() ? "the store" : server, "not all that is in it could be listed");
     }
     for (const ServerFolder& folder : folders) {
       const std::string path = JoinServerPath(server, folder.name);
-      if (CanBeTaken(path, folder.name)) AddFolder(path, local / folder.name);
+      if (CanBeTaken(path, folder.name)) AddFolder(path, local / folder.name, folder.has_folders);
       if (entries_ > kMostEntries) return;
     }
   }

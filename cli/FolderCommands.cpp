@@ -46,14 +46,21 @@ class Listing {
   std::size_t files_ = 0;
 };
 
+// A server lists too many folders as none, but they show where their own folder is listed.
+bool HidesFolders(const std::string& path) {
+  if (path.empty()) return false;
+  const auto folder = FindFolder(path);
+  return folder && folder->has_folders;
+}
+
 // Lists what is in the folder; false when not all of it came.
 bool ListInside(const ListFolder& command, Listing& listing) {
-  if (command.pattern.empty()) {
-    for (const ServerFolder& folder : FoldersIn(command.path)) listing.Add(folder);
-  }
-  const std::string pattern = command.pattern.empty() ? kEveryFile : command.pattern;
-  return ForEachFile(command.path, pattern,
-                     [&](const ServerFile& file) { return listing.Add(file); });
+  const auto add = [&](const ServerFile& file) { return listing.Add(file); };
+  if (!command.pattern.empty()) return ForEachFile(command.path, command.pattern, add);
+  const std::vector<ServerFolder> folders = FoldersIn(command.path);
+  for (const ServerFolder& folder : folders) listing.Add(folder);
+  const bool has_all_files = ForEachFile(command.path, kEveryFile, add);
+  return has_all_files && !(folders.empty() && HidesFolders(command.path));
 }
 
 // An empty folder and none at all look the same from inside, and so does a store that the token is
@@ -96,7 +103,7 @@ int Run(const Connection& connection, const ListFolder& command, std::ostream& o
   if (!out.flush()) return kFailed;
   fmt::print(err, "{}\n", listing.Count());
   if (is_whole) return kDone;
-  fmt::print(err, "qvcall: the listing broke off: there may be more\n");
+  fmt::print(err, "qvcall: not all of it could be listed\n");
   return kFailed;
 }
 

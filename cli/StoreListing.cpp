@@ -24,7 +24,8 @@ ServerFile FileOf(const CZelkorSvrFileInfo& record) {
 
 ServerFolder FolderFrom(const CZelkorSvrFolderInfo& record) {
   return {records::Text(record, records::folder::kName),
-          static_cast<std::int64_t>(records::Number(record, records::folder::kModified))};
+          static_cast<std::int64_t>(records::Number(record, records::folder::kModified)),
+          (records::Number(record, records::folder::kFlags) & records::folder::kHasFolders) != 0};
 }
 
 SubStore SubStoreOf(const CZelkorSvrSubStoreInfo& record) {
@@ -112,7 +113,11 @@ std::optional<ServerFolder> FindFolder(const std::string& path) {
   for (ServerFolder& folder : FoldersIn(std::string(FolderOf(path)))) {
     if (folder.name == LastPart(path)) return std::move(folder);
   }
-  return std::nullopt;
+  // A folder may have too many beside it for the server to list them.
+  const bool has_folders = !FoldersIn(path).empty();
+  const bool has_files = !ForEachFile(path, kEveryFile, [](const ServerFile&) { return false; });
+  if (!has_folders && !has_files) return std::nullopt;
+  return ServerFolder{std::string(LastPart(path)), -1, has_folders};
 }
 
 }  // namespace qv

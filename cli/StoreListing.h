@@ -18,7 +18,8 @@ struct ServerFile {
 
 struct ServerFolder {
   std::string name;
-  std::int64_t modified;  // likewise
+  std::int64_t modified;  // likewise; negative when it is not known
+  bool has_folders;       // as far as is known
 };
 
 struct SubStore {

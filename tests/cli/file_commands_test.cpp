@@ -77,6 +77,7 @@ class FileCommands : public testing::Test {
   const qv::Connection connection_{.server = "main", .port = 4000};
   std::map<std::string, Names> folders_;  // by the path that holds them
   std::map<std::string, Names> files_;
+  std::uint64_t hidden_ = 0;  // the folders' flags
   std::string status_ = "SUCCESS";
   std::string checksum_ = "00000000";
   std::ostringstream out_;
@@ -109,6 +110,8 @@ class FileCommands : public testing::Test {
     std::string records;
     for (const std::string& name : names) {
       records += WithName<CZelkorSvrFolderInfo>(qv::records::folder::kName, name);
+      records[records.size() - sizeof(CZelkorSvrFolderInfo) + qv::records::folder::kFlags.offset] =
+          static_cast<char>(hidden_);
     }
     reply.Text(std::to_string(names.size())).Text(records);
   }
@@ -181,6 +184,15 @@ TEST_F(FileCommands, ListLargeFoldersInPagesAndSpellOutWhatATerminalWouldObey) {
   files_["top"] = {"a", "", "b"};  // as a listing that did not come whole
   EXPECT_EQ(Run(qv::ListFolder{"top", "", false}), qv::kFailed);
   EXPECT_EQ(Run(qv::ListFolder{"none", "", false}), qv::kFailed);
+  // Folders that are there, but too many for the server to list.
+  folders_[""] = {"many"};
+  files_["many"] = {"a"};
+  hidden_ = qv::records::folder::kHasFolders;
+  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kFailed);
+  fs::create_directory(Here("got"));
+  EXPECT_EQ(Fetch({"many"}), qv::kFailed);
+  hidden_ = 0;
+  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kDone);
 }
 
 TEST_F(FileCommands, SendWhatCanBeSentAndSayWhatCannot) {
