@@ -66,8 +66,8 @@ inline void ExpectConnectionsToBeReplaced(
     for (int count = 1; count <= 3; ++count) {
       TransportCall call;
       call.request.AddString("again", nullptr);
-      EXPECT_EQ(send(call, server.Port()), 0);
-      EXPECT_EQ(call.Answer(), "again");
+      ASSERT_EQ(send(call, server.Port()), 0);
+      ASSERT_EQ(call.Answer(), "again");
       server.WaitForFinished(count);
     }
   }
