@@ -50,6 +50,17 @@ function(qv_add_shared_library target)
   install(TARGETS ${target})
 endfunction()
 
+# qv_export_only(<library> <map> [STAYS])
+# Makes nothing of <library> seen but what <map> names. A library that STAYS is never unloaded.
+function(qv_export_only target map)
+  cmake_parse_arguments(ARG "STAYS" "" "" ${ARGN})
+  if(WIN32)
+    return()
+  endif()
+  target_link_options(${target} PRIVATE "LINKER:--version-script,${map}" $<$<BOOL:${ARG_STAYS}>:LINKER:-z,nodelete>)
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
+endfunction()
+
 # qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER]): one GoogleTest program, its cases known to ctest, which
 # runs each in a process of its own; TOGETHER runs them all in one, when they share what takes long to start.
 function(qv_add_test target)

@@ -196,11 +196,6 @@ bool Statement::Describe(Diagnostics& diagnostics) {
   return true;
 }
 
-std::int64_t Statement::RowsChanged() const {
-  SQLLEN count = -1;
-  return SQL_SUCCEEDED(SQLRowCount(statement_, &count)) ? count : -1;
-}
-
 Step Statement::Next(Diagnostics& diagnostics) {
   const SQLRETURN result = Run([&] { return SQLFetch(statement_); });
   if (SQL_SUCCEEDED(result)) return Step::kNext;

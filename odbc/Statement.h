@@ -83,8 +83,6 @@ class Statement {
 
   // The columns of this result; none when it has no rows to give.
   [[nodiscard]] const std::vector<Column>& Columns() const { return columns_; }
-  // How many rows a statement changed; -1 when it is not known.
-  [[nodiscard]] std::int64_t RowsChanged() const;
 
   // Goes on to the next row.
   [[nodiscard]] Step Next(Diagnostics& diagnostics);
