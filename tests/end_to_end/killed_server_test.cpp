@@ -1,5 +1,5 @@
-// A server that is killed in the middle of its work: a batch is wholly there or wholly absent, and
-// its caller never hears of a success that is not there.
+// A server that is killed in the middle of its work: a batch or a file is wholly there or wholly
+// absent, and its caller never hears of a success that is not there.
 #include <chrono>
 #include <map>
 #include <random>
@@ -16,6 +16,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kBatches = 200;
 constexpr int kLines = 60;
+constexpr int kFiles = 1000;
+constexpr int kFilesPerKill = 50;
 
 class KilledServer : public EndToEnd {
  protected:
@@ -25,6 +27,32 @@ class KilledServer : public EndToEnd {
     EXPECT_NE(server->Port(), 0);
     CRvoServer::SetConinfo("127.0.0.1", server->Port());
     return server;
+  }
+  // Does `move` for every file, with a server that is killed in the middle of every fiftieth, and
+  // again until it says 0. How often that was necessary.
+  template <class Move>
+  int MoveAll(Move move) const {
+    auto server = Start();
+    std::mt19937 random(7);
+    std::uniform_int_distribution<Microseconds::rep> moment(0, 1500);
+    int again = 0;
+    for (int file = 0; file < kFiles; ++file) {
+      if (file % kFilesPerKill != 0) {
+        EXPECT_EQ(move(file), 0) << file;
+        continue;
+      }
+      std::thread killer([&server, at = Clock::now() + Microseconds(moment(random))] {
+        while (Clock::now() < at) std::this_thread::yield();
+        server->Kill();
+      });
+      const int result = move(file);
+      killer.join();
+      server = Start();
+      if (result == 0) continue;
+      ++again;
+      EXPECT_EQ(move(file), 0) << file;
+    }
+    return again;
   }
   static int Insert(int batch) {
     std::vector<std::string> texts;
@@ -74,6 +102,37 @@ TEST_F(KilledServer, LeavesEachBatchWhollyThereOrWhollyAbsent) {
   // Otherwise the moments were such that nothing was put to the test.
   EXPECT_GT(found.size(), kBatches / 20u);
   EXPECT_LT(found.size(), kBatches - kBatches / 20u);
+}
+
+TEST_F(KilledServer, LosesNoFileAndLeavesNoneHalf) {
+  std::vector<std::string> files;
+  for (int file = 0; file < kFiles; ++file) {
+    const std::size_t length = file % kFilesPerKill == 0 ? 2 << 20 : file * 37;
+    files.emplace_back(length, static_cast<char>(file));
+  }
+  const auto server_path = [](int file) { return "drawings\\图 " + std::to_string(file); };
+  const auto stored = [&](int file) {
+    return folder_.Path() / "data/files/drawings" / ("图 " + std::to_string(file));
+  };
+  const std::string local = (folder_.Path() / "down").string();
+
+  const int sent_again = MoveAll([&](int file) {
+    const std::string source = folder_.Write("up", files[file]);
+    const int result = CRvoFile::UpLoadFileToServer(source.c_str(), server_path(file).c_str());
+    std::error_code absent;
+    const auto length = std::filesystem::file_size(stored(file), absent);
+    EXPECT_TRUE(absent ? result != 0 : length == files[file].size()) << file;
+    return result;
+  });
+  const int fetched_again = MoveAll([&](int file) {
+    folder_.Write("down", "the one before");
+    const int result = CRvoFile::DownLoadServerFile(local.c_str(), server_path(file).c_str());
+    EXPECT_TRUE(BytesOf(local) == (result == 0 ? files[file] : "the one before")) << file;
+    return result;
+  });
+  EXPECT_GT(sent_again, 0);
+  EXPECT_GT(fetched_again, 0);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Path()), {}), 5);
 }
 
 }  // namespace
