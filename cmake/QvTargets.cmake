@@ -34,10 +34,11 @@ function(qv_add_floor target)
   endif()
 endfunction()
 
-# qv_add_shared_library(<name> WHOLE <targets> [TRANSPORTS <targets>] [HIDDEN <targets>])
+# qv_add_shared_library(<name> WHOLE <targets> [TRANSPORTS <targets>] [HIDDEN <targets>] [BESIDE_PROGRAMS])
 # A library that is installed: WHOLE targets go in with every symbol, HIDDEN ones as far as they are used and unseen.
+# BESIDE_PROGRAMS is where hosts look for what they load at run time.
 function(qv_add_shared_library target)
-  cmake_parse_arguments(ARG "" "" "WHOLE;TRANSPORTS;HIDDEN" ${ARGN})
+  cmake_parse_arguments(ARG "BESIDE_PROGRAMS" "" "WHOLE;TRANSPORTS;HIDDEN" ${ARGN})
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp "// The library's code stands in the folders that it links.\n")
   # Their objects, not their archives: the folders name each other as well, and an archive must not be on one link line
   # both whole and as far as it is used.
@@ -47,7 +48,12 @@ function(qv_add_shared_library target)
   foreach(hidden IN LISTS ARG_HIDDEN)
     target_link_options(${target} PRIVATE "LINKER:--exclude-libs,lib${hidden}.a")
   endforeach()
-  install(TARGETS ${target})
+  if(ARG_BESIDE_PROGRAMS)
+    set_target_properties(${target} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR})
+  else()
+    install(TARGETS ${target})
+  endif()
 endfunction()
 
 # qv_export_only(<library> <map> [STAYS])

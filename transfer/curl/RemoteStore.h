@@ -5,29 +5,27 @@
 #include <cstdint>
 #include <string>
 
+#include "TransferMeter.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv {
 
-// Hears how far the file that is being moved has come; false stops the transfer.
-class TransferMeter {
- public:
-  virtual bool Moved(std::uint64_t done, std::uint64_t total) = 0;
-
- protected:
-  ~TransferMeter() = default;
-};
-
 // What one try of a transfer left behind for the next one. What `tag` and `done` mean is the
 // store's.
 struct Resume {
-  std::string tag;         // which state of the source, or which upload, the rest belongs to
+  std::string part;        // what holds the bytes: of a download, the path of a local file
+  std::string tag;         // which state of the source they belong to
   std::uint64_t done = 0;  // bytes that need not be moved again
+
+  [[nodiscard]] bool IsEmpty() const { return part.empty(); }
 };
 
 // Objects are used by one thread. Every member makes one try; QvTransfer_Broken is the result that
 // is worth another. Server paths have slashes, whatever the caller wrote. A file never stands half
 // written under its final name, on either side.
+//
+// A transfer that ends with Broken or Stopped may leave something in `resume`, for the next try of
+// the same file or until it is abandoned; any other result leaves it empty, and nothing behind.
 class RemoteStore {
  public:
   virtual ~RemoteStore() = default;
@@ -38,9 +36,9 @@ class RemoteStore {
                                     Resume& resume, TransferMeter& meter) = 0;
   virtual QvTransferResult Copy(const std::string& from, const std::string& to, Resume& resume,
                                 TransferMeter& meter) = 0;
-  // Remove what broken tries left of a file that will not be tried again, as far as it goes.
-  virtual void AbandonUpload(const std::string& remote, const Resume& resume) = 0;
-  virtual void AbandonDownload(const std::string& local, const Resume& resume) = 0;
+  // Removes what broken tries left on the server of an upload or a copy that will not be tried
+  // again. False when the server cannot be reached, so that there is no use in asking for more.
+  virtual bool Abandon(const std::string& remote, const Resume& resume) = 0;
 
   virtual QvTransferResult Rename(const std::string& from, const std::string& to) = 0;
   virtual QvTransferResult DeleteFile(const std::string& path) = 0;

@@ -1,0 +1,239 @@
+#include "CurlRequest.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+
+namespace qv {
+
+namespace {
+
+// All lines together with which a server answers one request.
+constexpr std::size_t kMaxLineBytes = 64U << 10;
+
+std::uint64_t Bytes(curl_off_t count) { return count > 0 ? static_cast<std::uint64_t>(count) : 0; }
+
+bool IsMistrust(CURLcode code) {
+  switch (code) {
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+    case CURLE_SSL_CERTPROBLEM:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool IsLoss(CURLcode code) {
+  switch (code) {
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_OPERATION_TIMEDOUT:
+    case CURLE_ABORTED_BY_CALLBACK:
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+    case CURLE_PARTIAL_FILE:
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SEND_FAIL_REWIND:
+    case CURLE_FTP_ACCEPT_FAILED:
+    case CURLE_FTP_ACCEPT_TIMEOUT:
+    case CURLE_HTTP2_STREAM:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+CurlPtr MakeCurl() {
+  // There is no counterpart at the end: the host may use libcurl as well.
+  static const CURLcode is_ready = curl_global_init(CURL_GLOBAL_DEFAULT);
+  CurlPtr easy(is_ready == CURLE_OK ? curl_easy_init() : nullptr);
+  if (easy == nullptr) throw std::bad_alloc();
+  return easy;
+}
+
+CurlRequest::CurlRequest(CURL* easy, const TransferSettings& settings)
+    : easy_(easy), settings_(settings) {
+  curl_easy_reset(easy_);
+  // A host may have handlers of its own for signals, and a slow name lookup is left behind.
+  Set(CURLOPT_NOSIGNAL, 1L);
+  Set(CURLOPT_QUICK_EXIT, 1L);
+  Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings_.connect_timeout.count()));
+  Set(CURLOPT_BUFFERSIZE, 128L << 10);
+  Set(CURLOPT_UPLOAD_BUFFERSIZE, 128L << 10);
+  SetUpSecurity();
+  SetUpCallbacks();
+}
+
+CurlRequest::~CurlRequest() { curl_easy_reset(easy_); }
+
+void CurlRequest::SetUpSecurity() {
+  Set(CURLOPT_FOLLOWLOCATION, 0L);
+  // What the environment says about proxies is meant for the web, and would show passwords and
+  // files to another machine.
+  Set(CURLOPT_PROXY, "");
+  Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+  Set(CURLOPT_SSL_VERIFYPEER, 1L);
+  Set(CURLOPT_SSL_VERIFYHOST, 2L);
+  Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  if (settings_.ca_file.empty()) return;
+  Set(CURLOPT_CAINFO, settings_.ca_file.c_str());
+  Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+}
+
+void CurlRequest::SetUpCallbacks() {
+  Set(CURLOPT_RESOLVER_START_FUNCTION, &OnLookup);
+  Set(CURLOPT_RESOLVER_START_DATA, this);
+  Set(CURLOPT_SOCKOPTFUNCTION, &OnSocket);
+  Set(CURLOPT_SOCKOPTDATA, this);
+  Set(CURLOPT_PREREQFUNCTION, &OnReady);
+  Set(CURLOPT_PREREQDATA, this);
+  Set(CURLOPT_HEADERFUNCTION, &OnLine);
+  Set(CURLOPT_HEADERDATA, this);
+  Set(CURLOPT_WRITEFUNCTION, &OnBody);
+  Set(CURLOPT_WRITEDATA, this);
+  Set(CURLOPT_XFERINFOFUNCTION, &OnProgress);
+  Set(CURLOPT_XFERINFODATA, this);
+  Set(CURLOPT_NOPROGRESS, 0L);
+}
+
+void CurlRequest::AddLine(CURLoption option, const std::string& line) {
+  curl_slist* const longer = curl_slist_append(lines_.get(), line.c_str());
+  if (longer == nullptr) throw std::bad_alloc();
+  static_cast<void>(lines_.release());
+  lines_.reset(longer);
+  Set(option, longer);
+}
+
+void CurlRequest::Send(BodySource& source) {
+  source_ = &source;
+  Set(CURLOPT_READFUNCTION, &OnSend);
+  Set(CURLOPT_READDATA, this);
+  Set(CURLOPT_SEEKFUNCTION, &OnSeek);
+  Set(CURLOPT_SEEKDATA, this);
+}
+
+void CurlRequest::Receive(BodySink& sink) { sink_ = &sink; }
+
+void CurlRequest::ReportTo(TransferMeter& meter, std::uint64_t base, std::uint64_t total) {
+  meter_ = &meter;
+  base_ = base;
+  total_ = total;
+}
+
+QvTransferResult CurlRequest::Perform() {
+  // Options fail for want of memory only.
+  if (!is_set_up_) throw std::bad_alloc();
+  last_progress_ = Clock::now();
+  code_ = curl_easy_perform(easy_);
+  // It is also what libcurl says of a line that is longer than it takes.
+  const bool is_short = code_ == CURLE_OUT_OF_MEMORY && !was_connected_;
+  if (is_out_of_memory_ || is_short) throw std::bad_alloc();
+  return Result();
+}
+
+long CurlRequest::AnswerCode() const {
+  long code = 0;
+  curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &code);
+  return code;
+}
+
+QvTransferResult CurlRequest::Result() const {
+  if (code_ == CURLE_OK) return QvTransfer_Success;
+  if (is_stopped_) return QvTransfer_Stopped;
+  if (has_file_failed_ || code_ == CURLE_READ_ERROR) return QvTransfer_LocalFile;
+  if (code_ == CURLE_LOGIN_DENIED) return QvTransfer_LoginRefused;
+  if (code_ == CURLE_URL_MALFORMAT) return QvTransfer_BadArgument;
+  if (IsMistrust(code_)) return QvTransfer_NotTrusted;
+  if (!was_connected_) return QvTransfer_CannotConnect;
+  return IsLoss(code_) ? QvTransfer_Broken : QvTransfer_BadAnswer;
+}
+
+int CurlRequest::OnLookup(void*, void*, void* self) noexcept {
+  static_cast<CurlRequest*>(self)->BeginToConnect();
+  return 0;
+}
+
+int CurlRequest::OnSocket(void* self, curl_socket_t, curlsocktype purpose) noexcept {
+  if (purpose == CURLSOCKTYPE_IPCXN) static_cast<CurlRequest*>(self)->BeginToConnect();
+  return CURL_SOCKOPT_OK;
+}
+
+void CurlRequest::BeginToConnect() {
+  if (!is_connecting_) last_progress_ = Clock::now();
+  is_connecting_ = true;
+}
+
+int CurlRequest::OnReady(void* self, char*, char*, int, int) noexcept {
+  auto& request = *static_cast<CurlRequest*>(self);
+  request.is_connecting_ = false;
+  request.was_connected_ = true;
+  request.last_progress_ = Clock::now();
+  return CURL_PREREQFUNC_OK;
+}
+
+std::size_t CurlRequest::OnSend(char* room, std::size_t size, std::size_t count,
+                                void* self) noexcept {
+  auto& request = *static_cast<CurlRequest*>(self);
+  const auto read = request.source_->Read({room, size * count});
+  if (read) return *read;
+  request.has_file_failed_ = true;
+  return CURL_READFUNC_ABORT;
+}
+
+int CurlRequest::OnSeek(void* self, curl_off_t offset, int origin) noexcept {
+  auto& request = *static_cast<CurlRequest*>(self);
+  const bool is_there = origin == SEEK_SET && request.source_->Seek(Bytes(offset));
+  return is_there ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
+}
+
+std::size_t CurlRequest::OnLine(char*, std::size_t size, std::size_t count, void* self) noexcept {
+  auto& request = *static_cast<CurlRequest*>(self);
+  request.is_connecting_ = false;
+  request.line_bytes_ += size * count;
+  return request.line_bytes_ <= kMaxLineBytes ? size * count : 0;
+}
+
+std::size_t CurlRequest::OnBody(char* bytes, std::size_t size, std::size_t count,
+                                void* self) noexcept {
+  auto& request = *static_cast<CurlRequest*>(self);
+  if (request.sink_ == nullptr) return OnLine(bytes, size, count, self);
+  try {
+    if (request.sink_->Write({bytes, size * count})) return size * count;
+    request.has_file_failed_ = true;
+  } catch (const std::exception&) {
+    request.is_out_of_memory_ = true;
+  }
+  return 0;
+}
+
+int CurlRequest::OnProgress(void* self, curl_off_t download_total, curl_off_t downloaded,
+                            curl_off_t, curl_off_t uploaded) noexcept {
+  auto& request = *static_cast<CurlRequest*>(self);
+  const std::uint64_t moved = std::max(Bytes(downloaded), Bytes(uploaded));
+  return request.GoesOn(moved) && request.Tell(moved, Bytes(download_total)) ? 0 : 1;
+}
+
+// libcurl asks at least once a second, whatever happens.
+bool CurlRequest::GoesOn(std::uint64_t moved) {
+  const Clock::time_point now = Clock::now();
+  if (moved + line_bytes_ != progress_) {
+    progress_ = moved + line_bytes_;
+    last_progress_ = now;
+  }
+  const auto patience = is_connecting_ ? settings_.connect_timeout : settings_.io_timeout;
+  return now - last_progress_ < patience;
+}
+
+bool CurlRequest::Tell(std::uint64_t moved, std::uint64_t total) {
+  if (meter_ == nullptr) return true;
+  const std::uint64_t found = total != 0 ? base_ + total : 0;
+  is_stopped_ = !meter_->Moved(base_ + moved, total_ != 0 ? total_ : found);
+  return !is_stopped_;
+}
+
+}  // namespace qv

@@ -1,0 +1,17 @@
+// Paths on a server, as callers write them.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qv {
+
+// The path with slashes for backslashes. Nothing when it is empty, or has control characters, which
+// could be taken for the end of a command.
+[[nodiscard]] std::optional<std::string> ServerPath(std::string_view text);
+
+// Whether a text has a byte below the blank, or DEL.
+[[nodiscard]] bool HasControls(std::string_view text);
+
+}  // namespace qv

@@ -1,0 +1,66 @@
+// What the calls to a component come to, whichever component it is.
+#pragma once
+
+#include <exception>
+#include <new>
+#include <string>
+
+#include "RemoteStore.h"
+#include "TransferQueue.h"
+#include "qvnetcall/transfer/ComError.h"
+
+namespace qv {
+
+// What a call that works with memory comes to: no exception leaves a component.
+template <class Call>
+[[nodiscard]] HRESULT Guarded(const Call& call) noexcept {
+  constexpr auto kOutOfMemory = static_cast<HRESULT>(0x8007000EU);
+  constexpr auto kFailed = static_cast<HRESULT>(0x80004005U);
+  try {
+    call();
+    return 0;
+  } catch (const std::bad_alloc&) {
+    return kOutOfMemory;
+  } catch (const std::exception&) {
+    return kFailed;
+  }
+}
+
+// Three queues, and the store that they are for. One thread.
+class TransferDesk {
+ public:
+  TransferDesk() = default;
+  // Cleans up what broken tries left.
+  ~TransferDesk();
+  TransferDesk(const TransferDesk&) = delete;
+  TransferDesk& operator=(const TransferDesk&) = delete;
+
+  // The store from now on: the caller's, and null when there is none. Queues that the old one has
+  // left something of are to be emptied before.
+  void Use(RemoteStore* store) { store_ = store; }
+
+  void Add(TransferKind kind, const char* first, const char* second);
+  // Gives how many files succeeded.
+  long Run(TransferKind kind, long option);
+  void Empty(TransferKind kind) { Queue(kind).Empty(store_); }
+  // How the last add or run went.
+  [[nodiscard]] long LastResult() const { return last_result_; }
+  // 1 for a file that succeeded in the last run, else 0.
+  [[nodiscard]] long HasSucceeded(const char* first) const;
+
+  [[nodiscard]] long Rename(const char* from, const char* to);
+  [[nodiscard]] long DeleteFile(const char* path);
+  [[nodiscard]] long DeleteFolder(const char* path);
+
+ private:
+  [[nodiscard]] TransferQueue& Queue(TransferKind kind);
+
+  RemoteStore* store_ = nullptr;
+  TransferQueue uploads_{TransferKind::kUpload};
+  TransferQueue downloads_{TransferKind::kDownload};
+  TransferQueue copies_{TransferKind::kCopy};
+  const TransferQueue* last_run_ = nullptr;
+  QvTransferResult last_result_ = QvTransfer_Success;
+};
+
+}  // namespace qv
