@@ -22,6 +22,18 @@ extern const char kSeparator;
 // all: the library, or the program that it is linked into.
 [[nodiscard]] std::string ModuleFile();
 
+// The folder of the program that runs, with a separator at its end and without links; empty when
+// the system does not tell.
+[[nodiscard]] std::string ProgramFolder();
+
+// Loads a library, and what it needs, without offering its functions to others; null when it
+// cannot. Every call that gave one is taken back by one to CloseLibrary, and the last of these
+// unloads the library: nothing of it may be in use then.
+[[nodiscard]] void* OpenLibrary(const std::string& path);
+void CloseLibrary(void* library);
+// A function with C linkage of a loaded library, or null.
+[[nodiscard]] void* FindFunction(void* library, const char* name);
+
 // The text behind `key` in `section` of the INI file at `path`; names ignore case, and of several
 // entries the first counts. The value stands as it is in its line, but for white space and one pair
 // of quotes around it. Nothing when the file, the section or the key is missing; an empty value is

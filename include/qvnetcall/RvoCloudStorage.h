@@ -83,6 +83,8 @@ class QVNETCALL_API CRvoCloudStorage {
   CString GetFailInfo(int kind, long count);
 
  private:
+  void EmptyQueues();
+
   CRvoCSCClient* client_;
   CRvoCSCFiles* uploads_;
   CRvoCSCFiles* downloads_;

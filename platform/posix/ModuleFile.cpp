@@ -13,6 +13,11 @@ namespace {
 // Any object inside this module will do to ask the loader which file it came from.
 const char kInsideThisModule = 0;
 
+std::filesystem::path ProgramFile() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
 }  // namespace
 
 std::string ModuleFile() {
@@ -25,7 +30,12 @@ std::string ModuleFile() {
     const auto loaded = std::filesystem::absolute(info.dli_fname, error).lexically_normal();
     if (!error && std::filesystem::exists(loaded, error)) return loaded.string();
   }
-  return std::filesystem::read_symlink("/proc/self/exe", error).string();
+  return ProgramFile().string();
+}
+
+std::string ProgramFolder() {
+  const std::filesystem::path program = ProgramFile();
+  return program.empty() ? std::string() : (program.parent_path() / "").string();
 }
 
 }  // namespace qv::platform

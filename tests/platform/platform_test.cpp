@@ -154,6 +154,8 @@ TEST(Platform, ConvertsTextWhateverTheLocale) {
 TEST(Platform, KnowsWhereItIs) {
   EXPECT_TRUE(std::filesystem::is_regular_file(ModuleFile()));
   EXPECT_TRUE(std::filesystem::path(ModuleFile()).is_absolute());
+  // The library under test is part of this program.
+  EXPECT_EQ(ProgramFolder(), std::filesystem::canonical(ModuleFile()).parent_path().string() + "/");
 }
 
 TEST(Platform, TakesOnlyATemporaryFolderThatItsRecordHolds) {

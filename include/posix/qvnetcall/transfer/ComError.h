@@ -31,8 +31,8 @@ class QVNETCALL_API _com_error {
 
   // The negative result of the call.
   HRESULT Error() const noexcept { return error_; }
-  // The low 16 bits of a result that carries a code of its interface's own, from 0x80040200 on;
-  // else 0.
+  // For a result that carries a code of its interface's own, 0x80040200 to 0x8004FFFF, how far it
+  // is from the first of them; else 0.
   std::uint16_t WCode() const noexcept;
   // A short English text with the result in it. It lives as long as this object, and is its own.
   const char* ErrorMessage() const noexcept { return message_; }

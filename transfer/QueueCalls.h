@@ -1,0 +1,85 @@
+// Calls to a component of either kind, and what follows from their results.
+#pragma once
+
+#include "Component.h"
+#include "qvnetcall/RvoServer.h"
+#include "qvnetcall/framework/String.h"
+
+namespace qv {
+
+inline constexpr long kNoComponent = -100;
+
+inline void LogFailure(const CString& text) {
+  constexpr int kTransfers = 3;
+  CRvoServer::SendSvrLogInfo(kTransfers, text);
+}
+
+// Logs the text when `result` is not 0; gives `result`.
+template <class... Args>
+long LogUnlessZero(long result, const char* format, const Args&... args) {
+  if (result == 0) return result;
+  CString text;
+  text.Format(format, args...);
+  LogFailure(text);
+  return result;
+}
+
+// Throws _com_error for a call that failed as such; gives its result otherwise.
+template <class Component>
+HRESULT Checked(Component* component, HRESULT result) {
+  if (result < 0) RaiseComError(result, component);
+  return result;
+}
+
+// What a call gives; without a component nothing is called.
+template <class Component, class... Params, class... Args>
+long Ask(Component* component, HRESULT (Component::*method)(Params...), const Args&... args) {
+  if (component == nullptr) return kNoComponent;
+  long result = 0;
+  Checked(component, (component->*method)(args..., &result));
+  return result;
+}
+
+// Hands a pair to the component and queues it, whatever its result. A call that throws leaves it
+// out.
+template <class Component, class Files>
+long AddPair(Component* component, HRESULT (Component::*add)(const char*, const char*),
+             Files& files, const CString& first, const CString& second) {
+  if (component != nullptr) Checked(component, (component->*add)(first, second));
+  const long result = Ask(component, &Component::GetLastResult);
+  files.Add(first, second);
+  return result;
+}
+
+enum Kind : int { kUpload, kDownload, kCopy };
+
+// What every run of downloads is called with.
+inline constexpr long kDownloadConstant = 1;
+
+// Runs a queue by `run(component, &count)` and reports what failed, behind which the report has
+// what `suffix(result)` gives. A run that throws neither marks its queue nor reports.
+template <class Component, class Files, class Run, class Suffix>
+long RunQueue(Component* component, Files& files, Kind kind, long& count, Run run, Suffix suffix) {
+  count = 0;
+  if (component != nullptr) {
+    long succeeded = 0;
+    Checked(component, run(*component, &succeeded));
+    count = succeeded;
+  }
+  const long result = Ask(component, &Component::GetLastResult);
+  if (result == 0) files.SetDone();
+  CString report = files.GetFailInfo(kind, count);
+  if (report.IsEmpty()) return result;
+  LogFailure(report + suffix(result));
+  return result;
+}
+
+inline const char* NoSuffix(long /*result*/) { return ""; }
+
+// The report of one of three queues, in the order of their kinds; empty for any other kind.
+template <class Files>
+CString ReportOf(Files* const (&queues)[3], int kind, long count) {
+  return kind >= kUpload && kind <= kCopy ? queues[kind]->GetFailInfo(kind, count) : CString();
+}
+
+}  // namespace qv
