@@ -3,8 +3,9 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 build_packages=(g++ cmake ninja-build libboost1.81-dev zlib1g-dev libsqlite3-dev
-  libzip-dev libcurl4-openssl-dev unixodbc-dev libfast-float-dev libcli11-dev nlohmann-json3-dev libfmt-dev)
-test_packages=(libgtest-dev libgmock-dev libssl-dev openssl libsqliteodbc postgresql odbc-postgresql)
+  libzip-dev libcurl4-openssl-dev unixodbc-dev libfast-float-dev libcli11-dev nlohmann-json3-dev libfmt-dev
+  libssl-dev libpugixml-dev)
+test_packages=(libgtest-dev libgmock-dev openssl libsqliteodbc postgresql odbc-postgresql python3-botocore)
 
 say() { printf '%s\n' "$*" >&2; }
 

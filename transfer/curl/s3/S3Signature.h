@@ -1,0 +1,30 @@
+// Signatures of version 4 (AWS4-HMAC-SHA256).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "S3Request.h"
+
+namespace qv {
+
+struct S3Keys {
+  std::string access;
+  std::string secret;
+  std::string region;
+};
+
+// Percent-encodes all but letters, digits and "-._~", as signatures want it; a slash stays when
+// `keep_slash`.
+[[nodiscard]] std::string UriEncode(std::string_view text, bool keep_slash);
+
+// Pairs as "name=value&...", encoded and in the order in which they are signed.
+[[nodiscard]] std::string CanonicalQuery(const TextPairs& query);
+
+// Adds the headers that say when and by whom the request is made; all that the request has are
+// signed. `body_hash` is the SHA-256 of the body in lower-case hexadecimal, `now` seconds since
+// 1970.
+void Sign(S3Wire& wire, const S3Keys& keys, const std::string& body_hash, std::int64_t now);
+
+}  // namespace qv

@@ -1,0 +1,174 @@
+#include "S3Store.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "S3Download.h"
+#include "S3Folder.h"
+#include "S3Parts.h"
+#include "S3Xml.h"
+
+namespace qv {
+
+namespace {
+
+// For what nobody watches.
+class NoMeter final : public TransferMeter {
+ public:
+  bool Moved(std::uint64_t, std::uint64_t) override { return true; }
+};
+
+bool IsVisible(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+    return c > ' ' && c <= '~' && c != '/' && c != ',';
+  });
+}
+
+// What good keys may not be able to do.
+bool IsOnlyTheList(const S3Answer& answer) {
+  return answer.code == "AccessDenied" || answer.code == "MethodNotAllowed" ||
+         answer.code == "NotImplemented";
+}
+
+QvTransferResult TryKeys(S3Session& session) {
+  const S3Answer answer = session.Ask({});
+  if (IsOnlyTheList(answer)) return QvTransfer_Success;
+  if (!answer.IsFine()) return answer.result;
+  const bool is_list = ReadText(answer.body, "ListAllMyBucketsResult", "Buckets").has_value();
+  return is_list ? QvTransfer_Success : QvTransfer_BadAnswer;
+}
+
+// The headers by which a copy names its source, in the state that was looked at.
+TextPairs CopySource(const S3Path& from, const std::string& etag) {
+  TextPairs headers = {{"x-amz-copy-source", UriEncode(from.bucket + "/" + from.key, true)}};
+  if (!etag.empty()) headers.emplace_back("x-amz-copy-source-if-match", etag);
+  return headers;
+}
+
+}  // namespace
+
+std::unique_ptr<S3Store> S3Store::LogIn(const S3Endpoint& endpoint, const S3Keys& keys,
+                                        const TransferSettings& settings,
+                                        QvTransferResult& result) {
+  result = QvTransfer_BadArgument;
+  if (!IsVisible(keys.access) || keys.secret.empty() || !IsVisible(keys.region)) return nullptr;
+  S3Session session(endpoint, keys, settings);
+  result = TryKeys(session);
+  if (result != QvTransfer_Success) return nullptr;
+  return std::make_unique<S3Store>(std::move(session));
+}
+
+QvTransferResult S3Store::Upload(const std::string& local, const std::string& remote,
+                                 Resume& resume, TransferMeter& meter) {
+  const std::optional<S3Path> target = S3Path::OfObject(remote);
+  if (!target) return QvTransfer_BadArgument;
+  std::optional<LocalSource> source = LocalSource::Open(local);
+  if (!source) return Settle(QvTransfer_LocalFile, *target, resume);
+  if (source->Size() <= limits_.single_upload) {
+    const S3Request request{.method = "PUT", .bucket = target->bucket, .key = target->key};
+    // What a longer file of that name left is of no use any more.
+    return Settle(session_.Send(request, *source, 0, source->Size(), meter).result, *target,
+                  resume);
+  }
+  const PartPlan plan = PartPlan::For(source->Size(), session_.Settings().part_bytes);
+  S3Parts parts(session_, *target, plan, source->State(), resume);
+  const auto move = [&](const S3Request& request, std::uint64_t start, std::uint64_t length,
+                        TransferMeter& part_meter) {
+    return session_.Send(request, *source, start, length, part_meter);
+  };
+  return Settle(parts.Run(move, meter), *target, resume);
+}
+
+QvTransferResult S3Store::Download(const std::string& remote, const std::string& local,
+                                   Resume& resume, TransferMeter& meter) {
+  const std::optional<S3Path> object = S3Path::OfObject(remote);
+  if (!object) return QvTransfer_BadArgument;
+  return S3Download(session_, *object, local, resume, meter).Run();
+}
+
+QvTransferResult S3Store::Copy(const std::string& from, const std::string& to, Resume& resume,
+                               TransferMeter& meter) {
+  const std::optional<S3Path> source = S3Path::OfObject(from);
+  const std::optional<S3Path> target = S3Path::OfObject(to);
+  if (!source || !target) return QvTransfer_BadArgument;
+  const S3Answer answer = AskFor(*source, "HEAD");
+  if (!answer.IsFine()) return Settle(answer.result, *target, resume);
+  if (*source == *target) return QvTransfer_Success;
+  if (!answer.head.length) return Settle(QvTransfer_BadAnswer, *target, resume);
+  const std::uint64_t bytes = *answer.head.length;
+  const TextPairs headers = CopySource(*source, answer.head.etag);
+  const QvTransferResult result = bytes <= limits_.single_copy
+                                      ? CopyAtOnce(*target, headers, bytes, meter)
+                                      : CopyInParts(*target, headers, bytes, resume, meter);
+  return Settle(result, *target, resume);
+}
+
+QvTransferResult S3Store::CopyAtOnce(const S3Path& to, const TextPairs& source, std::uint64_t bytes,
+                                     TransferMeter& meter) {
+  const S3Request request{
+      .method = "PUT", .bucket = to.bucket, .key = to.key, .query = {}, .headers = source};
+  const S3Answer answer = session_.AskAndWait(request, {}, bytes, meter);
+  if (!answer.IsFine()) return answer.result;
+  const bool is_copied = ReadText(answer.body, "CopyObjectResult", "ETag").has_value();
+  return is_copied ? QvTransfer_Success : QvTransfer_BadAnswer;
+}
+
+QvTransferResult S3Store::CopyInParts(const S3Path& to, const TextPairs& source,
+                                      std::uint64_t bytes, Resume& resume, TransferMeter& meter) {
+  std::string state = std::to_string(bytes);
+  for (const auto& [name, value] : source) state += " " + value;
+  S3Parts parts(session_, to, PartPlan::For(bytes, limits_.part_of_copy), state, resume);
+  const auto move = [&](S3Request request, std::uint64_t start, std::uint64_t length,
+                        TransferMeter& part_meter) {
+    request.headers = source;
+    request.headers.emplace_back("x-amz-copy-source-range", "bytes=" + std::to_string(start) + "-" +
+                                                                std::to_string(start + length - 1));
+    S3Answer answer = session_.AskAndWait(request, {}, length, part_meter);
+    answer.head.etag = ReadText(answer.body, "CopyPartResult", "ETag").value_or("");
+    return answer;
+  };
+  return parts.Run(move, meter);
+}
+
+bool S3Store::Abandon(const std::string& remote, const Resume& resume) {
+  const std::optional<S3Path> target = S3Path::OfObject(remote);
+  return !target || S3Parts::Abandon(session_, *target, resume) != QvTransfer_CannotConnect;
+}
+
+QvTransferResult S3Store::Rename(const std::string& from, const std::string& to) {
+  Resume resume;
+  NoMeter meter;
+  const QvTransferResult result = Copy(from, to, resume, meter);
+  if (!resume.IsEmpty()) Abandon(to, resume);
+  if (result != QvTransfer_Success || S3Path::OfObject(from) == S3Path::OfObject(to)) return result;
+  return AskFor(*S3Path::OfObject(from), "DELETE").result;
+}
+
+QvTransferResult S3Store::DeleteFile(const std::string& path) {
+  const std::optional<S3Path> object = S3Path::OfObject(path);
+  if (!object) return QvTransfer_BadArgument;
+  // To delete what is not there is a success as well. Keys that may not look may still delete.
+  const QvTransferResult result = AskFor(*object, "HEAD").result;
+  if (result != QvTransfer_Success && result != QvTransfer_Refused) return result;
+  return AskFor(*object, "DELETE").result;
+}
+
+QvTransferResult S3Store::DeleteFolder(const std::string& path) {
+  const std::optional<S3Path> folder = S3Path::OfFolder(path);
+  return folder ? DeleteBelow(session_, *folder) : QvTransfer_BadArgument;
+}
+
+S3Answer S3Store::AskFor(const S3Path& object, const char* method) {
+  return session_.Ask({.method = method, .bucket = object.bucket, .key = object.key});
+}
+
+QvTransferResult S3Store::Settle(QvTransferResult result, const S3Path& target, Resume& resume) {
+  const bool is_worth_more = result == QvTransfer_Broken || result == QvTransfer_Stopped ||
+                             result == QvTransfer_CannotConnect;
+  if (is_worth_more || resume.IsEmpty()) return result;
+  static_cast<void>(S3Parts::Abandon(session_, target, resume));
+  resume = {};
+  return result;
+}
+
+}  // namespace qv

@@ -1,0 +1,170 @@
+#include "S3Xml.h"
+
+#include <algorithm>
+#include <charconv>
+#include <pugixml.hpp>
+#include <string_view>
+
+namespace qv {
+
+namespace {
+
+// The parser knows no document types and so expands no entities of a server's making; it takes
+// memory in proportion to the text, whatever stands in it.
+class Answer {
+ public:
+  Answer(const std::string& xml, const char* root) {
+    if (document_.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_ws_pcdata,
+                              pugi::encoding_utf8)) {
+      root_ = document_.child(root);
+    }
+  }
+  [[nodiscard]] bool IsThere() const { return !root_.empty(); }
+  [[nodiscard]] pugi::xml_node Root() const { return root_; }
+
+ private:
+  pugi::xml_document document_;
+  pugi::xml_node root_;
+};
+
+template <class Number>
+std::optional<Number> NumberIn(const pugi::xml_node& node) {
+  const std::string_view text = node.child_value();
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// As servers encode keys when they are asked to, with a plus for a blank among it.
+std::string UriDecode(std::string_view text) {
+  std::string decoded;
+  decoded.reserve(text.size());
+  for (std::size_t i = 0; i != text.size(); ++i) {
+    const bool is_code = text[i] == '%' && text.size() - i > 2 && HexValue(text[i + 1]) >= 0 &&
+                         HexValue(text[i + 2]) >= 0;
+    if (is_code) {
+      decoded += static_cast<char>(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
+      i += 2;
+    } else {
+      decoded += text[i] == '+' ? ' ' : text[i];
+    }
+  }
+  return decoded;
+}
+
+// What a page that is not the last names for the next one. Nothing, too, for a server that keeps it
+// to itself; its pages cannot be followed.
+std::optional<std::string> NextPage(const pugi::xml_node& root, const char* name) {
+  if (std::string_view(root.child_value("IsTruncated")) != "true") return std::nullopt;
+  return root.child_value(name);
+}
+
+std::optional<S3Part> PartIn(const pugi::xml_node& node) {
+  const auto number = NumberIn<int>(node.child("PartNumber"));
+  const auto bytes = NumberIn<std::uint64_t>(node.child("Size"));
+  S3Part part{.etag = node.child_value("ETag")};
+  if (!number || !bytes || part.etag.empty()) return std::nullopt;
+  part.number = *number;
+  part.bytes = *bytes;
+  return part;
+}
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+}  // namespace
+
+std::optional<std::string> ReadErrorCode(const std::string& xml) {
+  return ReadText(xml, "Error", "Code");
+}
+
+std::optional<std::string> ReadText(const std::string& xml, const char* root, const char* name) {
+  const Answer answer(xml, root);
+  const pugi::xml_node node = answer.Root().child(name);
+  if (node.empty()) return std::nullopt;
+  return node.child_value();
+}
+
+std::optional<S3Listing> ReadListing(const std::string& xml) {
+  const Answer answer(xml, "ListBucketResult");
+  if (!answer.IsThere()) return std::nullopt;
+  const pugi::xml_node root = answer.Root();
+  const bool is_encoded = std::string_view(root.child_value("EncodingType")) == "url";
+  S3Listing listing;
+  for (const pugi::xml_node& object : root.children("Contents")) {
+    const char* const key = object.child_value("Key");
+    listing.keys.push_back(is_encoded ? UriDecode(key) : key);
+  }
+  listing.next = NextPage(root, "NextContinuationToken");
+  return listing;
+}
+
+std::optional<S3PartListing> ReadParts(const std::string& xml) {
+  const Answer answer(xml, "ListPartsResult");
+  if (!answer.IsThere()) return std::nullopt;
+  S3PartListing listing;
+  for (const pugi::xml_node& node : answer.Root().children("Part")) {
+    const std::optional<S3Part> part = PartIn(node);
+    if (!part) return std::nullopt;
+    listing.parts.push_back(*part);
+  }
+  listing.next = NextPage(answer.Root(), "NextPartNumberMarker");
+  return listing;
+}
+
+std::optional<std::vector<std::string>> ReadDeleteErrors(const std::string& xml) {
+  const Answer answer(xml, "DeleteResult");
+  if (!answer.IsThere()) return std::nullopt;
+  std::vector<std::string> codes;
+  for (const pugi::xml_node& error : answer.Root().children("Error")) {
+    codes.emplace_back(error.child_value("Code"));
+  }
+  return codes;
+}
+
+bool CanStandInXml(const std::string& key) {
+  return std::none_of(key.begin(), key.end(), [](char c) { return c >= '\0' && c < ' '; });
+}
+
+std::string DeletionXml(const std::vector<std::string>& keys) {
+  std::string xml = "<Delete><Quiet>true</Quiet>";
+  for (const std::string& key : keys) xml += "<Object><Key>" + Escaped(key) + "</Key></Object>";
+  return xml + "</Delete>";
+}
+
+std::string CompletionXml(const std::vector<S3Part>& parts) {
+  std::string xml = "<CompleteMultipartUpload>";
+  for (const S3Part& part : parts) {
+    xml += "<Part><PartNumber>" + std::to_string(part.number) + "</PartNumber><ETag>" +
+           Escaped(part.etag) + "</ETag></Part>";
+  }
+  return xml + "</CompleteMultipartUpload>";
+}
+
+}  // namespace qv
