@@ -1,32 +1,25 @@
 // Both components as a script; the two libraries are made of this one source.
-#include <memory>
-
 #include "Script.h"
 #include "qvnetcall/transfer/QvCoCSC.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 
 namespace {
 
+using Text = const char*;
+
 qv::test::Script script;
 
-std::string Text(const char* value) { return value; }
-std::string Text(long value) { return std::to_string(value); }
+std::string Shown(Text text) { return text; }
+std::string Shown(long number) { return std::to_string(number); }
 
 template <class... Args>
-HRESULT Call(const char* method, long* out, Args... args) {
+HRESULT Call(Text method, long* out, Args... args) {
   std::string call(method);
-  ((call += (call == method ? " " : ",") + Text(args)), ...);
+  ((call += (call == method ? " " : ",") + Shown(args)), ...);
   script.calls.push_back(call);
   const HRESULT result = script.hresults[method];
-  if (result >= 0 && out != nullptr) *out = script.results[method];
-  return result;
-}
-
-HRESULT AnswerAbout(const char* path, long* out) {
-  script.hook(path);
-  const HRESULT result = Call("IsOperatorFileSuc", nullptr, path);
-  const auto answer = script.answers.find(path);
-  if (result >= 0) *out = answer != script.answers.end() ? answer->second : 1;
+  // One that fails leaves something there that nobody may use.
+  if (out != nullptr) *out = result < 0 ? 666 : script.results[method];
   return result;
 }
 
@@ -35,31 +28,26 @@ template <class Interface>
 class Scripted : public Interface {
  public:
   Scripted() { ++script.alive; }
-
-  HRESULT AddUploadFile(const char* first, const char* second) override {
-    return Call("AddUploadFile", nullptr, first, second);
+  HRESULT AddUploadFile(Text a, Text b) override { return Call("AddUploadFile", nullptr, a, b); }
+  HRESULT AddDownloadFile(Text a, Text b) override {
+    return Call("AddDownloadFile", nullptr, a, b);
   }
-  HRESULT AddDownloadFile(const char* first, const char* second) override {
-    return Call("AddDownloadFile", nullptr, first, second);
+  HRESULT AddCopyServerFile(Text a, Text b) override {
+    return Call("AddCopyServerFile", nullptr, a, b);
   }
-  HRESULT RenameServerFile(const char* old_path, const char* new_path, long* out) override {
-    return Call("RenameServerFile", out, old_path, new_path);
-  }
-  HRESULT FtpLogout(long* out) override { return Call("FtpLogout", out); }
-  HRESULT DeleteServerFile(const char* path, long* out) override {
-    return Call("DeleteServerFile", out, path);
-  }
-  HRESULT DeleteServerPath(const char* path, long* out) override {
-    return Call("DeleteServerPath", out, path);
-  }
-  HRESULT IsOperatorFileSuc(const char* path, long* out) override { return AnswerAbout(path, out); }
-  HRESULT AddCopyServerFile(const char* first, const char* second) override {
-    return Call("AddCopyServerFile", nullptr, first, second);
-  }
-  HRESULT CopyServerFile(long option, long* out) override {
-    return Call("CopyServerFile", out, option);
-  }
+  HRESULT CopyServerFile(long a, long* out) override { return Call("CopyServerFile", out, a); }
   HRESULT GetLastResult(long* out) override { return Call("GetLastResult", out); }
+  HRESULT FtpLogout(long* out) override { return Call("FtpLogout", out); }
+  HRESULT RenameServerFile(Text a, Text b, long* out) override {
+    return Call("RenameServerFile", out, a, b);
+  }
+  HRESULT DeleteServerFile(Text a, long* out) override { return Call("DeleteServerFile", out, a); }
+  HRESULT DeleteServerPath(Text a, long* out) override { return Call("DeleteServerPath", out, a); }
+  HRESULT IsOperatorFileSuc(Text a, long* out) override {
+    const auto answer = script.answers.find(a);
+    *out = answer != script.answers.end() ? answer->second : script.other_answer;
+    return Call("IsOperatorFileSuc", nullptr, a);
+  }
   void Release() override {
     --script.alive;
     delete this;
@@ -69,47 +57,39 @@ class Scripted : public Interface {
   virtual ~Scripted() = default;
 };
 
-class ScriptedFtp final : public Scripted<IQvCoFtp> {
-  HRESULT FtpLogin(const char* host, short port, const char* user, const char* password,
-                   long* out) override {
-    return Call("FtpLogin", out, host, port, user, password);
+class Ftp final : public Scripted<IQvCoFtp> {
+  HRESULT FtpLogin(Text a, short b, Text c, Text d, long* out) override {
+    return Call("FtpLogin", out, a, b, c, d);
   }
-  HRESULT UploadFile(long option, long* out) override { return Call("UploadFile", out, option); }
-  HRESULT DownloadFile(long constant, long option, long* out) override {
-    return Call("DownloadFile", out, constant, option);
+  HRESULT UploadFile(long a, long* out) override { return Call("UploadFile", out, a); }
+  HRESULT DownloadFile(long a, long b, long* out) override {
+    return Call("DownloadFile", out, a, b);
   }
-  HRESULT AddFtpServer(const char* host, short port, const char* user, const char* password,
-                       long* out) override {
-    return Call("AddFtpServer", out, host, port, user, password);
+  HRESULT AddFtpServer(Text a, short b, Text c, Text d, long* out) override {
+    return Call("AddFtpServer", out, a, b, c, d);
   }
-  HRESULT SetTransModel1(long value) override { return Call("SetTransModel1", nullptr, value); }
-  HRESULT SetTransModel2(long value) override { return Call("SetTransModel2", nullptr, value); }
+  HRESULT SetTransModel1(long a) override { return Call("SetTransModel1", nullptr, a); }
+  HRESULT SetTransModel2(long a) override { return Call("SetTransModel2", nullptr, a); }
 };
 
-class ScriptedCsc final : public Scripted<IQvCoCSC> {
-  HRESULT FtpLogin(const char* host, short port, const char* user, const char* password, long extra,
-                   long* out) override {
-    return Call("FtpLogin", out, host, port, user, password, extra);
+class Csc final : public Scripted<IQvCoCSC> {
+  HRESULT FtpLogin(Text a, short b, Text c, Text d, long e, long* out) override {
+    return Call("FtpLogin", out, a, b, c, d, e);
   }
-  HRESULT UploadFile(long option, long constant, long* out) override {
-    return Call("UploadFile", out, option, constant);
-  }
-  HRESULT DownloadFile(long one, long option, long constant, long* out) override {
-    return Call("DownloadFile", out, one, option, constant);
+  HRESULT UploadFile(long a, long b, long* out) override { return Call("UploadFile", out, a, b); }
+  HRESULT DownloadFile(long a, long b, long c, long* out) override {
+    return Call("DownloadFile", out, a, b, c);
   }
 };
 
-bool Comes() {
+template <class Component>
+Component* Create() {
   ++script.factory_calls;
-  if (script.nulls == 0) return true;
-  --script.nulls;
-  return false;
+  return script.absent ? nullptr : new Component;
 }
 
 }  // namespace
 
-extern "C" {
-IQvCoFtp* QvCoFtpCreate() { return Comes() ? new ScriptedFtp : nullptr; }
-IQvCoCSC* QvCoCSCCreate() { return Comes() ? new ScriptedCsc : nullptr; }
-QVNETCALL_API qv::test::Script* TheScript() { return &script; }
-}
+IQvCoFtp* QvCoFtpCreate() { return Create<Ftp>(); }
+IQvCoCSC* QvCoCSCCreate() { return Create<Csc>(); }
+extern "C" QVNETCALL_API qv::test::Script* TheScript() { return &script; }
