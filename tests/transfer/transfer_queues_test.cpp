@@ -25,7 +25,7 @@ using Texts = std::vector<std::string>;
 
 // Where the two classes differ.
 struct Ftp {
-  using Object = CRvoFtp;
+  struct Object final : CRvoFtp {};  // final, since its destructor is not virtual
   static constexpr const char* kLibrary = "libQvCoFtp.so";
   static constexpr ::GUID kInterface{
       0xDDE4AECC, 0xCD9D, 0x4BF8, {0x8C, 0x71, 0xD8, 0x52, 0xAC, 0xBB, 0x2A, 0x7A}};
@@ -90,14 +90,16 @@ class Queues : public ModuleTest {
   long Add(int kind, const std::string& first, const std::string& second) {
     constexpr long (Object::*kCalls[])(CString, CString) = {
         &Object::AddUploadFile, &Object::AddDownloadFile, &Object::AddCopyServerFile};
-    return (object().*kCalls[kind])(first.c_str(), second.c_str());
+    const auto call = kCalls[kind];
+    return (object().*call)(first.c_str(), second.c_str());
   }
   // Of a run: its result and its count.
   std::pair<long, long> Run(int kind) {
     constexpr long (Object::*kCalls[])(long, long&) = {&Object::UploadFile, &Object::DownloadFile,
                                                        &Object::CopyServerile};
     count_ = 77;
-    const long result = (object().*kCalls[kind])(7, count_);
+    const auto call = kCalls[kind];
+    const long result = (object().*call)(7, count_);
     return {result, count_};
   }
   // The four calls that log on their own.
