@@ -1,10 +1,9 @@
 // A fixture with an S3 server that checks what it is sent.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <optional>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -35,9 +34,9 @@ class S3ServerTest : public testing::Test {
   [[nodiscard]] std::vector<std::string> Requests(const std::string& pattern) const {
     std::istringstream log(BytesOf(Local("log")));
     std::vector<std::string> found;
-    const std::regex wanted(pattern);
+    const auto is_wanted = testing::Matches(testing::ContainsRegex(pattern));
     for (std::string line; std::getline(log, line);) {
-      if (std::regex_search(line, wanted)) found.push_back(line);
+      if (is_wanted(line)) found.push_back(line);
     }
     return found;
   }
