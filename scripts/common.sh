@@ -5,7 +5,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build_packages=(g++ cmake ninja-build libboost1.81-dev zlib1g-dev libsqlite3-dev
   libzip-dev libcurl4-openssl-dev unixodbc-dev libfast-float-dev libcli11-dev nlohmann-json3-dev libfmt-dev
   libssl-dev libpugixml-dev)
-test_packages=(libgtest-dev libgmock-dev openssl libsqliteodbc postgresql odbc-postgresql python3-botocore)
+test_packages=(libgtest-dev libgmock-dev openssl libsqliteodbc postgresql odbc-postgresql python3-botocore
+  python3-pyftpdlib python3-openssl)
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -24,8 +24,8 @@ struct Resume {
 // is worth another. Server paths have slashes, whatever the caller wrote. A file never stands half
 // written under its final name, on either side.
 //
-// A transfer that ends with Broken or Stopped may leave something in `resume`, for the next try of
-// the same file or until it is abandoned; any other result leaves it empty, and nothing behind.
+// A transfer that does not succeed may leave something in `resume`, for the next try of the same
+// file or until it is abandoned; it leaves nothing behind that `resume` does not name.
 class RemoteStore {
  public:
   virtual ~RemoteStore() = default;
