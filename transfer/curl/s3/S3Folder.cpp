@@ -42,7 +42,8 @@ QvTransferResult DeleteMany(S3Session& session, const std::string& bucket,
   const auto errors = ReadDeleteErrors(answer.body);
   if (!errors) return QvTransfer_BadAnswer;
   for (const std::string& code : *errors) {
-    const QvTransferResult result = ResultOfError(0, code);
+    // What has no better reason is refused.
+    const QvTransferResult result = ResultOfError(403, code);
     // What somebody else deleted meanwhile is gone as well.
     if (result != QvTransfer_NotFound) return result;
   }

@@ -88,7 +88,7 @@ QvTransferResult S3Parts::Begin() {
 bool S3Parts::IsResumed(QvTransferResult& result) {
   if (resume_.IsEmpty()) return false;
   if (resume_.tag != source_) {
-    Abandon(session_, target_, resume_);
+    static_cast<void>(Abandon(session_, target_, resume_));
     resume_ = {};
     return false;
   }
@@ -148,7 +148,7 @@ QvTransferResult S3Parts::Complete(TransferMeter& meter) {
       session_.AskAndWait(RequestFor("POST"), CompletionXml(parts_), plan_.total, at_the_end);
   // Then the parts are no more what they were.
   if (answer.code == "InvalidPart" || answer.code == "NoSuchUpload") {
-    Abandon(session_, target_, resume_);
+    static_cast<void>(Abandon(session_, target_, resume_));
     resume_ = {};
   }
   if (!answer.IsFine()) return answer.result;

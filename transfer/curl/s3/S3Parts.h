@@ -43,7 +43,8 @@ class S3Parts {
   [[nodiscard]] QvTransferResult Run(const Move& move, TransferMeter& meter);
 
   // Gives up what broken tries left, and says how that went.
-  static QvTransferResult Abandon(S3Session& session, const S3Path& target, const Resume& resume);
+  [[nodiscard]] static QvTransferResult Abandon(S3Session& session, const S3Path& target,
+                                                const Resume& resume);
 
  private:
   [[nodiscard]] QvTransferResult Begin();

@@ -18,6 +18,7 @@ constexpr std::size_t kMaxBody = 4U << 20;
 constexpr std::size_t kHashBlock = 256U << 10;
 // What a server is trusted to copy, or to put together, in a second.
 constexpr std::uint64_t kServerSpeed = 8U << 20;
+constexpr std::uint64_t kLongestWait = 24 * 60 * 60;
 
 std::string_view Header(CURL* easy, const char* name) {
   curl_header* found = nullptr;
@@ -203,7 +204,7 @@ S3Answer S3Session::AskAndWait(const S3Request& request, std::string_view body, 
   const std::optional<S3Wire> wire = Prepare(request, HexOf(Sha256(body)));
   if (!wire) return {.result = QvTransfer_BadArgument};
   TransferSettings settings = settings_;
-  settings.io_timeout += std::chrono::seconds(bytes / kServerSpeed);
+  settings.io_timeout += std::chrono::seconds(std::min(bytes / kServerSpeed, kLongestWait));
   WaitMeter waiting(meter, bytes);
   return Exchange(*wire, body, settings, &waiting);
 }

@@ -63,12 +63,12 @@ QvTransferResult S3Store::Upload(const std::string& local, const std::string& re
   const std::optional<S3Path> target = S3Path::OfObject(remote);
   if (!target) return QvTransfer_BadArgument;
   std::optional<LocalSource> source = LocalSource::Open(local);
-  if (!source) return Settle(QvTransfer_LocalFile, *target, resume);
+  if (!source) return QvTransfer_LocalFile;
   if (source->Size() <= limits_.single_upload) {
-    const S3Request request{.method = "PUT", .bucket = target->bucket, .key = target->key};
     // What a longer file of that name left is of no use any more.
-    return Settle(session_.Send(request, *source, 0, source->Size(), meter).result, *target,
-                  resume);
+    Forget(*target, resume);
+    const S3Request request{.method = "PUT", .bucket = target->bucket, .key = target->key};
+    return session_.Send(request, *source, 0, source->Size(), meter).result;
   }
   const PartPlan plan = PartPlan::For(source->Size(), session_.Settings().part_bytes);
   S3Parts parts(session_, *target, plan, source->State(), resume);
@@ -76,7 +76,7 @@ QvTransferResult S3Store::Upload(const std::string& local, const std::string& re
                         TransferMeter& part_meter) {
     return session_.Send(request, *source, start, length, part_meter);
   };
-  return Settle(parts.Run(move, meter), *target, resume);
+  return parts.Run(move, meter);
 }
 
 QvTransferResult S3Store::Download(const std::string& remote, const std::string& local,
@@ -92,15 +92,14 @@ QvTransferResult S3Store::Copy(const std::string& from, const std::string& to, R
   const std::optional<S3Path> target = S3Path::OfObject(to);
   if (!source || !target) return QvTransfer_BadArgument;
   const S3Answer answer = AskFor(*source, "HEAD");
-  if (!answer.IsFine()) return Settle(answer.result, *target, resume);
+  if (!answer.IsFine()) return answer.result;
   if (*source == *target) return QvTransfer_Success;
-  if (!answer.head.length) return Settle(QvTransfer_BadAnswer, *target, resume);
+  if (!answer.head.length) return QvTransfer_BadAnswer;
   const std::uint64_t bytes = *answer.head.length;
   const TextPairs headers = CopySource(*source, answer.head.etag);
-  const QvTransferResult result = bytes <= limits_.single_copy
-                                      ? CopyAtOnce(*target, headers, bytes, meter)
-                                      : CopyInParts(*target, headers, bytes, resume, meter);
-  return Settle(result, *target, resume);
+  if (bytes > limits_.single_copy) return CopyInParts(*target, headers, bytes, resume, meter);
+  Forget(*target, resume);
+  return CopyAtOnce(*target, headers, bytes, meter);
 }
 
 QvTransferResult S3Store::CopyAtOnce(const S3Path& to, const TextPairs& source, std::uint64_t bytes,
@@ -139,7 +138,7 @@ QvTransferResult S3Store::Rename(const std::string& from, const std::string& to)
   Resume resume;
   NoMeter meter;
   const QvTransferResult result = Copy(from, to, resume, meter);
-  if (!resume.IsEmpty()) Abandon(to, resume);
+  if (const auto target = S3Path::OfObject(to)) Forget(*target, resume);
   if (result != QvTransfer_Success || S3Path::OfObject(from) == S3Path::OfObject(to)) return result;
   return AskFor(*S3Path::OfObject(from), "DELETE").result;
 }
@@ -162,13 +161,10 @@ S3Answer S3Store::AskFor(const S3Path& object, const char* method) {
   return session_.Ask({.method = method, .bucket = object.bucket, .key = object.key});
 }
 
-QvTransferResult S3Store::Settle(QvTransferResult result, const S3Path& target, Resume& resume) {
-  const bool is_worth_more = result == QvTransfer_Broken || result == QvTransfer_Stopped ||
-                             result == QvTransfer_CannotConnect;
-  if (is_worth_more || resume.IsEmpty()) return result;
+void S3Store::Forget(const S3Path& target, Resume& resume) {
+  if (resume.IsEmpty()) return;
   static_cast<void>(S3Parts::Abandon(session_, target, resume));
   resume = {};
-  return result;
 }
 
 }  // namespace qv

@@ -50,8 +50,8 @@ class S3Store final : public RemoteStore {
   [[nodiscard]] QvTransferResult CopyInParts(const S3Path& to, const TextPairs& source,
                                              std::uint64_t bytes, Resume& resume,
                                              TransferMeter& meter);
-  // Leaves nothing behind of a transfer that came to an end for good.
-  QvTransferResult Settle(QvTransferResult result, const S3Path& target, Resume& resume);
+  // Removes what tries left that nobody goes on with.
+  void Forget(const S3Path& target, Resume& resume);
 
   S3Session session_;
   S3Limits limits_;
