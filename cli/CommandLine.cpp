@@ -5,7 +5,9 @@
 #include <ostream>
 #include <string>
 
+#include "OptionChecks.h"
 #include "OptionRules.h"
+#include "QueueCommandLine.h"
 #include "StoreCommandLine.h"
 
 namespace qv {
@@ -16,20 +18,14 @@ constexpr int kLongestTimeout = 3600000;  // an hour; the transports take no mor
 const std::map<std::string, Format> kFormats = {
     {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
 
-CLI::Validator NotEmpty() {
-  return {[](const std::string& text) {
-            return text.empty() ? std::string("must not be empty") : std::string();
-          },
-          ""};
-}
-
 void AddServer(CLI::App& app, Connection& connection) {
   app.add_option("--server", connection.server,
                  "Host name or address of the server; with --web it may begin with https://")
       ->envname("QVCALL_SERVER")
       ->check(NotEmpty())
       ->capture_default_str();
-  app.add_option("--port", connection.port, "Port of the server; needed unless --direct")
+  app.add_option("--port", connection.port,
+                 "Port of the server; needed unless --direct, ftp or cloud")
       ->envname("QVCALL_PORT")
       ->check(CLI::Range(1, 65535));
   app.add_flag("--web", connection.web,
@@ -43,8 +39,8 @@ void AddServer(CLI::App& app, Connection& connection) {
       ->envname("QVCALL_TOKEN")
       ->check(NotEmpty());
   app.add_option("--ca-file", connection.ca_file,
-                 "Authorities whose certificates are good for https://, as PEM; the system's "
-                 "without it")
+                 "Authorities whose certificates are good for https:// and ftpes://, as PEM; the "
+                 "system's without it")
       ->check(CLI::ExistingFile);
   app.add_option("--timeout-ms", connection.timeout_ms,
                  "Longest time to connect, and to wait without progress, in milliseconds")
@@ -153,6 +149,7 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   const CLI::App* batch_command = AddBatch(app, batch);
   app.add_subcommand("ping", "Ask whether the server answers");
   AddStoreCommands(app, parsed.command.store);
+  AddQueueCommands(app, parsed.command.queue);
   try {
     app.parse(argc, argv);
     TakeQuery(query_command, query, parsed.command);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "QueueOptions.h"
 #include "ResultWriter.h"
 #include "ReturnCodes.h"
 #include "StoreCommands.h"
@@ -56,6 +57,7 @@ struct CommandLine {
   std::optional<ExecOptions> exec{};
   std::optional<BatchOptions> batch{};
   std::optional<StoreCommand> store{};
+  std::optional<QueueCommand> queue{};
 };
 
 struct ParsedCommandLine {

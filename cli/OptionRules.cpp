@@ -35,7 +35,7 @@ constexpr Rule kRules[] = {
     {[](const CommandLine& c) { return IsDirect(c) && c.batch.has_value(); },
      "a batch needs a server, and --direct (or QVCALL_DIRECT) talks to a database without one: run "
      "its statements one by one with exec"},
-    {[](const CommandLine& c) { return IsDirect(c) && c.store.has_value(); },
+    {[](const CommandLine& c) { return IsDirect(c) && (c.store || c.queue); },
      "files, the directory and the log are a server's, and --direct (or QVCALL_DIRECT) talks to a "
      "database without one: leave it away"},
     {[](const CommandLine& c) { return IsDirect(c) && c.connection.timeout_ms.has_value(); },
@@ -45,10 +45,15 @@ constexpr Rule kRules[] = {
      "--db is required: the name of the database on the server"},
     {[](const CommandLine& c) { return c.connection.web && c.query && c.query->use_cache; },
      "--cache and --offline do not go with --web: a web server has no offline work"},
-    {[](const CommandLine& c) { return !c.connection.ca_file.empty() && !c.connection.web; },
+    {[](const CommandLine& c) { return c.queue && c.connection.web; },
+     "--web does not go with ftp and cloud, which only write to the server's log, over the socket "
+     "transport: leave it away, and give --port for the log"},
+    {[](const CommandLine& c) {
+       return !c.queue && !c.connection.ca_file.empty() && !c.connection.web;
+     },
      "--ca-file goes only with --web: the socket transport does not encrypt"},
     {[](const CommandLine& c) {
-       return !c.connection.ca_file.empty() && !IsEncrypted(c.connection);
+       return !c.queue && !c.connection.ca_file.empty() && !IsEncrypted(c.connection);
      },
      "--ca-file needs encryption to be used for: begin the name of the server with https://"},
     {[](const CommandLine& c) {
@@ -60,7 +65,7 @@ constexpr Rule kRules[] = {
        return !IsDirect(c) && c.connection.web && c.connection.Port() == 0;
      },
      "--http-port or --port is required: the port on which the server talks HTTP"},
-    {[](const CommandLine& c) { return !IsDirect(c) && c.connection.Port() == 0; },
+    {[](const CommandLine& c) { return !IsDirect(c) && !c.queue && c.connection.Port() == 0; },
      "--port is required: the port of the server"},
 };
 

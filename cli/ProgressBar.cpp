@@ -35,6 +35,11 @@ void ProgressBar::Advance(std::uint64_t done) {
   progress_.done = done;
 }
 
+void ProgressBar::Update(const Progress& progress) {
+  const std::lock_guard lock(mutex_);
+  progress_ = progress;
+}
+
 void ProgressBar::Clear() {
   const std::lock_guard lock(life_mutex_);
   if (std::exchange(cleared_, true) || !thread_.joinable()) return;

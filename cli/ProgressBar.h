@@ -32,6 +32,8 @@ class ProgressBar {
   void Begin(std::string_view label, std::optional<std::uint64_t> total);
   // Says that `done` bytes of it are done.
   void Advance(std::uint64_t done);
+  // Says where the same piece of work stands, also by another label; its time goes on.
+  void Update(const Progress& progress);
   // Takes the line away. Nothing is drawn from then on.
   void Clear();
 

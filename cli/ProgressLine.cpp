@@ -34,7 +34,8 @@ std::string Clock(double seconds) {
   return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
-double Share(const Progress& progress) {
+std::optional<double> Share(const Progress& progress) {
+  if (!progress.total) return progress.share;
   if (*progress.total == 0) return 1;
   return static_cast<double>(progress.done) / static_cast<double>(*progress.total);
 }
@@ -51,10 +52,11 @@ Details Describe(const Progress& progress) {
   Details details;
   const double seconds = std::chrono::duration<double>(progress.elapsed).count();
   const auto done = static_cast<double>(progress.done);
+  const std::optional<double> share = Share(progress);
   details.time = Clock(seconds);
+  // Rounded down, so that all of it is there when it says so.
+  if (share) details.share = fmt::format("{:3.0f}%", std::floor(*share * 100));
   if (progress.total) {
-    // Rounded down, so that all of it is there when it says so.
-    details.share = fmt::format("{:3.0f}%", std::floor(Share(progress) * 100));
     details.bytes = Bytes(done) + " of " + Bytes(static_cast<double>(*progress.total));
   } else if (progress.done != 0) {
     details.bytes = Bytes(done);
@@ -64,6 +66,8 @@ Details Describe(const Progress& progress) {
   details.rate = Bytes(rate) + "/s";
   if (progress.total) {
     details.time = Clock((static_cast<double>(*progress.total) - done) / rate) + " left";
+  } else if (share && *share > 0) {
+    details.time = Clock(seconds / *share - seconds) + " left";
   }
   return details;
 }
@@ -109,7 +113,8 @@ std::string ProgressLine(const Progress& progress, std::size_t cells) {
   std::size_t left = cells - AppendVisible(line, ignored);
   const std::string details = FittingDetails(known, left);
   left -= details.size();
-  return line + (sane.total ? Bar(Share(sane), left) : "") + details;
+  const std::optional<double> share = Share(sane);
+  return line + (share ? Bar(*share, left) : "") + details;
 }
 
 std::string SizeText(std::uint64_t bytes) { return Bytes(static_cast<double>(bytes)); }

@@ -94,6 +94,11 @@ Session::~Session() {
 
 bool Session::Start(std::ostream& err) {
   if (!connection_.direct.empty()) return OpenDirect(err);
+  if (port_ == 0) {
+    // Nobody is told anything, and nobody is probed for it.
+    CRvoServer::SetServerType(kSocketServer, "", 0);
+    return true;
+  }
   CRvoServer::SetConinfo(server_.c_str(), port_);
   const bool surely_web = connection_.web && calls_ == Calls::kByServerType;
   // Before the route is looked for: that may be by a probe, for which a server may want the token.

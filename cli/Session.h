@@ -24,6 +24,8 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
+  // A connection without a port is none: calls come to nothing at once.
+  //
   // Hands the token, the authorities and the deadlines to the transport that is used, or opens the
   // database. False, with the reason on `err`, when one is not taken: going on without it would not
   // be what the user asked for.

@@ -9,9 +9,9 @@
 
 namespace qv {
 
-void TransferReport::Done(std::uint64_t bytes) {
-  ++done_;
-  bytes_ += bytes;
+void TransferReport::Done(std::optional<std::uint64_t> bytes, std::size_t files) {
+  done_ += files;
+  bytes_ = bytes_ && bytes ? std::optional(*bytes_ + *bytes) : std::nullopt;
 }
 
 void TransferReport::Fail(std::string_view subject, std::string_view reason) {
@@ -29,8 +29,8 @@ void TransferReport::Fail(std::string_view subject, Call call, int code) {
 
 int TransferReport::Finish(std::string_view remark) const {
   if (done_ > 0 || failed_.empty()) {
-    fmt::print(err_, "done ({} {}, {}{}{})\n", done_, done_ == 1 ? "file" : "files",
-               SizeText(bytes_), remark.empty() ? "" : ", ", remark);
+    fmt::print(err_, "done ({} {}{}{}{})\n", done_, done_ == 1 ? "file" : "files",
+               bytes_ ? ", " + SizeText(*bytes_) : "", remark.empty() ? "" : ", ", remark);
   }
   if (failed_.empty()) return kDone;
   if (done_ + failed_.size() > 1) {

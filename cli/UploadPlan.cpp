@@ -25,14 +25,16 @@ std::string NameOf(const fs::path& local) {
 
 class UploadPlan {
  public:
-  UploadPlan(bool recursive, TransferReport& report) : recursive_(recursive), report_(report) {}
+  UploadPlan(const UploadTarget& target, bool recursive, TransferReport& report)
+      : target_(target), recursive_(recursive), report_(report) {}
 
   void Add(const fs::path& local, const std::string& server_folder) {
     const std::string name = NameOf(local);
-    const std::string server = JoinServerPath(server_folder, name);
+    const std::string server = target_.join(server_folder, name);
     if (!IsPlainName(name)) {
       report_.Fail(local.string(), "has a name that the server cannot take");
-    } else if (server.size() > kLongestServerPath || local.string().size() > kLongestLocalPath) {
+    } else if (server.size() > target_.longest_path ||
+               local.string().size() > target_.longest_local_path) {
       report_.Fail(local.string(), "has too long a path");
     } else {
       AddNamed(local, server);
@@ -53,12 +55,8 @@ class UploadPlan {
                    fs::exists(status) ? "is no file that can be sent" : "there is no such file");
     } else if (!recursive_) {
       report_.Fail(local.string(), "is a folder, which is only sent with -r");
-    } else if (CRvoFolder::NewOneFolder(server.c_str()) == 1 || FindFolder(server)) {
+    } else if (target_.make_folder(local.string(), server)) {
       AddInside(local, server);
-    } else if (CRvoServer::GetIsNetworkBad(1) == 1) {
-      report_.Fail(local.string(), Call::kUpload, kNotReached);
-    } else {
-      report_.Fail(local.string(), "the server has no folder for it and makes none");
     }
   }
 
@@ -79,17 +77,39 @@ class UploadPlan {
     }
   }
 
+  const UploadTarget& target_;
   const bool recursive_;
   TransferReport& report_;
   std::vector<FileTransfer> files_;
 };
 
+bool MakeFolder(const std::string& local, const std::string& server, TransferReport& report) {
+  if (CRvoFolder::NewOneFolder(server.c_str()) == 1 || FindFolder(server)) return true;
+  if (CRvoServer::GetIsNetworkBad(1) == 1) {
+    report.Fail(local, Call::kUpload, kNotReached);
+  } else {
+    report.Fail(local, "the server has no folder for it and makes none");
+  }
+  return false;
+}
+
 }  // namespace
 
-std::vector<FileTransfer> PlanUpload(const PutFiles& command, TransferReport& report) {
-  UploadPlan plan(command.recursive, report);
-  for (const std::string& local : command.local) plan.Add(local, command.server_folder);
+std::vector<FileTransfer> PlanUpload(const UploadTarget& target,
+                                     const std::vector<std::string>& local,
+                                     const std::string& folder, bool recursive,
+                                     TransferReport& report) {
+  UploadPlan plan(target, recursive, report);
+  for (const std::string& path : local) plan.Add(path, folder);
   return plan.Taken();
+}
+
+std::vector<FileTransfer> PlanUpload(const PutFiles& command, TransferReport& report) {
+  const auto make_folder = [&report](const std::string& local, const std::string& server) {
+    return MakeFolder(local, server, report);
+  };
+  const UploadTarget target = {JoinServerPath, kLongestServerPath, kLongestLocalPath, make_folder};
+  return PlanUpload(target, command.local, command.server_folder, command.recursive, report);
 }
 
 }  // namespace qv

@@ -14,6 +14,7 @@
 #include "cli/IdCommands.h"
 #include "cli/Ping.h"
 #include "cli/Query.h"
+#include "cli/QueueCommands.h"
 #include "cli/TransferCommands.h"
 
 namespace {
@@ -33,6 +34,7 @@ int Run(int argc, char** argv) {
         [&](const auto& store) { return qv::Run(connection, store, std::cout, std::cerr); },
         *command.store);
   }
+  if (command.queue) return qv::Run(connection, *command.queue, std::cin, std::cerr);
   return qv::RunPing(connection, std::cout, std::cerr);
 }
 

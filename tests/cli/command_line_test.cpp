@@ -111,6 +111,31 @@ TEST_F(CommandLine, TakesServerPathsAsTheyAreSent) {
   EXPECT_EQ(std::get<qv::ListGroups>(taken({"groups"})).pattern, "*");
 }
 
+TEST_F(CommandLine, TakesAHostApartAndLeavesPathsElsewhereAsTheyAre) {
+  const struct {
+    const char* typed;
+    const char* name;
+    int port;
+  } cases[] = {{"h", "h", 0},
+               {"ftpes://h:2121", "ftpes://h", 2121},
+               {"::1", "::1", 0},
+               {"ftp://[::1]:65535", "ftp://[::1]", 65535},
+               {"[::1]", "[::1]", 0}};
+  for (const auto& [typed, name, port] : cases) {
+    const auto queue =
+        Parse({"ftp", "put", "-r", "put", "/x\\y/", "--retries", "0", "--host", typed})
+            .command.queue;
+    ASSERT_TRUE(queue) << typed;
+    EXPECT_EQ(queue->host.name, name);
+    EXPECT_EQ(queue->host.port, port);
+    EXPECT_EQ(queue->host.retries, 0);
+    const auto& put = std::get<qv::QueuePut>(queue->work);
+    EXPECT_EQ(put.local, std::vector<std::string>{"put"});
+    EXPECT_EQ(put.folder, "/x\\y/");
+    EXPECT_TRUE(put.recursive);
+  }
+}
+
 TEST_F(CommandLine, RefusesWrongUsage) {
   for (const auto& words : std::vector<std::vector<const char*>>{
            {},
@@ -171,6 +196,16 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"--port", "7", "mv", "aa", long_folder.c_str()}, "255"},
       {{"--port", "7", "idput", "-1", "a"}, "not in range"},
       {{"--port", "7", "idget", "1", "..\\a"}, "LOCAL"},
+      {{"ftp", "put", "a", "b"}, "--host is required"},
+      {{"ftp", "--host", "h"}, "subcommand is required"},
+      {{"ftp", "--host", "h:0", "rm", "a"}, "1 to 65535"},
+      {{"ftp", "--host", "h:66000", "rm", "a"}, "1 to 65535"},
+      {{"ftp", "--host", "h", "get", "a"}, "At least 2"},
+      {{"ftp", "--host", "h", "get", "-r", "a", "."}, "-r"},
+      {{"ftp", "--host", "h", "rm", "a", "--ca-file", "/dev/null"}, nullptr},
+      {{"ftp", "--host", "h", "rm", "a", "--web", "--port", "7"}, "--web does not go with"},
+      {{"ftp", "--host", "h", "rm", "a", "--direct", "x=y"}, "leave it away"},
+      {{"cloud", "--host", "h", "rm", "a"}, "--login is required"},
   };
   for (const auto& [words, complaint] : cases) {
     const Parsed parsed = Parse(words);
