@@ -113,7 +113,9 @@ class QueueWork {
     const long result = pairs.empty() ? 0 : client_.Run(kind, host_.retries, count);
     progress_.End();
     const auto moved = static_cast<std::size_t>(std::max(count, 0L));
-    if (moved > 0) report_.Done(progress_.MovedBytes(), moved);
+    // What was sent of a file says nothing of how much of it the server took.
+    const bool is_whole = moved == pairs.size();
+    if (moved > 0) report_.Done(is_whole ? progress_.MovedBytes() : std::nullopt, moved);
     const std::string subject = pairs.size() == 1 ? names.front()
                                                   : fmt::format("{} of {} failed, the first",
                                                                 pairs.size() - moved, pairs.size());

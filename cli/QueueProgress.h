@@ -32,7 +32,8 @@ class QueueProgress {
   // Until End() nobody else writes to `err`.
   void Begin(const std::vector<std::string>& paths, std::optional<std::uint64_t> bytes);
   void End();
-  // How many bytes the files have that were moved whole; none when the component did not tell.
+  // How many bytes the files have of which all bytes were moved; none when the component did not
+  // tell.
   [[nodiscard]] std::optional<std::uint64_t> MovedBytes() const;
 
  private:

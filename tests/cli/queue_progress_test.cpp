@@ -22,7 +22,7 @@ int Tell(std::int32_t index, std::uint64_t done, std::uint64_t total) {
   return listener(&progress, listening);
 }
 
-TEST(QueueProgress, CountsWhatWasMovedWhole) {
+TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
   std::ostringstream err;
   qv::QueueProgress progress(err, Listen);
   progress.Begin({"a", "b", "c"}, std::nullopt);
