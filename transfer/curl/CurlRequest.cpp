@@ -48,16 +48,8 @@ bool IsLoss(CURLcode code) {
 
 }  // namespace
 
-CurlPtr MakeCurl() {
-  // There is no counterpart at the end: the host may use libcurl as well.
-  static const CURLcode is_ready = curl_global_init(CURL_GLOBAL_DEFAULT);
-  CurlPtr easy(is_ready == CURLE_OK ? curl_easy_init() : nullptr);
-  if (easy == nullptr) throw std::bad_alloc();
-  return easy;
-}
-
-CurlRequest::CurlRequest(CURL* easy, const TransferSettings& settings)
-    : easy_(easy), settings_(settings) {
+CurlRequest::CurlRequest(CurlHandle& handle, const TransferSettings& settings)
+    : handle_(handle), easy_(handle.Easy()), settings_(settings) {
   curl_easy_reset(easy_);
   // A host may have handlers of its own for signals, and a slow name lookup is left behind.
   Set(CURLOPT_NOSIGNAL, 1L);
@@ -129,11 +121,34 @@ QvTransferResult CurlRequest::Perform() {
   // Options fail for want of memory only.
   if (!is_set_up_) throw std::bad_alloc();
   last_progress_ = Clock::now();
-  code_ = curl_easy_perform(easy_);
+  code_ = Drive();
   // It is also what libcurl says of a line that is longer than it takes.
   const bool is_short = code_ == CURLE_OUT_OF_MEMORY && !was_connected_;
   if (is_out_of_memory_ || is_short) throw std::bad_alloc();
   return Result();
+}
+
+// libcurl's own loop waits a whole second whenever an answer came before it looked for one, since
+// it has nothing to wait for then: once for each file, with a server that is near.
+CURLcode CurlRequest::Drive() {
+  constexpr std::chrono::milliseconds kLongestWait{100};
+  CURLM* const multi = handle_.Multi();
+  if (curl_multi_add_handle(multi, easy_) != CURLM_OK) return CURLE_OUT_OF_MEMORY;
+  CURLcode outcome = CURLE_OUT_OF_MEMORY;
+  std::chrono::milliseconds wait{1};
+  int running = 1;
+  while (curl_multi_perform(multi, &running) == CURLM_OK && running != 0) {
+    int ready = 0;
+    if (curl_multi_poll(multi, nullptr, 0, static_cast<int>(wait.count()), &ready) != CURLM_OK) {
+      break;
+    }
+    wait = ready != 0 ? std::chrono::milliseconds(1) : std::min(2 * wait, kLongestWait);
+  }
+  int left = 0;
+  const CURLMsg* const message = curl_multi_info_read(multi, &left);
+  if (message != nullptr) outcome = message->data.result;
+  curl_multi_remove_handle(multi, easy_);
+  return outcome;
 }
 
 long CurlRequest::AnswerCode() const {
@@ -218,7 +233,7 @@ int CurlRequest::OnProgress(void* self, curl_off_t download_total, curl_off_t do
   return request.GoesOn(moved) && request.Tell(moved, Bytes(download_total)) ? 0 : 1;
 }
 
-// libcurl asks at least once a second, whatever happens.
+// libcurl asks whenever it is driven, whatever happens.
 bool CurlRequest::GoesOn(std::uint64_t moved) {
   const Clock::time_point now = Clock::now();
   if (moved + line_bytes_ != progress_) {

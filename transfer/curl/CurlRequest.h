@@ -9,26 +9,19 @@
 #include <string>
 
 #include "BodySource.h"
+#include "CurlHandle.h"
 #include "TransferMeter.h"
 #include "TransferSettings.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv {
 
-struct CurlCloser {
-  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-};
-using CurlPtr = std::unique_ptr<CURL, CurlCloser>;
-
-// A handle; the first one makes libcurl ready. Throws std::bad_alloc when there can be none.
-[[nodiscard]] CurlPtr MakeCurl();
-
 // What every request has in common is set by the constructor: deadlines, trust, and nothing from
 // the environment. Everything that is handed over outlives the request. One thread.
 class CurlRequest {
  public:
-  // `easy` is the request's until it is destroyed, and without any option again then.
-  CurlRequest(CURL* easy, const TransferSettings& settings);
+  // `handle` is the request's until it is destroyed, and without any option again then.
+  CurlRequest(CurlHandle& handle, const TransferSettings& settings);
   ~CurlRequest();
   CurlRequest(const CurlRequest&) = delete;
   CurlRequest& operator=(const CurlRequest&) = delete;
@@ -79,8 +72,10 @@ class CurlRequest {
   void BeginToConnect();
   [[nodiscard]] bool GoesOn(std::uint64_t moved);
   [[nodiscard]] bool Tell(std::uint64_t moved, std::uint64_t total);
+  [[nodiscard]] CURLcode Drive();
   [[nodiscard]] QvTransferResult Result() const;
 
+  CurlHandle& handle_;
   CURL* easy_;
   const TransferSettings& settings_;
   std::unique_ptr<curl_slist, FreeList> lines_;

@@ -95,7 +95,7 @@ std::string FtpFileState::Tag() const {
   return size && written ? std::to_string(*size) + '-' + std::to_string(*written) : std::string();
 }
 
-FtpSession::FtpSession(const TransferSettings& settings) : settings_(settings), easy_(MakeCurl()) {}
+FtpSession::FtpSession(const TransferSettings& settings) : settings_(settings) {}
 
 QvTransferResult FtpSession::Open(FtpServer server) {
   Quit();
@@ -112,7 +112,7 @@ void FtpSession::Quit() noexcept {
     if (is_open_) {
       // The farewell is libcurl's when it closes the connection. Left to the end of the handle, it
       // would wait for the server's answer beyond every deadline.
-      CurlRequest request(easy_.get(), settings_);
+      CurlRequest request(handle_, settings_);
       SetUp(request, "/");
       request.Set(CURLOPT_NOBODY, 1L);
       request.Set(CURLOPT_FORBID_REUSE, 1L);
@@ -138,7 +138,7 @@ QvTransferResult FtpSession::Reach() {
 
 QvTransferResult FtpSession::LogInto(std::size_t server) {
   current_ = server;
-  CurlRequest request(easy_.get(), settings_);
+  CurlRequest request(handle_, settings_);
   SetUp(request, "/");
   request.Set(CURLOPT_NOBODY, 1L);
   // One that was kept is only in doubt, and closed when this one takes its place.
@@ -146,7 +146,7 @@ QvTransferResult FtpSession::LogInto(std::size_t server) {
   const QvTransferResult result = request.Perform();
   is_open_ = result == QvTransfer_Success;
   const char* home = nullptr;
-  curl_easy_getinfo(easy_.get(), CURLINFO_FTP_ENTRY_PATH, &home);
+  curl_easy_getinfo(handle_.Easy(), CURLINFO_FTP_ENTRY_PATH, &home);
   home_ = home != nullptr ? home : "";
   if (!home_.starts_with('/') || HasControls(home_)) home_ = "/";
   if (!home_.ends_with('/')) home_ += '/';
@@ -162,7 +162,6 @@ void FtpSession::SetUp(CurlRequest& request, const std::string& path) const {
   request.Set(CURLOPT_URL, (server.url + '/' + Escaped(path)).c_str());
   request.Set(CURLOPT_PATH_AS_IS, 1L);
   request.Set(CURLOPT_PROTOCOLS_STR, "ftp");
-  request.Set(CURLOPT_MAXCONNECTS, 1L);
   // Whole paths in every command, so that nothing depends on the folder that the server is in.
   request.Set(CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_NOCWD));
   if (!server.user.empty()) {
@@ -201,8 +200,8 @@ FtpFileState FtpSession::StateOf(QvTransferResult result) const {
   FtpFileState state{.result = result, .size = {}, .written = {}};
   curl_off_t length = -1;
   curl_off_t written = -1;
-  curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-  curl_easy_getinfo(easy_.get(), CURLINFO_FILETIME_T, &written);
+  curl_easy_getinfo(handle_.Easy(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+  curl_easy_getinfo(handle_.Easy(), CURLINFO_FILETIME_T, &written);
   if (length >= 0) state.size = static_cast<std::uint64_t>(length);
   if (written >= 0) state.written = written;
   return state;
@@ -211,7 +210,7 @@ FtpFileState FtpSession::StateOf(QvTransferResult result) const {
 FtpFileState FtpSession::Look(const std::string& path) {
   const QvTransferResult reached = Reach();
   if (reached != QvTransfer_Success) return {.result = reached, .size = {}, .written = {}};
-  CurlRequest request(easy_.get(), settings_);
+  CurlRequest request(handle_, settings_);
   SetUp(request, path);
   request.Set(CURLOPT_NOBODY, 1L);
   request.Set(CURLOPT_FILETIME, 1L);
@@ -221,7 +220,7 @@ FtpFileState FtpSession::Look(const std::string& path) {
 FtpFileState FtpSession::Get(const FtpTransfer& transfer, BodySink& sink, TransferMeter& meter) {
   const QvTransferResult reached = Reach();
   if (reached != QvTransfer_Success) return {.result = reached, .size = {}, .written = {}};
-  CurlRequest request(easy_.get(), settings_);
+  CurlRequest request(handle_, settings_);
   SetUp(request, transfer.path);
   request.Set(CURLOPT_FILETIME, 1L);
   request.Set(CURLOPT_TRANSFERTEXT, transfer.is_text ? 1L : 0L);
@@ -238,7 +237,7 @@ QvTransferResult FtpSession::Put(const FtpTransfer& transfer, BodySource& source
   if (!source.Seek(transfer.offset)) return QvTransfer_LocalFile;
   const QvTransferResult reached = Reach();
   if (reached != QvTransfer_Success) return reached;
-  CurlRequest request(easy_.get(), settings_);
+  CurlRequest request(handle_, settings_);
   SetUp(request, transfer.path);
   request.Set(CURLOPT_UPLOAD, 1L);
   request.Set(CURLOPT_TRANSFERTEXT, transfer.is_text ? 1L : 0L);
@@ -255,7 +254,7 @@ QvTransferResult FtpSession::Put(const FtpTransfer& transfer, BodySource& source
 FtpAnswer FtpSession::Command(const std::string& line) {
   const QvTransferResult reached = Reach();
   if (reached != QvTransfer_Success) return {reached, 0};
-  CurlRequest request(easy_.get(), settings_);
+  CurlRequest request(handle_, settings_);
   SetUp(request, "/");
   request.Set(CURLOPT_NOBODY, 1L);
   request.AddLine(CURLOPT_QUOTE, line);
@@ -267,7 +266,7 @@ FtpAnswer FtpSession::Command(const std::string& line) {
 FtpAnswer FtpSession::List(const std::string& folder, const char* command, BodySink& sink) {
   const QvTransferResult reached = Reach();
   if (reached != QvTransfer_Success) return {reached, 0};
-  CurlRequest request(easy_.get(), settings_);
+  CurlRequest request(handle_, settings_);
   SetUp(request, folder.ends_with('/') ? folder : folder + '/');
   // Names with blanks or stars are safer in the command for the folder than in that for a listing.
   request.Set(CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_SINGLECWD));

@@ -75,7 +75,7 @@ class FtpSession {
   [[nodiscard]] FtpFileState StateOf(QvTransferResult result) const;
 
   TransferSettings settings_;
-  CurlPtr easy_;
+  CurlHandle handle_;
   std::vector<FtpServer> servers_;
   std::size_t current_ = 0;
   bool is_open_ = false;

@@ -211,11 +211,11 @@ S3Answer S3Session::AskAndWait(const S3Request& request, std::string_view body, 
 
 S3Answer S3Session::Exchange(const S3Wire& wire, std::string_view body,
                              const TransferSettings& settings, TransferMeter* meter) {
-  CurlRequest exchange(curl_.get(), settings);
+  CurlRequest exchange(curl_, settings);
   SetUp(exchange, wire, body.size());
   TextSource source(body);
   exchange.Send(source);
-  AnswerSink sink(curl_.get(), exchange, nullptr);
+  AnswerSink sink(curl_.Easy(), exchange, nullptr);
   exchange.Receive(sink);
   if (meter != nullptr) exchange.ReportTo(*meter, 0, 0);
   return sink.Finish(exchange.Perform());
@@ -229,10 +229,10 @@ S3Answer S3Session::Send(const S3Request& request, LocalSource& source, std::uin
   if (hashed != QvTransfer_Success) return {.result = hashed};
   const std::optional<S3Wire> wire = Prepare(request, hash);
   if (!wire) return {.result = QvTransfer_BadArgument};
-  CurlRequest exchange(curl_.get(), settings_);
+  CurlRequest exchange(curl_, settings_);
   SetUp(exchange, *wire, length);
   exchange.Send(part);
-  AnswerSink sink(curl_.get(), exchange, nullptr);
+  AnswerSink sink(curl_.Easy(), exchange, nullptr);
   exchange.Receive(sink);
   exchange.ReportTo(meter, 0, length);
   return sink.Finish(exchange.Perform());
@@ -241,9 +241,9 @@ S3Answer S3Session::Send(const S3Request& request, LocalSource& source, std::uin
 S3Answer S3Session::Receive(const S3Request& request, S3Receiver& receiver, TransferMeter& meter) {
   const std::optional<S3Wire> wire = Prepare(request, HexOf(Sha256({})));
   if (!wire) return {.result = QvTransfer_BadArgument};
-  CurlRequest exchange(curl_.get(), settings_);
+  CurlRequest exchange(curl_, settings_);
   SetUp(exchange, *wire, 0);
-  AnswerSink sink(curl_.get(), exchange, &receiver);
+  AnswerSink sink(curl_.Easy(), exchange, &receiver);
   exchange.Receive(sink);
   exchange.ReportTo(meter, 0, 0);
   return sink.Finish(exchange.Perform());

@@ -80,7 +80,7 @@ class S3Session {
   S3Keys keys_;
   TransferSettings settings_;
   // Its connections serve one request after the other.
-  CurlPtr curl_ = MakeCurl();
+  CurlHandle curl_;
 };
 
 }  // namespace qv
