@@ -14,8 +14,8 @@ inline constexpr GUID kFtpInterface{
 inline constexpr GUID kCscInterface{
     0x90302F64, 0xB9C6, 0x471A, {0xAF, 0x28, 0x5D, 0xE9, 0x53, 0xCF, 0x55, 0x06}};
 
-// Before the first and after the last use of components on the calling thread, where the system
-// wants to know.
+// Enter and leave the single-threaded apartment of the calling thread, where the system has one.
+// Components are made inside; the one of a cloud object is ended after its apartment was left.
 void EnterApartment();
 void LeaveApartment();
 

@@ -51,15 +51,16 @@ long AddPair(Component* component, HRESULT (Component::*add)(const char*, const 
   return result;
 }
 
-enum Kind : int { kUpload, kDownload, kCopy };
+enum QueueKind : int { kUpload, kDownload, kCopy };
 
 // What every run of downloads is called with.
 inline constexpr long kDownloadConstant = 1;
 
 // Runs a queue by `run(component, &count)` and reports what failed, behind which the report has
-// what `suffix(result)` gives. A run that throws neither marks its queue nor reports.
+// what `suffix(result)` gives. When `run` throws, the queue is not marked and nothing reported.
 template <class Component, class Files, class Run, class Suffix>
-long RunQueue(Component* component, Files& files, Kind kind, long& count, Run run, Suffix suffix) {
+long RunQueue(Component* component, Files& files, QueueKind kind, long& count, Run run,
+              Suffix suffix) {
   count = 0;
   if (component != nullptr) {
     long succeeded = 0;

@@ -48,8 +48,8 @@ class QVNETCALL_API CRvoCSCFiles {
 
 // One connection to a cloud store and three queues. What is not said here is as CRvoFtp has it:
 // threads, results, exceptions, queues, reports. A copy shares the connection and the queues of its
-// source; they end with the last of them. The component is made by the constructor; without one,
-// every call gives -100 for the object's life.
+// source, and its thread; they end with the last of them. The component is made by the constructor;
+// without one, every call gives -100 for the object's life.
 class QVNETCALL_API CRvoCloudStorage {
  public:
   CRvoCloudStorage();

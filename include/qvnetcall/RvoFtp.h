@@ -50,9 +50,10 @@ class QVNETCALL_API CRvoFtpFiles {
 // the component; docs/transfer-components.md has it for the one that is built here.
 //
 // All members of an object must be called on the thread that made it. Results are the component's,
-// 0 for success, or -100 when there is no component. A call that the component fails as such
-// throws _com_error; so does running out of memory, std::bad_alloc. Failures are reported to the
-// server's log (CRvoServer::SendSvrLogInfo, kind 3); no password is.
+// 0 for success, or -100 when there is no component. A call that the component fails as such throws
+// _com_error (qvnetcall/transfer/ComError.h): a pair is not queued then, and a run reports nothing.
+// Running out of memory throws std::bad_alloc. Failures are reported to the server's log
+// (CRvoServer::SendSvrLogInfo, kind 3); no password is.
 class QVNETCALL_API CRvoFtp {
  public:
   CRvoFtp();
@@ -60,7 +61,8 @@ class QVNETCALL_API CRvoFtp {
   CRvoFtp(const CRvoFtp&) = delete;
   CRvoFtp& operator=(const CRvoFtp&) = delete;
 
-  // These three empty the queue of uploads, and leave the others as they are.
+  // These three empty the queue of uploads, whatever comes of the call, and leave the others as
+  // they are. A `port` above 32767 is the negative number with the same 16 bits.
   long FtpLogin(CString host, CString user, CString password, short port);
   long FtpLogout();
   // The low 16 bits of `port` count.

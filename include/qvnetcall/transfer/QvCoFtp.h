@@ -10,7 +10,8 @@
 // with a NUL, are in the platform's code page, stay the caller's and are never null. A negative
 // HRESULT means that the call failed as such, and reaches the host as _com_error; `result`, which
 // is never null, counts only when it is not. In `result`, 0 is success and any other value a code
-// of the component's own, unless a call says otherwise. No call may throw.
+// of the component's own, unless a call says otherwise. A `port` above 32767 comes as the negative
+// number with the same 16 bits. No call may throw.
 //
 // Which of `first` and `second` is the local path, and what `option` and the modes mean, is the
 // component's business.
@@ -22,8 +23,8 @@ class IQvCoFtp {
   // Carries out the queue; `count` is how many files succeeded. GetLastResult says how it went.
   virtual HRESULT UploadFile(long option, long* count) = 0;
   virtual HRESULT AddDownloadFile(const char* first, const char* second) = 0;
-  // `constant` is always 1.
-  virtual HRESULT DownloadFile(long constant, long option, long* count) = 0;
+  // `one` is always 1.
+  virtual HRESULT DownloadFile(long one, long option, long* count) = 0;
   virtual HRESULT RenameServerFile(const char* old_path, const char* new_path, long* result) = 0;
   virtual HRESULT FtpLogout(long* result) = 0;
   virtual HRESULT DeleteServerFile(const char* path, long* result) = 0;
