@@ -207,6 +207,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
         data = STORE.buckets.get(bucket, {}).get(key)
         if data is None:
             raise Failure(404, "NoSuchKey")
+        if self.objects is STORE.buckets[bucket] and key == self.key:
+            raise Failure(400, "InvalidRequest")
         wanted = self.headers.get("x-amz-copy-source-if-match")
         if wanted and wanted != etag_of(data):
             raise Failure(412, "PreconditionFailed")

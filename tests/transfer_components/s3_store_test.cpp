@@ -66,6 +66,16 @@ TEST_F(S3StoreTest, MixesNoStatesOfAFile) {
   EXPECT_THAT(Requests("^DELETE .*uploadId.* 204"), SizeIs(1));
 }
 
+TEST_F(S3StoreTest, SendsAPartAgainThatTheServerHasInAnotherLength) {
+  Serve({"1 status 500 ^PUT .*partNumber=2",
+         "1 replace <ListPartsResult><Part><PartNumber>1</PartNumber><Size>9999</Size>"
+         "<ETag>x</ETag></Part></ListPartsResult> ^GET .*uploadId"});
+  S3Store store = Store();
+  const std::string file = folder_.Write("a", Bytes(kBytes));
+  EXPECT_EQ(store.Upload(file, "bucket/a", resume_, *this), QvTransfer_Broken);
+  EXPECT_EQ(store.Upload(file, "bucket/a", resume_, *this), QvTransfer_Success);
+}
+
 TEST_F(S3StoreTest, StartsAnewWhenTheServerHasForgottenTheParts) {
   Serve({"1 status 500 ^PUT .*partNumber=2"});
   S3Store store = Store();
