@@ -17,6 +17,8 @@ class FieldReader {
   // The payload outlives the reader.
   explicit FieldReader(std::span<const unsigned char> payload) : rest_(payload) {}
 
+  // Whether nothing is left, not even what is no field.
+  [[nodiscard]] bool AtEnd() const { return rest_.empty(); }
   // A text of at least one character and without a zero byte.
   [[nodiscard]] std::optional<std::string> Text();
   // The same without a copy: it lies inside the payload.

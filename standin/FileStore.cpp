@@ -109,7 +109,8 @@ Outcome FileStore::List(std::string_view folder, EntryKind kind, std::string_vie
     return found.size() <= kMostListed && !limit.IsOver();
   });
   if (limit.Reason() != ErrorCode::kNone) return {limit.Reason(), "cut off"};
-  if (!is_whole) return {ErrorCode::kStoreFailed, "more than can be listed"};
+  if (found.size() > kMostListed) return {ErrorCode::kAnswerLost, "more than can be listed"};
+  if (!is_whole) return {ErrorCode::kStoreFailed, "cannot be read"};
   return {};
 }
 

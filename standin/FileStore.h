@@ -40,7 +40,7 @@ class FileStore {
   // One that has nothing in it.
   Outcome DeleteFolder(std::string_view path);
   // Adds the entries of a folder, which may be kTop, that are of this kind and whose names match
-  // and fit into records; in no order.
+  // and fit into records; in no order. kAnswerLost when there are too many.
   Outcome List(std::string_view folder, platform::EntryKind kind, std::string_view pattern,
                WorkLimit& limit, std::vector<platform::Entry>& found) const;
   // Whether each of these folders, which were listed in `folder`, has folders in it.

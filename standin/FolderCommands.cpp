@@ -21,13 +21,18 @@ using platform::EntryKind;
 
 constexpr std::string_view kEvery = "*";
 
+// An empty text is a field that clients cannot write: without one `otherwise` is meant.
+std::optional<std::string> TextOr(FieldReader& fields, std::string_view otherwise) {
+  return fields.AtEnd() ? std::string(otherwise) : fields.Text();
+}
+
 struct Selection {
   std::string folder;
   std::string pattern;
   bool is_reversed = false;
 };
 
-// An empty name is a field that clients cannot write: without one the top folder is meant.
+// Without the name of a folder the top folder is meant.
 std::optional<Selection> ReadSelection(FieldReader& fields) {
   std::vector<std::string> texts;
   while (texts.size() < 3) {
@@ -95,13 +100,14 @@ std::span<const Entry> PageOf(const std::vector<Entry>& files, const Range& rang
 }  // namespace
 
 void ListFolders(Services& services, Request& request, Reply& reply) {
-  const std::string folder = request.fields.Text().value_or(std::string(FileStore::kTop));
-  reply.database = folder;
+  const auto folder = TextOr(request.fields, FileStore::kTop);
+  if (!folder) return Refuse(reply, FieldMissing());
+  reply.database = *folder;
   std::vector<Entry> folders;
   std::vector<bool> are_parents;
-  Outcome outcome = SelectFolders(services, folder, kEvery, request.limit, folders);
+  Outcome outcome = SelectFolders(services, *folder, kEvery, request.limit, folders);
   if (outcome.Ok()) {
-    outcome = services.data.Files().FindParents(folder, folders, request.limit, are_parents);
+    outcome = services.data.Files().FindParents(*folder, folders, request.limit, are_parents);
   }
   if (!outcome.Ok()) return Refuse(reply, std::move(outcome));
   AnswerRecords(reply, folders.size(), FolderRecords(folders, are_parents), kLongListing);
@@ -124,10 +130,15 @@ void ListPage(Services& services, Request& request, Reply& reply) {
   reply.database = selection->folder;
   std::vector<Entry> files;
   Outcome outcome = Select(services, *selection, range->order, request.limit, files);
-  if (!outcome.Ok()) return Refuse(reply, std::move(outcome));
+  // Too many are answered by a number without a page, since "0" would look like an empty folder.
+  const bool has_page = outcome.Ok();
+  if (!has_page && outcome.code != ErrorCode::kAnswerLost) {
+    return Refuse(reply, std::move(outcome));
+  }
+  reply.outcome = std::move(outcome);
   reply.fields.Text(std::to_string(files.size()));
   if (files.empty()) return;
-  const std::string page = FileRecords(PageOf(files, *range));
+  const std::string page = has_page ? FileRecords(PageOf(files, *range)) : "";
   reply.fields.Text(std::to_string(page.size()));
   if (!page.empty()) reply.fields.Bytes(page);
 }
@@ -147,9 +158,10 @@ void DeleteFolder(Services& services, Request& request, Reply& reply) {
 }
 
 void ListSubStores(Services& services, Request& request, Reply& reply) {
-  const std::string pattern = request.fields.Text().value_or(std::string(kEvery));
+  const auto pattern = TextOr(request.fields, kEvery);
+  if (!pattern) return Refuse(reply, FieldMissing());
   std::vector<Entry> folders;
-  Outcome outcome = SelectFolders(services, FileStore::kTop, pattern, request.limit, folders);
+  Outcome outcome = SelectFolders(services, FileStore::kTop, *pattern, request.limit, folders);
   if (!outcome.Ok()) return Refuse(reply, std::move(outcome));
   AnswerRecords(reply, folders.size(), SubStoreRecords(folders, services.data.Files().FreeBytes()),
                 kShortListing);
