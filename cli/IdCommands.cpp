@@ -64,9 +64,8 @@ std::uint64_t SizeOf(const fs::path& file) {
 
 // Gives the remark on the checksum; none when it failed, which the report was told.
 std::optional<std::string> Fetch(const GetById& command, const PartFolder& parts,
-                                 TransferReport& report, std::ostream& err) {
+                                 TransferProgress& progress, TransferReport& report) {
   const NumberedFile& file = command.file;
-  TransferProgress progress(err, [&parts] { parts.Remove(); });
   progress.Begin(file.name, std::nullopt);
   const int code =
       CRvoIdFile::DownLoadServerFileByFileID(parts.File().c_str(), file.name.c_str(), file.id);
@@ -149,13 +148,15 @@ int Run(const Connection& connection, const GetById& command, std::ostream& /*ou
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   const fs::path folder = PlaceOf(command).parent_path();
-  const auto parts = PartFolder::Make(folder.empty() ? "." : folder);
-  if (parts == nullptr) {
+  PartFolder parts(folder.empty() ? "." : folder);
+  TransferReport report(session, err);
+  TransferProgress progress(err, [&parts] { parts.Remove(); });
+  if (!parts.Make()) {
     fmt::print(err, "qvcall: {} is in no folder that can be written\n", Visible(command.local));
     return kFailed;
   }
-  TransferReport report(session, err);
-  const std::optional<std::string> remark = Fetch(command, *parts, report, err);
+  const std::optional<std::string> remark = Fetch(command, parts, progress, report);
+  parts.Remove();  // before interrupts end the program at once again
   return report.Finish(remark.value_or(""));
 }
 

@@ -12,14 +12,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path NewFolderIn(const fs::path& folder) {
+std::string NewName() {
   std::random_device random;
-  for (int attempt = 0; attempt < 8; ++attempt) {
-    const fs::path made = folder / fmt::format(".qvcall-{:08x}", random());
-    std::error_code error;
-    if (fs::create_directory(made, error)) return made;
-  }
-  return {};
+  return fmt::format(".qvcall-{:08x}{:08x}", random(), random());
 }
 
 // The transport makes files that only their owner reads.
@@ -33,17 +28,17 @@ fs::perms PermissionsOfNewFiles(const std::string& file) {
 
 }  // namespace
 
-std::unique_ptr<PartFolder> PartFolder::Make(const fs::path& folder) {
-  const fs::path made = NewFolderIn(folder);
-  if (made.empty()) return nullptr;
-  std::unique_ptr<PartFolder> parts(new PartFolder(made));
-  return parts->File().size() <= kLongestLocalPath ? std::move(parts) : nullptr;
-}
+PartFolder::PartFolder(const fs::path& folder)
+    : folder_(folder / NewName()), file_((folder_ / "part").string()) {}
 
-PartFolder::PartFolder(fs::path folder)
-    : folder_(std::move(folder)),
-      file_((folder_ / "part").string()),
-      usual_(PermissionsOfNewFiles(file_)) {}
+bool PartFolder::Make() {
+  const std::lock_guard lock(mutex_);
+  std::error_code error;
+  if (is_over_ || file_.size() > kLongestLocalPath) return false;
+  is_made_ = fs::create_directory(folder_, error);
+  if (is_made_) usual_ = PermissionsOfNewFiles(file_);
+  return is_made_;
+}
 
 std::string PartFolder::MoveTo(const fs::path& place) const {
   std::error_code error;
@@ -52,12 +47,14 @@ std::string PartFolder::MoveTo(const fs::path& place) const {
   return error ? error.message() : std::string();
 }
 
-void PartFolder::Remove() const {
+void PartFolder::Remove() {
+  const std::lock_guard lock(mutex_);
+  is_over_ = true;
   // What is made in the folder while it is emptied keeps it alive; that happens once at most.
-  for (int attempt = 0; attempt < 8; ++attempt) {
+  for (int attempt = 0; is_made_ && attempt < 8; ++attempt) {
     std::error_code error;
     fs::remove_all(folder_, error);
-    if (!error) return;
+    is_made_ = static_cast<bool>(error);
   }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
+#include <mutex>
 #include <string>
 
 namespace qv {
@@ -10,26 +10,34 @@ namespace qv {
 // with one, a file that has its name already stays as it is.
 class PartFolder {
  public:
-  // Null when none can be made in `folder`, or when the way to it is too long for the library.
-  [[nodiscard]] static std::unique_ptr<PartFolder> Make(const std::filesystem::path& folder);
+  // Of a name in `folder` that nothing else has. It is not there before Make(), so that whoever
+  // removes it at an interrupt can be ready by then.
+  explicit PartFolder(const std::filesystem::path& folder);
   ~PartFolder() { Remove(); }
   PartFolder(const PartFolder&) = delete;
   PartFolder& operator=(const PartFolder&) = delete;
+
+  // False when it cannot be made, when the way to it is too long for the library, or after
+  // Remove().
+  [[nodiscard]] bool Make();
 
   // Where the next file is to come into being.
   [[nodiscard]] const std::string& File() const { return file_; }
   // Gives that file its place, in which a file may stand, with the permissions that new files get
   // here. The reason when it cannot be, else empty.
   [[nodiscard]] std::string MoveTo(const std::filesystem::path& place) const;
-  // Removes the folder with what is in it. Any thread, also while a file is written there.
-  void Remove() const;
+  // Removes the folder with what is in it, for good. Any thread, also while a file is written
+  // there.
+  void Remove();
 
  private:
-  explicit PartFolder(std::filesystem::path folder);
-
   const std::filesystem::path folder_;
   const std::string file_;
-  std::filesystem::perms usual_;
+  std::filesystem::perms usual_ = std::filesystem::perms::unknown;
+
+  std::mutex mutex_;  // of what follows
+  bool is_made_ = false;
+  bool is_over_ = false;
 };
 
 // The library cuts longer paths.

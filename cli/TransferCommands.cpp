@@ -90,17 +90,18 @@ int Run(const Connection& connection, const GetFiles& command, std::ostream& /*o
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
-  const auto parts = PartFolder::Make(command.local_folder);
-  if (parts == nullptr) {
+  PartFolder parts(command.local_folder);
+  TransferReport report(session, err);
+  TransferProgress progress(err, [&parts] { parts.Remove(); });
+  if (!parts.Make()) {
     fmt::print(err, "qvcall: {} is no folder that can be written\n", Visible(command.local_folder));
     return kFailed;
   }
-  TransferReport report(session, err);
-  TransferProgress progress(err, [&parts] { parts->Remove(); });
   const Files files = PlanDownload(command, report);
   // Nothing is also what a server shows without a good token.
   if (files.empty() && !session.Probe()) report.Fail(session.Address(), Call::kDownload, 1);
-  Fetch(files, *parts, progress, report);
+  Fetch(files, parts, progress, report);
+  parts.Remove();  // before interrupts end the program at once again
   return report.Finish();
 }
 
