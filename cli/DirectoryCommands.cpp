@@ -19,8 +19,14 @@ namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
 
-// The records of an array that is freed here.
-Rows Taken(CZelkorSvrADObjInfo* array, int count) {
+struct Entries {
+  Rows rows;
+  bool is_whole;
+};
+
+// The records of an array that is freed here. Those that did not come are all zeros, and there is
+// no array for more than any reply holds.
+Entries Taken(CZelkorSvrADObjInfo* array, int count) {
   const std::unique_ptr<CZelkorSvrADObjInfo[]> records(array);
   Rows rows;
   for (int i = 0; records != nullptr && i < count; ++i) {
@@ -28,16 +34,17 @@ Rows Taken(CZelkorSvrADObjInfo* array, int count) {
                     records::Text(records[i], records::directory::kName),
                     records::Text(records[i], records::directory::kDisplayName)});
   }
-  return rows;
+  const auto nameless = std::erase_if(rows, [](const auto& row) { return row[1].empty(); });
+  return {std::move(rows), nameless == 0 && (records != nullptr || count <= 0)};
 }
 
-Rows Groups(const std::string& pattern) {
+Entries Groups(const std::string& pattern) {
   int count = 0;
   CZelkorSvrADObjInfo* const array = CRvoAd::GetADGroupInfo(pattern.c_str(), count);
   return Taken(array, count);
 }
 
-Rows Users(const std::string& group) {
+Entries Users(const std::string& group) {
   int count = 0;
   CZelkorSvrADObjInfo* const array = group.empty()
                                          ? CRvoAd::GetADUserInfo(count)
@@ -45,8 +52,9 @@ Rows Users(const std::string& group) {
   return Taken(array, count);
 }
 
-int Show(const Session& session, const Rows& rows, const char* one, const char* more,
+int Show(const Session& session, const Entries& entries, const char* one, const char* more,
          std::ostream& out, std::ostream& err) {
+  const auto& [rows, is_whole] = entries;
   if (rows.empty() && !session.Probe()) {
     session.PrintRefusal(Call::kLook, {}, err);
     return kFailed;
@@ -54,7 +62,9 @@ int Show(const Session& session, const Rows& rows, const char* one, const char* 
   WriteColumns(rows, out);
   if (!out.flush()) return kFailed;
   fmt::print(err, "({} {})\n", rows.size(), rows.size() == 1 ? one : more);
-  return kDone;
+  if (is_whole) return kDone;
+  fmt::print(err, "qvcall: not all of them came\n");
+  return kFailed;
 }
 
 // As the stand-in means them; other servers may mean something else.
@@ -84,13 +94,13 @@ int Run(const Connection& connection, const ListUsers& command, std::ostream& ou
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
-  const Rows rows = Users(command.group);
+  const Entries users = Users(command.group);
   // A group without users looks as one that does not exist.
-  if (rows.empty() && !command.group.empty() && Groups(command.group).empty()) {
+  if (users.rows.empty() && !command.group.empty() && Groups(command.group).rows.empty()) {
     session.PrintRefusal(Call::kLook, command.group, err);
     return kFailed;
   }
-  return Show(session, rows, "user", "users", out, err);
+  return Show(session, users, "user", "users", out, err);
 }
 
 int Run(const Connection& connection, const WriteLog& command, std::ostream& /*out*/,

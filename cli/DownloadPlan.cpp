@@ -43,6 +43,12 @@ class DownloadPlan {
 
  private:
   bool CanBeTaken(const std::string& server, std::string_view name) {
+    if (++entries_ > kMostEntries) {
+      if (entries_ == kMostEntries + 1) {
+        report_.Fail(server, "and what follows is left out, being too many files and folders");
+      }
+      return false;
+    }
     if (!IsPlainName(name)) {
       report_.Fail(server, "has a name that no file shall have here");
       return false;
@@ -51,7 +57,7 @@ class DownloadPlan {
       report_.Fail(server, "has too long a path to be asked for");
       return false;
     }
-    return ++entries_ <= kMostEntries;
+    return true;
   }
 
   void AddFile(const std::string& server, const fs::path& local, std::uint64_t bytes) {
@@ -74,10 +80,10 @@ class DownloadPlan {
       if (CanBeTaken(path, file.name)) AddFile(path, local / file.name, file.size);
       return entries_ <= kMostEntries;
     });
-    const std::vector<ServerFolder> folders = FoldersIn(server);
+    const auto [folders, has_all_folders] = FoldersIn(server);
     // A server lists too many as none.
     const bool hides_folders = has_folders && folders.empty();
-    if (!is_whole || hides_folders || CRvoServer::GetIsNetworkBad(1) == 1) {
+    if (!is_whole || !has_all_folders || hides_folders || CRvoServer::GetIsNetworkBad(1) == 1) {
       report_.Fail(server.empty() ? "the store" : server, "not all that is in it could be listed");
     }
     for (const ServerFolder& folder : folders) {
@@ -98,7 +104,7 @@ class DownloadPlan {
 std::vector<FileTransfer> PlanDownload(const GetFiles& command, TransferReport& report) {
   DownloadPlan plan(command.recursive, report);
   for (const std::string& server : command.server) plan.Add(server, command.local_folder);
-  return plan.Taken();
+  return WithoutDoubles(plan.Taken(), &FileTransfer::server, &FileTransfer::local, report);
 }
 
 }  // namespace qv

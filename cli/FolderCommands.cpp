@@ -57,10 +57,10 @@ bool HidesFolders(const std::string& path) {
 bool ListInside(const ListFolder& command, Listing& listing) {
   const auto add = [&](const ServerFile& file) { return listing.Add(file); };
   if (!command.pattern.empty()) return ForEachFile(command.path, command.pattern, add);
-  const std::vector<ServerFolder> folders = FoldersIn(command.path);
+  const auto [folders, has_all_folders] = FoldersIn(command.path);
   for (const ServerFolder& folder : folders) listing.Add(folder);
   const bool has_all_files = ForEachFile(command.path, kEveryFile, add);
-  return has_all_files && !(folders.empty() && HidesFolders(command.path));
+  return has_all_files && has_all_folders && !(folders.empty() && HidesFolders(command.path));
 }
 
 // An empty folder and none at all look the same from inside, and so does a store that the token is

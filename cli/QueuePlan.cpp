@@ -1,8 +1,8 @@
 #include "QueuePlan.h"
 
 #include <filesystem>
-#include <set>
 #include <system_error>
+#include <utility>
 
 #include "ServerPath.h"
 
@@ -41,20 +41,17 @@ std::vector<FileTransfer> PlanQueue(const QueuePut& command, TransferReport& rep
 
 std::vector<FileTransfer> PlanQueue(const QueueGet& command, TransferReport& report) {
   std::vector<FileTransfer> files;
-  std::set<std::string_view> names;
   for (const std::string& path : command.paths) {
     const std::string_view name = NameIn(path);
     if (name.empty()) {
       report.Fail(path, "is a folder; only files can be fetched, each by its path");
     } else if (!IsPlainName(name)) {
       report.Fail(path, "has a name that no file shall have here");
-    } else if (!names.insert(name).second) {
-      report.Fail(path, "has the name of a file before it, which it would replace here");
     } else {
       files.push_back({(fs::path(command.local_folder) / name).string(), path, 0});
     }
   }
-  return files;
+  return WithoutDoubles(std::move(files), &FileTransfer::server, &FileTransfer::local, report);
 }
 
 std::string QueueTarget(const std::string& source, const std::string& target) {

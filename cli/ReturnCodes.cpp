@@ -146,8 +146,8 @@ constexpr Entry kEntries[] = {
     {SetOf({Call::kUpload}),
      kSocket,
      {1, "the server did not take the file",
-      "check its name, that its folder is there and has no folder of that name, and the access "
-      "token (--token); the server's log has its reason"}},
+      "check its name, that its folder is there and has no folder of that name, that the server's "
+      "disk is not full, and the access token (--token); the server's log has its reason"}},
     {SetOf({Call::kRemove}),
      kSocket,
      {1, "the server did not remove it",

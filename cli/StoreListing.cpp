@@ -43,6 +43,12 @@ auto Taken(Record* array, int count, Read read) {
   return taken;
 }
 
+// Records that did not come are all zeros.
+template <class Entry>
+std::size_t TakeNamelessOut(std::vector<Entry>& entries) {
+  return std::erase_if(entries, [](const Entry& entry) { return entry.name.empty(); });
+}
+
 // An answer that was lost on its way looks like an empty folder, whose files nobody would miss:
 // only what is empty twice is.
 bool AskUntilSomeCame(const std::function<bool()>& ask) {
@@ -67,10 +73,12 @@ int TakePage(const CQvRvoBuf& page, const std::function<bool(const ServerFile&)>
 std::vector<SubStore> SubStoresLike(const std::string& pattern) {
   int count = 0;
   CZelkorSvrSubStoreInfo* const array = CRvoServer::GetSubStoreInfo(count, pattern.c_str());
-  return Taken(array, count, SubStoreOf);
+  auto stores = Taken(array, count, SubStoreOf);
+  TakeNamelessOut(stores);
+  return stores;
 }
 
-std::vector<ServerFolder> FoldersIn(const std::string& path) {
+FolderList FoldersIn(const std::string& path) {
   std::vector<ServerFolder> folders;
   AskUntilSomeCame([&] {
     int count = 0;
@@ -78,9 +86,10 @@ std::vector<ServerFolder> FoldersIn(const std::string& path) {
     folders = Taken(array, count, FolderFrom);
     return !folders.empty();
   });
+  const bool is_whole = TakeNamelessOut(folders) == 0;
   std::sort(folders.begin(), folders.end(),
             [](const ServerFolder& a, const ServerFolder& b) { return a.name < b.name; });
-  return folders;
+  return {std::move(folders), is_whole};
 }
 
 bool ForEachFile(const std::string& path, const std::string& pattern,
@@ -110,11 +119,11 @@ std::optional<ServerFile> FindFile(const std::string& path) {
 }
 
 std::optional<ServerFolder> FindFolder(const std::string& path) {
-  for (ServerFolder& folder : FoldersIn(std::string(FolderOf(path)))) {
+  for (ServerFolder& folder : FoldersIn(std::string(FolderOf(path))).folders) {
     if (folder.name == LastPart(path)) return std::move(folder);
   }
   // A folder may have too many beside it for the server to list them.
-  const bool has_folders = !FoldersIn(path).empty();
+  const bool has_folders = !FoldersIn(path).folders.empty();
   const bool has_files = !ForEachFile(path, kEveryFile, [](const ServerFile&) { return false; });
   if (!has_folders && !has_files) return std::nullopt;
   return ServerFolder{std::string(LastPart(path)), -1, has_folders};

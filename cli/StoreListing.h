@@ -31,9 +31,14 @@ struct SubStore {
 // The topmost folders whose names match.
 [[nodiscard]] std::vector<SubStore> SubStoresLike(const std::string& pattern);
 
+struct FolderList {
+  std::vector<ServerFolder> folders;
+  bool is_whole;  // false when a part of them did not come
+};
+
 // The folders in a folder, by name. Here and below the empty path, which cannot be sent, leaves it
 // to the server to take the store itself.
-[[nodiscard]] std::vector<ServerFolder> FoldersIn(const std::string& path);
+[[nodiscard]] FolderList FoldersIn(const std::string& path);
 
 // Hands over each file of a folder whose name matches, by name, as the server's pages of them come.
 // False when they did not all come, or when `take` wants no more.

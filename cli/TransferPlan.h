@@ -44,4 +44,10 @@ struct UploadTarget {
 [[nodiscard]] std::vector<FileTransfer> PlanDownload(const GetFiles& command,
                                                      TransferReport& report);
 
+// Leaves out each file whose place one before it takes already: the last would win unseen.
+[[nodiscard]] std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
+                                                       std::string FileTransfer::*source,
+                                                       std::string FileTransfer::*place,
+                                                       TransferReport& report);
+
 }  // namespace qv

@@ -32,7 +32,8 @@ class TransferReport {
   std::size_t done_ = 0;
   std::optional<std::uint64_t> bytes_ = 0;
   std::string_view last_advice_;
-  std::vector<std::string> failed_;
+  std::size_t failures_ = 0;
+  std::vector<std::string> failed_;  // the first of them
 };
 
 }  // namespace qv

@@ -101,7 +101,7 @@ std::vector<FileTransfer> PlanUpload(const UploadTarget& target,
                                      TransferReport& report) {
   UploadPlan plan(target, recursive, report);
   for (const std::string& path : local) plan.Add(path, folder);
-  return plan.Taken();
+  return WithoutDoubles(plan.Taken(), &FileTransfer::local, &FileTransfer::server, report);
 }
 
 std::vector<FileTransfer> PlanUpload(const PutFiles& command, TransferReport& report) {

@@ -78,6 +78,7 @@ class FileCommands : public testing::Test {
   std::map<std::string, Names> folders_;  // by the path that holds them
   std::map<std::string, Names> files_;
   std::uint64_t hidden_ = 0;  // the folders' flags
+  bool too_many_ = false;     // files to list
   std::string status_ = "SUCCESS";
   std::string checksum_ = "00000000";
   std::ostringstream out_;
@@ -124,7 +125,8 @@ class FileCommands : public testing::Test {
          i < names.size() && i <= NumberIn(request.fields[count - 1]); ++i) {
       records += FileRecord(names[i]);
     }
-    reply.Text(std::to_string(names.size())).Text(std::to_string(records.size())).Text(records);
+    const std::size_t number = too_many_ ? 100'001 : names.size();
+    reply.Text(std::to_string(number)).Text(std::to_string(records.size())).Text(records);
   }
   static std::size_t NumberIn(const std::string& field) {
     std::int32_t number = 0;
@@ -193,6 +195,14 @@ TEST_F(FileCommands, ListLargeFoldersInPagesAndSpellOutWhatATerminalWouldObey) {
   EXPECT_EQ(Fetch({"many"}), qv::kFailed);
   hidden_ = 0;
   EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kDone);
+  files_["many"].clear();
+  too_many_ = true;
+  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kFailed);
+  EXPECT_EQ(Fetch({"many"}), qv::kFailed);
+  too_many_ = false;
+  folders_["many"] = {"", ""};
+  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kFailed);
+  EXPECT_EQ(Fetch({"many"}), qv::kFailed);
 }
 
 TEST_F(FileCommands, SendWhatCanBeSentAndSayWhatCannot) {
@@ -215,6 +225,18 @@ TEST_F(FileCommands, SendWhatCanBeSentAndSayWhatCannot) {
   EXPECT_EQ(Run(qv::PutFiles{{Here("up")}, "to", false}), qv::kFailed);
   EXPECT_EQ(Run(qv::PutFiles{{Here("up/a")}, "nowhere", false}), qv::kFailed);
   EXPECT_EQ(Sent(100), 3);
+}
+
+TEST_F(FileCommands, LeaveOutWhatWouldOverwriteAnotherOfThem) {
+  fs::create_directories(Here("got"));
+  folder_.Write("a", "1");
+  folder_.Write("got/a", "2");
+  folders_[""] = {"to"};
+  files_["to"] = {"b", "b"};
+  EXPECT_EQ(Run(qv::PutFiles{{Here("a"), Here("got/a")}, "to", false}), qv::kFailed);
+  EXPECT_EQ(Sent(100), 1);
+  EXPECT_EQ(Fetch({"to"}), qv::kFailed);
+  EXPECT_EQ(Sent(101), 1);
 }
 
 }  // namespace
