@@ -6,6 +6,7 @@
 #include <csignal>
 #include <iostream>
 #include <sstream>
+#include <thread>
 
 namespace {
 
@@ -36,6 +37,7 @@ TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
 }
 
 void RunUntilInterrupted() {
+  std::signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background has it ignored
   qv::QueueProgress progress(std::cerr, Listen);
   progress.Begin({"a"}, 10);
   kill(getpid(), SIGINT);
