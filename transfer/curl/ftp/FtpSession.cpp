@@ -32,7 +32,6 @@ QvTransferResult Judge(const CurlRequest& request, QvTransferResult result) {
       return QvTransfer_NotFound;
     case CURLE_FTP_COULDNT_RETR_FILE:
       return code == 550 ? QvTransfer_NotFound : Refusal(code);
-    case CURLE_QUOTE_ERROR:
     case CURLE_UPLOAD_FAILED:
     case CURLE_REMOTE_ACCESS_DENIED:
     case CURLE_FTP_COULDNT_SET_TYPE:
@@ -41,6 +40,8 @@ QvTransferResult Judge(const CurlRequest& request, QvTransferResult result) {
     case CURLE_REMOTE_DISK_FULL:
       return QvTransfer_Refused;
     case CURLE_PARTIAL_FILE:
+    // Over TLS this is also what becomes of a transfer that the server refuses.
+    case CURLE_FTP_WEIRD_PASV_REPLY:
       return code >= 400 ? Refusal(code) : result;
     // The file is not what it was, so the next try begins anew.
     case CURLE_BAD_DOWNLOAD_RESUME:
@@ -56,7 +57,6 @@ QvTransferResult Judge(const CurlRequest& request, QvTransferResult result) {
 bool LeavesOrder(CURLcode code) {
   switch (code) {
     case CURLE_OK:
-    case CURLE_QUOTE_ERROR:
     case CURLE_UPLOAD_FAILED:
     case CURLE_REMOTE_FILE_NOT_FOUND:
     case CURLE_REMOTE_ACCESS_DENIED:
@@ -179,7 +179,8 @@ void FtpSession::SetUp(CurlRequest& request, const std::string& path) const {
   }
   // A data connection to the server that was logged into, whatever address it names.
   request.Set(CURLOPT_FTP_SKIP_PASV_IP, 1L);
-  if (!is_passive_) request.Set(CURLOPT_FTPPORT, "-");
+  // libcurl 7.88 agrees on no TLS over those that come from the server, and sends files readably.
+  if (!is_passive_ && !server.has_tls) request.Set(CURLOPT_FTPPORT, "-");
   const auto connecting = static_cast<long>(settings_.connect_timeout.count());
   const auto waiting = static_cast<long>(settings_.io_timeout.count());
   // To libcurl, logging in is part of connecting.
@@ -257,10 +258,15 @@ FtpAnswer FtpSession::Command(const std::string& line) {
   CurlRequest request(handle_, settings_);
   SetUp(request, "/");
   request.Set(CURLOPT_NOBODY, 1L);
-  request.AddLine(CURLOPT_QUOTE, line);
+  // The star keeps libcurl from closing the connection when the command is refused.
+  request.AddLine(CURLOPT_QUOTE, '*' + line);
   const QvTransferResult result = Perform(request);
-  const bool is_answered = request.Code() == CURLE_OK || request.Code() == CURLE_QUOTE_ERROR;
-  return {result, is_answered ? request.AnswerCode() : 0};
+  if (result != QvTransfer_Success) return {result, 0};
+  const long code = request.AnswerCode();
+  if (code < 400) return {result, code};
+  const QvTransferResult refusal = Refusal(code);
+  if (refusal == QvTransfer_Broken) is_open_ = false;
+  return {refusal, code};
 }
 
 FtpAnswer FtpSession::List(const std::string& folder, const char* command, BodySink& sink) {

@@ -51,7 +51,7 @@ class FtpSession {
   void Add(FtpServer server);
   // Logs out and forgets all servers.
   void Quit() noexcept;
-  // Whether data connections are made from here (else from the server).
+  // Whether data connections are made from here (else from the server). With TLS they always are.
   void SetPassive(bool is_passive) { is_passive_ = is_passive; }
 
   // Sees to it that a server is there and logged into.

@@ -15,9 +15,12 @@ bool IsWorthKeeping(QvTransferResult result) {
 
 std::string UniqueName() { return platform::NewGuid().substr(1, 36); }
 
+// With the slash at its end.
+std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
+
 // Beside `path`. Not hidden: some servers refuse names that begin with a dot.
 std::string PartBeside(const std::string& path) {
-  return path.substr(0, path.rfind('/') + 1) + "qv-" + UniqueName() + ".part";
+  return FolderOf(path) + "qv-" + UniqueName() + ".part";
 }
 
 // One of the two ways that a copied file goes.
@@ -84,8 +87,12 @@ QvTransferResult FtpStore::FillPart(LocalSource& source, bool is_text, Resume& r
   resume.tag = source.State();
   QvTransferResult result = QvTransfer_Success;
   if (transfer.offset == 0 || transfer.offset < transfer.size) {
+    // To be refused is dear over TLS, where it costs the connection.
+    const bool is_new = !folders_.contains(FolderOf(resume.part));
+    if (is_new && transfer.offset == 0) static_cast<void>(MakeFolders(resume.part));
     result = session_.Put(transfer, source, meter);
-    const bool is_refused = result == QvTransfer_Refused && transfer.offset == 0;
+    // Somebody may have removed the folder meanwhile.
+    const bool is_refused = result == QvTransfer_Refused && !is_new && transfer.offset == 0;
     if (is_refused && MakeFolders(resume.part)) result = session_.Put(transfer, source, meter);
   }
   if (result != QvTransfer_Success || is_text) return result;
@@ -104,6 +111,7 @@ bool FtpStore::MakeFolders(const std::string& path) {
        end = path.find('/', end + 1)) {
     is_any_new |= session_.Command("MKD " + path.substr(0, end)).result == QvTransfer_Success;
   }
+  folders_.insert(FolderOf(path));
   return is_any_new;
 }
 

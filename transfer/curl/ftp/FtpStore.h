@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 
 #include "FtpSession.h"
@@ -45,10 +46,13 @@ class FtpStore final : public RemoteStore {
                         std::optional<LocalTarget>& target);
   QvTransferResult FillPart(LocalSource& source, bool is_text, Resume& resume,
                             TransferMeter& meter);
+  // Makes the folders above a file; whether there were any to be made.
   [[nodiscard]] bool MakeFolders(const std::string& path);
   QvTransferResult Replace(const std::string& from, const std::string& to);
 
   FtpSession session_;
+  // Those that are there already, as far as is known.
+  std::set<std::string> folders_;
   bool is_text_ = false;
 };
 
