@@ -30,9 +30,9 @@ Entries Taken(CZelkorSvrADObjInfo* array, int count) {
   const std::unique_ptr<CZelkorSvrADObjInfo[]> records(array);
   Rows rows;
   for (int i = 0; records != nullptr && i < count; ++i) {
-    rows.push_back({std::to_string(records::Number(records[i], records::directory::kId)),
-                    records::Text(records[i], records::directory::kName),
-                    records::Text(records[i], records::directory::kDisplayName)});
+    rows.push_back({std::to_string(records::Number(array[i], records::directory::kId)),
+                    records::Text(array[i], records::directory::kName),
+                    records::Text(array[i], records::directory::kDisplayName)});
   }
   const auto nameless = std::erase_if(rows, [](const auto& row) { return row[1].empty(); });
   return {std::move(rows), nameless == 0 && (records != nullptr || count <= 0)};

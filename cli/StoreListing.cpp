@@ -39,7 +39,7 @@ template <class Record, class Read>
 auto Taken(Record* array, int count, Read read) {
   const std::unique_ptr<Record[]> records(array);
   std::vector<decltype(read(*array))> taken;
-  for (int i = 0; records != nullptr && i < count; ++i) taken.push_back(read(records[i]));
+  for (int i = 0; records != nullptr && i < count; ++i) taken.push_back(read(array[i]));
   return taken;
 }
 
