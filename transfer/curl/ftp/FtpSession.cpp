@@ -230,6 +230,9 @@ FtpFileState FtpSession::Get(const FtpTransfer& transfer, BodySink& sink, Transf
   request.ReportTo(meter, transfer.offset, 0);
   FtpFileState state = StateOf(Perform(request));
   if (state.size) *state.size += transfer.offset;
+  if (state.result == QvTransfer_Refused && request.AnswerCode() == 550) {
+    state.result = QvTransfer_NotFound;
+  }
   return state;
 }
 
