@@ -170,7 +170,7 @@ bool CacheFolder::Enter(const std::string& key, const CacheIndex::Entry& entry,
   CacheIndex::Transaction transaction(*index_);
   if (!transaction.Begin()) return false;
   const std::optional<CacheIndex::Entry> old = index_->Find(key);
-  if (!platform::ReplaceFile(temporary, path_ + entry.file)) return false;
+  if (!platform::ReplaceByRename(temporary, path_ + entry.file)) return false;
   if (!index_->Put(key, entry) || !transaction.Commit()) return false;
   if (old) RemoveAnswer(old->file);
   return true;

@@ -72,7 +72,7 @@ void CreatePrivately(const std::string& path) {
 }
 
 bool MoveAside(const std::string& path) {
-  if (!platform::ReplaceFile(path, path + ".broken")) return false;
+  if (!platform::ReplaceByRename(path, path + ".broken")) return false;
   platform::RemoveFile(path + kJournal);
   return true;
 }

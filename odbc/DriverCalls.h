@@ -1,15 +1,12 @@
 // The calls of the driver manager that take or give text, for drivers of either kind.
 #pragma once
 
-#include <sql.h>
-#include <sqlext.h>
-#include <sqlucode.h>
-
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "Diagnostics.h"
+#include "OdbcHeaders.h"
 
 namespace qv::odbc {
 

@@ -64,7 +64,7 @@ enum class Create {
 bool RemoveFile(const std::string& path);
 
 // Gives a file another name in the same file system, replacing a file of that name in one step.
-[[nodiscard]] bool ReplaceFile(const std::string& from, const std::string& to);
+[[nodiscard]] bool ReplaceByRename(const std::string& from, const std::string& to);
 
 // Sees to it that what was written to `file` is on the disk.
 [[nodiscard]] bool FlushToDisk(std::FILE* file);

@@ -7,6 +7,9 @@ build_packages=(g++ cmake ninja-build libboost1.81-dev zlib1g-dev libsqlite3-dev
   libssl-dev libpugixml-dev)
 test_packages=(libgtest-dev libgmock-dev openssl libsqliteodbc postgresql odbc-postgresql python3-botocore
   python3-pyftpdlib python3-openssl)
+# For the Windows build on this system, and to run what it makes.
+cross_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libboost1.81-dev libfast-float-dev cmake ninja-build
+  dpkg-dev make gcc tcl wine64)
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -34,7 +34,7 @@ Outcome CreateSample(const SampleDatabase& sample, const std::string& file) {
   if (empty == nullptr) return {ErrorCode::kNoDatabase, "cannot make " + unfinished};
   std::fclose(empty);
   Outcome outcome = RunScript(unfinished, sample.script);
-  if (outcome.Ok() && !platform::ReplaceFile(unfinished, file)) {
+  if (outcome.Ok() && !platform::ReplaceByRename(unfinished, file)) {
     outcome = {ErrorCode::kNoDatabase, "cannot name " + file};
   }
   if (!outcome.Ok()) platform::RemoveFile(unfinished);

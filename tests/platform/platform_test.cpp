@@ -113,7 +113,7 @@ TEST(Platform, CreatesFilesForTheirOwnerOnly) {
   EXPECT_EQ(BytesOf(planted), "");
 
   const std::string final_name = folder.Write("final", "old");
-  EXPECT_TRUE(ReplaceFile(path, final_name));
+  EXPECT_TRUE(ReplaceByRename(path, final_name));
   EXPECT_EQ(BytesOf(final_name), "content");
   EXPECT_TRUE(RemoveFile(final_name));
   EXPECT_FALSE(RemoveFile(final_name));

@@ -60,7 +60,7 @@ bool LocalTarget::Write(std::span<const char> bytes) {
 
 bool LocalTarget::Finish() {
   const bool is_written = file_ != nullptr && platform::FlushToDisk(file_.get());
-  if (is_written && Pause() && platform::ReplaceFile(part_, path_)) return true;
+  if (is_written && Pause() && platform::ReplaceByRename(part_, path_)) return true;
   Discard();
   return false;
 }

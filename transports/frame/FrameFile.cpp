@@ -52,7 +52,7 @@ bool IncomingFile::Write(Bytes bytes) {
 
 bool IncomingFile::Commit() {
   // A full disk may only show when the last bytes leave the buffer.
-  if (Close() && platform::ReplaceFile(temporary_, path_)) return true;
+  if (Close() && platform::ReplaceByRename(temporary_, path_)) return true;
   platform::RemoveFile(temporary_);
   return false;
 }

@@ -1,6 +1,6 @@
 #include <ctime>
 
-#include "../Platform.h"
+#include "Platform.h"
 
 namespace qv::platform {
 

@@ -1,0 +1,104 @@
+#include <windows.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <utility>
+
+#include "../Platform.h"
+#include "Handle.h"
+#include "OwnerOnly.h"
+
+namespace qv::platform {
+
+const char kSeparator = '\\';
+
+namespace {
+
+// What hosts have room for, without the NUL.
+constexpr DWORD kMaxTempFolder = 259;
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+HandlePtr Open(const std::string& path, DWORD access, DWORD share, DWORD how,
+               SECURITY_ATTRIBUTES* rights = nullptr) {
+  // A link is opened itself, whatever it leads to.
+  const DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
+  return Opened(::CreateFileA(path.c_str(), access, share, rights, how, flags, nullptr));
+}
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = ::GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsOrdinaryFile(HANDLE handle) {
+  BY_HANDLE_FILE_INFORMATION known{};
+  return Inform(handle, &known) && IsFile(known.dwFileAttributes);
+}
+
+// What is below the drive or the server's share, without separators at its end; empty when nothing
+// is.
+std::string FolderAbove(const std::string& path) {
+  const std::size_t end = path.find_last_not_of("\\/");
+  const std::size_t cut = end == std::string::npos ? end : path.find_last_of("\\/", end);
+  return cut == std::string::npos ? std::string() : path.substr(0, cut);
+}
+
+}  // namespace
+
+std::string TempFolder() {
+  char folder[MAX_PATH + 2] = {};
+  const DWORD length = ::GetTempPathA(sizeof folder, folder);
+  if (length > 0 && length <= kMaxTempFolder) return folder;
+  const UINT windows = ::GetSystemWindowsDirectoryA(folder, MAX_PATH);
+  return std::string(folder, windows < MAX_PATH ? windows : 0) + "\\Temp\\";
+}
+
+std::FILE* CreatePrivateFile(const std::string& path, Create how) {
+  OwnerOnly rights(Inherit::kNot);
+  // Not the way of opening that empties: it would follow a link.
+  HandlePtr file = Open(path, GENERIC_WRITE | READ_CONTROL | WRITE_DAC, 0,
+                        how == Create::kNew ? CREATE_NEW : OPEN_ALWAYS, rights.Attributes());
+  if (file == nullptr) {
+    SetErrno();
+    return nullptr;
+  }
+  if (!IsOrdinaryFile(file.get())) {
+    errno = EEXIST;
+    return nullptr;
+  }
+  if (!rights.GiveTo(file.get()) || ::SetEndOfFile(file.get()) == FALSE) {
+    errno = EACCES;
+    return nullptr;
+  }
+  return StreamOf(std::move(file), "wb");
+}
+
+bool IsPrivate(std::FILE* file) {
+  const HANDLE handle = HandleOf(file);
+  return IsOrdinaryFile(handle) && IsOwnerOnly(handle);
+}
+
+bool CreatePrivateFolder(const std::string& path) {
+  if (IsFolder(path)) return true;
+  const std::string above = FolderAbove(path);
+  if (!above.empty() && !IsFolder(above + kSeparator) && !CreatePrivateFolder(above)) return false;
+  OwnerOnly rights(Inherit::kToContents);
+  return ::CreateDirectoryA(path.c_str(), rights.Attributes()) != FALSE || IsFolder(path);
+}
+
+bool RemoveFile(const std::string& path) { return ::DeleteFileA(path.c_str()) != FALSE; }
+
+bool ReplaceByRename(const std::string& from, const std::string& to) {
+  return ::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE;
+}
+
+bool FlushToDisk(std::FILE* file) {
+  return std::fflush(file) == 0 && ::FlushFileBuffers(HandleOf(file)) != FALSE;
+}
+
+bool FlushFileToDisk(const std::string& path) {
+  const HandlePtr file = Open(path, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
+  return file != nullptr && IsOrdinaryFile(file.get()) && ::FlushFileBuffers(file.get()) != FALSE;
+}
+
+}  // namespace qv::platform
