@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <set>
 #include <sstream>
 #include <string>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "cli/ReturnCodes.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ class CommandLine : public testing::Test {
   static void Forget() {
     for (const char* name :
          {"QVCALL_SERVER", "QVCALL_PORT", "QVCALL_HTTP_PORT", "QVCALL_TOKEN", "QVCALL_DIRECT"}) {
-      unsetenv(name);
+      qv::SetVariable(name, nullptr);
     }
   }
 };
@@ -61,14 +61,14 @@ TEST_F(CommandLine, TakesGlobalOptionsOnEitherSideOfTheCommand) {
 }
 
 TEST_F(CommandLine, TakesTheEnvironmentWhereAnOptionIsMissing) {
-  setenv("QVCALL_SERVER", "e", 1);
-  setenv("QVCALL_PORT", "9", 1);
-  setenv("QVCALL_TOKEN", "s", 1);
+  qv::SetVariable("QVCALL_SERVER", "e");
+  qv::SetVariable("QVCALL_PORT", "9");
+  qv::SetVariable("QVCALL_TOKEN", "s");
   const qv::Connection connection = Parse({"ping", "--server", "h"}).command.connection;
   EXPECT_EQ(connection.server, "h");
   EXPECT_EQ(connection.port, 9);
   EXPECT_EQ(connection.token, "s");
-  setenv("QVCALL_PORT", "many", 1);
+  qv::SetVariable("QVCALL_PORT", "many");
   EXPECT_EQ(Parse({"ping"}).exit_status, qv::kUsage);
 }
 
@@ -217,11 +217,11 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
 }
 
 TEST_F(CommandLine, PicksThePortThatItTalksTo) {
-  setenv("QVCALL_PORT", "7", 1);
-  setenv("QVCALL_HTTP_PORT", "8", 1);
+  qv::SetVariable("QVCALL_PORT", "7");
+  qv::SetVariable("QVCALL_HTTP_PORT", "8");
   EXPECT_EQ(Parse({"ping"}).command.connection.Port(), 7);
   EXPECT_EQ(Parse({"--web", "ping"}).command.connection.Port(), 8);
-  setenv("QVCALL_DIRECT", "x=y", 1);
+  qv::SetVariable("QVCALL_DIRECT", "x=y");
   EXPECT_EQ(Parse({"ping"}).command.connection.direct, "x=y");
   EXPECT_EQ(Parse({"--web", "ping"}).exit_status, qv::kUsage);
 }

@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "cli/ResultWriter.h"
 #include "qvnetcall/RvoDatabase.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -16,14 +14,11 @@ using qv::Format;
 
 // Fills `rows` the only way that a host can: from a file. `columns` are AttributeType elements.
 void Load(const std::string& columns, const std::string& row_elements, CRvoDbRes& rows) {
-  const std::filesystem::path path =
-      std::filesystem::temp_directory_path() / ("cli_test_" + std::to_string(getpid()) + ".xml");
-  std::ofstream(path, std::ios::binary)
-      << "<xml><s:Schema><s:ElementType name='row'>" << columns
-      << "</s:ElementType></s:Schema><rs:data>" << row_elements << "</rs:data></xml>";
-  const int loaded = CRvoDatabase::ReadFromXmlFile(path.c_str(), &rows, tagTEMPFILEINFO{});
-  std::filesystem::remove(path);
-  ASSERT_EQ(loaded, 1);
+  const qv::TempFolder folder;
+  const std::string path = folder.Write(
+      "rows.xml", "<xml><s:Schema><s:ElementType name='row'>" + columns +
+                      "</s:ElementType></s:Schema><rs:data>" + row_elements + "</rs:data></xml>");
+  ASSERT_EQ(CRvoDatabase::ReadFromXmlFile(path.c_str(), &rows, tagTEMPFILEINFO{}), 1);
 }
 
 std::string Column(const std::string& name, const std::string& type) {

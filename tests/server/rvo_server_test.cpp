@@ -112,7 +112,7 @@ TEST_F(RvoServer, ReadsAndSetsParametersOfTheStoredServer) {
 TEST_F(RvoServer, GivesTheCacheItsFolderAndClearsIt) {
   const std::string file = folder_.Write("answer", "x");
   EXPECT_EQ(CRvoServer::SetCachePath(file.c_str()), 0);
-  EXPECT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").c_str()), 1);
+  EXPECT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str()), 1);
   EXPECT_TRUE(state_.cache.Store("key", file, kCachePlain));
   EXPECT_EQ(CRvoServer::ClearCurCache(), 1);
   EXPECT_FALSE(state_.cache.Find("key", folder_.Path().string()));

@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <atomic>
 #include <filesystem>
 #include <sstream>
@@ -17,6 +15,7 @@
 #include "standin/NamePattern.h"
 #include "standin/PackFile.h"
 #include "standin/StoreNames.h"
+#include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv::standin {
@@ -50,10 +49,11 @@ class FileStoreTest : public testing::Test {
     const fs::path outside = folder_.Path() / "outside";
     fs::create_directory(outside);
     folder_.Write("outside/inside", "secret");
-    fs::create_directory_symlink(outside, Top() / "link");
-    fs::create_directory_symlink(outside, Top() / "drawings" / "link");
-    fs::create_symlink("loop", Top() / "loop");
-    ASSERT_EQ(mkfifo((Top() / "pipe").c_str(), 0600), 0);
+    // Where there are none, no name leads out.
+    MakeLink(outside, Top() / "link");
+    MakeLink(outside, Top() / "drawings" / "link");
+    MakeLink("loop", Top() / "loop");
+    MakePipe(Top() / "pipe");
   }
 
   fs::path Top() const { return folder_.Path() / "data" / "files"; }

@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "TransportCall.h"
@@ -11,7 +10,7 @@
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "tests/support/HttpSide.h"
 #include "tests/support/ScriptedServer.h"
-#include "tests/support/TlsSide.h"
+#include "tests/support/System.h"
 
 namespace qv {
 
@@ -40,7 +39,7 @@ class HttpTransport : public testing::Test {
   HttpTransport() {
     // What the environment says of proxies is not for this transport.
     for (const char* const name : {"http_proxy", "https_proxy", "all_proxy"}) {
-      setenv(name, "http://127.0.0.1:1", 1);
+      SetVariable(name, "http://127.0.0.1:1");
     }
     HttpworkTransInit();
   }

@@ -1,0 +1,87 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "platform/Platform.h"
+#include "tests/support/System.h"
+#include "tests/support/TempFolder.h"
+
+namespace qv::platform {
+namespace {
+
+unsigned RightsOf(const std::string& path) {
+  return static_cast<unsigned>(std::filesystem::status(path).permissions());
+}
+
+TEST(Platform, TakesOthersRightsAwayAndFollowsNoLink) {
+  const qv::TempFolder folder;
+  const std::string planted = folder.Write("planted", "secret");
+  const std::string link = (folder.Path() / "link").string();
+  const std::string pipe = (folder.Path() / "pipe").string();
+  ASSERT_TRUE(MakeLink(planted, link) && MakePipe(pipe));
+  EXPECT_EQ(CreatePrivateFile(link, Create::kAlways), nullptr);
+  EXPECT_EQ(BytesOf(planted), "secret");
+  EXPECT_EQ(CreatePrivateFile(pipe, Create::kAlways), nullptr);  // without a reader
+  const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_EQ(CreatePrivateFile(pipe, Create::kAlways), nullptr);  // and with one
+  EXPECT_EQ(errno, EEXIST);
+  ::close(reader);
+
+  std::filesystem::permissions(planted, std::filesystem::perms(0666));
+  for (const std::string& path : {planted, (folder.Path() / "new").string()}) {
+    std::FILE* const taken = CreatePrivateFile(path, Create::kAlways);
+    ASSERT_NE(taken, nullptr);
+    std::fclose(taken);
+    EXPECT_EQ(RightsOf(path), 0600u);
+  }
+  const std::string below = (folder.Path() / "a" / "b").string();
+  EXPECT_TRUE(CreatePrivateFolder(below));
+  EXPECT_EQ(RightsOf(below), 0700u);
+}
+
+TEST(Platform, ConvertsTextWhateverTheLocale) {
+  const std::pair<const char*, const char16_t*> both_ways[] = {
+      {"", u""},
+      {"plain", u"plain"},
+      {"é中\U0001F600z", u"é中\U0001F600z"},
+      {"\uFFFF\U0010FFFF", u"\uFFFF\U0010FFFF"}};
+  for (const auto& [narrow, wide] : both_ways) {
+    EXPECT_EQ(WideFromNarrow(narrow), std::u16string(wide)) << narrow;
+    EXPECT_EQ(NarrowFromWide(wide), narrow);
+  }
+  EXPECT_EQ(WideFromNarrow(std::string_view("a\0b", 3)), std::u16string(u"a\0b", 3));
+  for (const char* const bad : {"\xFF", "a\x80", "\xE4\xB8", "\xC0\xAF", "\xED\xA0\x80",
+                                "\xF4\x90\x80\x80", "\xF0\x9F\x98"}) {
+    EXPECT_EQ(WideFromNarrow(bad), std::nullopt) << bad;
+  }
+  const std::u16string half(1, char16_t{0xD83D});
+  const std::u16string other_half(1, char16_t{0xDE00});
+  EXPECT_EQ(NarrowFromWide(half + u"a"), "\uFFFDa");
+  EXPECT_EQ(NarrowFromWide(u"a" + half), "a\uFFFD");
+  EXPECT_EQ(NarrowFromWide(half + half + other_half), "\uFFFD\U0001F600");
+  EXPECT_EQ(NarrowFromWide(other_half + half), "\uFFFD\uFFFD");
+}
+
+TEST(Platform, TakesOnlyATemporaryFolderThatItsRecordHolds) {
+  const char* const before = std::getenv("TMPDIR");
+  const std::string kept = before != nullptr ? before : "";
+  const std::string longest = "/" + std::string(257, 't');
+  const std::pair<std::string, std::string> cases[] = {
+      {"/var/x", "/var/x/"},   {"/var/x/", "/var/x/"},   {"", "/tmp/"},
+      {"relative/x", "/tmp/"}, {longest, longest + "/"}, {longest + "t", "/tmp/"}};
+  for (const auto& [named, folder] : cases) {
+    SetVariable("TMPDIR", named.c_str());
+    EXPECT_EQ(platform::TempFolder(), folder) << named;
+  }
+  SetVariable("TMPDIR", before != nullptr ? kept.c_str() : nullptr);
+}
+
+}  // namespace
+}  // namespace qv::platform
