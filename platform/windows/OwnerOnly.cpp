@@ -5,23 +5,46 @@
 
 #include <memory>
 #include <new>
+#include <string>
 
 namespace qv::platform {
 
 namespace {
 
-// The owner, the system, the administrators: everything. Nothing comes from the folder above.
-constexpr const char kRights[] = "D:P(A;;FA;;;OW)(A;;FA;;;SY)(A;;FA;;;BA)";
-constexpr const char kInheritedRights[] = "D:P(A;OICI;FA;;;OW)(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)";
+// Room for a record with one identifier of the longest kind.
+struct TokenOwner {
+  TOKEN_USER user;
+  BYTE room[SECURITY_MAX_SID_SIZE];
+};
 
 struct LocalFreer {
   void operator()(void* memory) const { ::LocalFree(memory); }
 };
 
+// The user that this program runs as. Whoever is an administrator owns nothing under the own name,
+// so that the owner's rights would not do.
+[[nodiscard]] bool FindUser(TokenOwner* found) {
+  DWORD length = 0;
+  return ::GetTokenInformation(::GetCurrentProcessToken(), TokenUser, found, sizeof *found,
+                               &length) != FALSE;
+}
+
+// What the user, the system and the administrators may do: everything, and nothing comes from the
+// folder above. Empty when the system does not say who that is.
+std::string Rights(Inherit inherit) {
+  TokenOwner token{};
+  char* user = nullptr;
+  if (!FindUser(&token) || ::ConvertSidToStringSidA(token.user.User.Sid, &user) == FALSE) return {};
+  const std::unique_ptr<void, LocalFreer> kept(user);
+  const std::string entry = inherit == Inherit::kNot ? "(A;;FA;;;" : "(A;OICI;FA;;;";
+  return "D:P" + entry + user + ")" + entry + "SY)" + entry + "BA)";
+}
+
 bool IsTrusted(PSID who, PSID owner) {
-  return ::EqualSid(who, owner) != FALSE || ::IsWellKnownSid(who, WinCreatorOwnerRightsSid) ||
-         ::IsWellKnownSid(who, WinLocalSystemSid) ||
-         ::IsWellKnownSid(who, WinBuiltinAdministratorsSid);
+  TokenOwner token{};
+  return ::EqualSid(who, owner) != FALSE || ::IsWellKnownSid(who, WinLocalSystemSid) ||
+         ::IsWellKnownSid(who, WinBuiltinAdministratorsSid) ||
+         (FindUser(&token) && ::EqualSid(who, token.user.User.Sid) != FALSE);
 }
 
 // Whether an entry gives nothing to anybody else. Of a kind that is not known here it might.
@@ -38,22 +61,17 @@ bool IsHarmless(const ACE_HEADER& entry, PSID owner) {
 
 OwnerOnly::OwnerOnly(Inherit inherit) {
   attributes_.nLength = sizeof attributes_;
-  const char* const rights = inherit == Inherit::kNot ? kRights : kInheritedRights;
+  const std::string rights = Rights(inherit);
   const BOOL made = ::ConvertStringSecurityDescriptorToSecurityDescriptorA(
-      rights, SDDL_REVISION_1, &attributes_.lpSecurityDescriptor, nullptr);
-  if (made == FALSE) throw std::bad_alloc();  // what else can be wrong with a constant
+      rights.c_str(), SDDL_REVISION_1, &attributes_.lpSecurityDescriptor, nullptr);
+  if (rights.empty() || made == FALSE) throw std::bad_alloc();  // nothing else can be missing
 }
 
 OwnerOnly::~OwnerOnly() { ::LocalFree(attributes_.lpSecurityDescriptor); }
 
 bool OwnerOnly::GiveTo(HANDLE object) const {
-  BOOL present = FALSE;
-  BOOL defaulted = FALSE;
-  PACL rights = nullptr;
-  ::GetSecurityDescriptorDacl(attributes_.lpSecurityDescriptor, &present, &rights, &defaulted);
-  const SECURITY_INFORMATION what = DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION;
-  return ::SetSecurityInfo(object, SE_FILE_OBJECT, what, nullptr, nullptr, rights, nullptr) ==
-         ERROR_SUCCESS;
+  return ::SetKernelObjectSecurity(object, DACL_SECURITY_INFORMATION,
+                                   attributes_.lpSecurityDescriptor) != FALSE;
 }
 
 bool IsOwnerOnly(HANDLE object) {

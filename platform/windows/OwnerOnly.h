@@ -7,7 +7,7 @@ namespace qv::platform {
 
 enum class Inherit { kNot, kToContents };
 
-// The rights of an object that only its owner, the system and its administrators reach, whatever
+// The rights of an object that only this user, the system and its administrators reach, whatever
 // the folder above would hand down.
 class OwnerOnly {
  public:
@@ -25,7 +25,8 @@ class OwnerOnly {
   SECURITY_ATTRIBUTES attributes_{};
 };
 
-// Whether nobody but its owner, the system and its administrators has any right to an open object.
+// Whether nobody but its owner, this user, the system and its administrators has any right to an
+// open object.
 [[nodiscard]] bool IsOwnerOnly(HANDLE object);
 
 }  // namespace qv::platform

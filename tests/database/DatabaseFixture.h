@@ -10,6 +10,7 @@
 
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/Gzip.h"
+#include "tests/support/Matches.h"
 #include "tests/support/ModuleTest.h"
 
 namespace qv {
@@ -115,7 +116,7 @@ class DatabaseFixture : public ModuleTest {
     EXPECT_EQ(request.request_block, 0x100000u);
     EXPECT_EQ(request.reply_block, 0x100000u);
     EXPECT_THAT(request.reply_file_name,
-                testing::MatchesRegex(".*.temp.TempClient_\\{[-0-9A-F]{36}\\}\\.txt"));
+                Matches(".*.temp.TempClient_\\{[-0-9A-F]{36}\\}\\.txt"));
     EXPECT_EQ(request.reply_file_flag, 0);
   }
 

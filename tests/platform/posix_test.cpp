@@ -20,6 +20,13 @@ unsigned RightsOf(const std::string& path) {
   return static_cast<unsigned>(std::filesystem::status(path).permissions());
 }
 
+TEST(Platform, ReadsAHeadingWithoutItsEnd) {
+  const qv::TempFolder folder;
+  const std::string file = folder.Write("open.ini", ";[a]\n[ last\n;key=off\nkey=1");
+  EXPECT_EQ(ReadIniValue(file, "LAST", "KEY"), "1");
+  EXPECT_EQ(ReadIniValue(file, "last", ";key"), std::nullopt);
+}
+
 TEST(Platform, TakesOthersRightsAwayAndFollowsNoLink) {
   const qv::TempFolder folder;
   const std::string planted = folder.Write("planted", "secret");

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ServerFixture.h"
+#include "tests/support/Matches.h"
 
 namespace qv::standin {
 namespace {
@@ -150,7 +151,7 @@ TEST_F(HttpServerTest, WantsATokenOrTheOneThatItHandedOut) {
     return is_allowed ? reply.Value("Qv-Login-Token") : "";
   };
   const std::string login_token = ask("secret", "");
-  EXPECT_THAT(login_token, testing::MatchesRegex("[0-9a-f]{32}"));
+  EXPECT_THAT(login_token, Matches("[0-9a-f]{32}"));
   EXPECT_EQ(ask("", login_token), login_token);
   EXPECT_EQ(ask("wrong", login_token), login_token);
   EXPECT_EQ(ask("secret", "wrong"), login_token);
