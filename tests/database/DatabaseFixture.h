@@ -10,8 +10,8 @@
 
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/Gzip.h"
-#include "tests/support/Matches.h"
 #include "tests/support/ModuleTest.h"
+#include "tests/support/Shape.h"
 
 namespace qv {
 
@@ -108,7 +108,7 @@ class DatabaseFixture : public ModuleTest {
   }
 
   // What every request for a query has in common.
-  static void ExpectQuery(const SentRequest& request) {
+  void ExpectQuery(const SentRequest& request) const {
     EXPECT_EQ(request.server, "main");
     EXPECT_EQ(request.port, 4000u);
     EXPECT_EQ(request.command, 200u);
@@ -116,7 +116,8 @@ class DatabaseFixture : public ModuleTest {
     EXPECT_EQ(request.request_block, 0x100000u);
     EXPECT_EQ(request.reply_block, 0x100000u);
     EXPECT_THAT(request.reply_file_name,
-                Matches(".*.temp.TempClient_\\{[-0-9A-F]{36}\\}\\.txt"));
+                EndsInShape("TempClient_" + std::string(kGuidShape) + ".txt"));
+    EXPECT_THAT(request.reply_file_name, testing::StartsWith((folder_.Path() / "temp").string()));
     EXPECT_EQ(request.reply_file_flag, 0);
   }
 
@@ -127,7 +128,9 @@ class DatabaseFixture : public ModuleTest {
                    {"CI_DefaultDisplayCompress", settings_.display_default},
                    {"CI_DefaultDisplayDomain", settings_.domain}});
   }
-  void OpenCache() { ASSERT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str()), 1); }
+  void OpenCache() {
+    ASSERT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str()), 1);
+  }
   // Gives the text of the first cell, or "result N".
   std::string Select(int use_cache = 0, const CString& sql = "select 1") {
     CRvoDbRes result;
