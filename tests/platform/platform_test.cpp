@@ -95,7 +95,6 @@ TEST(Platform, CreatesFilesForTheirOwnerOnly) {
   EXPECT_TRUE(ReplaceByRename(path, final_name));
   EXPECT_EQ(BytesOf(final_name), "content");
   EXPECT_TRUE(FlushFileToDisk(final_name));
-  EXPECT_FALSE(FlushFileToDisk(folder.Path().string()));
   EXPECT_TRUE(RemoveFile(final_name));
   EXPECT_FALSE(RemoveFile(final_name));
 }
