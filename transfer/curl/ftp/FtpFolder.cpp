@@ -10,21 +10,25 @@ namespace qv {
 
 namespace {
 
-// What a server may say before it is taken for one that means no good.
-constexpr std::size_t kLongestListing = 64U << 20;
+// What a server may say of all folders together before it is taken for one that means no good. The
+// names in a folder are kept while those below it are listed.
+constexpr std::size_t kMostListed = 128U << 20;
 constexpr std::size_t kMostEntries = 1'000'000;
 constexpr int kDeepest = 64;
 
 class ListingText final : public BodySink {
  public:
+  explicit ListingText(std::size_t most) : most_(most) {}
+
   [[nodiscard]] bool Write(std::span<const char> bytes) override {
-    if (bytes.size() > kLongestListing - text_.size()) return false;
+    if (bytes.size() > most_ - text_.size()) return false;
     text_.append(bytes.begin(), bytes.end());
     return true;
   }
   [[nodiscard]] const std::string& Text() const { return text_; }
 
  private:
+  const std::size_t most_;
   std::string text_;
 };
 
@@ -78,7 +82,6 @@ class Removal {
   // As a file first, whatever the listing says: a link to a folder is one to this command, and a
   // folder to all others.
   QvTransferResult RemoveEntry(const std::string& path, int depth) {
-    if (++entries_ > kMostEntries) return QvTransfer_BadAnswer;
     const QvTransferResult result = session_.Command("DELE " + path).result;
     if (result != QvTransfer_Refused) return result;
     const QvTransferResult removed = Remove(path, depth + 1);
@@ -99,24 +102,28 @@ class Removal {
 
   FtpAnswer Listing(const std::string& folder, const char* command,
                     std::vector<std::string>& names) {
-    ListingText listing;
+    ListingText listing(kMostListed - listed_);
     FtpAnswer answer = session_.List(folder, command, listing);
     if (answer.result == QvTransfer_LocalFile) answer.result = QvTransfer_BadAnswer;
     if (answer.result != QvTransfer_Success) return answer;
-    auto found = NamesInListing(listing.Text(), has_facts_);
+    auto found = NamesInListing(listing.Text(), has_facts_, kMostEntries - entries_);
     if (!found) return {QvTransfer_BadAnswer, answer.code};
+    listed_ += listing.Text().size();
+    entries_ += found->size();
     names = std::move(*found);
     return answer;
   }
 
   FtpSession& session_;
+  std::size_t listed_ = 0;
   std::size_t entries_ = 0;
   bool has_facts_ = true;
 };
 
 }  // namespace
 
-std::optional<std::vector<std::string>> NamesInListing(const std::string& listing, bool has_facts) {
+std::optional<std::vector<std::string>> NamesInListing(const std::string& listing, bool has_facts,
+                                                       std::size_t most) {
   std::vector<std::string> names;
   for (std::size_t start = 0; start < listing.size();) {
     const std::size_t end = std::min(listing.find('\n', start), listing.size());
@@ -127,7 +134,9 @@ std::optional<std::vector<std::string>> NamesInListing(const std::string& listin
     const auto name = has_facts ? BehindFacts(line) : LastStep(line);
     if (!name || name->empty() || name->find('/') != std::string_view::npos) return std::nullopt;
     if (HasControls(*name)) return std::nullopt;
-    if (!IsDots(*name)) names.emplace_back(*name);
+    if (IsDots(*name)) continue;
+    if (names.size() == most) return std::nullopt;
+    names.emplace_back(*name);
   }
   return names;
 }

@@ -1,6 +1,7 @@
 // Folders on an FTP server.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,8 +15,10 @@ namespace qv {
 [[nodiscard]] QvTransferResult RemoveFtpFolder(FtpSession& session, const std::string& path);
 
 // The names in a listing, without the folder itself and the one above it. `has_facts`: each line
-// begins with facts about the name. Nothing when a line cannot be one of such a listing.
+// begins with facts about the name. Nothing when a line cannot be one of such a listing, or there
+// are more than `most` of them.
 [[nodiscard]] std::optional<std::vector<std::string>> NamesInListing(const std::string& listing,
-                                                                     bool has_facts);
+                                                                     bool has_facts,
+                                                                     std::size_t most);
 
 }  // namespace qv
