@@ -246,6 +246,22 @@ TEST(FtpComponentTest, BelievesNoUploadOfAnotherSize) {
   EXPECT_THAT(FilesIn(side.There("")), IsEmpty());
 }
 
+TEST(FtpComponentTest, LosesNothingToServersThatDoNotKeepTheirWord) {
+  FtpSide stubborn({"--stubborn"});
+  ASSERT_EQ(stubborn.Login(), 0);
+  Write(stubborn.Here("file"), "bytes");
+  Write(stubborn.There("file"), "older");
+  EXPECT_EQ(stubborn.Upload(stubborn.Here("file"), "file"), QvTransfer_Refused);
+  const std::map<std::string, std::string> expected{{"file", "older"}};
+  EXPECT_EQ(FilesIn(stubborn.There("")), expected);
+  FtpSide deaf({"--deaf", "--cut-after", "300000", "--cuts", "1"});
+  ASSERT_EQ(deaf.Login(), 0);
+  const std::string bytes = RandomBytes(900'000, 1);
+  Write(deaf.There("file"), bytes);
+  EXPECT_EQ(deaf.Download("file", deaf.Here("file"), 2), 0);
+  EXPECT_TRUE(BytesOf(deaf.Here("file")) == bytes);
+}
+
 TEST(FtpComponentTest, TellsHowFarItIsAndStops) {
   FtpSide side;
   ASSERT_EQ(side.Login(), 0);

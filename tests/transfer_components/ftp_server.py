@@ -18,6 +18,8 @@ arguments.add_argument("--cuts", type=int, default=0)
 arguments.add_argument("--spare", type=int, default=0, help="how many such connections to let live between two cuts")
 arguments.add_argument("--without", nargs="*", default=[], help="commands that it does not know")
 arguments.add_argument("--strict", action="store_true", help="no new name for a file that another file has")
+arguments.add_argument("--stubborn", action="store_true", help="no new names at all")
+arguments.add_argument("--deaf", action="store_true", help="promises to begin where it is told to, and does not")
 arguments.add_argument("--forged-size", type=int, help="what it says of every file's size")
 options = arguments.parse_args()
 log = open(options.log, "a", encoding="utf-8", buffering=1)
@@ -92,8 +94,11 @@ class Commands:
         self.respond(f"213 {options.forged_size}")
         return path
 
+    def ftp_REST(self, line):
+        super().ftp_REST("0" if options.deaf else line)
+
     def ftp_RNTO(self, path):
-        if options.strict and self.fs.lexists(path):
+        if options.stubborn or options.strict and self.fs.lexists(path):
             self.respond("553 There is one.")
             return None
         return super().ftp_RNTO(path)

@@ -1,5 +1,6 @@
 #include "LocalTarget.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -49,6 +50,19 @@ std::optional<LocalTarget> LocalTarget::Continue(const std::string& path, const 
   if (file == nullptr || !platform::IsPrivate(file.get())) return std::nullopt;
   if (std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
   return LocalTarget(path, part, size, std::move(file));
+}
+
+std::optional<std::string> LocalTarget::Tail(std::size_t most) {
+  std::string tail(static_cast<std::size_t>(std::min<std::uint64_t>(most, size_)), '\0');
+  // One that was just begun cannot be read.
+  if (tail.empty()) return tail;
+  std::FILE* const file = file_.get();
+  if (file == nullptr || std::fseek(file, -static_cast<long>(tail.size()), SEEK_END) != 0) {
+    return std::nullopt;
+  }
+  const bool is_read = std::fread(tail.data(), 1, tail.size(), file) == tail.size();
+  if (!is_read || std::fseek(file, 0, SEEK_END) != 0) return std::nullopt;
+  return tail;
 }
 
 bool LocalTarget::Write(std::span<const char> bytes) {

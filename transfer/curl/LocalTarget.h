@@ -1,6 +1,7 @@
 // The local file of a download.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -26,6 +27,8 @@ class LocalTarget final : public BodySink {
   [[nodiscard]] const std::string& Part() const { return part_; }
   // Of the part, in bytes.
   [[nodiscard]] std::uint64_t Size() const { return size_; }
+  // What it ends with, `most` bytes of it at most. Nothing when that cannot be read.
+  [[nodiscard]] std::optional<std::string> Tail(std::size_t most);
   [[nodiscard]] bool Write(std::span<const char> bytes) override;
 
   // Each ends the writing. False when something could not be written after all; Finish removes the

@@ -1,11 +1,17 @@
 #include "FtpStore.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "FtpFolder.h"
 #include "platform/Platform.h"
 
 namespace qv {
 
 namespace {
+
+// Of the end of a part, with what the server has there.
+constexpr std::size_t kCompared = 16U << 10;
 
 // What a later try can go on after.
 bool IsWorthKeeping(QvTransferResult result) {
@@ -22,6 +28,28 @@ std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind
 std::string PartBeside(const std::string& path) {
   return FolderOf(path) + "qv-" + UniqueName() + ".part";
 }
+
+// Lets a download go on with a part only if the server begins with what the part ends with. There
+// are servers that promise to begin there, and begin anew.
+class ContinuedTarget final : public BodySink {
+ public:
+  ContinuedTarget(LocalTarget& target, std::string tail)
+      : target_(target), tail_(std::move(tail)) {}
+
+  [[nodiscard]] bool Write(std::span<const char> bytes) override {
+    const std::size_t again = std::min(bytes.size(), tail_.size() - compared_);
+    has_differed_ |= tail_.compare(compared_, again, bytes.data(), again) != 0;
+    compared_ += again;
+    return !has_differed_ && target_.Write(bytes.subspan(again));
+  }
+  [[nodiscard]] bool HasDiffered() const { return has_differed_; }
+
+ private:
+  LocalTarget& target_;
+  const std::string tail_;
+  std::size_t compared_ = 0;
+  bool has_differed_ = false;
+};
 
 // One of the two ways that a copied file goes.
 class HalfWay final : public TransferMeter {
@@ -100,8 +128,9 @@ QvTransferResult FtpStore::FillPart(LocalSource& source, bool is_text, Resume& r
   if (IsWorthKeeping(part.result)) return part.result;
   if (part.result != QvTransfer_Success) return QvTransfer_BadAnswer;
   if (!part.size || *part.size == source.Size()) return QvTransfer_Success;
-  // Of a part that is too long nothing can be said; one that is too short is gone on with.
-  if (*part.size > source.Size()) resume.tag.clear();
+  // A part that is too short is gone on with. Of one that is too long, or that the server should
+  // have appended to, nothing can be said.
+  if (*part.size > source.Size() || transfer.offset != 0) resume.tag.clear();
   return QvTransfer_Broken;
 }
 
@@ -115,12 +144,24 @@ bool FtpStore::MakeFolders(const std::string& path) {
   return is_any_new;
 }
 
-// Servers differ in whether a name that is taken is replaced.
+// Servers differ in whether a name that is taken is replaced. What has it is moved out of the way,
+// not deleted, since the server may have refused for another reason. Only a file has a size.
 QvTransferResult FtpStore::Replace(const std::string& from, const std::string& to) {
   const QvTransferResult result = Rename(from, to);
   if (result != QvTransfer_Refused) return result;
-  const QvTransferResult removed = session_.Command("DELE " + to).result;
-  return removed == QvTransfer_Success ? Rename(from, to) : result;
+  const FtpFileState old = session_.Look(to);
+  if (IsWorthKeeping(old.result)) return old.result;
+  if (!old.size) return result;
+  const std::string aside = from + ".old";
+  const QvTransferResult moved = Rename(to, aside);
+  if (moved != QvTransfer_Success) return IsWorthKeeping(moved) ? moved : result;
+  const QvTransferResult replaced = Rename(from, to);
+  if (replaced == QvTransfer_Success) {
+    static_cast<void>(session_.Command("DELE " + aside));
+  } else {
+    static_cast<void>(Rename(aside, to));
+  }
+  return replaced;
 }
 
 QvTransferResult FtpStore::Fetch(const std::string& remote, const std::string& local, bool is_text,
@@ -134,8 +175,16 @@ QvTransferResult FtpStore::Fetch(const std::string& remote, const std::string& l
   if (result != QvTransfer_Success) return result;
   if (!target) target = LocalTarget::Create(local);
   if (!target) return QvTransfer_LocalFile;
-  transfer.offset = target->Size();
-  const FtpFileState got = session_.Get(transfer, *target, meter);
+  const auto tail = target->Tail(kCompared);
+  if (!tail) return QvTransfer_LocalFile;
+  transfer.offset = target->Size() - tail->size();
+  ContinuedTarget sink(*target, *tail);
+  const FtpFileState got = session_.Get(transfer, sink, meter);
+  if (sink.HasDiffered()) {
+    target->Discard();
+    resume = {};
+    return QvTransfer_Broken;
+  }
   if (resume.tag.empty()) resume.tag = got.Tag();
   if (got.result == QvTransfer_Success) {
     resume = {};
