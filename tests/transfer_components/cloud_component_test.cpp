@@ -248,6 +248,11 @@ INSTANTIATE_TEST_SUITE_P(
                         "<ListBucketResult><Contents><Key>else</Key></Contents></ListBucketResult>"
                         " ^GET /many",
                         QvTransfer_BadAnswer},
+                    Fault{"9 replace "
+                          "<ListBucketResult><IsTruncated>true</IsTruncated></ListBucketResult>"
+                          " ^GET /many",
+                          QvTransfer_BadAnswer},
+                    Fault{"1 endless 5 ^GET /bucket/a", QvTransfer_BadAnswer},
                     Fault{"1 cut-answer 20 ^GET /many", QvTransfer_Broken}));
 
 TEST_F(CloudComponentTest, KnowsItsParameters) {

@@ -13,6 +13,7 @@ whose "METHOD target" is found by REGEX meet with ACTION.
     status N        the answer is an error of that status, and has no body
     error CODE      the answer has status 200 and an error in its body
     replace TEXT    the answer has status 200 and TEXT for its body
+    endless N       the answer says that it has N bytes, and has no end
     skew N          the server's clock is N seconds ahead
 """
 import base64
@@ -131,6 +132,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             return 200, {}, xml_of("Error", "<Code>%s</Code>" % self.fault.argument)
         if self.fault and self.fault.action == "replace":
             return 200, {}, self.fault.argument.encode()
+        if self.fault and self.fault.action == "endless":
+            return 200, {"Content-Length": self.fault.argument}, b""
         return None
 
     def answer(self, status, headers, body):
@@ -142,9 +145,14 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.send_header("Content-Length", str(len(body)))
         if self.command != "HEAD":
             self.sent = len(body) if cut is None else min(cut, len(body))
+        endless = self.fault_number("endless")
+        if endless is not None:
+            self.send_header("Transfer-Encoding", "chunked")
         # Before the client can look at it.
         self.note(status)
         self.end_headers()
+        while endless is not None:
+            self.wfile.write(b"3e8\r\n" + b"." * 1000 + b"\r\n")
         self.wfile.write(body[:self.sent])
         self.close_connection = self.close_connection or cut is not None
 

@@ -118,8 +118,10 @@ void CurlRequest::ReportTo(TransferMeter& meter, std::uint64_t base, std::uint64
 }
 
 QvTransferResult CurlRequest::Perform() {
-  // Options fail for want of memory only.
-  if (!is_set_up_) throw std::bad_alloc();
+  if (set_up_ == CURLE_OUT_OF_MEMORY) throw std::bad_alloc();
+  // A text that is longer than libcurl takes, which may be one that a server made up.
+  code_ = set_up_;
+  if (code_ != CURLE_OK) return QvTransfer_BadArgument;
   last_progress_ = Clock::now();
   code_ = Drive();
   // It is also what libcurl says of a line that is longer than it takes.
@@ -230,7 +232,8 @@ int CurlRequest::OnProgress(void* self, curl_off_t download_total, curl_off_t do
                             curl_off_t, curl_off_t uploaded) noexcept {
   auto& request = *static_cast<CurlRequest*>(self);
   const std::uint64_t moved = std::max(Bytes(downloaded), Bytes(uploaded));
-  return request.GoesOn(moved) && request.Tell(moved, Bytes(download_total)) ? 0 : 1;
+  const bool goes_on = request.GoesOn(Bytes(downloaded) + Bytes(uploaded));
+  return goes_on && request.Tell(moved, Bytes(download_total)) ? 0 : 1;
 }
 
 // libcurl asks whenever it is driven, whatever happens.

@@ -29,7 +29,8 @@ class CurlRequest {
   // libcurl keeps its own copy of texts.
   template <class Value>
   void Set(CURLoption option, Value value) {
-    if (curl_easy_setopt(easy_, option, value) != CURLE_OK) is_set_up_ = false;
+    const CURLcode set = curl_easy_setopt(easy_, option, value);
+    if (set_up_ == CURLE_OK) set_up_ = set;
   }
   // For an option that takes a list: adds a line to it. One such option per request.
   void AddLine(CURLoption option, const std::string& line);
@@ -85,8 +86,8 @@ class CurlRequest {
   std::uint64_t base_ = 0;
   std::uint64_t total_ = 0;
 
+  CURLcode set_up_ = CURLE_OK;
   CURLcode code_ = CURLE_OK;
-  bool is_set_up_ = true;
   bool is_connecting_ = false;
   bool was_connected_ = false;
   bool is_stopped_ = false;

@@ -49,6 +49,12 @@ QvTransferResult S3Download::BeginWhole(const S3Head& head) {
   return QvTransfer_Success;
 }
 
+// What a server says of the length need not bound what it sends.
+QvTransferResult S3Download::Write(std::span<const char> bytes) {
+  if (bytes.size() > total_ - target_->Size()) return QvTransfer_BadAnswer;
+  return target_->Write(bytes) ? QvTransfer_Success : QvTransfer_LocalFile;
+}
+
 bool S3Download::Moved(std::uint64_t, std::uint64_t) {
   return meter_.Moved(target_ ? target_->Size() : 0, total_);
 }

@@ -23,7 +23,7 @@ class S3Download final : private S3Receiver, private TransferMeter {
 
  private:
   QvTransferResult Begin(const S3Head& head) override;
-  bool Write(std::span<const char> bytes) override { return target_->Write(bytes); }
+  QvTransferResult Write(std::span<const char> bytes) override;
   // Tells what the file has, whatever was on the wire.
   bool Moved(std::uint64_t done, std::uint64_t total) override;
 

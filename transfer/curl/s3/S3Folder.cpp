@@ -77,6 +77,7 @@ S3Request ListingRequest(const S3Path& folder) {
 QvTransferResult DeleteBelow(S3Session& session, const S3Path& folder) {
   QvTransferResult first = QvTransfer_Success;
   S3Request request = ListingRequest(folder);
+  std::string token;
   bool has_objects = false;
   for (int page = 0; page != kMaxPages; ++page) {
     const S3Answer answer = session.Ask(request);
@@ -87,8 +88,11 @@ QvTransferResult DeleteBelow(S3Session& session, const S3Path& folder) {
     const QvTransferResult result = DeletePage(session, folder.bucket, listing->keys);
     if (first == QvTransfer_Success) first = result;
     if (!listing->next) return has_objects ? first : QvTransfer_NotFound;
+    // There would be no end to it.
+    if (*listing->next == token) return QvTransfer_BadAnswer;
+    token = *listing->next;
     request = ListingRequest(folder);
-    request.query.emplace_back("continuation-token", *listing->next);
+    request.query.emplace_back("continuation-token", token);
   }
   return QvTransfer_BadAnswer;
 }

@@ -19,6 +19,8 @@ constexpr std::size_t kHashBlock = 256U << 10;
 // What a server is trusted to copy, or to put together, in a second.
 constexpr std::uint64_t kServerSpeed = 8U << 20;
 constexpr std::uint64_t kLongestWait = 24 * 60 * 60;
+// So many stretches without progress are what an answer may take in all, however slowly it comes.
+constexpr int kAnswerPatience = 20;
 
 std::string_view Header(CURL* easy, const char* name) {
   curl_header* found = nullptr;
@@ -57,9 +59,8 @@ class AnswerSink final : public BodySink {
     Begin();
     if (answer_.result != QvTransfer_Success) return false;
     if (has_object_) {
-      if (receiver_->Write(bytes)) return true;
-      answer_.result = QvTransfer_LocalFile;
-      return false;
+      answer_.result = receiver_->Write(bytes);
+      return answer_.result == QvTransfer_Success;
     }
     if (bytes.size() > kMaxBody - answer_.body.size()) {
       answer_.result = QvTransfer_BadAnswer;
@@ -213,6 +214,8 @@ S3Answer S3Session::Exchange(const S3Wire& wire, std::string_view body,
                              const TransferSettings& settings, TransferMeter* meter) {
   CurlRequest exchange(curl_, settings);
   SetUp(exchange, wire, body.size());
+  const auto deadline = kAnswerPatience * settings.io_timeout;
+  exchange.Set(CURLOPT_TIMEOUT_MS, static_cast<long>(deadline.count()));
   TextSource source(body);
   exchange.Send(source);
   AnswerSink sink(curl_.Easy(), exchange, nullptr);

@@ -39,10 +39,10 @@ struct S3Answer {
 // Takes the body of an answer that has the object in it.
 class S3Receiver {
  public:
-  // Once, before the first byte, and also when there is none. What it says, unless Success, becomes
-  // the result.
+  // What these say, unless Success, becomes the result. Begin is called once, before the first
+  // byte, and also when there is none.
   [[nodiscard]] virtual QvTransferResult Begin(const S3Head& head) = 0;
-  [[nodiscard]] virtual bool Write(std::span<const char> bytes) = 0;
+  [[nodiscard]] virtual QvTransferResult Write(std::span<const char> bytes) = 0;
 
  protected:
   ~S3Receiver() = default;
