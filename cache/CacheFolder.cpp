@@ -44,10 +44,7 @@ bool IsName(std::string_view name, std::string_view extension) {
          IsGuid(name.substr(kPrefix.size(), kGuidShape.size()));
 }
 
-bool IsFile(const std::string& path) {
-  std::error_code error;
-  return fs::symlink_status(path, error).type() == fs::file_type::regular;
-}
+bool IsFile(const std::string& path) { return platform::TypeOf(path) == fs::file_type::regular; }
 
 bool IsOld(const fs::path& path) {
   std::error_code error;
@@ -94,9 +91,9 @@ std::string NewCopyPath(const std::string& folder) {
 std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
   // The host may change its working directory later, and the index is opened through no link.
   std::error_code error;
-  const fs::path absolute = fs::absolute(path, error);
+  const fs::path absolute = fs::absolute(platform::PathFromNarrow(path), error);
   if (error) return nullptr;
-  const std::string whole = (fs::weakly_canonical(absolute, error) / "").string();
+  const std::string whole = platform::NarrowFromPath(fs::weakly_canonical(absolute, error) / "");
   if (error || whole.size() + kNameLength >= kPathLimit) return nullptr;
   if (!platform::CreatePrivateFolder(whole)) return nullptr;
   std::unique_ptr<CacheIndex> index = CacheIndex::Open(whole + kIndexName);
@@ -195,8 +192,9 @@ bool CacheFolder::Sweep() {
   const auto entered = index_->Files();
   if (!entered) return false;
   std::error_code error;
-  for (fs::directory_iterator at(path_, error), end; !error && at != end; at.increment(error)) {
-    const std::string name = at->path().filename().string();
+  for (fs::directory_iterator at(platform::PathFromNarrow(path_), error), end; !error && at != end;
+       at.increment(error)) {
+    const std::string name = platform::NarrowFromPath(at->path().filename());
     const bool left_over = IsName(name, kAnswer) && !entered->contains(name);
     const bool abandoned = IsName(name, kTemporary) && IsOld(at->path());
     if (left_over || abandoned) platform::RemoveFile(path_ + name);

@@ -39,8 +39,7 @@ constexpr int kForeign = SQLITE_MISMATCH;
 // looked at once, for the journal of another program comes and goes.
 bool MayOpen(const std::string& path) {
   const auto type_of = [&path](const char* companion) {
-    std::error_code error;
-    return std::filesystem::symlink_status(path + companion, error).type();
+    return platform::TypeOf(path + companion);
   };
   using enum std::filesystem::file_type;
   for (const char* const companion : {"", kJournal}) {
@@ -108,7 +107,7 @@ std::unique_ptr<CacheIndex> CacheIndex::Open(const std::string& path) {
 
 int CacheIndex::Connect(const std::string& path) {
   // SQLite takes names in UTF-8 on every system.
-  const std::u8string name = std::filesystem::path(path).u8string();
+  const std::u8string name = platform::PathFromNarrow(path).u8string();
   constexpr int kFlags =
       SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
   sqlite3* opened = nullptr;

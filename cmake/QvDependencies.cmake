@@ -26,9 +26,9 @@ target_include_directories(fast_float SYSTEM INTERFACE ${FAST_FLOAT_INCLUDE_DIR}
 # Without its own package file, which wants the command-line tools to be installed as well.
 find_path(LIBZIP_INCLUDE_DIR zip.h REQUIRED)
 find_library(LIBZIP_LIBRARY zip REQUIRED)
-add_library(libzip INTERFACE)
-target_include_directories(libzip SYSTEM INTERFACE ${LIBZIP_INCLUDE_DIR})
-target_link_libraries(libzip INTERFACE ${LIBZIP_LIBRARY} ZLIB::ZLIB)
+add_library(libzip UNKNOWN IMPORTED)
+set_target_properties(libzip PROPERTIES IMPORTED_LOCATION ${LIBZIP_LIBRARY}
+  INTERFACE_INCLUDE_DIRECTORIES ${LIBZIP_INCLUDE_DIR} INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)
 
 if(QV_BUILD_TESTS)
   find_package(GTest REQUIRED)

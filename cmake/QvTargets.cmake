@@ -71,6 +71,13 @@ function(qv_export_only target map)
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
 endfunction()
 
+# qv_speaks_utf8(<program>): makes UTF-8 the narrow code page of a program, as it is off Windows.
+function(qv_speaks_utf8 target)
+  if(WIN32)
+    target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/Utf8.rc)
+  endif()
+endfunction()
+
 # qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER]): one GoogleTest program, its cases known to ctest, which
 # runs each in a process of its own; TOGETHER runs them all in one, when they share what takes long to start.
 function(qv_add_test target)
@@ -78,6 +85,7 @@ function(qv_add_test target)
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+  qv_speaks_utf8(${target})
   # Starting a program takes an emulator too long to do it for each case.
   if(ARG_TOGETHER OR CMAKE_CROSSCOMPILING)
     add_test(NAME ${target} COMMAND ${target})

@@ -106,6 +106,8 @@ void AppendField(std::string& text, const Parts& parts, char letter) {
   switch (letter) {
     case 'Y':
       return AppendPadded(text, static_cast<int>(parts.date.year()), 4);
+    case 'y':  // which the C library of one system leaves empty before 1900
+      return AppendPadded(text, static_cast<int>(parts.date.year()) % 100, 2);
     case 'm':
       return AppendPadded(text, MonthOf(parts), 2);
     case 'd':

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -83,6 +84,13 @@ void PreferLargePages(void* start, std::size_t bytes);
 // becomes its replacement character. AppendNarrow adds to `text`, to reuse its memory.
 [[nodiscard]] std::string NarrowFromWide(std::u16string_view wide);
 void AppendNarrow(std::u16string_view wide, std::string& text);
+
+// What stands at a path, a link for itself, wherever it leads.
+[[nodiscard]] std::filesystem::file_type TypeOf(const std::string& path);
+
+// A path of the narrow code page as the standard library takes it for work on files, and back.
+[[nodiscard]] std::filesystem::path PathFromNarrow(const std::string& path);
+[[nodiscard]] std::string NarrowFromPath(const std::filesystem::path& path);
 
 // Seconds since 1970.
 [[nodiscard]] std::int64_t UnixTime();

@@ -55,7 +55,7 @@ bool FileText::Load(const char* path) try {
   length_ = 0;
   if (path == nullptr) return false;
   std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  const std::uintmax_t size = std::filesystem::file_size(platform::PathFromNarrow(path), error);
   if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) return false;
   CFile file(path, CFile::modeRead);
   if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return false;

@@ -33,14 +33,17 @@ bool IsNameByte(char ch) {
 // What a run that was killed has left behind.
 void RemoveFilesIn(const std::string& folder) {
   std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    platform::RemoveFile(entry.path().string());
+  for (const auto& entry :
+       std::filesystem::directory_iterator(platform::PathFromNarrow(folder), error)) {
+    platform::RemoveFile(platform::NarrowFromPath(entry.path()));
   }
 }
 
 Outcome MakeMissing(const SampleDatabase& sample, const std::string& file) {
   std::error_code error;
-  return std::filesystem::exists(file, error) ? Outcome() : CreateSample(sample, file);
+  return std::filesystem::exists(platform::PathFromNarrow(file), error)
+             ? Outcome()
+             : CreateSample(sample, file);
 }
 
 }  // namespace
@@ -58,7 +61,8 @@ Outcome DataFolder::Prepare() {
   }
   std::error_code error;
   // Links on the way to the folder are its owner's business; behind it none is followed.
-  path_ = std::filesystem::canonical(path_, error).string();
+  path_ =
+      platform::NarrowFromPath(std::filesystem::canonical(platform::PathFromNarrow(path_), error));
   if (error) return {ErrorCode::kNoDatabase, error.message()};
   if (Outcome locked = Lock(); !locked.Ok()) return locked;
   RemoveFilesIn(AnswerFolder());
@@ -78,7 +82,8 @@ Outcome DataFolder::MakeSamples() const {
   if (Outcome made = MakeMissing(SampleDirectory(), DirectoryFile()); !made.Ok()) return made;
   const std::string files = (std::filesystem::path(path_) / kFiles).string();
   std::error_code error;
-  return std::filesystem::exists(files, error) ? Outcome{} : CreateSampleFiles(files);
+  return std::filesystem::exists(platform::PathFromNarrow(files), error) ? Outcome{}
+                                                                         : CreateSampleFiles(files);
 }
 
 Outcome DataFolder::OpenStores() {

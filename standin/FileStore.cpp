@@ -136,7 +136,8 @@ Outcome FileStore::FindParents(std::string_view folder, const std::vector<Entry>
 
 std::uint64_t FileStore::FreeBytes() const {
   std::error_code error;
-  const std::uintmax_t free = std::filesystem::space(incoming_, error).available;
+  const std::uintmax_t free =
+      std::filesystem::space(platform::PathFromNarrow(incoming_), error).available;
   return error ? 0 : free;
 }
 

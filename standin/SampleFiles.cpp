@@ -79,9 +79,10 @@ bool WriteAll(const std::string& folder) {
 Outcome CreateSampleFiles(const std::string& folder) {
   const std::string unfinished = folder + ".new";
   std::error_code error;
-  std::filesystem::remove_all(unfinished, error);
+  std::filesystem::remove_all(platform::PathFromNarrow(unfinished), error);
   if (!WriteAll(unfinished)) return {ErrorCode::kStoreFailed, "cannot fill " + unfinished};
-  std::filesystem::rename(unfinished, folder, error);
+  std::filesystem::rename(platform::PathFromNarrow(unfinished), platform::PathFromNarrow(folder),
+                          error);
   if (error) return {ErrorCode::kStoreFailed, "cannot name " + folder};
   return {};
 }

@@ -14,7 +14,8 @@ constexpr std::uint64_t kReserve = 64ULL << 20;
 
 std::uint64_t RoomIn(const std::string& folder) {
   std::error_code error;
-  const std::uintmax_t free = std::filesystem::space(folder, error).available;
+  const std::uintmax_t free =
+      std::filesystem::space(platform::PathFromNarrow(folder), error).available;
   return error || free < kReserve ? 0 : free - kReserve;
 }
 

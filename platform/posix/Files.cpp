@@ -74,6 +74,11 @@ bool CreatePrivateFolder(const std::string& path) {
   return ::mkdir(path.c_str(), S_IRWXU) == 0 || std::filesystem::is_directory(folder, error);
 }
 
+std::filesystem::file_type TypeOf(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type();
+}
+
 bool RemoveFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
 
 bool ReplaceByRename(const std::string& from, const std::string& to) {

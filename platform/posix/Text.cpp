@@ -60,4 +60,7 @@ std::string NarrowFromWide(std::u16string_view wide) {
   return text;
 }
 
+std::filesystem::path PathFromNarrow(const std::string& path) { return path; }
+std::string NarrowFromPath(const std::filesystem::path& path) { return path.string(); }
+
 }  // namespace qv::platform

@@ -86,6 +86,19 @@ bool CreatePrivateFolder(const std::string& path) {
   return ::CreateDirectoryA(path.c_str(), rights.Attributes()) != FALSE || IsFolder(path);
 }
 
+std::filesystem::file_type TypeOf(const std::string& path) {
+  const DWORD attributes = ::GetFileAttributesA(path.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES) {
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+      return std::filesystem::file_type::symlink;
+    const bool is_folder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return is_folder ? std::filesystem::file_type::directory : std::filesystem::file_type::regular;
+  }
+  const DWORD why = ::GetLastError();
+  const bool nothing = why == ERROR_FILE_NOT_FOUND || why == ERROR_PATH_NOT_FOUND;
+  return nothing ? std::filesystem::file_type::not_found : std::filesystem::file_type::none;
+}
+
 bool RemoveFile(const std::string& path) { return ::DeleteFileA(path.c_str()) != FALSE; }
 
 bool ReplaceByRename(const std::string& from, const std::string& to) {

@@ -54,4 +54,12 @@ std::string NarrowFromWide(std::u16string_view wide) {
   return text;
 }
 
+// Through UTF-16: what the standard library makes of narrow paths follows the locale.
+std::filesystem::path PathFromNarrow(const std::string& path) {
+  return std::filesystem::path(WideFromNarrow(path).value_or(u"?"));  // which no file is called
+}
+std::string NarrowFromPath(const std::filesystem::path& path) {
+  return NarrowFromWide(path.u16string());
+}
+
 }  // namespace qv::platform

@@ -26,8 +26,8 @@ class EndToEnd : public testing::Test {
   EndToEnd() {
     CRvoServer::InitNet();
     std::filesystem::create_directory(folder_.Path() / "temp");
-    CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp/").c_str());
-    CRvoServer::SetCachePath((folder_.Path() / "cache").c_str());
+    CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp" / "").string().c_str());
+    CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str());
   }
   ~EndToEnd() override {
     CRvoServer::SetCacheState(0);

@@ -62,7 +62,8 @@ TEST_F(FilesTest, GoUpAndComeDownAsTheyWere) {
     const std::string bytes = Pattern(length);
     ASSERT_EQ(Upload(bytes, "drawings/structural\\新 图.dwg"), 0) << length;
     EXPECT_TRUE(Download("drawings\\structural\\新 图.dwg") == bytes) << length;
-    CRvoIdFile::UpLoadFileToServerByFileID((folder_.Path() / "up").c_str(), "新 图.dwg", 7);
+    CRvoIdFile::UpLoadFileToServerByFileID((folder_.Path() / "up").string().c_str(), "新 图.dwg",
+                                           7);
     const std::string local = (folder_.Path() / "by id").string();
     ASSERT_EQ(CRvoIdFile::DownLoadServerFileByFileID(local.c_str(), "新 图.dwg", 7), 0);
     EXPECT_TRUE(BytesOf(local) == bytes) << length;

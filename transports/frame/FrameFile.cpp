@@ -23,8 +23,9 @@ std::string TemporaryBeside(const std::string& path) {
 std::optional<OutgoingFile> OutgoingFile::Open(const std::string& path) {
   std::error_code error;
   // Also keeps the sender from waiting for ever on a pipe.
-  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
-  const std::uintmax_t length = std::filesystem::file_size(path, error);
+  const std::filesystem::path place = platform::PathFromNarrow(path);
+  if (!std::filesystem::is_regular_file(place, error)) return std::nullopt;
+  const std::uintmax_t length = std::filesystem::file_size(place, error);
   if (error || length > kMaxFile) return std::nullopt;
   platform::FilePtr file(std::fopen(path.c_str(), "rb"));
   if (file == nullptr) return std::nullopt;
