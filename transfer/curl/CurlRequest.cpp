@@ -4,6 +4,8 @@
 #include <exception>
 #include <new>
 
+#include "curl/CurlTrust.h"
+
 namespace qv {
 
 namespace {
@@ -57,25 +59,11 @@ CurlRequest::CurlRequest(CurlHandle& handle, const TransferSettings& settings)
   Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings_.connect_timeout.count()));
   Set(CURLOPT_BUFFERSIZE, 128L << 10);
   Set(CURLOPT_UPLOAD_BUFFERSIZE, 128L << 10);
-  SetUpSecurity();
+  if (!SetUpTrust(easy_, settings_.ca_file)) set_up_ = CURLE_OUT_OF_MEMORY;
   SetUpCallbacks();
 }
 
 CurlRequest::~CurlRequest() { curl_easy_reset(easy_); }
-
-void CurlRequest::SetUpSecurity() {
-  Set(CURLOPT_FOLLOWLOCATION, 0L);
-  // What the environment says about proxies is meant for the web, and would show passwords and
-  // files to another machine.
-  Set(CURLOPT_PROXY, "");
-  Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-  Set(CURLOPT_SSL_VERIFYPEER, 1L);
-  Set(CURLOPT_SSL_VERIFYHOST, 2L);
-  Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  if (settings_.ca_file.empty()) return;
-  Set(CURLOPT_CAINFO, settings_.ca_file.c_str());
-  Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-}
 
 void CurlRequest::SetUpCallbacks() {
   Set(CURLOPT_RESOLVER_START_FUNCTION, &OnLookup);

@@ -1,17 +1,15 @@
 // One request over a handle of libcurl, whose connections outlive it.
 #pragma once
 
-#include <curl/curl.h>
-
 #include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
 
 #include "BodySource.h"
-#include "CurlHandle.h"
 #include "TransferMeter.h"
 #include "TransferSettings.h"
+#include "curl/CurlHandle.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv {
@@ -68,7 +66,6 @@ class CurlRequest {
   static int OnProgress(void* self, curl_off_t download_total, curl_off_t downloaded, curl_off_t,
                         curl_off_t uploaded) noexcept;
 
-  void SetUpSecurity();
   void SetUpCallbacks();
   void BeginToConnect();
   [[nodiscard]] bool GoesOn(std::uint64_t moved);

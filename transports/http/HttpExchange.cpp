@@ -14,17 +14,16 @@ int HttpExchange::Run(const char* server, std::uint32_t port, bool compress) {
   // A file can be so long that a frame around it has no length that could be announced.
   if (!url || !frame || frame->Length() > kMaxFile) return kNotDelivered;
   const std::uint64_t generation = transport_.pool.Generation();
-  handle_ = transport_.pool.Take(*url);
-  if (!handle_) handle_ = CurlHandle::Make(*url);
-  if (!handle_) return kNotDelivered;
+  connection_ = transport_.pool.Take(*url);
+  if (!connection_) connection_ = std::make_unique<KeptConnection>(*url);
   const HttpRequest request{
       .length = frame->Length(), .login_token = transport_.tokens.Of(*url), .compress = compress};
-  stream_.emplace(*handle_, settings_, request);
+  stream_.emplace(*connection_, settings_, request);
   const int result = Talk(*frame);
   const std::string_view token = stream_->LoginToken();
   if (LoginTokens::IsToken(token)) transport_.tokens.Keep(*url, token);
   stream_.reset();
-  if (result == kDelivered) transport_.pool.Give(std::move(handle_), generation);
+  if (result == kDelivered) transport_.pool.Give(std::move(connection_), generation);
   return result;
 }
 

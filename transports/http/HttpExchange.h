@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "CurlHandle.h"
 #include "HttpParameters.h"
 #include "HttpStream.h"
+#include "KeptConnection.h"
 #include "LoginTokens.h"
 #include "message/MsgContent.h"
 #include "transports/exchange/IdlePool.h"
@@ -19,7 +19,7 @@ namespace qv {
 // What the calls of a process share.
 struct HttpTransport {
   HttpParameters parameters;
-  IdlePool<CurlHandle> pool;
+  IdlePool<KeptConnection> pool;
   LoginTokens tokens;
 };
 
@@ -37,14 +37,14 @@ class HttpExchange {
   [[nodiscard]] int Interrupted() const;
 
  private:
-  // Sends the request and receives the reply, over the handle.
+  // Sends the request and receives the reply, over the connection.
   [[nodiscard]] int Talk(RequestFrame& frame);
 
   HttpTransport& transport_;
   const CMsgContent& request_;
   CMsgContent& reply_;
   HttpSettings settings_;
-  std::unique_ptr<CurlHandle> handle_;
+  std::unique_ptr<KeptConnection> connection_;
   std::optional<HttpStream> stream_;
 };
 

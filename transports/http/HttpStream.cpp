@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "curl/CurlTrust.h"
+
 namespace qv {
 
 namespace {
@@ -20,28 +22,29 @@ const curl_header* Header(CURL* easy, const char* name, std::size_t index = 0) {
 
 }  // namespace
 
-HttpStream::HttpStream(CurlHandle& handle, const HttpSettings& settings, const HttpRequest& request)
-    : handle_(handle), settings_(settings), last_progress_(Clock::now()) {
+HttpStream::HttpStream(KeptConnection& connection, const HttpSettings& settings,
+                       const HttpRequest& request)
+    : connection_(connection), settings_(settings), last_progress_(Clock::now()) {
   // The connection stays, which is what the handle is kept for.
-  curl_easy_reset(handle_.Easy());
+  curl_easy_reset(connection_.Easy());
   SetUpTransfer(request);
   SetUpSecurity();
   SetUpCallbacks();
 }
 
 HttpStream::~HttpStream() {
-  if (is_added_) curl_multi_remove_handle(handle_.Multi(), handle_.Easy());
+  if (is_added_) curl_multi_remove_handle(connection_.Multi(), connection_.Easy());
   // The options still point to members.
-  curl_easy_reset(handle_.Easy());
+  curl_easy_reset(connection_.Easy());
 }
 
 template <class Value>
 void HttpStream::Set(CURLoption option, Value value) {
-  is_set_up_ = is_set_up_ && curl_easy_setopt(handle_.Easy(), option, value) == CURLE_OK;
+  is_set_up_ = is_set_up_ && curl_easy_setopt(connection_.Easy(), option, value) == CURLE_OK;
 }
 
 void HttpStream::SetUpTransfer(const HttpRequest& request) {
-  Set(CURLOPT_URL, handle_.Server().c_str());
+  Set(CURLOPT_URL, connection_.Server().c_str());
   Set(CURLOPT_POST, 1L);
   Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.length));
   Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
@@ -61,17 +64,7 @@ void HttpStream::SetUpTransfer(const HttpRequest& request) {
 
 void HttpStream::SetUpSecurity() {
   Set(CURLOPT_PROTOCOLS_STR, "http,https");
-  Set(CURLOPT_FOLLOWLOCATION, 0L);
-  // The server is the company's own: what the environment says about proxies is meant for the web,
-  // and would show frames and tokens to another machine.
-  Set(CURLOPT_PROXY, "");
-  Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-  Set(CURLOPT_SSL_VERIFYPEER, 1L);
-  Set(CURLOPT_SSL_VERIFYHOST, 2L);
-  Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  if (settings_.ca_file.empty()) return;
-  Set(CURLOPT_CAINFO, settings_.ca_file.c_str());
-  Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  is_set_up_ = is_set_up_ && SetUpTrust(connection_.Easy(), settings_.ca_file);
 }
 
 void HttpStream::SetUpCallbacks() {
@@ -118,7 +111,7 @@ FrameStatus HttpStream::End() {
   const bool goes_on = RunUntil([this] { return !unread_.empty(); });
   if (goes_on) return FrameStatus::kMalformed;
   if (outcome_ != CURLE_OK) return Failure();
-  handle_.NoteConnection();
+  connection_.NoteConnection();
   return FrameStatus::kDone;
 }
 
@@ -127,7 +120,8 @@ FrameStatus HttpStream::Failure() const {
   switch (outcome_.value_or(CURLE_OPERATION_TIMEDOUT)) {
     case CURLE_OK:
       // Without a length of its own a body is over when the connection is, for whatever reason.
-      return Header(handle_.Easy(), "Content-Length") || Header(handle_.Easy(), kCodingHeader)
+      return Header(connection_.Easy(), "Content-Length") ||
+                     Header(connection_.Easy(), kCodingHeader)
                  ? FrameStatus::kMalformed
                  : FrameStatus::kConnectionLost;
     case CURLE_UNSUPPORTED_PROTOCOL:
@@ -142,8 +136,8 @@ FrameStatus HttpStream::Failure() const {
 }
 
 std::string_view HttpStream::LoginToken() const {
-  const curl_header* header = has_status_200_ ? Header(handle_.Easy(), kTokenHeader) : nullptr;
-  if (header != nullptr) header = Header(handle_.Easy(), kTokenHeader, header->amount - 1);
+  const curl_header* header = has_status_200_ ? Header(connection_.Easy(), kTokenHeader) : nullptr;
+  if (header != nullptr) header = Header(connection_.Easy(), kTokenHeader, header->amount - 1);
   return header != nullptr ? header->value : std::string_view();
 }
 
@@ -194,7 +188,7 @@ bool HttpStream::TakeHeader(Bytes line) {
   const bool is_last = !line.empty() && (line[0] == '\r' || line[0] == '\n');
   if (!is_last || has_all_headers_) return true;
   long status = 0;
-  curl_easy_getinfo(handle_.Easy(), CURLINFO_RESPONSE_CODE, &status);
+  curl_easy_getinfo(connection_.Easy(), CURLINFO_RESPONSE_CODE, &status);
   // What is only on the way to an answer; but after 101 another protocol would follow.
   if (status >= 100 && status < 200 && status != 101) return true;
   has_all_headers_ = true;
@@ -204,7 +198,7 @@ bool HttpStream::TakeHeader(Bytes line) {
 
 bool HttpStream::IsFrameAhead() {
   // Packed for the transfer, which nobody asked for, a little could become very much.
-  const curl_header* const coding = Header(handle_.Easy(), kCodingHeader);
+  const curl_header* const coding = Header(connection_.Easy(), kCodingHeader);
   return coding == nullptr || (coding->amount == 1 && curl_strequal(coding->value, "chunked"));
 }
 
@@ -240,16 +234,16 @@ bool HttpStream::RunUntil(const Condition& is_done) {
 
 bool HttpStream::Resume() {
   if (outcome_ || !is_set_up_) return false;
-  if (is_added_) return curl_easy_pause(handle_.Easy(), CURLPAUSE_CONT) == CURLE_OK;
-  is_added_ = curl_multi_add_handle(handle_.Multi(), handle_.Easy()) == CURLM_OK;
+  if (is_added_) return curl_easy_pause(connection_.Easy(), CURLPAUSE_CONT) == CURLE_OK;
+  is_added_ = curl_multi_add_handle(connection_.Multi(), connection_.Easy()) == CURLM_OK;
   return is_added_;
 }
 
 bool HttpStream::Perform() {
   int running = 0;
-  if (curl_multi_perform(handle_.Multi(), &running) != CURLM_OK) return false;
+  if (curl_multi_perform(connection_.Multi(), &running) != CURLM_OK) return false;
   int left = 0;
-  if (const CURLMsg* const message = curl_multi_info_read(handle_.Multi(), &left)) {
+  if (const CURLMsg* const message = curl_multi_info_read(connection_.Multi(), &left)) {
     outcome_ = message->data.result;
   }
   NoteProgress();
@@ -259,8 +253,8 @@ bool HttpStream::Perform() {
 void HttpStream::NoteProgress() {
   curl_off_t sent = 0;
   curl_off_t received = 0;
-  curl_easy_getinfo(handle_.Easy(), CURLINFO_SIZE_UPLOAD_T, &sent);
-  curl_easy_getinfo(handle_.Easy(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+  curl_easy_getinfo(connection_.Easy(), CURLINFO_SIZE_UPLOAD_T, &sent);
+  curl_easy_getinfo(connection_.Easy(), CURLINFO_SIZE_DOWNLOAD_T, &received);
   const std::uint64_t progress =
       static_cast<std::uint64_t>(sent) + static_cast<std::uint64_t>(received) + header_bytes_;
   if (progress == progress_) return;
@@ -273,8 +267,8 @@ bool HttpStream::Wait() {
   const auto left =
       std::chrono::ceil<std::chrono::milliseconds>(last_progress_ + patience - Clock::now());
   if (left.count() <= 0) return false;
-  return curl_multi_poll(handle_.Multi(), nullptr, 0, static_cast<int>(left.count()), nullptr) ==
-         CURLM_OK;
+  return curl_multi_poll(connection_.Multi(), nullptr, 0, static_cast<int>(left.count()),
+                         nullptr) == CURLM_OK;
 }
 
 }  // namespace qv

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "CurlHandle.h"
 #include "HttpParameters.h"
+#include "KeptConnection.h"
 #include "transports/frame/ByteStream.h"
 
 namespace qv {
@@ -33,7 +33,7 @@ class HttpStream final : public ByteStream {
  public:
   // `handle` is the stream's until it is destroyed; after anything but a kDone of End it is of no
   // further use.
-  HttpStream(CurlHandle& handle, const HttpSettings& settings, const HttpRequest& request);
+  HttpStream(KeptConnection& connection, const HttpSettings& settings, const HttpRequest& request);
   ~HttpStream() override;
   HttpStream(const HttpStream&) = delete;
   HttpStream& operator=(const HttpStream&) = delete;
@@ -85,7 +85,7 @@ class HttpStream final : public ByteStream {
   void NoteProgress();
   [[nodiscard]] bool Wait();
 
-  CurlHandle& handle_;
+  KeptConnection& connection_;
   const HttpSettings& settings_;
   std::unique_ptr<curl_slist, FreeList> headers_;
   bool is_set_up_ = true;

@@ -11,15 +11,9 @@ namespace qv {
 
 namespace {
 
-HttpTransport* MakeTransport() {
-  // There is no counterpart at the end: the host may use libcurl as well.
-  curl_global_init(CURL_GLOBAL_DEFAULT);
-  return new HttpTransport;
-}
-
 // Never destroyed: a host may still have threads in a call when its program ends.
 HttpTransport& SharedTransport() {
-  static auto* const transport = MakeTransport();
+  static auto* const transport = new HttpTransport;
   return *transport;
 }
 
