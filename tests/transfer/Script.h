@@ -8,6 +8,11 @@
 
 namespace qv::test {
 
+// What a component was given, as text.
+inline std::string Shown(const char* text) { return text; }
+inline std::string Shown(long number) { return std::to_string(number); }
+std::string Shown(const wchar_t* text);  // of components that take such texts, in UTF-8
+
 struct Script {
   int factory_calls = 0;
   bool absent = false;  // the factory gives no object
@@ -17,6 +22,25 @@ struct Script {
   std::map<std::string, long> results;           // the out values, likewise
   std::map<std::string, long> answers;           // to questions about files, by path
   long other_answer = 1;
+  bool silent = false;                 // says nothing about failures, where others do
+  std::vector<std::string> questions;  // for interfaces, where there are such
+
+  template <class... Args>
+  std::int32_t Call(const std::string& method, long* out, Args... args) {
+    std::string call(method);
+    ((call += (call == method ? " " : ",") + Shown(args)), ...);
+    calls.push_back(call);
+    const std::int32_t result = hresults[method];
+    // One that fails leaves something there that nobody may use.
+    if (out != nullptr) *out = result < 0 ? 666 : results[method];
+    return result;
+  }
+  template <class Text>
+  std::int32_t Ask(Text path, long* out) {
+    const auto answer = answers.find(Shown(path));
+    *out = answer != answers.end() ? answer->second : other_answer;
+    return Call("IsOperatorFileSuc", nullptr, path);
+  }
 };
 
 // What each library offers under the name "TheScript".

@@ -1,16 +1,27 @@
 #include "Bstr.h"
 
-#include <new>
+#include <cstring>
+#include <limits>
 
 namespace qv {
 
-Bstr::Bstr(const char* text) : text_(nullptr) {
-  // What is no text of the code page becomes its replacement character, as it does for everybody
-  // who hands texts to components.
-  const int units = ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);  // with the NUL
-  if (units > 0) text_ = ::SysAllocStringLen(nullptr, static_cast<UINT>(units - 1));
-  if (text_ == nullptr) throw std::bad_alloc();
-  ::MultiByteToWideChar(CP_ACP, 0, text, -1, text_, units);
+namespace {
+
+// What is no text in the code page becomes its replacement character.
+BSTR Wide(const char* text) {
+  const std::size_t length = std::strlen(text);
+  if (length == 0) return ::SysAllocStringLen(nullptr, 0);
+  if (length > std::size_t{std::numeric_limits<int>::max()}) return nullptr;
+  const int bytes = static_cast<int>(length);
+  const int units = ::MultiByteToWideChar(CP_ACP, 0, text, bytes, nullptr, 0);
+  if (units <= 0) return nullptr;
+  BSTR const wide = ::SysAllocStringLen(nullptr, static_cast<UINT>(units));
+  if (wide != nullptr) ::MultiByteToWideChar(CP_ACP, 0, text, bytes, wide, units);
+  return wide;
 }
+
+}  // namespace
+
+Bstr::Bstr(const char* text) : text_(Wide(text)) {}
 
 }  // namespace qv

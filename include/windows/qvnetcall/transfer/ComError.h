@@ -1,6 +1,6 @@
-// How a transfer component says that a call failed as such: in the system's own words, _com_error.
+// How a transfer component says that a call failed as such: with _com_error as the compiler's COM
+// support has it. It carries the HRESULT, and what the component says about the failure, its
+// interface included, when it is one that says anything.
 #pragma once
 
-#include <windows.h>
-// Behind it.
 #include <comdef.h>

@@ -1,5 +1,5 @@
 // Both components as a script; the two libraries are made of this one source.
-#include "Script.h"
+#include "../Script.h"
 #include "qvnetcall/transfer/QvCoCSC.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 
@@ -9,18 +9,9 @@ using Text = const char*;
 
 qv::test::Script script;
 
-std::string Shown(Text text) { return text; }
-std::string Shown(long number) { return std::to_string(number); }
-
 template <class... Args>
 HRESULT Call(Text method, long* out, Args... args) {
-  std::string call(method);
-  ((call += (call == method ? " " : ",") + Shown(args)), ...);
-  script.calls.push_back(call);
-  const HRESULT result = script.hresults[method];
-  // One that fails leaves something there that nobody may use.
-  if (out != nullptr) *out = result < 0 ? 666 : script.results[method];
-  return result;
+  return script.Call(method, out, args...);
 }
 
 // What both have alike.
@@ -43,11 +34,7 @@ class Scripted : public Interface {
   }
   HRESULT DeleteServerFile(Text a, long* out) override { return Call("DeleteServerFile", out, a); }
   HRESULT DeleteServerPath(Text a, long* out) override { return Call("DeleteServerPath", out, a); }
-  HRESULT IsOperatorFileSuc(Text a, long* out) override {
-    const auto answer = script.answers.find(a);
-    *out = answer != script.answers.end() ? answer->second : script.other_answer;
-    return Call("IsOperatorFileSuc", nullptr, a);
-  }
+  HRESULT IsOperatorFileSuc(Text a, long* out) override { return script.Ask(a, out); }
   void Release() override {
     --script.alive;
     delete this;

@@ -1,20 +1,16 @@
 #pragma once
 
-#include "Dispatch.h"
+#include "CoFtpTable.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 
 namespace qv {
 
-// The FTP component behind its COM interface. Ends with Release; throws only std::bad_alloc.
-class ComFtp final : public IQvCoFtp {
+// The FTP component as the queues know it. A text for which there is no memory fails its call with
+// E_OUTOFMEMORY.
+class CoFtpAdapter final : public IQvCoFtp {
  public:
   // Takes over the caller's reference.
-  explicit ComFtp(FtpDispatch* component) : component_(component) {}
-  ~ComFtp() = default;
-  ComFtp(const ComFtp&) = delete;
-  ComFtp& operator=(const ComFtp&) = delete;
-
-  [[nodiscard]] IUnknown* Component() const { return component_; }
+  explicit CoFtpAdapter(CoFtpObject* object) : component_(object) {}
 
   HRESULT FtpLogin(const char* host, short port, const char* user, const char* password,
                    long* result) override;
@@ -34,10 +30,14 @@ class ComFtp final : public IQvCoFtp {
   HRESULT GetLastResult(long* result) override;
   HRESULT SetTransModel1(long value) override;
   HRESULT SetTransModel2(long value) override;
-  void Release() override;
+  void Release() override { delete this; }
+
+  IUnknown* Unknown() const { return component_.Unknown(); }
 
  private:
-  FtpDispatch* const component_;
+  ~CoFtpAdapter() = default;
+
+  ComReference<CoFtpObject> component_;
 };
 
 }  // namespace qv

@@ -1,0 +1,89 @@
+// What the COM servers of both scripted components have alike.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include "../Script.h"
+
+namespace qv::test {
+
+// What each server says of itself.
+struct ServerClass {
+  CLSID id;
+  const char* key;  // where it is registered
+  IID interface_id;
+  IUnknown* (*make)();
+};
+extern const ServerClass kServerClass;
+
+extern Script script;
+
+// Notes that the interface was asked for, if anybody wants to know.
+void NoteQuestion(const IID& interface_id);
+// Leaves on the thread why a call failed.
+void Explain(const std::string& method);
+// Leaves in the environment, where it outlives the server, whether this was in an apartment.
+void NoteRelease();
+
+template <class... Args>
+HRESULT Heard(const char* method, long* out, Args... args) {
+  const HRESULT result = script.Call(method, out, args...);
+  if (result < 0) Explain(method);
+  return result;
+}
+
+inline HRESULT HeardQuestion(BSTR path, long* out) {
+  const HRESULT result = script.Ask(path, out);
+  if (result < 0) Explain("IsOperatorFileSuc");
+  return result;
+}
+
+// `Entries` are the table of the interface. The rest comes behind them, so that it moves none.
+template <class Entries>
+class Scripted final : public Entries, public ISupportErrorInfo {
+ public:
+  Scripted() { ++script.alive; }
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
+    NoteQuestion(id);
+    *out = nullptr;
+    if (id == IID_ISupportErrorInfo && !script.silent) {
+      *out = static_cast<ISupportErrorInfo*>(this);
+    } else if (id == IID_IUnknown || (id == kServerClass.interface_id && !script.absent)) {
+      *out = static_cast<IDispatch*>(this);
+    }
+    if (*out == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
+    return id == kServerClass.interface_id ? S_OK : S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                   UINT*) override {
+    return E_NOTIMPL;
+  }
+
+ private:
+  ~Scripted() {
+    --script.alive;
+    NoteRelease();
+  }
+
+  ULONG references_ = 1;
+};
+
+}  // namespace qv::test

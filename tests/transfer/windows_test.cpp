@@ -1,0 +1,152 @@
+// How components come from the registry, and what they are given.
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <filesystem>
+
+#include "ScriptedLibrary.h"
+#include "platform/Platform.h"
+#include "qvnetcall/RvoCloudStorage.h"
+#include "qvnetcall/RvoFtp.h"
+#include "tests/support/ModuleTest.h"
+#include "windows/Registration.h"
+
+namespace qv::test {
+namespace {
+
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+bool IsRegistered(const char* key) {
+  HKEY opened = nullptr;
+  if (::RegOpenKeyExA(HKEY_CLASSES_ROOT, key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
+  ::RegCloseKey(opened);
+  return true;
+}
+
+// Where the last component that ended did so.
+std::string Released() {
+  char value[16] = {};
+  ::GetEnvironmentVariableA(kReleaseVariable, value, sizeof value);
+  return value;
+}
+
+// A program that starts anew, in which nothing is loaded yet.
+class ComDeathTest : public ModuleTest {
+ protected:
+  ComDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+// Of a component's file by another name: registers it, and lets go of it.
+void Register(const fs::path& file) {
+  void* const library = platform::OpenLibrary(file.string());
+  using Function = HRESULT(STDAPICALLTYPE*)();
+  reinterpret_cast<Function>(platform::FindFunction(library, "DllRegisterServer"))();
+  platform::CloseLibrary(library);
+}
+
+class Com : public ModuleTest {
+ protected:
+  const ScriptedLibrary library_{"QvCoFtp"};
+  Script& script_ = library_.GetScript() = Script();
+};
+
+TEST_F(Com, FindsWhatIsRegisteredBeforeWhatIsBesideTheProgram) {
+  const fs::path elsewhere = folder_.Path() / "Elsewhere.dll";
+  fs::copy_file(platform::ProgramFolder() + "QvCoFtp.dll", elsewhere);
+  Register(elsewhere);
+  CRvoFtp ftp;
+  EXPECT_EQ(ftp.FtpLogout(), 0);
+  EXPECT_EQ(script_.factory_calls, 0);
+}
+
+TEST_F(Com, RegistersTheComponentBesideTheProgram) {
+  ::RegDeleteTreeA(HKEY_CLASSES_ROOT, kFtpKey);
+  CRvoFtp ftp;
+  EXPECT_EQ(ftp.FtpLogout(), 0);
+  EXPECT_TRUE(IsRegistered(kFtpKey));
+  EXPECT_EQ(script_.factory_calls, 1);
+}
+
+TEST_F(Com, RunsAnObjectBeforeItAsksForItsInterfaceAndEndsOneWithoutIt) {
+  script_.absent = true;
+  CRvoFtp ftp;
+  EXPECT_EQ(ftp.FtpLogout(), -100);
+  EXPECT_THAT(script_.questions, ElementsAre("running", "own", "running", "own"));
+  EXPECT_EQ(script_.alive, 0);
+}
+
+TEST_F(Com, GivesTextsFromTheCodePageOfTheSystem) {
+  const std::map<UINT, const char*> texts = {
+      {936, "\xD6\xD0"}, {1252, "\xE9"}, {CP_UTF8, "\xE4\xB8\xAD"}};
+  ASSERT_EQ(texts.count(::GetACP()), 1u) << ::GetACP();
+  const char* const shown = ::GetACP() == 1252 ? "\xC3\xA9" : "\xE4\xB8\xAD";
+  const std::string long_text(100000, 'x');
+  CRvoFtp ftp;
+  ftp.DeleteServerFile(texts.at(::GetACP()));
+  ftp.RenameServerFile("", long_text.c_str());
+  EXPECT_THAT(script_.calls, ElementsAre(std::string("DeleteServerFile ") + shown,
+                                         "RenameServerFile ," + long_text));
+}
+
+TEST_F(Com, SaysAboutFailuresWhatTheComponentSays) {
+  const auto failure = [&](bool silent) {
+    script_.silent = silent;
+    script_.hresults["FtpLogout"] = E_ACCESSDENIED;
+    CRvoFtp ftp;
+    try {
+      ftp.FtpLogout();
+    } catch (const _com_error& error) {
+      EXPECT_EQ(error.Error(), E_ACCESSDENIED);
+      return std::wstring(error.Description().length() > 0 ? error.Description().GetBSTR() : L"");
+    }
+    return std::wstring(L"no exception");
+  };
+  EXPECT_EQ(failure(false), L"FtpLogout");
+  EXPECT_EQ(failure(true), L"");  // although there is something on the thread
+}
+
+TEST_F(Com, EndsTheFtpComponentInsideItsApartment) {
+  { CRvoFtp().FtpLogout(); }
+  EXPECT_EQ(Released(), "inside");
+}
+
+// Beside the program there is no file that could have been loaded before.
+int LiveWithoutComponents() {
+  const fs::path file = platform::ProgramFolder() + "QvCoFtp.dll";
+  const fs::path away = platform::ProgramFolder() + "Away.dll";
+  fs::rename(file, away);
+  CRvoFtp ftp;
+  const long first = ftp.FtpLogout();
+  fs::rename(away, file);
+  const long second = ftp.FtpLogout();
+  CRvoCloudStorage cloud;
+  Register(platform::ProgramFolder() + "QvCoCSC.dll");
+  const bool as_it_should = first == -100 && second == 0 && cloud.FtpLogout() == -100 &&
+                            CRvoCloudStorage().FtpLogout() == 0;
+  return as_it_should ? 0 : 1;
+}
+
+TEST_F(ComDeathTest, ComponentsThatAreNotThere) {
+  { const ScriptedLibrary ftp("QvCoFtp"), cloud("QvCoCSC"); }  // leave nothing registered
+  EXPECT_EXIT(std::exit(LiveWithoutComponents()), testing::ExitedWithCode(0), "");
+  { const ScriptedLibrary ftp("QvCoFtp"), cloud("QvCoCSC"); }
+}
+
+// With COM's own hold on the file taken away beforehand, since not every system lets go of it when
+// the last apartment is left.
+int EndTheCloudComponent() {
+  {
+    const CRvoCloudStorage cloud;
+    ::FreeLibrary(::GetModuleHandleA("QvCoCSC.dll"));
+  }
+  return Released() == "outside" && ::GetModuleHandleA("QvCoCSC.dll") == nullptr ? 0 : 1;
+}
+
+TEST_F(ComDeathTest, TheCloudComponentEndsOutsideItsApartment) {
+  Register(platform::ProgramFolder() + "QvCoCSC.dll");
+  EXPECT_EXIT(std::exit(EndTheCloudComponent()), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace qv::test

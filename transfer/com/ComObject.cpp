@@ -1,0 +1,50 @@
+#include "ComObject.h"
+
+#include <comdef.h>
+
+namespace qv {
+
+namespace {
+
+// In this process, as a handler of another's, in another process, on another machine.
+constexpr DWORD kAnywhere =
+    CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
+static_assert(kAnywhere == 23);
+
+// What was said about the failure, which the caller releases; null when the interface says nothing,
+// since what lies on the thread is another's then.
+IErrorInfo* TakeErrorInfo(IUnknown* object, const IID& iid) {
+  void* found = nullptr;
+  if (FAILED(object->QueryInterface(IID_ISupportErrorInfo, &found))) return nullptr;
+  auto* const support = static_cast<ISupportErrorInfo*>(found);
+  const bool says = support->InterfaceSupportsErrorInfo(iid) == S_OK;
+  support->Release();
+  IErrorInfo* info = nullptr;
+  return says && ::GetErrorInfo(0, &info) == S_OK ? info : nullptr;
+}
+
+}  // namespace
+
+// An object that may live elsewhere has to run before it is asked for its interface.
+void* CreateComObject(const CLSID& class_id, const IID& iid) {
+  void* made = nullptr;
+  if (FAILED(::CoCreateInstance(class_id, nullptr, kAnywhere, IID_IUnknown, &made))) return nullptr;
+  auto* const unknown = static_cast<IUnknown*>(made);
+  void* object = nullptr;
+  if (FAILED(::OleRun(unknown)) || FAILED(unknown->QueryInterface(iid, &object))) object = nullptr;
+  unknown->Release();
+  return object;
+}
+
+HMODULE HoldModuleOf(const void* function) {
+  HMODULE module = nullptr;
+  ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, static_cast<LPCSTR>(function),
+                       &module);
+  return module;
+}
+
+void RaiseComErrorOf(HRESULT error, IUnknown* object, const IID& iid) {
+  throw _com_error(error, TakeErrorInfo(object, iid));
+}
+
+}  // namespace qv
