@@ -130,6 +130,7 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   ExecOptions exec;
   BatchOptions batch;
   CLI::App app("Talks to a design-management server from the command line.", "qvcall");
+  app.allow_windows_style_options(false);  // a slash begins paths, on every system
   app.fallthrough()->require_subcommand(1);
   app.footer(
       "Exit status: 0 success, 1 a failed call, 2 wrong usage.\n"

@@ -54,7 +54,7 @@ bool IsDatabaseName(std::string_view name) {
 
 Outcome DataFolder::Prepare() {
   for (const char* const below : {"db", kAnswers, kIncoming, kIds}) {
-    const std::string folder = (std::filesystem::path(path_) / below).string();
+    const std::string folder = platform::NarrowFromPath(platform::PathFromNarrow(path_) / below);
     if (!platform::CreatePrivateFolder(folder)) {
       return {ErrorCode::kNoDatabase, "cannot make the folder " + folder};
     }
@@ -67,7 +67,8 @@ Outcome DataFolder::Prepare() {
   if (Outcome locked = Lock(); !locked.Ok()) return locked;
   RemoveFilesIn(AnswerFolder());
   RemoveFilesIn(IncomingFolder());
-  const std::string settings = (std::filesystem::path(path_) / kSettingsFile).string();
+  const std::string settings =
+      platform::NarrowFromPath(platform::PathFromNarrow(path_) / kSettingsFile);
   if (Outcome read = ReadDatabaseSettings(settings, settings_); !read.Ok()) return read;
   if (Outcome made = MakeSamples(); !made.Ok()) return made;
   return OpenStores();
@@ -80,7 +81,7 @@ Outcome DataFolder::MakeSamples() const {
     if (Outcome made = MakeMissing(sample, DatabaseFile(sample.name)); !made.Ok()) return made;
   }
   if (Outcome made = MakeMissing(SampleDirectory(), DirectoryFile()); !made.Ok()) return made;
-  const std::string files = (std::filesystem::path(path_) / kFiles).string();
+  const std::string files = platform::NarrowFromPath(platform::PathFromNarrow(path_) / kFiles);
   std::error_code error;
   return std::filesystem::exists(platform::PathFromNarrow(files), error) ? Outcome{}
                                                                          : CreateSampleFiles(files);
@@ -98,7 +99,8 @@ Outcome DataFolder::OpenStores() {
 
 // Two servers would clear away each other's answers.
 Outcome DataFolder::Lock() {
-  const std::string file = (std::filesystem::path(path_) / "server.lock").string();
+  const std::string file =
+      platform::NarrowFromPath(platform::PathFromNarrow(path_) / "server.lock");
   // Made here, so that only its owner can read it; mostly it is there already.
   if (std::FILE* const made = platform::CreatePrivateFile(file, platform::Create::kNew)) {
     std::fclose(made);
@@ -151,19 +153,20 @@ const DatabaseSettings* DataFolder::SettingsOf(std::string_view name) const {
 }
 
 std::string DataFolder::AnswerFolder() const {
-  return (std::filesystem::path(path_) / kAnswers / "").string();
+  return platform::NarrowFromPath(platform::PathFromNarrow(path_) / kAnswers / "");
 }
 
 std::string DataFolder::IncomingFolder() const {
-  return (std::filesystem::path(path_) / kIncoming / "").string();
+  return platform::NarrowFromPath(platform::PathFromNarrow(path_) / kIncoming / "");
 }
 
 std::string DataFolder::DatabaseFile(std::string_view name) const {
-  return (std::filesystem::path(path_) / "db" / (std::string(name) + ".sqlite")).string();
+  return platform::NarrowFromPath(platform::PathFromNarrow(path_) / "db" /
+                                  (std::string(name) + ".sqlite"));
 }
 
 std::string DataFolder::DirectoryFile() const {
-  return (std::filesystem::path(path_) / "directory.sqlite").string();
+  return platform::NarrowFromPath(platform::PathFromNarrow(path_) / "directory.sqlite");
 }
 
 }  // namespace qv::standin

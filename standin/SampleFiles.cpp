@@ -37,11 +37,13 @@ constexpr std::array kPacked{
 };
 
 std::string Below(const std::string& folder, const char* path) {
-  return (std::filesystem::path(folder) / path).string();
+  return platform::NarrowFromPath(platform::PathFromNarrow(folder) /
+                                  platform::PathFromNarrow(path));
 }
 
 bool MakeFolderOf(const std::string& path) {
-  return platform::CreatePrivateFolder(std::filesystem::path(path).parent_path().string());
+  const std::filesystem::path above = platform::PathFromNarrow(path).parent_path();
+  return platform::CreatePrivateFolder(platform::NarrowFromPath(above));
 }
 
 bool WriteFile(const std::string& path, std::string_view text) {

@@ -9,6 +9,7 @@
 #include "HttpSession.h"
 #include "Secret.h"
 #include "Session.h"
+#include "platform/Platform.h"
 
 namespace qv::standin {
 
@@ -19,7 +20,7 @@ namespace asio = boost::asio;
 constexpr std::size_t kRemembered = 1000;
 
 std::string LogFileIn(const std::string& folder) {
-  return (std::filesystem::path(folder) / "server.log").string();
+  return platform::NarrowFromPath(platform::PathFromNarrow(folder) / "server.log");
 }
 
 // Some calls always go as they do over sockets, even to this port.

@@ -55,6 +55,7 @@ int main(int argc, char** argv) {
   std::string compress;
   bool verbose = false;
   CLI::App app("The stand-in server: answers the platform's commands on SQLite files in a folder");
+  app.allow_windows_style_options(false);
   app.add_option("--data", options.data_folder, "The folder of its data; made when missing")
       ->required();
   app.add_option("--listen", options.listen, "The address to listen on")->capture_default_str();

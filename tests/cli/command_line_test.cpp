@@ -10,6 +10,7 @@
 
 #include "cli/ReturnCodes.h"
 #include "tests/support/System.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -157,6 +158,8 @@ TEST_F(CommandLine, RefusesWrongUsage) {
 }
 
 TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
+  const qv::TempFolder folder;
+  const std::string some_file = folder.Write("some", "");
   const std::string long_name(256, 'n');
   const std::string long_folder = long_name.substr(2) + '/';
   const struct {
@@ -171,9 +174,9 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"--port", "7", "batch", "f"}, "--db is required"},
       {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "no offline work"},
       {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"}, "no offline work"},
-      {{"--port", "7", "--ca-file", "/dev/null", "ping"}, "--ca-file goes only with --web"},
-      {{"--web", "--port", "7", "--ca-file", "/dev/null", "ping"}, "https://"},
-      {{"--web", "--port", "7", "--server", "https://h", "--ca-file", "/dev/null", "ping"},
+      {{"--port", "7", "--ca-file", some_file.c_str(), "ping"}, "--ca-file goes only with --web"},
+      {{"--web", "--port", "7", "--ca-file", some_file.c_str(), "ping"}, "https://"},
+      {{"--web", "--port", "7", "--server", "https://h", "--ca-file", some_file.c_str(), "ping"},
        nullptr},
       {{"--web", "--port", "7", "--ca-file", "/no/such", "ping"}, "does not exist"},
       {{"--web", "--port", "7", "--server", "https://h", "batch", "f", "--db", "D"}, "encrypt"},
@@ -202,7 +205,7 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"ftp", "--host", "h:66000", "rm", "a"}, "1 to 65535"},
       {{"ftp", "--host", "h", "get", "a"}, "At least 2"},
       {{"ftp", "--host", "h", "get", "-r", "a", "."}, "-r"},
-      {{"ftp", "--host", "h", "rm", "a", "--ca-file", "/dev/null"}, nullptr},
+      {{"ftp", "--host", "h", "rm", "a", "--ca-file", some_file.c_str()}, nullptr},
       {{"ftp", "--host", "h", "rm", "a", "--web", "--port", "7"}, "--web does not go with"},
       {{"ftp", "--host", "h", "rm", "a", "--direct", "x=y"}, "leave it away"},
       {{"cloud", "--host", "h", "rm", "a"}, "--login is required"},

@@ -141,7 +141,7 @@ TEST_F(DirectAccess, WritesBinaryCellsToFiles) {
   Run("insert into T values (1, x'0001FF27'), (2, zeroblob(150000)), (3, x''), (4, null)");
   CRvoDbRes rows;
   Query("select B, Id from T order by Id", rows);
-  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / "图纸 design"));
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
   EXPECT_EQ(BytesOf(rows._str(0, 0).View().data()), std::string("\x00\x01\xFF'", 4));
   EXPECT_EQ(BytesOf(rows._str(1, 0).View().data()), std::string(150000, '\0'));
   EXPECT_THAT(rows._str(0, 0).View().data(), StartsWith((Blobs() / "qv_").string()));

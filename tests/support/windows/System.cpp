@@ -15,7 +15,8 @@ bool MakeLink(const std::filesystem::path& target, const std::filesystem::path& 
   const std::filesystem::path found = link.parent_path() / target;
   const DWORD kind = std::filesystem::is_directory(found) ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0;
   if (::CreateSymbolicLinkW(link.c_str(), target.c_str(), kind) == FALSE) return false;
-  return (::GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  const DWORD made = ::GetFileAttributesW(link.c_str());
+  return made != INVALID_FILE_ATTRIBUTES && (made & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
 // Pipes have names of their own, in no folder.
