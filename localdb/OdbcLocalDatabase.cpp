@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "CursorReader.h"
+#include "platform/ThreadEnd.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/framework/String.h"
 #include "resultset/ResultTable.h"
@@ -14,18 +15,23 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 
-// This thread's last failure.
 struct Failure {
   std::string database;
   std::string text;  // empty: there is none
 };
-thread_local Failure last_failure;
+
+// This thread's.
+Failure& LastFailure() {
+  thread_local Failure* failure = nullptr;
+  return platform::OfThisThread(failure);
+}
 
 std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
 void NoteUnknown(std::string_view database) {
-  if (!last_failure.text.empty() && last_failure.database == database) return;
-  last_failure = {std::string(database), "no connection is open"};
+  Failure& last = LastFailure();
+  if (!last.text.empty() && last.database == database) return;
+  last = {std::string(database), "no connection is open"};
 }
 
 // Moves to the first result that has columns, if there is one.
@@ -51,10 +57,10 @@ int OdbcLocalDatabase::Open(const char* database, const char* connection) {
   auto entry = std::make_shared<Entry>();
   entry->connection = odbc::Connection::Open(OrEmpty(connection), {}, diagnostics);
   if (entry->connection == nullptr) {
-    last_failure = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
+    LastFailure() = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
     return 0;
   }
-  last_failure = {};
+  LastFailure() = {};
   // The connection that is replaced goes behind the lock.
   const std::lock_guard lock(mutex_);
   std::swap(entries_[std::string(OrEmpty(database))], entry);
@@ -91,8 +97,8 @@ int OdbcLocalDatabase::Execute(const CString& sql, const char* database) {
 }
 
 std::string OdbcLocalDatabase::LastError() const {
-  if (last_failure.text.empty()) return {};
-  return last_failure.database + ": " + last_failure.text;
+  const Failure& last = LastFailure();
+  return last.text.empty() ? std::string() : last.database + ": " + last.text;
 }
 
 std::shared_ptr<OdbcLocalDatabase::Entry> OdbcLocalDatabase::Find(std::string_view database) {
@@ -112,8 +118,8 @@ int OdbcLocalDatabase::Run(const CString& sql, const char* database, const Work&
   const std::lock_guard lock(entry->mutex);
   odbc::Statement statement(*entry->connection);
   const bool done = statement.Execute(sql.View(), diagnostics) && work(statement, diagnostics);
-  last_failure = {};
-  if (!done) last_failure = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
+  LastFailure() = {};
+  if (!done) LastFailure() = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
   return done ? kDone : kFailed;
 }
 

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "platform/Platform.h"
+#include "platform/ThreadEnd.h"
 #include "qvnetcall/framework/File.h"
 #include "qvnetcall/framework/FileException.h"
 
@@ -72,8 +73,8 @@ bool FileText::Load(const char* path) try {
 }
 
 FileText& KeptFileText() {
-  thread_local FileText text;
-  return text;
+  thread_local FileText* text = nullptr;
+  return platform::OfThisThread(text);
 }
 
 }  // namespace qv

@@ -7,7 +7,9 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <thread>
 
+#include "platform/ThreadEnd.h"
 #include "tests/support/Shape.h"
 #include "tests/support/TempFolder.h"
 
@@ -114,6 +116,23 @@ TEST(Platform, KnowsWhereItIs) {
   // The library under test is part of this program.
   EXPECT_EQ(ProgramFolder(),
             std::filesystem::canonical(ModuleFile()).parent_path().string() + kSeparator);
+}
+
+TEST(Platform, EndsWhatAThreadHasWhenTheThreadEnds) {
+  std::string notes;
+  const auto note = [](void* what) { static_cast<std::string*>(what)->push_back('.'); };
+  const auto drop = [](void* what) { static_cast<std::string*>(what)->assign("last "); };
+  for (int i = 0; i < 2; ++i) {
+    std::thread([&] {
+      AtThreadEnd(note, &notes);
+      AtThreadEnd(drop, &notes);
+      thread_local std::string* kept = nullptr;
+      OfThisThread(kept) = std::string(1000, 'x');
+      EXPECT_EQ(OfThisThread(kept).size(), 1000U);
+    }).join();
+    EXPECT_EQ(notes, "last .");
+    notes.clear();
+  }
 }
 
 }  // namespace
