@@ -1,25 +1,44 @@
 #include "ScriptedServer.h"
 
+#include <boost/asio/post.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
+#include <vector>
 
 namespace qv {
 
 namespace asio = boost::asio;
 using asio::ip::tcp;
 
+template <class Start>
+bool ServerSide::Complete(Start start) {
+  boost::system::error_code result;
+  context_.restart();
+  start(result);
+  context_.run();  // and closes, when that was asked for meanwhile
+  return !result;
+}
+
 bool ServerSide::Read(WritableBytes bytes) {
-  boost::system::error_code error;
-  asio::read(socket_, asio::buffer(bytes.data(), bytes.size()), error);
-  return !error;
+  return Complete([&](auto& result) {
+    asio::async_read(socket_, asio::buffer(bytes.data(), bytes.size()),
+                     [&result](const auto& error, std::size_t) { result = error; });
+  });
 }
 
 bool ServerSide::Write(std::initializer_list<Bytes> pieces) {
-  boost::system::error_code error;
-  for (const Bytes piece : pieces) {
-    if (!error) asio::write(socket_, asio::buffer(piece.data(), piece.size()), error);
-  }
-  return !error;
+  std::vector<asio::const_buffer> buffers;
+  for (const Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
+  return Complete([&](auto& result) {
+    asio::async_write(socket_, buffers,
+                      [&result](const auto& error, std::size_t) { result = error; });
+  });
+}
+
+void ServerSide::WaitForEnd() {
+  Complete([&](auto& result) {
+    socket_.async_wait(tcp::socket::wait_error, [&result](const auto& error) { result = error; });
+  });
 }
 
 bool ServerSide::Receive(WholeFrame& request, const std::string& file_path) {
@@ -41,32 +60,41 @@ ScriptedServer::~ScriptedServer() {
   tcp::socket wake_up(context_);
   wake_up.connect(acceptor_.local_endpoint());
   listener_.join();
-  {
-    const std::lock_guard lock(mutex_);
-    boost::system::error_code ignored;
-    for (const auto& socket : sockets_) socket->shutdown(tcp::socket::shutdown_both, ignored);
+  for (Client& client : clients_) {
+    {
+      // For a script that waits for the socket in a way of its own.
+      const std::lock_guard lock(mutex_);
+      boost::system::error_code ignored;
+      client.socket.shutdown(tcp::socket::shutdown_both, ignored);
+    }
+    asio::post(client.context, [&client] {
+      boost::system::error_code ignored;
+      client.socket.close(ignored);
+    });
   }
-  for (std::thread& player : players_) player.join();
+  for (Client& client : clients_) client.player.join();
 }
 
 void ScriptedServer::Accept() {
   for (;;) {
-    auto socket = std::make_unique<tcp::socket>(acceptor_.accept());
-    if (stopping_) return;
+    Client& client = clients_.emplace_back();
+    acceptor_.accept(client.socket);
+    if (stopping_) {
+      clients_.pop_back();
+      return;
+    }
     ++connections_;
-    socket->set_option(tcp::no_delay(true));
-    const std::lock_guard lock(mutex_);
-    sockets_.push_back(std::move(socket));
-    players_.emplace_back([this, &played = *sockets_.back()] { Play(played); });
+    client.socket.set_option(tcp::no_delay(true));
+    client.player = std::thread([this, &client] { Play(client); });
   }
 }
 
-void ScriptedServer::Play(tcp::socket& socket) {
-  ServerSide side(socket);
+void ScriptedServer::Play(Client& client) {
+  ServerSide side(client.context, client.socket);
   script_(side);
   const std::lock_guard lock(mutex_);
   boost::system::error_code ignored;
-  socket.shutdown(tcp::socket::shutdown_both, ignored);
+  client.socket.close(ignored);  // who still sends is told, which a shutdown does not everywhere
   ++finished_;
   changed_.notify_all();
 }

@@ -6,11 +6,10 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <condition_variable>
 #include <functional>
-#include <memory>
+#include <list>
 #include <mutex>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "WholeFrame.h"
 
@@ -18,7 +17,9 @@ namespace qv {
 
 class ServerSide final : public ByteStream {
  public:
-  explicit ServerSide(boost::asio::ip::tcp::socket& socket) : socket_(socket) {}
+  // Runs `context`, which is the socket's, while it waits.
+  ServerSide(boost::asio::io_context& context, boost::asio::ip::tcp::socket& socket)
+      : context_(context), socket_(socket) {}
 
   bool Read(WritableBytes bytes) override;
   bool Write(std::initializer_list<Bytes> pieces) override;
@@ -26,10 +27,17 @@ class ServerSide final : public ByteStream {
   // False when the client is gone. A file of the request goes to `file_path`.
   bool Receive(WholeFrame& request, const std::string& file_path = "");
   bool Reply(const std::string& payload, OutgoingFile* file = nullptr);
+  // Returns when the client is gone, or the server ends.
+  void WaitForEnd();
 
   [[nodiscard]] boost::asio::ip::tcp::socket& Socket() { return socket_; }
 
  private:
+  // Starts an operation, which leaves its error in what it is given, and waits for it.
+  template <class Start>
+  bool Complete(Start start);
+
+  boost::asio::io_context& context_;
   boost::asio::ip::tcp::socket& socket_;
 };
 
@@ -52,8 +60,16 @@ class ScriptedServer {
   void WaitForFinished(int count);
 
  private:
+  // Has a context of its own, so that the thread that waits is the one that closes the socket: not
+  // every system wakes a thread whose socket another one shuts down.
+  struct Client {
+    boost::asio::io_context context{1};
+    boost::asio::ip::tcp::socket socket{context};
+    std::thread player;
+  };
+
   void Accept();
-  void Play(boost::asio::ip::tcp::socket& socket);
+  void Play(Client& client);
 
   Script script_;
   boost::asio::io_context context_;
@@ -63,8 +79,7 @@ class ScriptedServer {
   std::mutex mutex_;
   std::condition_variable changed_;
   int finished_ = 0;
-  std::vector<std::unique_ptr<boost::asio::ip::tcp::socket>> sockets_;
-  std::vector<std::thread> players_;
+  std::list<Client> clients_;
   std::thread listener_;
 };
 

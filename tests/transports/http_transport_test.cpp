@@ -221,10 +221,7 @@ TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
 TEST_F(HttpTransport, GivesUpWhoDoesNotAcceptAnswerOrTake) {
   const FullListener full;
   // Accepts, and is silent where TLS should begin, or stops reading in the middle of a request.
-  ScriptedServer deaf([](ServerSide& side) {
-    boost::system::error_code ended;
-    side.Socket().wait(boost::asio::ip::tcp::socket::wait_error, ended);
-  });
+  ScriptedServer deaf([](ServerSide& side) { side.WaitForEnd(); });
   ScriptedServer silent([](ServerSide& side) {
     for (HttpRequestSeen request; ReceiveHttp(side, request);) {
     }
