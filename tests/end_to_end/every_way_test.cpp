@@ -1,9 +1,11 @@
 // The same database calls over every way to a database: the socket, the web, and directly.
 #include <algorithm>
-#include <fstream>
+#include <cstdio>
 #include <memory>
 
 #include "EndToEnd.h"
+#include "platform/Folder.h"
+#include "platform/Platform.h"
 
 namespace qv {
 namespace {
@@ -15,10 +17,12 @@ class EveryWay : public EndToEnd, public testing::WithParamInterface<Way> {
   EveryWay() {
     const std::filesystem::path data = folder_.Path() / "data";
     std::filesystem::create_directory(data);
-    const std::string database = (data / "db/DESIGNDB.sqlite").string();
-    std::ofstream(data / "databases.json")
-        << R"({"DESIGNDB": {"connection_text": "Driver=SQLite3;Database=)" + database + R"("}})";
-    std::filesystem::permissions(data / "databases.json", std::filesystem::perms::owner_read);
+    const std::string database = (data / "db/DESIGNDB.sqlite").generic_string();
+    const std::string settings =
+        R"({"DESIGNDB": {"connection_text": "Driver=SQLite3;Database=)" + database + R"("}})";
+    const platform::FilePtr file(
+        platform::CreatePrivateFile((data / "databases.json").string(), platform::Create::kNew));
+    std::fputs(settings.c_str(), file.get());
     StandInOptions options = Options();
     options.http_port = 0;
     options.memory_threshold = 20'000;
