@@ -20,9 +20,9 @@ class EveryWay : public EndToEnd, public testing::WithParamInterface<Way> {
     const std::string database = (data / "db/DESIGNDB.sqlite").generic_string();
     const std::string settings =
         R"({"DESIGNDB": {"connection_text": "Driver=SQLite3;Database=)" + database + R"("}})";
-    const platform::FilePtr file(
-        platform::CreatePrivateFile((data / "databases.json").string(), platform::Create::kNew));
-    std::fputs(settings.c_str(), file.get());
+    const std::string file = (data / "databases.json").string();
+    std::fputs(settings.c_str(),
+               platform::FilePtr(platform::CreatePrivateFile(file, platform::Create::kNew)).get());
     StandInOptions options = Options();
     options.http_port = 0;
     options.memory_threshold = 20'000;
