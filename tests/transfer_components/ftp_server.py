@@ -4,6 +4,7 @@ Its user is "tester" with the password "pass; word". It can cut connections and 
 command, and how many bytes each data connection moved, to a log.
 """
 import argparse
+import logging
 
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import DTPHandler, FTPHandler, TLS_DTPHandler, TLS_FTPHandler
@@ -22,6 +23,7 @@ arguments.add_argument("--stubborn", action="store_true", help="no new names at 
 arguments.add_argument("--deaf", action="store_true", help="promises to begin where it is told to, and does not")
 arguments.add_argument("--forged-size", type=int, help="what it says of every file's size")
 options = arguments.parse_args()
+logging.basicConfig(level=logging.WARNING)
 log = open(options.log, "a", encoding="utf-8", buffering=1)
 
 
