@@ -4,7 +4,7 @@
 
 #include "FtpStore.h"
 #include "qvnetcall/transfer/Extensions.h"
-#include "transfer/curl/TransferDesk.h"
+#include "transfer/curl/DeskComponent.h"
 #include "transports/exchange/ParameterSet.h"
 
 namespace qv {
@@ -24,7 +24,7 @@ ParameterSet<TransferSettings>& SharedParameters() {
   return *parameters;
 }
 
-class FtpComponent final : public IQvCoFtp {
+class FtpComponent final : public DeskComponent<IQvCoFtp> {
  public:
   FtpComponent() : store_(SharedParameters().Snapshot()) { desk_.Use(&store_); }
 
@@ -60,40 +60,11 @@ class FtpComponent final : public IQvCoFtp {
     });
   }
 
-  HRESULT AddUploadFile(const char* first, const char* second) override {
-    return Guarded([&] { desk_.Add(TransferKind::kUpload, first, second); });
-  }
   HRESULT UploadFile(long option, long* count) override {
-    return Guarded([&] { *count = desk_.Run(TransferKind::kUpload, option); });
-  }
-  HRESULT AddDownloadFile(const char* first, const char* second) override {
-    return Guarded([&] { desk_.Add(TransferKind::kDownload, first, second); });
+    return Run(TransferKind::kUpload, option, count);
   }
   HRESULT DownloadFile(long, long option, long* count) override {
-    return Guarded([&] { *count = desk_.Run(TransferKind::kDownload, option); });
-  }
-  HRESULT AddCopyServerFile(const char* first, const char* second) override {
-    return Guarded([&] { desk_.Add(TransferKind::kCopy, first, second); });
-  }
-  HRESULT CopyServerFile(long option, long* count) override {
-    return Guarded([&] { *count = desk_.Run(TransferKind::kCopy, option); });
-  }
-  HRESULT GetLastResult(long* result) override {
-    *result = desk_.LastResult();
-    return 0;
-  }
-  HRESULT IsOperatorFileSuc(const char* path, long* result) override {
-    return Guarded([&] { *result = desk_.HasSucceeded(path); });
-  }
-
-  HRESULT RenameServerFile(const char* old_path, const char* new_path, long* result) override {
-    return Guarded([&] { *result = desk_.Rename(old_path, new_path); });
-  }
-  HRESULT DeleteServerFile(const char* path, long* result) override {
-    return Guarded([&] { *result = desk_.DeleteFile(path); });
-  }
-  HRESULT DeleteServerPath(const char* path, long* result) override {
-    return Guarded([&] { *result = desk_.DeleteFolder(path); });
+    return Run(TransferKind::kDownload, option, count);
   }
 
   HRESULT SetTransModel1(long value) override {
@@ -105,10 +76,8 @@ class FtpComponent final : public IQvCoFtp {
     return 0;
   }
 
-  void Release() override { delete this; }
-
  private:
-  ~FtpComponent() = default;
+  TransferDesk& Desk() override { return desk_; }
 
   FtpStore store_;
   // After the store, which it uses to the end.

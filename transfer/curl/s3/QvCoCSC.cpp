@@ -8,7 +8,7 @@
 #include "S3Endpoint.h"
 #include "S3Store.h"
 #include "qvnetcall/transfer/Extensions.h"
-#include "transfer/curl/TransferDesk.h"
+#include "transfer/curl/DeskComponent.h"
 
 namespace qv {
 
@@ -23,10 +23,8 @@ CloudParameters& Parameters() {
   return *parameters;
 }
 
-class CloudComponent final : public IQvCoCSC {
+class CloudComponent final : public DeskComponent<IQvCoCSC> {
  public:
-  virtual ~CloudComponent() = default;
-
   HRESULT FtpLogin(const char* host, short port, const char* user, const char* password, long extra,
                    long* result) override {
     return Guarded([&] { *result = LogIn(host, port, user, password, extra); });
@@ -38,48 +36,18 @@ class CloudComponent final : public IQvCoCSC {
     });
   }
 
-  HRESULT AddUploadFile(const char* first, const char* second) override {
-    return Guarded([&] { desk_.Add(TransferKind::kUpload, first, second); });
-  }
   HRESULT UploadFile(long option, long, long* count) override {
-    return Guarded([&] { *count = desk_.Run(TransferKind::kUpload, option); });
-  }
-  HRESULT AddDownloadFile(const char* first, const char* second) override {
-    return Guarded([&] { desk_.Add(TransferKind::kDownload, first, second); });
+    return Run(TransferKind::kUpload, option, count);
   }
   HRESULT DownloadFile(long, long option, long, long* count) override {
-    return Guarded([&] { *count = desk_.Run(TransferKind::kDownload, option); });
+    return Run(TransferKind::kDownload, option, count);
   }
-  HRESULT AddCopyServerFile(const char* first, const char* second) override {
-    return Guarded([&] { desk_.Add(TransferKind::kCopy, first, second); });
-  }
-  HRESULT CopyServerFile(long option, long* count) override {
-    return Guarded([&] { *count = desk_.Run(TransferKind::kCopy, option); });
-  }
-  HRESULT IsOperatorFileSuc(const char* path, long* result) override {
-    return Guarded([&] { *result = desk_.HasSucceeded(path); });
-  }
-  HRESULT GetLastResult(long* result) override {
-    *result = desk_.LastResult();
-    return 0;
-  }
-
-  HRESULT RenameServerFile(const char* old_path, const char* new_path, long* result) override {
-    return Guarded([&] { *result = desk_.Rename(old_path, new_path); });
-  }
-  HRESULT DeleteServerFile(const char* path, long* result) override {
-    return Guarded([&] { *result = desk_.DeleteFile(path); });
-  }
-  HRESULT DeleteServerPath(const char* path, long* result) override {
-    return Guarded([&] { *result = desk_.DeleteFolder(path); });
-  }
-
-  void Release() override { delete this; }
 
  private:
   QvTransferResult LogIn(const char* host, short port, const char* user, const char* password,
                          long extra);
   void Leave();
+  TransferDesk& Desk() override { return desk_; }
 
   const TransferSettings settings_ = Parameters().Snapshot();
   // Outlives the desk, which cleans up there.
