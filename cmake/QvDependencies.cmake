@@ -10,6 +10,10 @@ if(WIN32)
   # Its sockets are the system's.
   target_link_libraries(Boost::headers INTERFACE ws2_32 mswsock)
 endif()
+if(MINGW)
+  # Asio would go by what was included before it, and so differ from one source to the next within one program.
+  target_compile_definitions(Boost::headers INTERFACE BOOST_ASIO_HAS_PTHREADS=1)
+endif()
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(fmt REQUIRED)
