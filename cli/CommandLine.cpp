@@ -41,7 +41,7 @@ void AddServer(CLI::App& app, Connection& connection) {
   app.add_option("--ca-file", connection.ca_file,
                  "Authorities whose certificates are good for https:// and ftpes://, as PEM; the "
                  "system's without it")
-      ->check(CLI::ExistingFile);
+      ->check(ReadableFile());
   app.add_option("--timeout-ms", connection.timeout_ms,
                  "Longest time to connect, and to wait without progress, in milliseconds")
       ->check(CLI::Range(1, kLongestTimeout));

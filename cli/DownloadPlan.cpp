@@ -1,7 +1,5 @@
-#include <filesystem>
-#include <system_error>
-
 #include "DisplayWidth.h"
+#include "LocalFiles.h"
 #include "ServerPath.h"
 #include "StoreListing.h"
 #include "TransferPlan.h"
@@ -9,8 +7,6 @@
 
 namespace qv {
 namespace {
-
-namespace fs = std::filesystem;
 
 // Files and folders; a server may go on for ever.
 constexpr std::size_t kMostEntries = 1'000'000;
@@ -22,12 +18,12 @@ class DownloadPlan {
  public:
   DownloadPlan(bool recursive, TransferReport& report) : recursive_(recursive), report_(report) {}
 
-  void Add(const std::string& server, const fs::path& local_folder) {
+  void Add(const std::string& server, const std::string& local_folder) {
     if (server.empty()) return AddInside(server, local_folder, false);
     const std::string name(LastPart(server));
     if (!CanBeTaken(server, name)) return;
     if (const auto file = FindFile(server)) {
-      AddFile(server, local_folder / name, file->size);
+      AddFile(server, JoinLocal(local_folder, name), file->size);
     } else if (CRvoServer::GetIsNetworkBad(1) == 1) {
       report_.Fail(server, Call::kDownload, kNotReached);
     } else if (const auto folder = FindFolder(server); !folder) {
@@ -35,7 +31,7 @@ class DownloadPlan {
     } else if (!recursive_) {
       report_.Fail(server, "is a folder, which is only fetched with -r");
     } else {
-      AddFolder(server, local_folder / name, folder->has_folders);
+      AddFolder(server, JoinLocal(local_folder, name), folder->has_folders);
     }
   }
 
@@ -49,7 +45,7 @@ class DownloadPlan {
       }
       return false;
     }
-    if (!IsPlainName(name)) {
+    if (!IsLocalName(name)) {
       report_.Fail(server, "has a name that no file shall have here");
       return false;
     }
@@ -60,24 +56,22 @@ class DownloadPlan {
     return true;
   }
 
-  void AddFile(const std::string& server, const fs::path& local, std::uint64_t bytes) {
-    files_.push_back({local.string(), server, bytes});
+  void AddFile(const std::string& server, const std::string& local, std::uint64_t bytes) {
+    files_.push_back({local, server, bytes});
   }
 
   // A link would lead out of the folder that the user gave.
-  void AddFolder(const std::string& server, const fs::path& local, bool has_folders) {
-    std::error_code error;
-    if (!fs::create_directory(local, error) &&
-        !fs::is_directory(fs::symlink_status(local, error))) {
-      return report_.Fail(server, "there is no place for a folder at " + Visible(local.string()));
+  void AddFolder(const std::string& server, const std::string& local, bool has_folders) {
+    if (!MakeLocalFolder(local) && (KindOf(local) != LocalKind::kFolder || IsLinkToFolder(local))) {
+      return report_.Fail(server, "there is no place for a folder at " + Visible(local));
     }
     AddInside(server, local, has_folders);
   }
 
-  void AddInside(const std::string& server, const fs::path& local, bool has_folders) {
+  void AddInside(const std::string& server, const std::string& local, bool has_folders) {
     const bool is_whole = ForEachFile(server, kEveryFile, [&](const ServerFile& file) {
       const std::string path = JoinServerPath(server, file.name);
-      if (CanBeTaken(path, file.name)) AddFile(path, local / file.name, file.size);
+      if (CanBeTaken(path, file.name)) AddFile(path, JoinLocal(local, file.name), file.size);
       return entries_ <= kMostEntries;
     });
     const auto [folders, has_all_folders] = FoldersIn(server);
@@ -88,7 +82,8 @@ class DownloadPlan {
     }
     for (const ServerFolder& folder : folders) {
       const std::string path = JoinServerPath(server, folder.name);
-      if (CanBeTaken(path, folder.name)) AddFolder(path, local / folder.name, folder.has_folders);
+      if (CanBeTaken(path, folder.name))
+        AddFolder(path, JoinLocal(local, folder.name), folder.has_folders);
       if (entries_ > kMostEntries) return;
     }
   }

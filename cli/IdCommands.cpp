@@ -2,7 +2,6 @@
 
 #include <fmt/ostream.h>
 
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -11,8 +10,8 @@
 #include "Columns.h"
 #include "DisplayWidth.h"
 #include "FileChecksum.h"
+#include "LocalFiles.h"
 #include "PartFolder.h"
-#include "ServerPath.h"
 #include "Session.h"
 #include "TransferProgress.h"
 #include "TransferReport.h"
@@ -20,8 +19,6 @@
 
 namespace qv {
 namespace {
-
-namespace fs = std::filesystem;
 
 struct ServerChecksum {
   CString text;
@@ -49,17 +46,10 @@ std::optional<std::string> Compare(const std::string& local, const NumberedFile&
 }
 
 // Where a file goes for which the user named a file, or a folder that is there.
-fs::path PlaceOf(const GetById& command) {
-  const fs::path local(command.local);
-  std::error_code error;
-  const bool is_folder = fs::is_directory(local, error) && IsPlainName(command.file.name);
-  return is_folder ? local / command.file.name : local;
-}
-
-std::uint64_t SizeOf(const fs::path& file) {
-  std::error_code error;
-  const std::uintmax_t bytes = fs::file_size(file, error);
-  return error ? 0 : bytes;
+std::string PlaceOf(const GetById& command) {
+  const bool is_folder =
+      KindOf(command.local) == LocalKind::kFolder && IsLocalName(command.file.name);
+  return is_folder ? JoinLocal(command.local, command.file.name) : command.local;
 }
 
 // Gives the remark on the checksum; none when it failed, which the report was told.
@@ -115,8 +105,7 @@ int Run(const Connection& connection, const PutById& command, std::ostream& /*ou
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   TransferReport report(session, err);
-  std::error_code error;
-  if (!fs::is_regular_file(command.local, error) || !std::ifstream(command.local) ||
+  if (KindOf(command.local) != LocalKind::kFile || !std::ifstream(command.local) ||
       command.local.size() > kLongestLocalPath) {
     report.Fail(command.local, "is no file that can be read");
     return report.Finish();
@@ -147,8 +136,7 @@ int Run(const Connection& connection, const GetById& command, std::ostream& /*ou
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
-  const fs::path folder = PlaceOf(command).parent_path();
-  PartFolder parts(folder.empty() ? "." : folder);
+  PartFolder parts(LocalFolderOf(PlaceOf(command)));
   TransferReport report(session, err);
   TransferProgress progress(err, [&parts] { parts.Remove(); });
   if (!parts.Make()) {

@@ -3,6 +3,8 @@
 #include <CLI/Validators.hpp>
 #include <string>
 
+#include "LocalFiles.h"
+
 namespace qv {
 
 inline CLI::Validator NotEmpty() {
@@ -10,6 +12,16 @@ inline CLI::Validator NotEmpty() {
             return text.empty() ? std::string("must not be empty") : std::string();
           },
           ""};
+}
+
+// Not the parser's own check, which takes narrow text for another encoding on some systems.
+inline CLI::Validator ReadableFile() {
+  return {[](const std::string& path) {
+            return KindOf(path) == LocalKind::kNone || KindOf(path) == LocalKind::kFolder
+                       ? "File does not exist: " + path
+                       : std::string();
+          },
+          "FILE"};
 }
 
 }  // namespace qv

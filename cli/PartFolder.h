@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <mutex>
 #include <string>
 
@@ -12,7 +11,7 @@ class PartFolder {
  public:
   // Of a name in `folder` that nothing else has. It is not there before Make(), so that whoever
   // removes it at an interrupt can be ready by then.
-  explicit PartFolder(const std::filesystem::path& folder);
+  explicit PartFolder(const std::string& folder);
   ~PartFolder() { Remove(); }
   PartFolder(const PartFolder&) = delete;
   PartFolder& operator=(const PartFolder&) = delete;
@@ -25,15 +24,15 @@ class PartFolder {
   [[nodiscard]] const std::string& File() const { return file_; }
   // Gives that file its place, in which a file may stand, with the permissions that new files get
   // here. The reason when it cannot be, else empty.
-  [[nodiscard]] std::string MoveTo(const std::filesystem::path& place) const;
+  [[nodiscard]] std::string MoveTo(const std::string& place) const;
   // Removes the folder with what is in it, for good. Any thread, also while a file is written
   // there.
   void Remove();
 
  private:
-  const std::filesystem::path folder_;
+  const std::string folder_;
   const std::string file_;
-  std::filesystem::perms usual_ = std::filesystem::perms::unknown;
+  const std::string usual_;  // a file as any program makes them here
 
   std::mutex mutex_;  // of what follows
   bool is_made_ = false;

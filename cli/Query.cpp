@@ -10,6 +10,7 @@
 #include "CacheFolder.h"
 #include "Session.h"
 #include "SqlInput.h"
+#include "SystemPlaces.h"
 #include "qvnetcall/QvNetCall4.h"
 
 namespace qv {
@@ -59,9 +60,7 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
   std::optional<std::string> folder = options.cache_folder;
   if (folder->empty()) folder = DefaultCacheFolder();
   if (!folder) {
-    fmt::print(err,
-               "qvcall: neither XDG_CACHE_HOME nor HOME names a place for the cache; give "
-               "--cache a folder\n");
+    fmt::print(err, "qvcall: {} a place for the cache; give --cache a folder\n", NoCachesOfUser());
     return false;
   }
   if (CRvoServer::SetCachePath(folder->c_str()) != 1) {

@@ -3,11 +3,10 @@
 #include <fmt/ostream.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "DisplayWidth.h"
+#include "LocalFiles.h"
 #include "Password.h"
 #include "QueueClient.h"
 #include "QueuePlan.h"
@@ -55,8 +54,7 @@ class QueueWork {
   }
 
   int operator()(const QueueGet& command) {
-    std::error_code error;
-    if (!std::filesystem::is_directory(command.local_folder, error)) {
+    if (KindOf(command.local_folder) != LocalKind::kFolder) {
       fmt::print(err_, "qvcall: {} is no folder\n", Visible(command.local_folder));
       return kFailed;
     }

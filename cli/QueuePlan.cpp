@@ -1,15 +1,12 @@
 #include "QueuePlan.h"
 
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
+#include "LocalFiles.h"
 #include "ServerPath.h"
 
 namespace qv {
 namespace {
-
-namespace fs = std::filesystem;
 
 // What every server takes at least, and more than a key of a cloud store may have.
 constexpr std::size_t kLongestPath = 1024;
@@ -45,10 +42,10 @@ std::vector<FileTransfer> PlanQueue(const QueueGet& command, TransferReport& rep
     const std::string_view name = NameIn(path);
     if (name.empty()) {
       report.Fail(path, "is a folder; only files can be fetched, each by its path");
-    } else if (!IsPlainName(name)) {
+    } else if (!IsLocalName(name)) {
       report.Fail(path, "has a name that no file shall have here");
     } else {
-      files.push_back({(fs::path(command.local_folder) / name).string(), path, 0});
+      files.push_back({JoinLocal(command.local_folder, name), path, 0});
     }
   }
   return WithoutDoubles(std::move(files), &FileTransfer::server, &FileTransfer::local, report);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "SystemPlaces.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv {
@@ -21,8 +22,6 @@ constexpr std::string_view kTryAgain =
 
 constexpr Entry kEntries[] = {
     {QvTransfer_Success, "the call succeeded", "", ""},
-    {kNoComponent, "no component", "libQvCoFtp.so is missing beside qvcall",
-     "libQvCoCSC.so is missing beside qvcall"},
     {QvTransfer_NotLoggedIn, "there is no login", "check --host, --login and the password",
      "check --host, --login and the secret key"},
     {QvTransfer_BadArgument, "the host or a path cannot be one",
@@ -63,6 +62,7 @@ constexpr std::string_view kOtherAdvice =
 
 ReturnCode ExplainTransfer(Service service, long result) {
   const auto code = static_cast<int>(result);
+  if (result == kNoComponent) return {code, "no component", AdviceOnMissing(service)};
   const auto* found = std::find_if(std::begin(kEntries), std::end(kEntries),
                                    [=](const Entry& entry) { return entry.result == result; });
   if (found == std::end(kEntries)) return {code, kOther, kOtherAdvice};

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "LocalFiles.h"
 #include "ServerPath.h"
 
 namespace qv {
@@ -202,7 +203,7 @@ class StoreCommandLine {
   template <class Command>
   static void LocalIsNamed(Command& given) {
     if (!given.local.empty()) return;
-    if (!IsPlainName(given.file.name)) {
+    if (!IsLocalName(given.file.name)) {
       throw CLI::ValidationError("LOCAL", "is needed, since NAME cannot be that of a local file");
     }
     given.local = given.file.name;

@@ -2,7 +2,6 @@
 
 #include <fmt/ostream.h>
 
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>

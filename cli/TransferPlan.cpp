@@ -2,6 +2,8 @@
 
 #include <unordered_set>
 
+#include "LocalPath.h"
+
 namespace qv {
 
 std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
@@ -9,7 +11,8 @@ std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
                                          std::string FileTransfer::*place, TransferReport& report) {
   std::unordered_set<std::string> taken;
   std::erase_if(files, [&](const FileTransfer& file) {
-    if (taken.insert(file.*place).second) return false;
+    const std::string& path = file.*place;
+    if (taken.insert(place == &FileTransfer::local ? PathKey(path) : path).second) return false;
     report.Fail(file.*source, "would replace a file before it, and is left out");
     return true;
   });

@@ -1,7 +1,4 @@
-#include <algorithm>
-#include <filesystem>
-#include <system_error>
-
+#include "LocalFiles.h"
 #include "PartFolder.h"
 #include "ServerPath.h"
 #include "StoreListing.h"
@@ -11,66 +8,53 @@
 namespace qv {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int kNotReached = -1;
 
-// What a path ends with once it is clear where it leads, as it is not for "..".
-std::string NameOf(const fs::path& local) {
-  std::error_code error;
-  fs::path whole = fs::absolute(local, error).lexically_normal();
-  if (!whole.has_filename()) whole = whole.parent_path();
-  return whole.filename().string();
-}
+// Another name would be sent, or one with wildcards.
+constexpr std::string_view kUnsayable =
+    "has a name with characters that the system's code page lacks; give it another name";
 
 class UploadPlan {
  public:
   UploadPlan(const UploadTarget& target, bool recursive, TransferReport& report)
       : target_(target), recursive_(recursive), report_(report) {}
 
-  void Add(const fs::path& local, const std::string& server_folder) {
-    const std::string name = NameOf(local);
-    const std::string server = target_.join(server_folder, name);
-    if (!IsPlainName(name)) {
-      report_.Fail(local.string(), "has a name that the server cannot take");
-    } else if (server.size() > target_.longest_path ||
-               local.string().size() > target_.longest_local_path) {
-      report_.Fail(local.string(), "has too long a path");
-    } else {
-      AddNamed(local, server);
+  void Add(const std::string& local, const std::string& server_folder) {
+    const std::optional<std::string> name = LocalNameOf(local);
+    if (!name) return report_.Fail(local, kUnsayable);
+    if (!IsPlainName(*name)) return report_.Fail(local, "has a name that the server cannot take");
+    const std::string server = target_.join(server_folder, *name);
+    if (server.size() > target_.longest_path || local.size() > target_.longest_local_path) {
+      return report_.Fail(local, "has too long a path");
     }
+    AddNamed(local, server);
   }
 
   std::vector<FileTransfer> Taken() { return std::move(files_); }
 
  private:
-  void AddNamed(const fs::path& local, const std::string& server) {
-    std::error_code error;
-    const fs::file_status status = fs::status(local, error);
-    if (fs::is_regular_file(status)) {
-      const std::uintmax_t bytes = fs::file_size(local, error);
-      files_.push_back({local.string(), server, error ? 0 : bytes});
-    } else if (!fs::is_directory(status)) {
-      report_.Fail(local.string(),
-                   fs::exists(status) ? "is no file that can be sent" : "there is no such file");
+  void AddNamed(const std::string& local, const std::string& server) {
+    const LocalKind kind = KindOf(local);
+    if (kind == LocalKind::kFile) {
+      files_.push_back({local, server, SizeOf(local)});
+    } else if (kind == LocalKind::kNone) {
+      report_.Fail(local, "there is no such file");
+    } else if (kind == LocalKind::kOther) {
+      report_.Fail(local, "is no file that can be sent");
     } else if (!recursive_) {
-      report_.Fail(local.string(), "is a folder, which is only sent with -r");
-    } else if (target_.make_folder(local.string(), server)) {
+      report_.Fail(local, "is a folder, which is only sent with -r");
+    } else if (target_.make_folder(local, server)) {
       AddInside(local, server);
     }
   }
 
-  void AddInside(const fs::path& local, const std::string& server) {
-    std::error_code error;
-    std::vector<fs::path> entries;
-    for (fs::directory_iterator at(local, error), end; !error && at != end; at.increment(error)) {
-      entries.push_back(at->path());
-    }
-    if (error) report_.Fail(local.string(), error.message());
-    std::sort(entries.begin(), entries.end());
-    for (const fs::path& entry : entries) {
-      if (fs::is_symlink(entry, error) && fs::is_directory(entry, error)) {
-        report_.Fail(entry.string(), "is a link to a folder and is left out");
+  void AddInside(const std::string& local, const std::string& server) {
+    const LocalEntries entries = EntriesOf(local);
+    if (!entries.error.empty()) report_.Fail(local, entries.error);
+    for (const std::string& nearest : entries.nameless) report_.Fail(nearest, kUnsayable);
+    for (const std::string& entry : entries.paths) {
+      if (IsLinkToFolder(entry)) {
+        report_.Fail(entry, "is a link to a folder and is left out");
       } else {
         Add(entry, server);
       }

@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <exception>
 #include <iostream>
@@ -15,6 +14,7 @@
 #include "cli/Ping.h"
 #include "cli/Query.h"
 #include "cli/QueueCommands.h"
+#include "cli/Startup.h"
 #include "cli/TransferCommands.h"
 
 namespace {
@@ -51,15 +51,11 @@ int AfterFlush(int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-#ifdef SIGPIPE
-  // A reader that went away shall be a failed write, so that the tool ends in order.
-  std::signal(SIGPIPE, SIG_IGN);
-#endif
-#ifdef SIGXFSZ
-  // And so shall a limit on the size of files.
-  std::signal(SIGXFSZ, SIG_IGN);
-#endif
-  std::ios::sync_with_stdio(false);
+  const qv::Startup startup;
+  if (!qv::Startup::HasWholeArguments()) {
+    std::cerr << "qvcall: an argument has characters that the system's code page lacks\n";
+    return qv::kUsage;
+  }
   try {
     return AfterFlush(Run(argc, argv));
   } catch (const std::exception& error) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "cli/InterruptWatch.h"
+#include "cli/windows/WideText.h"
 
 namespace qv {
 namespace {
@@ -31,13 +32,14 @@ class SilentConsole {
   }
   [[nodiscard]] bool IsOpen() const { return is_open_; }
   std::optional<std::string> ReadLine() const {
-    std::string line;
+    // Not as narrow text, which is in a code page of the console's own.
+    std::wstring line;
     DWORD read = 0;
-    for (char ch = 0; ::ReadConsoleA(input_, &ch, 1, &read, nullptr) != FALSE && read == 1;
+    for (wchar_t ch = 0; ::ReadConsoleW(input_, &ch, 1, &read, nullptr) != FALSE && read == 1;
          line += ch) {
-      if (ch != '\n') continue;
-      if (!line.empty() && line.back() == '\r') line.pop_back();
-      return line;
+      if (ch != L'\n') continue;
+      if (!line.empty() && line.back() == L'\r') line.pop_back();
+      return NarrowFromWide(line);
     }
     return std::nullopt;
   }

@@ -1,0 +1,19 @@
+// Between narrow text, which is in the code page of the process, and the system's own.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qv {
+
+// None when that is no text of the code page.
+[[nodiscard]] std::optional<std::wstring> WideFromNarrow(std::string_view text);
+
+// What is nearest to it in the code page: other characters stand for those that it lacks.
+[[nodiscard]] std::string NearestNarrow(std::wstring_view text);
+
+// None when the code page lacks any of it.
+[[nodiscard]] std::optional<std::string> NarrowFromWide(std::wstring_view text);
+
+}  // namespace qv
