@@ -6,12 +6,11 @@
 #include <iterator>
 #include <span>
 
+#include "NarrowText.h"
 #include "WidthRanges.h"
 
 namespace qv {
 namespace {
-
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 bool IsIn(std::span<const CharRange> ranges, char32_t character) {
   const auto next =
@@ -99,9 +98,9 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
     text.remove_prefix(plain);
     if (text.empty()) break;
 
-    const DecodedChar next = DecodeUtf8(text);
+    const DecodedChar next = DecodeNarrow(text);
     if (!next.valid) {
-      line += kReplacement;
+      line += NoCharacter();
       cells += 1;
     } else if (IsHidden(next.value)) {
       cells += AppendSpeltOut(next.value, line);
@@ -126,7 +125,7 @@ std::string VisibleStart(std::string_view text, std::size_t cells) {
   if (AppendVisible(text, whole) <= cells) return whole;
   std::string start;
   for (std::size_t left = cells - kCut.size();;) {
-    const std::string_view next = text.substr(0, DecodeUtf8(text).bytes);
+    const std::string_view next = text.substr(0, DecodeNarrow(text).bytes);
     std::string shown;
     const std::size_t taken = AppendVisible(next, shown);
     if (taken > left) return start.append(kCut);

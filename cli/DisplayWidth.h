@@ -19,12 +19,15 @@ struct DecodedChar {
 // well-formed UTF-8 stands for itself alone and is not valid.
 [[nodiscard]] DecodedChar DecodeUtf8(std::string_view text);
 
+// Stands for such a byte where text is UTF-8.
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
 // 0 for marks that join the character before them, 2 for wide characters, else 1.
 [[nodiscard]] int CellsOf(char32_t character);
 
 // Appends `text` to `line` as it can be shown and returns the cells that it takes. Control
 // characters and those that turn the direction of writing are spelt out ("\n", "\x1b", "\u202e"),
-// an invalid byte becomes U+FFFD.
+// an invalid byte becomes U+FFFD, or "?" where the system's encoding lacks that.
 std::size_t AppendVisible(std::string_view text, std::string& line);
 
 // `text` as it can be shown.

@@ -7,11 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "NarrowText.h"
+
 namespace qv {
 namespace {
 
 std::string Quoted(std::string_view text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  return nlohmann::json(Utf8FromNarrow(text))
+      .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 // The columns' names as they stand in every object, told apart after they were made valid: two

@@ -5,12 +5,6 @@
 #include <algorithm>
 
 namespace qv {
-namespace {
-
-// The system counts in int, and narrow text may have four bytes for each unit.
-constexpr std::size_t kLongestText = std::size_t{1} << 28;
-
-}  // namespace
 
 std::optional<std::wstring> WideFromNarrow(std::string_view text) {
   if (text.empty()) return std::wstring();

@@ -7,6 +7,9 @@
 
 namespace qv {
 
+// The system counts in int, and narrow text may have four bytes for each unit.
+constexpr std::size_t kLongestText = std::size_t{1} << 28;
+
 // None when that is no text of the code page.
 [[nodiscard]] std::optional<std::wstring> WideFromNarrow(std::string_view text);
 

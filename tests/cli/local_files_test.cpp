@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cli/LocalPath.h"
+#include "cli/NarrowText.h"
 #include "cli/QueuePlan.h"
 #include "cli/Session.h"
 #include "tests/support/System.h"
@@ -55,6 +56,9 @@ TEST_F(LocalFiles, AreSentUnderTheNamesThatTheyHaveOrNotAtAll) {
     planned.insert(file.server);
   }
   EXPECT_EQ(planned, wanted);
+  const std::string narrow = qv::ShownPath(western);
+  EXPECT_EQ(qv::Visible(narrow), narrow);
+  EXPECT_EQ(qv::Utf8FromNarrow(narrow), "\xc3\xa9");
   EXPECT_EQ(err_.str(), "");
   EXPECT_EQ(PlanQueue(qv::QueuePut{{Here()}, "to", true}, report_).size(), wanted.size());
   EXPECT_EQ(err_.str().empty(), has_chinese) << err_.str();
