@@ -66,7 +66,7 @@ enum class Flush { kNo, kYes };
 
 // Copies a file into a new private one, of which nothing stays on failure.
 bool CopyFile(const std::string& source, const std::string& target, Flush flush) {
-  std::FILE* const from = std::fopen(source.c_str(), "rb");
+  std::FILE* const from = platform::OpenFile(source, platform::Opening::kRead);
   if (from == nullptr) return false;
   std::FILE* const to = platform::CreatePrivateFile(target, platform::Create::kNew);
   if (to == nullptr) {

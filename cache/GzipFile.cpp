@@ -14,6 +14,14 @@ namespace {
 constexpr std::size_t kPathLimit = 1024;
 constexpr std::size_t kChunk = 16384;
 
+gzFile OpenPacked(const std::string& path) {
+  const int descriptor = platform::OpenDescriptor(path);
+  if (descriptor < 0) return nullptr;
+  const gzFile packed = gzdopen(descriptor, "rb");
+  if (packed == nullptr) platform::CloseDescriptor(descriptor);
+  return packed;
+}
+
 GunzipResult Unpack(gzFile source, std::FILE* target, std::uint64_t limit) {
   // What is not gzip would be handed through as it stands, an empty file as an empty one.
   if (gzdirect(source) != 0) return kGunzipUnreadable;
@@ -33,7 +41,7 @@ GunzipResult Unpack(gzFile source, std::FILE* target, std::uint64_t limit) {
 
 int GunzipFile(const std::string& source, const std::string& target, std::uint64_t limit) {
   if (source.size() >= kPathLimit) return kGunzipUnreadable;
-  const gzFile packed = gzopen(source.c_str(), "rb");
+  const gzFile packed = OpenPacked(source);
   if (packed == nullptr) return kGunzipCutShort;
   std::FILE* const plain = platform::CreatePrivateFile(target, platform::Create::kAlways);
   if (plain == nullptr) {

@@ -54,6 +54,22 @@ enum class Create {
 // when it cannot be had, or something that is no file stands in its place.
 [[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);
 
+enum class Opening {
+  kRead,
+  kChange,          // reads as well, as do the others
+  kChangeOrCreate,  // what is there keeps its content
+  kCreate,          // what is there is emptied
+};
+
+// Opens a file that everybody else may read, change, remove and rename meanwhile, and that programs
+// started from here do not inherit; links are followed. The caller closes it. Null, and errno, when
+// it cannot be had.
+[[nodiscard]] std::FILE* OpenFile(const std::string& path, Opening how);
+// The same for reading as a descriptor of the C library, for what takes one over, and the end of
+// one that nobody took; -1, and errno, when it cannot be had.
+[[nodiscard]] int OpenDescriptor(const std::string& path);
+void CloseDescriptor(int descriptor);
+
 // Whether an open file is an ordinary one that nobody but its owner can read or change.
 [[nodiscard]] bool IsPrivate(std::FILE* file);
 

@@ -19,6 +19,23 @@ constexpr const char kDefaultTempFolder[] = "/tmp/";
 // What hosts have room for, without the NUL.
 constexpr std::size_t kMaxTempFolder = 259;
 
+// The rights of a new file, of which the user's mask takes some away.
+constexpr mode_t kAsTheUserLikes = 0666;
+
+void CloseKeepingErrno(int descriptor) {
+  const int cause = errno;
+  ::close(descriptor);
+  errno = cause;
+}
+
+// The stream owns the descriptor, which is closed when there is no memory for one; -1 is none.
+std::FILE* StreamOf(int descriptor, const char* mode) {
+  if (descriptor < 0) return nullptr;
+  std::FILE* const file = ::fdopen(descriptor, mode);
+  if (file == nullptr) CloseKeepingErrno(descriptor);
+  return file;
+}
+
 bool HasOwnerOnly(const struct stat& status) { return (status.st_mode & (S_IRWXG | S_IRWXO)) == 0; }
 
 // Takes everybody else's rights to an open file away. False, and errno, when the file is none, or
@@ -51,14 +68,22 @@ std::FILE* CreatePrivateFile(const std::string& path, Create how) {
   const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | on_existing;
   const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
   if (descriptor < 0) return nullptr;
-  std::FILE* const file = MakePrivate(descriptor) ? ::fdopen(descriptor, "wb") : nullptr;
-  if (file == nullptr) {
-    const int cause = errno;
-    ::close(descriptor);
-    errno = cause;
-  }
-  return file;
+  if (MakePrivate(descriptor)) return StreamOf(descriptor, "wb");
+  CloseKeepingErrno(descriptor);
+  return nullptr;
 }
+
+std::FILE* OpenFile(const std::string& path, Opening how) {
+  if (how == Opening::kRead) return StreamOf(OpenDescriptor(path), "rb");
+  const int on_missing = how == Opening::kChange ? 0 : O_CREAT;
+  const int on_existing = how == Opening::kCreate ? O_TRUNC : 0;
+  const int flags = O_RDWR | O_CLOEXEC | on_missing | on_existing;
+  return StreamOf(::open(path.c_str(), flags, kAsTheUserLikes), "r+b");
+}
+
+int OpenDescriptor(const std::string& path) { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }
+
+void CloseDescriptor(int descriptor) { ::close(descriptor); }
 
 bool IsPrivate(std::FILE* file) {
   struct stat status {};

@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <io.h>
+
 #include <cerrno>
 #include <filesystem>
 #include <utility>
@@ -23,6 +25,19 @@ HandlePtr Open(const std::string& path, DWORD access, DWORD share, DWORD how,
   // A link is opened itself, whatever it leads to.
   const DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
   return Opened(::CreateFileA(path.c_str(), access, share, rights, how, flags, nullptr));
+}
+
+// Null, and errno.
+HandlePtr OpenShared(const std::string& path, DWORD access, DWORD how) {
+  HandlePtr file = Opened(
+      ::CreateFileA(path.c_str(), access, kShareAll, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (file == nullptr) SetErrno();
+  return file;
+}
+
+DWORD Disposition(Opening how) {
+  if (how == Opening::kCreate) return CREATE_ALWAYS;
+  return how == Opening::kChangeOrCreate ? OPEN_ALWAYS : OPEN_EXISTING;
 }
 
 bool IsFolder(const std::string& path) {
@@ -72,6 +87,20 @@ std::FILE* CreatePrivateFile(const std::string& path, Create how) {
   }
   return StreamOf(std::move(file), "wb");
 }
+
+std::FILE* OpenFile(const std::string& path, Opening how) {
+  const bool reads = how == Opening::kRead;
+  const DWORD access = reads ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+  HandlePtr file = OpenShared(path, access, Disposition(how));
+  return file != nullptr ? StreamOf(std::move(file), reads ? "rb" : "r+b") : nullptr;
+}
+
+int OpenDescriptor(const std::string& path) {
+  HandlePtr file = OpenShared(path, GENERIC_READ, OPEN_EXISTING);
+  return file != nullptr ? DescriptorOf(std::move(file)) : -1;
+}
+
+void CloseDescriptor(int descriptor) { ::_close(descriptor); }
 
 bool IsPrivate(std::FILE* file) {
   const HANDLE handle = HandleOf(file);

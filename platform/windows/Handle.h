@@ -18,7 +18,9 @@ using HandlePtr = std::unique_ptr<HANDLE, HandleCloser>;
 // What the system answered when it was to open something.
 [[nodiscard]] HandlePtr Opened(HANDLE answer);
 
-// The handle as a stream, which owns it from then on; null when there is no room for one more.
+// The handle as a descriptor of the C library or a stream, which owns it from then on; -1 or null,
+// and errno, when there is no room for one more.
+[[nodiscard]] int DescriptorOf(HandlePtr handle);
 [[nodiscard]] std::FILE* StreamOf(HandlePtr handle, const char* mode);
 
 // The handle under a stream, which still owns it.

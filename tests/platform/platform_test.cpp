@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "platform/Folder.h"
 #include "platform/ThreadEnd.h"
 #include "tests/support/Shape.h"
 #include "tests/support/TempFolder.h"
@@ -99,6 +100,19 @@ TEST(Platform, CreatesFilesForTheirOwnerOnly) {
   EXPECT_TRUE(FlushFileToDisk(final_name));
   EXPECT_TRUE(RemoveFile(final_name));
   EXPECT_FALSE(RemoveFile(final_name));
+}
+
+TEST(Platform, OpensFilesThatOthersCanRemove) {
+  const qv::TempFolder folder;
+  const std::string path = folder.Write("answer", "content");
+  const FilePtr file(OpenFile(path, Opening::kRead));
+  const int descriptor = OpenDescriptor(path);
+  EXPECT_GE(descriptor, 0);
+  EXPECT_TRUE(RemoveFile(path));
+  EXPECT_EQ(std::fgetc(file.get()), 'c');
+  CloseDescriptor(descriptor);
+  EXPECT_EQ(OpenFile(folder.Path().string() + "none", Opening::kChange), nullptr);
+  EXPECT_EQ(errno, ENOENT);
 }
 
 TEST(Platform, MakesFoldersWithThoseAbove) {

@@ -5,6 +5,8 @@
 #include <limits>
 #include <system_error>
 
+#include "platform/Platform.h"
+
 namespace qv {
 
 std::optional<LocalSource> LocalSource::Open(const std::string& path) {
@@ -16,7 +18,7 @@ std::optional<LocalSource> LocalSource::Open(const std::string& path) {
   if (error || size > std::uintmax_t{std::numeric_limits<std::int64_t>::max()}) return std::nullopt;
   const fs::file_time_type written = fs::last_write_time(path, error);
   if (error) return std::nullopt;
-  platform::FilePtr file(std::fopen(path.c_str(), "rb"));
+  platform::FilePtr file(platform::OpenFile(path, platform::Opening::kRead));
   if (file == nullptr) return std::nullopt;
   std::string state =
       std::to_string(size) + '-' + std::to_string(written.time_since_epoch().count());

@@ -46,7 +46,7 @@ std::optional<LocalTarget> LocalTarget::Continue(const std::string& path, const 
   std::error_code error;
   const bool is_file = fs::is_regular_file(fs::symlink_status(part, error));
   if (!is_file || fs::file_size(part, error) != size || error) return std::nullopt;
-  platform::FilePtr file(std::fopen(part.c_str(), "r+b"));
+  platform::FilePtr file(platform::OpenFile(part, platform::Opening::kChange));
   if (file == nullptr || !platform::IsPrivate(file.get())) return std::nullopt;
   if (std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
   return LocalTarget(path, part, size, std::move(file));

@@ -27,7 +27,7 @@ std::optional<OutgoingFile> OutgoingFile::Open(const std::string& path) {
   if (!std::filesystem::is_regular_file(place, error)) return std::nullopt;
   const std::uintmax_t length = std::filesystem::file_size(place, error);
   if (error || length > kMaxFile) return std::nullopt;
-  platform::FilePtr file(std::fopen(path.c_str(), "rb"));
+  platform::FilePtr file(platform::OpenFile(path, platform::Opening::kRead));
   if (file == nullptr) return std::nullopt;
   return OutgoingFile({std::move(file), length});
 }
