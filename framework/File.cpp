@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/Platform.h"
+
 namespace {
 
 // A long cannot hold every position on every system. Where the position type is a number it is wide
@@ -30,23 +32,14 @@ bool MoveTo(std::FILE* stream, long long place) noexcept {
   }
 }
 
-// Opens for reading and writing what is there, or creates it without emptying what somebody else
-// created meanwhile.
-std::FILE* OpenOrCreate(const char* path) noexcept {
-  for (int attempt = 0; attempt < 2; ++attempt) {
-    if (std::FILE* existing = std::fopen(path, "r+b")) return existing;
-    if (errno != ENOENT) return nullptr;
-    if (std::FILE* created = std::fopen(path, "w+bx")) return created;
-    if (errno != EEXIST) return nullptr;
-  }
-  return nullptr;
-}
-
-std::FILE* OpenStream(const char* path, unsigned flags) noexcept {
+std::FILE* OpenStream(const char* path, unsigned flags) {
+  using qv::platform::Opening;
   const bool writes = (flags & (CFile::modeWrite | CFile::modeReadWrite)) != 0;
-  if ((flags & CFile::modeCreate) == 0) return std::fopen(path, writes ? "r+b" : "rb");
-  if ((flags & CFile::modeNoTruncate) != 0) return OpenOrCreate(path);
-  return std::fopen(path, "w+b");
+  Opening how = writes ? Opening::kChange : Opening::kRead;
+  if ((flags & CFile::modeCreate) != 0) {
+    how = (flags & CFile::modeNoTruncate) != 0 ? Opening::kChangeOrCreate : Opening::kCreate;
+  }
+  return qv::platform::OpenFile(path, how);
 }
 
 void Unbuffer(std::FILE* stream) noexcept {

@@ -87,6 +87,11 @@ TEST_F(File, TakesOverAStreamOrNone) {
   CFile file(std::fopen(path_.c_str(), "wb"));
   file.Write("mine", 4);
   EXPECT_EQ(Content(), "mine");
+}
+
+TEST_F(File, DoesNotReadWhatIsOpenForWritingOnly) {
+  CFile file(std::fopen(path_.c_str(), "wb"));
+  char byte = 0;
   EXPECT_NE(CauseOf([&] { file.Read(&byte, 1); }), CFileException::none);
 }
 
