@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "CursorReader.h"
-#include "platform/ThreadEnd.h"
+#include "platform/ThreadSlot.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/framework/String.h"
 #include "resultset/ResultTable.h"
@@ -21,10 +21,7 @@ struct Failure {
 };
 
 // This thread's.
-Failure& LastFailure() {
-  thread_local Failure* failure = nullptr;
-  return platform::OfThisThread(failure);
-}
+Failure& LastFailure() { return platform::OfThisThread<Failure>(); }
 
 std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 

@@ -8,7 +8,7 @@
 #include <system_error>
 
 #include "platform/Platform.h"
-#include "platform/ThreadEnd.h"
+#include "platform/ThreadSlot.h"
 #include "qvnetcall/framework/File.h"
 #include "qvnetcall/framework/FileException.h"
 
@@ -72,9 +72,6 @@ bool FileText::Load(const char* path) try {
   return false;
 }
 
-FileText& KeptFileText() {
-  thread_local FileText* text = nullptr;
-  return platform::OfThisThread(text);
-}
+FileText& KeptFileText() { return platform::OfThisThread<FileText>(); }
 
 }  // namespace qv

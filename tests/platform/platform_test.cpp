@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "platform/Folder.h"
-#include "platform/ThreadEnd.h"
+#include "platform/ThreadSlot.h"
 #include "tests/support/Shape.h"
 #include "tests/support/TempFolder.h"
 
@@ -132,21 +132,22 @@ TEST(Platform, KnowsWhereItIs) {
             std::filesystem::canonical(ModuleFile()).parent_path().string() + kSeparator);
 }
 
+struct Noted {
+  ~Noted() { *ended += "."; }
+  std::string* ended = nullptr;
+};
+
 TEST(Platform, EndsWhatAThreadHasWhenTheThreadEnds) {
-  std::string notes;
-  const auto note = [](void* what) { static_cast<std::string*>(what)->push_back('.'); };
-  const auto drop = [](void* what) { static_cast<std::string*>(what)->assign("last "); };
+  std::string ended;
   for (int i = 0; i < 2; ++i) {
     std::thread([&] {
-      AtThreadEnd(note, &notes);
-      AtThreadEnd(drop, &notes);
-      thread_local std::string* kept = nullptr;
-      OfThisThread(kept) = std::string(1000, 'x');
-      EXPECT_EQ(OfThisThread(kept).size(), 1000U);
+      OfThisThread<Noted>().ended = &ended;
+      OfThisThread<std::string>() = std::string(1000, 'x');
+      EXPECT_EQ(OfThisThread<Noted>().ended, &ended);
+      EXPECT_EQ(OfThisThread<std::string>().size(), 1000U);
     }).join();
-    EXPECT_EQ(notes, "last .");
-    notes.clear();
   }
+  EXPECT_EQ(ended, "..");
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <thread>
 
 #include "platform/Folder.h"
 #include "platform/Platform.h"
+#include "platform/ThreadSlot.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv::platform {
@@ -29,6 +31,32 @@ TEST(Windows, ConvertsTextOfTheSystemsCodePage) {
   EXPECT_EQ(NarrowFromWide(WideFromNarrow(narrow).value_or(u"none")), narrow);
   EXPECT_EQ(NarrowFromWide(std::u16string(1, char16_t{0xD83D}) + u"a").back(), 'a');
   EXPECT_EQ(WideFromNarrow(std::string_view("a\0b", 3)), std::u16string(u"a\0b", 3));
+}
+
+struct Counted {
+  Counted() { ++alive; }
+  ~Counted() { --alive; }
+  static inline int alive = 0;
+};
+
+void CALLBACK UseAndLeave(void* caller) {
+  OfThisThread<Counted>();
+  ::SwitchToFiber(caller);
+}
+
+TEST(Windows, EndsWhatAFiberHasWhileItsThreadGoesOn) {
+  std::thread([] {
+    void* const own = ::ConvertThreadToFiber(nullptr);
+    for (int i = 0; i < 2; ++i) {
+      void* const other = ::CreateFiber(0, UseAndLeave, own);
+      ::SwitchToFiber(other);
+      EXPECT_EQ(Counted::alive, 1 + i);
+      ::DeleteFiber(other);
+      OfThisThread<Counted>();
+      EXPECT_EQ(Counted::alive, 1) << "the thread's own";
+    }
+  }).join();
+  EXPECT_EQ(Counted::alive, 0);
 }
 
 TEST(Windows, TakesATemporaryFolderWithItsSeparator) {
