@@ -82,7 +82,7 @@ bool CopyFile(const std::string& source, const std::string& target, Flush flush)
 
 std::string NewCopyPath(const std::string& folder) {
   std::string path = folder;
-  if (!path.empty() && path.back() != platform::kSeparator) path += platform::kSeparator;
+  if (platform::FolderLength(path) < path.size()) path += platform::kSeparator;
   return path.append("TempClient_").append(platform::NewGuid()).append(".txt");
 }
 

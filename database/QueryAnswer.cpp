@@ -22,7 +22,7 @@ constexpr const char kInReply[] = "MEMORY";
 constexpr std::size_t kUnpackedNameLength = 16;
 
 std::string UnpackedPath(const std::string& path) {
-  const std::size_t name = path.rfind(platform::kSeparator) + 1;
+  const std::size_t name = platform::FolderLength(path);
   const std::size_t length = path.size() - name;
   const std::size_t cut = length > kUnpackedNameLength ? length - kUnpackedNameLength : 0;
   return path.substr(0, name) + path.substr(name + cut);

@@ -15,6 +15,10 @@ namespace qv::platform {
 // What separates the folders of a local path.
 extern const char kSeparator;
 
+// How much of a local path is the folder, with the separator at its end; 0 when it names none. A
+// byte that is half of a character separates nothing.
+[[nodiscard]] std::size_t FolderLength(std::string_view path);
+
 // The system's folder for temporary files, with a separator at its end: an absolute path of at most
 // 259 bytes.
 [[nodiscard]] std::string TempFolder();

@@ -54,7 +54,7 @@ constexpr std::array<std::uint8_t, 256> kBase64Digits = MakeBase64Digits();
 
 BinaryCells::BinaryCells(const tagTEMPFILEINFO& files)
     : base_(Text(files.path)), extension_('.' + Text(files.ext)) {
-  if (!base_.ends_with(platform::kSeparator)) base_ += platform::kSeparator;
+  if (base_.empty() || platform::FolderLength(base_) < base_.size()) base_ += platform::kSeparator;
   base_ += Text(files.prefix);
 }
 

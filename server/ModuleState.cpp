@@ -31,7 +31,7 @@ void ModuleState::Reset() {
 
 std::string ModuleFolder(std::size_t max_path) {
   const std::string path = ModuleState::Get().module_file.substr(0, max_path);
-  return path.substr(0, path.rfind(platform::kSeparator) + 1);
+  return path.substr(0, platform::FolderLength(path));
 }
 
 }  // namespace qv

@@ -60,6 +60,8 @@ std::string NarrowFromWide(std::u16string_view wide) {
   return text;
 }
 
+std::size_t FolderLength(std::string_view path) { return path.rfind(kSeparator) + 1; }
+
 std::filesystem::path PathFromNarrow(const std::string& path) { return path; }
 std::string NarrowFromPath(const std::filesystem::path& path) { return path.string(); }
 

@@ -53,9 +53,10 @@ bool IsOrdinaryFile(HANDLE handle) {
 // What is below the drive or the server's share, without separators at its end; empty when nothing
 // is.
 std::string FolderAbove(const std::string& path) {
-  const std::size_t end = path.find_last_not_of("\\/");
-  const std::size_t cut = end == std::string::npos ? end : path.find_last_of("\\/", end);
-  return cut == std::string::npos ? std::string() : path.substr(0, cut);
+  const std::u16string wide = WideFromNarrow(path).value_or(u"");
+  const std::size_t end = wide.find_last_not_of(u"\\/");
+  const std::size_t cut = end == wide.npos ? end : wide.find_last_of(u"\\/", end);
+  return cut == wide.npos ? std::string() : NarrowFromWide(wide.substr(0, cut));
 }
 
 }  // namespace

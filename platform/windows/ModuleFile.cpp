@@ -26,7 +26,7 @@ std::string ModuleFile() { return FileOf(reinterpret_cast<HMODULE>(&__ImageBase)
 
 std::string ProgramFolder() {
   const std::string program = FileOf(nullptr);
-  return program.substr(0, program.rfind(kSeparator) + 1);
+  return program.substr(0, FolderLength(program));
 }
 
 }  // namespace qv::platform

@@ -32,10 +32,10 @@ bool IsDevice(std::string_view name) {
   return std::find(std::begin(kDevices), std::end(kDevices), stem) != std::end(kDevices);
 }
 
-bool IsPlain(std::string_view name) {
-  const bool odd = std::any_of(name.begin(), name.end(), [](unsigned char c) {
-    return c < 0x20 || std::strchr("\\/:*?\"<>|", c) != nullptr;
-  });
+bool IsPlain(std::string_view name, std::u16string_view wide) {
+  constexpr std::u16string_view kOdd = u"\\/:*?\"<>|";
+  const bool odd = std::any_of(wide.begin(), wide.end(),
+                               [&](char16_t c) { return c < 0x20 || kOdd.find(c) != kOdd.npos; });
   // A dot or a blank at the end would be cut off by others.
   return !odd && !name.ends_with('.') && !name.ends_with(' ') && !IsDevice(name);
 }
@@ -43,7 +43,7 @@ bool IsPlain(std::string_view name) {
 // A name as the native functions take it; nothing when it is not plain.
 std::optional<std::u16string> NativeName(const std::string& name) {
   auto wide = WideFromNarrow(name);
-  if (!wide || !IsPlain(name) || wide->size() > 255) return std::nullopt;
+  if (!wide || !IsPlain(name, *wide) || wide->size() > 255) return std::nullopt;
   return wide;
 }
 

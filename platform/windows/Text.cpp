@@ -54,6 +54,18 @@ std::string NarrowFromWide(std::u16string_view wide) {
   return text;
 }
 
+std::size_t FolderLength(std::string_view path) {
+  std::size_t length = 0;
+  for (std::size_t at = 0; at < path.size(); ++at) {
+    if (::IsDBCSLeadByte(static_cast<BYTE>(path[at])) != FALSE) {
+      ++at;  // the second half may be the separator's byte
+    } else if (path[at] == kSeparator) {
+      length = at + 1;
+    }
+  }
+  return length;
+}
+
 // Through UTF-16: what the standard library makes of narrow paths follows the locale.
 std::filesystem::path PathFromNarrow(const std::string& path) {
   return std::filesystem::path(WideFromNarrow(path).value_or(u"?"));  // which no file is called

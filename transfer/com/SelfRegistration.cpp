@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "platform/Platform.h"
+
 namespace qv {
 
 namespace {
@@ -14,8 +16,8 @@ std::string ComponentFile() {
   char program[1024] = {};
   ::GetModuleFileNameA(nullptr, program, sizeof program - 1);
   const std::string path = program;
-  const std::size_t separator = path.rfind('\\');
-  return separator != std::string::npos ? path.substr(0, separator + 1) + "QvCoFtp.dll" : "";
+  const std::size_t folder = platform::FolderLength(path);
+  return folder != 0 ? path.substr(0, folder) + "QvCoFtp.dll" : "";
 }
 
 }  // namespace
