@@ -13,8 +13,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 if(MSVC)
-  # Text is UTF-8 in the sources and, unless asked otherwise, in the program.
-  add_compile_options(/W4 /permissive- /Zc:__cplusplus /source-charset:utf-8)
+  # Text is UTF-8 in the sources and in the program: what the library says itself, it says in the code page of the
+  # program that loaded it, which is known only then.
+  add_compile_options(/W4 /permissive- /Zc:__cplusplus /utf-8)
   add_compile_definitions(_CRT_SECURE_NO_WARNINGS _WIN32_WINNT=0x0A00 WINVER=0x0A00 NOMINMAX WIN32_LEAN_AND_MEAN)
 else()
   add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Werror)
@@ -31,10 +32,4 @@ if(QV_SANITIZE)
     # The compiler warns of fences, which the sanitizer cannot follow; Asio's stand beside locks, which it can.
     add_compile_options(-Wno-tsan)
   endif()
-endif()
-
-if(MSVC)
-  add_compile_options(/execution-charset:$<IF:$<BOOL:${QV_GBK_LITERALS}>,.936,utf-8>)
-elseif(QV_GBK_LITERALS)
-  add_compile_options(-fexec-charset=GBK)
 endif()

@@ -1,8 +1,10 @@
 #include "qvnetcall/RvoIdFileEx.h"
 
 #include <optional>
+#include <string_view>
 
 #include "Offline.h"
+#include "platform/Platform.h"
 #include "server/CatalogueCall.h"
 
 using qv::CatalogueCall;
@@ -18,14 +20,15 @@ constexpr qv::CatalogueCommand kPackedChecksum{6031, kReply};  // pack, name, id
 constexpr qv::CatalogueCommand kChecksum{6032, kReply};        // name, id; checksum, number
 constexpr qv::CatalogueCommand kSavePath{6033, kReply};        // name, id; path
 
-constexpr const char kCallFailed[] = "调用函数失败";
+// In the code page that the program runs in, which the compiler does not know.
+constexpr char16_t kCallFailed[] = u"调用函数失败";
 
 // Sends the call and gives the server's answer; has `read_rest` read what success brings.
 template <class ReadRest>
 int Run(CatalogueCall& call, CString& error_text, ReadRest read_rest) {
   const std::optional<std::int32_t> answer = call.Ask();
   if (!answer) {
-    error_text = kCallFailed;
+    error_text = CString(std::string_view(qv::platform::NarrowFromWide(kCallFailed)));
     return 0;
   }
   if (*answer >= 1) {

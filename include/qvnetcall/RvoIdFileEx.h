@@ -6,8 +6,9 @@
 
 // As CRvoFile, but for what they give offline. Every call returns the server's answer: 1 or more
 // for success. On less, the server's text, when it sent one, is in `error_text`, which success
-// leaves alone; when nothing was delivered the result is 0 and the text is "调用函数失败". Offline,
-// 0 and nothing changed.
+// leaves alone; when nothing was delivered the result is 0 and the text is "调用函数失败", in the
+// code page of the program (GBK on Chinese Windows, UTF-8 off Windows). Offline, 0 and nothing
+// changed.
 class QVNETCALL_API CRvoIdFileEx {
  public:
   // The server's checksum of a file, and a number that is the server's; `crc` is emptied first.
