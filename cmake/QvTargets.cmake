@@ -78,12 +78,13 @@ function(qv_speaks_utf8 target)
   endif()
 endfunction()
 
-# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER] [NOT_ON_WINDOWS <cases>]): one GoogleTest program, its
-# cases known to ctest, which runs each in a process of its own. TOGETHER runs them all in one, when they share what takes
-# long to start.
+# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER] [CODE_PAGES <numbers>] [NOT_ON_WINDOWS <cases>]): one
+# GoogleTest program, its cases known to ctest, which runs each in a process of its own. TOGETHER runs them all in one,
+# when they share what takes long to start.
+# CODE_PAGES are those in which the cases run on Windows as well, besides UTF-8: what hosts there have.
 # NOT_ON_WINDOWS leaves out cases that rest on what only other systems do.
 function(qv_add_test target)
-  cmake_parse_arguments(ARG "TOGETHER" "" "SOURCES;LINKS;NOT_ON_WINDOWS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER" "" "SOURCES;LINKS;CODE_PAGES;NOT_ON_WINDOWS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
@@ -96,7 +97,32 @@ function(qv_add_test target)
     endif()
     add_test(NAME ${target} COMMAND ${target} ${filter})
     set_tests_properties(${target} PROPERTIES TIMEOUT 300)
+    if(WIN32 AND CMAKE_CROSSCOMPILING)
+      foreach(page IN LISTS ARG_CODE_PAGES)
+        qv_test_in_code_page(${target} ${page} ${filter})
+      endforeach()
+    endif()
   else()
     gtest_discover_tests(${target} PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
   endif()
+endfunction()
+
+# qv_test_in_code_page(<test> <number> [<argument>...]): the same cases in another code page, as <test>.<number>. Wine
+# takes it from the locale, which scripts/cross-deps made; a program that speaks UTF-8 does so everywhere, hence another
+# program of the same objects.
+function(qv_test_in_code_page test page)
+  set(locale_936 zh_CN.UTF-8)
+  set(target ${test}.${page})
+  add_executable(${target} $<FILTER:$<TARGET_OBJECTS:${test}>,EXCLUDE,[.]res$>
+    ${PROJECT_SOURCE_DIR}/tests/support/windows/CodePage.cpp)
+  target_compile_definitions(${target} PRIVATE QV_CODE_PAGE=${page})
+  target_link_libraries(${target} PRIVATE $<TARGET_PROPERTY:${test},LINK_LIBRARIES>)
+  add_dependencies(${target} ${test})
+  set_target_properties(${target} PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY $<TARGET_PROPERTY:${test},RUNTIME_OUTPUT_DIRECTORY>)
+  add_test(NAME ${target} COMMAND ${target} ${ARGN})
+  # Both may have the same folders and entries of the registry.
+  set_tests_properties(${test} ${target} PROPERTIES TIMEOUT 300 RESOURCE_LOCK ${test})
+  set_tests_properties(${target} PROPERTIES
+    ENVIRONMENT "LC_ALL=${locale_${page}};LOCPATH=${QV_CROSS_DEPS}/locale")
 endfunction()

@@ -198,7 +198,10 @@ ReferenceCell Cell(ReferenceColumn& column, const std::string& text, BinaryDecod
       return value;
     }
     case 5: {
-      const double value = std::strtod(text.c_str(), nullptr);
+      char* rest = nullptr;
+      const double read = std::strtod(text.c_str(), &rest);
+      // Where the C library takes a sign alone for a negative zero.
+      const double value = rest == text.c_str() ? 0 : read;
       Widen(column, static_cast<std::size_t>(std::snprintf(nullptr, 0, "%f", value)));
       return value;
     }

@@ -17,7 +17,7 @@ class GzipFile : public testing::Test {
   }
 
   TempFolder folder_;
-  const std::string target_ = (folder_.Path() / "target.xml").string();
+  const std::string target_ = folder_.At("target.xml");
 };
 
 // Longer than some chunks, and not compressed to almost nothing.
@@ -60,7 +60,7 @@ TEST_F(GzipFile, TellsWhichFileIsToBlame) {
   EXPECT_EQ(GunzipFile(good, target_, 4), 0);
   EXPECT_EQ(GunzipFile(good, target_, 3), -1) << "longer than the limit";
   EXPECT_EQ(GunzipFile(target_ + ".missing", target_), -2);
-  EXPECT_EQ(GunzipFile(good, (folder_.Path() / "missing" / "target").string()), -3);
+  EXPECT_EQ(GunzipFile(good, folder_.At("missing/target")), -3);
 }
 
 }  // namespace

@@ -55,14 +55,15 @@ class QueryCacheTest : public testing::Test {
 
   void Sql(const std::string& text) {
     sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open((path_ + "/qvdbcache.db3").c_str(), &database), SQLITE_OK);
+    const std::u16string file = fs::path(path_ + "/qvdbcache.db3").u16string();
+    ASSERT_EQ(sqlite3_open16(file.c_str(), &database), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(database, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << text;
     sqlite3_close(database);
   }
 
   TempFolder folder_;
-  const std::string path_ = (folder_.Path() / "a" / "cache").string();
-  const std::string copies_ = (folder_.Path() / "copies").string();
+  const std::string path_ = folder_.At("a/cache");
+  const std::string copies_ = folder_.At("copies");
   QueryCache cache_;
 };
 
@@ -138,7 +139,7 @@ TEST_F(QueryCacheTest, TrustsNothingInTheIndex) {
   ASSERT_TRUE(Store("sound", "text"));
   const std::string guid = "{01234567-89AB-CDEF-0123-456789ABCDEF}";
   const std::string names[] = {"../secret",
-                               (folder_.Path() / "a" / "secret").string(),
+                               folder_.At("a/secret"),
                                "qvdbcache.db3",
                                "",
                                ".",
@@ -228,7 +229,7 @@ TEST_F(QueryCacheTest, LeavesTheDatabasesOfOthersAlone) {
     fs::remove(index + companion);
   }
   if (MakeLink(path_, folder_.Path() / "link")) {
-    EXPECT_TRUE(cache_.SetPath((folder_.Path() / "link").string())) << "a folder may be a link";
+    EXPECT_TRUE(cache_.SetPath(folder_.At("link"))) << "a folder may be a link";
   }
 }
 

@@ -76,7 +76,7 @@ class Requests : public Calls {
 };
 
 TEST_F(Requests, OfFilesByPathAndByIdentifier) {
-  const std::string absent = (folder_.Path() / "absent").string();
+  const std::string absent = folder_.At("absent");
   const char* const local = absent.c_str();
   const std::string long_name(300, 'n');
   const auto small = [](std::uint32_t code, const std::string& name, int flag = 1,

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "CallsFixture.h"
+#include "platform/Platform.h"
 
 namespace qv::test {
 namespace {
@@ -223,18 +224,21 @@ TEST_F(Results, OfChecksumsAndPlaces) {
   const auto outcome = [&] {
     return std::string(text_) + "|" + std::to_string(value_) + "|" + std::string(error_);
   };
+  const bool gbk = platform::NarrowFromWide(u"调").size() == 2;
+  const std::string call_failed =
+      gbk ? "\xB5\xF7\xD3\xC3\xBA\xAF\xCA\xFD\xCA\xA7\xB0\xDC" : "调用函数失败";
   const struct {
     Fields fields;
     int transport;
     int result;
-    const char* outcome;
+    std::string outcome;
   } cases[] = {
       {Text("2").Text("1A2B").Number(5), 0, 2, "1A2B|5|error"},
       {Text("1"), 0, 1, "|77|error"},
       {Text("0").Text("why"), 0, 0, "|77|why"},
       {Text("-4").Text("why"), 7, -4, "|77|why"},
       {Text("0"), 0, 0, "|77|error"},
-      {Text("1").Text("1A2B").Number(5), -1, 0, "|77|调用函数失败"},
+      {Text("1").Text("1A2B").Number(5), -1, 0, "|77|" + call_failed},
   };
   for (const auto& call : checksums) {
     for (const auto& c : cases) {
@@ -259,7 +263,7 @@ TEST_F(Results, OfChecksumsAndPlaces) {
   Answer(Text("1"), -1);
   EXPECT_EQ(CRvoIdFileEx::GetIDFileSavePath("n", 1, text_, error_), 0);
   EXPECT_EQ(text_, "");
-  EXPECT_EQ(error_, "调用函数失败");
+  EXPECT_EQ(error_, call_failed.c_str());
 }
 
 TEST_F(Results, OfTheClientProgram) {
@@ -268,7 +272,7 @@ TEST_F(Results, OfTheClientProgram) {
              "nine"),
          5);
   EXPECT_EQ(CRvoServer::GetQvNetExeInfo(&info), 1);
-  const std::string path = (folder_.Path() / "info.txt").string();
+  const std::string path = folder_.At("info.txt");
   EXPECT_EQ(info.SaveData(path.c_str()), 1);
   EXPECT_EQ(info.SaveData(path.c_str()), 1);  // in place of what was there
   std::string lines = BytesOf(path);
@@ -308,7 +312,7 @@ TEST_F(Results, OfTheClientProgram) {
   folder_.Write("info.txt", "");
   EXPECT_EQ(other.LoadData(path.c_str()), 1);
   EXPECT_EQ(other.m_text1, "");
-  const std::string nowhere = (folder_.Path() / "no" / "file").string();
+  const std::string nowhere = folder_.At("no/file");
   EXPECT_EQ(other.LoadData(nowhere.c_str()), 0);
   EXPECT_EQ(other.SaveData(nowhere.c_str()), 0);
   EXPECT_EQ(other.LoadData(nullptr) + other.SaveData(nullptr), 0);

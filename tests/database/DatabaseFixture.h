@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/Gzip.h"
 #include "tests/support/ModuleTest.h"
@@ -88,7 +89,7 @@ class DatabaseFixture : public ModuleTest {
   DatabaseFixture() {
     UseServerType("TCP_IP");
     std::filesystem::create_directory(folder_.Path() / "temp");
-    CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp" / "").string().c_str(), "bin", "dat");
+    CRvoDatabase::SetFileTempInfo(folder_.At("temp/").c_str(), "bin", "dat");
     answer_ = Memory(Rowset({{"A", "from server"}}));
     transport_.handler = [this](const SentRequest& request, ScriptedReply& reply) {
       if (!IsSettings(request)) {
@@ -117,7 +118,7 @@ class DatabaseFixture : public ModuleTest {
     EXPECT_EQ(request.reply_block, 0x100000u);
     EXPECT_THAT(request.reply_file_name,
                 EndsInShape("TempClient_" + std::string(kGuidShape) + ".txt"));
-    EXPECT_THAT(request.reply_file_name, testing::StartsWith((folder_.Path() / "temp").string()));
+    EXPECT_THAT(request.reply_file_name, testing::StartsWith(folder_.At("temp")));
     EXPECT_EQ(request.reply_file_flag, 0);
   }
 
@@ -128,9 +129,7 @@ class DatabaseFixture : public ModuleTest {
                    {"CI_DefaultDisplayCompress", settings_.display_default},
                    {"CI_DefaultDisplayDomain", settings_.domain}});
   }
-  void OpenCache() {
-    ASSERT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str()), 1);
-  }
+  void OpenCache() { ASSERT_EQ(CRvoServer::SetCachePath(folder_.At("cache").c_str()), 1); }
   // Gives the text of the first cell, or "result N".
   std::string Select(int use_cache = 0, const CString& sql = "select 1") {
     CRvoDbRes result;

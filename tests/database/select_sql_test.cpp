@@ -142,7 +142,7 @@ TEST_F(SelectSql, AnswersFromTheCacheWhileOffline) {
   OpenCache();
   settings_.cache = "1";
   EXPECT_EQ(Select(1), "from server");
-  EXPECT_TRUE(state_.cache.Find("main>DESIGNDB:select 1", folder_.Path().string()));
+  EXPECT_TRUE(state_.cache.Find("main>DESIGNDB:select 1", folder_.At()));
   answer_ = Memory(Rowset({{"A", "newer"}}));
 
   CRvoServer::SetCacheState(1);
@@ -178,7 +178,7 @@ TEST_F(SelectSql, KeepsTheGzipFileWhenThereIsOne) {
   EXPECT_EQ(Select(1), "packed");
   bool found = false;
   for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "cache")) {
-    found = found || BytesOf(entry.path().string()).starts_with("\x1f\x8b");
+    found = found || BytesOf(platform::NarrowFromPath(entry.path())).starts_with("\x1f\x8b");
   }
   EXPECT_TRUE(found);
   CRvoServer::SetCacheState(1);
@@ -190,7 +190,7 @@ TEST_F(SelectSql, KeepsNothingThatItWasNotAllowedTo) {
   settings_.cache = "1";
   answer_ = Memory("no recordset");
   EXPECT_EQ(Select(1), "result 1");
-  EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:select 1", folder_.Path().string()));
+  EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:select 1", folder_.At()));
   answer_ = Memory(Rowset({{"A", "from server"}}));
   EXPECT_EQ(Select(0), "from server");
   CRvoDatabase::m_bServerSetCache = 0;

@@ -106,8 +106,8 @@ TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
   OpenCache();
   settings_answer_ = Memory(DataSet("CI_ServerCompress", "1"));
   EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
-  EXPECT_TRUE(state_.cache.Find("main>PLATDB:" + transport_.requests.back().fields[1],
-                                folder_.Path().string()));
+  EXPECT_TRUE(
+      state_.cache.Find("main>PLATDB:" + transport_.requests.back().fields[1], folder_.At()));
   EXPECT_TRUE(transport_.requests.back().web);
   EXPECT_EQ(transport_.requests.back().compress, 0);
   EXPECT_EQ(Flags(), "01000");

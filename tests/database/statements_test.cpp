@@ -175,11 +175,11 @@ TEST_F(Statements, AProceduresAnswerIsKeptUnpacked) {
   CRvoDatabase::m_bServerSetCache = 1;
   answer_ = Memory(Gzipped(Rowset({{"A", "packed"}})), "SUCCESS_COMPRESS");
   EXPECT_EQ(Call(0), "packed");
-  EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:call p", folder_.Path().string()));
+  EXPECT_FALSE(state_.cache.Find("main>DESIGNDB:call p", folder_.At()));
   EXPECT_EQ(Call(2), "packed");
-  EXPECT_TRUE(state_.cache.Find("main>DESIGNDB:call p", folder_.Path().string()));
+  EXPECT_TRUE(state_.cache.Find("main>DESIGNDB:call p", folder_.At()));
   for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "cache")) {
-    EXPECT_FALSE(BytesOf(entry.path().string()).starts_with("\x1f\x8b"));
+    EXPECT_FALSE(BytesOf(platform::NarrowFromPath(entry.path())).starts_with("\x1f\x8b"));
   }
   GoOffline();
   const std::size_t sent = transport_.requests.size();

@@ -13,7 +13,7 @@ class File : public testing::Test {
   std::string Content() const { return qv::BytesOf(path_); }
 
   const qv::TempFolder folder_;
-  const std::string path_ = (folder_.Path() / "file").string();
+  const std::string path_ = folder_.At("file");
 };
 
 template <typename Operation>

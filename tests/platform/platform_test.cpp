@@ -76,7 +76,7 @@ TEST(Platform, MakesIdentifiersInRegistryForm) {
 
 TEST(Platform, CreatesFilesForTheirOwnerOnly) {
   const qv::TempFolder folder;
-  const std::string path = (folder.Path() / "private").string();
+  const std::string path = folder.At("private");
   std::FILE* const file = CreatePrivateFile(path, Create::kNew);
   ASSERT_NE(file, nullptr);
   EXPECT_TRUE(IsPrivate(file));
@@ -84,7 +84,7 @@ TEST(Platform, CreatesFilesForTheirOwnerOnly) {
 
   EXPECT_EQ(CreatePrivateFile(path, Create::kNew), nullptr);
   EXPECT_EQ(errno, EEXIST);
-  EXPECT_EQ(CreatePrivateFile((folder.Path() / "none" / "x").string(), Create::kAlways), nullptr);
+  EXPECT_EQ(CreatePrivateFile(folder.At("none/x"), Create::kAlways), nullptr);
   EXPECT_EQ(errno, ENOENT);
 
   const std::string taken = folder.Write("taken", "theirs");
@@ -117,10 +117,10 @@ TEST(Platform, OpensFilesThatOthersCanRemove) {
 
 TEST(Platform, MakesFoldersWithThoseAbove) {
   const qv::TempFolder folder;
-  const std::string deep = (folder.Path() / "a" / "b" / "c").string();
+  const std::string deep = folder.At(u8"a/運图/c");  // half of a character is a separator's byte
   EXPECT_TRUE(CreatePrivateFolder(deep + kSeparator));
   EXPECT_TRUE(CreatePrivateFolder(deep));
-  EXPECT_TRUE(std::filesystem::is_directory(deep));
+  EXPECT_EQ(TypeOf(deep), std::filesystem::file_type::directory);
   EXPECT_FALSE(CreatePrivateFolder(folder.Write("file", "") + kSeparator + "below"));
 }
 

@@ -31,6 +31,13 @@ TEST(Windows, ConvertsTextOfTheSystemsCodePage) {
   EXPECT_EQ(NarrowFromWide(WideFromNarrow(narrow).value_or(u"none")), narrow);
   EXPECT_EQ(NarrowFromWide(std::u16string(1, char16_t{0xD83D}) + u"a").back(), 'a');
   EXPECT_EQ(WideFromNarrow(std::string_view("a\0b", 3)), std::u16string(u"a\0b", 3));
+  EXPECT_EQ(WideFromNarrow("a\x81"), std::nullopt);
+}
+
+TEST(Windows, TakesNoHalfOfACharacterForASeparator) {
+  const std::string folder = NarrowFromWide(u"C:\\運\\");
+  EXPECT_EQ(FolderLength(folder + NarrowFromWide(u"図運.exe")), folder.size());
+  EXPECT_EQ(FolderLength(NarrowFromWide(u"運")), 0u);
 }
 
 struct Counted {
@@ -66,7 +73,7 @@ TEST(Windows, TakesATemporaryFolderWithItsSeparator) {
 
 TEST(Windows, WorksInsideAFolderThatIsHeldOpen) {
   const qv::TempFolder temporary;
-  const auto folder = Folder::Open(temporary.Path().string());
+  const auto folder = Folder::Open(temporary.At());
   ASSERT_TRUE(folder && folder->MakeFolder("a") && folder->MakeFolder("b"));
   const auto a = folder->Enter("a");
   const auto b = folder->Enter("b");
@@ -88,7 +95,7 @@ TEST(Windows, WorksInsideAFolderThatIsHeldOpen) {
 
 TEST(Windows, TakesNoNameThatIsMoreThanAnEntry) {
   const qv::TempFolder temporary;
-  const auto folder = Folder::Open(temporary.Path().string());
+  const auto folder = Folder::Open(temporary.At());
   ASSERT_TRUE(folder && folder->MakeFolder("a"));
   temporary.Write("f", "x");
   for (const char* const name : {"", ".", "..", "a\\..", "a/b", "f:stream", "f::$DATA", "f.", "f ",
@@ -99,6 +106,7 @@ TEST(Windows, TakesNoNameThatIsMoreThanAnEntry) {
     EXPECT_FALSE(folder->Move("f", *folder, name)) << name;
   }
   EXPECT_TRUE(folder->OpenFile("f"));
+  EXPECT_TRUE(folder->MakeFolder(NarrowFromWide(u"運")));
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ class ReadersAgainstReference : public testing::TestWithParam<Dialect> {
     RandomRecordset random(seed);
     CRvoDbRes result;
     ReferenceTable reference;
-    const std::string path = (folder_.Path() / "reply.xml").string();
+    const std::string path = folder_.At("reply.xml");
     // At times a second file joins the first in one result set.
     for (int files = seed % 8 == 0 ? 2 : 1; files > 0; --files) {
       std::string file = (random.*GetParam().generate)();
@@ -41,7 +41,7 @@ class ReadersAgainstReference : public testing::TestWithParam<Dialect> {
 
   void SetUp() override {
     EmptyBinaryFolder();
-    std::snprintf(temp_files_.path, sizeof temp_files_.path, "%s", binary_folder_.string().c_str());
+    std::snprintf(temp_files_.path, sizeof temp_files_.path, "%s", folder_.At("cells").c_str());
   }
 
   void EmptyBinaryFolder() const {

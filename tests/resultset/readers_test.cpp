@@ -20,7 +20,7 @@ using Rows = std::vector<std::string>;
 class ReadersTest : public testing::Test {
  protected:
   ReadersTest() {
-    std::snprintf(temp_files_.path, sizeof temp_files_.path, "%s", folder_.Path().string().c_str());
+    std::snprintf(temp_files_.path, sizeof temp_files_.path, "%s", folder_.At().c_str());
   }
 
   bool Rowset(const std::string& file, CRvoDbRes& result) const {
@@ -240,8 +240,8 @@ TEST_F(ReadersTest, FilesWithoutTheirAnchorsAreRefused) {
     EXPECT_EQ(result.GetFieldCount(), anchor == "</T>" ? 1 : 0) << anchor;
   }
   CRvoDbRes result;
-  EXPECT_FALSE(ReadRowsetFile((folder_.Path() / "none").string().c_str(), result, temp_files_));
-  EXPECT_FALSE(ReadSchemaFile((folder_.Path() / "none").string().c_str(), result, temp_files_));
+  EXPECT_FALSE(ReadRowsetFile(folder_.At("none").c_str(), result, temp_files_));
+  EXPECT_FALSE(ReadSchemaFile(folder_.At("none").c_str(), result, temp_files_));
 }
 
 TEST_F(ReadersTest, ChunksEndAtTheirFirstNul) {
@@ -279,7 +279,7 @@ TEST_F(ReadersTest, RowsetBinaryCellsGetAFileEach) {
   EXPECT_EQ(BytesOf(paths[2]), "");
   EXPECT_EQ(paths[3], "");
   EXPECT_NE(paths[0], paths[1]);
-  EXPECT_TRUE(paths[0].starts_with((folder_.Path() / "cell_").string())) << paths[0];
+  EXPECT_TRUE(paths[0].starts_with(folder_.At("cell_"))) << paths[0];
   EXPECT_TRUE(paths[0].ends_with(".bin")) << paths[0];
   EXPECT_EQ(result.GetFiledLength(0), static_cast<int>(paths[0].size()));
 }
@@ -297,15 +297,14 @@ TEST_F(ReadersTest, SchemaBinaryCellsShareOneFile) {
     ASSERT_TRUE(Schema(SchemaHead("<xs:element name='a' type='xs:base64Binary'/>") +
                            "<T><a>eHl6</a></T><T><a>" + written + "</a></T><T/>",
                        result));
-    const std::string path = (folder_.Path() / "cell.bin").string();
+    const std::string path = folder_.At("cell.bin");
     EXPECT_EQ(RowsOf(result), (Rows{path, path, ""})) << written;
     EXPECT_EQ(BytesOf(path), bytes) << written;
   }
 }
 
 TEST_F(ReadersTest, ABinaryCellWithoutAFileIsEmpty) {
-  std::snprintf(temp_files_.path, sizeof temp_files_.path, "%s",
-                (folder_.Path() / "none").string().c_str());
+  std::snprintf(temp_files_.path, sizeof temp_files_.path, "%s", folder_.At("none").c_str());
   CRvoDbRes result;
   ASSERT_TRUE(Rowset(RowsetHead({"name='a' dt:type='bin.hex'"}) + "<z:row a='4a'/>", result));
   EXPECT_EQ(RowsOf(result), Rows{""});

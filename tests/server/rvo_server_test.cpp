@@ -93,7 +93,7 @@ TEST_F(RvoServer, CutsTheTypeAndTheModulesPathAsItsBuffersDo) {
   UseServerType(std::string(120, 't'));
   EXPECT_EQ(TypeOf("main", 1), std::string(99, 't'));
   // A path that is cut loses its file name, and perhaps a folder, but never gains one.
-  state_.module_file = (folder_.Path() / std::string(300, 'm')).string();
+  state_.module_file = folder_.At(std::string(300, 'm'));
   EXPECT_EQ(TypeOf("main", 2), std::string(99, 't'));
 }
 
@@ -112,10 +112,10 @@ TEST_F(RvoServer, ReadsAndSetsParametersOfTheStoredServer) {
 TEST_F(RvoServer, GivesTheCacheItsFolderAndClearsIt) {
   const std::string file = folder_.Write("answer", "x");
   EXPECT_EQ(CRvoServer::SetCachePath(file.c_str()), 0);
-  EXPECT_EQ(CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str()), 1);
+  EXPECT_EQ(CRvoServer::SetCachePath(folder_.At("cache").c_str()), 1);
   EXPECT_TRUE(state_.cache.Store("key", file, kCachePlain));
   EXPECT_EQ(CRvoServer::ClearCurCache(), 1);
-  EXPECT_FALSE(state_.cache.Find("key", folder_.Path().string()));
+  EXPECT_FALSE(state_.cache.Find("key", folder_.At()));
   EXPECT_EQ(CRvoServer::SetCachePath(nullptr), 1);
   EXPECT_EQ(CRvoServer::ClearCurCache(), 0);  // switched off
 }

@@ -17,7 +17,7 @@ class ModuleTest : public testing::Test {
   ModuleTest() {
     transport_.Reset();
     state_.Reset();
-    state_.module_file = (folder_.Path() / "libQvNetCall4.so").string();
+    state_.module_file = folder_.At("libQvNetCall4.so");
     CRvoServer::SetConinfo("main", 4000);
   }
   // By the file beside the module.

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <random>
 
+#include "platform/Platform.h"
+
 namespace qv {
 
 TempFolder::TempFolder() {
@@ -18,13 +20,17 @@ TempFolder::~TempFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+std::string TempFolder::At(const std::filesystem::path& name) const {
+  return platform::NarrowFromPath(name.empty() ? path_ : (path_ / name).make_preferred());
+}
+
 std::string TempFolder::Write(const std::string& name, const std::string& bytes) const {
-  const std::string path = (path_ / name).string();
+  const std::filesystem::path path = path_ / name;
   // A file that is cut and written anew makes some file systems wait for the disk; a new one does
   // not.
   std::filesystem::remove(path);
   std::ofstream(path, std::ios::binary) << bytes;
-  return path;
+  return At(name);
 }
 
 std::string BytesOf(const std::string& path) {

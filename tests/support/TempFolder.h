@@ -14,6 +14,8 @@ class TempFolder {
   TempFolder& operator=(const TempFolder&) = delete;
 
   [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
+  // The path of what stands in it, as the library takes paths.
+  [[nodiscard]] std::string At(const std::filesystem::path& name = {}) const;
   // Writes a file of that name and gives its path.
   std::string Write(const std::string& name, const std::string& bytes) const;
 

@@ -37,9 +37,14 @@ class ComDeathTest : public ModuleTest {
   ComDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
+// What stands beside the program.
+fs::path Beside(const char* name) {
+  return platform::PathFromNarrow(platform::ProgramFolder() + name);
+}
+
 // Of a component's file by another name: registers it, and lets go of it.
 void Register(const fs::path& file) {
-  void* const library = platform::OpenLibrary(file.string());
+  void* const library = platform::OpenLibrary(platform::NarrowFromPath(file));
   using Function = HRESULT(STDAPICALLTYPE*)();
   reinterpret_cast<Function>(platform::FindFunction(library, "DllRegisterServer"))();
   platform::CloseLibrary(library);
@@ -53,7 +58,7 @@ class Com : public ModuleTest {
 
 TEST_F(Com, FindsWhatIsRegisteredBeforeWhatIsBesideTheProgram) {
   const fs::path elsewhere = folder_.Path() / "Elsewhere.dll";
-  fs::copy_file(platform::ProgramFolder() + "QvCoFtp.dll", elsewhere);
+  fs::copy_file(Beside("QvCoFtp.dll"), elsewhere);
   Register(elsewhere);
   CRvoFtp ftp;
   EXPECT_EQ(ftp.FtpLogout(), 0);
@@ -85,8 +90,10 @@ TEST_F(Com, GivesTextsFromTheCodePageOfTheSystem) {
   CRvoFtp ftp;
   ftp.DeleteServerFile(texts.at(::GetACP()));
   ftp.RenameServerFile("", long_text.c_str());
+  ftp.DeleteServerPath("a\x81");  // no text at all
   EXPECT_THAT(script_.calls, ElementsAre(std::string("DeleteServerFile ") + shown,
-                                         "RenameServerFile ," + long_text));
+                                         "RenameServerFile ," + long_text,
+                                         testing::StartsWith("DeleteServerPath a")));
 }
 
 TEST_F(Com, SaysAboutFailuresWhatTheComponentSays) {
@@ -113,15 +120,15 @@ TEST_F(Com, EndsTheFtpComponentInsideItsApartment) {
 
 // Beside the program there is no file that could have been loaded before.
 int LiveWithoutComponents() {
-  const fs::path file = platform::ProgramFolder() + "QvCoFtp.dll";
-  const fs::path away = platform::ProgramFolder() + "Away.dll";
+  const fs::path file = Beside("QvCoFtp.dll");
+  const fs::path away = Beside("Away.dll");
   fs::rename(file, away);
   CRvoFtp ftp;
   const long first = ftp.FtpLogout();
   fs::rename(away, file);
   const long second = ftp.FtpLogout();
   CRvoCloudStorage cloud;
-  Register(platform::ProgramFolder() + "QvCoCSC.dll");
+  Register(Beside("QvCoCSC.dll"));
   const bool as_it_should = first == -100 && second == 0 && cloud.FtpLogout() == -100 &&
                             CRvoCloudStorage().FtpLogout() == 0;
   return as_it_should ? 0 : 1;
@@ -144,7 +151,7 @@ int EndTheCloudComponent() {
 }
 
 TEST_F(ComDeathTest, TheCloudComponentEndsOutsideItsApartment) {
-  Register(platform::ProgramFolder() + "QvCoCSC.dll");
+  Register(Beside("QvCoCSC.dll"));
   EXPECT_EXIT(std::exit(EndTheCloudComponent()), testing::ExitedWithCode(0), "");
 }
 

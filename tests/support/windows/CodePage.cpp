@@ -1,0 +1,27 @@
+// For test programs in a code page that is not UTF-8, as hosts have one.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <clocale>
+#include <filesystem>
+
+namespace qv {
+namespace {
+
+class InCodePage : public testing::Environment {
+ public:
+  // Files go into a folder whose name other code pages lack, and of which bytes are a separator's.
+  void SetUp() override {
+    ASSERT_EQ(::GetACP(), UINT{QV_CODE_PAGE});
+    // What the tests themselves make of paths follows the locale; the library is to need none.
+    ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
+    const auto folder = std::filesystem::temp_directory_path() / u8"運图運";
+    std::filesystem::create_directories(folder);
+    ASSERT_NE(::SetEnvironmentVariableW(L"TMP", folder.c_str()), FALSE);
+  }
+};
+
+[[maybe_unused]] const auto* const kEnvironment = testing::AddGlobalTestEnvironment(new InCodePage);
+
+}  // namespace
+}  // namespace qv
