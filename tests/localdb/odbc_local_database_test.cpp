@@ -25,7 +25,7 @@ class DirectAccess : public testing::Test {
  protected:
   DirectAccess() {
     std::filesystem::create_directory(Blobs());
-    UseBlobFolder(Blobs().string());
+    UseBlobFolder(folder_.At("blobs"));
     EXPECT_EQ(database_.Open("DESIGN", ConnectionText("design").c_str()), 1)
         << database_.LastError();
   }
@@ -39,7 +39,7 @@ class DirectAccess : public testing::Test {
   }
   // The file's name must reach the driver as it stands.
   std::string ConnectionText(const std::string& name) const {
-    return "Driver=SQLite3;SyncPragma=OFF;Database=" + (folder_.Path() / ("图纸 " + name)).string();
+    return "Driver=SQLite3;SyncPragma=OFF;Database=" + folder_.At(u8"图纸 ") + name;
   }
   void Run(const std::string& sql) {
     EXPECT_EQ(database_.Execute(CString(std::string_view(sql)), "DESIGN"), 0)
@@ -136,15 +136,19 @@ TEST_F(DirectAccess, BringsManyColumnsAndLongNames) {
   EXPECT_THAT(name, StartsWith(std::string(rows.GetFiledName(1900).View())));
 }
 
+TEST_F(DirectAccess, KeepsTheDatabaseWhereTheTextSays) {
+  Run("create table T (Id int)");
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
+}
+
 TEST_F(DirectAccess, WritesBinaryCellsToFiles) {
   Run("create table T (Id int, B blob)");
   Run("insert into T values (1, x'0001FF27'), (2, zeroblob(150000)), (3, x''), (4, null)");
   CRvoDbRes rows;
   Query("select B, Id from T order by Id", rows);
-  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
   EXPECT_EQ(BytesOf(rows._str(0, 0).View().data()), std::string("\x00\x01\xFF'", 4));
   EXPECT_EQ(BytesOf(rows._str(1, 0).View().data()), std::string(150000, '\0'));
-  EXPECT_THAT(rows._str(0, 0).View().data(), StartsWith((Blobs() / "qv_").string()));
+  EXPECT_THAT(rows._str(0, 0).View().data(), StartsWith(folder_.At("blobs/qv_")));
   EXPECT_EQ(rows._str(2, 0), "");
   EXPECT_EQ(rows._str(3, 0), "");
   EXPECT_EQ(rows._str(3, 1), "4");

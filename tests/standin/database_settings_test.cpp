@@ -6,6 +6,8 @@
 
 #include <filesystem>
 
+#include "platform/Folder.h"
+#include "platform/Platform.h"
 #include "standin/CommandTable.h"
 #include "tests/support/TempFolder.h"
 
@@ -18,8 +20,9 @@ using testing::Not;
 class DatabaseSettingsTest : public testing::Test {
  protected:
   std::string Write(const std::string& text) const {
-    const std::string file = folder_.Write("databases.json", text);
-    std::filesystem::permissions(file, std::filesystem::perms(0600));
+    const std::string file = folder_.At("databases.json");
+    const platform::FilePtr stream(platform::CreatePrivateFile(file, platform::Create::kAlways));
+    EXPECT_EQ(std::fwrite(text.data(), 1, text.size(), stream.get()), text.size());
     return file;
   }
 

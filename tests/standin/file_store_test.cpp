@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <set>
 #include <sstream>
 #include <thread>
 
@@ -35,6 +36,9 @@ constexpr char kBadNames[] =
     "a\rb;a\tb;\1;a\x7f;a*;a?b;\"a\";<a>;a|b;CON;con;PRN;AUX;nul;NUL.txt;Aux .x;COM1;com9.dwg;LPT0;"
     "lpt5;COM\u00B2;CONIN$;conout$;a/CON/b;link;link/inside;loop;drawings/link/x;pipe";
 
+// Those of them that are only there where the system has such things.
+const std::set<std::string> kLinks{"link", "loop", "pipe"};
+
 std::vector<std::string> BadNames() {
   std::vector<std::string> names{std::string("\0", 1), std::string("a\0b", 3)};
   std::istringstream all(kBadNames);
@@ -49,11 +53,8 @@ class FileStoreTest : public testing::Test {
     const fs::path outside = folder_.Path() / "outside";
     fs::create_directory(outside);
     folder_.Write("outside/inside", "secret");
-    // Where there are none, no name leads out.
-    MakeLink(outside, Top() / "link");
-    MakeLink(outside, Top() / "drawings" / "link");
-    MakeLink("loop", Top() / "loop");
-    MakePipe(Top() / "pipe");
+    links_ = MakeLink(outside, Top() / "link") && MakeLink(outside, Top() / "drawings" / "link") &&
+             MakeLink("loop", Top() / "loop") && MakePipe(Top() / "pipe");
   }
 
   fs::path Top() const { return folder_.Path() / "data" / "files"; }
@@ -71,6 +72,7 @@ class FileStoreTest : public testing::Test {
     return names;
   }
 
+  bool links_ = false;  // whether there are any, and pipes
   const TempFolder folder_;
   DataFolder data_{(folder_.Path() / "data").string()};
   WorkLimit limit_{std::chrono::seconds(30), [] { return false; }};
@@ -88,6 +90,7 @@ TEST_F(FileStoreTest, NothingLeadsOutOfTheStores) {
   const auto before = everything();
   ASSERT_GE(BadNames().size(), 60U);
   for (const std::string& bad : BadNames()) {
+    if (!links_ && kLinks.count(bad) != 0) continue;
     for (const std::string& path : {bad, bad + "/x", "drawings\\" + bad}) {
       // What is left of these behind a folder leads to nothing, or to something harmless.
       if (path == "drawings\\pipe" || path == "drawings\\loop") continue;
@@ -103,7 +106,7 @@ TEST_F(FileStoreTest, NothingLeadsOutOfTheStores) {
       EXPECT_EQ(Names(path, "*").front(), path == "." ? "readme.txt" : "refused") << path;
     }
     // There are no links in the other store, and a name is not a path there.
-    if (bad == "link" || bad == "loop" || bad == "pipe") continue;
+    if (kLinks.count(bad) != 0) continue;
     EXPECT_EQ(data_.Ids().Put({7, bad}, upload).code, ErrorCode::kBadName) << bad;
     EXPECT_EQ(data_.Ids().Open({7, bad}, opened).code, ErrorCode::kBadName) << bad;
   }
