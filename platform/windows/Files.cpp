@@ -9,6 +9,7 @@
 #include "../Platform.h"
 #include "Handle.h"
 #include "OwnerOnly.h"
+#include "Patience.h"
 
 namespace qv::platform {
 
@@ -132,7 +133,10 @@ std::filesystem::file_type TypeOf(const std::string& path) {
 bool RemoveFile(const std::string& path) { return ::DeleteFileA(path.c_str()) != FALSE; }
 
 bool ReplaceByRename(const std::string& from, const std::string& to) {
-  return ::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE;
+  return Patiently([&] {
+    const BOOL moved = ::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING);
+    return moved != FALSE ? ERROR_SUCCESS : ::GetLastError();
+  });
 }
 
 bool FlushToDisk(std::FILE* file) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "../Platform.h"
+#include "Patience.h"
 
 namespace qv::platform {
 
@@ -78,9 +79,11 @@ bool RenameInto(HANDLE object, HANDLE folder, const std::string& name) {
   rename->RootDirectory = folder;
   rename->FileNameLength = static_cast<DWORD>(bytes);
   std::memcpy(rename->FileName, wide->data(), bytes);
-  IO_STATUS_BLOCK status{};
-  return NT_SUCCESS(
-      NtSetInformationFile(object, &status, rename, static_cast<ULONG>(size), kRename));
+  return Patiently([&] {
+    IO_STATUS_BLOCK status{};
+    return ::RtlNtStatusToDosError(
+        NtSetInformationFile(object, &status, rename, static_cast<ULONG>(size), kRename));
+  });
 }
 
 }  // namespace qv::platform
