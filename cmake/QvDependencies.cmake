@@ -38,3 +38,14 @@ if(QV_BUILD_TESTS)
   find_package(GTest REQUIRED)
   include(GoogleTest)
 endif()
+
+if(MINGW)
+  # The compiler's own libraries, beside the programs and libraries as on every machine that these go to.
+  foreach(runtime IN ITEMS libstdc++-6 libgcc_s_seh-1 libwinpthread-1 zlib1)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}.dll
+      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    list(APPEND QV_RUNTIME_LIBRARIES ${file})
+  endforeach()
+  file(COPY ${QV_RUNTIME_LIBRARIES} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  install(PROGRAMS ${QV_RUNTIME_LIBRARIES} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
