@@ -81,8 +81,7 @@ bool CopyFile(const std::string& source, const std::string& target, Flush flush)
 }
 
 std::string NewCopyPath(const std::string& folder) {
-  std::string path = folder;
-  if (platform::FolderLength(path) < path.size()) path += platform::kSeparator;
+  std::string path = folder.empty() ? folder : platform::WithSeparator(folder);
   return path.append("TempClient_").append(platform::NewGuid()).append(".txt");
 }
 

@@ -16,8 +16,12 @@ namespace qv::platform {
 extern const char kSeparator;
 
 // How much of a local path is the folder, with the separator at its end; 0 when it names none. A
-// byte that is half of a character separates nothing.
+// byte that is half of a character separates nothing; on Windows either slash does.
 [[nodiscard]] std::size_t FolderLength(std::string_view path);
+[[nodiscard]] std::string FolderOf(const std::string& path);
+
+// A folder with kSeparator at its end, which is added unless it is there.
+[[nodiscard]] std::string WithSeparator(std::string folder);
 
 // The system's folder for temporary files, with a separator at its end: an absolute path of at most
 // 259 bytes.

@@ -53,10 +53,8 @@ constexpr std::array<std::uint8_t, 256> kBase64Digits = MakeBase64Digits();
 }  // namespace
 
 BinaryCells::BinaryCells(const tagTEMPFILEINFO& files)
-    : base_(Text(files.path)), extension_('.' + Text(files.ext)) {
-  if (base_.empty() || platform::FolderLength(base_) < base_.size()) base_ += platform::kSeparator;
-  base_ += Text(files.prefix);
-}
+    : base_(platform::WithSeparator(Text(files.path)) + Text(files.prefix)),
+      extension_('.' + Text(files.ext)) {}
 
 std::string HexCells::Write(std::string_view text) {
   return text.empty() ? std::string() : WriteBytes(DecodeHex(text));

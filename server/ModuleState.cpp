@@ -30,8 +30,7 @@ void ModuleState::Reset() {
 }
 
 std::string ModuleFolder(std::size_t max_path) {
-  const std::string path = ModuleState::Get().module_file.substr(0, max_path);
-  return path.substr(0, platform::FolderLength(path));
+  return platform::FolderOf(ModuleState::Get().module_file.substr(0, max_path));
 }
 
 }  // namespace qv

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "../Platform.h"
 
@@ -57,7 +58,7 @@ std::string TempFolder() {
   std::string folder = named != nullptr ? named : "";
   // A relative one would move with the working directory, and one that is cut is another folder.
   if (!folder.starts_with(kSeparator)) return kDefaultTempFolder;
-  if (!folder.ends_with(kSeparator)) folder += kSeparator;
+  folder = WithSeparator(std::move(folder));
   return folder.size() <= kMaxTempFolder ? folder : kDefaultTempFolder;
 }
 

@@ -54,10 +54,10 @@ bool IsOrdinaryFile(HANDLE handle) {
 // What is below the drive or the server's share, without separators at its end; empty when nothing
 // is.
 std::string FolderAbove(const std::string& path) {
-  const std::u16string wide = WideFromNarrow(path).value_or(u"");
-  const std::size_t end = wide.find_last_not_of(u"\\/");
-  const std::size_t cut = end == wide.npos ? end : wide.find_last_of(u"\\/", end);
-  return cut == wide.npos ? std::string() : NarrowFromWide(wide.substr(0, cut));
+  std::string_view rest = path;
+  while (!rest.empty() && FolderLength(rest) == rest.size()) rest.remove_suffix(1);
+  const std::size_t length = FolderLength(rest);
+  return std::string(rest.substr(0, length == 0 ? 0 : length - 1));
 }
 
 }  // namespace

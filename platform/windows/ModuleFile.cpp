@@ -24,9 +24,6 @@ std::string FileOf(HMODULE module) {
 
 std::string ModuleFile() { return FileOf(reinterpret_cast<HMODULE>(&__ImageBase)); }
 
-std::string ProgramFolder() {
-  const std::string program = FileOf(nullptr);
-  return program.substr(0, FolderLength(program));
-}
+std::string ProgramFolder() { return FolderOf(FileOf(nullptr)); }
 
 }  // namespace qv::platform

@@ -1,7 +1,6 @@
 #include "RelativeOpen.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
@@ -21,30 +20,33 @@ extern "C" NTSTATUS NTAPI NtSetInformationFile(HANDLE, PIO_STATUS_BLOCK, PVOID, 
                                                FILE_INFORMATION_CLASS);
 
 // Whether a name up to its first dot is that of a device, in whatever folder.
-bool IsDevice(std::string_view name) {
-  std::string stem(name.substr(0, name.find('.')));
-  stem.resize(stem.find_last_not_of(' ') + 1);
-  std::transform(stem.begin(), stem.end(), stem.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  if (stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT"))) {
-    return stem[3] >= '0' && stem[3] <= '9';
+bool IsDevice(std::u16string_view name) {
+  std::u16string stem(name.substr(0, name.find(u'.')));
+  stem.resize(stem.find_last_not_of(u' ') + 1);
+  std::transform(stem.begin(), stem.end(), stem.begin(), [](char16_t c) {
+    return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
+  });
+  if (stem.size() == 4 && (stem.starts_with(u"COM") || stem.starts_with(u"LPT"))) {
+    return std::u16string_view(u"0123456789\u00B9\u00B2\u00B3").find(stem[3]) != stem.npos;
   }
-  constexpr std::string_view kDevices[] = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  constexpr std::u16string_view kDevices[] = {u"CON", u"PRN",    u"AUX",
+                                              u"NUL", u"CONIN$", u"CONOUT$"};
   return std::find(std::begin(kDevices), std::end(kDevices), stem) != std::end(kDevices);
 }
 
-bool IsPlain(std::string_view name, std::u16string_view wide) {
-  constexpr std::u16string_view kOdd = u"\\/:*?\"<>|";
-  const bool odd = std::any_of(wide.begin(), wide.end(),
-                               [&](char16_t c) { return c < 0x20 || kOdd.find(c) != kOdd.npos; });
+// Judged in UTF-16: in a narrow code page a byte of these may be half of another character.
+bool IsPlain(std::u16string_view name) {
+  const bool odd = std::any_of(name.begin(), name.end(), [](char16_t c) {
+    return c < 0x20 || std::u16string_view(u"\\/:*?\"<>|").find(c) != std::u16string_view::npos;
+  });
   // A dot or a blank at the end would be cut off by others.
-  return !odd && !name.ends_with('.') && !name.ends_with(' ') && !IsDevice(name);
+  return !odd && !name.ends_with(u'.') && !name.ends_with(u' ') && !IsDevice(name);
 }
 
 // A name as the native functions take it; nothing when it is not plain.
 std::optional<std::u16string> NativeName(const std::string& name) {
   auto wide = WideFromNarrow(name);
-  if (!wide || !IsPlain(name, *wide) || wide->size() > 255) return std::nullopt;
+  if (!wide || !IsPlain(*wide) || wide->size() > 255) return std::nullopt;
   return wide;
 }
 

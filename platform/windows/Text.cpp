@@ -59,7 +59,7 @@ std::size_t FolderLength(std::string_view path) {
   for (std::size_t at = 0; at < path.size(); ++at) {
     if (::IsDBCSLeadByte(static_cast<BYTE>(path[at])) != FALSE) {
       ++at;  // the second half may be the separator's byte
-    } else if (path[at] == kSeparator) {
+    } else if (path[at] == '\\' || path[at] == '/') {
       length = at + 1;
     }
   }

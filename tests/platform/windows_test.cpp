@@ -38,6 +38,9 @@ TEST(Windows, TakesNoHalfOfACharacterForASeparator) {
   const std::string folder = NarrowFromWide(u"C:\\運\\");
   EXPECT_EQ(FolderLength(folder + NarrowFromWide(u"図運.exe")), folder.size());
   EXPECT_EQ(FolderLength(NarrowFromWide(u"運")), 0u);
+  EXPECT_EQ(WithSeparator(NarrowFromWide(u"図運")), NarrowFromWide(u"図運\\"));
+  EXPECT_EQ(WithSeparator(folder), folder);
+  EXPECT_EQ(FolderLength("C:/a"), 3u);
 }
 
 struct Counted {

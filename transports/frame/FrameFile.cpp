@@ -13,9 +13,7 @@ namespace {
 // Beside `path`, so that taking the name is one step; not made from the file's own name, which may
 // be as long as a name can be.
 std::string TemporaryBeside(const std::string& path) {
-  const std::size_t separator = path.rfind(platform::kSeparator);
-  const std::size_t name = separator == std::string::npos ? 0 : separator + 1;
-  return path.substr(0, name) + "~" + platform::NewGuid() + ".part";
+  return platform::FolderOf(path) + "~" + platform::NewGuid() + ".part";
 }
 
 }  // namespace
