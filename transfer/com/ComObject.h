@@ -64,7 +64,11 @@ class ComReference {
  private:
   template <class Entry, class... Args>
   HRESULT CallCarried(Entry entry, const Args&... args) const {
-    if ((IsLost(args) || ...)) return E_OUTOFMEMORY;
+    if ((IsLost(args) || ...)) {
+      // What an earlier call left on the thread is not about this one.
+      static_cast<void>(::SetErrorInfo(0, nullptr));
+      return E_OUTOFMEMORY;
+    }
     return entry(object_, Passed(args)...);
   }
 
