@@ -43,6 +43,15 @@ TEST(Windows, TakesNoHalfOfACharacterForASeparator) {
   EXPECT_EQ(FolderLength("C:/a"), 3u);
 }
 
+TEST(Windows, KeepsTheTransportsLoaded) {
+  for (const std::string name : {"QvNetClient4.dll", "QvHttpClient.dll"}) {
+    void* const library = OpenLibrary(ProgramFolder() + name);
+    ASSERT_NE(library, nullptr) << name;
+    CloseLibrary(library);
+    EXPECT_EQ(::GetModuleHandleA(name.c_str()), library);
+  }
+}
+
 struct Counted {
   Counted() { ++alive; }
   ~Counted() { --alive; }
