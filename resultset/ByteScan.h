@@ -1,7 +1,9 @@
 // Finding bytes and markers in text, exactly and fast.
 #pragma once
 
-#if defined(__SSE2__)
+// What the one compiler calls by its name, the other has in everything for 64 bits.
+#if defined(__SSE2__) || defined(_M_X64)
+#define QV_HAS_SSE2
 #include <emmintrin.h>
 #endif
 
@@ -24,7 +26,7 @@ inline std::uint64_t LoadWord(const char* p) {
 // How far scans may look behind the end of what they scan.
 constexpr std::size_t kScanSlack = 16;
 
-#if defined(__SSE2__)
+#if defined(QV_HAS_SSE2)
 constexpr std::ptrdiff_t kScanStep = 16;
 // A bit for each of the sixteen bytes at `p` that is `wanted`, the first byte's lowest.
 inline std::uint32_t MatchBytes(const char* p, char wanted) {
