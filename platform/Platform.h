@@ -96,6 +96,9 @@ bool RemoveFile(const std::string& path);
 // The same for a file that is closed; a link is none.
 [[nodiscard]] bool FlushFileToDisk(const std::string& path);
 
+// From now on, writing to a file that may not grow further fails and does not end the process.
+void SurviveFileLimits();
+
 // Asks for large pages under `bytes` of memory at `start` that were not touched yet. Only speed
 // depends on it.
 void PreferLargePages(void* start, std::size_t bytes);

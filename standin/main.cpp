@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "StandIn.h"
+#include "platform/Platform.h"
 
 namespace {
 
@@ -30,9 +31,7 @@ int Run(const qv::StandInOptions& options) {
     boost::system::error_code ignored;
     signals.clear(ignored);
   });
-#ifdef SIGXFSZ
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is that request's failure only
-#endif
+  qv::platform::SurviveFileLimits();  // a file that may not grow is that request's failure only
 
   qv::StandIn server(options);
   std::string error;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -120,5 +121,7 @@ bool FlushFileToDisk(const std::string& path) {
   ::close(file);
   return flushed;
 }
+
+void SurviveFileLimits() { std::signal(SIGXFSZ, SIG_IGN); }
 
 }  // namespace qv::platform
