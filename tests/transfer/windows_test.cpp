@@ -81,6 +81,15 @@ TEST_F(Com, RunsAnObjectBeforeItAsksForItsInterfaceAndEndsOneWithoutIt) {
   EXPECT_EQ(script_.alive, 0);
 }
 
+TEST_F(Com, TakesNoObjectThatDoesNotRun) {
+  script_.hresults["Run"] = E_FAIL;
+  CRvoFtp ftp;
+  EXPECT_EQ(ftp.FtpLogout(), -100);
+  EXPECT_EQ(script_.alive, 0);
+  script_.hresults["Run"] = S_OK;
+  EXPECT_EQ(ftp.FtpLogout(), 0);
+}
+
 TEST_F(Com, GivesTextsFromTheCodePageOfTheSystem) {
   const std::map<UINT, const char*> texts = {
       {936, "\xD6\xD0"}, {1252, "\xE9"}, {CP_UTF8, "\xE4\xB8\xAD"}};
@@ -111,6 +120,7 @@ TEST_F(Com, SaysAboutFailuresWhatTheComponentSays) {
   };
   EXPECT_EQ(failure(false), L"FtpLogout");
   EXPECT_EQ(failure(true), L"");  // although there is something on the thread
+  EXPECT_EQ(script_.alive, 0);
 }
 
 TEST_F(Com, EndsTheFtpComponentInsideItsApartment) {
@@ -120,6 +130,10 @@ TEST_F(Com, EndsTheFtpComponentInsideItsApartment) {
 
 // Beside the program there is no file that could have been loaded before.
 int LiveWithoutComponents() {
+  { const CRvoFtp entered; }
+  APTTYPE type{};
+  APTTYPEQUALIFIER qualifier{};
+  const bool stays = SUCCEEDED(::CoGetApartmentType(&type, &qualifier));
   const fs::path file = Beside("QvCoFtp.dll");
   const fs::path away = Beside("Away.dll");
   fs::rename(file, away);
@@ -129,7 +143,7 @@ int LiveWithoutComponents() {
   const long second = ftp.FtpLogout();
   CRvoCloudStorage cloud;
   Register(Beside("QvCoCSC.dll"));
-  const bool as_it_should = first == -100 && second == 0 && cloud.FtpLogout() == -100 &&
+  const bool as_it_should = stays && first == -100 && second == 0 && cloud.FtpLogout() == -100 &&
                             CRvoCloudStorage().FtpLogout() == 0;
   return as_it_should ? 0 : 1;
 }

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <oleauto.h>
+#include <oleidl.h>
 
 #include "../Script.h"
 
@@ -42,7 +43,7 @@ inline HRESULT HeardQuestion(BSTR path, long* out) {
 
 // `Entries` are the table of the interface. The rest comes behind them, so that it moves none.
 template <class Entries>
-class Scripted final : public Entries, public ISupportErrorInfo {
+class Scripted final : public Entries, public ISupportErrorInfo, public IRunnableObject {
  public:
   Scripted() { ++script.alive; }
 
@@ -51,6 +52,8 @@ class Scripted final : public Entries, public ISupportErrorInfo {
     *out = nullptr;
     if (id == IID_ISupportErrorInfo && !script.silent) {
       *out = static_cast<ISupportErrorInfo*>(this);
+    } else if (id == IID_IRunnableObject && script.hresults.contains("Run")) {
+      *out = static_cast<IRunnableObject*>(this);
     } else if (id == IID_IUnknown || (id == kServerClass.interface_id && !script.absent)) {
       *out = static_cast<IDispatch*>(this);
     }
@@ -67,6 +70,11 @@ class Scripted final : public Entries, public ISupportErrorInfo {
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
     return id == kServerClass.interface_id ? S_OK : S_FALSE;
   }
+  HRESULT STDMETHODCALLTYPE GetRunningClass(LPCLSID) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Run(LPBINDCTX) override { return script.hresults["Run"]; }
+  BOOL STDMETHODCALLTYPE IsRunning() override { return FALSE; }
+  HRESULT STDMETHODCALLTYPE LockRunning(BOOL, BOOL) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SetContainedObject(BOOL) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
