@@ -89,11 +89,10 @@ std::string NewCopyPath(const std::string& folder) {
 
 std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
   // The host may change its working directory later, and the index is opened through no link.
-  std::error_code error;
-  const fs::path absolute = fs::absolute(platform::PathFromNarrow(path), error);
-  if (error) return nullptr;
-  const std::string whole = platform::NarrowFromPath(fs::weakly_canonical(absolute, error) / "");
-  if (error || whole.size() + kNameLength >= kPathLimit) return nullptr;
+  const std::optional<std::string> absolute = platform::AbsolutePath(path);
+  if (!absolute) return nullptr;
+  const std::string whole = platform::WithSeparator(*absolute);
+  if (whole.size() + kNameLength >= kPathLimit) return nullptr;
   if (!platform::CreatePrivateFolder(whole)) return nullptr;
   std::unique_ptr<CacheIndex> index = CacheIndex::Open(whole + kIndexName);
   if (index == nullptr) return nullptr;

@@ -112,6 +112,10 @@ void PreferLargePages(void* start, std::size_t bytes);
 [[nodiscard]] std::string NarrowFromWide(std::u16string_view wide);
 void AppendNarrow(std::u16string_view wide, std::string& text);
 
+// The same place as an absolute path, whatever the working directory will be; without links where
+// paths may have some. Nothing when the system does not tell.
+[[nodiscard]] std::optional<std::string> AbsolutePath(const std::string& path);
+
 // What stands at a path, a link for itself, wherever it leads.
 [[nodiscard]] std::filesystem::file_type TypeOf(const std::string& path);
 

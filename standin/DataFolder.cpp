@@ -59,11 +59,10 @@ Outcome DataFolder::Prepare() {
       return {ErrorCode::kNoDatabase, "cannot make the folder " + folder};
     }
   }
-  std::error_code error;
   // Links on the way to the folder are its owner's business; behind it none is followed.
-  path_ =
-      platform::NarrowFromPath(std::filesystem::canonical(platform::PathFromNarrow(path_), error));
-  if (error) return {ErrorCode::kNoDatabase, error.message()};
+  std::optional<std::string> whole = platform::AbsolutePath(path_);
+  if (!whole) return {ErrorCode::kNoDatabase, "cannot tell where the folder " + path_ + " is"};
+  path_ = std::move(*whole);
   if (Outcome locked = Lock(); !locked.Ok()) return locked;
   RemoveFilesIn(AnswerFolder());
   RemoveFilesIn(IncomingFolder());

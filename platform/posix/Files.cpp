@@ -101,6 +101,14 @@ bool CreatePrivateFolder(const std::string& path) {
   return ::mkdir(path.c_str(), S_IRWXU) == 0 || std::filesystem::is_directory(folder, error);
 }
 
+std::optional<std::string> AbsolutePath(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  if (error) return std::nullopt;
+  std::string whole = std::filesystem::weakly_canonical(absolute, error).string();
+  return error ? std::nullopt : std::optional(std::move(whole));
+}
+
 std::filesystem::file_type TypeOf(const std::string& path) {
   std::error_code error;
   return std::filesystem::symlink_status(path, error).type();

@@ -122,6 +122,19 @@ bool CreatePrivateFolder(const std::string& path) {
   return ::CreateDirectoryA(path.c_str(), rights.Attributes()) != FALSE || IsFolder(path);
 }
 
+// The standard library of MinGW does not see that a path begins with a server, and would make one
+// of this machine's out of it.
+std::optional<std::string> AbsolutePath(const std::string& path) {
+  std::string whole(MAX_PATH, '\0');
+  for (;;) {
+    const DWORD room = static_cast<DWORD>(whole.size());
+    const DWORD length = ::GetFullPathNameA(path.c_str(), room, whole.data(), nullptr);
+    if (length == 0) return std::nullopt;
+    whole.resize(length);
+    if (length < room) return whole;
+  }
+}
+
 std::filesystem::file_type TypeOf(const std::string& path) {
   const DWORD attributes = ::GetFileAttributesA(path.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES) {

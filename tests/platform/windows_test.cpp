@@ -121,5 +121,14 @@ TEST(Windows, TakesNoNameThatIsMoreThanAnEntry) {
   EXPECT_TRUE(folder->MakeFolder(NarrowFromWide(u"運")));
 }
 
+TEST(Windows, KnowsWherePathsLeadFromAnyFolder) {
+  const std::string here = AbsolutePath(".").value_or("");
+  EXPECT_EQ(AbsolutePath("a\\..\\b"), here + "\\b");
+  for (const char* const whole : {"\\\\server\\share\\c", "\\\\?\\C:\\c", "C:\\c"}) {
+    EXPECT_EQ(AbsolutePath(whole), whole);
+  }
+  EXPECT_EQ(AbsolutePath(""), std::nullopt);
+}
+
 }  // namespace
 }  // namespace qv::platform

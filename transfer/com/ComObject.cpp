@@ -15,7 +15,9 @@ static_assert(kAnywhere == 23);
 // since what lies on the thread is another's then.
 IErrorInfo* TakeErrorInfo(IUnknown* object, const IID& iid) {
   void* found = nullptr;
-  if (FAILED(object->QueryInterface(IID_ISupportErrorInfo, &found))) return nullptr;
+  if (FAILED(object->QueryInterface(IID_ISupportErrorInfo, &found)) || found == nullptr) {
+    return nullptr;
+  }
   auto* const support = static_cast<ISupportErrorInfo*>(found);
   const bool says = support->InterfaceSupportsErrorInfo(iid) == S_OK;
   support->Release();
@@ -28,7 +30,8 @@ IErrorInfo* TakeErrorInfo(IUnknown* object, const IID& iid) {
 // An object that may live elsewhere has to run before it is asked for its interface.
 void* CreateComObject(const CLSID& class_id, const IID& iid) {
   void* made = nullptr;
-  if (FAILED(::CoCreateInstance(class_id, nullptr, kAnywhere, IID_IUnknown, &made))) return nullptr;
+  const HRESULT created = ::CoCreateInstance(class_id, nullptr, kAnywhere, IID_IUnknown, &made);
+  if (FAILED(created) || made == nullptr) return nullptr;
   auto* const unknown = static_cast<IUnknown*>(made);
   void* object = nullptr;
   if (FAILED(::OleRun(unknown)) || FAILED(unknown->QueryInterface(iid, &object))) object = nullptr;
