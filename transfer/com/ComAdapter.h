@@ -1,0 +1,53 @@
+// The calls that both components take in the same words.
+#pragma once
+
+#include "ComObject.h"
+
+namespace qv {
+
+// A component as the queues know it: `Contract` is IQvCoFtp or IQvCoCSC, `Object` and `Table` are
+// what stands behind it. A text for which there is no memory fails its call with E_OUTOFMEMORY.
+template <class Contract, class Object, class Table>
+class ComAdapter : public Contract {
+ public:
+  HRESULT FtpLogout(long* result) final { return component_.Call(&Table::FtpLogout, result); }
+  HRESULT AddUploadFile(const char* first, const char* second) final {
+    return component_.Call(&Table::AddUploadFile, first, second);
+  }
+  HRESULT AddDownloadFile(const char* first, const char* second) final {
+    return component_.Call(&Table::AddDownloadFile, first, second);
+  }
+  HRESULT RenameServerFile(const char* old_path, const char* new_path, long* result) final {
+    return component_.Call(&Table::RenameServerFile, old_path, new_path, result);
+  }
+  HRESULT DeleteServerFile(const char* path, long* result) final {
+    return component_.Call(&Table::DeleteServerFile, path, result);
+  }
+  HRESULT DeleteServerPath(const char* path, long* result) final {
+    return component_.Call(&Table::DeleteServerPath, path, result);
+  }
+  HRESULT IsOperatorFileSuc(const char* path, long* result) final {
+    return component_.Call(&Table::IsOperatorFileSuc, path, result);
+  }
+  HRESULT AddCopyServerFile(const char* first, const char* second) final {
+    return component_.Call(&Table::AddCopyServerFile, first, second);
+  }
+  HRESULT CopyServerFile(long option, long* count) final {
+    return component_.Call(&Table::CopyServerFile, option, count);
+  }
+  HRESULT GetLastResult(long* result) final {
+    return component_.Call(&Table::GetLastResult, result);
+  }
+  void Release() final { delete this; }
+
+  IUnknown* Unknown() const { return component_.Unknown(); }
+
+ protected:
+  // Takes over the caller's reference.
+  explicit ComAdapter(Object* object) : component_(object) {}
+  virtual ~ComAdapter() = default;
+
+  const ComReference<Object> component_;
+};
+
+}  // namespace qv
