@@ -16,3 +16,4 @@
 #include "qvnetcall/RvoServer.h"
 #include "qvnetcall/ServerRecords.h"
 #include "qvnetcall/TempFileInfo.h"
+#include "qvnetcall/Version.h"

@@ -1,0 +1,10 @@
+// The version that hosts compile against is the one that the build and the package manifest have.
+#include "qvnetcall/Version.h"
+
+#include <string_view>
+
+static_assert(QVNETCALL_VERSION_MAJOR == BUILD_MAJOR);
+static_assert(QVNETCALL_VERSION_MINOR == BUILD_MINOR);
+static_assert(QVNETCALL_VERSION_PATCH == BUILD_PATCH);
+static_assert(std::string_view(QVNETCALL_VERSION_TEXT) == BUILD_TEXT);
+static_assert(std::string_view(QVNETCALL_VERSION_TEXT) == MANIFEST_TEXT);
