@@ -9,10 +9,6 @@
 #include "qvnetcall/framework/String.h"
 #include "qvnetcall/framework/StringArray.h"
 
-namespace qv {
-struct DatabasePeer;  // what tests reach the private members through
-}
-
 // All members are static. Queries may run on several threads at once, each with a result set of its
 // own, but for those on one local database that each call opens (CRvoServer::CareOpenDBConn); the
 // two set-up calls SetFileTempInfo and Ini are to be called while no other call runs. Pointers are
@@ -99,8 +95,6 @@ class QVNETCALL_API CRvoDatabase {
   static std::atomic<int>& m_DefaultDisplayDomain;
 
  private:
-  friend struct qv::DatabasePeer;
-
   // Loads the settings when they are due. 0 loaded or not due; 1, 2, 3 and transport results as
   // SelectSQL has them.
   static int UpdateServerIsCompressInfo();

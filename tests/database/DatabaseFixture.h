@@ -14,16 +14,7 @@
 #include "tests/support/ModuleTest.h"
 #include "tests/support/Shape.h"
 
-namespace qv {
-
-// Reaches the private members of CRvoDatabase.
-struct DatabasePeer {
-  static int UpdateSettings() { return CRvoDatabase::UpdateServerIsCompressInfo(); }
-  static int CanCompress() { return CRvoDatabase::IsCanUseCompressMode(); }
-  static int IsOffline(int need) { return CRvoDatabase::IsCanUseOffCache(need); }
-};
-
-namespace test {
+namespace qv::test {
 
 // A rowset with one text column per name and two rows, for the socket server: the given one, and
 // one of ones, which nobody asked for.
@@ -160,5 +151,4 @@ class DatabaseFixture : public ModuleTest {
   int settings_result_ = 0;
 };
 
-}  // namespace test
-}  // namespace qv
+}  // namespace qv::test

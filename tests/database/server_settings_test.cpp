@@ -6,6 +6,22 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+int UpdateSettings();
+int CanCompress();
+int IsOffline(int need_server_cache);
+
+// Makes the functions above from private members: an explicit instantiation may name them, whatever
+// their access.
+template <int (*kUpdate)(), int (*kCanCompress)(), int (*kIsOffline)(int)>
+struct PrivateMembers {
+  friend int UpdateSettings() { return kUpdate(); }
+  friend int CanCompress() { return kCanCompress(); }
+  friend int IsOffline(int need_server_cache) { return kIsOffline(need_server_cache); }
+};
+template struct PrivateMembers<&CRvoDatabase::UpdateServerIsCompressInfo,
+                               &CRvoDatabase::IsCanUseCompressMode,
+                               &CRvoDatabase::IsCanUseOffCache>;
+
 class ServerSettingsLoad : public DatabaseFixture {
  protected:
   static std::string Flags() {
@@ -22,7 +38,7 @@ class ServerSettingsLoad : public DatabaseFixture {
   std::string Load(const Settings& settings) {
     settings_ = settings;
     CRvoDatabase::SetNeedUpdateCompressState();
-    EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+    EXPECT_EQ(UpdateSettings(), 0);
     return Flags();
   }
 };
@@ -30,8 +46,8 @@ class ServerSettingsLoad : public DatabaseFixture {
 TEST_F(ServerSettingsLoad, AsksTheServerOnce) {
   EXPECT_EQ(Flags(), "00000");
   EXPECT_EQ(CRvoDatabase::m_NeedUpdateCompressState, 1);
-  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
-  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_EQ(UpdateSettings(), 0);
+  EXPECT_EQ(UpdateSettings(), 0);
   ASSERT_EQ(transport_.requests.size(), 1u);
   ExpectQuery(transport_.requests[0]);
   EXPECT_THAT(transport_.requests[0].fields,
@@ -50,7 +66,7 @@ TEST_F(ServerSettingsLoad, TakesTheFirstRow) {
 }
 
 TEST_F(ServerSettingsLoad, AllowsCompressionWhenServerAndADefaultAgree) {
-  EXPECT_EQ(DatabasePeer::CanCompress(), 0);
+  EXPECT_EQ(CanCompress(), 0);
   const struct {
     Settings settings;
     int allowed;
@@ -60,7 +76,7 @@ TEST_F(ServerSettingsLoad, AllowsCompressionWhenServerAndADefaultAgree) {
                {{"0", "0", "1", "1", "0"}, 0}};
   for (const auto& c : cases) {
     Load(c.settings);
-    EXPECT_EQ(DatabasePeer::CanCompress(), c.allowed);
+    EXPECT_EQ(CanCompress(), c.allowed);
   }
 }
 
@@ -91,7 +107,7 @@ TEST_F(ServerSettingsLoad, ReturnsTheAgreedCodesAndClearsAllButCaching) {
     CRvoDatabase::SetNeedUpdateCompressState();
     settings_answer_ = c.reply;
     settings_result_ = c.transport;
-    EXPECT_EQ(DatabasePeer::UpdateSettings(), c.result) << c.what;
+    EXPECT_EQ(UpdateSettings(), c.result) << c.what;
     EXPECT_EQ(Flags(), "10000") << c.what;
     EXPECT_EQ(CRvoDatabase::m_NeedUpdateCompressState, 0) << c.what;
     EXPECT_THAT(TempFiles(), IsEmpty()) << c.what;
@@ -105,7 +121,7 @@ TEST_F(ServerSettingsLoad, GoesOverTheWebWithoutCompression) {
   CRvoDatabase::m_ServerIsCompress = 1;
   OpenCache();
   settings_answer_ = Memory(DataSet("CI_ServerCompress", "1"));
-  EXPECT_EQ(DatabasePeer::UpdateSettings(), 0);
+  EXPECT_EQ(UpdateSettings(), 0);
   EXPECT_TRUE(
       state_.cache.Find("main>PLATDB:" + transport_.requests.back().fields[1], folder_.At()));
   EXPECT_TRUE(transport_.requests.back().web);
@@ -119,14 +135,14 @@ TEST_F(ServerSettingsLoad, ComesFromTheCacheWhileOffline) {
   EXPECT_EQ(Load({"0", "1", "0", "0", "0"}), "01000");
   CRvoServer::SetCacheState(1);
   CRvoDatabase::SetNeedUpdateCompressState();
-  EXPECT_EQ(DatabasePeer::UpdateSettings(), 1);
+  EXPECT_EQ(UpdateSettings(), 1);
   EXPECT_EQ(transport_.requests.size(), 1u);
 
   CRvoServer::SetCacheState(0);
   EXPECT_EQ(Load({"0", "1", "0", "0", "0"}), "01000");  // kept, although caching is not allowed
   settings_answer_ = Memory("x");                       // does not take its place
   CRvoDatabase::SetNeedUpdateCompressState();
-  EXPECT_EQ(DatabasePeer::UpdateSettings(), 1);
+  EXPECT_EQ(UpdateSettings(), 1);
   CRvoServer::SetCacheState(1);
   CRvoDatabase::m_bServerSetCache = 1;
   EXPECT_EQ(Load({"1", "1", "1", "1", "1"}), "01000");
@@ -145,7 +161,7 @@ TEST_F(ServerSettingsLoad, DecidesWhetherToWorkOffline) {
     CRvoDatabase::m_bServerSetCache = c.allowed;
     state_.cache.SetState(c.state);
     transport_.bad_state = c.network;
-    EXPECT_EQ(DatabasePeer::IsOffline(c.need), c.offline) << &c - cases;
+    EXPECT_EQ(IsOffline(c.need), c.offline) << &c - cases;
     EXPECT_EQ(state_.cache.State(), c.state_after) << &c - cases;
   }
   EXPECT_THAT(transport_.bad_state_questions, testing::Each(0));  // it may try the network again
@@ -154,7 +170,7 @@ TEST_F(ServerSettingsLoad, DecidesWhetherToWorkOffline) {
   transport_.bad_state = 1;
   for (const int state : {0, 1}) {
     state_.cache.SetState(state);
-    EXPECT_EQ(DatabasePeer::IsOffline(0), 0);
+    EXPECT_EQ(IsOffline(0), 0);
     EXPECT_EQ(state_.cache.State(), state);
   }
 }
@@ -168,7 +184,7 @@ TEST_F(ServerSettingsLoad, RunsTheQueryOnALocalDatabaseAndLooksAtNoRow) {
   for (const int result : {0, 1}) {
     local.result = result;
     CRvoDatabase::SetNeedUpdateCompressState();
-    EXPECT_EQ(DatabasePeer::UpdateSettings(), result);
+    EXPECT_EQ(UpdateSettings(), result);
     EXPECT_EQ(Flags(), "10000");
   }
 }
