@@ -1,0 +1,42 @@
+// Text in UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace qv::text {
+
+// The character U+FFFD, which stands for bytes that are not UTF-8.
+inline constexpr char32_t kReplacementCharacter = 0xFFFD;
+inline constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+// One character at the start of a text, and how many bytes it takes there.
+struct DecodedChar {
+  char32_t value;
+  std::size_t bytes;
+  bool valid;
+};
+
+// Does the work of DecodeUtf8 for texts that begin with a byte above 0x7f.
+[[nodiscard]] DecodedChar DecodeLongUtf8(std::string_view text);
+
+// Decodes the first character of `text`, which must not be empty. A byte that does not begin a
+// well-formed character (one that is cut, longer than necessary, half of a pair or above U+10FFFF)
+// is returned alone as not valid, with the byte as its value.
+[[nodiscard]] inline DecodedChar DecodeUtf8(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  return first < 0x80 ? DecodedChar{first, 1, true} : DecodeLongUtf8(text);
+}
+
+// Returns whether all of `text` is well-formed UTF-8.
+[[nodiscard]] bool IsUtf8(std::string_view text);
+
+// Returns whether `c` continues a character that began before it. Skipping such bytes counts
+// characters, and steps over them, in text that need not be well-formed.
+constexpr bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// Appends `character`, or U+FFFD if there is no such character.
+void AppendUtf8(char32_t character, std::string& text);
+
+}  // namespace qv::text
