@@ -36,7 +36,7 @@ bool QueryCache::Clear() {
 
 void QueryCache::Reset() {
   SetPath("");
-  SetState(kOnline);
+  SetState(cache_state::kOnline);
 }
 
 std::shared_ptr<CacheFolder> QueryCache::Folder() const {

@@ -7,12 +7,11 @@
 #include <optional>
 #include <string>
 
+#include "qvnetcall/ResultCodes.h"
+
 namespace qv {
 
 class CacheFolder;
-
-// Whether calls go to the server.
-enum CacheState { kOnline = 0, kOfflineByChoice = 1, kNetworkBad = 2 };
 
 // How a stored file is packed.
 enum CacheFlag { kCacheGzip = 0, kCachePlain = 1 };
@@ -52,7 +51,7 @@ class QueryCache {
   // Forgets all answers. False when the cache is off, or when they cannot all be forgotten.
   bool Clear();
 
-  // One of CacheState; the word is kept here, but is no concern of the calls above.
+  // One of cache_state; the word is kept here, but is no concern of the calls above.
   [[nodiscard]] int State() const { return state_; }
   void SetState(int state) { state_ = state; }
 
@@ -64,7 +63,7 @@ class QueryCache {
 
   mutable std::mutex mutex_;  // guards the pointer; calls under way keep the folder open
   std::shared_ptr<CacheFolder> folder_;
-  std::atomic<int> state_ = kOnline;
+  std::atomic<int> state_ = cache_state::kOnline;
 };
 
 }  // namespace qv

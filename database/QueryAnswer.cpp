@@ -5,6 +5,7 @@
 
 #include "cache/GzipFile.h"
 #include "platform/Platform.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/framework/FileException.h"
 #include "resultset/RowsetReader.h"
@@ -75,22 +76,22 @@ void AnswerFile::Delete() const {
   platform::RemoveFile(path_);
 }
 
-QueryResult ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
+int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
   const CString status = reply.GetString(nullptr);
   const bool compressed = accept == Accept::kPlainOrCompressed && status == kStatusSuccessCompress;
   std::int32_t number = 0;  // an error code, or the server's own; nobody needs it
   if (!compressed && status != kStatusSuccess) {
     reply.GetData(&number, sizeof number, nullptr);
-    return kQueryRefused;
+    return result::kQueryRefused;
   }
   int err = 0;
   reply.GetData(&number, sizeof number, &err);
   const CString storage = reply.GetString(&err);
-  if (err != 0) return kReplyUnreadable;
+  if (err != 0) return result::kReplyUnreadable;
   if (storage == kInReply) file.TakeFrom(reply);
-  if (!compressed || file.Unpack()) return kQueryDone;
+  if (!compressed || file.Unpack()) return result::kSuccess;
   file.Delete();
-  return kUnpackingFailed;
+  return result::kUnpackFailed;
 }
 
 }  // namespace qv

@@ -9,15 +9,6 @@ class CRvoDbRes;
 
 namespace qv {
 
-// The results that the query calls share.
-enum QueryResult {
-  kQueryDone = 0,
-  kQueryFailed = 1,  // nothing to read: empty text, nothing cached, a file that is no recordset
-  kReplyUnreadable = 2,
-  kQueryRefused = 3,
-  kUnpackingFailed = 10,
-};
-
 // The key that the query cache knows an answer by: the server, the database and the text.
 [[nodiscard]] std::string CacheKey(const char* database, const CString& sql);
 
@@ -62,7 +53,7 @@ struct DeleteAtExit {
 enum class Accept { kPlain, kPlainOrCompressed };
 
 // Reads the reply of a query and brings its answer to `file`: status, number, storage kind, and the
-// file itself when it travels in the reply. kQueryDone, or the result to return.
-[[nodiscard]] QueryResult ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file);
+// file itself when it travels in the reply. Returns kSuccess, or the result that the call returns.
+[[nodiscard]] int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file);
 
 }  // namespace qv

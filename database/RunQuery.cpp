@@ -5,6 +5,7 @@
 
 #include "QueryAnswer.h"
 #include "QueryExchange.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"
 
@@ -40,16 +41,16 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
   if (query.from_cache) {
     const auto cached =
         Cache().Find(key, static_cast<const char*>(CRvoDatabase::GetTempFilePath()));
-    if (!cached) return kQueryFailed;
+    if (!cached) return result::kFailed;
     file = AnswerFile(*cached);
   } else if (const int failed = AskServer(query, file); failed != 0) {
     return failed;
   }
   const DeleteAtExit deletion{file};
-  if (!file.ReadInto(result, query.web)) return kQueryFailed;
+  if (!file.ReadInto(result, query.web)) return result::kFailed;
   const bool may_keep = CRvoDatabase::GetServerIsSetCatche() != 0 && query.may_keep;
-  if (may_keep && Cache().State() == kOnline) KeepAnswer(key, file, query.keep);
-  return kQueryDone;
+  if (may_keep && Cache().State() == cache_state::kOnline) KeepAnswer(key, file, query.keep);
+  return result::kSuccess;
 }
 
 }  // namespace qv

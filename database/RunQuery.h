@@ -30,7 +30,7 @@ struct Query {
   Keep keep;
 };
 
-// Gets the answer and reads it into `result`. One of QueryResult, or the transport's own result.
+// Gets the answer and reads it into `result`. Returns what SelectSQL returns when it asks a server.
 [[nodiscard]] int RunQuery(const Query& query, CRvoDbRes& result);
 
 }  // namespace qv

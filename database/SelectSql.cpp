@@ -3,6 +3,7 @@
 #include "QueryAnswer.h"
 #include "QueryExchange.h"
 #include "RunQuery.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "resultset/RowsetReader.h"
 #include "resultset/SchemaReader.h"
@@ -16,7 +17,7 @@ int CRvoDatabase::SelectSQL(const CString* sql, CRvoDbRes* res, const char* data
   const bool web = qv::IsWebServer();
   UpdateServerIsCompressInfo();
   if (ModuleState::Get().use_local_database != 0) return qv::SelectLocally(*sql, *res, database);
-  if (sql->IsEmpty()) return qv::kQueryFailed;
+  if (sql->IsEmpty()) return qv::result::kFailed;
   // The state of the network is asked for whether or not the cache may be used.
   const bool offline = IsCanUseOffCache(1) != 0;
   // A web server is asked to compress by its transport, never by the command.
@@ -40,7 +41,7 @@ int CRvoDatabase::ExecuteSP(const CString* sql, CRvoDbRes* result, const char* d
   if (ModuleState::Get().use_local_database != 0) {
     return qv::SelectLocally(*sql, *result, database);
   }
-  if (sql->IsEmpty()) return qv::kQueryFailed;
+  if (sql->IsEmpty()) return qv::result::kFailed;
   const bool offline = IsCanUseOffCache(1) != 0;
   return qv::RunQuery({.command = qv::kCommandProcedure,
                        .sql = *sql,

@@ -8,6 +8,7 @@
 #include "QueryExchange.h"
 #include "framework/DecimalText.h"
 #include "platform/Platform.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 #include "resultset/BinaryCells.h"
@@ -91,7 +92,7 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
   qv::AnswerFile file;
   if (IsCanUseOffCache(0) != 0) {
     const auto cached = state.cache.Find(key, static_cast<const char*>(GetTempFilePath()));
-    if (!cached) return qv::kQueryFailed;
+    if (!cached) return qv::result::kFailed;
     file = qv::AnswerFile(*cached);
   } else if (const int result = AskServer(web, file); result != 0) {
     return result;
@@ -99,12 +100,13 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
   const qv::DeleteAtExit deletion{file};
   const bool is_read = file.ReadInto(row, web);
   RemoveBinaryFiles(row);
-  if (!is_read) return qv::kQueryFailed;
+  if (!is_read) return qv::result::kFailed;
   // Kept whether or not the server allows caching: offline, this is how the client knows that it
   // does.
-  if (state.cache.State() == qv::kOnline) state.cache.Store(key, file.Path(), qv::kCachePlain);
+  if (state.cache.State() == qv::cache_state::kOnline)
+    state.cache.Store(key, file.Path(), qv::kCachePlain);
   if (row.GetRecordCount() > 0) TakeRow(row);
-  return qv::kQueryDone;
+  return qv::result::kSuccess;
 }
 
 void CRvoDatabase::SetNeedUpdateCompressState() { m_NeedUpdateCompressState = 1; }
@@ -135,8 +137,8 @@ int CRvoDatabase::IsCanUseOffCache(int need_server_cache) {
   if (qv::IsWebServer()) return 0;
   if (need_server_cache != 0 && m_bServerSetCache == 0) return 0;
   qv::QueryCache& cache = ModuleState::Get().cache;
-  if (cache.State() == qv::kOfflineByChoice) return 1;
+  if (cache.State() == qv::cache_state::kOfflineByChoice) return 1;
   if (NetworkIsBadState(0) != 1) return 0;
-  cache.SetState(qv::kNetworkBad);
+  cache.SetState(qv::cache_state::kNetworkBad);
   return 1;
 }

@@ -3,11 +3,13 @@
 
 #include "LocalMode.h"
 #include "QueryExchange.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"
 #include "server/ServerType.h"
 
 using qv::ModuleState;
+namespace result = qv::result;
 
 namespace {
 
@@ -15,29 +17,25 @@ namespace {
 // "SUCCESS", a 4-byte number that nobody needs and the 4-byte position of what was refused.
 constexpr std::uint32_t kCommandBatch = 310;
 
-constexpr int kStatementFailed = 1;
-constexpr int kBatchReplyUnreadable = 2;
-constexpr int kNoBatchLocally = -1;
-constexpr std::uint32_t kRefusedBatch = 100;
-
 }  // namespace
 
 int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
   if (ModuleState::Get().use_local_database != 0) return qv::ExecuteLocally(*sql, database);
-  if (sql->IsEmpty()) return kStatementFailed;
+  if (sql->IsEmpty()) return result::kFailed;
   // A statement is refused while the client is offline, not kept for later.
-  if (IsCanUseOffCache(1) != 0) return kStatementFailed;
+  if (IsCanUseOffCache(1) != 0) return result::kFailed;
   qv::QueryExchange exchange(qv::kCommandStatement, database, *sql);
   if (const int result = exchange.SendBy(qv::IsWebServer(), /*compress=*/0); result != 0) {
     return result;
   }
-  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 0 : kStatementFailed;
+  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? result::kSuccess
+                                                                   : result::kFailed;
 }
 
 // Unlike the calls for one text, a batch goes over the socket whatever the server's type, empty or
 // offline or not: hosts rely on its reaching the server.
 int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database) {
-  if (ModuleState::Get().use_local_database != 0) return kNoBatchLocally;
+  if (ModuleState::Get().use_local_database != 0) return result::kNoLocalBatch;
   qv::Exchange exchange(kCommandBatch, qv::kDatabaseBlock, qv::kDatabaseBlock);
   CMsgContent& request = exchange.Request();
   const std::int32_t count = sqls->GetSize();
@@ -49,11 +47,12 @@ int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database
   if (const int result = exchange.Send(); result != 0) return result;
 
   err = 0;
-  if (exchange.Reply().GetString(&err) == qv::kStatusSuccess) return 0;
+  if (exchange.Reply().GetString(&err) == qv::kStatusSuccess) return result::kSuccess;
   std::int32_t code = 0;
   std::uint32_t position = 0;
   exchange.Reply().GetData(&code, sizeof code, &err);
   exchange.Reply().GetData(&position, sizeof position, &err);
+  if (err != 0) return result::kReplyUnreadable;
   // Not held within any limit: the sum wraps as the server's number does.
-  return err == 0 ? static_cast<std::int32_t>(kRefusedBatch + position) : kBatchReplyUnreadable;
+  return static_cast<std::int32_t>(result::kBatchRefused + position);
 }

@@ -4,6 +4,7 @@
 
 #include "Offline.h"
 #include "TransferCall.h"
+#include "qvnetcall/ResultCodes.h"
 #include "server/CatalogueCall.h"
 
 using qv::CatalogueCall;
@@ -25,21 +26,21 @@ constexpr CatalogueCommand kCopy{6011};      // texts source, target
 }  // namespace
 
 int CRvoFile::UpLoadFileToServer(const char* local_file, const char* server_file) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   TransferCall call(kUpload);
   call.Request().SetName(server_file);
   return call.Upload(local_file);
 }
 
 int CRvoFile::DownLoadServerFile(const char* local_file, const char* server_file) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   TransferCall call(kDownload);
   call.Request().SetName(server_file);
   return call.Download(local_file);
 }
 
 int CRvoFile::DeleteServerFile(const char* server_file) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   TransferCall call(kDelete);
   call.Request().SetName(server_file);
   return call.Send();

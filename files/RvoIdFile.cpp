@@ -5,6 +5,7 @@
 
 #include "Offline.h"
 #include "TransferCall.h"
+#include "qvnetcall/ResultCodes.h"
 
 using qv::TransferCall;
 
@@ -20,13 +21,11 @@ constexpr std::uint32_t kCopyBlock = 1048576;
 // Number, text.
 constexpr std::uint32_t kExists = 150;
 
-constexpr int kCopyFailed = -1;
-
 }  // namespace
 
 int CRvoIdFile::UpLoadFileToServerByFileID(const char* local_file, const char* file_name,
                                            int file_id) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   TransferCall call(kUpload);
   call.Request().SetIdName(file_name, file_id);
   return call.Upload(local_file);
@@ -34,14 +33,14 @@ int CRvoIdFile::UpLoadFileToServerByFileID(const char* local_file, const char* f
 
 int CRvoIdFile::DownLoadServerFileByFileID(const char* local_file, const char* file_name,
                                            int file_id) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   TransferCall call(kDownload);
   call.Request().SetIdName(file_name, file_id);
   return call.Download(local_file);
 }
 
 int CRvoIdFile::DeleteServerFileByFileID(const char* file_name, int file_id) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   TransferCall call(kDelete);
   call.Request().SetIdName(file_name, file_id);
   return call.Send();
@@ -49,7 +48,7 @@ int CRvoIdFile::DeleteServerFileByFileID(const char* file_name, int file_id) {
 
 int CRvoIdFile::CopyIdFile(int source_id, const char* source_name, int target_id,
                            const char* target_name) {
-  if (qv::NetworkIsHeldForBad()) return qv::kTransferDone;
+  if (qv::NetworkIsHeldForBad()) return qv::result::kSuccess;
   qv::Exchange exchange(kCopy, kCopyBlock, kCopyBlock);
   exchange.AddNumber(source_id);
   exchange.Request().AddString(source_name, nullptr);
@@ -58,10 +57,10 @@ int CRvoIdFile::CopyIdFile(int source_id, const char* source_name, int target_id
   exchange.Request().SetMsgFlag(0);
   if (const int result = exchange.Send(); result != 0) return result;
   int err = 0;
-  if (exchange.Reply().GetString(&err) == qv::kStatusSuccess) return qv::kTransferDone;
+  if (exchange.Reply().GetString(&err) == qv::kStatusSuccess) return qv::result::kSuccess;
   std::int32_t code = 0;
   exchange.Reply().GetData(&code, sizeof code, &err);
-  return code != 0 ? code : kCopyFailed;
+  return code != 0 ? code : qv::result::kCopyFailed;
 }
 
 int CRvoIdFile::IsIdFileExist(const char* file_name, int file_id) {
@@ -69,7 +68,7 @@ int CRvoIdFile::IsIdFileExist(const char* file_name, int file_id) {
   TransferCall call(kExists);
   call.AddNumber(file_id);
   call.Request().AddString(file_name, nullptr);
-  return call.Send() == qv::kTransferDone ? 1 : 0;
+  return call.Send() == qv::result::kSuccess ? 1 : 0;
 }
 
 CString CRvoIdFile::GetIdFilePath(int id) {

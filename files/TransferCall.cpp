@@ -1,6 +1,7 @@
 #include "TransferCall.h"
 
 #include "platform/Platform.h"
+#include "qvnetcall/ResultCodes.h"
 
 namespace qv {
 
@@ -15,7 +16,8 @@ constexpr unsigned char kHasFile = 1;
 
 int TransferCall::Send() {
   if (const int result = exchange_.Send(); result != 0) return result;
-  return exchange_.Reply().GetString(nullptr) == kStatusSuccess ? kTransferDone : kTransferRefused;
+  return exchange_.Reply().GetString(nullptr) == kStatusSuccess ? result::kSuccess
+                                                                : result::kTransferRefused;
 }
 
 int TransferCall::Upload(const char* local_file) {
@@ -30,10 +32,10 @@ int TransferCall::Download(const char* local_file) {
   reply.SetFileName(local_file, kHasFile);
   if (const int result = exchange_.Send(); result != 0) return result;
   const CString status = reply.GetString(nullptr);
-  if (status == kStatusSuccess) return kTransferDone;
+  if (status == kStatusSuccess) return result::kSuccess;
   // The path as the transport has it, which may be cut.
   if (*reply.FileName() != '\0') platform::RemoveFile(reply.FileName());
-  return status == kStatusFailure ? kDownloadFailed : kTransferRefused;
+  return status == kStatusFailure ? result::kDownloadFailed : result::kTransferRefused;
 }
 
 }  // namespace qv

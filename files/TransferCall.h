@@ -7,13 +7,6 @@
 
 namespace qv {
 
-// Results of these calls; every other value is the transport's.
-enum TransferResult {
-  kTransferDone = 0,
-  kTransferRefused = 1,
-  kDownloadFailed = 2,
-};
-
 constexpr std::uint32_t kTransferBlock = 1024;
 
 // One call, over the socket transport. The caller puts the name, or fields, into the request first.
@@ -25,7 +18,7 @@ class TransferCall {
   CMsgContent& Request() { return exchange_.Request(); }
   void AddNumber(std::int32_t number) { exchange_.AddNumber(number); }
 
-  // Sends the request as it stands: done, refused, or the transport's own result.
+  // Sends the request as it stands. Returns kSuccess, kTransferRefused, or the transport's result.
   [[nodiscard]] int Send();
   // Sends the request with the contents of `local_file`.
   [[nodiscard]] int Upload(const char* local_file);

@@ -1,11 +1,12 @@
 #include "CatalogueCall.h"
 
 #include "framework/DecimalText.h"
+#include "qvnetcall/ResultCodes.h"
 
 namespace qv {
 
 std::optional<std::int32_t> CatalogueCall::Ask() {
-  if (exchange_.Send() == kNotDelivered) return {};
+  if (exchange_.Send() == result::kNotDelivered) return {};
   return DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
 }
 

@@ -7,9 +7,6 @@
 
 namespace qv {
 
-// What the transports return when nothing reached the server.
-constexpr int kNotDelivered = -1;
-
 // The status words of replies.
 constexpr const char kStatusSuccess[] = "SUCCESS";
 constexpr const char kStatusSuccessCompress[] = "SUCCESS_COMPRESS";

@@ -9,11 +9,15 @@
 #include "ServerType.h"
 #include "framework/DecimalText.h"
 #include "platform/Platform.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 
 using qv::Exchange;
 using qv::ModuleState;
+using qv::cache_state::kNetworkBad;
+using qv::cache_state::kOfflineByChoice;
+using qv::cache_state::kOnline;
 
 namespace {
 
@@ -75,7 +79,7 @@ int CRvoServer::GetServerType(CString& type, CString server, unsigned long port)
   }
   std::string found = ConfiguredServerType();
   if (found.empty()) {
-    found = CheckServerLink(server, port) == 1 ? qv::kServerTypeSocket : qv::kServerTypeWeb;
+    found = CheckServerLink(server, port) == 1 ? qv::server_type::kSocket : qv::server_type::kWeb;
   }
   memo.Remember(server.View(), port, found);
   type = CString(std::string_view(found));
@@ -94,7 +98,7 @@ int CRvoServer::CheckServerLink(CString server, unsigned long port) {
   SetNetClientPara(kShowMessages, "0");
   const int result = exchange.SendTo(server, ToPort(port));
   SetNetClientPara(kShowMessages, show_messages);
-  if (result == qv::kNotDelivered) return 0;
+  if (result == qv::result::kNotDelivered) return 0;
   return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : 0;
 }
 
@@ -151,19 +155,19 @@ int CRvoServer::CareOpenDBConn(int on) {
 
 int CRvoServer::SetCacheState(int state) {
   if (qv::IsWebServer()) return 0;
-  if (state < qv::kOnline || state > qv::kNetworkBad) return 0;
+  if (state < kOnline || state > kNetworkBad) return 0;
   ModuleState::Get().cache.SetState(state);
-  if (state == qv::kNetworkBad) NetworkBadState(1);
-  if (state == qv::kOnline) NetworkBadState(0);
+  if (state == kNetworkBad) NetworkBadState(1);
+  if (state == kOnline) NetworkBadState(0);
   return 1;
 }
 
 int CRvoServer::GetCacheState(int n) {
   if (qv::IsWebServer()) return 0;
   qv::QueryCache& cache = ModuleState::Get().cache;
-  if (cache.State() == qv::kOfflineByChoice) return qv::kOfflineByChoice;
-  if (GetIsNetworkBad(n) == 0 && cache.State() == qv::kNetworkBad) cache.SetState(qv::kOnline);
-  if (GetIsNetworkBad(n) == 1 && cache.State() == qv::kOnline) cache.SetState(qv::kNetworkBad);
+  if (cache.State() == kOfflineByChoice) return kOfflineByChoice;
+  if (GetIsNetworkBad(n) == 0 && cache.State() == kNetworkBad) cache.SetState(kOnline);
+  if (GetIsNetworkBad(n) == 1 && cache.State() == kOnline) cache.SetState(kNetworkBad);
   return cache.State();
 }
 

@@ -12,6 +12,7 @@
 #include "CatalogueCall.h"
 #include "ModuleState.h"
 #include "ServerType.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoServer.h"
 
 using qv::CatalogueCall;
@@ -82,7 +83,7 @@ int CRvoServer::SendSvrLogInfo(int kind, CString text) {
   qv::Exchange exchange(kAppendLog, qv::kCatalogueRequest, qv::kCatalogueReply);
   exchange.AddNumber(kind);
   exchange.Request().AddString(std::string(CutLog(text.View())).c_str(), nullptr);
-  if (exchange.Send() == qv::kNotDelivered) return 0;
+  if (exchange.Send() == qv::result::kNotDelivered) return 0;
   return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : 0;
 }
 

@@ -3,9 +3,6 @@
 
 namespace qv {
 
-constexpr const char kServerTypeSocket[] = "TCP_IP";
-constexpr const char kServerTypeWeb[] = "WEB_IIS";
-
 // Whether the module's server is a web server; looks its type up, which may read the configuration
 // or probe the server.
 [[nodiscard]] bool IsWebServer();

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "Component.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoServer.h"
 #include "qvnetcall/framework/String.h"
 
 namespace qv {
-
-inline constexpr long kNoComponent = -100;
 
 inline void LogFailure(const CString& text) {
   constexpr int kTransfers = 3;
@@ -34,7 +33,7 @@ HRESULT Checked(Component* component, HRESULT result) {
 // What a call gives; without a component nothing is called.
 template <class Component, class... Params, class... Args>
 long Ask(Component* component, HRESULT (Component::*method)(Params...), const Args&... args) {
-  if (component == nullptr) return kNoComponent;
+  if (component == nullptr) return result::kNoComponent;
   long result = 0;
   Checked(component, (component->*method)(args..., &result));
   return result;

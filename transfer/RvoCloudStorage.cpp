@@ -5,6 +5,7 @@
 
 #include "PairList.h"
 #include "QueueCalls.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transfer/QvCoCSC.h"
 
 namespace {
@@ -50,7 +51,7 @@ void CRvoCSCFiles::Empty() { qv::PairList{first_, second_, done_}.Empty(); }
 
 CString CRvoCSCFiles::GetFailInfo(int kind, long count) {
   const auto succeeded = [this](const CString& path) {
-    return qv::Ask(owner_->Get(), &IQvCoCSC::IsOperatorFileSuc, path) == 1;
+    return qv::Ask(owner_->Get(), &IQvCoCSC::IsOperatorFileSuc, path) == qv::result::kFileSucceeded;
   };
   return qv::PairList{first_, second_, done_}.FailReport(qv::LabelOf(kLabels, kind), count,
                                                          succeeded);

@@ -2,6 +2,7 @@
 
 #include "PairList.h"
 #include "QueueCalls.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 
 namespace {
@@ -33,7 +34,7 @@ void CRvoFtpFiles::Empty() { qv::PairList{first_, second_, done_}.Empty(); }
 
 CString CRvoFtpFiles::GetFailInfo(int kind, long count) {
   const auto succeeded = [this](const CString& path) {
-    return qv::Ask(owner_->Get(), &IQvCoFtp::IsOperatorFileSuc, path) == 1;
+    return qv::Ask(owner_->Get(), &IQvCoFtp::IsOperatorFileSuc, path) == qv::result::kFileSucceeded;
   };
   return qv::PairList{first_, second_, done_}.FailReport(qv::LabelOf(kLabels, kind), count,
                                                          succeeded);
@@ -129,7 +130,7 @@ long CRvoFtp::IsOperatorFileSuc(CString path) {
 
 long CRvoFtp::SetFtpTransModel(int mode1, int mode2) {
   IQvCoFtp* const component = client_.Get();
-  if (component == nullptr) return qv::kNoComponent;
+  if (component == nullptr) return qv::result::kNoComponent;
   qv::Checked(component, component->SetTransModel1(mode1 == 1 ? 1 : 0));
   return qv::Checked(component, component->SetTransModel2(mode2 == 1 ? 1 : 0));
 }

@@ -3,6 +3,7 @@
 
 #include "qvnetcall/QvNetExeInfo.h"
 #include "qvnetcall/QvRvoBuf.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoAd.h"
 #include "qvnetcall/RvoCloudStorage.h"
 #include "qvnetcall/RvoDatabase.h"

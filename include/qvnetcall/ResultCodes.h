@@ -1,19 +1,70 @@
-// The result codes of the transfer components that are built here, beside 0 for success. A
-// component that replaces one may have others.
+// Names for the values that hosts compare: results, cache states, kinds of servers. The comment on
+// each call says which results it returns, and when. Calls that are not named here return 1 or a
+// count for success, and 0 or null for failure.
 #pragma once
 
+namespace qv::result {
+
+// Success of CRvoDatabase's queries and statements, of CRvoFile's and CRvoIdFile's uploads,
+// downloads and deletions, of CRvoIdFile::CopyIdFile, and of the calls of CRvoFtp and
+// CRvoCloudStorage.
+inline constexpr int kSuccess = 0;
+
+// CRvoDatabase's queries and statements.
+inline constexpr int kFailed = 1;           // nothing was read, or the statement was not run
+inline constexpr int kReplyUnreadable = 2;  // the reply lacks fields that belong to it
+inline constexpr int kQueryRefused = 3;     // the server refused the query
+inline constexpr int kUnpackFailed = 10;    // the compressed answer could not be unpacked
+inline constexpr int kBatchRefused = 100;   // plus the server's number for the failed statement
+inline constexpr int kNoLocalBatch = -1;    // local mode does not support batches
+
+// CRvoFile's and CRvoIdFile's uploads, downloads and deletions, and CRvoIdFile::CopyIdFile.
+inline constexpr int kTransferRefused = 1;  // the server refused
+inline constexpr int kDownloadFailed = 2;   // the server reported that the download failed
+inline constexpr int kCopyFailed = -1;      // the server refused the copy and gave no code
+
+// The transports; all of the calls above pass these on.
+inline constexpr int kNotDelivered = -1;    // nothing reached the server
+inline constexpr int kOutcomeUnknown = -2;  // the request was sent, but no complete reply came
+inline constexpr int kBadReply = -3;        // the reply, or the file with it, could not be used
+
+// CRvoFtp and CRvoCloudStorage; their other results are those of the component.
+inline constexpr int kNoComponent = -100;  // the component could not be created
+inline constexpr int kFileSucceeded = 1;   // only of IsOperatorFileSuc
+
+}  // namespace qv::result
+
+// What CRvoServer::SetCacheState takes and CRvoServer::GetCacheState returns.
+namespace qv::cache_state {
+
+inline constexpr int kOnline = 0;
+inline constexpr int kOfflineByChoice = 1;
+inline constexpr int kNetworkBad = 2;
+
+}  // namespace qv::cache_state
+
+// What CRvoServer::GetServerType gives. Only kWeb, compared without regard to case, means the HTTP
+// transport; every other text means the socket transport.
+namespace qv::server_type {
+
+inline constexpr char kSocket[] = "TCP_IP";
+inline constexpr char kWeb[] = "WEB_IIS";
+
+}  // namespace qv::server_type
+
+// The results of the transfer components that are built here. A component that replaces one may
+// have others. The value 1 is not used, because it means success when IsOperatorFileSuc returns it.
 enum QvTransferResult : int {
   QvTransfer_Success = 0,
-  // 1 is left out: the question about one file means success by it.
   QvTransfer_NotLoggedIn = 2,    // no server was named, or the last login failed
-  QvTransfer_BadArgument = 3,    // a text that cannot be a host, a path or a bucket
-  QvTransfer_CannotConnect = 4,  // no such host, nobody listens, or no agreement on TLS
+  QvTransfer_BadArgument = 3,    // a text cannot be a host, a path or a bucket
+  QvTransfer_CannotConnect = 4,  // no such host, no listener, or TLS could not be negotiated
   QvTransfer_LoginRefused = 5,   // the name or the password is wrong
   QvTransfer_NotTrusted = 6,     // the server's certificate cannot be verified
   QvTransfer_NotFound = 7,       // the server has no such file
-  QvTransfer_Refused = 8,        // the server will not have it: no right, no room, no such command
-  QvTransfer_Broken = 9,         // the connection was lost or stood still, each time it was tried
+  QvTransfer_Refused = 8,        // the server refused: no permission, no space, no such command
+  QvTransfer_Broken = 9,         // the connection was lost or stalled at every attempt
   QvTransfer_LocalFile = 10,     // the local file cannot be read or written
-  QvTransfer_BadAnswer = 11,     // the server's answer makes no sense, or the file came out wrong
-  QvTransfer_Stopped = 12,       // the progress callback said so
+  QvTransfer_BadAnswer = 11,     // the server's answer makes no sense, or the file arrived wrong
+  QvTransfer_Stopped = 12,       // the progress callback stopped the run
 };

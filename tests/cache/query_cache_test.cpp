@@ -234,7 +234,7 @@ TEST_F(QueryCacheTest, LeavesTheDatabasesOfOthersAlone) {
 }
 
 TEST_F(QueryCacheTest, KeepsTheStateWord) {
-  cache_.SetState(kNetworkBad);
+  cache_.SetState(cache_state::kNetworkBad);
   EXPECT_TRUE(cache_.SetPath(path_));
   EXPECT_EQ(cache_.State(), 2);
   cache_.Reset();

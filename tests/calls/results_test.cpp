@@ -337,7 +337,7 @@ TEST_F(Results, OfConnectionTexts) {
 TEST_F(Results, WhileTheNetworkIsHeldForBad) {
   Answer(Text("1"));
   CRvoServer::SetServerType("WEB_IIS", "main", 4000);
-  state_.cache.SetState(kNetworkBad);
+  state_.cache.SetState(cache_state::kNetworkBad);
   const auto calls = EveryCall();
   for (const auto& [call, while_bad] : calls) {
     if (while_bad.has_value()) {
@@ -357,7 +357,7 @@ TEST_F(Results, WhileTheNetworkIsHeldForBad) {
     if (!while_bad) call();
   }
   EXPECT_EQ(transport_.requests.size(), 11u);
-  state_.cache.SetState(kOfflineByChoice);
+  state_.cache.SetState(cache_state::kOfflineByChoice);
   transport_.requests.clear();
   for (const auto& one : calls) one.call();
   EXPECT_EQ(transport_.requests.size(), calls.size());
