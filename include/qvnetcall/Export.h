@@ -1,6 +1,6 @@
-// What a shared library shows: QVNETCALL_API before a class or function makes it visible to hosts.
-// QVNETCALL_BUILDING is defined for the library's own code, QVNETCALL_STATIC for a program that
-// links that code without the library around it.
+// QVNETCALL_API before a class or function makes it visible outside the shared library.
+// QVNETCALL_BUILDING is defined while the library's own code is compiled, QVNETCALL_STATIC for a
+// program that links that code directly instead of the shared library.
 #pragma once
 
 #if defined(_WIN32)

@@ -5,24 +5,36 @@
 #include "qvnetcall/ServerRecords.h"
 #include "qvnetcall/framework/String.h"
 
-// All members are static, one exchange each over the socket transport, whatever the kind of the
-// server; they know no offline state. Any number of threads; nothing throws but std::bad_alloc.
-// Arrays are the caller's, who frees them with delete[]; their records are zero when the server
-// sent none that fit. What the numbers and texts mean is the server's.
+// All members are static. Each call is one exchange over the socket transport, whatever the kind of
+// the server, and is made whether or not the client is offline. Any number of threads may call at
+// once. Nothing but std::bad_alloc is thrown. The server defines what the numbers and texts mean.
+// An empty text is left out of the request, which is sent all the same.
 class QVNETCALL_API CRvoAd {
  public:
-  // An array of `count` records; null, and `count` 0, when there are none or nothing was delivered;
-  // null with `count` set without memory for them.
+  // GetADGroupInfo reads the groups that the server finds for `key`, GetADGroupUserInfo the users
+  // of `group`. Each returns an array of `count` records, which the caller owns and frees with
+  // delete[]; the records are zero if the reply holds none of the right size. Returns null and sets
+  // `count` to 0 if there are none or the request was not delivered. If the array cannot be
+  // allocated, or would exceed 64 MiB, returns null although `count` is set.
   static CZelkorSvrADObjInfo* GetADGroupInfo(CString key, int& count);
   static CZelkorSvrADObjInfo* GetADGroupUserInfo(CString group, int& count);
-  // The same, but `count` is only written when there are any.
+  // Reads all users. Returns an array of `count` records, which the caller owns and frees with
+  // delete[]; the records are zero if the reply holds none of the right size. Returns null and
+  // leaves `count` unchanged if there are none or the request was not delivered. If the array
+  // cannot be allocated, or would exceed 64 MiB, returns null although `count` is set.
   static CZelkorSvrADObjInfo* GetADUserInfo(int& count);
 
-  // The server's answer when it is above zero, else 0.
+  // Creates a department. Returns the server's answer if it is above 0; otherwise, or if the
+  // request was not delivered, returns 0.
   static int CreateADDepart(int value);
+  // Creates a group. Returns the server's answer if it is above 0; otherwise, or if the request was
+  // not delivered, returns 0.
   static int AddADGroup(CString group, int value1, int value2);
-  // Backslashes in `users` are sent as slashes.
+  // Puts users into a group; backslashes in `users` are sent as slashes. Returns the server's
+  // answer if it is above 0; otherwise, or if the request was not delivered, returns 0.
   static int AddADGroupUsers(CString group, CString users, int value);
-  // `mode` is 0 to 2; for any other nothing is sent.
+  // Creates a user. `mode` is 0, 1 or 2; with any other value nothing is sent and the result is 0.
+  // Returns the server's answer if it is above 0; otherwise, or if the request was not delivered,
+  // returns 0.
   static int AddADUser(CString first, CString second, int mode);
 };

@@ -7,24 +7,27 @@
 
 class IQvCoCSC;
 
-// Holds the component that does the work. It is made together with this object or never.
+// Holds the component that does the work. The component is created together with this object or
+// never. All members must be called on the thread that made the object.
 class QVNETCALL_API CRvoCSCClient {
  public:
-  // Enters the single-threaded apartment on systems that have one.
+  // Enters the single-threaded apartment on systems that have apartments, then creates the
+  // component.
   CRvoCSCClient();
   // Leaves the apartment first and then ends the component.
   ~CRvoCSCClient();
   CRvoCSCClient(const CRvoCSCClient&) = delete;
   CRvoCSCClient& operator=(const CRvoCSCClient&) = delete;
 
-  // The component, which stays this object's; null when there is none.
+  // Returns the component, which this object keeps owning, or null if it could not be created.
   IQvCoCSC* Get() const { return component_; }
 
  private:
   IQvCoCSC* component_ = nullptr;
 };
 
-// One queue: the pairs of paths of one kind of transfer.
+// One queue: the pairs of paths of one kind of transfer. All members must be called on the thread
+// that made the owner.
 class QVNETCALL_API CRvoCSCFiles {
  public:
   // `owner` stays the caller's and must outlive this object.
@@ -33,10 +36,15 @@ class QVNETCALL_API CRvoCSCFiles {
   CRvoCSCFiles(const CRvoCSCFiles&) = delete;
   CRvoCSCFiles& operator=(const CRvoCSCFiles&) = delete;
 
-  // As CRvoFtpFiles has them.
+  // Appends a pair. If the queue is marked as completed, it is emptied first.
   void Add(const CString& first, const CString& second);
+  // Removes all pairs and the mark.
   void Empty();
+  // Marks the queue as completed: its pairs are kept, and the next Add starts a new queue.
   void SetDone() { done_ = 1; }
+  // Returns the report of a run in which `count` files succeeded; empty if there is nothing to
+  // report. `kind`, which names the queue in the text, is 0 for uploads, 1 for downloads and 2 for
+  // copies.
   CString GetFailInfo(int kind, long count);
 
  private:
@@ -46,10 +54,20 @@ class QVNETCALL_API CRvoCSCFiles {
   CRvoCSCClient* owner_;
 };
 
-// One connection to a cloud store and three queues. What is not said here is as CRvoFtp has it:
-// threads, results, exceptions, queues, reports. A copy shares the connection and the queues of its
-// source, and its thread; they end with the last of them. The component is made by the constructor;
-// without one, every call gives -100 for the object's life.
+// One connection to a cloud store and three queues: uploads, downloads, and copies in the store.
+// The component defines which path of a pair is the local one and what `option` and `extra` mean;
+// docs/transfer-components.md describes the component that is built here. The constructor creates
+// the component; if that fails, every call returns -100 for the life of the object. A copy of an
+// object shares the connection and the queues of its source; they end with the last object that
+// shares them.
+//
+// All members of an object and of its copies must be called on the thread that made the first one.
+// Unless a comment says otherwise, a call returns the component's result: 0 (qv::result::kSuccess)
+// for success, any other value as the component defines it, or -100 (kNoComponent) if there is no
+// component. If the component fails the call as such, the call throws _com_error
+// (qvnetcall/transfer/ComError.h); then a pair is not queued, and a run reports nothing. If memory
+// runs out, a call throws std::bad_alloc. Failures are reported to the server's log
+// (CRvoServer::SendSvrLogInfo, kind 3), never with a password.
 class QVNETCALL_API CRvoCloudStorage {
  public:
   CRvoCloudStorage();
@@ -57,29 +75,48 @@ class QVNETCALL_API CRvoCloudStorage {
   CRvoCloudStorage& operator=(const CRvoCloudStorage& source);
   virtual ~CRvoCloudStorage();
 
-  // Both empty all three queues. What `extra` means is the component's.
+  // Logs in. Clears all three queues, even if the call fails. Pass a `port` above 32767 as
+  // static_cast<short>(port). Returns the component's result.
   long FtpLogin(CString host, CString user, CString password, short port, int extra);
+  // Logs out. Clears all three queues, even if the call fails. Returns the component's result.
   long FtpLogout();
 
+  // Hand a pair to the component and append it to the queue, which starts anew if its last run
+  // succeeded. The pair is queued whatever the result, which says how the component took it.
   long AddUploadFile(CString first, CString second);
   long AddDownloadFile(CString first, CString second);
   long AddCopyServerFile(CString first, CString second);
 
-  // The reports of uploads and downloads end with the result of the run; that of copies does not,
-  // and hosts rely on it.
+  // Run a queue and set `count` to the number of files that succeeded. Return the component's
+  // result. A queue whose run failed is kept: the next run covers all of it and what was added
+  // meanwhile. Files that failed are reported to the server's log, in one text. The reports of
+  // uploads and downloads end with the result of the run; that of copies does not, and hosts rely
+  // on it.
   long UploadFile(long option, long& count);
   long DownloadFile(long option, long& count);
   long CopyServerile(long option, long& count);
 
+  // Add a pair to a queue and run that queue with everything in it. Return the result of the run;
+  // that of adding is ignored.
   long UploadOneFile(CString first, CString second, long option);
   long DownloadOneFile(CString first, CString second, long option);
 
+  // Deletes a file in the store. Returns the component's result; any but 0 is logged.
   long DeleteServerFile(CString path);
+  // Deletes a folder in the store with everything in it. Returns the component's result; any but 0
+  // is logged.
   long DeleteServerPath(CString path);
+  // Renames a file in the store. Returns the component's result; any but 0 is logged.
   long RenameServerFile(CString oldPath, CString newPath);
+  // Returns 1 (kFileSucceeded) if the file succeeded in the last run; any other result of the
+  // component means that it did not. Any result but 0 is logged, even 1.
   long IsOperatorFileSuc(CString path);
 
-  // An extension, as CRvoFtp has it; without the result of the run.
+  // Returns the report that the last run of a queue sent, or would have sent, without the result of
+  // the run; empty if there was nothing to report. `kind` is 0 for uploads, 1 for downloads, 2 for
+  // copies; for any other the report is empty. `count` is what the run set. Asks the component
+  // about each file anew and logs nothing. Not part of the platform's interface: an extension of
+  // this library.
   CString GetFailInfo(int kind, long count);
 
  private:

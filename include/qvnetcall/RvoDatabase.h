@@ -10,83 +10,102 @@
 #include "qvnetcall/framework/StringArray.h"
 
 // All members are static. Queries may run on several threads at once, each with a result set of its
-// own, but for those on one local database that each call opens (CRvoServer::CareOpenDBConn); the
-// two set-up calls SetFileTempInfo and Ini are to be called while no other call runs. Pointers are
-// not null and stay their caller's; texts end at their first NUL. Nothing throws but
-// std::bad_alloc. Where a limit
-// on the size of files ends programs by a signal (SIGXFSZ), the host ignores that signal, so that
-// the limit is an error like a full disk.
+// own; queries on one local database may not while every call opens it anew
+// (CRvoServer::CareOpenDBConn). Ini and SetFileTempInfo are set-up: call them while no other call
+// runs. Pointers must not be null, and the caller keeps owning what they point to; texts end at
+// their first NUL. Nothing but std::bad_alloc is thrown.
+//
+// A host that runs under a limit on the size of files (RLIMIT_FSIZE) must ignore the signal
+// SIGXFSZ, so that reaching the limit is reported like a full disk and does not end the process.
 class QVNETCALL_API CRvoDatabase {
  public:
-  // Sets up the record of temporary files: the system's temporary folder, prefix "qvcd", extension
-  // "tmp". The library does this itself when it is loaded.
+  // Resets the record of temporary files: the system's temporary folder, prefix "qvcd", extension
+  // "tmp". The library calls this itself when it is loaded. Set-up.
   static void Ini();
-  // The folder that temporary files are made in.
+  // Returns the folder in which temporary files are created.
   static CString GetTempFilePath();
-  // Where temporary files and the files of binary cells go. `path` ends with the platform's
-  // separator. Texts that do not fit their 260 bytes are cut.
+  // Set where temporary files and the files of binary cells are created; the second form sets the
+  // folder only. `path` must end with the platform's separator. Texts that do not fit their field
+  // of 260 bytes are truncated. Set-up.
   static void SetFileTempInfo(const char* path, const char* prefix, const char* ext);
   static void SetFileTempInfo(const char* path);
-  // A new name for a temporary file: "TempClient_", an identifier in registry form, ".txt".
+  // Returns a new name for a temporary file: "TempClient_", an identifier in registry form, ".txt".
   static CString GetTempFileNameA();
 
-  // Runs a query on the server's database of that name and appends columns and rows to `res`, which
-  // is new or emptied. With `use_cache` non-zero the answer is kept in the query cache when the
-  // server allows it, and taken from there while the client is offline. Returns one of
-  // - 0: rows were read into `res`;
-  // - 1: the text is empty, or offline without an answer in the cache, or the answer is unreadable;
-  // - 2: the reply's fields could not be read;
-  // - 3: the server refused the query;
-  // - 10: a compressed answer could not be unpacked;
-  // - any other value is the transport's: -1 not delivered, -2 outcome unknown, -3 a damaged reply.
+  // SelectSQL runs a query, and ExecuteSP a procedure call or a query, on the server's database of
+  // that name. Both append the answer's columns and rows to the result set, which must be new or
+  // empty. If `use_cache` is not 0, the answer is stored in the query cache if the server allows
+  // that, and taken from there while the client is offline.
   //
-  // In local mode (CRvoServer::UseLocalDB): 0, or 1 when the query failed or no such database is
-  // open.
+  // SelectSQL first loads the server's settings if they are due; ExecuteSP does so only if the
+  // server is a web server. So with a socket server, ExecuteSP stores no answer and does not work
+  // offline until a query has loaded the settings.
+  //
+  // Return one of (names in qv::result)
+  // - 0 (kSuccess): the rows were read into the result set;
+  // - 1 (kFailed): the text is empty, or the client is offline and the cache has no answer, or the
+  //   answer cannot be read;
+  // - 2 (kReplyUnreadable): the reply's fields could not be read;
+  // - 3 (kQueryRefused): the server refused the query;
+  // - 10 (kUnpackFailed): the compressed answer could not be unpacked;
+  // - -1 (kNotDelivered), -2 (kOutcomeUnknown), -3 (kBadReply), or another result of the transport.
+  //
+  // In local mode (CRvoServer::UseLocalDB) return 0, or 1 if the query failed or no such database
+  // is open.
   static int SelectSQL(const CString* sql, CRvoDbRes* res, const char* database, int use_cache);
-
-  // Runs a procedure call, or a query, on the server's database of that name. Arguments and results
-  // as SelectSQL has them. The server's settings are loaded first only when it is a web server;
-  // with a socket server nothing is kept, and no work is offline, before a query has loaded them.
   static int ExecuteSP(const CString* sql, CRvoDbRes* result, const char* database, int use_cache);
 
-  // Runs one statement that gives no rows. Returns one of
-  // - 0: done;
-  // - 1: the text is empty, or the server refused the statement, or the client is offline, as far
-  //   as settings that were loaded say that the server allows offline work;
-  // - any other value is the transport's; -2 leaves open whether the statement was run.
+  // Runs one statement, which returns no rows, on the server's database of that name. Returns one
+  // of (names in qv::result)
+  // - 0 (kSuccess): the server ran the statement;
+  // - 1 (kFailed): the text is empty, or the server refused the statement, or the client is offline
+  //   and the settings that were loaded say that the server allows offline work;
+  // - -1 (kNotDelivered), -2 (kOutcomeUnknown), -3 (kBadReply), or another result of the transport;
+  //   after -2 and -3 the statement may have been run.
   //
-  // In local mode: 0, or 1 when the statement failed or no such database is open.
+  // In local mode (CRvoServer::UseLocalDB) returns 0, or 1 if the statement failed or no such
+  // database is open.
   static int ExecuteSQL(const CString* sql, const char* database);
 
-  // Runs statements in their order, all of them or none, in one exchange over the socket transport,
-  // offline or not. An empty statement, and one that no longer fits, ends the request: the server
-  // hears of fewer statements than were counted. Returns one of
-  // - 0: done;
-  // - 100 + n: the server refused the batch; n is its number for the statement that failed, as it
-  //   came;
-  // - 2: the reply does not say that the batch was done, nor which statement failed;
-  // - -1: nothing was delivered; also always in local mode, which knows no batches;
-  // - any other value is the transport's; -2 leaves open whether the batch was run.
+  // Runs statements in their order, all of them or none, on the server's database of that name.
+  // They are sent in one exchange over the socket transport, whatever the kind of the server and
+  // whether or not the client is offline. An empty statement is left out, and so is every statement
+  // after it or after one that no longer fits the request; the server then receives fewer
+  // statements than the request announces. Returns one of (names in qv::result)
+  // - 0 (kSuccess): the server ran the batch;
+  // - 100 + n (kBatchRefused + n): the server refused the batch; n is the server's number for the
+  //   statement that failed, passed on as it came;
+  // - 2 (kReplyUnreadable): the reply says neither that the batch was run nor what failed;
+  // - -1 (kNotDelivered): nothing reached the server;
+  // - -1 (kNoLocalBatch): in local mode (CRvoServer::UseLocalDB), always;
+  // - -2 (kOutcomeUnknown), -3 (kBadReply), or another result of the transport; after -2 and -3 the
+  //   batch may have been run.
   static int ExecuteMultiSQL(const CStringArray* sqls, const char* database);
 
-  // Reads a recordset file into `res`: the rowset dialect, and the schema dialect of web servers.
-  // Files of binary cells are named by `temp_files` and stay. 1, or 0 when the file cannot be read;
-  // columns found until then stay.
+  // Read a recordset file into `res`, which must be new or empty: ReadFromXmlFile the rowset
+  // dialect, ReadFromXmlFile2 the schema dialect, which web servers send. Binary cells are written
+  // to files that are named by `temp_files` and are not deleted. Return 1. Return 0 if the file
+  // cannot be read; the columns that were found until then stay in `res`.
   static int ReadFromXmlFile(const char* path, CRvoDbRes* res, const tagTEMPFILEINFO& temp_files);
   static int ReadFromXmlFile2(const char* path, CRvoDbRes* res, const tagTEMPFILEINFO& temp_files);
 
-  // Has the settings below loaded again at the next query.
+  // Makes the next query load the server's settings again.
   static void SetNeedUpdateCompressState();
-  // The server's settings, as last loaded: 1 or 0.
+  // Return the server's settings as they were last loaded, 1 or 0 each: whether the server can send
+  // compressed answers, whether queries use that by default, whether users are offered that choice
+  // by default, and whether clients may store answers in the query cache.
   static int GetServerIsCompressMode();
   static int GetDefaultSelectCompress();
   static int GetDefaultDisplayCompress();
   static int GetServerIsSetCatche();
-  // Without a configured server: 1 when "UseAD" in section "ServerInfo" of "QvLogIn.ini" in the
-  // library's folder is there at all, whatever its value.
+  // Returns whether accounts of the directory are shown by default, 1 or 0. If a server is
+  // configured (CRvoServer::SetConinfo), this is its setting as it was last loaded. Otherwise it is
+  // 1 if "UseAD" in section "ServerInfo" of "QvLogIn.ini" in the library's folder has any value but
+  // -1, even 0.
   static int GetDefaultDisplayDomain();
 
-  // The flags themselves; calls on any thread read and write them.
+  // The flags themselves: whether the settings are due, and the five settings. Calls on any thread
+  // read and write them.
   static std::atomic<int>& m_NeedUpdateCompressState;
   static std::atomic<int>& m_bServerSetCache;
   static std::atomic<int>& m_ServerIsCompress;
@@ -95,12 +114,12 @@ class QVNETCALL_API CRvoDatabase {
   static std::atomic<int>& m_DefaultDisplayDomain;
 
  private:
-  // Loads the settings when they are due. 0 loaded or not due; 1, 2, 3 and transport results as
-  // SelectSQL has them.
+  // Loads the settings if they are due. Returns 0 if they were loaded or are not due; otherwise 1,
+  // 2, 3 or the transport's result, with the meanings that they have for SelectSQL.
   static int UpdateServerIsCompressInfo();
-  // 1 when a query may ask for a compressed answer.
+  // Returns 1 if a query may ask for a compressed answer, else 0.
   static int IsCanUseCompressMode();
-  // 1 when the client is offline; with `need_server_cache` non-zero only if the server allows
-  // caching as well.
+  // Returns 1 if the client is offline, else 0. If `need_server_cache` is not 0, returns 1 only if
+  // the server also allows answers to be cached.
   static int IsCanUseOffCache(int need_server_cache);
 };

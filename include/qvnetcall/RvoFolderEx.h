@@ -5,18 +5,28 @@
 #include "qvnetcall/QvRvoBuf.h"
 #include "qvnetcall/framework/String.h"
 
-// As CRvoFile, but for what they give offline.
+// All members are static. Each call is one exchange over the socket transport, whatever the kind of
+// the server. Any number of threads may call at once, each with a buffer of its own. Nothing but
+// std::bad_alloc is thrown. An empty text is left out of the request, which is sent all the same.
 class QVNETCALL_API CRvoFolderEx {
  public:
-  // Lists the files of a folder that match a pattern, from the index `from` up to `to`, or to the
-  // end with -1, into `buffer`, which is not null; `count` becomes the server's count. What
-  // `option`, `flag` and the bytes mean is the server's. 1 when the buffer was filled, with zeros
-  // when the listing did not come whole; 0 otherwise, and then `count` may be set and the buffer be
-  // empty; with nothing sent for a negative `option` or `from`, or a `to` below `from` that is not
-  // -1. Offline, 0 and `count` as it was.
+  // List one page of the files of a folder that match `pattern`, which for GetFilesInFolderEx is
+  // "*.*": from the index `from` up to `to`, or to the end if `to` is -1. The listing goes to
+  // `buffer`, which must not be null and stays the caller's; the server's count goes to `count`.
+  // `flag` is sent as 0 or 1. The server defines the meaning of `flag`, `option` and the listing's
+  // bytes.
+  //
+  // Return 1 if `buffer` was filled; it is filled with zeros if the listing did not arrive whole.
+  // Return 0
+  // - if `option` or `from` is negative, or `to` is below `from` and not -1: nothing is sent, and
+  //   `count` is 0;
+  // - while the cache state is 2 (the client is offline because the network is bad): nothing is
+  //   sent, and `count` is unchanged;
+  // - if the request was not delivered or there are no such files: `count` is 0;
+  // - if there are files but no listing came, or memory for it cannot be allocated, or it would
+  //   exceed 64 MiB: `count` is set, and in the last two cases `buffer` is empty.
   static int GetMatchFilesInFolderEx(CString folder, CString pattern, int& count, int flag,
                                      int option, int from, int to, CQvRvoBuf* buffer);
-  // The same for the pattern "*.*".
   static int GetFilesInFolderEx(CString folder, int& count, int flag, int option, int from, int to,
                                 CQvRvoBuf* buffer);
 };

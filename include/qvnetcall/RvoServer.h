@@ -6,94 +6,107 @@
 #include "qvnetcall/ServerRecords.h"
 #include "qvnetcall/framework/String.h"
 
-// All members are static over module-wide state that has no locks: SetConinfo and the switches are
-// set-up, to be called while no other call runs. The calls that talk to the server may run on
-// several threads at once unless said otherwise. Texts stay their caller's. Nothing throws but
-// std::bad_alloc.
+// All members are static and work on module-wide state that has no locks. SetConinfo and the
+// switches are set-up: call them while no other call runs. The calls that talk to the server may
+// run on several threads at once unless their comment says otherwise. The caller keeps owning the
+// texts that it passes. Nothing but std::bad_alloc is thrown. An empty text is left out of a
+// request, which is sent all the same.
 class QVNETCALL_API CRvoServer {
  public:
-  // Starts both transports; once, before any other call. FinitNet, after the last call, stops them
-  // and closes every local database.
+  // Starts both transports. Call it once, before any other call.
   static void InitNet();
+  // Stops both transports and closes every local database. Call it once, after the last call.
   static void FinitNet();
 
-  // Sets the server that every later call uses. Returns 1.
+  // Sets the name and the port of the server that every later call uses; a null name counts as
+  // empty, a negative port as 0. Set-up. Returns 1.
   static int SetConinfo(const char* server, long port);
 
-  // The kind of the given server: "TCP_IP" or "WEB_IIS", or what "ServerType" in section "Basic" of
-  // "QvNetClient.ini" in the library's folder says; when it says nothing, the server is probed.
-  // Kept for the last name and port. Returns 1.
+  // Stores in `type` the kind of the given server: the value of "ServerType" in section "Basic" of
+  // "QvNetClient.ini" in the library's folder or, if there is none, what a probe finds: "TCP_IP" if
+  // CheckServerLink reaches the server, else "WEB_IIS" (names in qv::server_type). The answer for
+  // the last name and port is remembered, so that the file is not read and the server not probed
+  // again. Only one thread at a time may make a call that probes. Returns 1.
   static int GetServerType(CString& type, CString server, unsigned long port);
-  // Has GetServerType answer `type` for that server, in place of what it kept before: for a host
-  // that knows, so that neither is the configuration read nor the server probed. Set-up, like
-  // SetConinfo; an addition to what the platform's hosts know. It holds until the kind of
-  // another server is asked for, or an empty type given. Returns 1.
+  // Makes GetServerType answer `type` for the given server, in place of what it remembered. A host
+  // that knows the kind of its server thus saves reading the configuration and probing. This holds
+  // until the kind of another server is asked for or an empty `type` is given. Set-up. Not part of
+  // the platform's interface: an extension of this library. Returns 1.
   static int SetServerType(CString type, CString server, unsigned long port);
-  // 1 when the given server answers over the socket transport, else 0. Meanwhile the transport's
-  // parameter "dispmsg" is "0", so that nothing is shown to the user: not for two threads at once,
-  // and neither is a GetServerType that probes.
+  // Returns 1 if the given server answers over the socket transport, else 0. During the call the
+  // transport's parameter "dispmsg" is "0", so that the user is shown no messages. Only one thread
+  // at a time may call this, because that parameter is shared.
   static int CheckServerLink(CString server, unsigned long port);
 
-  // Sets or reads a parameter of the socket transport. 1, or 0 when the transport does not know it
-  // or refuses the value.
+  // Sets a parameter of the socket transport. Returns 1, or 0 if the transport does not know the
+  // parameter or refuses the value.
   static int SetNetClientPara(CString name, CString value);
+  // Reads a parameter of the socket transport into `value`. Returns 1. Returns 0 and leaves `value`
+  // unchanged if the transport does not know the parameter.
   static int GetNetClientPara(CString name, CString& value);
-  // 1 while the socket transport holds the network for bad, else 0. With `n` 0 it may probe, with 1
-  // it only reports.
+  // Returns 1 while the socket transport considers the network bad, else 0. If `n` is 0, the
+  // transport may probe the network first; if `n` is 1, it only reports.
   static int GetIsNetworkBad(int n);
-  // The HTTP transport's login token, copied to a buffer of the caller's that is large enough. 1,
-  // or 0 without one.
+  // Copies the HTTP transport's login token, with a NUL at its end, to `token`, a buffer of the
+  // caller that is large enough for it (256 bytes for the transport that is built here). Returns 1,
+  // or 0 if there is no token.
   static int GetWebLoginToken(char* token);
 
-  // What the server says about the client program; `info` stays the caller's and is not null. Its
-  // server and port are set in any case; texts that did not come are empty. 1, or 0 when the server
-  // has nothing to say or cannot be reached.
+  // Fills `info`, which must not be null and stays the caller's, with what the server says about
+  // the client program. Returns 1; texts that the server did not send are empty. Returns 0 if the
+  // server has nothing to say or cannot be reached; then only m_server and m_port are set.
   static int GetQvNetExeInfo(CQvNetExeInfo* info);
-  // The sub-stores of that name: an array of `count` records that the caller frees with delete[].
-  // Null, and `count` as it was, when there are none or the server cannot be reached; null with
-  // `count` set without memory for them, which more than 64 MiB counts as. The records are zero
-  // when the server sent none that fit.
+  // Reads the sub-stores of the given name. Returns an array of `count` records, which the caller
+  // owns and frees with delete[]; the records are zero if the reply holds none of the right size.
+  // Returns null and leaves `count` unchanged if there are none or the server cannot be reached. If
+  // the array cannot be allocated, or would exceed 64 MiB, returns null although `count` is set.
   static CZelkorSvrSubStoreInfo* GetSubStoreInfo(int& count, CString name);
-  // Adds a line to the server's log; `kind` is the server's. Texts of 10239 bytes and more are cut
-  // to that length, and not in the middle of a GBK character. 1, or 0; always 0, with
-  // nothing sent, when the server is a web server.
+  // Appends a line to the server's log; the server defines the meaning of `kind`. A text of 10239
+  // bytes or more is truncated to 10239 bytes, or to one less where that would split a GBK
+  // character. Returns 1, or 0 if the server did not take the line or cannot be reached. If the
+  // server is a web server, nothing is sent and the result is 0.
   static int SendSvrLogInfo(int kind, CString text);
-  // "a_n:b".
+  // Returns the text "a_n:b" of the three arguments.
   static CString QvURL(CString a, int n, CString b);
 
-  // The connection text that the server has for a database; empty when it has none or cannot be
-  // reached.
+  // Returns the connection text that the server has for a database; empty if it has none or cannot
+  // be reached.
   static CString GetDBConnString(CString database);
-  // Opens a local database with an ODBC connection text ("Driver=...;Database=..."), under a name
-  // of which every byte counts. 1, or 0 when it does not open; a connection that has the name
-  // already goes when the new one stands, and stays when it does not. Waits for the database, 15
-  // seconds at most where the driver can tell the time.
+  // Opens a connection to a local database with an ODBC connection text ("Driver=...;Database=...")
+  // and registers it under the name `database`, in which every byte counts. Returns 1 and closes
+  // the connection that had the name before. Returns 0 and leaves that connection in place if the
+  // new one cannot be opened. Blocks until the database answers: at most 15 seconds, if the driver
+  // supports a time limit.
   static int OpenLocalDB(CString database, CString connection);
-  // Closes a local database. 1, or 0 when it is not open. Waits for nobody: the connection goes
-  // when the calls of other threads that work on it are done.
+  // Closes the connection to a local database. Returns 1, or 0 if there is none of that name. Does
+  // not block: the connection ends when the calls of other threads that work on it have returned.
   static int CloseLocalDB(CString database);
-  // Why the last call of this thread on a local database failed, for a log: the database's name,
-  // and state and text of everything that its driver said. It may quote the statement. An addition
-  // to what the platform's hosts know. 1, or 0 and an empty text when there is nothing to say.
+  // Stores in `text`, for a log, why this thread's last call on a local database failed: the
+  // database's name, and the state and the text of every message of its driver, which may quote the
+  // statement. Returns 1, or 0 and an empty text if there is nothing to say. Not part of the
+  // platform's interface: an extension of this library.
   static int GetLocalDBError(CString& text);
-  // Non-zero makes the database calls work on a local database instead of the server, batches
-  // apart. Calls on different databases run side by side, those on one take turns. Returns 1.
+  // If `on` is not 0, the database calls work on a local database instead of the server; batches
+  // are the exception (CRvoDatabase::ExecuteMultiSQL). Calls on different databases run in
+  // parallel; calls on the same one wait for each other. Set-up. Returns 1.
   static int UseLocalDB(int on);
-  // Non-zero (as at the start) leaves opening and closing the local database to the host. With 0
-  // every call asks the server for the connection text, opens, works and closes, so that only one
-  // thread can use a database. Returns 1.
+  // If `on` is not 0, as it is at first, the host opens and closes the local databases itself. If
+  // it is 0, every database call asks the server for the connection text, opens the database, works
+  // and closes it, so that only one thread at a time can use a database. Set-up. Returns 1.
   static int CareOpenDBConn(int on);
 
-  // Goes online (0), offline by choice (1) or offline because the network is bad (2). 1; 0 for any
-  // other state and, with nothing changed, when the server is a web server.
+  // Sets the cache state (names in qv::cache_state): 0 online, 1 offline by choice, 2 offline
+  // because the network is bad. 0 and 2 also tell the socket transport that the network is good or
+  // bad. Returns 1. Returns 0 and changes nothing for any other state, or if the server is a web
+  // server.
   static int SetCacheState(int state);
-  // The state above, brought up to date with the socket transport's view of the network, which `n`
-  // is passed to, unless the host chose to be offline. 0 when the server is a web server.
+  // Returns the cache state, 0 to 2 as above. Unless it is 1, it first becomes 0 or 2 according to
+  // GetIsNetworkBad(n). Returns 0 if the server is a web server.
   static int GetCacheState(int n);
-  // The folder that query answers are kept in; it is made when it is not there. Until it is set
-  // nothing is kept; an empty or null path switches the cache off again and gives 1. 1, or 0 when
-  // the folder cannot be used.
+  // Sets the folder in which answers to queries are kept; it is created if it does not exist. At
+  // first there is none and nothing is kept; a null or empty path goes back to that. Returns 1, or
+  // 0 if the folder cannot be used, in which case nothing is kept either.
   static int SetCachePath(const char* path);
-  // Forgets every kept answer. 1, or 0 when that fails.
+  // Removes every answer that is kept. Returns 1, or 0 if that fails or no folder is set.
   static int ClearCurCache();
 };

@@ -1,5 +1,5 @@
-// The plain records that the server sends as bytes. The library passes them on unread; what stands
-// in them is between the server and the applications.
+// The plain records that the server sends as bytes. The library passes them on without reading
+// them; their content is defined by the server and the applications.
 #pragma once
 
 // One file of the server's file store.

@@ -2,5 +2,5 @@
 
 #include "qvnetcall/framework/Array.h"
 
-/// An array of bytes; bounds, ownership and threads as CArray has them.
+/// An array of bytes.
 class CByteArray : public CArray<unsigned char, unsigned char> {};

@@ -4,8 +4,8 @@
 
 #include "qvnetcall/Export.h"
 
-/// What every exception of the framework derives from. Thrown by value and caught by reference; an
-/// object belongs to the thread that catches it.
+/// The base class of the framework's exceptions. They are thrown by value and caught by reference;
+/// an object belongs to the thread that catches it.
 class QVNETCALL_API CException : public std::exception {
  public:
   CException() noexcept = default;
@@ -13,6 +13,6 @@ class QVNETCALL_API CException : public std::exception {
   CException& operator=(const CException&) = default;
   ~CException() override;
 
-  /// A short English text, owned by the class (not to be freed).
+  /// Returns a short English text. The class owns it; do not free it.
   [[nodiscard]] const char* what() const noexcept override;
 };

@@ -6,13 +6,13 @@
 #include "qvnetcall/framework/FileException.h"
 #include "qvnetcall/framework/String.h"
 
-/// A binary file, unbuffered: a full disk shows at the write that meets it. An object owns its
-/// stream and is used by one thread at a time. Unless said otherwise, failures throw
-/// CFileException, with cause invalidFile when nothing is open; lengths and positions are bytes.
+/// A binary file. It is not buffered, so a full disk is reported by the very write that meets it.
+/// An object owns its stream; one thread at a time may use it. Unless a comment says otherwise, a
+/// failure throws CFileException, with the cause invalidFile if no file is open. Lengths and
+/// positions are in bytes.
 class QVNETCALL_API CFile {
  public:
-  /// How to open. The share and type bits are accepted and have no effect: every file is binary and
-  /// shared.
+  /// How to open a file. The share and type bits have no effect: every file is binary and shared.
   enum OpenFlags : unsigned {
     modeRead = 0x0000,
     modeWrite = 0x0001,
@@ -23,51 +23,56 @@ class QVNETCALL_API CFile {
     shareDenyRead = 0x0030,
     shareDenyNone = 0x0040,
     modeNoInherit = 0x0080,
-    modeCreate = 0x1000,      ///< creates the file; one that exists is emptied
-    modeNoTruncate = 0x2000,  ///< with modeCreate: one that exists keeps its content
+    modeCreate = 0x1000,      ///< create the file; empty it if it exists
+    modeNoTruncate = 0x2000,  ///< with modeCreate: keep the content of a file that exists
     typeText = 0x4000,
     typeBinary = 0x8000
   };
+  /// Where Seek counts from: the start of the file, the current position or the end.
   enum SeekPosition { begin = 0, current = 1, end = 2 };
 
-  /// Nothing open.
+  /// No file is open.
   CFile() noexcept = default;
-  /// Takes over `stream` (null: nothing open), which has not been read or written yet.
+  /// Takes ownership of `stream`, which must not have been read or written yet. If it is null, no
+  /// file is open.
   explicit CFile(std::FILE* stream) noexcept;
-  /// Opens; throws CFileException when that fails.
+  /// Opens `path`. Throws CFileException if that fails.
   CFile(const char* path, unsigned flags);
   CFile(const CFile&) = delete;
   CFile& operator=(const CFile&) = delete;
-  /// Closes; a failure goes unseen, so a writer calls Close.
+  /// Closes the file. Errors are lost, so call Close after writing.
   virtual ~CFile();
 
-  /// Closes what is open and opens `path`. False when it fails; `error`, unless null, then tells
-  /// why. Does not throw.
+  /// Closes the file that is open and opens `path`. Returns true. Returns false if that fails, with
+  /// the reason in `error` unless that is null. Throws nothing but std::bad_alloc.
   [[nodiscard]] virtual bool Open(const char* path, unsigned flags,
                                   CFileException* error = nullptr);
   [[nodiscard]] bool IsOpen() const noexcept { return stream_ != nullptr; }
-  /// The path of Open; empty for a stream that was taken over.
+  /// Returns the path that was opened; empty for a stream that was taken over.
   [[nodiscard]] const CString& GetFilePath() const noexcept { return path_; }
 
-  /// Reads up to `count` bytes and gives how many; fewer only at the end of the file.
+  /// Reads up to `count` bytes. Returns how many were read, which is fewer only at the end of the
+  /// file.
   virtual unsigned Read(void* buffer, unsigned count);
-  /// Writes all of `count` bytes; cause diskFull when there is no room.
+  /// Writes all of `count` bytes. If there is no space left, the cause is diskFull.
   virtual void Write(const void* buffer, unsigned count);
 
-  /// Moves to `offset` from the start, the current place or the end; gives the new position. Cause
-  /// badSeek for a place before the start.
+  /// Moves to the position that is `offset` bytes from `from`, which is one of SeekPosition.
+  /// Returns the new position. If that would be before the start of the file, the cause is badSeek.
   virtual unsigned long long Seek(long long offset, unsigned from);
+  /// Move to the start and to the end of the file. SeekToEnd returns the new position.
   void SeekToBegin() { Seek(0, begin); }
   unsigned long long SeekToEnd() { return Seek(0, end); }
+  /// Returns the current position.
   [[nodiscard]] virtual unsigned long long GetPosition() const;
-  /// The position stays.
+  /// Returns the length of the file. The position does not change.
   [[nodiscard]] virtual unsigned long long GetLength() const;
 
+  /// Hands everything that was written to the operating system.
   virtual void Flush();
-  /// Closes and throws when that failed; the file is closed then, too. Nothing open: nothing
-  /// happens.
+  /// Closes the file. The file is closed even if this throws. Has no effect if no file is open.
   virtual void Close();
-  /// Closes whatever happens; never throws.
+  /// Closes the file and ignores errors. Never throws.
   virtual void Abort() noexcept;
 
  private:

@@ -2,7 +2,7 @@
 
 #include "qvnetcall/framework/Exception.h"
 
-/// An index, size or count that a collection or text cannot accept.
+/// Thrown if a collection or a text is given an index, size or count that it cannot accept.
 class QVNETCALL_API CInvalidArgException : public CException {
  public:
   CInvalidArgException() noexcept = default;
@@ -10,8 +10,9 @@ class QVNETCALL_API CInvalidArgException : public CException {
   CInvalidArgException& operator=(const CInvalidArgException&) = default;
   ~CInvalidArgException() override;
 
+  /// Returns a short English text. The class owns it; do not free it.
   [[nodiscard]] const char* what() const noexcept override;
 };
 
-/// Throws CInvalidArgException. May be called from any thread.
+/// Throws CInvalidArgException. Any thread may call it.
 [[noreturn]] QVNETCALL_API void AfxThrowInvalidArgException();

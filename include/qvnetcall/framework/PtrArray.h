@@ -2,6 +2,5 @@
 
 #include "qvnetcall/framework/Array.h"
 
-/// An array of pointers; bounds and threads as CArray has them. What the pointers point at is the
-/// caller's.
+/// An array of pointers. The caller owns what they point to.
 class CPtrArray : public CArray<void*, void*> {};

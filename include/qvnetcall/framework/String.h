@@ -11,23 +11,25 @@
 #include "qvnetcall/Export.h"
 
 /// A narrow text that owns its bytes. The bytes are in the platform's code page and are never
-/// converted; lengths and positions count bytes. Case and white space are those of ASCII, whatever
-/// the locale, so bytes above 0x7f are never changed. A null `const char*` stands for the empty
-/// text everywhere.
+/// converted; lengths and positions count bytes, from 0. Letter case and white space are those of
+/// ASCII in every locale, so bytes above 0x7f are never changed. A null `const char*` counts as the
+/// empty text unless a comment says otherwise.
 ///
-/// An object may be used by one thread at a time; different objects are independent. Running out of
-/// memory throws std::bad_alloc; a position outside the text throws CInvalidArgException where a
-/// function says so.
+/// One thread at a time may use an object; different objects are independent. If memory runs out, a
+/// function throws std::bad_alloc. A position outside the text throws CInvalidArgException only
+/// where a comment says so.
 class QVNETCALL_API CString {
  public:
   CString() noexcept = default;
   CString(const CString&) = default;
   CString(CString&&) noexcept = default;
+  /// The bytes of `text` up to its NUL.
   CString(const char* text) : text_(OrEmpty(text)) {}  // NOLINT: implicit, as hosts know it
   /// The first `length` bytes of `text`, NUL bytes included; a negative length counts as 0.
   CString(const char* text, int length);
-  /// `ch`, `repeat` times; a negative count is 0.
+  /// `ch`, `repeat` times; a negative count counts as 0.
   explicit CString(char ch, int repeat = 1);
+  /// All bytes of `text`, NUL bytes included.
   explicit CString(std::string_view text) : text_(text) {}
   ~CString() = default;
 
@@ -40,38 +42,40 @@ class QVNETCALL_API CString {
     return text_ = ch, *this;
   }
 
-  /// The bytes with a NUL behind them; valid until the text changes.
+  /// Both return the bytes, followed by a NUL; valid until the text changes.
   operator const char*() const noexcept {
     return text_.c_str();
   }  // NOLINT: implicit, as hosts know it
   [[nodiscard]] const char* GetString() const noexcept { return text_.c_str(); }
-  /// The bytes without a copy; valid until the text changes.
+  /// Returns the bytes without copying them; valid until the text changes.
   [[nodiscard]] std::string_view View() const noexcept { return text_; }
 
-  /// The number of bytes; a text longer than the largest int reports that.
+  /// Returns the number of bytes, or the largest int if there are more.
   [[nodiscard]] int GetLength() const noexcept;
   [[nodiscard]] bool IsEmpty() const noexcept { return text_.empty(); }
   void Empty() noexcept { text_.clear(); }
 
-  /// The byte at `index`; index == length gives NUL. Throws CInvalidArgException outside 0..length.
+  /// Both return the byte at `index`; at the length of the text that is a NUL. Throw
+  /// CInvalidArgException if the index is outside 0..length.
   [[nodiscard]] char GetAt(std::ptrdiff_t index) const;
   template <std::integral Index>
   [[nodiscard]] char operator[](Index index) const {
     return GetAt(static_cast<std::ptrdiff_t>(index));  // a value too large turns negative
   }
-  /// Throws CInvalidArgException outside 0..length-1.
+  /// Replaces the byte at `index`. Throws CInvalidArgException if the index is outside 0..length-1.
   void SetAt(std::ptrdiff_t index, char ch);
 
-  /// Compare bytes as unsigned numbers; -1, 0 or 1. The second takes ASCII letters of either case
-  /// as equal.
+  /// Compare bytes as unsigned numbers; CompareNoCase ignores the case of ASCII letters. Return -1,
+  /// 0 or 1 if this text is less than, equal to or greater than `other`.
   [[nodiscard]] int Compare(const char* other) const noexcept;
   [[nodiscard]] int Compare(const CString& other) const noexcept;
   [[nodiscard]] int CompareNoCase(const char* other) const noexcept;
   [[nodiscard]] int CompareNoCase(const CString& other) const noexcept;
 
-  /// Writes as printf does, texts of any length; a CString may stand for a "%s". The arguments may
-  /// be this text itself. A null `format`, or one that cannot be carried out, gives (or appends)
-  /// nothing. A null text is "(null)".
+  /// Format replaces the text by what printf would print, AppendFormat appends that; it may have
+  /// any length. A "%s" also takes a CString, and a null argument for it prints as "(null)".
+  /// Arguments may be this text itself. If `format` is null or cannot be carried out, nothing is
+  /// printed, so Format leaves an empty text.
   template <typename... Args>
   void Format(const char* format, const Args&... args) {
     text_ = Print(format, ForPrintf(args)...);
@@ -81,27 +85,31 @@ class QVNETCALL_API CString {
     text_ += Print(format, ForPrintf(args)...);
   }
 
-  /// Parts of the text; positions and counts are clamped to it.
+  /// Return a part of the text: its first bytes, its last bytes, those from `first` on. Positions
+  /// and counts are limited to the text.
   [[nodiscard]] CString Left(int count) const;
   [[nodiscard]] CString Right(int count) const;
   [[nodiscard]] CString Mid(int first) const;
   [[nodiscard]] CString Mid(int first, int count) const;
 
-  /// The first place at or after `start`, or -1; also -1 for a start outside the text and for null.
+  /// Return the first position, at or after `start`, at which `ch` or `text` begins. Return -1 if
+  /// there is none, if `start` is outside the text, or if `text` is null.
   [[nodiscard]] int Find(char ch, int start = 0) const noexcept;
   [[nodiscard]] int Find(const char* text, int start = 0) const noexcept;
-  /// The last place of `ch`, or -1.
+  /// Returns the last position of `ch`, or -1 if there is none.
   [[nodiscard]] int ReverseFind(char ch) const noexcept;
 
-  /// Replaces every occurrence from left to right; returns how many. An empty `from` is found
-  /// nowhere.
+  /// Replace every occurrence of `from`, from left to right. Return how many were replaced. An
+  /// empty `from` is never found.
   int Replace(char from, char to) noexcept;
   int Replace(const char* from, const char* to);
 
+  /// Change the case of all ASCII letters. Return this text.
   CString& MakeLower() noexcept;
   CString& MakeUpper() noexcept;
 
-  /// Remove blanks, \t, \n, \v, \f and \r, or the bytes of `set`, at one or both ends.
+  /// Remove blanks, \t, \n, \v, \f and \r, or `ch`, or the bytes of `set`, at one or both ends.
+  /// Return this text.
   CString& Trim() { return Trim(kWhiteSpace); }
   CString& Trim(char ch) { return Trim(std::string_view(&ch, 1)); }
   CString& Trim(const char* set) { return Trim(OrEmpty(set)); }
@@ -112,10 +120,11 @@ class QVNETCALL_API CString {
   CString& TrimRight(char ch) { return TrimRight(std::string_view(&ch, 1)); }
   CString& TrimRight(const char* set) { return TrimRight(OrEmpty(set)); }
 
-  /// Room to write at least `min_length` bytes and a NUL, owned by this object. End with
-  /// ReleaseBuffer, which takes the new length, or -1 for what stands before the first NUL; it is
-  /// clamped to the room.
+  /// Returns a buffer with room for at least `min_length` bytes and a NUL, which starts with the
+  /// text and which this object owns. After writing, call ReleaseBuffer.
   [[nodiscard]] char* GetBuffer(int min_length = 0);
+  /// Ends writing to the buffer. The text becomes its first `new_length` bytes, or those before its
+  /// first NUL if that is negative; the length is limited to the buffer's.
   void ReleaseBuffer(int new_length = -1);
 
   CString& operator+=(const CString& tail) { return text_ += tail.text_, *this; }

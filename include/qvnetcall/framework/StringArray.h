@@ -3,5 +3,5 @@
 #include "qvnetcall/framework/Array.h"
 #include "qvnetcall/framework/String.h"
 
-/// An array of texts; bounds, ownership and threads as CArray has them.
+/// An array of texts.
 class CStringArray : public CArray<CString, const CString&> {};

@@ -1,5 +1,5 @@
-// What stands in the plain records that the stand-in server sends: docs/records.md describes them.
-// Other servers have layouts of their own.
+// The layout of the plain records that the stand-in server sends, which docs/records.md describes.
+// Other servers have layouts of their own. All functions may be called from any thread.
 #pragma once
 
 #include <cstddef>
@@ -11,8 +11,8 @@
 
 namespace qv::records {
 
-// A field: where it begins and how many bytes it takes. Numbers are little-endian; a text ends at
-// its first NUL, which it always has.
+// A field of a record, in bytes. Numbers are little-endian; a text ends at its first NUL, which it
+// always has.
 struct Field {
   std::size_t offset;
   std::size_t size;
@@ -48,7 +48,7 @@ inline constexpr std::uint64_t kUser = 2;
 inline constexpr std::uint64_t kDepartment = 3;
 }  // namespace directory
 
-// The number in a field of a record; signed ones come as two's complement.
+// Returns the number in a field of a record; a signed number is returned as two's complement.
 template <class Record>
 [[nodiscard]] constexpr std::uint64_t Number(const Record& record, Field field) {
   std::uint64_t value = 0;
@@ -56,7 +56,7 @@ template <class Record>
   return value;
 }
 
-// The text in a field of a record; of a server that forgot its NUL, all of the field.
+// Returns the text in a field of a record; if the server sent no NUL, the whole field.
 template <class Record>
 [[nodiscard]] std::string Text(const Record& record, Field field) {
   const std::string_view whole(reinterpret_cast<const char*>(record.bytes) + field.offset,
@@ -64,13 +64,15 @@ template <class Record>
   return std::string(whole.substr(0, whole.find('\0')));
 }
 
-// Write a field. A text that has no room, with its NUL, is not written: false.
+// Writes a number to a field of a record.
 template <class Record>
 constexpr void SetNumber(Record& record, Field field, std::uint64_t value) {
   for (std::size_t i = 0; i < field.size; ++i, value >>= 8) {
     record.bytes[field.offset + i] = static_cast<unsigned char>(value & 0xFF);
   }
 }
+// Writes a text to a field of a record and fills the rest with NULs. Returns true. Returns false
+// and writes nothing if the field has no room for the text and a NUL.
 template <class Record>
 [[nodiscard]] bool SetText(Record& record, Field field, std::string_view text) {
   if (text.size() >= field.size) return false;

@@ -1,6 +1,6 @@
-// Extensions of the transfer components that are built here: their parameters, and progress.
-// Another component need not have them, so a program that can do without looks them up by name, in
-// the component's library beside it, at run time.
+// Parameters and progress of the transfer components that are built here. They are extensions:
+// another component need not have them, so a program that can do without them looks the functions
+// up by name at run time, in the component's library beside the program.
 #pragma once
 
 #include <cstdint>
@@ -9,36 +9,37 @@
 
 extern "C" {
 
-// Where a run stands. Texts live until the callback returns.
+// The state of a run. Texts are valid until the callback returns.
 struct QvTransferProgress {
   const char* file;          // the first path of the pair that is being moved
-  std::int32_t file_index;   // its place in the run, from 0
-  std::int32_t file_count;   // how many files the run has
-  std::uint64_t file_done;   // bytes of this file
-  std::uint64_t file_total;  // 0 while unknown
-  std::int32_t attempt;      // 1 for the first try of this file
+  std::int32_t file_index;   // its position in the run, from 0
+  std::int32_t file_count;   // the number of files in the run
+  std::uint64_t file_done;   // bytes of this file that were moved
+  std::uint64_t file_total;  // bytes of this file; 0 while unknown
+  std::int32_t attempt;      // 1 for the first attempt at this file
 };
 
-// Hears where a run stands: at the start and the end of each file, and about ten times a second in
-// between. Runs on the thread that runs the queue, in the middle of the run: it must be quick, must
-// not throw and must not call the component. 0 goes on; any other value ends the run, whose files
-// that did not succeed stay queued.
+// Receives the state of a run: at the start and the end of each file, and about ten times a second
+// in between. Runs on the thread that runs the queue, during the run: it must be quick, must not
+// throw and must not call the component. Returns 0 to continue; any other value ends the run, and
+// the files that have not succeeded stay queued.
 typedef int (*QvTransferCallback)(const QvTransferProgress* progress, void* context);
 
-// Has `callback` called, with `context`, by the runs of the calling thread from now on; null ends
-// it.
+// Make the component call `callback`, with `context`, in the runs of the calling thread from now
+// on; null ends this. Each thread has its own callback.
 QVNETCALL_API void QvCoFtpSetProgress(QvTransferCallback callback, void* context);
 QVNETCALL_API void QvCoCSCSetProgress(QvTransferCallback callback, void* context);
 
-// Sets a parameter for the objects that are made afterwards, in all threads; both texts stay the
-// caller's. Any thread. 1, or 0 and no change for an unknown name or a value that it cannot have.
+// Set a parameter for the objects that are created afterwards, on all threads. The caller keeps
+// owning both texts. Any thread may call. Return 1. Return 0 and change nothing if a text is null,
+// the name is unknown or the value is not allowed.
 //
 //   name                values
-//   ca_file             a file of certificates of authorities, in PEM; empty: the system's
-//   connect_timeout_ms  1 to 3600000: looking up the name, connecting, agreeing on TLS, together
-//   io_timeout_ms       1 to 3600000: a stretch without progress
-//   region              cloud only: the region that requests are signed for, "us-east-1" at first
-//   part_bytes          cloud only: 5242880 to 5368709120, what one part of a large upload holds
+//   ca_file             a PEM file of trusted CA certificates; empty: the system's
+//   connect_timeout_ms  1 to 3600000: for name lookup, connecting and the TLS handshake together
+//   io_timeout_ms       1 to 3600000: for a stretch without progress
+//   region              cloud only: the region that requests are signed for, at first "us-east-1"
+//   part_bytes          cloud only: 5242880 to 5368709120, the size of a part of a large upload
 QVNETCALL_API int QvCoFtpSetParameter(const char* name, const char* value);
 QVNETCALL_API int QvCoCSCSetParameter(const char* name, const char* value);
 }

@@ -1,6 +1,6 @@
-// How a transfer component says that a call failed as such: with _com_error as the compiler's COM
-// support has it. It carries the HRESULT, and what the component says about the failure, its
-// interface included, when it is one that says anything.
+// How a transfer component reports that a call as such failed: by the _com_error of the compiler's
+// COM support. It carries the HRESULT and, if the component provides error information, that
+// information, which includes the interface.
 #pragma once
 
 #include <comdef.h>
