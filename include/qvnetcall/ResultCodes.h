@@ -1,6 +1,6 @@
 // Names for the values that hosts compare: results, cache states, kinds of servers. The comment on
-// each call says which results it returns, and when. Calls that are not named here return 1 or a
-// count for success, and 0 or null for failure.
+// each call says which results it returns, and when. Most calls that are not named here return 1 or
+// a count for success, and 0 or null for failure.
 #pragma once
 
 namespace qv::result {
