@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/PeerTable.h"
+#include "PeerTable.h"
 
 namespace qv {
 

@@ -1,4 +1,4 @@
-#include "bench/KeptBuffer.h"
+#include "KeptBuffer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "bench/CellEvents.h"
-#include "bench/Peers.h"
+#include "CellEvents.h"
+#include "Peers.h"
 
 namespace qv {
 

@@ -1,4 +1,4 @@
-#include "bench/PeerTable.h"
+#include "PeerTable.h"
 
 #include <algorithm>
 #include <charconv>

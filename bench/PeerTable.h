@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/RecordsetFiles.h"
-#include "bench/Summary.h"
+#include "RecordsetFiles.h"
+#include "Summary.h"
 
 namespace qv {
 

@@ -2,9 +2,9 @@
 // still gives the right values. The file in `buffer` may be changed. They throw std::runtime_error.
 #pragma once
 
-#include "bench/KeptBuffer.h"
-#include "bench/PeerTable.h"
-#include "bench/RecordsetFiles.h"
+#include "KeptBuffer.h"
+#include "PeerTable.h"
+#include "RecordsetFiles.h"
 
 namespace qv {
 

@@ -1,7 +1,7 @@
 #include <pugixml.hpp>
 #include <stdexcept>
 
-#include "bench/Peers.h"
+#include "Peers.h"
 
 namespace qv {
 

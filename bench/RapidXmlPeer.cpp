@@ -2,7 +2,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "bench/Peers.h"
+#include "Peers.h"
 
 namespace qv {
 

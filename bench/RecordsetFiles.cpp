@@ -1,4 +1,4 @@
-#include "bench/RecordsetFiles.h"
+#include "RecordsetFiles.h"
 
 #include <array>
 #include <cstdio>

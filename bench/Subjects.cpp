@@ -1,12 +1,12 @@
-#include "bench/Subjects.h"
+#include "Subjects.h"
 
 #include <array>
 #include <cstring>
 #include <stdexcept>
 
-#include "bench/KeptBuffer.h"
-#include "bench/PeerTable.h"
-#include "bench/Peers.h"
+#include "KeptBuffer.h"
+#include "PeerTable.h"
+#include "Peers.h"
 #include "resultset/ResultTable.h"
 #include "resultset/RowsetReader.h"
 #include "resultset/SchemaReader.h"

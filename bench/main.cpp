@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "bench/RecordsetFiles.h"
-#include "bench/Subjects.h"
+#include "RecordsetFiles.h"
+#include "Subjects.h"
 
 namespace qv {
 

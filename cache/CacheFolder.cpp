@@ -10,7 +10,7 @@
 
 #include "GzipFile.h"
 #include "QueryCache.h"
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

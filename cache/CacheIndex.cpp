@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 
@@ -133,7 +133,7 @@ int CacheIndex::Connect(const std::string& path) {
 }
 
 int CacheIndex::Execute(const char* sql) {
-  Statement statement;
+  IndexStatement statement;
   const int prepared = statement.Prepare(database_.get(), sql);
   return prepared == SQLITE_OK ? statement.Execute() : prepared;
 }
@@ -141,7 +141,7 @@ int CacheIndex::Execute(const char* sql) {
 // A table that differs, or anything beside it, belongs to somebody else, or was put there to run
 // when the table is used.
 int CacheIndex::Recognise() {
-  Statement schema;
+  IndexStatement schema;
   const int prepared = schema.Prepare(database_.get(), "SELECT sql FROM sqlite_master");
   if (prepared != SQLITE_OK) return prepared;
   StatementRun run(schema);
@@ -157,7 +157,7 @@ int CacheIndex::Recognise() {
 
 // Damage further inside would otherwise show only later, when nobody begins the index anew.
 int CacheIndex::Check() {
-  Statement check;
+  IndexStatement check;
   const int prepared = check.Prepare(database_.get(), "PRAGMA quick_check(1)");
   if (prepared != SQLITE_OK) return prepared;
   StatementRun run(check);
@@ -169,7 +169,7 @@ int CacheIndex::Check() {
 }
 
 int CacheIndex::PrepareAll() {
-  const std::pair<Statement&, const char*> statements[] = {
+  const std::pair<IndexStatement&, const char*> statements[] = {
       {begin_, "BEGIN IMMEDIATE"},
       {commit_, "COMMIT"},
       {rollback_, "ROLLBACK"},

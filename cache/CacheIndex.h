@@ -8,7 +8,7 @@
 #include <string>
 #include <unordered_set>
 
-#include "Statement.h"
+#include "IndexStatement.h"
 
 namespace qv {
 
@@ -68,7 +68,7 @@ class CacheIndex {
 
   // Declared first, so that it is closed after its statements.
   std::unique_ptr<sqlite3, Closer> database_;
-  Statement begin_, commit_, rollback_, find_, put_, remove_, remove_all_, files_;
+  IndexStatement begin_, commit_, rollback_, find_, put_, remove_, remove_all_, files_;
 };
 
 }  // namespace qv

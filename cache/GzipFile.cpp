@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

@@ -1,49 +1,40 @@
-# One folder, one target. A folder's headers are reached as "folder/Header.h" only by targets that link it: each target
-# offers an include path that holds nothing but a link to its own folder, so an include that skips a floor fails.
+# One room, one target. All rooms see the project's folder, so that files are included by the path at which they are;
+# which rooms a room may include is what its target uses, and scripts/check-includes holds every source against that.
 
-# qv_link_folder(<folder> <link>): on Windows a junction, since not every user may make symbolic links there.
-function(qv_link_folder folder link)
-  if(CMAKE_HOST_WIN32)
-    cmake_path(NATIVE_PATH folder folder)
-    cmake_path(NATIVE_PATH link link)
-    execute_process(COMMAND cmd /c mklink /J ${link} ${folder} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-  else()
-    file(CREATE_LINK ${folder} ${link} SYMBOLIC)
-  endif()
-endfunction()
-
-# qv_floor_include(<target> [<name>]): gives <target> its include path for the current folder, seen as <name>.
-function(qv_floor_include target)
-  set(name ${target})
-  if(ARGC GREATER 1)
-    set(name ${ARGV1})
-  endif()
-  set(floor ${CMAKE_BINARY_DIR}/floors/${target})
-  cmake_path(GET name PARENT_PATH above)
-  file(MAKE_DIRECTORY ${floor}/${above})
-  if(NOT EXISTS ${floor}/${name})
-    qv_link_folder(${CMAKE_CURRENT_SOURCE_DIR} ${floor}/${name})
-  endif()
-  get_target_property(type ${target} TYPE)
-  if(type STREQUAL "INTERFACE_LIBRARY")
-    target_include_directories(${target} INTERFACE ${floor})
-  else()
-    target_include_directories(${target} PUBLIC ${floor})
-  endif()
-endfunction()
-
-# qv_add_floor(<folder> SOURCES <files> [USES <targets>] [PRIVATE <targets>] [AS <path>])
-# The static library of one folder. USES are the folders below it, PRIVATE what only its own sources need.
-function(qv_add_floor target)
-  cmake_parse_arguments(ARG "" "AS" "SOURCES;USES;PRIVATE" ${ARGN})
+# qv_add_room(<target> SOURCES <files> [USES <targets>] [PRIVATE <targets>])
+# The static library of the current folder. USES are the rooms below it, PRIVATE what only its own sources need.
+function(qv_add_room target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;USES;PRIVATE" ${ARGN})
   add_library(${target} STATIC ${ARG_SOURCES})
+  target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PUBLIC ${ARG_USES} PRIVATE ${ARG_PRIVATE})
   target_compile_definitions(${target} INTERFACE QVNETCALL_STATIC)
-  if(ARG_AS)
-    qv_floor_include(${target} ${ARG_AS})
-  else()
-    qv_floor_include(${target})
-  endif()
+  qv_note_room(${target})
+endfunction()
+
+# qv_add_program(<name> SOURCES <files> [USES <targets>] [PRIVATE <targets>]): a program that is installed.
+function(qv_add_program target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;USES;PRIVATE" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_USES} ${ARG_PRIVATE})
+  qv_speaks_utf8(${target})
+  qv_note_room(${target})
+  install(TARGETS ${target})
+endfunction()
+
+# Notes in which folder a target is and what it uses.
+function(qv_note_room target)
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE folder)
+  list(JOIN ARG_USES " " uses)
+  list(JOIN ARG_PRIVATE " " private)
+  set_property(GLOBAL APPEND PROPERTY QV_ROOMS "${target} ${folder} USES ${uses} PRIVATE ${private}")
+endfunction()
+
+# qv_write_rooms(<file>): what was noted, for scripts/check-includes.
+function(qv_write_rooms file)
+  get_property(rooms GLOBAL PROPERTY QV_ROOMS)
+  list(JOIN rooms "\n" lines)
+  file(WRITE ${file} "${lines}\n")
 endfunction()
 
 # qv_add_shared_library(<name> WHOLE <targets> [TRANSPORTS <targets>] [HIDDEN <targets>] [BESIDE_PROGRAMS])
@@ -77,7 +68,7 @@ function(qv_export_only target map)
   cmake_parse_arguments(ARG "STAYS" "" "" ${ARGN})
   if(WIN32)
     if(ARG_STAYS)
-      target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/platform/windows/StaysLoaded.cpp)
+      target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/base/platform/windows/StaysLoaded.cpp)
     endif()
     return()
   endif()

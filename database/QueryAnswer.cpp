@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "cache/GzipFile.h"
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/framework/FileException.h"

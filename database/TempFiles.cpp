@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"
 

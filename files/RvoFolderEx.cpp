@@ -2,7 +2,7 @@
 
 #include "FolderListing.h"
 #include "Offline.h"
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 #include "server/CatalogueCall.h"
 
 namespace {

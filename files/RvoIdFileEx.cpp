@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "Offline.h"
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "server/CatalogueCall.h"
 
 using qv::CatalogueCall;

@@ -1,6 +1,6 @@
 #include "TransferCall.h"
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/ResultCodes.h"
 
 namespace qv {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 #include "resultset/CellText.h"
 #include "resultset/CellValue.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "odbc/Statement.h"
+#include "base/odbc/Statement.h"
 #include "qvnetcall/TempFileInfo.h"
 #include "resultset/BinaryCells.h"
 #include "resultset/Column.h"

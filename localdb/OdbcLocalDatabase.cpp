@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "CursorReader.h"
-#include "platform/ThreadSlot.h"
+#include "base/platform/ThreadSlot.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/framework/String.h"
 #include "resultset/ResultTable.h"

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "LocalDatabase.h"
-#include "odbc/Statement.h"
+#include "base/odbc/Statement.h"
 #include "qvnetcall/TempFileInfo.h"
 
 namespace qv {

@@ -7,8 +7,8 @@
 #include <cstdio>
 
 #include "ResultTable.h"
-#include "framework/DecimalText.h"
-#include "platform/Platform.h"
+#include "base/framework/DecimalText.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

@@ -9,7 +9,7 @@
 
 #include "ByteScan.h"
 #include "CellText.h"
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 
 namespace qv {
 

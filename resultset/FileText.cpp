@@ -7,8 +7,8 @@
 #include <limits>
 #include <system_error>
 
-#include "platform/Platform.h"
-#include "platform/ThreadSlot.h"
+#include "base/platform/Platform.h"
+#include "base/platform/ThreadSlot.h"
 #include "qvnetcall/framework/File.h"
 #include "qvnetcall/framework/FileException.h"
 

@@ -11,7 +11,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

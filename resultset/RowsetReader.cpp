@@ -5,7 +5,7 @@
 #include "AttributeScanner.h"
 #include "ColumnFiller.h"
 #include "FileText.h"
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 
 namespace qv {
 

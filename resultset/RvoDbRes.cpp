@@ -8,7 +8,7 @@
 
 #include "CellText.h"
 #include "ResultTable.h"
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 #include "qvnetcall/framework/InvalidArgException.h"
 
 using qv::Column;

@@ -1,6 +1,6 @@
 #include "CatalogueCall.h"
 
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 #include "qvnetcall/ResultCodes.h"
 
 namespace qv {

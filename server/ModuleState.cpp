@@ -1,6 +1,6 @@
 #include "ModuleState.h"
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

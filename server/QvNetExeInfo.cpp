@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 
 namespace {
 

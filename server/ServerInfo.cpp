@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "framework/DecimalText.h"
+#include "base/framework/DecimalText.h"
 
 #include "CatalogueCall.h"
 #include "ModuleState.h"

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv::storage {
 

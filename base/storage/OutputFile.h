@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Folder.h"
-#include "platform/Platform.h"
+#include "base/platform/Folder.h"
+#include "base/platform/Platform.h"
 
 namespace qv::storage {
 

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "tests/support/Gzip.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"

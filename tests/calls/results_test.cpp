@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "CallsFixture.h"
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/Gzip.h"
 #include "tests/support/ModuleTest.h"

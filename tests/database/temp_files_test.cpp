@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/StandIn.h"
+#include "tools/qvstandin/net/StandIn.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {

@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "EndToEnd.h"
-#include "platform/Folder.h"
-#include "platform/Platform.h"
+#include "base/platform/Folder.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 namespace {

@@ -1,4 +1,4 @@
-#include "odbc/Statement.h"
+#include "base/odbc/Statement.h"
 
 #include <gmock/gmock.h>
 

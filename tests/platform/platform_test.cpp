@@ -1,4 +1,4 @@
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 #include <gmock/gmock.h>
 
@@ -9,8 +9,8 @@
 #include <string>
 #include <thread>
 
-#include "platform/Folder.h"
-#include "platform/ThreadSlot.h"
+#include "base/platform/Folder.h"
+#include "base/platform/ThreadSlot.h"
 #include "tests/support/Shape.h"
 #include "tests/support/TempFolder.h"
 

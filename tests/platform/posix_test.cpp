@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 

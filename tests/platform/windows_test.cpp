@@ -6,9 +6,9 @@
 #include <string>
 #include <thread>
 
-#include "platform/Folder.h"
-#include "platform/Platform.h"
-#include "platform/ThreadSlot.h"
+#include "base/platform/Folder.h"
+#include "base/platform/Platform.h"
+#include "base/platform/ThreadSlot.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv::platform {

@@ -2,7 +2,7 @@
 
 #include <zlib.h>
 
-#include "tests/support/TempFolder.h"
+#include "TempFolder.h"
 
 namespace qv {
 

@@ -7,8 +7,8 @@
 
 #include "qvnetcall/RvoServer.h"
 #include "server/ModuleState.h"
-#include "tests/support/ScriptedTransport.h"
-#include "tests/support/TempFolder.h"
+#include "ScriptedTransport.h"
+#include "TempFolder.h"
 
 namespace qv::test {
 

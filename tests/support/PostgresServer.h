@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/TempFolder.h"
+#include "TempFolder.h"
 
 namespace qv {
 

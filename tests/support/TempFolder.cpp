@@ -1,10 +1,10 @@
-#include "tests/support/TempFolder.h"
+#include "TempFolder.h"
 
 #include <fstream>
 #include <iterator>
 #include <random>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/support/TempFolder.h"
+#include "TempFolder.h"
 
 namespace qv {
 

@@ -5,11 +5,11 @@
 #include <filesystem>
 
 #include "ScriptedLibrary.h"
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/RvoCloudStorage.h"
 #include "qvnetcall/RvoFtp.h"
 #include "tests/support/ModuleTest.h"
-#include "windows/Registration.h"
+#include "tests/transfer/windows/Registration.h"
 
 namespace qv::test {
 namespace {

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "TransportCall.h"
-#include "platform/Folder.h"
-#include "platform/Platform.h"
+#include "base/platform/Folder.h"
+#include "base/platform/Platform.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 

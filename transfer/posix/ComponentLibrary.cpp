@@ -1,6 +1,6 @@
 #include "ComponentLibrary.h"
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

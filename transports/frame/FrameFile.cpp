@@ -4,7 +4,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "Frame.h"
-#include "platform/Folder.h"
+#include "base/platform/Folder.h"
 
 namespace qv {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "curl/CurlTrust.h"
+#include "base/curl/CurlTrust.h"
 
 namespace qv {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "curl/CurlHandle.h"
+#include "base/curl/CurlHandle.h"
 
 namespace qv {
 

@@ -38,7 +38,7 @@ int MessageExchange::Send(RequestFrame& frame) {
   FrameStatus status = FrameStatus::kConnectionLost;
   if (auto kept = transport_.pool.Take(peer_)) status = SendOver(std::move(kept), frame);
   if (status != FrameStatus::kDone && Interrupted() == kNotDelivered) {
-    auto opened = Connection::Open(peer_, settings_.connect_timeout);
+    auto opened = SocketConnection::Open(peer_, settings_.connect_timeout);
     if (opened) status = SendOver(std::move(opened), frame);
   }
   if (status == FrameStatus::kDone) {
@@ -49,7 +49,7 @@ int MessageExchange::Send(RequestFrame& frame) {
   return Interrupted();
 }
 
-FrameStatus MessageExchange::SendOver(std::unique_ptr<Connection> connection, RequestFrame& frame) {
+FrameStatus MessageExchange::SendOver(std::unique_ptr<SocketConnection> connection, RequestFrame& frame) {
   connection_ = std::move(connection);
   connection_->Begin(settings_.io_timeout);
   return frame.Send(*connection_, FileListener());

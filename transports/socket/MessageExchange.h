@@ -1,7 +1,7 @@
 // A request on its way to the server, and the reply on its way back.
 #pragma once
 
-#include "Connection.h"
+#include "SocketConnection.h"
 #include "NetworkHealth.h"
 #include "Parameters.h"
 #include "qvnetcall/transport/NetworkProgress.h"
@@ -13,7 +13,7 @@ namespace qv {
 // What the calls of a process share.
 struct Transport {
   Parameters parameters;
-  IdlePool<Connection> pool;
+  IdlePool<SocketConnection> pool;
   NetworkHealth health;
 };
 
@@ -36,7 +36,7 @@ class MessageExchange {
   // Gets a connection and sends the request over it. A connection that failed before it took a byte
   // is replaced once; after that nothing is ever sent again.
   [[nodiscard]] int Send(RequestFrame& frame);
-  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<Connection> connection, RequestFrame& frame);
+  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<SocketConnection> connection, RequestFrame& frame);
   [[nodiscard]] int Receive();
   [[nodiscard]] FileProgress FileListener() const;
   void ReportMessage(std::uint64_t payload_length) const;
@@ -47,7 +47,7 @@ class MessageExchange {
   CMsgContent& reply_;
   ProgressListener listener_;
   TransportSettings settings_;
-  std::unique_ptr<Connection> connection_;
+  std::unique_ptr<SocketConnection> connection_;
 };
 
 }  // namespace qv

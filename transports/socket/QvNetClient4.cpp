@@ -42,7 +42,7 @@ void ProbeBadNetwork() {
   const auto probe = transport.health.ClaimProbe(settings.retry_after);
   if (!probe) return;
   const auto timeout = std::min(settings.connect_timeout, kProbeTimeout);
-  if (Connection::Open(probe->peer, timeout)) transport.health.ProbeSucceeded(*probe);
+  if (SocketConnection::Open(probe->peer, timeout)) transport.health.ProbeSucceeded(*probe);
 }
 
 }  // namespace

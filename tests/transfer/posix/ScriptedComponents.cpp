@@ -1,5 +1,5 @@
 // Both components as a script; the two libraries are made of this one source.
-#include "../Script.h"
+#include "tests/transfer/Script.h"
 #include "qvnetcall/transfer/QvCoCSC.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 

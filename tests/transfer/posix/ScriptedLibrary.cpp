@@ -1,6 +1,6 @@
-#include "../ScriptedLibrary.h"
+#include "tests/transfer/ScriptedLibrary.h"
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv::test {
 

@@ -1,8 +1,8 @@
-#include "../ScriptedLibrary.h"
+#include "tests/transfer/ScriptedLibrary.h"
 
 #include <windows.h>
 
-#include "platform/Platform.h"
+#include "base/platform/Platform.h"
 
 namespace qv::test {
 

@@ -6,7 +6,7 @@
 #include <oleauto.h>
 #include <oleidl.h>
 
-#include "../Script.h"
+#include "tests/transfer/Script.h"
 
 namespace qv::test {
 

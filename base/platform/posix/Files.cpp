@@ -1,0 +1,135 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "base/platform/Platform.h"
+
+namespace qv::platform {
+
+const char kSeparator = '/';
+
+namespace {
+
+constexpr const char kDefaultTempFolder[] = "/tmp/";
+// What hosts have room for, without the NUL.
+constexpr std::size_t kMaxTempFolder = 259;
+
+// The rights of a new file, of which the user's mask takes some away.
+constexpr mode_t kAsTheUserLikes = 0666;
+
+void CloseKeepingErrno(int descriptor) {
+  const int cause = errno;
+  ::close(descriptor);
+  errno = cause;
+}
+
+// The stream owns the descriptor, which is closed when there is no memory for one; -1 is none.
+std::FILE* StreamOf(int descriptor, const char* mode) {
+  if (descriptor < 0) return nullptr;
+  std::FILE* const file = ::fdopen(descriptor, mode);
+  if (file == nullptr) CloseKeepingErrno(descriptor);
+  return file;
+}
+
+bool HasOwnerOnly(const struct stat& status) { return (status.st_mode & (S_IRWXG | S_IRWXO)) == 0; }
+
+// Takes everybody else's rights to an open file away. False, and errno, when the file is none, or
+// somebody else's.
+bool MakePrivate(int descriptor) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return false;
+  if (!S_ISREG(status.st_mode)) {
+    errno = EEXIST;
+    return false;
+  }
+  return HasOwnerOnly(status) || ::fchmod(descriptor, S_IRUSR | S_IWUSR) == 0;
+}
+
+}  // namespace
+
+std::string TempFolder() {
+  const char* const named = std::getenv("TMPDIR");
+  std::string folder = named != nullptr ? named : "";
+  // A relative one would move with the working directory, and one that is cut is another folder.
+  if (!folder.starts_with(kSeparator)) return kDefaultTempFolder;
+  folder = WithSeparator(std::move(folder));
+  return folder.size() <= kMaxTempFolder ? folder : kDefaultTempFolder;
+}
+
+std::FILE* CreatePrivateFile(const std::string& path, Create how) {
+  // A link or a pipe in a shared temporary folder may be somebody's trap: neither followed nor
+  // waited for.
+  const int on_existing = how == Create::kNew ? O_EXCL : O_TRUNC;
+  const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | on_existing;
+  const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
+  if (descriptor < 0) return nullptr;
+  if (MakePrivate(descriptor)) return StreamOf(descriptor, "wb");
+  CloseKeepingErrno(descriptor);
+  return nullptr;
+}
+
+std::FILE* OpenFile(const std::string& path, Opening how) {
+  if (how == Opening::kRead) return StreamOf(OpenDescriptor(path), "rb");
+  const int on_missing = how == Opening::kChange ? 0 : O_CREAT;
+  const int on_existing = how == Opening::kCreate ? O_TRUNC : 0;
+  const int flags = O_RDWR | O_CLOEXEC | on_missing | on_existing;
+  return StreamOf(::open(path.c_str(), flags, kAsTheUserLikes), "r+b");
+}
+
+int OpenDescriptor(const std::string& path) { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }
+
+void CloseDescriptor(int descriptor) { ::close(descriptor); }
+
+bool IsPrivate(std::FILE* file) {
+  struct stat status {};
+  return ::fstat(::fileno(file), &status) == 0 && S_ISREG(status.st_mode) && HasOwnerOnly(status);
+}
+
+bool CreatePrivateFolder(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path folder(path);
+  if (std::filesystem::is_directory(folder, error)) return true;
+  const std::filesystem::path above = folder.parent_path();
+  if (!above.empty() && above != folder && !CreatePrivateFolder(above.string())) return false;
+  return ::mkdir(path.c_str(), S_IRWXU) == 0 || std::filesystem::is_directory(folder, error);
+}
+
+std::optional<std::string> AbsolutePath(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  if (error) return std::nullopt;
+  std::string whole = std::filesystem::weakly_canonical(absolute, error).string();
+  return error ? std::nullopt : std::optional(std::move(whole));
+}
+
+std::filesystem::file_type TypeOf(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type();
+}
+
+bool RemoveFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
+
+bool ReplaceByRename(const std::string& from, const std::string& to) {
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0; }
+
+bool FlushFileToDisk(const std::string& path) {
+  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+  if (file < 0) return false;
+  const bool flushed = ::fsync(file) == 0;
+  ::close(file);
+  return flushed;
+}
+
+void SurviveFileLimits() { std::signal(SIGXFSZ, SIG_IGN); }
+
+}  // namespace qv::platform

@@ -1,0 +1,60 @@
+// A prepared statement of the index's database.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "Deadline.h"
+
+namespace qv {
+
+// Kept for as long as its database is open, and run many times; one run at a time.
+class IndexStatement {
+ public:
+  // Compiles `sql`; an SQLite result code.
+  [[nodiscard]] int Prepare(sqlite3* database, const char* sql);
+  // Runs a statement that takes and gives nothing, to its end; SQLITE_DONE when it got there.
+  int Execute();
+
+ private:
+  friend class StatementRun;
+  struct Finalizer {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+  std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+};
+
+// One run of a statement, the only one of its database at that time, which lets go of its locks
+// and of what was bound at its end.
+class StatementRun {
+ public:
+  explicit StatementRun(const IndexStatement& statement)
+      : handle_(statement.handle_.get()), deadline_(sqlite3_db_handle(handle_)) {}
+  ~StatementRun();
+  StatementRun(const StatementRun&) = delete;
+  StatementRun& operator=(const StatementRun&) = delete;
+
+  // Parameters count from 1; the bytes must outlive the run. A failure shows in Step().
+  void BindBytes(int parameter, const std::string& bytes);
+  void BindText(int parameter, const std::string& text);
+  void BindNumber(int parameter, int number);
+
+  // SQLITE_ROW, SQLITE_DONE, or an error.
+  [[nodiscard]] int Step();
+
+  // Columns count from 0. A text longer than `limit` bytes comes out empty.
+  [[nodiscard]] std::string Text(int column, std::size_t limit) const;
+  [[nodiscard]] int Number(int column) const { return sqlite3_column_int(handle_, column); }
+
+ private:
+  void Remember(int result);
+
+  sqlite3_stmt* const handle_;
+  const Deadline deadline_;
+  int error_ = SQLITE_OK;
+};
+
+}  // namespace qv

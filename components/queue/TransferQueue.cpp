@@ -1,0 +1,124 @@
+#include "TransferQueue.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "RemotePath.h"
+#include "base/platform/Platform.h"
+
+namespace qv {
+
+namespace {
+
+constexpr long kMostTries = 100;
+constexpr std::chrono::milliseconds kFirstWait{100};
+constexpr std::chrono::milliseconds kLongestWait{5000};
+
+// What would become of every other file as well.
+bool EndsRun(QvTransferResult result) {
+  switch (result) {
+    case QvTransfer_NotLoggedIn:
+    case QvTransfer_CannotConnect:
+    case QvTransfer_LoginRefused:
+    case QvTransfer_NotTrusted:
+    case QvTransfer_Stopped:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// A path of the pair as it is used; nothing when it cannot be one.
+std::optional<std::string> Usable(const std::string& path, bool is_local) {
+  if (!is_local) return ServerPath(path);
+  return path.empty() ? std::nullopt : std::optional(path);
+}
+
+}  // namespace
+
+QvTransferResult TransferQueue::Add(const std::string& first, const std::string& second) {
+  if (is_done_) pairs_.clear();
+  is_done_ = false;
+  pairs_.push_back({first, second, {}, false});
+  const bool is_usable = Usable(first, kind_ == TransferKind::kUpload) &&
+                         Usable(second, kind_ == TransferKind::kDownload);
+  return is_usable ? QvTransfer_Success : QvTransfer_BadArgument;
+}
+
+RunOutcome TransferQueue::Run(RemoteStore* store, long option) {
+  const long more_tries = std::clamp(option, 0L, kMostTries);
+  RunMeter meter(pairs_.size());
+  RunOutcome outcome;
+  bool goes_on = true;
+  outcomes_.clear();
+  for (std::size_t i = 0; i < pairs_.size(); ++i) {
+    Pair& pair = pairs_[i];
+    if (!pair.has_succeeded && goes_on) {
+      meter.Begin(pair.first, i);
+      const QvTransferResult result = Move(store, pair, more_tries, meter);
+      pair.has_succeeded = result == QvTransfer_Success;
+      meter.End(pair.has_succeeded);
+      if (outcome.result == QvTransfer_Success) outcome.result = result;
+      goes_on = !EndsRun(result);
+    }
+    if (pair.has_succeeded) ++outcome.count;
+    outcomes_.try_emplace(pair.first, true).first->second &= pair.has_succeeded;
+  }
+  is_done_ = outcome.result == QvTransfer_Success;
+  return outcome;
+}
+
+QvTransferResult TransferQueue::Move(RemoteStore* store, Pair& pair, long tries_left,
+                                     RunMeter& meter) const {
+  if (store == nullptr) return QvTransfer_NotLoggedIn;
+  if (meter.IsStopped()) return QvTransfer_Stopped;
+  QvTransferResult result = TryOnce(*store, pair, meter);
+  bool has_broken = result == QvTransfer_Broken;
+  std::chrono::milliseconds wait{0};
+  for (; has_broken && tries_left > 0; --tries_left) {
+    if (!meter.Wait(wait)) return QvTransfer_Stopped;
+    wait = wait.count() == 0 ? kFirstWait : std::min(2 * wait, kLongestWait);
+    meter.TryAgain();
+    result = TryOnce(*store, pair, meter);
+    // A server that breaks off and is then away for a while has broken off.
+    has_broken = result == QvTransfer_Broken || result == QvTransfer_CannotConnect;
+  }
+  return result;
+}
+
+QvTransferResult TransferQueue::TryOnce(RemoteStore& store, Pair& pair, RunMeter& meter) const {
+  const auto first = Usable(pair.first, kind_ == TransferKind::kUpload);
+  const auto second = Usable(pair.second, kind_ == TransferKind::kDownload);
+  if (!first || !second) return QvTransfer_BadArgument;
+  switch (kind_) {
+    case TransferKind::kUpload:
+      return store.Upload(*first, *second, pair.resume, meter);
+    case TransferKind::kDownload:
+      return store.Download(*first, *second, pair.resume, meter);
+    case TransferKind::kCopy:
+      break;
+  }
+  return store.Copy(*first, *second, pair.resume, meter);
+}
+
+bool TransferQueue::HasSucceeded(const std::string& first) const {
+  const auto found = outcomes_.find(first);
+  return found != outcomes_.end() && found->second;
+}
+
+void TransferQueue::Empty(RemoteStore* store) {
+  bool is_reachable = store != nullptr;
+  for (const Pair& pair : pairs_) {
+    if (pair.resume.IsEmpty()) continue;
+    if (kind_ == TransferKind::kDownload) {
+      platform::RemoveFile(pair.resume.part);
+    } else if (is_reachable) {
+      is_reachable = store->Abandon(ServerPath(pair.second).value_or(""), pair.resume);
+    }
+  }
+  pairs_.clear();
+  outcomes_.clear();
+  is_done_ = false;
+}
+
+}  // namespace qv

@@ -1,0 +1,275 @@
+#include "tools/qvcall/options/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/qvcall/output/ReturnCodes.h"
+#include "tests/support/System.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using qv::ParsedCommandLine;
+using qv::Route;
+
+// What the environment of the test run says must not count; one case sets its own.
+class CommandLine : public testing::Test {
+ protected:
+  CommandLine() { Forget(); }
+  ~CommandLine() override { Forget(); }
+  static void Forget() {
+    for (const char* name :
+         {"QVCALL_SERVER", "QVCALL_PORT", "QVCALL_HTTP_PORT", "QVCALL_TOKEN", "QVCALL_DIRECT"}) {
+      qv::SetVariable(name, nullptr);
+    }
+  }
+};
+
+struct Parsed : ParsedCommandLine {
+  std::string complaint;
+};
+
+Parsed Parse(std::vector<const char*> words) {
+  words.insert(words.begin(), "qvcall");
+  std::ostringstream out;
+  std::ostringstream err;
+  Parsed parsed{qv::ParseCommandLine(static_cast<int>(words.size()), words.data(), out, err),
+                err.str()};
+  EXPECT_EQ(parsed.exit_status == qv::kUsage, !parsed.complaint.empty());
+  return parsed;
+}
+
+TEST_F(CommandLine, TakesGlobalOptionsOnEitherSideOfTheCommand) {
+  for (const auto& words : std::vector<std::vector<const char*>>{
+           {"--server", "h", "--port", "7", "--token", "t", "query", "SELECT 1", "--db", "D"},
+           {"query", "--db", "D", "SELECT 1", "--port", "7", "--server", "h", "--token", "t"}}) {
+    const qv::CommandLine command = Parse(words).command;
+    ASSERT_TRUE(command.query);
+    EXPECT_EQ(command.connection.server, "h");
+    EXPECT_EQ(command.connection.port, 7);
+    EXPECT_EQ(command.connection.token, "t");
+    EXPECT_EQ(command.connection.timeout_ms, std::nullopt);
+    EXPECT_EQ(command.query->sql, "SELECT 1");
+    EXPECT_EQ(command.query->database, "D");
+    EXPECT_EQ(command.query->format, qv::Format::kTable);
+    EXPECT_FALSE(command.query->use_cache);
+  }
+}
+
+TEST_F(CommandLine, TakesTheEnvironmentWhereAnOptionIsMissing) {
+  qv::SetVariable("QVCALL_SERVER", "e");
+  qv::SetVariable("QVCALL_PORT", "9");
+  qv::SetVariable("QVCALL_TOKEN", "s");
+  const qv::Connection connection = Parse({"ping", "--server", "h"}).command.connection;
+  EXPECT_EQ(connection.server, "h");
+  EXPECT_EQ(connection.port, 9);
+  EXPECT_EQ(connection.token, "s");
+  qv::SetVariable("QVCALL_PORT", "many");
+  EXPECT_EQ(Parse({"ping"}).exit_status, qv::kUsage);
+}
+
+TEST_F(CommandLine, TakesAStatementFromStandardInputAndACacheWithOrWithoutAFolder) {
+  const auto query = [](std::vector<const char*> more) {
+    more.insert(more.begin(), {"--port", "7", "query", "-", "--db", "D"});
+    return Parse(more).command.query.value();
+  };
+  EXPECT_EQ(query({}).sql, "-");
+  EXPECT_TRUE(query({"--cache"}).use_cache);
+  EXPECT_EQ(query({"--cache"}).cache_folder, "");
+  EXPECT_EQ(query({"--cache", "--format", "csv"}).format, qv::Format::kCsv);
+  EXPECT_EQ(query({"--cache", "/c"}).cache_folder, "/c");
+  EXPECT_TRUE(query({"--offline"}).use_cache);
+}
+
+TEST_F(CommandLine, KeepsTheCommandsApart) {
+  EXPECT_EQ(Parse({"--port", "7", "call", "p", "--db", "D"}).command.query.value().call,
+            qv::Call::kProcedure);
+  const qv::CommandLine exec = Parse({"--port", "7", "exec", "-", "--db", "D"}).command;
+  EXPECT_TRUE(exec.exec && !exec.query && !exec.batch);
+  EXPECT_EQ(Parse({"--port", "7", "batch", "f", "--db", "D"}).command.batch.value().file, "f");
+}
+
+TEST_F(CommandLine, TakesServerPathsAsTheyAreSent) {
+  const auto taken = [](std::vector<const char*> words) {
+    words.insert(words.begin(), {"--port", "7"});
+    return Parse(words).command.store.value();
+  };
+  const auto put = std::get<qv::PutFiles>(taken({"put", "a/b", "info", "-r", "c", "/x/y/"}));
+  EXPECT_EQ(put.local, (std::vector<std::string>{"a/b", "info", "c"}));
+  EXPECT_EQ(put.server_folder, "x\\y");
+  EXPECT_TRUE(put.recursive);
+  const auto get = std::get<qv::GetFiles>(taken({"get", "-r", "/", "x/y", "./"}));
+  EXPECT_EQ(get.server, (std::vector<std::string>{"", "x\\y"}));
+  EXPECT_EQ(get.local_folder, "./");
+  EXPECT_EQ(std::get<qv::MovePath>(taken({"mv", "a/b", "c/"})).target, "c\\b");
+  EXPECT_EQ(std::get<qv::CopyFile>(taken({"cp", "a/b", "c"})).target, "c");
+  EXPECT_EQ(std::get<qv::PutById>(taken({"idput", "7", "n"})).local, "n");
+  EXPECT_EQ(std::get<qv::ListGroups>(taken({"groups"})).pattern, "*");
+}
+
+TEST_F(CommandLine, TakesAHostApartAndLeavesPathsElsewhereAsTheyAre) {
+  const struct {
+    const char* typed;
+    const char* name;
+    int port;
+  } cases[] = {{"h", "h", 0},
+               {"ftpes://h:2121", "ftpes://h", 2121},
+               {"::1", "::1", 0},
+               {"ftp://[::1]:65535", "ftp://[::1]", 65535},
+               {"[::1]", "[::1]", 0}};
+  for (const auto& [typed, name, port] : cases) {
+    const auto queue =
+        Parse({"ftp", "put", "-r", "put", "/x\\y/", "--retries", "0", "--host", typed})
+            .command.queue;
+    ASSERT_TRUE(queue) << typed;
+    EXPECT_EQ(queue->host.name, name);
+    EXPECT_EQ(queue->host.port, port);
+    EXPECT_EQ(queue->host.retries, 0);
+    const auto& put = std::get<qv::QueuePut>(queue->work);
+    EXPECT_EQ(put.local, std::vector<std::string>{"put"});
+    EXPECT_EQ(put.folder, "/x\\y/");
+    EXPECT_TRUE(put.recursive);
+  }
+}
+
+TEST_F(CommandLine, RefusesWrongUsage) {
+  for (const auto& words : std::vector<std::vector<const char*>>{
+           {},
+           {"--port", "7"},
+           {"ping"},
+           {"--port", "0", "ping"},
+           {"--port", "65536", "ping"},
+           {"--port", "7", "--server", "", "ping"},
+           {"--port", "7", "--timeout-ms", "0", "ping"},
+           {"--port", "7", "query", "SELECT 1"},
+           {"--port", "7", "query", "--db", "D"},
+           {"--port", "7", "query", "SELECT 1", "--db", ""},
+           {"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"},
+           {"--port", "7", "ping", "--frob"}}) {
+    EXPECT_EQ(Parse(words).exit_status, qv::kUsage);
+  }
+  EXPECT_EQ(Parse({"--help"}).exit_status, qv::kDone);
+  EXPECT_FALSE(Parse({"--port", "7", "ping"}).command.query);
+}
+
+TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
+  const qv::TempFolder folder;
+  const std::string some_file = folder.Write("some", "");
+  const std::string long_name(256, 'n');
+  const std::string long_folder = long_name.substr(2) + '/';
+  const struct {
+    std::vector<const char*> words;
+    const char* complaint;  // null: they go together
+  } cases[] = {
+      {{"--web", "--http-port", "8", "ping"}, nullptr},
+      {{"--web", "--port", "7", "ping"}, nullptr},
+      {{"--web", "ping"}, "--http-port or --port is required"},
+      {{"--http-port", "8", "ping"}, "--port is required"},
+      {{"--port", "7", "exec", "x"}, "--db is required"},
+      {{"--port", "7", "batch", "f"}, "--db is required"},
+      {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "no offline work"},
+      {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"}, "no offline work"},
+      {{"--port", "7", "--ca-file", some_file.c_str(), "ping"}, "--ca-file goes only with --web"},
+      {{"--web", "--port", "7", "--ca-file", some_file.c_str(), "ping"}, "https://"},
+      {{"--web", "--port", "7", "--server", "https://h", "--ca-file", some_file.c_str(), "ping"},
+       nullptr},
+      {{"--web", "--port", "7", "--ca-file", "/no/such", "ping"}, "does not exist"},
+      {{"--web", "--port", "7", "--server", "https://h", "batch", "f", "--db", "D"}, "encrypt"},
+      {{"--web", "--http-port", "8", "batch", "f", "--db", "D"}, nullptr},
+      {{"--direct", "x=y", "ping"}, nullptr},
+      {{"--direct", "x=y", "query", "x"}, nullptr},
+      {{"--direct", "x=y", "call", "x", "--db", "D"}, nullptr},
+      {{"--direct", "", "ping"}, "must not be empty"},
+      {{"--direct", "x=y", "--web", "ping"}, "--web talks to a server"},
+      {{"--direct", "x=y", "query", "x", "--cache"}, "keep answers of a server"},
+      {{"--direct", "x=y", "query", "x", "--offline"}, "keep answers of a server"},
+      {{"--direct", "x=y", "batch", "f"}, "a batch needs a server"},
+      {{"--direct", "x=y", "--timeout-ms", "9", "ping"}, "--timeout-ms"},
+      {{"--direct", "x=y", "ls"}, "a server's"},
+      {{"--web", "--port", "7", "--server", "https://h", "get", "a", "."}, "encrypt"},
+      {{"--port", "7", "get", "a"}, "At least 2"},
+      {{"--port", "7", "rm", "/"}, "must not be empty"},
+      {{"--port", "7", "rm", long_name.c_str()}, "255"},
+      {{"--port", "7", "cp", "a", long_name.c_str() + 1}, nullptr},
+      {{"--port", "7", "mv", "aa", long_folder.c_str()}, "255"},
+      {{"--port", "7", "idput", "-1", "a"}, "not in range"},
+      {{"--port", "7", "idget", "1", "..\\a"}, "LOCAL"},
+      {{"ftp", "put", "a", "b"}, "--host is required"},
+      {{"ftp", "--host", "h"}, "subcommand is required"},
+      {{"ftp", "--host", "h:0", "rm", "a"}, "1 to 65535"},
+      {{"ftp", "--host", "h:66000", "rm", "a"}, "1 to 65535"},
+      {{"ftp", "--host", "h", "get", "a"}, "At least 2"},
+      {{"ftp", "--host", "h", "get", "-r", "a", "."}, "-r"},
+      {{"ftp", "--host", "h", "rm", "a", "--ca-file", some_file.c_str()}, nullptr},
+      {{"ftp", "--host", "h", "rm", "a", "--web", "--port", "7"}, "--web does not go with"},
+      {{"ftp", "--host", "h", "rm", "a", "--direct", "x=y"}, "leave it away"},
+      {{"cloud", "--host", "h", "rm", "a"}, "--login is required"},
+  };
+  for (const auto& [words, complaint] : cases) {
+    const Parsed parsed = Parse(words);
+    EXPECT_EQ(parsed.exit_status.has_value(), complaint != nullptr) << parsed.complaint;
+    if (complaint != nullptr) {
+      EXPECT_NE(parsed.complaint.find(complaint), std::string::npos) << parsed.complaint;
+    }
+  }
+}
+
+TEST_F(CommandLine, PicksThePortThatItTalksTo) {
+  qv::SetVariable("QVCALL_PORT", "7");
+  qv::SetVariable("QVCALL_HTTP_PORT", "8");
+  EXPECT_EQ(Parse({"ping"}).command.connection.Port(), 7);
+  EXPECT_EQ(Parse({"--web", "ping"}).command.connection.Port(), 8);
+  qv::SetVariable("QVCALL_DIRECT", "x=y");
+  EXPECT_EQ(Parse({"ping"}).command.connection.direct, "x=y");
+  EXPECT_EQ(Parse({"--web", "ping"}).exit_status, qv::kUsage);
+}
+
+TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
+  std::set<std::string_view> meanings;
+  for (const int code : {0, 1, 2, 3, 10, -1, -2, -3, 77}) {
+    const qv::ReturnCode words = qv::ExplainResult(qv::Call::kQuery, Route::kSocket, code);
+    EXPECT_EQ(words.code, code);
+    EXPECT_EQ(words.advice.empty(), code == 0);
+    EXPECT_TRUE(meanings.insert(words.meaning).second) << code;
+  }
+  const auto meaning = [](qv::Call call, int code, Route route = Route::kSocket) {
+    return qv::ExplainResult(call, route, code).meaning;
+  };
+  EXPECT_EQ(meaning(qv::Call::kBatch, 107), meaning(qv::Call::kBatch, qv::kRefusedBatch));
+  EXPECT_EQ(meaning(qv::Call::kExec, 100), meaning(qv::Call::kQuery, 77));
+  EXPECT_NE(meaning(qv::Call::kBatch, 2), meaning(qv::Call::kProcedure, 2));
+  EXPECT_NE(meaning(qv::Call::kBatch, -1), meaning(qv::Call::kBatch, -1, Route::kDirect));
+}
+
+TEST(ReturnCodes, KnowWhichCallsGiveNoughtForSuccess) {
+  for (auto call = qv::Call::kUpload; call <= qv::Call::kLog;
+       call = static_cast<qv::Call>(static_cast<int>(call) + 1)) {
+    const int success = call <= qv::Call::kRemove ? 0 : 1;
+    EXPECT_EQ(qv::ExplainResult(call, Route::kSocket, success).advice, "");
+    const auto refused = qv::ExplainResult(call, Route::kSocket, 1 - success);
+    EXPECT_NE(refused.meaning, qv::ExplainResult(call, Route::kSocket, 77).meaning);
+    EXPECT_NE(refused.advice, "");
+  }
+}
+
+TEST(ReturnCodes, SpeakOfServersAndOfflineWorkOnlyWhereTheyAre) {
+  for (const qv::Call call : {qv::Call::kQuery, qv::Call::kProcedure, qv::Call::kExec}) {
+    for (const int code : {1, 2, 3, 10, -1, -2, -3, 77}) {
+      const qv::ReturnCode web = qv::ExplainResult(call, Route::kWeb, code);
+      for (const std::string_view words : {web.meaning, web.advice}) {
+        EXPECT_EQ(words.find("offline"), std::string_view::npos) << words;
+        EXPECT_EQ(words.find("--cache"), std::string_view::npos) << words;
+      }
+    }
+    const qv::ReturnCode direct = qv::ExplainResult(call, Route::kDirect, 1);
+    EXPECT_EQ(direct.meaning.find("server"), std::string_view::npos) << direct.meaning;
+    EXPECT_EQ(direct.advice.find("server"), std::string_view::npos) << direct.advice;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+#include "tools/qvcall/output/DisplayWidth.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+struct Case {
+  std::string text;
+  std::string shown;
+  std::size_t cells;
+};
+
+TEST(DisplayWidth, ShowsWhatATerminalCanShow) {
+  const std::string bad = "\xEF\xBF\xBD";
+  const Case cases[] = {
+      {"", "", 0},
+      {"valve 12", "valve 12", 8},
+      {"阀门", "阀门", 4},
+      {"ｶﾅカナ", "ｶﾅカナ", 6},                    // half-width and full-width letters
+      {"e\u0301te\u0301", "e\u0301te\u0301", 3},  // combining marks
+      {"\U00020000\U0001F600", "\U00020000\U0001F600", 4},
+      {"é€", "é€", 2},
+      {"a\tb\nc\r", "a\\tb\\nc\\r", 9},
+      {"\x1b[31m", "\\x1b[31m", 8},
+      {std::string("a\0b", 3), "a\\x00b", 6},
+      {"\x7f\u009b", "\\x7f\\x9b", 8},
+      {"a\u202eb", "a\\u202eb", 8},                    // would turn what follows around
+      {"a\xff\xfe", "a" + bad + bad, 3},               // never begins a character
+      {"\xe9\x98", bad + bad, 2},                      // cut short at the end
+      {"\xe9\x98|", bad + bad + "|", 3},               // cut short before another character
+      {"\xc0\xaf", bad + bad, 2},                      // longer than it has to be
+      {"\xe0\x80\xaf", bad + bad + bad, 3},            // likewise
+      {"\xed\xa0\x80", bad + bad + bad, 3},            // a surrogate
+      {"\xf4\x90\x80\x80", bad + bad + bad + bad, 4},  // beyond the last character
+  };
+  for (const Case& each : cases) {
+    std::string line = "> ";
+    EXPECT_EQ(qv::AppendVisible(each.text, line), each.cells) << each.shown;
+    EXPECT_EQ(line, "> " + each.shown);
+  }
+}
+
+TEST(DisplayWidth, CutsBetweenCharacters) {
+  EXPECT_EQ(qv::VisibleStart("a\nb阀", 6), "a\\nb阀");
+  EXPECT_EQ(qv::VisibleStart("a阀门阀门", 7), "a阀...");
+  EXPECT_EQ(qv::VisibleStart("a阀\u0301\n门阀门", 6), "a阀\u0301...");
+}
+
+TEST(DisplayWidth, KnowsTheEdgesOfItsRanges) {
+  const std::pair<char32_t, int> cases[] = {
+      {0x2ff, 1},  {0x300, 0},  {0x36f, 0},  {0x370, 1},   {0x10ff, 1},  {0x1100, 2},
+      {0x115f, 2}, {0x1160, 0}, {0x4e00, 2}, {0xd7a3, 2},  {0xfeff, 0},  {0xff60, 2},
+      {0xff61, 1}, {0xe000, 1}, {0xad, 1},   {0x3fffd, 2}, {0x10ffff, 1}};
+  for (const auto& [character, cells] : cases) {
+    EXPECT_EQ(qv::CellsOf(character), cells) << std::hex << static_cast<unsigned>(character);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,53 @@
+#include "tools/qvcall/queues/QueueProgress.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <iostream>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+QvTransferCallback listener = nullptr;
+void* listening = nullptr;
+
+void Listen(QvTransferCallback callback, void* context) {
+  listener = callback;
+  listening = context;
+}
+
+int Tell(std::int32_t index, std::uint64_t done, std::uint64_t total) {
+  const QvTransferProgress progress = {"f", index, 3, done, total, 1};
+  return listener(&progress, listening);
+}
+
+TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
+  std::ostringstream err;
+  qv::QueueProgress progress(err, Listen);
+  progress.Begin({"a", "b", "c"}, std::nullopt);
+  EXPECT_EQ(Tell(0, 5, 5), 0);
+  EXPECT_EQ(Tell(1, 3, 7), 0);  // and is given up
+  EXPECT_EQ(Tell(2, 0, 0), 0);
+  EXPECT_EQ(Tell(2, 4, 4), 0);
+  progress.End();
+  EXPECT_EQ(progress.MovedBytes(), 9);
+  EXPECT_EQ(listener, nullptr);
+}
+
+void RunUntilInterrupted() {
+  std::signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background has it ignored
+  qv::QueueProgress progress(std::cerr, Listen);
+  progress.Begin({"a"}, 10);
+  kill(getpid(), SIGINT);
+  while (Tell(0, 1, 10) == 0) std::this_thread::yield();
+  progress.End();
+  std::cerr << "in order" << std::flush;
+}
+
+TEST(QueueProgress, LetsAnInterruptedRunEndInOrder) {
+  EXPECT_EXIT(RunUntilInterrupted(), testing::KilledBySignal(SIGINT), "^in order$");
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+// A server in a folder of its own, and what its clients send.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <boost/asio/ip/address.hpp>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "message/LittleEndian.h"
+#include "tools/qvstandin/net/ClientStream.h"
+#include "tools/qvstandin/net/StandIn.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/WholeFrame.h"
+
+namespace qv::standin {
+
+inline constexpr std::chrono::seconds kPatience{20};
+inline const std::string kForever =
+    "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n";
+
+inline std::string FrameOf(std::uint32_t command, const std::vector<std::string>& fields,
+                           const std::string& token = {}, OutgoingFile* file = nullptr) {
+  WholeFrame frame{.token = token};
+  StoreU32(frame.block.data(), command);
+  for (const std::string& field : fields) frame.payload += Field(field);
+  MemoryStream stream;
+  EXPECT_EQ(SendWhole(stream, FrameKind::kRequest, frame, file), FrameStatus::kDone);
+  return stream.written;
+}
+
+class FrameClient {
+ public:
+  explicit FrameClient(std::uint16_t port) : stream_(kPatience) {
+    stream_.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), port});
+  }
+
+  // False when the server would not take it.
+  bool Send(const std::string& bytes) { return stream_.Write({BytesOfText(bytes)}); }
+  // So many bytes, or none.
+  std::string Read(std::size_t length) {
+    std::string bytes(length, '\0');
+    const WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
+    return stream_.Read(room) ? bytes : "";
+  }
+  // The reply's fields, when a whole frame comes; its file goes to `path`.
+  std::vector<std::string> Fields(const std::string& path = {}) {
+    const WholeFrame reply = ReceiveWhole(stream_, FrameKind::kReply, path);
+    return reply.status == FrameStatus::kDone ? FieldsOf(reply.payload)
+                                              : std::vector<std::string>();
+  }
+  // The first of them.
+  std::string Status(const std::string& path = {}) {
+    const auto fields = Fields(path);
+    return fields.empty() ? "" : fields[0];
+  }
+  [[nodiscard]] bool IsHungUpOn() {
+    const auto start = std::chrono::steady_clock::now();
+    return Read(1).empty() && std::chrono::steady_clock::now() - start < kPatience;
+  }
+
+ private:
+  ClientStream stream_;
+};
+
+class ServerTest : public testing::Test {
+ protected:
+  void Start() {
+    options_.data_folder = folder_.Path().string();
+    server_.emplace(options_);
+    std::string error;
+    ASSERT_TRUE(server_->Start(&error)) << error;
+  }
+
+  const TempFolder folder_;
+  StandInOptions options_;
+  std::optional<StandIn> server_;
+};
+
+}  // namespace qv::standin

@@ -1,0 +1,341 @@
+// The server over HTTP, spoken by hand.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "ServerFixture.h"
+
+namespace qv::standin {
+namespace {
+
+const std::string kHost = "Host: x\r\n";
+const std::string kBytes = "Content-Type: application/octet-stream\r\n";
+const std::string kChunked = "Transfer-Encoding: chunked\r\n";
+const std::string kPing = FrameOf(3, {});
+
+std::string Length(std::size_t length) {
+  return "Content-Length: " + std::to_string(length) + "\r\n";
+}
+
+std::string Post(const std::string& fields, const std::string& body) {
+  return "POST /qvcall HTTP/1.1\r\n" + kHost + kBytes + fields + "\r\n" + body;
+}
+
+std::string Call(const std::string& frame, const std::string& fields = {}) {
+  return Post(fields + Length(frame.size()), frame);
+}
+
+std::string Chunk(const std::string& bytes) {
+  std::string size(8, '\0');
+  size.resize(static_cast<std::size_t>(std::snprintf(size.data(), 9, "%zx", bytes.size())));
+  return size + "\r\n" + bytes + "\r\n";
+}
+
+struct HttpReply {
+  std::string status;  // "200"; empty when none came
+  std::string head;
+  std::string body;
+
+  [[nodiscard]] std::string Value(const std::string& name) const {
+    const std::size_t at = head.find("\r\n" + name + ": ");
+    if (at == std::string::npos) return {};
+    const std::size_t start = at + name.size() + 4;
+    return head.substr(start, head.find("\r\n", start) - start);
+  }
+  // The fields of the frame that the body is, and nothing but that; a file goes to `path`.
+  [[nodiscard]] std::vector<std::string> Fields(const std::string& path = {}) const {
+    MemoryStream stream;
+    stream.unread = body;
+    const WholeFrame frame = ReceiveWhole(stream, FrameKind::kReply, path);
+    EXPECT_EQ(frame.status, FrameStatus::kDone);
+    EXPECT_EQ(stream.unread, "");
+    return FieldsOf(frame.payload);
+  }
+  [[nodiscard]] std::string Outcome() const { return Fields().at(0); }
+};
+
+class HttpClient : public FrameClient {
+ public:
+  using FrameClient::FrameClient;
+
+  HttpReply Receive(bool has_body = true) {
+    HttpReply reply;
+    while (!reply.head.ends_with("\r\n\r\n")) {
+      const std::string byte = Read(1);
+      if (byte.empty()) return {};
+      reply.head += byte;
+    }
+    reply.status = reply.head.substr(reply.head.find(' ') + 1, 3);
+    if (has_body) reply.body = Read(std::stoul("0" + reply.Value("Content-Length")));
+    return reply;
+  }
+  HttpReply Ask(const std::string& bytes) {
+    EXPECT_TRUE(Send(bytes));
+    return Receive();
+  }
+};
+
+class HttpServerTest : public ServerTest {
+ protected:
+  HttpServerTest() { options_.http_port = 0; }
+
+  // A new client of the HTTP port.
+  HttpClient Client() { return HttpClient(server_->HttpPort()); }
+  HttpReply Ask(const std::string& bytes) { return Client().Ask(bytes); }
+};
+
+TEST_F(HttpServerTest, AnswersInTheSchemaDialectAndPacksWhenAsked) {
+  struct Case {
+    std::uint32_t command;
+    const char* compress;
+    const char* status;
+    const char* beginning;
+  };
+  Start();
+  for (const Case& c : {Case{200, "", "SUCCESS", "<DataSet>"},
+                        {200, "Qv-Compress: 1\r\n", "SUCCESS_COMPRESS", "\x1f\x8b"},
+                        {200, "Qv-Compress: 0\r\n", "SUCCESS", "<DataSet>"},
+                        {210, "", "SUCCESS_COMPRESS", "\x1f\x8b"},
+                        {900, "", "SUCCESS", "<DataSet>"},
+                        {900, "Qv-Compress: 1\r\n", "SUCCESS_COMPRESS", "\x1f\x8b"}}) {
+    const auto reply = Ask(Call(FrameOf(c.command, {"DESIGNDB", "select 1"}), c.compress));
+    EXPECT_EQ(reply.status, "200");
+    EXPECT_EQ(reply.Value("Content-Type"), "application/octet-stream");
+    const auto fields = reply.Fields();
+    ASSERT_EQ(fields.size(), 4U);
+    EXPECT_EQ(fields[0], c.status) << c.command << c.compress;
+    EXPECT_TRUE(fields[3].starts_with(c.beginning)) << c.command << c.compress;
+  }
+}
+
+TEST_F(HttpServerTest, KeepsTheConnectionAndAnswersInOrder) {
+  Start();
+  HttpClient client = Client();
+  const std::string path = (folder_.Path() / "answer").string();
+  client.Send(Call(FrameOf(200, {"DESIGNDB", "select * from parts"})) + Call(FrameOf(9999, {})) +
+              "HEAD / HTTP/1.1\r\n" + kHost + "\r\n" + Call(kPing));
+  EXPECT_EQ(client.Receive().Fields(path).at(2), "FILE");
+  EXPECT_THAT(BytesOf(path), testing::EndsWith("</DataSet>\n"));
+  EXPECT_EQ(client.Receive().Outcome(), "FAILURE");
+  EXPECT_EQ(client.Receive(false).status, "200");
+  EXPECT_EQ(client.Receive().Outcome(), "SUCCESS");
+}
+
+TEST_F(HttpServerTest, TakesFramesWithoutHttpAsWell) {
+  Start();
+  HttpClient client = Client();
+  const std::string path = (folder_.Path() / "answer").string();
+  ASSERT_TRUE(client.Send(kPing) && client.Send(FrameOf(200, {"DESIGNDB", "select * from parts"})));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  EXPECT_EQ(client.Status(path), "SUCCESS");
+  EXPECT_THAT(BytesOf(path), testing::HasSubstr("<z:row"));
+}
+
+TEST_F(HttpServerTest, WantsATokenOrTheOneThatItHandedOut) {
+  options_.token = "secret";
+  Start();
+  const auto ask = [this](const std::string& token, const std::string& login_token) {
+    HttpClient client = Client();
+    const std::string field = login_token.empty() ? "" : "qv-login-token: " + login_token + "\r\n";
+    const HttpReply reply = client.Ask(Call(FrameOf(3, {}, token), field));
+    EXPECT_EQ(reply.status, "200");
+    const bool is_allowed = reply.Outcome() == "SUCCESS";
+    EXPECT_EQ(reply.Value("Qv-Login-Token").empty(), !is_allowed);
+    EXPECT_TRUE(is_allowed || client.IsHungUpOn());
+    return is_allowed ? reply.Value("Qv-Login-Token") : "";
+  };
+  const std::string login_token = ask("secret", "");
+  EXPECT_EQ(login_token.size(), 32u);
+  EXPECT_EQ(login_token.find_first_not_of("0123456789abcdef"), std::string::npos);
+  EXPECT_EQ(ask("", login_token), login_token);
+  EXPECT_EQ(ask("wrong", login_token), login_token);
+  EXPECT_EQ(ask("secret", "wrong"), login_token);
+  for (const std::string& wrong : {std::string(), std::string("secret"), login_token.substr(1)}) {
+    EXPECT_EQ(ask("", wrong), "") << wrong;
+  }
+  EXPECT_EQ(ask(login_token, ""), "");
+  const auto served = server_->Served();
+  EXPECT_EQ(served.back().outcome, "wrong token");
+  server_->Stop();
+  server_.emplace(options_);
+  ASSERT_TRUE(server_->Start());
+  EXPECT_EQ(ask("", login_token), "") << "another server's";
+}
+
+TEST_F(HttpServerTest, RefusesWhatItDoesNotServe) {
+  enum Then { kStays, kCloses };
+  struct Case {
+    std::string request;
+    const char* status;
+    Then then;
+  };
+  const std::string get = " HTTP/1.1\r\n" + kHost + "\r\n";
+  FrameHeader large;
+  large.payload_length = 1 << 20;
+  const auto oversized = EncodeHeader(large);
+  const std::string too_large =
+      std::string(oversized.begin(), oversized.end()) + std::string(16 << 20, 'x');
+  const std::string bare = "POST /qvcall HTTP/1.1\r\n" + kHost;
+  const std::vector<Case> cases{
+      {"GET /other" + get, "404", kStays},
+      {"GET /qvcall" + get, "405", kStays},
+      {"DELETE /" + get, "405", kStays},
+      {"POST /qvcall?x=1 HTTP/1.1\r\n" + kHost + Length(3) + "\r\nabc", "404", kCloses},
+      {bare + Length(kPing.size()) + "\r\n" + kPing, "415", kCloses},
+      {bare + "Content-Type: text/plain\r\n" + Length(0) + "\r\n", "415", kStays},
+      {Post("", ""), "411", kStays},
+      {Call(kPing, "Expect: miracles\r\n"), "417", kCloses},
+      {Call(std::string(too_large)), "413", kCloses},
+      {Call(std::string(400, 'x')), "400", kCloses},
+      {Call(kPing + "x"), "400", kCloses},
+      {Call(kPing.substr(1)), "400", kCloses},
+      {Call(""), "400", kCloses},
+      {Post(kChunked, "0\r\n\r\n"), "400", kCloses},
+      {"nonsense\r\n\r\n", "400", kCloses},
+      {"GET / HTTP/2.0\r\n" + kHost + "\r\n", "400", kCloses},
+      {"GET / HTTP/1.1\r\n\r\n", "400", kCloses},
+      {"GET / HTTP/1.1\r\n" + kHost + kHost + "\r\n", "400", kCloses},
+      {"GET /" + std::string(9000, 'x'), "431", kCloses},
+      {"GET / HTTP/1.1\r\nx: " + std::string(9000, 'x'), "431", kCloses},
+      {"GET / HTTP/1.0\r\nConnection: keep-alive\r\n\r\n", "200", kCloses},
+      {"GET / HTTP/1.1\r\nConnection: close\r\n" + kHost + "\r\n", "200", kCloses},
+  };
+  options_.request_limit = 1000;
+  Start();
+  for (const Case& c : cases) {
+    HttpClient client = Client();
+    const HttpReply reply = client.Ask(c.request);
+    EXPECT_EQ(reply.status, c.status) << c.request.substr(0, 200);
+    EXPECT_EQ(reply.Value("FrameClient"), c.then == kCloses ? "close" : "") << c.status;
+    if (c.then == kCloses) {
+      EXPECT_TRUE(client.IsHungUpOn()) << c.request.substr(0, 200);
+    } else {
+      EXPECT_EQ(client.Ask(Call(kPing)).Outcome(), "SUCCESS") << c.request.substr(0, 200);
+    }
+  }
+  EXPECT_EQ(server_->MalformedFrames(), 12U);
+  EXPECT_EQ(Ask("PUT /qvcall" + get).Value("Allow"), "POST");
+}
+
+// Whatever two readers could take for different lengths of a body ends the connection, so that no
+// part of a body can pass for a request of its own.
+TEST_F(HttpServerTest, TakesNoBodyThatCouldEndElsewhere) {
+  const std::string length = Length(kPing.size());
+  const std::string chunk = Chunk(kPing);
+  const std::string chunks = chunk + "0\r\n\r\n";
+  const std::size_t size = chunk.find('\r');
+  const auto in_chunks = [&](std::size_t at, const std::string& extra) {
+    return std::string(chunks).insert(at, extra);
+  };
+  std::string bare_feed = chunks;
+  bare_feed.erase(bare_feed.find('\r'), 1);
+  const std::vector<std::string> requests{
+      Post(length + kChunked, chunks),
+      Post(kChunked + length, chunks),
+      Post(length + Length(5), kPing),
+      Post(length + length, kPing),
+      Post("Content-Length: +" + std::to_string(kPing.size()) + "\r\n", kPing),
+      Post("Content-Length : 5\r\n", kPing),
+      Post("Transfer-Encoding: gzip, chunked\r\n", chunks),
+      Post("Transfer-Encoding: identity\r\n" + length, kPing),
+      Post("Transfer-Encoding: chunked, identity\r\n", chunks),
+      Post(kChunked + kChunked, chunks),
+      "POST /qvcall HTTP/1.0\r\n" + kBytes + kChunked + "\r\n" + chunks,
+      Post(kChunked, bare_feed),
+      Post(kChunked, "0x" + chunks),
+      Post(kChunked, "10000000000000" + chunks),
+      Post(kChunked, in_chunks(size, " ")),
+      Post(kChunked, in_chunks(size, ";\rx")),
+      Post(kChunked, in_chunks(size, std::string(300, ';'))),
+      Post(kChunked, in_chunks(chunk.size() - 2, "x")),
+      Post(kChunked, chunk + "0\r\nHost: y\r\n\r\n"),
+      Post(kChunked, chunk + Chunk("x") + "0\r\n\r\n"),
+  };
+  Start();
+  for (const std::string& request : requests) {
+    HttpClient client = Client();
+    EXPECT_EQ(client.Ask(request + Call(kPing)).status, "400") << request.substr(0, 200);
+    EXPECT_TRUE(client.IsHungUpOn());
+  }
+  EXPECT_TRUE(server_->Served().empty());
+}
+
+TEST_F(HttpServerTest, TakesARequestInAnyPieces) {
+  Start();
+  const std::string chunked = Post(kChunked, Chunk(kPing.substr(0, 40)).insert(2, ";a=b") +
+                                                 Chunk(kPing.substr(40)) + "0\r\n\r\n");
+  HttpClient client = Client();
+  for (const std::string& request : {chunked, Call(kPing)}) {
+    for (const char byte : request) ASSERT_TRUE(client.Send(std::string(1, byte)));
+    EXPECT_EQ(client.Receive().Outcome(), "SUCCESS");
+  }
+  ASSERT_TRUE(client.Send(Post("Expect: 100-Continue\r\n" + Length(kPing.size()), "")));
+  EXPECT_EQ(client.Receive().head, "HTTP/1.1 100 Continue\r\n\r\n");
+  EXPECT_EQ(client.Ask(kPing).Outcome(), "SUCCESS");
+}
+
+TEST_F(HttpServerTest, HangsUpOnTheSlowTheIdleAndTheSurplus) {
+  constexpr std::chrono::milliseconds kShort{30};
+  options_.io_timeout = kShort;
+  Start();
+  for (const std::string& part : {std::string(), std::string("Q"), Call(kPing).substr(0, 40),
+                                  Call(kPing).substr(0, 150), Post(kChunked, "5")}) {
+    HttpClient client = Client();
+    client.Send(part);
+    EXPECT_TRUE(client.IsHungUpOn()) << part;
+  }
+  options_.io_timeout = kPatience;
+  options_.idle_timeout = kShort;
+  Start();
+  HttpClient idle = Client();
+  EXPECT_EQ(idle.Ask(Call(kPing)).status, "200");
+  EXPECT_TRUE(idle.IsHungUpOn());
+  options_.idle_timeout = kPatience;
+  options_.connection_limit = 1;
+  Start();
+  HttpClient first(server_->Port());
+  first.Send(kPing);
+  EXPECT_EQ(first.Status(), "SUCCESS");
+  EXPECT_TRUE(Client().IsHungUpOn()) << "both ports share one limit";
+}
+
+TEST_F(HttpServerTest, EndsTheQueryOfAClientThatFloodsOrVanishes) {
+  std::array<std::promise<std::string>, 2> outcomes;
+  std::atomic<std::size_t> count = 0;
+  options_.on_served = [&](const auto& served) { outcomes.at(count++).set_value(served.outcome); };
+  Start();
+  const std::string call = Call(FrameOf(200, {"DESIGNDB", kForever}));
+  HttpClient flooding = Client();
+  flooding.Send(call + std::string(64 << 10, 'x'));
+  EXPECT_TRUE(flooding.IsHungUpOn());
+  Client().Send(call);
+  for (auto& outcome : outcomes) {
+    auto future = outcome.get_future();
+    ASSERT_EQ(future.wait_for(kPatience), std::future_status::ready);
+    EXPECT_EQ(future.get(), "cut off");
+  }
+}
+
+TEST_F(HttpServerTest, StopsWhileClientsWait) {
+  Start();
+  HttpClient silent = Client();
+  HttpClient half_head = Client();
+  HttpClient half_body = Client();
+  HttpClient busy = Client();
+  half_head.Send(Call(kPing).substr(0, 30));
+  half_body.Send(Call(kPing).substr(0, 150));
+  busy.Send(Call(FrameOf(200, {"DESIGNDB", kForever})));
+  const auto start = std::chrono::steady_clock::now();
+  server_->Stop();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience);
+  for (HttpClient* client : {&silent, &half_head, &half_body}) EXPECT_TRUE(client->IsHungUpOn());
+  EXPECT_EQ(busy.Receive().status, "");
+}
+
+}  // namespace
+}  // namespace qv::standin

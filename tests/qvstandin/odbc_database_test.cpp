@@ -1,0 +1,393 @@
+// One interface over two engines: what clients see must not depend on where a database lives.
+#include "tools/qvstandin/databases/OdbcDatabase.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "ServerFixture.h"
+#include "tools/qvstandin/recordsets/CellForm.h"
+#include "tests/support/PostgresServer.h"
+#include "tests/support/TempFolder.h"
+
+namespace qv::standin {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kSqlite = "SQLite";
+constexpr const char* kSqliteByOdbc = "SQLite3";
+constexpr const char* kUnicode = "PostgreSQL Unicode";
+constexpr const char* kAnsi = "PostgreSQL ANSI";
+
+std::string Source(const char* script) { return std::string(QV_STANDIN_DATA) + "/" + script; }
+
+// An empty database with the types that the sample's tables need.
+void EmptyPostgres() {
+  const PostgresServer& server = PostgresServer::Shared();
+  ASSERT_TRUE(server.Run({"-c", "DROP SCHEMA public CASCADE", "-c", "CREATE SCHEMA public", "-f",
+                          Source("postgresql.sql")}));
+}
+
+// Keeps an answer as text; nulls are "-".
+class Kept : public RowSink {
+ public:
+  bool Begin(const std::vector<Column>& columns) override {
+    this->columns = columns;
+    return true;
+  }
+  bool Row(const std::vector<Cell>& cells) override {
+    std::vector<std::string>& row = rows.emplace_back();
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      std::string text;
+      row.push_back(AppendCellText(columns[i].kind, BinaryForm::kHex, cells[i], text) ? text : "-");
+    }
+    return true;
+  }
+
+  std::vector<Column> columns;
+  std::vector<std::vector<std::string>> rows;
+};
+
+class DatabasesTest : public testing::TestWithParam<const char*> {
+ protected:
+  bool IsPostgres() const { return std::string_view(GetParam()).starts_with("PostgreSQL"); }
+
+  void SetUp() override {
+    nlohmann::json settings = nlohmann::json::object();
+    if (IsPostgres()) {
+      EmptyPostgres();
+      settings["TEST"]["odbc"] = PostgresServer::Shared().ConnectionText(GetParam());
+    } else {
+      std::filesystem::create_directory(folder_.Path() / "db");
+      const std::string file = folder_.Write("db/TEST.sqlite", "");
+      const bool by_odbc = GetParam() == std::string_view(kSqliteByOdbc);
+      if (by_odbc) settings["TEST"]["odbc"] = "Driver=SQLite3;Database=" + file;
+    }
+    const std::string file = folder_.Write("databases.json", settings.dump());
+    std::filesystem::permissions(file, std::filesystem::perms(0600));
+    ASSERT_TRUE(data_.Prepare().Ok());
+  }
+
+  template <class Work>
+  Outcome With(const Work& work) {
+    WorkLimit limit(time_, [this] { return abandoned_.load(); });
+    const auto database = data_.Open("TEST", limit);
+    return database != nullptr ? work(*database) : Outcome{ErrorCode::kNoDatabase, "none"};
+  }
+  Outcome Query(const std::string& sql, Kept& kept) {
+    return With([&](Database& database) { return database.Query(sql, kept); });
+  }
+  // The rows of a query that succeeds.
+  std::vector<std::vector<std::string>> Rows(const std::string& sql) {
+    Kept kept;
+    const Outcome outcome = Query(sql, kept);
+    EXPECT_TRUE(outcome.Ok()) << sql << ": " << outcome.text;
+    return kept.rows;
+  }
+  ErrorCode Refusal(const std::string& sql) {
+    Kept kept;
+    return Query(sql, kept).code;
+  }
+  Outcome Execute(const std::vector<std::string_view>& statements) {
+    return With([&](Database& database) { return database.Execute(statements, failed_); });
+  }
+  Outcome Call(const std::string& text, Kept& kept) {
+    const auto call = ParseProcedureCall(text);
+    return With([&](Database& database) { return database.Call(*call, kept); });
+  }
+
+  const TempFolder folder_;
+  DataFolder data_{folder_.Path().string()};
+  milliseconds time_{30'000};
+  std::atomic<bool> abandoned_ = false;
+  std::int32_t failed_ = -1;
+};
+
+class PostgresTest : public DatabasesTest {};
+
+INSTANTIATE_TEST_SUITE_P(Engines, DatabasesTest,
+                         testing::Values(kSqlite, kSqliteByOdbc, kUnicode, kAnsi));
+INSTANTIATE_TEST_SUITE_P(Drivers, PostgresTest, testing::Values(kUnicode, kAnsi));
+
+TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
+  Outcome made = Execute(
+      {"create table t (i integer, l bigint, s smallint, b boolean, d double precision, f float4,"
+       " n numeric(30, 10), day date, at datetime, c char(4), v varchar(10), x text, y blob)",
+       "insert into t (i) values (-2147483648)",
+       "insert into T values (2147483647, 9223372036854775807, -32768, true, 0.1, 0.1, 12.5,"
+       " '2024-02-29', '1962-05-17 23:59:58', 'ab图', 'it''s \\', '第一行\n<&\">', cast('y图' as "
+       "blob))",
+       "insert into t values (0, -9223372036854775807, 0, false, -1e300, 0, 0, null, null, '', '',"
+       " '', cast('' as blob))"});
+  ASSERT_TRUE(made.Ok()) << made.text;
+  Kept kept;
+  ASSERT_TRUE(Query("select * from t order by i desc", kept).Ok());
+  std::vector<std::tuple<std::string, ColumnKind, std::uint32_t>> columns;
+  for (const Column& column : kept.columns) {
+    const bool is_text = column.kind == ColumnKind::kText || column.kind == ColumnKind::kFixedText;
+    columns.emplace_back(column.name, column.kind, is_text ? column.length : 0);
+  }
+  if (GetParam() == std::string_view(kSqliteByOdbc)) {  // which knows fewer types
+    std::get<1>(columns.at(5)) = ColumnKind::kSingle;
+    std::get<1>(columns.at(9)) = ColumnKind::kFixedText;
+  }
+  using Kind = ColumnKind;
+  using Facts = std::tuple<std::string, ColumnKind, std::uint32_t>;
+  EXPECT_THAT(columns, ElementsAre(Facts{"i", Kind::kInt32, 0}, Facts{"l", Kind::kInt64, 0},
+                                   Facts{"s", Kind::kInt16, 0}, Facts{"b", Kind::kBoolean, 0},
+                                   Facts{"d", Kind::kDouble, 0}, Facts{"f", Kind::kSingle, 0},
+                                   Facts{"n", Kind::kDouble, 0}, Facts{"day", Kind::kDate, 0},
+                                   Facts{"at", Kind::kDateTime, 0}, Facts{"c", Kind::kFixedText, 4},
+                                   Facts{"v", Kind::kText, 10}, Facts{"x", Kind::kLongText, 0},
+                                   Facts{"y", Kind::kBinary, 0}));
+  ASSERT_EQ(kept.rows.size(), 3U);
+  auto row = kept.rows[0];
+  row[6].resize(4);  // PostgreSQL keeps the zeros behind
+  row[9].resize(5);  // and the blanks
+  EXPECT_THAT(row, ElementsAre("2147483647", "9223372036854775807", "-32768", "True", "0.1", "0.1",
+                               "12.5", "2024-02-29T00:00:00", "1962-05-17T23:59:58", "ab图",
+                               "it&#x27;s \\", "第一行\n&#x3c;&#x26;&#x22;&#x3e;", "79e59bbe"));
+  row = kept.rows[1];
+  EXPECT_THAT(std::vector(row.begin(), row.begin() + 6),
+              ElementsAre("0", "-9223372036854775807", "0", "False", "-1e+300", "0"));
+  EXPECT_THAT(std::vector(row.begin() + 7, row.end()),
+              ElementsAre("-", "-", testing::_, "", "", ""));
+  EXPECT_THAT(kept.rows[2], testing::Contains("-").Times(12));
+}
+
+TEST_P(DatabasesTest, GiveManyRowsAndLongTextsWhole) {
+  std::string long_text;
+  while (long_text.size() < 500'000) long_text += "图纸\U0001F600x";
+  const std::string insert = "insert into t values (0, '" + long_text + "')";
+  const Outcome made =
+      Execute({"create table t (i integer, x text)", insert,
+               "with recursive n(i) as (select 1 union all select i + 1 from n where i < 1800)"
+               " insert into t select i, 'row' from n"});
+  ASSERT_TRUE(made.Ok()) << failed_ << ": " << made.text;
+  const auto rows = Rows("select i, x from t order by i");
+  ASSERT_EQ(rows.size(), 1801U);
+  EXPECT_TRUE(rows[0][1] == long_text);
+  EXPECT_THAT(rows[1800], ElementsAre("1800", "row"));
+  Kept none;
+  EXPECT_TRUE(Query("select i as \"列\" from X.dbo.t where i < 0", none).Ok());
+  EXPECT_EQ(none.columns.at(0).name, "列");
+  EXPECT_TRUE(none.rows.empty());
+}
+
+TEST_P(DatabasesTest, DoABatchWholeOrNotAtAll) {
+  ASSERT_TRUE(Execute({"create table t (i integer primary key, x varchar(9))"}).Ok());
+  const char* const first = "insert into t values (1, '一'); insert into X.dbo.t values (2, '二')";
+  struct Case {
+    std::vector<std::string_view> statements;
+    ErrorCode code;
+    std::int32_t failed;
+  };
+  for (const Case& c : {Case{{first, "insert into t values (1, 'x')"}, ErrorCode::kSqlFailed, 2},
+                        Case{{first, "insert into t values (3, 'x'); insert into u values (1)"},
+                             ErrorCode::kSqlFailed,
+                             2},
+                        Case{{first, "select 1", " ;; -- nothing"}, ErrorCode::kSqlFailed, 3},
+                        Case{{first, "commit"}, ErrorCode::kNotPermitted, 2},
+                        Case{{first, "rollback", "select 1"}, ErrorCode::kNotPermitted, 2},
+                        Case{{first, "select 1; /* */ ROLLBACK"}, ErrorCode::kNotPermitted, 2},
+                        Case{{"savepoint s", first}, ErrorCode::kNotPermitted, 1}}) {
+    const Outcome outcome = Execute(c.statements);
+    EXPECT_EQ(outcome.code, c.code) << c.statements.back() << ": " << outcome.text;
+    EXPECT_EQ(failed_, c.failed) << c.statements.back();
+    EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("0")))
+        << c.statements.back();
+  }
+  ASSERT_TRUE(
+      Execute({first, "delete from t where i = 9", "update t set x = x || '!' where i = 2"}).Ok());
+  EXPECT_EQ(failed_, 0);
+  EXPECT_THAT(Rows("select x from t order by i"),
+              ElementsAre(ElementsAre("一"), ElementsAre("二!")));
+}
+
+TEST_P(DatabasesTest, QueryWithoutWriting) {
+  ASSERT_TRUE(Execute({"create table t (i integer)", "insert into t values (1)"}).Ok());
+  for (const char* sql :
+       {"delete from t", "delete from t returning i", "select 1; delete from t",
+        "create table u (i integer)", "begin", "commit", "select 1; commit; delete from t"}) {
+    EXPECT_EQ(Refusal(sql), ErrorCode::kNotPermitted) << sql;
+  }
+  for (const char* sql : {"", "-- nothing", "select from from", "select * from u"}) {
+    EXPECT_EQ(Refusal(sql), ErrorCode::kSqlFailed) << sql;
+  }
+  EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("1")));
+}
+
+TEST_P(DatabasesTest, StopWhenTheTimeIsUpOrTheClientIsGone) {
+  const std::string slow = IsPostgres() ? "select pg_sleep(60)"
+                                        : "with recursive n(i) as (select 1 union all select i + 1 "
+                                          "from n) select count(*) from n";
+  ASSERT_TRUE(Execute({"create table t (i integer)"}).Ok());
+  const auto start = std::chrono::steady_clock::now();
+  time_ = milliseconds(300);
+  EXPECT_EQ(Refusal(slow), ErrorCode::kTimedOut);
+  EXPECT_EQ(Execute({"insert into t values (1)", slow}).code, ErrorCode::kTimedOut);
+  EXPECT_EQ(failed_, 2);
+  time_ = milliseconds(50'000);
+  abandoned_ = true;
+  EXPECT_EQ(Refusal(slow), ErrorCode::kStopped);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+  abandoned_ = false;
+  EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("0")));
+}
+
+TEST_P(PostgresTest, CallsFunctionsAndProcedures) {
+  const PostgresServer& server = PostgresServer::Shared();
+  ASSERT_TRUE(
+      server.Run({"-f", Source("DESIGNDB.sql"), "-c",
+                  "create procedure close_project(id integer) language sql as"
+                  " $$ update projects set open = false where projects.id = close_project.id $$"}));
+  Kept documents;
+  Outcome outcome = Call("exec dbo.Documents_Of_Project 'PRJ-0017'", documents);
+  ASSERT_TRUE(outcome.Ok()) << outcome.text;
+  EXPECT_EQ(documents.rows.size(), 50U);
+  EXPECT_EQ(documents.columns.at(3).name, "author");
+  Kept parts;
+  EXPECT_TRUE(Call("call parts_heavier_than(2000.5, 7)", parts).Ok());
+  EXPECT_EQ(parts.rows.size(), 7U);
+  Kept renamed;
+  outcome = Call("call rename_project('PRJ-0017', N'it''s \\ {新}?')", renamed);
+  ASSERT_TRUE(outcome.Ok()) << outcome.text;
+  EXPECT_EQ(renamed.rows.at(0).at(2), "it&#x27;s \\ {新}?");
+  EXPECT_THAT(Rows("select count(*) from projects where name like 'it%'"),
+              ElementsAre(ElementsAre("1")));
+  Kept closed;
+  outcome = Call("call close_project(1)", closed);
+  ASSERT_TRUE(outcome.Ok()) << outcome.text;
+  EXPECT_THAT(Rows("select open from projects where id = 1"), ElementsAre(ElementsAre("False")));
+  EXPECT_EQ(Call("call nothing(1)", closed).code, ErrorCode::kNoProcedure);
+  EXPECT_EQ(Call("call pg_sleep(1)", closed).code, ErrorCode::kNoProcedure);
+  EXPECT_EQ(Call("call parts_heavier_than(1)", closed).code, ErrorCode::kSqlFailed);
+  EXPECT_EQ(Call("call close_project('x')", closed).code, ErrorCode::kSqlFailed);
+}
+
+TEST_P(PostgresTest, StopsWhileRowsComeAndWhileOthersHoldLocks) {
+  ASSERT_TRUE(Execute({"create table t (i integer)", "insert into t values (1)"}).Ok());
+  // The driver fetches a hundred rows at once.
+  class Leaving : public Kept {
+   public:
+    explicit Leaving(std::atomic<bool>& left) : left_(left) {}
+    bool Row(const std::vector<Cell>& cells) override {
+      left_ = true;
+      return Kept::Row(cells);
+    }
+
+   private:
+    std::atomic<bool>& left_;
+  } leaving(abandoned_);
+  const auto start = std::chrono::steady_clock::now();
+  const std::string late = "select pg_sleep(case when i > 900 then 60 else 0 end)";
+  EXPECT_EQ(Query(late + " from generate_series(1, 1000) i", leaving).code, ErrorCode::kStopped);
+  abandoned_ = false;
+
+  odbc::Diagnostics said;
+  const auto other = odbc::FrameClient::Open(PostgresServer::Shared().ConnectionText(), {}, said);
+  ASSERT_NE(other, nullptr);
+  ASSERT_TRUE(other->Begin(said) && odbc::Statement(*other).Execute("update t set i = 2", said));
+  time_ = milliseconds(300);
+  EXPECT_EQ(Execute({"update t set i = 3"}).code, ErrorCode::kTimedOut);
+  time_ = milliseconds(30'000);
+  const char* const impatient = "select set_config('lock_timeout', '20ms', true)";
+  EXPECT_EQ(Execute({impatient, "update t set i = 3"}).code, ErrorCode::kBusy);
+  EXPECT_EQ(failed_, 2);
+  ASSERT_TRUE(other->Commit(said));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+  EXPECT_THAT(Rows("select i from t"), ElementsAre(ElementsAre("2")));
+  EXPECT_THAT(Rows("select count(*) from pg_stat_activity where query like '%pg_sleep(case%'"
+                   " and pid <> pg_backend_pid()"),
+              ElementsAre(ElementsAre("0")));
+}
+
+TEST_P(PostgresTest, KeepsATransactionWhateverTheStatementsDoToItsSettings) {
+  ASSERT_TRUE(Execute({"create table t (i integer)",
+                       "create table u (i integer primary key deferrable initially deferred)"})
+                  .Ok());
+  const char* const insert = "insert into t values (1)";
+  const char* const loosen = "select set_config('standard_conforming_strings', 'off', false)";
+  // With that setting the second quote would not end the text, and the commit would be one.
+  EXPECT_EQ(Execute({insert, loosen, "select '\\''; commit; --'", "select 1/0"}).code,
+            ErrorCode::kSqlFailed);
+  EXPECT_EQ(failed_, 4);
+  EXPECT_EQ(Execute({insert, "insert into u values (1), (1)"}).code, ErrorCode::kSqlFailed);
+  EXPECT_EQ(failed_, 0) << "the commit fails";
+  EXPECT_EQ(Execute({insert, "select pg_terminate_backend(pg_backend_pid())"}).code,
+            ErrorCode::kNoDatabase);
+  EXPECT_EQ(Refusal("select set_config('transaction_read_only', 'off', false)"),
+            ErrorCode::kSqlFailed);
+  EXPECT_EQ(Refusal("select * into v from t"), ErrorCode::kNotPermitted);
+  ASSERT_TRUE(
+      PostgresServer::Shared().Run({"-c",
+                                    "create function write() returns integer language sql as"
+                                    " $$ insert into t values (1) returning i $$"}));
+  EXPECT_EQ(Refusal("select write()"), ErrorCode::kNotPermitted);
+  EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("0")));
+}
+
+TEST(OdbcDatabase, SaysWhyItCannotConnectWithoutTheText) {
+  std::string text = PostgresServer::Shared().ConnectionText();
+  text.replace(text.find(PostgresServer::kPassword), std::string(PostgresServer::kPassword).size(),
+               "wrong word");
+  WorkLimit limit(milliseconds(30'000), [] { return false; });
+  const std::pair<std::string, const char*> cases[] = {
+      {text, "password authentication failed"},
+      {"Driver=PostgreSQL Unicode;Server=127.0.0.1;Port=1;Uid=tester;Pwd=wrong word", "refused"},
+      {"Driver=No such driver;Uid=tester;Pwd=wrong word", "lib"}};
+  for (const auto& [wrong, reason] : cases) {
+    std::int32_t failed = -1;
+    const std::string_view statement = "select 1";
+    const Outcome outcome = OdbcDatabase(wrong, limit).Execute({&statement, 1}, failed);
+    EXPECT_EQ(outcome.code, ErrorCode::kNoDatabase);
+    EXPECT_EQ(failed, 0);
+    EXPECT_THAT(outcome.text,
+                testing::AllOf(HasSubstr(reason), Not(HasSubstr("127.0.0.1")),
+                               Not(HasSubstr("tester")), Not(HasSubstr("wrong word"))));
+  }
+}
+
+class StandInOverOdbc : public ServerTest {};
+
+TEST_F(StandInOverOdbc, ServesADatabaseOfAnotherEngine) {
+  EmptyPostgres();
+  const PostgresServer& postgres = PostgresServer::Shared();
+  ASSERT_TRUE(postgres.Run({"-f", Source("DESIGNDB.sql")}));
+  const nlohmann::json settings{
+      {"DESIGNDB",
+       {{"odbc", postgres.ConnectionText()}, {"connection_text", "Driver=for clients"}}}};
+  std::filesystem::permissions(folder_.Write("databases.json", settings.dump()),
+                               std::filesystem::perms(0600));
+  Start();
+  FrameClient client(server_->Port());
+  const auto ask = [&](std::uint32_t command, const std::vector<std::string>& fields) {
+    EXPECT_TRUE(client.Send(FrameOf(command, fields)));
+    return client.Fields();
+  };
+  EXPECT_THAT(ask(300, {"DESIGNDB", "update X.dbo.Projects set name = '滨江桥' where id = 1"}),
+              ElementsAre("SUCCESS"));
+  EXPECT_THAT(ask(710, {"DESIGNDB"}), ElementsAre("1", "Driver=for clients"));
+  EXPECT_EQ(ask(300, {"DESIGNDB", "select 1/0"}).at(0), "FAILURE");
+  EXPECT_EQ(server_->Served().at(2).outcome,
+            "[22012] ERROR: division by zero; Error while executing the query");
+  server_->Stop();
+  WorkLimit limit(milliseconds(30'000), [] { return false; });
+  Kept kept;
+  EXPECT_TRUE(OdbcDatabase(postgres.ConnectionText(), limit)
+                  .Query("select code, name from projects where id = 1", kept)
+                  .Ok());
+  EXPECT_THAT(kept.rows, ElementsAre(ElementsAre("PRJ-0017", "滨江桥")));
+}
+
+}  // namespace
+}  // namespace qv::standin

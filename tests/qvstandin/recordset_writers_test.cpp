@@ -1,0 +1,142 @@
+// What the recordset writers write, read back by the slow reference reader.
+#include "tools/qvstandin/recordsets/RowsetWriter.h"
+#include "tools/qvstandin/recordsets/SchemaWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "fuzz/ReferenceReader.h"
+
+namespace qv::standin {
+namespace {
+
+class TextSink : public ByteSink {
+ public:
+  bool Write(std::string_view bytes) override {
+    text += bytes;
+    return true;
+  }
+  bool Finish() override { return true; }
+
+  std::string text;
+};
+
+template <typename Writer = RowsetWriter>
+std::string Written(const std::vector<Column>& columns,
+                    const std::vector<std::vector<Cell>>& rows) {
+  TextSink sink;
+  Writer writer(sink);
+  EXPECT_TRUE(writer.Begin(columns));
+  for (const auto& row : rows) EXPECT_TRUE(writer.Row(row));
+  EXPECT_TRUE(writer.Finish());
+  EXPECT_EQ(writer.RowCount(), static_cast<std::int32_t>(rows.size()));
+  return sink.text;
+}
+
+TEST(RowsetWriter, DeclaresEachKindAsReadersKnowIt) {
+  const std::vector<std::pair<ColumnKind, int>> kinds{
+      {ColumnKind::kInt32, 3},       {ColumnKind::kInt64, 20},   {ColumnKind::kInt16, 2},
+      {ColumnKind::kUint8, 17},      {ColumnKind::kBoolean, 11}, {ColumnKind::kDouble, 5},
+      {ColumnKind::kSingle, 4},      {ColumnKind::kDate, 7},     {ColumnKind::kDateTime, 135},
+      {ColumnKind::kFixedText, 129}, {ColumnKind::kText, 200},   {ColumnKind::kLongText, 201},
+      {ColumnKind::kBinary, 205}};
+  std::vector<Column> columns;
+  for (const auto& [kind, type] : kinds) columns.push_back({"c" + std::to_string(type), kind, 40});
+  ReferenceTable table;
+  ASSERT_TRUE(ReadRowsetByReference(Written(columns, {}), table));
+  ASSERT_EQ(table.columns.size(), kinds.size());
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    EXPECT_EQ(table.columns[i].name, columns[i].name);
+    EXPECT_EQ(table.columns[i].type, kinds[i].second);
+  }
+  EXPECT_EQ(table.columns[9].declared_length, 40);
+}
+
+TEST(RowsetWriter, KeepsEveryCharacterOfATextButNul) {
+  const std::string hard = "<a b='1' c=\"2\"/> &#x3c; </z:row> <z:row\r\n\t= 图纸";
+  const std::string with_nul = std::string("x\0y", 3);
+  const std::string file = Written({{"t", ColumnKind::kText}, {"u", ColumnKind::kText}},
+                                   {{Cell(hard), Cell(with_nul)}, {Cell(), Cell("next")}});
+  ReferenceTable table;
+  ASSERT_TRUE(ReadRowsetByReference(file, table));
+  ASSERT_EQ(table.columns[0].cells.size(), 2U);
+  EXPECT_EQ(std::get<std::string>(table.columns[0].cells[0]), hard);
+  EXPECT_EQ(std::get<std::string>(table.columns[1].cells[0]), "xy");
+  EXPECT_EQ(std::get<std::string>(table.columns[1].cells[1]), "next");
+  EXPECT_NE(file.find("<z:row u='next'/>"), std::string::npos) << "a null is left out";
+}
+
+TEST(RowsetWriter, GivesEachColumnAHarmlessNameOfItsOwn) {
+  const std::vector<std::string> names{"a b", "count(*)", "", "x", "x", "x_2", "<'=\"/>&", "列"};
+  const std::vector<std::string> expected{"a_b", "count(*)", "column3", "x",
+                                          "x_2", "x_2_2",    "_______", "列"};
+  std::vector<Column> columns;
+  for (const std::string& name : names) columns.push_back({name, ColumnKind::kText});
+  const std::vector<Cell> cells(names.size(), Cell("v"));
+  ReferenceTable table;
+  ASSERT_TRUE(ReadRowsetByReference(Written(columns, {cells}), table));
+  ASSERT_EQ(table.columns.size(), names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(table.columns[i].name, expected[i]);
+    EXPECT_EQ(std::get<std::string>(table.columns[i].cells.at(0)), "v");
+  }
+}
+
+TEST(RowsetWriter, WritesValuesAsTheirColumnShowsThem) {
+  struct Case {
+    ColumnKind kind;
+    Cell cell;
+    std::string attribute;  // empty: left out
+  };
+  const std::vector<Case> cases{
+      {ColumnKind::kInt64, std::numeric_limits<std::int64_t>::min(), "-9223372036854775808"},
+      {ColumnKind::kBoolean, std::int64_t{2}, "True"},
+      {ColumnKind::kBoolean, std::int64_t{0}, "False"},
+      {ColumnKind::kDouble, 0.1, "0.1"},
+      {ColumnKind::kDouble, -1.5e300, "-1.5e+300"},
+      {ColumnKind::kSingle, static_cast<double>(0.1F), "0.1"},
+      {ColumnKind::kSingle, 1e300, "1e+300"},
+      {ColumnKind::kDate, "2024-02-29", "2024-02-29T00:00:00"},
+      {ColumnKind::kDateTime, "2024-02-29 23:59:01.5", "2024-02-29T23:59:01"},
+      {ColumnKind::kDateTime, "29.2.2024 at noon here", ""},
+      {ColumnKind::kBinary, Binary{std::string_view("\x00\xff'", 3)}, "00ff27"},
+      {ColumnKind::kText, std::monostate(), ""}};
+  for (const Case& c : cases) {
+    const std::string file = Written({{"c", c.kind}}, {{c.cell}});
+    const std::string row = c.attribute.empty() ? "<z:row/>" : "<z:row c='" + c.attribute + "'/>";
+    EXPECT_NE(file.find(row), std::string::npos) << row << "\n" << file;
+  }
+}
+
+TEST(SchemaWriter, IsReadBackInItsDialect) {
+  const std::vector<Column> columns{
+      {"Table", ColumnKind::kText}, {"Table_x", ColumnKind::kInt64}, {"a b", ColumnKind::kBoolean},
+      {"d", ColumnKind::kDateTime}, {"b", ColumnKind::kBinary},      {"r", ColumnKind::kDouble},
+      {"s", ColumnKind::kSingle},   {"u", ColumnKind::kUint8},       {"h", ColumnKind::kInt16}};
+  const std::string hard = "<Table> </Table> &#x3c; 'x' \"y\"/> 图纸";
+  const std::vector<Cell> nulls(columns.size());
+  const std::string bytes("\0\xff'a", 4);
+  const std::vector<Cell> cells{
+      Cell(hard), std::int64_t{-5},  std::int64_t{1}, "2024-02-29 01:02:03", Binary{bytes}, 0.25,
+      0.5,        std::int64_t{255}, std::int64_t{-7}};
+  ReferenceTable table;
+  ASSERT_TRUE(ReadSchemaByReference(Written<SchemaWriter>(columns, {cells, nulls, cells}), table));
+  const std::vector<int> types{200, 20, 11, 135, 205, 5, 4, 17, 2};
+  ASSERT_EQ(table.columns.size(), types.size());
+  for (std::size_t i = 0; i < types.size(); ++i) {
+    EXPECT_EQ(table.columns[i].type, types[i]);
+    ASSERT_EQ(table.columns[i].cells.size(), 3U);
+  }
+  EXPECT_EQ(table.columns[2].name, "a_b");
+  EXPECT_EQ(std::get<std::string>(table.columns[0].cells[2]), hard);
+  EXPECT_EQ(std::get<std::string>(table.columns[0].cells[1]), "");
+  EXPECT_EQ(std::get<std::int32_t>(table.columns[1].cells[0]), -5);
+  EXPECT_EQ(std::get<std::optional<ReferenceDate>>(table.columns[3].cells[0])->second, 3);
+  EXPECT_EQ(table.last_binary, bytes);
+}
+
+}  // namespace
+}  // namespace qv::standin

@@ -1,0 +1,144 @@
+// The server over real connections: frames, tokens, slow, broken and vanished clients.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <string>
+
+#include "ServerFixture.h"
+
+namespace qv::standin {
+namespace {
+
+TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
+  Start();
+  FrameClient client(server_->Port());
+  const std::string file = (folder_.Path() / "answer").string();
+  ASSERT_TRUE(client.Send(FrameOf(3, {})));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", "select * from parts"})));
+  EXPECT_EQ(client.Status(file), "SUCCESS");
+  EXPECT_TRUE(BytesOf(file).ends_with("</xml>\n"));
+  auto unwanted = OutgoingFile::Open(file);
+  ASSERT_TRUE(client.Send(FrameOf(210, {"NO\nWHERE", "select 1"}, {}, &*unwanted)));
+  EXPECT_EQ(client.Status(), "FAILURE");
+  const auto served = server_->Served();
+  ASSERT_EQ(served.size(), 3U);
+  EXPECT_EQ(served[1].command, 200U);
+  EXPECT_EQ(served[1].database, "DESIGNDB");
+  EXPECT_EQ(served[1].outcome, "done");
+  EXPECT_GT(served[1].bytes, BytesOf(file).size());
+  EXPECT_EQ(served[2].database, "NO\\x0aWHERE");
+  EXPECT_EQ(served[2].outcome, "no such database");
+}
+
+TEST_F(ServerTest, WithoutTheTokenNobodyEnters) {
+  options_.token = "secret";
+  Start();
+  for (const char* token : {"", "secre", "secretsecret", "Secret"}) {
+    FrameClient client(server_->Port());
+    ASSERT_TRUE(client.Send(FrameOf(3, {}, token)));
+    EXPECT_EQ(client.Status(), "FAILURE") << token;
+    EXPECT_TRUE(client.IsHungUpOn());
+  }
+  FrameClient client(server_->Port());
+  ASSERT_TRUE(client.Send(FrameOf(3, {}, "secret")));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+}
+
+TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
+  options_.request_limit = 100;
+  Start();
+  FrameHeader large;
+  large.payload_length = 101;
+  const auto header = EncodeHeader(large);
+  const std::string oversized(header.begin(), header.end());
+  for (const std::string& bytes : {std::string(400, 'x'), oversized}) {
+    FrameClient client(server_->Port());
+    ASSERT_TRUE(client.Send(bytes));
+    EXPECT_TRUE(client.IsHungUpOn());
+  }
+  EXPECT_EQ(server_->MalformedFrames(), 2U);
+  FrameClient client(server_->Port());
+  ASSERT_TRUE(client.Send(FrameOf(3, {})));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+}
+
+TEST_F(ServerTest, HangsUpOnTheIdleAndTheSurplus) {
+  options_.idle_timeout = std::chrono::milliseconds(500);
+  options_.connection_limit = 1;
+  Start();
+  FrameClient idle(server_->Port());
+  ASSERT_TRUE(idle.Send(FrameOf(3, {})));
+  EXPECT_EQ(idle.Status(), "SUCCESS");
+  EXPECT_TRUE(FrameClient(server_->Port()).IsHungUpOn()) << "the surplus";
+  EXPECT_TRUE(idle.IsHungUpOn());
+}
+
+TEST_F(ServerTest, HangsUpOnTheSlowAndTheSilent) {
+  options_.io_timeout = std::chrono::milliseconds(30);
+  Start();
+  FrameClient silent(server_->Port());
+  FrameClient slow(server_->Port());
+  ASSERT_TRUE(slow.Send("Q"));
+  EXPECT_TRUE(slow.IsHungUpOn());
+  EXPECT_TRUE(silent.IsHungUpOn());
+}
+
+TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
+  Start();
+  FrameClient client(server_->Port());
+  const std::string slow = "with recursive n(i) as (select 1 union all select i + 1 from n limit ";
+  ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", slow + "300000) select count(*) from n"})));
+  ASSERT_TRUE(client.Send(FrameOf(3, {})) && client.Send(FrameOf(9999, {})));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  EXPECT_EQ(client.Status(), "FAILURE");
+}
+
+TEST_F(ServerTest, StopsWhileClientsHangAndQueriesRun) {
+  Start();
+  FrameClient half(server_->Port());
+  FrameClient busy(server_->Port());
+  FrameClient idle(server_->Port());
+  ASSERT_TRUE(half.Send("QvN4"));
+  ASSERT_TRUE(busy.Send(FrameOf(200, {"DESIGNDB", kForever})));
+  const auto start = std::chrono::steady_clock::now();
+  server_->Stop();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience);
+  EXPECT_TRUE(idle.IsHungUpOn());
+  EXPECT_NE(busy.Status(), "SUCCESS");
+}
+
+TEST_F(ServerTest, EndsTheQueryOfAClientThatVanished) {
+  std::promise<ServedCommand> served;
+  options_.on_served = [&](const ServedCommand& command) { served.set_value(command); };
+  Start();
+  {
+    FrameClient client(server_->Port());
+    ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", kForever})) && client.Send("behind"));
+  }
+  auto future = served.get_future();
+  ASSERT_EQ(future.wait_for(kPatience), std::future_status::ready);
+  EXPECT_EQ(future.get().outcome, "cut off");
+}
+
+TEST_F(ServerTest, StartsOnlyWithAFolderOfItsOwnAndAnAddress) {
+  std::string error;
+  options_.data_folder = folder_.Write("file", "x");
+  EXPECT_FALSE(StandIn(options_).Start(&error));
+  EXPECT_FALSE(error.empty());
+  options_.data_folder = folder_.Path().string();
+  options_.listen = "nowhere";
+  EXPECT_FALSE(StandIn(options_).Start());
+  options_.listen = "127.0.0.1";
+  Start();
+  StandIn second(options_);
+  EXPECT_FALSE(second.Start(&error));
+  EXPECT_THAT(error, testing::HasSubstr("another server"));
+  server_->Stop();
+  EXPECT_TRUE(second.Start(&error)) << error;
+}
+
+}  // namespace
+}  // namespace qv::standin

@@ -1,0 +1,119 @@
+#include "Batch.h"
+
+#include <fmt/ostream.h>
+
+#include <fstream>
+#include <istream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/qvcall/progress/BatchProgress.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "RequestSize.h"
+#include "tools/qvcall/output/ReturnCodes.h"
+#include "tools/qvcall/session/Session.h"
+#include "SqlInput.h"
+#include "SqlSplitter.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kShownCells = 80;
+
+using Statements = std::vector<ScriptStatement>;
+
+std::optional<std::string> ReadScript(const std::string& file, std::istream& in) {
+  if (file == "-") return ReadAll(in);
+  std::ifstream script(file, std::ios::binary);
+  return script ? ReadAll(script) : std::nullopt;
+}
+
+std::string Counted(std::size_t statements) {
+  return fmt::format("{} {}", statements, statements == 1 ? "statement" : "statements");
+}
+
+// Shows the statement of that number, which counts from 1, behind `what` is to be said of it.
+void PrintStatement(const Statements& statements, std::size_t number, std::string_view what,
+                    std::ostream& err) {
+  const auto& [text, line] = statements[number - 1];
+  std::string_view first_line = text.substr(0, text.find('\n'));
+  if (!first_line.empty() && first_line.back() == '\r') first_line.remove_suffix(1);
+  fmt::print(err, "  statement {} of {}, in line {}{}:\n  {}\n", number, statements.size(), line,
+             what, VisibleStart(first_line, kShownCells));
+}
+
+// The server may name no statement.
+void PrintRefused(const Statements& statements, std::size_t number, std::ostream& err) {
+  if (number == 0 || number > statements.size()) {
+    fmt::print(err, "  the server names no statement of the batch; nothing was run\n");
+    return;
+  }
+  PrintStatement(statements, number, "; nothing was run", err);
+}
+
+// A batch that is too large would be sent without its end, for the server to refuse.
+bool Fits(const Statements& statements, const std::string& database, std::ostream& err) {
+  const RequestSize size = MeasureBatch(database, statements);
+  if (size.fitting == statements.size()) return true;
+  fmt::print(err,
+             "qvcall: the batch is too large for one request, which takes about {} bytes: it has "
+             "{}; nothing was sent\n",
+             kRequestRoom, size.bytes);
+  PrintStatement(statements, size.fitting + 1, ", is the first that does not fit", err);
+  fmt::print(err, "  split the batch before it; each part is then run wholly or not at all\n");
+  return false;
+}
+
+// Splits what `script` holds; none, and the reason on `err`, when it cannot be sent.
+Statements StatementsOf(std::string_view script, std::ostream& err) {
+  if (script.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    script.remove_prefix(kByteOrderMark.size());
+  }
+  Statements statements;
+  if (script.find('\0') == std::string_view::npos) statements = SplitStatements(script);
+  if (statements.empty()) {
+    fmt::print(err, "qvcall: the batch has no statement or holds a NUL byte\n");
+  }
+  return statements;
+}
+
+int Send(const Statements& statements, const char* database, std::ostream& err) {
+  CStringArray texts;
+  for (const ScriptStatement& statement : statements) texts.Add(CString(statement.text));
+  const std::string sending = "Sending " + Counted(statements.size());
+  const BatchProgress progress(sending, MeasureBatch(database, statements).bytes, err);
+  return CRvoDatabase::ExecuteMultiSQL(&texts, database);
+}
+
+}  // namespace
+
+int RunBatch(const Connection& connection, const BatchOptions& options, std::istream& in,
+             std::ostream& err) {
+  const std::optional<std::string> script = ReadScript(options.file, in);
+  if (!script) {
+    fmt::print(err, "qvcall: {} cannot be read, or is over 64 MB\n",
+               options.file == "-" ? "standard input" : options.file);
+    return kFailed;
+  }
+  const Statements statements = StatementsOf(*script, err);
+  if (statements.empty()) return kUsage;
+  if (!Fits(statements, options.database, err)) return kFailed;
+  Session session(connection, options.database, Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  const int code = Send(statements, session.Database(), err);
+  if (code != 0) {
+    session.PrintFailure(Call::kBatch, code, err);
+    if (code >= kRefusedBatch) {
+      PrintRefused(statements, static_cast<std::size_t>(code - kRefusedBatch), err);
+    }
+    return kFailed;
+  }
+  fmt::print(err, "done ({})\n", Counted(statements.size()));
+  return kDone;
+}
+
+}  // namespace qv

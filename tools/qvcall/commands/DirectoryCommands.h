@@ -1,0 +1,20 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "tools/qvcall/options/CommandLine.h"
+
+namespace qv {
+
+// Show the directory and the server itself, and write to its log. Each gives the exit status; `err`
+// hears what went wrong.
+[[nodiscard]] int Run(const Connection& connection, const ListGroups& command, std::ostream& out,
+                      std::ostream& err);
+[[nodiscard]] int Run(const Connection& connection, const ListUsers& command, std::ostream& out,
+                      std::ostream& err);
+[[nodiscard]] int Run(const Connection& connection, const WriteLog& command, std::ostream& out,
+                      std::ostream& err);
+[[nodiscard]] int Run(const Connection& connection, const ShowServer& command, std::ostream& out,
+                      std::ostream& err);
+
+}  // namespace qv

@@ -1,0 +1,76 @@
+#include "Ping.h"
+
+#include <fmt/ostream.h>
+
+#include "tools/qvcall/session/Session.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+int PingSocket(const Session& session, std::ostream& out, std::ostream& err) {
+  if (session.Probe()) {
+    fmt::print(out, "{} answers\n", session.Address());
+    return kDone;
+  }
+  if (CRvoServer::GetIsNetworkBad(1) == 1) {
+    fmt::print(err, "qvcall: {} cannot be reached; check --server and --port\n", session.Address());
+  } else {
+    fmt::print(err,
+               "qvcall: {} can be reached, but does not answer as the platform's server does; "
+               "check --port and --token\n",
+               session.Address());
+  }
+  return kFailed;
+}
+
+// What a query gives when nothing reached the server, and when it answers without rows.
+constexpr int kNotReached = -1;
+constexpr int kRefused = 3;
+
+// The library asks for links over sockets only; over HTTP a small query shows the same.
+int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
+  CRvoDatabase::m_NeedUpdateCompressState = 0;
+  const CString sql("select 1");
+  CRvoDbRes rows;
+  const int code = CRvoDatabase::SelectSQL(&sql, &rows, "PLATDB", 0);
+  if (code == 0) {
+    fmt::print(out, "{} answers\n", session.Address());
+    return kDone;
+  }
+  if (code == kNotReached) {
+    fmt::print(
+        err,
+        "qvcall: {} cannot be reached; check --server and --http-port and, for https://, the "
+        "server's certificate and --ca-file\n",
+        session.Address());
+  } else if (code == kRefused) {
+    fmt::print(err, "qvcall: {} can be reached, but refuses a small query; check --token\n",
+               session.Address());
+  } else {
+    fmt::print(err,
+               "qvcall: {} can be reached, but does not answer as the platform's web server does; "
+               "check --http-port\n",
+               session.Address());
+  }
+  return kFailed;
+}
+
+}  // namespace
+
+int RunPing(const Connection& connection, std::ostream& out, std::ostream& err) {
+  Session session(connection, "");
+  if (!session.Start(err)) return kFailed;
+  switch (session.Way()) {
+    case Route::kSocket:
+      return PingSocket(session, out, err);
+    case Route::kWeb:
+      return PingWeb(session, out, err);
+    case Route::kDirect:
+      break;
+  }
+  fmt::print(out, "the database can be opened\n");
+  return kDone;
+}
+
+}  // namespace qv

@@ -1,0 +1,116 @@
+#include "Query.h"
+
+#include <fmt/ostream.h>
+
+#include <istream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/qvcall/session/CacheFolder.h"
+#include "tools/qvcall/session/Session.h"
+#include "SqlInput.h"
+#include "tools/qvcall/system/SystemPlaces.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+// Runs the text by the call that the command stands for.
+int RunText(const QueryOptions& options, const char* database, const CString& text,
+            CRvoDbRes& rows) {
+  const auto call =
+      options.call == Call::kProcedure ? CRvoDatabase::ExecuteSP : CRvoDatabase::SelectSQL;
+  return call(&text, &rows, database, options.use_cache ? 1 : 0);
+}
+
+// An empty query has the library load the server's settings, or its kept ones while it is offline,
+// and send nothing else. A procedure does not load them, and without them nothing is kept.
+void LoadSettings(const Session& session) {
+  const CString nothing;
+  CRvoDbRes no_rows;
+  (void)CRvoDatabase::SelectSQL(&nothing, &no_rows, session.Database(), 1);
+}
+
+// Goes offline by choice. The server's kept settings must allow keeping answers, or the text itself
+// would go to the server after all.
+bool GoOffline(const Session& session, std::ostream& err) {
+  if (CRvoServer::SetCacheState(1) != 1) {
+    fmt::print(err,
+               "qvcall: {} counts as a web server, by ServerType in the QvNetClient.ini beside the "
+               "library or because nobody answered there, and web servers have no offline work\n",
+               session.Address());
+    return false;
+  }
+  LoadSettings(session);
+  if (CRvoDatabase::GetServerIsSetCatche() != 1) {
+    fmt::print(err,
+               "qvcall: the cache folder holds no answers of this server, or the server does "
+               "not allow keeping them; run this with --cache while it can be reached\n");
+    return false;
+  }
+  return true;
+}
+
+bool PrepareCache(const Session& session, const QueryOptions& options, std::ostream& err) {
+  if (session.Way() == Route::kWeb && !options.offline) {
+    fmt::print(err, "--cache is not used: a web server has no offline work\n");
+    return true;
+  }
+  std::optional<std::string> folder = options.cache_folder;
+  if (folder->empty()) folder = DefaultCacheFolder();
+  if (!folder) {
+    fmt::print(err, "qvcall: {} a place for the cache; give --cache a folder\n", NoCachesOfUser());
+    return false;
+  }
+  if (CRvoServer::SetCachePath(folder->c_str()) != 1) {
+    fmt::print(err, "qvcall: the cache folder {} cannot be used; check that it can be written\n",
+               *folder);
+    // A cache that fails costs no answer that the server can give.
+    return !options.offline;
+  }
+  if (options.offline) return GoOffline(session, err);
+  // Only a failed contact tells the library that it is offline, and then it answers from the cache.
+  (void)session.Probe();
+  LoadSettings(session);
+  return true;
+}
+
+// Fills `rows`; the connection is not kept while somebody pages through them.
+bool Fetch(const Connection& connection, const QueryOptions& options, const std::string& sql,
+           CRvoDbRes& rows, std::ostream& err) {
+  Session session(connection, options.database);
+  if (!session.Start(err)) return false;
+  if (options.use_cache && !PrepareCache(session, options, err)) return false;
+
+  const int code = RunText(options, session.Database(), CString(std::string_view(sql)), rows);
+  if (code != 0) {
+    session.PrintFailure(options.call, code, err);
+    return false;
+  }
+  // An answer from the server would have brought the client back online.
+  if (options.use_cache && CRvoServer::GetCacheState(1) != 0) {
+    fmt::print(err, "answered from the cache: {}\n",
+               options.offline ? "working offline" : "the server cannot be reached");
+  }
+  return true;
+}
+
+}  // namespace
+
+int RunQuery(const Connection& connection, const QueryOptions& options, std::istream& in,
+             std::ostream& out, std::ostream& err) {
+  std::string sql;
+  if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
+  CRvoDbRes rows;
+  if (!Fetch(connection, options, sql, rows, err)) return kFailed;
+  if (!WriteResult(rows, options.format, out)) return kFailed;
+  if (!out.flush()) return kFailed;
+  if (options.format == Format::kTable) {
+    const int count = rows.GetRecordCount();
+    fmt::print(err, "({} {})\n", count, count == 1 ? "row" : "rows");
+  }
+  return kDone;
+}
+
+}  // namespace qv

@@ -1,0 +1,120 @@
+#include "FolderCommands.h"
+
+#include <fmt/ostream.h>
+
+#include <string>
+
+#include "tools/qvcall/output/Columns.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/session/Session.h"
+#include "StoreListing.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+class Listing {
+ public:
+  Listing(bool is_long, std::ostream& out) : is_long_(is_long), out_(out) {}
+
+  void Add(const ServerFolder& folder) {
+    ++folders_;
+    Write("folder", folder.modified, Visible(folder.name) + '\\');
+  }
+  // False when `out` takes no more.
+  bool Add(const ServerFile& file) {
+    ++files_;
+    Write(std::to_string(file.size), file.modified, Visible(file.name));
+    return out_.good();
+  }
+  [[nodiscard]] bool IsEmpty() const { return folders_ + files_ == 0; }
+  [[nodiscard]] std::string Count() const {
+    const std::string files = fmt::format("{} {})", files_, files_ == 1 ? "file" : "files");
+    if (folders_ == 0) return '(' + files;
+    return fmt::format("({} {}, {}", folders_, folders_ == 1 ? "folder" : "folders", files);
+  }
+
+ private:
+  void Write(const std::string& size, std::int64_t modified, const std::string& name) {
+    if (is_long_) fmt::print(out_, "{:>15}  {}  ", size, TimeText(modified));
+    fmt::print(out_, "{}\n", name);
+  }
+
+  const bool is_long_;
+  std::ostream& out_;
+  std::size_t folders_ = 0;
+  std::size_t files_ = 0;
+};
+
+// A server lists too many folders as none, but they show where their own folder is listed.
+bool HidesFolders(const std::string& path) {
+  if (path.empty()) return false;
+  const auto folder = FindFolder(path);
+  return folder && folder->has_folders;
+}
+
+// Lists what is in the folder; false when not all of it came.
+bool ListInside(const ListFolder& command, Listing& listing) {
+  const auto add = [&](const ServerFile& file) { return listing.Add(file); };
+  if (!command.pattern.empty()) return ForEachFile(command.path, command.pattern, add);
+  const auto [folders, has_all_folders] = FoldersIn(command.path);
+  for (const ServerFolder& folder : folders) listing.Add(folder);
+  const bool has_all_files = ForEachFile(command.path, kEveryFile, add);
+  return has_all_files && has_all_folders && !(folders.empty() && HidesFolders(command.path));
+}
+
+// An empty folder and none at all look the same from inside, and so does a store that the token is
+// not good for.
+bool IsThere(const ListFolder& command, const Session& session, Listing& listing) {
+  if (command.path.empty()) return session.Probe();
+  if (command.pattern.empty()) {
+    if (const auto file = FindFile(command.path)) return listing.Add(*file);
+  }
+  return FindFolder(command.path).has_value();
+}
+
+template <class Change>
+int ChangeAll(const Connection& connection, const std::vector<std::string>& paths, Call call,
+              Change change, std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  int status = kDone;
+  for (const std::string& path : paths) {
+    if (change(path.c_str()) == 1) continue;
+    session.PrintRefusal(call, path, err);
+    status = kFailed;
+  }
+  if (status == kDone) fmt::print(err, "done\n");
+  return status;
+}
+
+}  // namespace
+
+int Run(const Connection& connection, const ListFolder& command, std::ostream& out,
+        std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  Listing listing(command.is_long, out);
+  const bool is_whole = ListInside(command, listing);
+  if (session.IsUnreachable() || (listing.IsEmpty() && !IsThere(command, session, listing))) {
+    session.PrintRefusal(Call::kLook, command.path, err);
+    return kFailed;
+  }
+  if (!out.flush()) return kFailed;
+  fmt::print(err, "{}\n", listing.Count());
+  if (is_whole) return kDone;
+  fmt::print(err, "qvcall: not all of it could be listed\n");
+  return kFailed;
+}
+
+int Run(const Connection& connection, const MakeFolders& command, std::ostream& /*out*/,
+        std::ostream& err) {
+  return ChangeAll(connection, command.paths, Call::kMakeFolder, CRvoFolder::NewOneFolder, err);
+}
+
+int Run(const Connection& connection, const RemoveFolders& command, std::ostream& /*out*/,
+        std::ostream& err) {
+  return ChangeAll(connection, command.paths, Call::kRemoveFolder, CRvoFolder::DelOneFolder, err);
+}
+
+}  // namespace qv

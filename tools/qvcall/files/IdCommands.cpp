@@ -1,0 +1,164 @@
+#include "IdCommands.h"
+
+#include <fmt/ostream.h>
+
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/qvcall/output/Columns.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "FileChecksum.h"
+#include "tools/qvcall/system/LocalFiles.h"
+#include "PartFolder.h"
+#include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/progress/TransferProgress.h"
+#include "TransferReport.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+struct ServerChecksum {
+  CString text;
+  int size = 0;
+  CString reason;  // when there is none
+};
+
+// Whether the server has a checksum of the file.
+bool AskChecksum(const NumberedFile& file, ServerChecksum& sum) {
+  return CRvoIdFileEx::GetIDFileCRC(file.name.c_str(), file.id, sum.text, sum.size, sum.reason) >=
+         1;
+}
+
+constexpr std::string_view kSame = "checksum ok";
+
+// Compares a local file with the server's: kSame, a remark that it could not be done, or nothing
+// when they differ.
+std::optional<std::string> Compare(const std::string& local, const NumberedFile& file) {
+  ServerChecksum sum;
+  if (!AskChecksum(file, sum)) return "the server has no checksum";
+  const auto theirs = ReadChecksum(sum.text.View());
+  if (!theirs) return "the server's checksum is of another kind";
+  if (ChecksumOf(local) != theirs) return std::nullopt;
+  return std::string(kSame);
+}
+
+// Where a file goes for which the user named a file, or a folder that is there.
+std::string PlaceOf(const GetById& command) {
+  const bool is_folder =
+      KindOf(command.local) == LocalKind::kFolder && IsLocalName(command.file.name);
+  return is_folder ? JoinLocal(command.local, command.file.name) : command.local;
+}
+
+// Gives the remark on the checksum; none when it failed, which the report was told.
+std::optional<std::string> Fetch(const GetById& command, const PartFolder& parts,
+                                 TransferProgress& progress, TransferReport& report) {
+  const NumberedFile& file = command.file;
+  progress.Begin(file.name, std::nullopt);
+  const int code =
+      CRvoIdFile::DownLoadServerFileByFileID(parts.File().c_str(), file.name.c_str(), file.id);
+  progress.End();
+  if (code != 0) {
+    report.Fail(file.name, Call::kDownload, code);
+    return std::nullopt;
+  }
+  const std::uint64_t bytes = SizeOf(parts.File());
+  std::optional<std::string> remark = Compare(parts.File(), file);
+  if (!remark) {
+    report.Fail(file.name, "came with another checksum than the server's, and was not kept");
+    return std::nullopt;
+  }
+  if (const std::string reason = parts.MoveTo(PlaceOf(command)); !reason.empty()) {
+    report.Fail(command.local, reason);
+    return std::nullopt;
+  }
+  report.Done(bytes);
+  return remark;
+}
+
+using Rows = std::vector<std::vector<std::string>>;
+
+Rows Described(const NumberedFile& file) {
+  Rows rows = {{"name", file.name}, {"id", std::to_string(file.id)}};
+  ServerChecksum sum;
+  if (AskChecksum(file, sum)) {
+    rows.push_back({"checksum", std::string(sum.text.View())});
+    rows.push_back({"size", std::to_string(sum.size)});
+  } else {
+    rows.push_back({"checksum", "none: " + std::string(sum.reason.View())});
+  }
+  CString path;
+  CString reason;
+  const bool has_path =
+      CRvoIdFileEx::GetIDFileSavePath(file.name.c_str(), file.id, path, reason) >= 1;
+  rows.push_back(
+      {"kept as", has_path ? std::string(path.View()) : "not told: " + std::string(reason.View())});
+  return rows;
+}
+
+}  // namespace
+
+int Run(const Connection& connection, const PutById& command, std::ostream& /*out*/,
+        std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  TransferReport report(session, err);
+  if (KindOf(command.local) != LocalKind::kFile || !std::ifstream(command.local) ||
+      command.local.size() > kLongestLocalPath) {
+    report.Fail(command.local, "is no file that can be read");
+    return report.Finish();
+  }
+  const NumberedFile& file = command.file;
+  const std::uint64_t bytes = SizeOf(command.local);
+  TransferProgress progress(err, [] {});
+  progress.Begin(file.name, bytes);
+  const int code =
+      CRvoIdFile::UpLoadFileToServerByFileID(command.local.c_str(), file.name.c_str(), file.id);
+  progress.End();
+  if (code != 0) {
+    report.Fail(command.local, Call::kUpload, code);
+    return report.Finish();
+  }
+  const std::optional<std::string> remark = Compare(command.local, file);
+  if (remark) {
+    report.Done(bytes);
+  } else {
+    report.Fail(command.local,
+                "the server has another checksum for it; it may have been changed "
+                "meanwhile: send it again");
+  }
+  return report.Finish(remark.value_or(""));
+}
+
+int Run(const Connection& connection, const GetById& command, std::ostream& /*out*/,
+        std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  PartFolder parts(LocalFolderOf(PlaceOf(command)));
+  TransferReport report(session, err);
+  TransferProgress progress(err, [&parts] { parts.Remove(); });
+  if (!parts.Make()) {
+    fmt::print(err, "qvcall: {} is in no folder that can be written\n", Visible(command.local));
+    return kFailed;
+  }
+  const std::optional<std::string> remark = Fetch(command, parts, progress, report);
+  parts.Remove();  // before interrupts end the program at once again
+  return report.Finish(remark.value_or(""));
+}
+
+int Run(const Connection& connection, const ShowById& command, std::ostream& out,
+        std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  const NumberedFile& file = command.file;
+  if (CRvoIdFile::IsIdFileExist(file.name.c_str(), file.id) != 1) {
+    session.PrintRefusal(Call::kLook, file.name, err);
+    return kFailed;
+  }
+  WriteColumns(Described(file), out);
+  return kDone;
+}
+
+}  // namespace qv

@@ -1,0 +1,107 @@
+#include "TransferCommands.h"
+
+#include <fmt/ostream.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "PartFolder.h"
+#include "tools/qvcall/system/ServerPath.h"
+#include "tools/qvcall/session/Session.h"
+#include "StoreListing.h"
+#include "TransferPlan.h"
+#include "tools/qvcall/progress/TransferProgress.h"
+#include "TransferReport.h"
+#include "qvnetcall/QvNetCall4.h"
+
+namespace qv {
+namespace {
+
+using Files = std::vector<FileTransfer>;
+
+std::string Label(const Files& files, const FileTransfer& file) {
+  const std::string name(LastPart(file.server));
+  if (files.size() == 1) return name;
+  return fmt::format("{} of {}: {}", &file - files.data() + 1, files.size(), name);
+}
+
+void Send(const Files& files, TransferReport& report, std::ostream& err) {
+  TransferProgress progress(err, [] {});
+  for (const FileTransfer& file : files) {
+    if (!std::ifstream(file.local)) {
+      report.Fail(file.local, "cannot be read");
+      continue;
+    }
+    progress.Begin(Label(files, file), file.bytes);
+    const int code = CRvoFile::UpLoadFileToServer(file.local.c_str(), file.server.c_str());
+    progress.End();
+    if (code == 0) {
+      report.Done(file.bytes);
+    } else {
+      report.Fail(file.local, Call::kUpload, code);
+    }
+  }
+}
+
+// Or each file would be sent for nothing.
+bool IsThere(const std::string& server_folder, const Session& session, std::ostream& err) {
+  if (server_folder.empty() || FindFolder(server_folder)) return true;
+  if (!session.Probe()) {
+    session.PrintRefusal(Call::kLook, {}, err);
+  } else {
+    fmt::print(err, "qvcall: {}: the server has no such folder; make it with `qvcall mkdir`\n",
+               Visible(server_folder));
+  }
+  return false;
+}
+
+void Fetch(const Files& files, const PartFolder& parts, TransferProgress& progress,
+           TransferReport& report) {
+  for (const FileTransfer& file : files) {
+    progress.Begin(Label(files, file), file.bytes);
+    const int code = CRvoFile::DownLoadServerFile(parts.File().c_str(), file.server.c_str());
+    progress.End();
+    if (code != 0) {
+      report.Fail(file.server, Call::kDownload, code);
+    } else if (const std::string reason = parts.MoveTo(file.local); !reason.empty()) {
+      report.Fail(file.server, fmt::format("cannot become {}: {}", Visible(file.local), reason));
+    } else {
+      report.Done(file.bytes);
+    }
+  }
+}
+
+}  // namespace
+
+int Run(const Connection& connection, const PutFiles& command, std::ostream& /*out*/,
+        std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  if (!IsThere(command.server_folder, session, err)) return kFailed;
+  TransferReport report(session, err);
+  Send(PlanUpload(command, report), report, err);
+  return report.Finish();
+}
+
+int Run(const Connection& connection, const GetFiles& command, std::ostream& /*out*/,
+        std::ostream& err) {
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  PartFolder parts(command.local_folder);
+  TransferReport report(session, err);
+  TransferProgress progress(err, [&parts] { parts.Remove(); });
+  if (!parts.Make()) {
+    fmt::print(err, "qvcall: {} is no folder that can be written\n", Visible(command.local_folder));
+    return kFailed;
+  }
+  const Files files = PlanDownload(command, report);
+  // Nothing is also what a server shows without a good token.
+  if (files.empty() && !session.Probe()) report.Fail(session.Address(), Call::kDownload, 1);
+  Fetch(files, parts, progress, report);
+  parts.Remove();  // before interrupts end the program at once again
+  return report.Finish();
+}
+
+}  // namespace qv

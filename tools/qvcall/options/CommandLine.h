@@ -1,0 +1,72 @@
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "QueueOptions.h"
+#include "tools/qvcall/output/ResultWriter.h"
+#include "tools/qvcall/output/ReturnCodes.h"
+#include "StoreCommands.h"
+
+namespace qv {
+
+// Exit statuses of the tool.
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+// What to talk to, and how.
+struct Connection {
+  std::string server = "127.0.0.1";
+  int port = 0;                     // 0: not given
+  int http_port = 0;                // likewise
+  bool web = false;                 // HTTP, whatever the library's configuration says
+  std::string token{};              // empty: none
+  std::string ca_file{};            // empty: the system's
+  std::optional<int> timeout_ms{};  // none: the transport's own
+  std::string direct{};             // a connection text: its database, and no server
+
+  // The port of the server, as it is talked to; 0 when it was not given.
+  [[nodiscard]] int Port() const { return web && http_port != 0 ? http_port : port; }
+};
+
+struct QueryOptions {
+  Call call = Call::kQuery;  // or kProcedure
+  std::string sql{};         // "-": standard input has it
+  std::string database{};    // empty only in direct mode; so in the other commands
+  Format format = Format::kTable;
+  bool use_cache = false;
+  std::string cache_folder{};  // empty: the user's default folder
+  bool offline = false;        // only together with use_cache
+};
+
+struct ExecOptions {
+  std::string sql;  // "-": standard input has it
+  std::string database;
+};
+
+struct BatchOptions {
+  std::string file;  // "-": standard input
+  std::string database;
+};
+
+struct CommandLine {
+  Connection connection;
+  std::optional<QueryOptions> query{};  // at most one of these; none: ping
+  std::optional<ExecOptions> exec{};
+  std::optional<BatchOptions> batch{};
+  std::optional<StoreCommand> store{};
+  std::optional<QueueCommand> queue{};
+};
+
+struct ParsedCommandLine {
+  CommandLine command;
+  std::optional<int> exit_status{};  // when the program is to end with it at once
+};
+
+// Reads the command line and the environment. Help goes to `out`, what is wrong to `err`.
+[[nodiscard]] ParsedCommandLine ParseCommandLine(int argc, const char* const* argv,
+                                                 std::ostream& out, std::ostream& err);
+
+}  // namespace qv

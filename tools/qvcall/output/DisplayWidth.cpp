@@ -1,0 +1,106 @@
+#include "DisplayWidth.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+
+#include "tools/qvcall/system/NarrowText.h"
+#include "WidthRanges.h"
+
+namespace qv {
+namespace {
+
+bool IsIn(std::span<const CharRange> ranges, char32_t character) {
+  const auto next =
+      std::upper_bound(ranges.begin(), ranges.end(), character,
+                       [](char32_t value, const CharRange& range) { return value < range.first; });
+  return next != ranges.begin() && character <= std::prev(next)->last;
+}
+
+bool IsPlain(char ch) { return ch >= 0x20 && ch < 0x7f; }
+
+// A terminal would obey these, or show the characters around them in another order.
+bool IsHidden(char32_t character) {
+  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x61c ||
+         character == 0x200e || character == 0x200f ||
+         (character >= 0x2028 && character <= 0x202e) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
+std::size_t AppendSpeltOut(char32_t character, std::string& line) {
+  const std::size_t before = line.size();
+  const auto value = static_cast<unsigned>(character);
+  switch (value) {
+    case '\t':
+      line += "\\t";
+      break;
+    case '\n':
+      line += "\\n";
+      break;
+    case '\r':
+      line += "\\r";
+      break;
+    default:
+      line += value < 0x100 ? fmt::format("\\x{:02x}", value) : fmt::format("\\u{:04x}", value);
+  }
+  return line.size() - before;
+}
+
+}  // namespace
+
+int CellsOf(char32_t character) {
+  if (character < 0x300) return 1;
+  if (IsIn(kNoCell, character)) return 0;
+  return IsIn(kTwoCells, character) ? 2 : 1;
+}
+
+std::size_t AppendVisible(std::string_view text, std::string& line) {
+  std::size_t cells = 0;
+  while (!text.empty()) {
+    const auto plain_end = std::find_if_not(text.begin(), text.end(), IsPlain);
+    const auto plain = static_cast<std::size_t>(plain_end - text.begin());
+    line += text.substr(0, plain);
+    cells += plain;
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+
+    const DecodedChar next = DecodeNarrow(text);
+    if (!next.valid) {
+      line += NoCharacter();
+      cells += 1;
+    } else if (IsHidden(next.value)) {
+      cells += AppendSpeltOut(next.value, line);
+    } else {
+      line += text.substr(0, next.bytes);
+      cells += static_cast<std::size_t>(CellsOf(next.value));
+    }
+    text.remove_prefix(next.bytes);
+  }
+  return cells;
+}
+
+std::string Visible(std::string_view text) {
+  std::string shown;
+  AppendVisible(text, shown);
+  return shown;
+}
+
+std::string VisibleStart(std::string_view text, std::size_t cells) {
+  constexpr std::string_view kCut = "...";
+  std::string whole;
+  if (AppendVisible(text, whole) <= cells) return whole;
+  std::string start;
+  for (std::size_t left = cells - kCut.size();;) {
+    const std::string_view next = text.substr(0, DecodeNarrow(text).bytes);
+    std::string shown;
+    const std::size_t taken = AppendVisible(next, shown);
+    if (taken > left) return start.append(kCut);
+    start += shown;
+    left -= taken;
+    text.remove_prefix(next.size());
+  }
+}
+
+}  // namespace qv

@@ -1,0 +1,80 @@
+#include "ProgressBar.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "tools/qvcall/output/DisplayWidth.h"
+
+namespace qv {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenDrawings{100};
+
+}  // namespace
+
+ProgressBar::ProgressBar(std::ostream& out, std::function<std::size_t()> width)
+    : out_(out), width_(std::move(width)) {}
+
+void ProgressBar::Begin(std::string_view label, std::optional<std::uint64_t> total) {
+  {
+    const std::lock_guard lock(mutex_);
+    progress_ = {.label = label, .total = total};
+    begin_ = Clock::now();
+  }
+  const std::lock_guard lock(life_mutex_);
+  if (cleared_ || thread_.joinable()) return;
+  thread_ = std::jthread([this](const std::stop_token& stop) { DrawUntilStopped(stop); });
+}
+
+void ProgressBar::Advance(std::uint64_t done) {
+  const std::lock_guard lock(mutex_);
+  progress_.done = done;
+}
+
+void ProgressBar::Update(const Progress& progress) {
+  const std::lock_guard lock(mutex_);
+  progress_ = progress;
+}
+
+void ProgressBar::Clear() {
+  const std::lock_guard lock(life_mutex_);
+  if (std::exchange(cleared_, true) || !thread_.joinable()) return;
+  thread_.request_stop();
+  thread_.join();
+  Draw({}, 0);
+  out_ << '\r' << std::flush;
+}
+
+void ProgressBar::DrawUntilStopped(const std::stop_token& stop) {
+  std::mutex mutex;  // the wait wants one; there is nothing to guard
+  std::unique_lock lock(mutex);
+  do {
+    // The last cell stays free: some terminals go to the next line when it is written.
+    const std::size_t width = width_();
+    const std::string line = ProgressLine(Now(), width > 0 ? width - 1 : 0);
+    std::string ignored;
+    Draw(line, AppendVisible(line, ignored));
+  } while (
+      !stopped_.wait_for(lock, stop, kBetweenDrawings, [&stop] { return stop.stop_requested(); }));
+}
+
+Progress ProgressBar::Now() {
+  const std::lock_guard lock(mutex_);
+  Progress now = progress_;
+  now.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin_);
+  return now;
+}
+
+// Blanks take away what is left of the line before, as every terminal understands them.
+void ProgressBar::Draw(std::string_view line, std::size_t cells) {
+  const std::size_t more = drawn_cells_ - std::min(drawn_cells_, cells);
+  // In one piece, since standard error goes out with each.
+  out_ << fmt::format("\r{}{:{}}", line, "", more) << std::flush;
+  drawn_cells_ = cells;
+}
+
+}  // namespace qv

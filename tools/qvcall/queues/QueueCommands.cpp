@@ -1,0 +1,192 @@
+#include "QueueCommands.h"
+
+#include <fmt/ostream.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/system/LocalFiles.h"
+#include "Password.h"
+#include "QueueClient.h"
+#include "QueuePlan.h"
+#include "QueueProgress.h"
+#include "QueueResults.h"
+#include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/files/TransferReport.h"
+#include "qvnetcall/transfer/ComError.h"
+
+namespace qv {
+namespace {
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+// The lines of the log's report. Behind a file that succeeded it repeats the one before, which is
+// for those who read the log.
+void PrintFailInfo(std::string_view info, std::ostream& err) {
+  std::string_view before;
+  while (!info.empty()) {
+    const std::string_view line = info.substr(0, info.find('\n'));
+    info.remove_prefix(std::min(line.size() + 1, info.size()));
+    if (line.empty() || line == before) continue;
+    before = line;
+    const std::size_t tabs = std::min(line.find_first_not_of('\t'), line.size());
+    fmt::print(err, "{}{}\n", tabs == 0 ? "qvcall: " : "  ", Visible(line.substr(tabs)));
+  }
+}
+
+// One command at one host, once that is logged into.
+class QueueWork {
+ public:
+  QueueWork(const QueueHost& host, const Session& session, QueueClient& client,
+            QueueProgress& progress, std::ostream& err)
+      : host_(host), client_(client), progress_(progress), report_(session, err), err_(err) {}
+
+  int operator()(const QueuePut& command) {
+    const std::vector<FileTransfer> files = PlanQueue(command, report_);
+    Pairs pairs;
+    std::uint64_t bytes = 0;
+    for (const FileTransfer& file : files) {
+      pairs.emplace_back(file.local, file.server);
+      bytes += file.bytes;
+    }
+    return RunQueue(QueueKind::kUpload, pairs, bytes);
+  }
+
+  int operator()(const QueueGet& command) {
+    if (KindOf(command.local_folder) != LocalKind::kFolder) {
+      fmt::print(err_, "qvcall: {} is no folder\n", Visible(command.local_folder));
+      return kFailed;
+    }
+    Pairs pairs;
+    for (FileTransfer& file : PlanQueue(command, report_)) {
+      pairs.emplace_back(std::move(file.server), std::move(file.local));
+    }
+    return RunQueue(QueueKind::kDownload, pairs, std::nullopt);
+  }
+
+  int operator()(const QueueCopy& command) {
+    const std::string target = QueueTarget(command.source, command.target);
+    return RunQueue(QueueKind::kCopy, {{command.source, target}}, std::nullopt);
+  }
+
+  int operator()(const QueueMove& command) {
+    const std::string target = QueueTarget(command.source, command.target);
+    return Told(client_.Move(command.source, target), command.source) ? Finish() : kFailed;
+  }
+
+  int operator()(const QueueRemove& command) {
+    bool is_done = true;
+    for (const std::string& path : command.paths) {
+      is_done &=
+          Told(command.recursive ? client_.RemoveFolder(path) : client_.RemoveFile(path), path);
+    }
+    return is_done ? Finish() : kFailed;
+  }
+
+  // Says what a result means; whether it is success.
+  bool Told(long result, std::string_view subject) {
+    if (result == 0) return true;
+    const ReturnCode words = ExplainTransfer(host_.service, result);
+    fmt::print(err_, "qvcall: {}: {} (result {})\n  {}\n", Visible(subject), words.meaning, result,
+               words.advice);
+    return false;
+  }
+
+ private:
+  int Finish() {
+    fmt::print(err_, "done\n");
+    return kDone;
+  }
+
+  int RunQueue(QueueKind kind, const Pairs& pairs, std::optional<std::uint64_t> bytes) {
+    std::vector<std::string> names;
+    for (const auto& [first, second] : pairs) {
+      names.push_back(first);
+      // What cannot be moved is queued as well, and the run tells.
+      static_cast<void>(client_.Add(kind, first, second));
+    }
+    long count = 0;
+    progress_.Begin(names, bytes);
+    const long result = pairs.empty() ? 0 : client_.Run(kind, host_.retries, count);
+    progress_.End();
+    const auto moved = static_cast<std::size_t>(std::max(count, 0L));
+    // What was sent of a file says nothing of how much of it the server took.
+    const bool is_whole = moved == pairs.size();
+    if (moved > 0) report_.Done(is_whole ? progress_.MovedBytes() : std::nullopt, moved);
+    const std::string subject = pairs.size() == 1 ? names.front()
+                                                  : fmt::format("{} of {} failed, the first",
+                                                                pairs.size() - moved, pairs.size());
+    if (Told(result, subject)) return report_.Finish();
+    PrintFailInfo(client_.FailInfo(kind, count), err_);
+    if (moved > 0 || report_.HasFailures()) static_cast<void>(report_.Finish());
+    return kFailed;
+  }
+
+  const QueueHost& host_;
+  QueueClient& client_;
+  QueueProgress& progress_;
+  TransferReport report_;
+  std::ostream& err_;
+};
+
+// Hands over what the component is to know before it is made. The name of the first parameter that
+// it did not take, or null.
+const char* FirstRefused(const Connection& connection, const QueueHost& host,
+                         decltype(QvCoFtpSetParameter)* set) {
+  std::vector<std::pair<const char*, std::string>> parameters;
+  if (!connection.ca_file.empty()) parameters.emplace_back("ca_file", connection.ca_file);
+  if (!host.region.empty()) parameters.emplace_back("region", host.region);
+  if (connection.timeout_ms) {
+    const std::string timeout = std::to_string(*connection.timeout_ms);
+    parameters.emplace_back("connect_timeout_ms", timeout);
+    parameters.emplace_back("io_timeout_ms", timeout);
+  }
+  for (const auto& [name, value] : parameters) {
+    if (set == nullptr || set(name, value.c_str()) != 1) return name;
+  }
+  return nullptr;
+}
+
+// Whether the component takes what it is to know. Logging in without that would not be what the
+// user asked for.
+bool IsPrepared(const Connection& connection, const QueueHost& host,
+                decltype(QvCoFtpSetParameter)* set, std::ostream& err) {
+  const char* const refused = FirstRefused(connection, host, set);
+  if (refused == nullptr) return true;
+  // Without a component there is nobody to refuse it, and the login tells so.
+  if (set == nullptr && MakeQueueClient(host.service)->Logout() == kNoComponent) return true;
+  fmt::print(err, "qvcall: the component does not take this value of its parameter {}\n", refused);
+  return false;
+}
+
+int Work(const QueueCommand& command, const std::string& password, QueueClient& client,
+         QueueWork& work) {
+  if (!work.Told(client.Login(command.host, password), command.host.name)) return kFailed;
+  return std::visit(work, command.work);
+}
+
+}  // namespace
+
+int Run(const Connection& connection, const QueueCommand& command, std::istream& in,
+        std::ostream& err) {
+  const auto password = PasswordFor(command.host, in, err);
+  if (!password) return kFailed;
+  Session session(connection, "", Session::Calls::kOverSocket);
+  if (!session.Start(err)) return kFailed;
+  const QueueExtensions extensions = ExtensionsOf(command.host.service);
+  if (!IsPrepared(connection, command.host, extensions.set_parameter, err)) return kFailed;
+  QueueProgress progress(err, extensions.set_progress);
+  const auto client = MakeQueueClient(command.host.service);
+  QueueWork work(command.host, session, *client, progress, err);
+  try {
+    return Work(command, *password, *client, work);
+  } catch (const _com_error& error) {
+    progress.End();
+    fmt::print(err, "qvcall: {}: the component failed with 0x{:08X}\n", Visible(command.host.name),
+               static_cast<unsigned>(error.Error()));
+    return kFailed;
+  }
+}
+
+}  // namespace qv

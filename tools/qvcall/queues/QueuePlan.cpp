@@ -1,0 +1,58 @@
+#include "QueuePlan.h"
+
+#include <utility>
+
+#include "tools/qvcall/system/LocalFiles.h"
+#include "tools/qvcall/system/ServerPath.h"
+
+namespace qv {
+namespace {
+
+// What every server takes at least, and more than a key of a cloud store may have.
+constexpr std::size_t kLongestPath = 1024;
+constexpr std::size_t kLongestLocal = 4096;
+
+constexpr std::string_view kSeparators = "/\\";
+
+// The path stays as it was written in all else: a "/" before it means something to file servers.
+std::string JoinWithSlash(std::string_view folder, std::string_view name) {
+  if (folder == ".") folder = {};
+  std::string path(folder);
+  if (!path.empty() && !EndsAsFolder(path)) path += '/';
+  return path.append(name);
+}
+
+std::string_view NameIn(std::string_view path) {
+  const std::size_t last = path.find_last_of(kSeparators);
+  return last == std::string_view::npos ? path : path.substr(last + 1);
+}
+
+}  // namespace
+
+std::vector<FileTransfer> PlanQueue(const QueuePut& command, TransferReport& report) {
+  // The component makes the folders that it needs.
+  const auto make_folder = [](const std::string&, const std::string&) { return true; };
+  const UploadTarget target = {JoinWithSlash, kLongestPath, kLongestLocal, make_folder};
+  return PlanUpload(target, command.local, command.folder, command.recursive, report);
+}
+
+std::vector<FileTransfer> PlanQueue(const QueueGet& command, TransferReport& report) {
+  std::vector<FileTransfer> files;
+  for (const std::string& path : command.paths) {
+    const std::string_view name = NameIn(path);
+    if (name.empty()) {
+      report.Fail(path, "is a folder; only files can be fetched, each by its path");
+    } else if (!IsLocalName(name)) {
+      report.Fail(path, "has a name that no file shall have here");
+    } else {
+      files.push_back({JoinLocal(command.local_folder, name), path, 0});
+    }
+  }
+  return WithoutDoubles(std::move(files), &FileTransfer::server, &FileTransfer::local, report);
+}
+
+std::string QueueTarget(const std::string& source, const std::string& target) {
+  return EndsAsFolder(target) ? JoinWithSlash(target, NameIn(source)) : target;
+}
+
+}  // namespace qv

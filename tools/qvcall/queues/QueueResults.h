@@ -1,0 +1,13 @@
+// What the results of transfer components mean, in words.
+#pragma once
+
+#include "QueueClient.h"
+#include "tools/qvcall/output/ReturnCodes.h"
+
+namespace qv {
+
+// The words for a result of any call; every value has some. A component of another maker may mean
+// something else by it.
+[[nodiscard]] ReturnCode ExplainTransfer(Service service, long result);
+
+}  // namespace qv

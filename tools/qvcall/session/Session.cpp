@@ -1,0 +1,177 @@
+#include "Session.h"
+
+#include <fmt/ostream.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "ConnectionSecrets.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/system/LoadedFunction.h"
+#include "qvnetcall/QvNetCall4.h"
+#include "qvnetcall/transport/HttpParameters.h"
+
+namespace qv {
+namespace {
+
+constexpr const char kSocketServer[] = "TCP_IP";
+constexpr const char kWebServer[] = "WEB_IIS";
+constexpr std::string_view kPlainScheme = "http://";
+
+bool HasScheme(std::string_view server) { return server.find("://") != std::string_view::npos; }
+
+using Parameters = std::vector<std::pair<const char*, std::string>>;
+
+Parameters Wanted(const Connection& connection, Route route) {
+  Parameters parameters;
+  if (!connection.token.empty()) parameters.emplace_back("token", connection.token);
+  if (connection.timeout_ms) {
+    const std::string timeout = std::to_string(*connection.timeout_ms);
+    parameters.emplace_back("connect_timeout_ms", timeout);
+    parameters.emplace_back("io_timeout_ms", timeout);
+  }
+  if (route == Route::kWeb && !connection.ca_file.empty()) {
+    parameters.emplace_back("ca_file", connection.ca_file);
+  }
+  return parameters;
+}
+
+// Whether the transport of that route took a parameter. That of another maker may know none.
+bool Take(Route route, const char* name, const std::string& value) {
+  if (route == Route::kSocket) return CRvoServer::SetNetClientPara(name, value.c_str()) == 1;
+  const auto set = LoadedFunction<decltype(HttpworkSetParameter)>("HttpworkSetParameter");
+  return set != nullptr && set(name, value.c_str()) == 1;
+}
+
+// Hands all of them over. The name of the first that was not taken, or null.
+const char* FirstRefused(const Connection& connection, Route route) {
+  for (const auto& [name, value] : Wanted(connection, route)) {
+    if (!Take(route, name, value)) return name;
+  }
+  return nullptr;
+}
+
+// The lines of a text as a terminal can show them, those behind the first with blanks before them.
+std::string Indented(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  std::string shown;
+  while (!text.empty()) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    const std::size_t begin = line.find_first_not_of(kBlanks);
+    if (begin == std::string_view::npos) continue;
+    if (!shown.empty()) shown += "\n    ";
+    AppendVisible(line.substr(begin, line.find_last_not_of(kBlanks) + 1 - begin), shown);
+  }
+  return shown;
+}
+
+}  // namespace
+
+Session::Session(const Connection& connection, std::string database, Calls calls)
+    : connection_(connection),
+      calls_(calls),
+      database_(std::move(database)),
+      server_(connection.server),
+      port_(connection.Port()) {
+  if (database_.empty()) database_ = "direct";
+  if (calls == Calls::kOverSocket) {
+    if (connection.port != 0) port_ = connection.port;
+    if (server_.rfind(kPlainScheme, 0) == 0) server_.erase(0, kPlainScheme.size());
+  }
+  CRvoServer::InitNet();
+}
+
+Session::~Session() {
+  if (route_ == Route::kDirect) {
+    CRvoServer::CloseLocalDB(database_.c_str());
+    CRvoServer::UseLocalDB(0);
+  }
+  CRvoServer::FinitNet();
+}
+
+bool Session::Start(std::ostream& err) {
+  if (!connection_.direct.empty()) return OpenDirect(err);
+  if (port_ == 0) {
+    // Nobody is told anything, and nobody is probed for it.
+    CRvoServer::SetServerType(kSocketServer, "", 0);
+    return true;
+  }
+  CRvoServer::SetConinfo(server_.c_str(), port_);
+  const bool surely_web = connection_.web && calls_ == Calls::kByServerType;
+  // Before the route is looked for: that may be by a probe, for which a server may want the token.
+  const char* refused = surely_web ? nullptr : FirstRefused(connection_, Route::kSocket);
+  if (!FindRoute(err)) return false;
+  if (route_ == Route::kWeb) refused = FirstRefused(connection_, Route::kWeb);
+  if (refused == nullptr) return true;
+  fmt::print(err, "qvcall: the {} transport does not take this value of its parameter {}\n",
+             route_ == Route::kWeb ? "HTTP" : "socket", refused);
+  return false;
+}
+
+void Session::PrintFailure(Call call, int code, std::ostream& err, std::string_view subject) const {
+  qv::PrintFailure(call, route_, code, err, subject);
+  if (route_ == Route::kDirect) PrintDriverText(err);
+}
+
+void Session::PrintRefusal(Call call, std::string_view subject, std::ostream& err) const {
+  PrintFailure(call, IsUnreachable() ? -1 : 0, err, subject);
+}
+
+bool Session::IsUnreachable() const { return CRvoServer::GetIsNetworkBad(1) == 1; }
+
+std::string Session::Address() const {
+  const bool web = route_ == Route::kWeb && !HasScheme(server_);
+  return fmt::format("{}{}:{}", web ? kPlainScheme : "", server_, port_);
+}
+
+bool Session::Probe() const {
+  return CRvoServer::CheckServerLink(server_.c_str(), static_cast<unsigned long>(port_)) == 1;
+}
+
+bool Session::FindRoute(std::ostream& err) {
+  const auto port = static_cast<unsigned long>(port_);
+  if (calls_ == Calls::kOverSocket) {
+    // Some calls do nothing for a server of the other kind.
+    CRvoServer::SetServerType(kSocketServer, server_.c_str(), port);
+  } else {
+    if (connection_.web) CRvoServer::SetServerType(kWebServer, server_.c_str(), port);
+    CString type;
+    CRvoServer::GetServerType(type, server_.c_str(), port);
+    if (type.CompareNoCase(kWebServer) == 0) route_ = Route::kWeb;
+  }
+  if (route_ == Route::kWeb || !HasScheme(server_)) return true;
+  fmt::print(err,
+             "qvcall: {} is not the name of a server; one with a scheme goes only with --web\n",
+             server_);
+  return false;
+}
+
+bool Session::OpenDirect(std::ostream& err) {
+  route_ = Route::kDirect;
+  // Or a procedure call would look for the kind of a server that is not there.
+  CRvoServer::SetServerType(kSocketServer, "", 0);
+  CRvoServer::UseLocalDB(1);
+  // The settings of a server are none of this database's business.
+  CRvoDatabase::m_NeedUpdateCompressState = 0;
+  if (CRvoServer::OpenLocalDB(database_.c_str(), connection_.direct.c_str()) == 1) return true;
+  fmt::print(err, "qvcall: the database cannot be opened; check the connection text (--direct)\n");
+  PrintDriverText(err);
+  return false;
+}
+
+void Session::PrintDriverText(std::ostream& err) const {
+  CString said;
+  if (CRvoServer::GetLocalDBError(said) != 1) return;
+  std::string_view text = said.View();
+  // Which database it is about is known.
+  if (const std::string prefix = database_ + ": "; text.substr(0, prefix.size()) == prefix) {
+    text.remove_prefix(prefix.size());
+  }
+  fmt::print(err, "  the driver says: {}\n",
+             Indented(WithoutSecrets(std::string(text), connection_.direct)));
+}
+
+}  // namespace qv

@@ -1,0 +1,11 @@
+#include "tools/qvcall/system/NarrowText.h"
+
+namespace qv {
+
+DecodedChar DecodeNarrow(std::string_view text) { return DecodeUtf8(text); }
+
+std::string_view NoCharacter() { return kReplacement; }
+
+std::string Utf8FromNarrow(std::string_view text) { return std::string(text); }
+
+}  // namespace qv

@@ -1,0 +1,82 @@
+#include "tools/qvcall/system/Terminal.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string_view>
+
+#include "tools/qvcall/system/InterruptWatch.h"
+
+namespace qv {
+namespace {
+
+constexpr std::size_t kUsualWidth = 80;
+
+bool IsDumb() {
+  const char* kind = std::getenv("TERM");
+  return kind == nullptr || std::string_view(kind) == "dumb";
+}
+
+// The terminal of the program, without the echo of what is typed.
+class SilentTerminal {
+ public:
+  SilentTerminal() : file_(open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+    is_open_ = file_ >= 0 && tcgetattr(file_, &before_) == 0;
+    if (!is_open_) return;
+    termios silent = before_;
+    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    silent.c_lflag |= ECHONL;
+    is_open_ = tcsetattr(file_, TCSAFLUSH, &silent) == 0;
+  }
+  ~SilentTerminal() {
+    Restore();
+    if (file_ >= 0) close(file_);
+  }
+  SilentTerminal(const SilentTerminal&) = delete;
+  SilentTerminal& operator=(const SilentTerminal&) = delete;
+
+  // Any thread.
+  void Restore() const {
+    if (is_open_) tcsetattr(file_, TCSAFLUSH, &before_);
+  }
+  bool Write(std::string_view text) const {
+    return is_open_ && write(file_, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  }
+  std::optional<std::string> ReadLine() const {
+    std::string line;
+    for (char ch = 0; read(file_, &ch, 1) == 1; line += ch) {
+      if (ch == '\n') return line;
+    }
+    return std::nullopt;
+  }
+
+ private:
+  const int file_;
+  bool is_open_ = false;
+  termios before_{};
+};
+
+}  // namespace
+
+std::size_t TerminalWidth() {
+  if (isatty(STDERR_FILENO) == 0 || IsDumb()) return 0;
+  winsize size{};
+  const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+  return known ? size.ws_col : kUsualWidth;
+}
+
+std::optional<std::string> AskForSecret(const std::string& question) {
+  const SilentTerminal terminal;
+  // Whoever is interrupted here gets back a terminal that shows what is typed.
+  const InterruptWatch watch([&terminal] {
+    terminal.Restore();
+    terminal.Write("\n");
+  });
+  if (!terminal.Write(question)) return std::nullopt;
+  return terminal.ReadLine();
+}
+
+}  // namespace qv

@@ -1,0 +1,43 @@
+#include "tools/qvcall/system/InterruptWatch.h"
+
+#include <windows.h>
+
+#include <mutex>
+#include <utility>
+
+namespace qv {
+namespace {
+
+// The system calls a plain function, on a thread of its own; this is what it finds.
+std::mutex watch_lock;
+const std::function<void()>* watch_words = nullptr;
+
+BOOL WINAPI OnInterrupt(DWORD) {
+  // Kept while the last words run: the watch that owns them must not end meanwhile.
+  const std::lock_guard<std::mutex> lock(watch_lock);
+  if (watch_words != nullptr) std::exchange(watch_words, nullptr)->operator()();
+  return FALSE;  // the next one to ask is the system, which ends the program
+}
+
+}  // namespace
+
+struct InterruptWatch::State {
+  std::function<void()> last_words;
+};
+
+InterruptWatch::InterruptWatch(std::function<void()> last_words)
+    : state_(std::make_unique<State>(State{std::move(last_words)})) {
+  {
+    const std::lock_guard<std::mutex> lock(watch_lock);
+    watch_words = &state_->last_words;
+  }
+  ::SetConsoleCtrlHandler(&OnInterrupt, TRUE);
+}
+
+InterruptWatch::~InterruptWatch() {
+  ::SetConsoleCtrlHandler(&OnInterrupt, FALSE);
+  const std::lock_guard<std::mutex> lock(watch_lock);
+  watch_words = nullptr;
+}
+
+}  // namespace qv

@@ -1,0 +1,30 @@
+#include "tools/qvcall/system/LoadedFunction.h"
+
+#include <windows.h>
+// After windows.h, whose types it uses.
+#include <psapi.h>
+
+#include <algorithm>
+#include <array>
+
+namespace qv {
+
+void* FindLoadedFunction(const char* name) {
+  std::array<HMODULE, 256> modules{};  // far more than this program loads
+  DWORD bytes = 0;
+  const BOOL listed =
+      ::K32EnumProcessModules(::GetCurrentProcess(), modules.data(), sizeof modules, &bytes);
+  if (listed == FALSE) return nullptr;
+  const std::size_t count = std::min<std::size_t>(bytes / sizeof(HMODULE), modules.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    if (const FARPROC found = ::GetProcAddress(modules[i], name)) {
+      return reinterpret_cast<void*>(found);
+    }
+  }
+  return nullptr;
+}
+
+// Components are classes of the system here, and have no functions beside their contract.
+void* FindComponentFunction(const char* /*component*/, const char* /*name*/) { return nullptr; }
+
+}  // namespace qv

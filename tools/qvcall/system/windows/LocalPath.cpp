@@ -1,0 +1,91 @@
+#include "tools/qvcall/system/LocalPath.h"
+
+#include <windows.h>
+// After windows.h, whose types it uses.
+#include <aclapi.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string_view>
+
+#include "WideText.h"
+
+namespace qv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::wstring_view kDigitsOfPorts = L"123456789\u00b9\u00b2\u00b3";
+
+std::wstring InCapitals(std::wstring text) {
+  ::CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
+  return text;
+}
+
+// What the system takes for a device in each folder, whatever follows behind a dot.
+bool IsDevice(const std::wstring& name) {
+  constexpr std::array<std::wstring_view, 7> kDevices = {L"CON",    L"PRN",     L"AUX",   L"NUL",
+                                                         L"CONIN$", L"CONOUT$", L"CLOCK$"};
+  std::wstring stem = InCapitals(name.substr(0, name.find(L'.')));
+  stem.erase(stem.find_last_not_of(L' ') + 1);
+  if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
+  const std::wstring_view kind = std::wstring_view(stem).substr(0, 3);
+  return stem.size() == 4 && (kind == L"COM" || kind == L"LPT") &&
+         kDigitsOfPorts.find(stem[3]) != std::wstring_view::npos;
+}
+
+}  // namespace
+
+fs::path PathFromNarrow(const std::string& path) {
+  return WideFromNarrow(path).value_or(L"?");  // which no file is called
+}
+
+std::optional<std::string> NarrowFromPath(const fs::path& path) {
+  return NarrowFromWide(path.native());
+}
+
+std::string ShownPath(const fs::path& path) { return NearestNarrow(path.native()); }
+
+// Not every file that the system treats apart is a link: those that are kept elsewhere until they
+// are read are not, and have tags of their own.
+bool IsLink(const fs::path& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    return false;
+  }
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = ::FindFirstFileW(path.c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return true;
+  ::FindClose(search);
+  return found.dwReserved0 == 0 || IsReparseTagNameSurrogate(found.dwReserved0);
+}
+
+bool KeepsName(const std::string& name) {
+  const std::optional<std::wstring> wide = WideFromNarrow(name);
+  return wide && !wide->empty() && wide->find_first_of(L"<>:\"/\\|?*") == std::wstring::npos &&
+         wide->back() != L'.' && wide->back() != L' ' && !IsDevice(*wide);
+}
+
+std::string PathKey(const std::string& path) {
+  const std::wstring key = InCapitals(WideFromNarrow(path).value_or(L"?"));
+  return {reinterpret_cast<const char*>(key.data()), key.size() * sizeof(wchar_t)};
+}
+
+void GiveRightsOf(const fs::path& like, const fs::path& file) {
+  PACL rights = nullptr;
+  PSECURITY_DESCRIPTOR all = nullptr;
+  if (::GetNamedSecurityInfoW(like.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
+                              nullptr, &rights, nullptr, &all) != ERROR_SUCCESS) {
+    return;
+  }
+  const std::unique_ptr<void, decltype(&::LocalFree)> kept(all, &::LocalFree);
+  // What came from the folder comes from there again.
+  std::wstring name = file.native();
+  ::SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT,
+                          DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION,
+                          nullptr, nullptr, rights, nullptr);
+}
+
+}  // namespace qv

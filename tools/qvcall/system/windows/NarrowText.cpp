@@ -1,0 +1,44 @@
+#include "tools/qvcall/system/NarrowText.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "WideText.h"
+
+namespace qv {
+namespace {
+
+// Older systems do not let a program choose, and take its text in their own code page.
+bool IsUtf8() {
+  static const bool is_utf8 = ::GetACP() == CP_UTF8;
+  return is_utf8;
+}
+
+}  // namespace
+
+DecodedChar DecodeNarrow(std::string_view text) {
+  if (IsUtf8()) return DecodeUtf8(text);
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::string_view character =
+      text.substr(0, ::IsDBCSLeadByteEx(CP_ACP, lead) != FALSE ? 2 : 1);
+  const std::optional<std::wstring> wide = WideFromNarrow(character);
+  if (!wide || wide->size() != 1) return {lead, 1, false};
+  return {static_cast<char32_t>(wide->front()), character.size(), true};
+}
+
+std::string_view NoCharacter() { return IsUtf8() ? kReplacement : "?"; }
+
+std::string Utf8FromNarrow(std::string_view text) {
+  if (IsUtf8() || text.empty()) return std::string(text);
+  const int length = static_cast<int>(std::min(text.size(), kLongestText));
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  const int units = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length);
+  std::string utf8(static_cast<std::size_t>(std::max(units, 0)) * 3, '\0');
+  const int bytes = ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, utf8.data(),
+                                          static_cast<int>(utf8.size()), nullptr, nullptr);
+  utf8.resize(static_cast<std::size_t>(std::max(bytes, 0)));
+  return utf8;
+}
+
+}  // namespace qv

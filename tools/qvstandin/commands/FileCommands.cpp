@@ -1,0 +1,78 @@
+#include "Commands.h"
+
+#include <utility>
+
+#include "CatalogueReply.h"
+#include "FileRecords.h"
+#include "NameField.h"
+
+namespace qv::standin {
+
+namespace {
+
+// What the commands have in common that answer with a status and find their file in the name field.
+template <class Work>
+void WithPath(const Request& request, Reply& reply, Work work) {
+  const auto path = PathIn(request.name_field);
+  if (!path) return AddFailure(reply, {ErrorCode::kBadName, "no name, or one that was cut"});
+  reply.database = *path;
+  if (Outcome outcome = work(*path); !outcome.Ok()) return AddFailure(reply, std::move(outcome));
+  reply.fields.Text(kSuccess);
+}
+
+// The same for those with two paths that answer with a number.
+template <class Work>
+void WithTwoPaths(Request& request, Reply& reply, Work work) {
+  const auto from = request.fields.Text();
+  const auto to = from ? request.fields.Text() : std::nullopt;
+  if (!to) return Refuse(reply, FieldMissing());
+  reply.database = *from;
+  AnswerYesOrNo(reply, work(*from, *to));
+}
+
+}  // namespace
+
+void UploadFile(Services& services, Request& request, Reply& reply) {
+  WithPath(request, reply, [&](const std::string& path) -> Outcome {
+    if (request.file.empty()) return NoFileCame();
+    return services.data.Files().Put(path, request.file);
+  });
+}
+
+void DownloadFile(Services& services, Request& request, Reply& reply) {
+  WithPath(request, reply,
+           [&](const std::string& path) { return services.data.Files().Open(path, reply.stored); });
+}
+
+void DeleteFile(Services& services, Request& request, Reply& reply) {
+  WithPath(request, reply,
+           [&](const std::string& path) { return services.data.Files().Delete(path); });
+}
+
+void SendFileInfo(Services& services, Request& request, Reply& reply) {
+  const auto path = request.fields.Text();
+  if (!path) return Refuse(reply, FieldMissing());
+  reply.database = *path;
+  platform::Entry entry;
+  Outcome outcome = services.data.Files().Look(*path, entry);
+  if (outcome.Ok() && entry.name.size() > kLongestFileName) {
+    outcome = {ErrorCode::kBadName, "longer than a record holds"};
+  }
+  if (!outcome.Ok()) return Refuse(reply, std::move(outcome));
+  reply.fields.Text(kYes);
+  reply.fields.Bytes(FileRecords({&entry, 1}));
+}
+
+void CopyFile(Services& services, Request& request, Reply& reply) {
+  WithTwoPaths(request, reply, [&](const std::string& from, const std::string& to) {
+    return services.data.Files().Copy(from, to, request.limit);
+  });
+}
+
+void Rename(Services& services, Request& request, Reply& reply) {
+  WithTwoPaths(request, reply, [&](const std::string& from, const std::string& to) {
+    return services.data.Files().Rename(from, to);
+  });
+}
+
+}  // namespace qv::standin

@@ -1,0 +1,319 @@
+#include "OdbcDatabase.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <deque>
+
+#include "OdbcCells.h"
+#include "StatementGuard.h"
+#include "TableNames.h"
+#include "base/platform/Platform.h"
+
+namespace qv::standin {
+
+namespace {
+
+using std::chrono_literals::operator""s;
+using std::chrono_literals::operator""h;
+
+constexpr std::chrono::milliseconds kLongestLogin = 15s;
+constexpr std::chrono::milliseconds kLongestStatement = 24h;  // to a driver
+constexpr std::size_t kLongestCell = std::size_t{64} << 20;
+constexpr std::size_t kLongestRemark = 200;
+
+constexpr const char* kFindRoutine =
+    "SELECT p.proname, p.prokind FROM pg_catalog.pg_proc p"
+    " JOIN pg_catalog.pg_namespace n ON n.oid = p.pronamespace"
+    " WHERE lower(p.proname) = lower(?) AND pg_catalog.pg_function_is_visible(p.oid)"
+    " AND n.nspname NOT IN ('pg_catalog', 'information_schema')"
+    " ORDER BY p.proname <> ? LIMIT 1";
+
+constexpr const char* kPlainBackslashes = "SET LOCAL standard_conforming_strings = on";
+
+struct KnownState {
+  std::string_view state;  // the beginning of an SQLSTATE
+  ErrorCode code;
+};
+
+constexpr std::array kKnownStates{
+    KnownState{"25006", ErrorCode::kNotPermitted},  // a write that shall only read
+    KnownState{"42501", ErrorCode::kNotPermitted},  // no right to do that
+    KnownState{"40001", ErrorCode::kBusy},          // not to be put in one order with others
+    KnownState{"40P01", ErrorCode::kBusy},          // a deadlock
+    KnownState{"55P03", ErrorCode::kBusy},          // a lock that would not come
+    KnownState{"533", ErrorCode::kBusy},            // too many connections
+    KnownState{"HYT", ErrorCode::kTimedOut},        // the driver's time limits
+    KnownState{"57014", ErrorCode::kTimedOut},      // the engine's
+    KnownState{"57P", ErrorCode::kNoDatabase},      // the engine stops or starts
+    KnownState{"08", ErrorCode::kNoDatabase},       // no connection
+};
+
+ErrorCode CodeOf(const odbc::Diagnostics& said) {
+  for (const odbc::Diagnostic& record : said) {
+    for (const KnownState& known : kKnownStates) {
+      if (record.state.starts_with(known.state)) return known.code;
+    }
+  }
+  return ErrorCode::kSqlFailed;
+}
+
+std::uint32_t Seconds(std::chrono::milliseconds time) {
+  return static_cast<std::uint32_t>(std::chrono::ceil<std::chrono::seconds>(time).count());
+}
+
+// "(?, ?)" for two.
+std::string QuestionMarks(std::size_t count) {
+  std::string marks = "(";
+  for (std::size_t i = 0; i < count; ++i) marks += i == 0 ? "?" : ", ?";
+  return marks + ")";
+}
+
+odbc::Argument AsText(const ProcedureCall::Argument& argument) {
+  if (const auto* whole = std::get_if<std::int64_t>(&argument)) return fmt::to_string(*whole);
+  if (const auto* decimal = std::get_if<double>(&argument)) return fmt::to_string(*decimal);
+  if (const auto* text = std::get_if<std::string>(&argument)) return *text;
+  return std::nullopt;
+}
+
+std::string NewMarker() {
+  std::string name = "qv_";
+  for (const char ch : platform::NewGuid()) {
+    if ((ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'F')) name += ch;
+  }
+  return name;
+}
+
+// A text of a client's as it will run, and its statements inside it.
+struct GuardedText {
+  std::string text;
+  std::vector<std::string_view> statements;
+};
+
+Outcome Guarded(std::string_view sql, GuardedText& guarded) {
+  guarded.text = WithPlainTableNames(sql);
+  Outcome outcome = GuardStatements(guarded.text, guarded.statements);
+  if (!outcome.Ok() || !guarded.statements.empty()) return outcome;
+  return {ErrorCode::kSqlFailed, "there is no statement"};
+}
+
+}  // namespace
+
+OdbcDatabase::OdbcDatabase(const std::string& connection_text, WorkLimit& limit)
+    : text_(connection_text), time_(limit.TimeLeft()), watch_(limit) {}
+
+Outcome OdbcDatabase::Query(const std::string& sql, RowSink& sink) {
+  GuardedText query;
+  if (Outcome guarded = Guarded(sql, query); !guarded.Ok()) return guarded;
+  if (query.statements.size() > 1) return {ErrorCode::kNotPermitted, "a query is one statement"};
+  if (Outcome begun = Begin(Work::kQuery); !begun.Ok()) return begun;
+  Delivery delivery{.sink = &sink};
+  Outcome outcome = Run(query.statements.front(), {}, delivery);
+  connection_->Rollback(said_);
+  if (!outcome.Ok() || delivery.is_done) return outcome;
+  return {ErrorCode::kNotPermitted, "a query only reads"};
+}
+
+// All of the texts are looked over before the first of them runs.
+Outcome OdbcDatabase::Execute(std::span<const std::string_view> statements, std::int32_t& failed) {
+  failed = 0;
+  std::deque<GuardedText> texts;  // which stay where they are
+  for (const std::string_view text : statements) {
+    ++failed;
+    if (Outcome guarded = Guarded(text, texts.emplace_back()); !guarded.Ok()) return guarded;
+  }
+  failed = 0;
+  if (Outcome begun = Begin(Work::kStatements); !begun.Ok()) return begun;
+  for (const GuardedText& text : texts) {
+    ++failed;
+    for (const std::string_view statement : text.statements) {
+      Delivery none;
+      if (Outcome outcome = Run(statement, {}, none); !outcome.Ok()) return End(std::move(outcome));
+    }
+  }
+  failed = 0;
+  return End({});
+}
+
+Outcome OdbcDatabase::Call(const ProcedureCall& call, RowSink& sink) {
+  if (Outcome begun = Begin(Work::kCall); !begun.Ok()) return begun;
+  std::string sql;
+  Outcome outcome = WriteCall(call, sql);
+  Delivery delivery{.sink = &sink};
+  if (outcome.Ok()) {
+    std::vector<odbc::Argument> arguments;
+    std::ranges::transform(call.arguments, std::back_inserter(arguments), AsText);
+    outcome = Run(sql, arguments, delivery);
+  }
+  if (outcome.Ok() && !delivery.is_done && !sink.Begin({})) {
+    outcome = {ErrorCode::kAnswerLost, "the answer could not be kept"};
+  }
+  return End(std::move(outcome));
+}
+
+Outcome OdbcDatabase::Begin(Work work) {
+  if (Outcome connected = Connect(work); !connected.Ok()) return connected;
+  is_postgres_ = connection_->Product() == "PostgreSQL";
+  if (!connection_->Begin(said_)) return Failure();
+  if (is_postgres_) {
+    if (Outcome found = FindBackend(); !found.Ok()) return found;
+  }
+  if (work != Work::kQuery) return Mark();
+  return is_postgres_ ? RunTrusted("SET TRANSACTION READ ONLY") : Outcome();
+}
+
+Outcome OdbcDatabase::Connect(Work work) {
+  if (watch_.IsOver()) return Failure();
+  // The watch comes first; the driver's own limit is for drivers that cannot cancel.
+  const odbc::Limits limits{
+      .login_seconds = Seconds(std::clamp<std::chrono::milliseconds>(time_, 1s, kLongestLogin)),
+      .query_seconds = Seconds(std::min<std::chrono::milliseconds>(time_, kLongestStatement)) + 1,
+      .reads_only = work == Work::kQuery,
+      .cell_bytes = kLongestCell};
+  using Rows = ConnectionText::Rows;
+  // Statements are seldom such that give rows, and the way in pieces does not take all of them.
+  const Rows rows = work == Work::kStatements ? Rows::kAtOnce : Rows::kInPieces;
+  connection_ = odbc::Connection::Open(text_.Whole(rows), limits, said_);
+  if (connection_ != nullptr) return {};
+  Outcome outcome = Failure();
+  if (outcome.code == ErrorCode::kSqlFailed) outcome.code = ErrorCode::kNoDatabase;
+  return outcome;
+}
+
+// Engines that know no savepoints go without.
+Outcome OdbcDatabase::Mark() {
+  std::string marker = NewMarker();
+  Outcome marked = RunTrusted("SAVEPOINT " + marker);
+  if (marked.Ok()) {
+    marker_ = std::move(marker);
+  } else if (is_postgres_ || watch_.IsOver()) {
+    return marked;
+  }
+  said_.clear();
+  return {};
+}
+
+Outcome OdbcDatabase::FindBackend() {
+  odbc::Statement statement(*connection_);
+  if (!statement.Execute("SELECT pg_backend_pid()", said_) ||
+      statement.Next(said_) != odbc::Step::kNext ||
+      statement.ReadInteger(0, backend_, said_) != odbc::CellState::kValue) {
+    return Failure();
+  }
+  return {};
+}
+
+// Its driver cancels what it executes, but not what it fetches: then the engine is told on another
+// way.
+void OdbcDatabase::Cancel(odbc::Statement& statement, int before) const {
+  statement.Cancel();
+  if (before == 0 || backend_ == 0) return;
+  constexpr odbc::Limits kShort{.login_seconds = 2, .query_seconds = 2};
+  odbc::Diagnostics ignored;
+  const auto other =
+      odbc::Connection::Open(text_.Whole(ConnectionText::Rows::kAtOnce), kShort, ignored);
+  if (other == nullptr) return;
+  const std::string sql = "SELECT pg_cancel_backend(" + std::to_string(backend_) + ")";
+  static_cast<void>(odbc::Statement(*other).Execute(sql, ignored));
+}
+
+Outcome OdbcDatabase::RunTrusted(std::string_view sql) {
+  Delivery none;
+  return Run(sql, {}, none);
+}
+
+Outcome OdbcDatabase::Run(std::string_view sql, std::span<const odbc::Argument> arguments,
+                          Delivery& delivery) {
+  // Otherwise a text could end elsewhere than GuardStatements saw.
+  if (is_postgres_ && sql.find('\\') != std::string_view::npos) {
+    if (Outcome set = RunTrusted(kPlainBackslashes); !set.Ok()) return set;
+  }
+  odbc::Statement statement(*connection_);
+  const StatementWatch::Over over(watch_, [&](int before) { Cancel(statement, before); });
+  // A statement that nobody waits for must not begin: what cancels it may have come and gone.
+  if (watch_.IsOver()) return Failure();
+  const bool runs =
+      arguments.empty() ? statement.Execute(sql, said_) : statement.Execute(sql, arguments, said_);
+  if (!runs) return Failure();
+  odbc::Step step = odbc::Step::kNext;
+  for (; step == odbc::Step::kNext; step = statement.NextResult(said_)) {
+    const bool delivers =
+        delivery.sink != nullptr && !delivery.is_done && !statement.Columns().empty();
+    Outcome outcome = delivers ? Deliver(statement, *delivery.sink) : Drain(statement);
+    if (!outcome.Ok()) return outcome;
+    delivery.is_done |= delivers;
+  }
+  return step == odbc::Step::kEnd ? Outcome() : Failure();
+}
+
+Outcome OdbcDatabase::Deliver(odbc::Statement& statement, RowSink& sink) {
+  const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be kept"};
+  const std::vector<Column> columns = ColumnsOf(statement);
+  if (!sink.Begin(columns)) return lost;
+  OdbcCells cells(columns);
+  odbc::Step step = odbc::Step::kEnd;
+  while ((step = statement.Next(said_)) == odbc::Step::kNext) {
+    if (watch_.IsOver() || !cells.Read(statement, said_)) return Failure();
+    if (!sink.Row(cells.Row())) return lost;
+  }
+  return step == odbc::Step::kEnd ? Outcome() : Failure();
+}
+
+// Rows that nobody wants are fetched all the same: what computes them may also write.
+Outcome OdbcDatabase::Drain(odbc::Statement& statement) {
+  if (statement.Columns().empty()) return {};
+  odbc::Step step = odbc::Step::kNext;
+  while (step == odbc::Step::kNext) {
+    if (watch_.IsOver()) return Failure();
+    step = statement.Next(said_);
+  }
+  return step == odbc::Step::kEnd ? Outcome() : Failure();
+}
+
+Outcome OdbcDatabase::WriteCall(const ProcedureCall& call, std::string& sql) {
+  const std::string marks = QuestionMarks(call.arguments.size());
+  if (!is_postgres_) {
+    sql = "{call " + call.name + (call.arguments.empty() ? "" : marks) + "}";
+    return {};
+  }
+  odbc::Statement statement(*connection_);
+  const StatementWatch::Over over(watch_, [&](int before) { Cancel(statement, before); });
+  const std::vector<odbc::Argument> names(2, call.name);
+  if (!statement.Execute(kFindRoutine, names, said_)) return Failure();
+  const odbc::Step step = statement.Next(said_);
+  if (step == odbc::Step::kEnd) return {ErrorCode::kNoProcedure, "no procedure " + call.name};
+  std::string name;
+  std::string kind;
+  if (step == odbc::Step::kFailed ||
+      statement.ReadText(0, name, said_) != odbc::CellState::kValue ||
+      statement.ReadText(1, kind, said_) != odbc::CellState::kValue) {
+    return Failure();
+  }
+  // The name has the bytes of a word only, as every call's has.
+  sql = (kind == "p" ? "CALL \"" : "SELECT * FROM \"") + name + "\"" + marks;
+  return {};
+}
+
+Outcome OdbcDatabase::End(Outcome outcome) {
+  if (outcome.Ok() && !marker_.empty()) {
+    outcome = RunTrusted("RELEASE SAVEPOINT " + marker_);
+    if (!outcome.Ok()) outcome.text = "the transaction did not last: " + outcome.text;
+  }
+  if (outcome.Ok() && !connection_->Commit(said_)) outcome = Failure();
+  if (!outcome.Ok()) connection_->Rollback(said_);
+  return outcome;
+}
+
+// What the driver says goes to the server's record: on one short line, and without what the
+// connection text has in it.
+Outcome OdbcDatabase::Failure() {
+  const ErrorCode reason = watch_.Reason();
+  if (reason != ErrorCode::kNone) return {reason, "cut off"};
+  std::string text = text_.Blotted(odbc::TextOf(said_));
+  std::ranges::replace_if(
+      text, [](char ch) { return ch >= 0 && ch < ' '; }, ' ');
+  return {CodeOf(said_), text.substr(0, kLongestRemark)};
+}
+
+}  // namespace qv::standin

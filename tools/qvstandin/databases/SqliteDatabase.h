@@ -1,0 +1,55 @@
+// A logical database in one SQLite file.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <span>
+
+#include "Database.h"
+#include "SqliteConnection.h"
+#include "tools/qvstandin/common/WorkLimit.h"
+
+namespace qv::standin {
+
+// One connection for one request; one thread. What clients send cannot attach files, change
+// settings of the database, load extensions or end the transaction that it runs in.
+class SqliteDatabase : public Database {
+ public:
+  // The table of stored procedures: a name, and statements with ?1, ?2, ... for the arguments.
+  static constexpr const char* kProcedureTable = "StoredProcedures";
+
+  // Opens an existing file; null when it is not there or not a database. `limit` outlives the
+  // object.
+  [[nodiscard]] static std::unique_ptr<SqliteDatabase> Open(const std::string& path,
+                                                            WorkLimit& limit);
+
+  Outcome Query(const std::string& sql, RowSink& sink) override;
+  Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) override;
+  Outcome Call(const ProcedureCall& call, RowSink& sink) override;
+
+ private:
+  using Arguments = std::span<const ProcedureCall::Argument>;
+
+  SqliteDatabase(SqliteConnection connection, WorkLimit& limit);
+
+  [[nodiscard]] bool Confine();
+  // Prepares the next statement of a text that a NUL at `end` closes; null behind the last.
+  [[nodiscard]] int Prepare(const char*& text, const char* end, SqliteStatement& statement);
+  [[nodiscard]] bool HasMore(const char* text, const char* end);
+  Outcome RunAll(std::string_view sql, Arguments arguments, RowSink* sink);
+  Outcome Step(sqlite3_stmt* statement);
+  Outcome Deliver(sqlite3_stmt* statement, RowSink& sink);
+  Outcome Bind(sqlite3_stmt* statement, Arguments arguments);
+  Outcome ReadProcedure(const std::string& name, std::string& sql);
+  // Runs a statement of the server's own.
+  Outcome RunTrusted(const char* sql);
+  Outcome EndTransaction(Outcome outcome);
+  [[nodiscard]] Outcome Failure(int code);
+
+  SqliteConnection connection_;
+  WorkLimit& limit_;
+  bool trusted_ = false;  // the statement being prepared is the server's own
+};
+
+}  // namespace qv::standin

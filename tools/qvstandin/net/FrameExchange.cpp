@@ -1,0 +1,117 @@
+#include "FrameExchange.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "tools/qvstandin/commands/CommandTable.h"
+#include "tools/qvstandin/common/Secret.h"
+#include "message/LittleEndian.h"
+
+namespace qv::standin {
+
+namespace {
+
+// A file for a command that takes none is read past when it is small.
+constexpr std::uint64_t kLongestUnwantedFile = 16ULL << 20;
+
+// What is remembered must not take a client's megabytes, nor its control characters.
+std::string Remark(std::string_view text) {
+  constexpr std::size_t kLongest = 160;
+  return OnOneLine(text.substr(0, kLongest));
+}
+
+}  // namespace
+
+FrameStatus Exchange::Receive(ByteStream& stream, std::string_view login_token) {
+  const FrameLimits limits{.payload = rules_.request_limit,
+                           .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
+  FrameHeader header;
+  FrameStatus status = ReceiveHeader(stream, FrameKind::kRequest, limits, header);
+  if (status != FrameStatus::kDone) return status;
+  token_.resize(header.token_length);
+  payload_.resize(static_cast<std::size_t>(header.payload_length));
+  status = ReceiveMessage(stream, {token_, block_, payload_});
+  command_ = LoadU32(block_.data());
+  if (status != FrameStatus::kDone) return status;
+  is_allowed_ = ShowsToken(login_token);
+  return header.file_length ? ReceiveFile(stream, *header.file_length) : FrameStatus::kDone;
+}
+
+FrameStatus Exchange::ReceiveFile(ByteStream& stream, std::uint64_t length) {
+  const bool is_wanted = is_allowed_ && TakesFile(command_);
+  if (length > (is_wanted ? rules_.upload_limit : kLongestUnwantedFile)) {
+    return FrameStatus::kDoesNotFit;
+  }
+  if (is_wanted) received_.emplace(services_.data.IncomingFolder());
+  if (received_ && !received_->HasRoomFor(length)) received_.reset();
+  // The client looks for its answer only when all of its file is out.
+  if (!received_) return SkipFile(stream, length);
+  return qv::ReceiveFile(stream, length, received_->Path());
+}
+
+bool Exchange::ShowsToken(std::string_view login_token) const {
+  if (rules_.token.empty()) return true;
+  const std::string_view token(reinterpret_cast<const char*>(token_.data()), token_.size());
+  return SameSecret(rules_.token, token) ||
+         (!login_token.empty() && SameSecret(rules_.login_token, login_token));
+}
+
+bool Exchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
+  if (is_allowed_) {
+    WorkLimit limit(rules_.statement_limit, abandoned);
+    const auto name_field = NameField(block_).subspan(kNameFieldAt);
+    reply_ = standin::Answer(services_, {.command = command_,
+                                         .fields = FieldReader(payload_),
+                                         .limit = limit,
+                                         .form = form,
+                                         .name_field = name_field,
+                                         .file = received_ ? received_->Path() : ""});
+  } else {
+    AddFailure(reply_, {ErrorCode::kAccessDenied, "wrong token"});
+  }
+  payload_ = {};  // a large request is not kept while its answer goes out
+  received_.reset();
+  Record();
+  return OpenReplyFile();
+}
+
+bool Exchange::OpenReplyFile() {
+  if (reply_.stored) file_.emplace(std::move(*reply_.stored));
+  if (reply_.file == nullptr) return true;
+  file_ = OutgoingFile::Open(reply_.file->Path());
+  return file_.has_value();
+}
+
+std::uint64_t Exchange::ReplyLength() const {
+  FrameHeader header{.kind = FrameKind::kReply,
+                     .token_length = 0,
+                     .payload_length = reply_.fields.Payload().size(),
+                     .file_length = {}};
+  if (file_) header.file_length = file_->Length();
+  return FrameLength(header);
+}
+
+bool Exchange::Send(ByteStream& stream) {
+  std::array<unsigned char, kFrameBlockSize> block{};
+  StoreU32(block.data(), command_);
+  const OutgoingMessage message{
+      .kind = FrameKind::kReply, .token = {}, .block = block, .payload = reply_.fields.Payload()};
+  return SendFrame(stream, message, file_ ? &*file_ : nullptr) == FrameStatus::kDone;
+}
+
+void Exchange::Record() const {
+  // Paths mean the same so, and need no escapes.
+  std::string subject = reply_.database;
+  std::ranges::replace(subject, '\\', '/');
+  std::uint64_t file_bytes = reply_.file != nullptr ? reply_.file->Size() : 0;
+  if (reply_.stored) file_bytes = reply_.stored->size;
+  rules_.on_served(
+      {.command = command_,
+       .database = Remark(subject),
+       .outcome = reply_.outcome.Ok() ? "done" : Remark(reply_.outcome.text),
+       .bytes = reply_.fields.Payload().size() + file_bytes,
+       .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_)});
+}
+
+}  // namespace qv::standin

@@ -1,0 +1,107 @@
+#include "HttpSession.h"
+
+#include <string>
+
+#include "FrameExchange.h"
+#include "HttpBody.h"
+
+namespace qv::standin {
+
+namespace {
+
+constexpr std::string_view kPage = "/";
+constexpr std::string_view kCall = "/qvcall";
+
+Bytes BytesIn(std::string_view text) {
+  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+// A body that nobody reads is not looked through for the next request.
+bool MayGoOn(const HttpRequestHead& request) { return request.keep_alive && !request.HasBody(); }
+
+HttpStatus JudgeCall(const HttpRequestHead& request) {
+  if (request.method != HttpMethod::kPost) return HttpStatus::kNotAllowed;
+  // Web pages of strangers can make a browser send the other types without asking first.
+  if (!request.is_for_bytes) return HttpStatus::kWrongType;
+  if (request.expectation == HttpExpectation::kOther) return HttpStatus::kCannotExpect;
+  if (!request.is_chunked && !request.length) return HttpStatus::kLengthRequired;
+  return HttpStatus::kOk;
+}
+
+}  // namespace
+
+void HttpSession::Serve() {
+  std::chrono::milliseconds longest = rules_.first_timeout;
+  while (stream_.WaitForRequest(longest) && ServeRequest()) longest = rules_.idle_timeout;
+  stream_.SayGoodbye();
+}
+
+bool HttpSession::ServeRequest() {
+  HttpRequestHead request;
+  const auto status = ReadHead(stream_, request);
+  if (!status) return false;
+  if (*status != HttpStatus::kOk) return RefuseMalformed(*status);
+  if (request.target == kCall) return ServeCall(request);
+  if (request.target == kPage) return ServePage(request);
+  return Refuse(HttpStatus::kNotFound, request);
+}
+
+bool HttpSession::ServePage(const HttpRequestHead& request) {
+  if (request.method != HttpMethod::kGet && request.method != HttpMethod::kHead) {
+    return Refuse(HttpStatus::kNotAllowed, request, "GET, HEAD");
+  }
+  return SendText({.status = HttpStatus::kOk, .keep_alive = MayGoOn(request)},
+                  "The stand-in server; calls are sent to /qvcall.\n", request.method);
+}
+
+bool HttpSession::ServeCall(const HttpRequestHead& request) {
+  const HttpStatus judged = JudgeCall(request);
+  if (judged != HttpStatus::kOk) return Refuse(judged, request, "POST");
+  if (request.expectation == HttpExpectation::kContinue &&
+      !stream_.Write({BytesIn("HTTP/1.1 100 Continue\r\n\r\n")})) {
+    return false;
+  }
+  HttpBody body(stream_, request);
+  Exchange exchange(services_, rules_);
+  const FrameStatus received = exchange.Receive(body, request.login_token);
+  const bool is_whole = received == FrameStatus::kDone && body.IsAtEnd();
+  if (body.IsLost()) return false;
+  if (received == FrameStatus::kFileFailed) return Refuse(HttpStatus::kFailed, request);
+  if (!is_whole) {
+    const bool is_large = received == FrameStatus::kDoesNotFit;
+    return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest);
+  }
+  const AnswerForm form{.dialect = Dialect::kSchema, .packed = request.takes_packed};
+  if (!exchange.Answer(form, [this] { return stream_.IsGone(); })) {
+    return Refuse(HttpStatus::kFailed, request);
+  }
+  HttpReplyHead reply{.length = exchange.ReplyLength()};
+  if (exchange.IsAllowed()) {
+    reply.keep_alive = request.keep_alive;
+    reply.login_token = rules_.login_token;
+  }
+  return stream_.Write({BytesIn(HeadText(reply))}) && exchange.Send(stream_) && reply.keep_alive;
+}
+
+bool HttpSession::Refuse(HttpStatus status, const HttpRequestHead& request,
+                         std::string_view allow) {
+  const bool is_not_allowed = status == HttpStatus::kNotAllowed;
+  return SendText({.status = status,
+                   .keep_alive = MayGoOn(request),
+                   .allow = is_not_allowed ? allow : std::string_view()},
+                  ReasonFor(status) + "\n", request.method);
+}
+
+bool HttpSession::RefuseMalformed(HttpStatus status) {
+  rules_.on_malformed_frame();
+  return SendText({.status = status}, ReasonFor(status) + "\n", HttpMethod::kOther);
+}
+
+bool HttpSession::SendText(HttpReplyHead reply, std::string_view text, HttpMethod method) {
+  reply.type = "text/plain";
+  reply.length = text.size();
+  const std::string_view body = method == HttpMethod::kHead ? std::string_view() : text;
+  return stream_.Write({BytesIn(HeadText(reply)), BytesIn(body)}) && reply.keep_alive;
+}
+
+}  // namespace qv::standin

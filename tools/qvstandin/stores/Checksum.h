@@ -1,0 +1,26 @@
+// The checksum of what is written to it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "tools/qvstandin/common/ByteSink.h"
+
+namespace qv::standin {
+
+class Checksum : public ByteSink {
+ public:
+  bool Write(std::string_view bytes) override;
+  bool Finish() override { return true; }
+
+  // CRC-32 as eight upper-case hexadecimal digits.
+  [[nodiscard]] std::string Text() const;
+  // How many bytes it is of, as far as 32 bits can tell.
+  [[nodiscard]] std::int32_t Size() const;
+
+ private:
+  std::uint32_t checksum_ = 0;
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace qv::standin

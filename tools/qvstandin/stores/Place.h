@@ -1,0 +1,28 @@
+// What can be done with a file in a store, whichever way it is found.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tools/qvstandin/common/ByteSink.h"
+#include "tools/qvstandin/common/ErrorCode.h"
+#include "tools/qvstandin/common/WorkLimit.h"
+#include "base/platform/Folder.h"
+
+namespace qv::standin {
+
+// A file's name, and the folder that holds it; the file need not be there.
+struct Place {
+  platform::Folder folder;
+  std::string name;
+};
+
+// Moves the file at `path` there; a file that was there is replaced in one step.
+Outcome PutFile(const Place& place, const std::string& path);
+Outcome OpenFile(const Place& place, std::optional<platform::OpenedFile>& opened);
+Outcome RemoveFile(const Place& place);
+
+// Reads a file to its end.
+Outcome ReadAll(platform::OpenedFile source, ByteSink& target, WorkLimit& limit);
+
+}  // namespace qv::standin
