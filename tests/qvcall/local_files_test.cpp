@@ -1,3 +1,4 @@
+#include "tools/qvcall/output/DisplayWidth.h"
 #include "tools/qvcall/system/LocalFiles.h"
 
 #include <gtest/gtest.h>

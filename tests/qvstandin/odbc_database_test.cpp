@@ -294,7 +294,7 @@ TEST_P(PostgresTest, StopsWhileRowsComeAndWhileOthersHoldLocks) {
   abandoned_ = false;
 
   odbc::Diagnostics said;
-  const auto other = odbc::FrameClient::Open(PostgresServer::Shared().ConnectionText(), {}, said);
+  const auto other = odbc::Connection::Open(PostgresServer::Shared().ConnectionText(), {}, said);
   ASSERT_NE(other, nullptr);
   ASSERT_TRUE(other->Begin(said) && odbc::Statement(*other).Execute("update t set i = 2", said));
   time_ = milliseconds(300);
