@@ -2,7 +2,7 @@
 
 #include <new>
 
-namespace qv {
+namespace qv::curl {
 
 CurlHandle::CurlHandle() {
   // There is no counterpart at the end: the host may use libcurl as well.
@@ -15,4 +15,4 @@ CurlHandle::CurlHandle() {
   curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, 1L);
 }
 
-}  // namespace qv
+}  // namespace qv::curl

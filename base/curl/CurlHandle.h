@@ -5,7 +5,7 @@
 
 #include <memory>
 
-namespace qv {
+namespace qv::curl {
 
 // One thread at a time. Destruction closes.
 class CurlHandle {
@@ -30,4 +30,4 @@ class CurlHandle {
   std::unique_ptr<CURL, Free<curl_easy_cleanup>> easy_;
 };
 
-}  // namespace qv
+}  // namespace qv::curl

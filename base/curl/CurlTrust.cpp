@@ -1,6 +1,6 @@
 #include "CurlTrust.h"
 
-namespace qv {
+namespace qv::curl {
 
 bool SetUpTrust(CURL* easy, const std::string& ca_file) {
   const auto set = [easy](CURLoption option, auto value) {
@@ -17,4 +17,4 @@ bool SetUpTrust(CURL* easy, const std::string& ca_file) {
          set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
 }
 
-}  // namespace qv
+}  // namespace qv::curl

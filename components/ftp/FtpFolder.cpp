@@ -6,7 +6,7 @@
 
 #include "components/queue/RemotePath.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -148,4 +148,4 @@ QvTransferResult RemoveFtpFolder(FtpSession& session, const std::string& path) {
   return Removal(session).Remove(folder, 0);
 }
 
-}  // namespace qv
+}  // namespace qv::components

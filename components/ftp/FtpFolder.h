@@ -8,7 +8,7 @@
 
 #include "FtpSession.h"
 
-namespace qv {
+namespace qv::components {
 
 // Removes a folder with what it holds; what has not gone when something fails, stays. Links in it
 // are removed, not followed. BadArgument for the root, and for a path with a step upward.
@@ -21,4 +21,4 @@ namespace qv {
                                                                      bool has_facts,
                                                                      std::size_t most);
 
-}  // namespace qv
+}  // namespace qv::components

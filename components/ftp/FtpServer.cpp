@@ -6,7 +6,7 @@
 
 #include "components/queue/RemotePath.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -56,4 +56,4 @@ std::optional<FtpServer> MakeFtpServer(std::string_view host, std::uint16_t port
       .password = std::string(password)};
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::components {
 
 struct FtpServer {
   std::string url;  // without a path
@@ -21,4 +21,4 @@ struct FtpServer {
                                                      std::string_view user,
                                                      std::string_view password);
 
-}  // namespace qv
+}  // namespace qv::components

@@ -5,7 +5,7 @@
 
 #include "components/queue/RemotePath.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -291,4 +291,4 @@ FtpAnswer FtpSession::List(const std::string& folder, const char* command, BodyS
   return {is_folder ? QvTransfer_Refused : QvTransfer_NotFound, code};
 }
 
-}  // namespace qv
+}  // namespace qv::components

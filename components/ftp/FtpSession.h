@@ -9,7 +9,7 @@
 #include "FtpServer.h"
 #include "components/queue/CurlRequest.h"
 
-namespace qv {
+namespace qv::components {
 
 // What a server says of a file; nothing where it does not.
 struct FtpFileState {
@@ -75,7 +75,7 @@ class FtpSession {
   [[nodiscard]] FtpFileState StateOf(QvTransferResult result) const;
 
   TransferSettings settings_;
-  CurlHandle handle_;
+  curl::CurlHandle handle_;
   std::vector<FtpServer> servers_;
   std::size_t current_ = 0;
   bool is_open_ = false;
@@ -83,4 +83,4 @@ class FtpSession {
   std::string home_;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -6,7 +6,7 @@
 #include "FtpFolder.h"
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -263,4 +263,4 @@ QvTransferResult FtpStore::DeleteFolder(const std::string& path) {
   return RemoveFtpFolder(session_, session_.Absolute(path));
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -10,7 +10,7 @@
 #include "components/queue/LocalTarget.h"
 #include "components/queue/RemoteStore.h"
 
-namespace qv {
+namespace qv::components {
 
 // Uploads are written beside their place on the server, under a name that nobody else uses, and
 // renamed when they are whole.
@@ -56,4 +56,4 @@ class FtpStore final : public RemoteStore {
   bool is_text_ = false;
 };
 
-}  // namespace qv
+}  // namespace qv::components

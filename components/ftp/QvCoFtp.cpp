@@ -3,24 +3,24 @@
 #include <utility>
 
 #include "FtpStore.h"
-#include "qvnetcall/transfer/Extensions.h"
 #include "components/queue/DeskComponent.h"
+#include "qvnetcall/transfer/Extensions.h"
 #include "transports/exchange/ParameterSet.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
-constexpr Parameter<TransferSettings> kParameters[] = {
-    TextParameter<TransferSettings, &TransferSettings::ca_file>("ca_file"),
-    MillisecondsParameter<TransferSettings, &TransferSettings::connect_timeout>(
+constexpr wire::Parameter<TransferSettings> kParameters[] = {
+    wire::TextParameter<TransferSettings, &TransferSettings::ca_file>("ca_file"),
+    wire::MillisecondsParameter<TransferSettings, &TransferSettings::connect_timeout>(
         "connect_timeout_ms"),
-    MillisecondsParameter<TransferSettings, &TransferSettings::io_timeout>("io_timeout_ms"),
+    wire::MillisecondsParameter<TransferSettings, &TransferSettings::io_timeout>("io_timeout_ms"),
 };
 
 // Never destroyed: a host may still have threads in a call when its program ends.
-ParameterSet<TransferSettings>& SharedParameters() {
-  static auto* const parameters = new ParameterSet<TransferSettings>(kParameters);
+wire::ParameterSet<TransferSettings>& SharedParameters() {
+  static auto* const parameters = new wire::ParameterSet<TransferSettings>(kParameters);
   return *parameters;
 }
 
@@ -86,24 +86,26 @@ class FtpComponent final : public DeskComponent<IQvCoFtp> {
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::components
 
 extern "C" {
 
 IQvCoFtp* QvCoFtpCreate() {
   IQvCoFtp* component = nullptr;
-  const HRESULT made = qv::Guarded([&] { component = new qv::FtpComponent; });
+  const HRESULT made =
+      qv::components::Guarded([&] { component = new qv::components::FtpComponent; });
   return made == 0 ? component : nullptr;
 }
 
 void QvCoFtpSetProgress(QvTransferCallback callback, void* context) {
-  qv::SetRunCallback(callback, context);
+  qv::components::SetRunCallback(callback, context);
 }
 
 int QvCoFtpSetParameter(const char* name, const char* value) {
   if (name == nullptr || value == nullptr) return 0;
   bool is_set = false;
-  const HRESULT done = qv::Guarded([&] { is_set = qv::SharedParameters().Set(name, value); });
+  const HRESULT done =
+      qv::components::Guarded([&] { is_set = qv::components::SharedParameters().Set(name, value); });
   return done == 0 && is_set ? 1 : 0;
 }
 }

@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-namespace qv {
+namespace qv::components {
 
 class BodySource {
  public:
@@ -29,4 +29,4 @@ class BodySink {
   ~BodySink() = default;
 };
 
-}  // namespace qv
+}  // namespace qv::components

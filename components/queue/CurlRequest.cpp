@@ -6,7 +6,7 @@
 
 #include "base/curl/CurlTrust.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -50,7 +50,7 @@ bool IsLoss(CURLcode code) {
 
 }  // namespace
 
-CurlRequest::CurlRequest(CurlHandle& handle, const TransferSettings& settings)
+CurlRequest::CurlRequest(curl::CurlHandle& handle, const TransferSettings& settings)
     : handle_(handle), easy_(handle.Easy()), settings_(settings) {
   curl_easy_reset(easy_);
   // A host may have handlers of its own for signals, and a slow name lookup is left behind.
@@ -59,7 +59,7 @@ CurlRequest::CurlRequest(CurlHandle& handle, const TransferSettings& settings)
   Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings_.connect_timeout.count()));
   Set(CURLOPT_BUFFERSIZE, 128L << 10);
   Set(CURLOPT_UPLOAD_BUFFERSIZE, 128L << 10);
-  if (!SetUpTrust(easy_, settings_.ca_file)) set_up_ = CURLE_OUT_OF_MEMORY;
+  if (!curl::SetUpTrust(easy_, settings_.ca_file)) set_up_ = CURLE_OUT_OF_MEMORY;
   SetUpCallbacks();
 }
 
@@ -242,4 +242,4 @@ bool CurlRequest::Tell(std::uint64_t moved, std::uint64_t total) {
   return !is_stopped_;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -12,14 +12,14 @@
 #include "base/curl/CurlHandle.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
-namespace qv {
+namespace qv::components {
 
 // What every request has in common is set by the constructor: deadlines, trust, and nothing from
 // the environment. Everything that is handed over outlives the request. One thread.
 class CurlRequest {
  public:
   // `handle` is the request's until it is destroyed, and without any option again then.
-  CurlRequest(CurlHandle& handle, const TransferSettings& settings);
+  CurlRequest(curl::CurlHandle& handle, const TransferSettings& settings);
   ~CurlRequest();
   CurlRequest(const CurlRequest&) = delete;
   CurlRequest& operator=(const CurlRequest&) = delete;
@@ -73,7 +73,7 @@ class CurlRequest {
   [[nodiscard]] CURLcode Drive();
   [[nodiscard]] QvTransferResult Result() const;
 
-  CurlHandle& handle_;
+  curl::CurlHandle& handle_;
   CURL* easy_;
   const TransferSettings& settings_;
   std::unique_ptr<curl_slist, FreeList> lines_;
@@ -96,4 +96,4 @@ class CurlRequest {
   std::uint64_t progress_ = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::components

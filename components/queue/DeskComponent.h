@@ -3,7 +3,7 @@
 
 #include "TransferDesk.h"
 
-namespace qv {
+namespace qv::components {
 
 // `Contract` is IQvCoFtp or IQvCoCSC.
 template <class Contract>
@@ -52,4 +52,4 @@ class DeskComponent : public Contract {
   virtual TransferDesk& Desk() = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -7,7 +7,7 @@
 
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::components {
 
 std::optional<LocalSource> LocalSource::Open(const std::string& path) {
   namespace fs = std::filesystem;
@@ -42,4 +42,4 @@ bool LocalSource::Seek(std::uint64_t offset) {
   return true;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -10,7 +10,7 @@
 #include "BodySource.h"
 #include "base/platform/Folder.h"
 
-namespace qv {
+namespace qv::components {
 
 // One thread. Its size is what it was when it was opened; what is written behind that meanwhile is
 // not part of it.
@@ -36,4 +36,4 @@ class LocalSource final : public BodySource {
   std::string state_;
 };
 
-}  // namespace qv
+}  // namespace qv::components

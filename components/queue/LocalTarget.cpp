@@ -7,7 +7,7 @@
 
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -87,4 +87,4 @@ void LocalTarget::Discard() {
   platform::RemoveFile(part_);
 }
 
-}  // namespace qv
+}  // namespace qv::components

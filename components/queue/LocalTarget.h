@@ -10,7 +10,7 @@
 #include "BodySource.h"
 #include "base/platform/Folder.h"
 
-namespace qv {
+namespace qv::components {
 
 // Written beside its final place, under a name that nobody else has, and given its own name when it
 // is whole. One thread. Destruction leaves the part where it is.
@@ -46,4 +46,4 @@ class LocalTarget final : public BodySink {
   platform::FilePtr file_;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace qv {
+namespace qv::components {
 
 bool HasControls(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char c) {
@@ -18,4 +18,4 @@ std::optional<std::string> ServerPath(std::string_view text) {
   return path;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::components {
 
 // The path with slashes for backslashes. Nothing when it is empty, or has control characters, which
 // could be taken for the end of a command.
@@ -14,4 +14,4 @@ namespace qv {
 // Whether a text has a byte below the blank, or DEL.
 [[nodiscard]] bool HasControls(std::string_view text);
 
-}  // namespace qv
+}  // namespace qv::components

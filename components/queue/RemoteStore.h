@@ -8,7 +8,7 @@
 #include "TransferMeter.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
-namespace qv {
+namespace qv::components {
 
 // What one try of a transfer left behind for the next one. What `tag` and `done` mean is the
 // store's.
@@ -45,4 +45,4 @@ class RemoteStore {
   virtual QvTransferResult DeleteFolder(const std::string& path) = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -4,7 +4,7 @@
 #include <limits>
 #include <thread>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -69,4 +69,4 @@ void RunMeter::Report() {
   is_stopped_ = listener.callback(&progress_, listener.context) != 0;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -8,7 +8,7 @@
 #include "TransferMeter.h"
 #include "qvnetcall/transfer/Extensions.h"
 
-namespace qv {
+namespace qv::components {
 
 // Has `callback` called by the runs of this thread from now on; null ends it.
 void SetRunCallback(QvTransferCallback callback, void* context) noexcept;
@@ -41,4 +41,4 @@ class RunMeter final : public TransferMeter {
   bool is_stopped_ = false;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -2,7 +2,7 @@
 
 #include "RemotePath.h"
 
-namespace qv {
+namespace qv::components {
 
 TransferDesk::~TransferDesk() {
   for (const auto kind : {TransferKind::kUpload, TransferKind::kDownload, TransferKind::kCopy}) {
@@ -50,4 +50,4 @@ long TransferDesk::DeleteFolder(const char* path) {
   return store_ != nullptr ? store_->DeleteFolder(*server_path) : QvTransfer_NotLoggedIn;
 }
 
-}  // namespace qv
+}  // namespace qv::components

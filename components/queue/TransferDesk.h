@@ -9,7 +9,7 @@
 #include "TransferQueue.h"
 #include "qvnetcall/transfer/ComError.h"
 
-namespace qv {
+namespace qv::components {
 
 // What a call that works with memory comes to: no exception leaves a component.
 template <class Call>
@@ -63,4 +63,4 @@ class TransferDesk {
   QvTransferResult last_result_ = QvTransfer_Success;
 };
 
-}  // namespace qv
+}  // namespace qv::components

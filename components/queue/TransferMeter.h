@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace qv {
+namespace qv::components {
 
 // Hears how far the file that is being moved has come; false stops the transfer.
 class TransferMeter {
@@ -15,4 +15,4 @@ class TransferMeter {
   ~TransferMeter() = default;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -6,7 +6,7 @@
 #include "RemotePath.h"
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -121,4 +121,4 @@ void TransferQueue::Empty(RemoteStore* store) {
   is_done_ = false;
 }
 
-}  // namespace qv
+}  // namespace qv::components

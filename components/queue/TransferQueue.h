@@ -8,7 +8,7 @@
 #include "RemoteStore.h"
 #include "RunMeter.h"
 
-namespace qv {
+namespace qv::components {
 
 enum class TransferKind { kUpload, kDownload, kCopy };
 
@@ -55,4 +55,4 @@ class TransferQueue {
   bool is_done_ = false;
 };
 
-}  // namespace qv
+}  // namespace qv::components

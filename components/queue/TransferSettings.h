@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace qv {
+namespace qv::components {
 
 struct TransferSettings {
   std::string ca_file;
@@ -16,4 +16,4 @@ struct TransferSettings {
   std::uint64_t part_bytes = std::uint64_t{16} << 20;
 };
 
-}  // namespace qv
+}  // namespace qv::components

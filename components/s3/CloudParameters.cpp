@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -29,13 +29,13 @@ bool SetRegion(Settings& to, const std::string& value) {
            c == '_';
   };
   if (value.empty() || !std::all_of(value.begin(), value.end(), is_allowed)) return false;
-  return SetText(to.region, value);
+  return wire::SetText(to.region, value);
 }
 
-constexpr Parameter<Settings> kParameters[] = {
-    TextParameter<Settings, &Settings::ca_file>("ca_file"),
-    MillisecondsParameter<Settings, &Settings::connect_timeout>("connect_timeout_ms"),
-    MillisecondsParameter<Settings, &Settings::io_timeout>("io_timeout_ms"),
+constexpr wire::Parameter<Settings> kParameters[] = {
+    wire::TextParameter<Settings, &Settings::ca_file>("ca_file"),
+    wire::MillisecondsParameter<Settings, &Settings::connect_timeout>("connect_timeout_ms"),
+    wire::MillisecondsParameter<Settings, &Settings::io_timeout>("io_timeout_ms"),
     {"region", [](const Settings& from) { return from.region; }, &SetRegion},
     {"part_bytes", [](const Settings& from) { return std::to_string(from.part_bytes); },
      &SetPartBytes},
@@ -45,4 +45,4 @@ constexpr Parameter<Settings> kParameters[] = {
 
 CloudParameters::CloudParameters() : ParameterSet(kParameters) {}
 
-}  // namespace qv
+}  // namespace qv::components

@@ -4,11 +4,11 @@
 #include "components/queue/TransferSettings.h"
 #include "transports/exchange/ParameterSet.h"
 
-namespace qv {
+namespace qv::components {
 
-class CloudParameters : public ParameterSet<TransferSettings> {
+class CloudParameters : public wire::ParameterSet<TransferSettings> {
  public:
   CloudParameters();
 };
 
-}  // namespace qv
+}  // namespace qv::components

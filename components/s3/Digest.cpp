@@ -6,7 +6,7 @@
 #include <array>
 #include <new>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -86,4 +86,4 @@ std::string Base64Of(std::string_view bytes) {
   return text;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -8,7 +8,7 @@
 
 struct evp_md_ctx_st;
 
-namespace qv {
+namespace qv::components {
 
 // Digests are raw bytes. All of this throws std::bad_alloc when the library behind it has no memory
 // left, and nothing else.
@@ -37,4 +37,4 @@ class Sha256Stream {
 [[nodiscard]] std::string HexOf(std::string_view bytes);
 [[nodiscard]] std::string Base64Of(std::string_view bytes);
 
-}  // namespace qv
+}  // namespace qv::components

@@ -7,10 +7,10 @@
 #include "CloudParameters.h"
 #include "S3Endpoint.h"
 #include "S3Store.h"
-#include "qvnetcall/transfer/Extensions.h"
 #include "components/queue/DeskComponent.h"
+#include "qvnetcall/transfer/Extensions.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -75,24 +75,27 @@ void CloudComponent::Leave() {
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::components
 
 extern "C" {
 
 IQvCoCSC* QvCoCSCCreate() {
-  qv::CloudComponent* component = nullptr;
-  static_cast<void>(qv::Guarded([&] { component = new qv::CloudComponent; }));
+  qv::components::CloudComponent* component = nullptr;
+  static_cast<void>(
+      qv::components::Guarded([&] { component = new qv::components::CloudComponent; }));
   return component;
 }
 
 void QvCoCSCSetProgress(QvTransferCallback callback, void* context) {
-  qv::SetRunCallback(callback, context);
+  qv::components::SetRunCallback(callback, context);
 }
 
 int QvCoCSCSetParameter(const char* name, const char* value) {
   int is_set = 0;
-  static_cast<void>(qv::Guarded([&] {
-    is_set = name != nullptr && value != nullptr && qv::Parameters().Set(name, value) ? 1 : 0;
+  static_cast<void>(qv::components::Guarded([&] {
+    is_set = name != nullptr && value != nullptr && qv::components::Parameters().Set(name, value)
+                 ? 1
+                 : 0;
   }));
   return is_set;
 }

@@ -4,7 +4,7 @@
 
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::components {
 
 QvTransferResult S3Download::Run() {
   ContinuePart();
@@ -89,4 +89,4 @@ void S3Download::Discard() {
   resume_ = {};
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -9,7 +9,7 @@
 #include "components/queue/LocalTarget.h"
 #include "components/queue/RemoteStore.h"
 
-namespace qv {
+namespace qv::components {
 
 // Of `Resume`, the tag is the object's ETag; without one nothing is resumed. Used once.
 class S3Download final : private S3Receiver, private TransferMeter {
@@ -44,4 +44,4 @@ class S3Download final : private S3Receiver, private TransferMeter {
   std::uint64_t total_ = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -4,7 +4,7 @@
 
 #include "S3Signature.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -97,4 +97,4 @@ std::optional<S3Wire> S3Endpoint::Address(const S3Request& request) const {
   return wire;
 }
 
-}  // namespace qv
+}  // namespace qv::components

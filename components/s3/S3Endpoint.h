@@ -7,7 +7,7 @@
 
 #include "S3Request.h"
 
-namespace qv {
+namespace qv::components {
 
 class S3Endpoint {
  public:
@@ -27,4 +27,4 @@ class S3Endpoint {
   bool is_bucket_in_host_ = false;
 };
 
-}  // namespace qv
+}  // namespace qv::components

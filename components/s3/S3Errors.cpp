@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -73,4 +73,4 @@ QvTransferResult ResultOfError(long status, std::string_view code) {
   return found != kCodes.end() ? found->result : ResultOfStatus(status);
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -8,7 +8,7 @@
 #include "S3Errors.h"
 #include "S3Xml.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -97,4 +97,4 @@ QvTransferResult DeleteBelow(S3Session& session, const S3Path& folder) {
   return QvTransfer_BadAnswer;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -164,4 +164,4 @@ S3Request S3Parts::RequestFor(const char* method) const {
           .query = {{"uploadId", resume_.part}}};
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -12,7 +12,7 @@
 #include "S3Xml.h"
 #include "components/queue/RemoteStore.h"
 
-namespace qv {
+namespace qv::components {
 
 // How an object is divided.
 struct PartPlan {
@@ -65,4 +65,4 @@ class S3Parts {
   std::vector<S3Part> parts_;
 };
 
-}  // namespace qv
+}  // namespace qv::components

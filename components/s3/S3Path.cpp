@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -62,4 +62,4 @@ std::optional<S3Path> S3Path::OfFolder(std::string_view path) {
   return folder;
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::components {
 
 // "bucket/key"; slashes at the start of what a caller writes are dropped.
 struct S3Path {
@@ -21,4 +21,4 @@ struct S3Path {
   bool operator==(const S3Path&) const = default;
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace qv {
+namespace qv::components {
 
 using TextPairs = std::vector<std::pair<std::string, std::string>>;
 
@@ -33,4 +33,4 @@ struct S3Wire {
   }
 };
 
-}  // namespace qv
+}  // namespace qv::components

@@ -9,7 +9,7 @@
 #include "S3Xml.h"
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -259,4 +259,4 @@ std::optional<S3Wire> S3Session::Prepare(const S3Request& request,
   return wire;
 }
 
-}  // namespace qv
+}  // namespace qv::components

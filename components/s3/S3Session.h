@@ -11,13 +11,13 @@
 #include "S3Endpoint.h"
 #include "S3Request.h"
 #include "S3Signature.h"
-#include "qvnetcall/transfer/ResultCodes.h"
 #include "components/queue/CurlRequest.h"
 #include "components/queue/LocalSource.h"
 #include "components/queue/TransferMeter.h"
 #include "components/queue/TransferSettings.h"
+#include "qvnetcall/transfer/ResultCodes.h"
 
-namespace qv {
+namespace qv::components {
 
 // What a server answered with, before the body.
 struct S3Head {
@@ -80,7 +80,7 @@ class S3Session {
   S3Keys keys_;
   TransferSettings settings_;
   // Its connections serve one request after the other.
-  CurlHandle curl_;
+  curl::CurlHandle curl_;
 };
 
-}  // namespace qv
+}  // namespace qv::components

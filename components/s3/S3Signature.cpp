@@ -8,7 +8,7 @@
 
 #include "Digest.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -101,4 +101,4 @@ void Sign(S3Wire& wire, const S3Keys& keys, const std::string& body_hash, std::i
                                         kAlgorithm, keys.access, scope, headers.names, signature));
 }
 
-}  // namespace qv
+}  // namespace qv::components

@@ -7,7 +7,7 @@
 
 #include "S3Request.h"
 
-namespace qv {
+namespace qv::components {
 
 struct S3Keys {
   std::string access;
@@ -27,4 +27,4 @@ struct S3Keys {
 // 1970.
 void Sign(S3Wire& wire, const S3Keys& keys, const std::string& body_hash, std::int64_t now);
 
-}  // namespace qv
+}  // namespace qv::components

@@ -8,7 +8,7 @@
 #include "S3Parts.h"
 #include "S3Xml.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -167,4 +167,4 @@ void S3Store::Forget(const S3Path& target, Resume& resume) {
   resume = {};
 }
 
-}  // namespace qv
+}  // namespace qv::components

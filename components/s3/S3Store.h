@@ -10,7 +10,7 @@
 #include "S3Session.h"
 #include "components/queue/RemoteStore.h"
 
-namespace qv {
+namespace qv::components {
 
 // Sizes in bytes from which one request is too few.
 struct S3Limits {
@@ -57,4 +57,4 @@ class S3Store final : public RemoteStore {
   S3Limits limits_;
 };
 
-}  // namespace qv
+}  // namespace qv::components

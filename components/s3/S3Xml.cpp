@@ -5,7 +5,7 @@
 #include <pugixml.hpp>
 #include <string_view>
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -167,4 +167,4 @@ std::string CompletionXml(const std::vector<S3Part>& parts) {
   return xml + "</CompleteMultipartUpload>";
 }
 
-}  // namespace qv
+}  // namespace qv::components

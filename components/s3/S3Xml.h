@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace qv {
+namespace qv::components {
 
 // Each reader gives nothing when the text is something else than it looks for.
 
@@ -45,4 +45,4 @@ struct S3PartListing {
 [[nodiscard]] std::string DeletionXml(const std::vector<std::string>& keys);
 [[nodiscard]] std::string CompletionXml(const std::vector<S3Part>& parts);
 
-}  // namespace qv
+}  // namespace qv::components

@@ -14,7 +14,7 @@
 #include "tests/support/ServerProcess.h"
 #include "tests/support/TempFolder.h"
 
-namespace qv {
+namespace qv::components {
 
 // The last argument of `call` is where its result goes.
 template <class... Parameters, class... Arguments>
@@ -120,4 +120,4 @@ inline std::map<std::string, std::string> FilesIn(const std::string& folder) {
   return files;
 }
 
-}  // namespace qv
+}  // namespace qv::components

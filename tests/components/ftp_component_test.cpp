@@ -10,7 +10,7 @@
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestCertificate.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -348,4 +348,4 @@ TEST(FtpComponentTest, WaitsForNoServerWithoutAnEnd) {
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::components

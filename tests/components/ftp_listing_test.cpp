@@ -2,7 +2,7 @@
 
 #include "components/ftp/FtpFolder.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -26,4 +26,4 @@ TEST(FtpListingTest, GivesNamesOfSingleEntries) {
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::components

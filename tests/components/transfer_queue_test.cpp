@@ -7,7 +7,7 @@
 
 #include "tests/support/TempFolder.h"
 
-namespace qv {
+namespace qv::components {
 
 namespace {
 
@@ -125,4 +125,4 @@ TEST(TransferQueueTest, EmptyingTakesBackWhatBrokenTriesLeft) {
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::components

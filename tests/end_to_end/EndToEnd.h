@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvstandin/net/StandIn.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/net/StandIn.h"
 
 namespace qv {
 

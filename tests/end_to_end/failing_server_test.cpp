@@ -98,7 +98,7 @@ TEST_F(FailingServer, GivesNoWholeAnswer) {
   const std::pair<std::string, int> cases[] = {{"", -2},
                                                {right.substr(0, 150'000), -2},
                                                {std::string(4096, '\xFF'), -3},
-                                               {HeaderOnly(FrameKind::kReply, 1ULL << 32), -3},
+                                               {HeaderOnly(wire::FrameKind::kReply, 1ULL << 32), -3},
                                                {Damaged(right, 306), -3}};
   for (const auto& [answer, result] : cases) {
     const auto script = AfterRequest([&](ServerSide& side) { side.Write({BytesOfText(answer)}); });
@@ -113,7 +113,7 @@ TEST_F(FailingServer, AnswersOnToAFullDisk) {
   const auto memory =
       AfterRequest([&](ServerSide& side) { side.Reply(found_ + Field("MEMORY") + Field(rowset)); });
   const auto streamed = AfterRequest([&](ServerSide& side) {
-    auto outgoing = OutgoingFile::Open(file);
+    auto outgoing = wire::OutgoingFile::Open(file);
     ASSERT_TRUE(outgoing);
     side.Reply(found_ + Field("FILE"), &*outgoing);
   });

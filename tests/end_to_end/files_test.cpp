@@ -103,8 +103,8 @@ TEST_F(FilesTest, AnInterruptedUploadLeavesTheOldFile) {
   StoreU32(frame.block.data(), 100);
   frame.block[13] = 'x';
   MemoryStream sent;
-  auto file = OutgoingFile::Open(folder_.Write("new", std::string(300'000, 'n')));
-  ASSERT_EQ(SendWhole(sent, FrameKind::kRequest, frame, &*file), FrameStatus::kDone);
+  auto file = wire::OutgoingFile::Open(folder_.Write("new", std::string(300'000, 'n')));
+  ASSERT_EQ(SendWhole(sent, wire::FrameKind::kRequest, frame, &*file), wire::FrameStatus::kDone);
   for (const std::size_t length : {sent.written.size() - 1, sent.written.size()}) {
     standin::ClientStream client(std::chrono::seconds(20));
     client.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), server_->Port()});

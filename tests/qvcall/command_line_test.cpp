@@ -8,14 +8,14 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/qvcall/output/ReturnCodes.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvcall/output/ReturnCodes.h"
 
 namespace {
 
-using qv::ParsedCommandLine;
-using qv::Route;
+using qv::tool::ParsedCommandLine;
+using qv::tool::Route;
 
 // What the environment of the test run says must not count; one case sets its own.
 class CommandLine : public testing::Test {
@@ -38,9 +38,9 @@ Parsed Parse(std::vector<const char*> words) {
   words.insert(words.begin(), "qvcall");
   std::ostringstream out;
   std::ostringstream err;
-  Parsed parsed{qv::ParseCommandLine(static_cast<int>(words.size()), words.data(), out, err),
+  Parsed parsed{qv::tool::ParseCommandLine(static_cast<int>(words.size()), words.data(), out, err),
                 err.str()};
-  EXPECT_EQ(parsed.exit_status == qv::kUsage, !parsed.complaint.empty());
+  EXPECT_EQ(parsed.exit_status == qv::tool::kUsage, !parsed.complaint.empty());
   return parsed;
 }
 
@@ -48,7 +48,7 @@ TEST_F(CommandLine, TakesGlobalOptionsOnEitherSideOfTheCommand) {
   for (const auto& words : std::vector<std::vector<const char*>>{
            {"--server", "h", "--port", "7", "--token", "t", "query", "SELECT 1", "--db", "D"},
            {"query", "--db", "D", "SELECT 1", "--port", "7", "--server", "h", "--token", "t"}}) {
-    const qv::CommandLine command = Parse(words).command;
+    const qv::tool::CommandLine command = Parse(words).command;
     ASSERT_TRUE(command.query);
     EXPECT_EQ(command.connection.server, "h");
     EXPECT_EQ(command.connection.port, 7);
@@ -56,7 +56,7 @@ TEST_F(CommandLine, TakesGlobalOptionsOnEitherSideOfTheCommand) {
     EXPECT_EQ(command.connection.timeout_ms, std::nullopt);
     EXPECT_EQ(command.query->sql, "SELECT 1");
     EXPECT_EQ(command.query->database, "D");
-    EXPECT_EQ(command.query->format, qv::Format::kTable);
+    EXPECT_EQ(command.query->format, qv::tool::Format::kTable);
     EXPECT_FALSE(command.query->use_cache);
   }
 }
@@ -65,12 +65,13 @@ TEST_F(CommandLine, TakesTheEnvironmentWhereAnOptionIsMissing) {
   qv::SetVariable("QVCALL_SERVER", "e");
   qv::SetVariable("QVCALL_PORT", "9");
   qv::SetVariable("QVCALL_TOKEN", "s");
-  const qv::Connection connection = Parse({"ping", "--server", "h"}).command.connection;
+  const qv::tool::ConnectionOptions connection =
+      Parse({"ping", "--server", "h"}).command.connection;
   EXPECT_EQ(connection.server, "h");
   EXPECT_EQ(connection.port, 9);
   EXPECT_EQ(connection.token, "s");
   qv::SetVariable("QVCALL_PORT", "many");
-  EXPECT_EQ(Parse({"ping"}).exit_status, qv::kUsage);
+  EXPECT_EQ(Parse({"ping"}).exit_status, qv::tool::kUsage);
 }
 
 TEST_F(CommandLine, TakesAStatementFromStandardInputAndACacheWithOrWithoutAFolder) {
@@ -81,15 +82,15 @@ TEST_F(CommandLine, TakesAStatementFromStandardInputAndACacheWithOrWithoutAFolde
   EXPECT_EQ(query({}).sql, "-");
   EXPECT_TRUE(query({"--cache"}).use_cache);
   EXPECT_EQ(query({"--cache"}).cache_folder, "");
-  EXPECT_EQ(query({"--cache", "--format", "csv"}).format, qv::Format::kCsv);
+  EXPECT_EQ(query({"--cache", "--format", "csv"}).format, qv::tool::Format::kCsv);
   EXPECT_EQ(query({"--cache", "/c"}).cache_folder, "/c");
   EXPECT_TRUE(query({"--offline"}).use_cache);
 }
 
 TEST_F(CommandLine, KeepsTheCommandsApart) {
   EXPECT_EQ(Parse({"--port", "7", "call", "p", "--db", "D"}).command.query.value().call,
-            qv::Call::kProcedure);
-  const qv::CommandLine exec = Parse({"--port", "7", "exec", "-", "--db", "D"}).command;
+            qv::tool::Call::kProcedure);
+  const qv::tool::CommandLine exec = Parse({"--port", "7", "exec", "-", "--db", "D"}).command;
   EXPECT_TRUE(exec.exec && !exec.query && !exec.batch);
   EXPECT_EQ(Parse({"--port", "7", "batch", "f", "--db", "D"}).command.batch.value().file, "f");
 }
@@ -99,17 +100,17 @@ TEST_F(CommandLine, TakesServerPathsAsTheyAreSent) {
     words.insert(words.begin(), {"--port", "7"});
     return Parse(words).command.store.value();
   };
-  const auto put = std::get<qv::PutFiles>(taken({"put", "a/b", "info", "-r", "c", "/x/y/"}));
+  const auto put = std::get<qv::tool::PutFiles>(taken({"put", "a/b", "info", "-r", "c", "/x/y/"}));
   EXPECT_EQ(put.local, (std::vector<std::string>{"a/b", "info", "c"}));
   EXPECT_EQ(put.server_folder, "x\\y");
   EXPECT_TRUE(put.recursive);
-  const auto get = std::get<qv::GetFiles>(taken({"get", "-r", "/", "x/y", "./"}));
+  const auto get = std::get<qv::tool::GetFiles>(taken({"get", "-r", "/", "x/y", "./"}));
   EXPECT_EQ(get.server, (std::vector<std::string>{"", "x\\y"}));
   EXPECT_EQ(get.local_folder, "./");
-  EXPECT_EQ(std::get<qv::MovePath>(taken({"mv", "a/b", "c/"})).target, "c\\b");
-  EXPECT_EQ(std::get<qv::CopyFile>(taken({"cp", "a/b", "c"})).target, "c");
-  EXPECT_EQ(std::get<qv::PutById>(taken({"idput", "7", "n"})).local, "n");
-  EXPECT_EQ(std::get<qv::ListGroups>(taken({"groups"})).pattern, "*");
+  EXPECT_EQ(std::get<qv::tool::MovePath>(taken({"mv", "a/b", "c/"})).target, "c\\b");
+  EXPECT_EQ(std::get<qv::tool::CopyFile>(taken({"cp", "a/b", "c"})).target, "c");
+  EXPECT_EQ(std::get<qv::tool::PutById>(taken({"idput", "7", "n"})).local, "n");
+  EXPECT_EQ(std::get<qv::tool::ListGroups>(taken({"groups"})).pattern, "*");
 }
 
 TEST_F(CommandLine, TakesAHostApartAndLeavesPathsElsewhereAsTheyAre) {
@@ -130,7 +131,7 @@ TEST_F(CommandLine, TakesAHostApartAndLeavesPathsElsewhereAsTheyAre) {
     EXPECT_EQ(queue->host.name, name);
     EXPECT_EQ(queue->host.port, port);
     EXPECT_EQ(queue->host.retries, 0);
-    const auto& put = std::get<qv::QueuePut>(queue->work);
+    const auto& put = std::get<qv::tool::QueuePut>(queue->work);
     EXPECT_EQ(put.local, std::vector<std::string>{"put"});
     EXPECT_EQ(put.folder, "/x\\y/");
     EXPECT_TRUE(put.recursive);
@@ -151,9 +152,9 @@ TEST_F(CommandLine, RefusesWrongUsage) {
            {"--port", "7", "query", "SELECT 1", "--db", ""},
            {"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"},
            {"--port", "7", "ping", "--frob"}}) {
-    EXPECT_EQ(Parse(words).exit_status, qv::kUsage);
+    EXPECT_EQ(Parse(words).exit_status, qv::tool::kUsage);
   }
-  EXPECT_EQ(Parse({"--help"}).exit_status, qv::kDone);
+  EXPECT_EQ(Parse({"--help"}).exit_status, qv::tool::kDone);
   EXPECT_FALSE(Parse({"--port", "7", "ping"}).command.query);
 }
 
@@ -226,47 +227,51 @@ TEST_F(CommandLine, PicksThePortThatItTalksTo) {
   EXPECT_EQ(Parse({"--web", "ping"}).command.connection.Port(), 8);
   qv::SetVariable("QVCALL_DIRECT", "x=y");
   EXPECT_EQ(Parse({"ping"}).command.connection.direct, "x=y");
-  EXPECT_EQ(Parse({"--web", "ping"}).exit_status, qv::kUsage);
+  EXPECT_EQ(Parse({"--web", "ping"}).exit_status, qv::tool::kUsage);
 }
 
 TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
   std::set<std::string_view> meanings;
   for (const int code : {0, 1, 2, 3, 10, -1, -2, -3, 77}) {
-    const qv::ReturnCode words = qv::ExplainResult(qv::Call::kQuery, Route::kSocket, code);
+    const qv::tool::ReturnCode words =
+        qv::tool::ExplainResult(qv::tool::Call::kQuery, Route::kSocket, code);
     EXPECT_EQ(words.code, code);
     EXPECT_EQ(words.advice.empty(), code == 0);
     EXPECT_TRUE(meanings.insert(words.meaning).second) << code;
   }
-  const auto meaning = [](qv::Call call, int code, Route route = Route::kSocket) {
-    return qv::ExplainResult(call, route, code).meaning;
+  const auto meaning = [](qv::tool::Call call, int code, Route route = Route::kSocket) {
+    return qv::tool::ExplainResult(call, route, code).meaning;
   };
-  EXPECT_EQ(meaning(qv::Call::kBatch, 107), meaning(qv::Call::kBatch, qv::kRefusedBatch));
-  EXPECT_EQ(meaning(qv::Call::kExec, 100), meaning(qv::Call::kQuery, 77));
-  EXPECT_NE(meaning(qv::Call::kBatch, 2), meaning(qv::Call::kProcedure, 2));
-  EXPECT_NE(meaning(qv::Call::kBatch, -1), meaning(qv::Call::kBatch, -1, Route::kDirect));
+  EXPECT_EQ(meaning(qv::tool::Call::kBatch, 107),
+            meaning(qv::tool::Call::kBatch, qv::tool::kRefusedBatch));
+  EXPECT_EQ(meaning(qv::tool::Call::kExec, 100), meaning(qv::tool::Call::kQuery, 77));
+  EXPECT_NE(meaning(qv::tool::Call::kBatch, 2), meaning(qv::tool::Call::kProcedure, 2));
+  EXPECT_NE(meaning(qv::tool::Call::kBatch, -1),
+            meaning(qv::tool::Call::kBatch, -1, Route::kDirect));
 }
 
 TEST(ReturnCodes, KnowWhichCallsGiveNoughtForSuccess) {
-  for (auto call = qv::Call::kUpload; call <= qv::Call::kLog;
-       call = static_cast<qv::Call>(static_cast<int>(call) + 1)) {
-    const int success = call <= qv::Call::kRemove ? 0 : 1;
-    EXPECT_EQ(qv::ExplainResult(call, Route::kSocket, success).advice, "");
-    const auto refused = qv::ExplainResult(call, Route::kSocket, 1 - success);
-    EXPECT_NE(refused.meaning, qv::ExplainResult(call, Route::kSocket, 77).meaning);
+  for (auto call = qv::tool::Call::kUpload; call <= qv::tool::Call::kLog;
+       call = static_cast<qv::tool::Call>(static_cast<int>(call) + 1)) {
+    const int success = call <= qv::tool::Call::kRemove ? 0 : 1;
+    EXPECT_EQ(qv::tool::ExplainResult(call, Route::kSocket, success).advice, "");
+    const auto refused = qv::tool::ExplainResult(call, Route::kSocket, 1 - success);
+    EXPECT_NE(refused.meaning, qv::tool::ExplainResult(call, Route::kSocket, 77).meaning);
     EXPECT_NE(refused.advice, "");
   }
 }
 
 TEST(ReturnCodes, SpeakOfServersAndOfflineWorkOnlyWhereTheyAre) {
-  for (const qv::Call call : {qv::Call::kQuery, qv::Call::kProcedure, qv::Call::kExec}) {
+  for (const qv::tool::Call call :
+       {qv::tool::Call::kQuery, qv::tool::Call::kProcedure, qv::tool::Call::kExec}) {
     for (const int code : {1, 2, 3, 10, -1, -2, -3, 77}) {
-      const qv::ReturnCode web = qv::ExplainResult(call, Route::kWeb, code);
+      const qv::tool::ReturnCode web = qv::tool::ExplainResult(call, Route::kWeb, code);
       for (const std::string_view words : {web.meaning, web.advice}) {
         EXPECT_EQ(words.find("offline"), std::string_view::npos) << words;
         EXPECT_EQ(words.find("--cache"), std::string_view::npos) << words;
       }
     }
-    const qv::ReturnCode direct = qv::ExplainResult(call, Route::kDirect, 1);
+    const qv::tool::ReturnCode direct = qv::tool::ExplainResult(call, Route::kDirect, 1);
     EXPECT_EQ(direct.meaning.find("server"), std::string_view::npos) << direct.meaning;
     EXPECT_EQ(direct.advice.find("server"), std::string_view::npos) << direct.advice;
   }

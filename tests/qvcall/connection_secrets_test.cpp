@@ -20,7 +20,7 @@ TEST(ConnectionSecrets, AreNotShown) {
       {"Driver", "no Driver", "no ***"},
   };
   for (const auto& [connection, text, shown] : cases) {
-    EXPECT_EQ(qv::WithoutSecrets(text, connection), shown) << connection;
+    EXPECT_EQ(qv::tool::WithoutSecrets(text, connection), shown) << connection;
   }
 }
 

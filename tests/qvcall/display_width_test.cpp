@@ -37,15 +37,15 @@ TEST(DisplayWidth, ShowsWhatATerminalCanShow) {
   };
   for (const Case& each : cases) {
     std::string line = "> ";
-    EXPECT_EQ(qv::AppendVisible(each.text, line), each.cells) << each.shown;
+    EXPECT_EQ(qv::tool::AppendVisible(each.text, line), each.cells) << each.shown;
     EXPECT_EQ(line, "> " + each.shown);
   }
 }
 
 TEST(DisplayWidth, CutsBetweenCharacters) {
-  EXPECT_EQ(qv::VisibleStart("a\nb阀", 6), "a\\nb阀");
-  EXPECT_EQ(qv::VisibleStart("a阀门阀门", 7), "a阀...");
-  EXPECT_EQ(qv::VisibleStart("a阀\u0301\n门阀门", 6), "a阀\u0301...");
+  EXPECT_EQ(qv::tool::VisibleStart("a\nb阀", 6), "a\\nb阀");
+  EXPECT_EQ(qv::tool::VisibleStart("a阀门阀门", 7), "a阀...");
+  EXPECT_EQ(qv::tool::VisibleStart("a阀\u0301\n门阀门", 6), "a阀\u0301...");
 }
 
 TEST(DisplayWidth, KnowsTheEdgesOfItsRanges) {
@@ -54,7 +54,7 @@ TEST(DisplayWidth, KnowsTheEdgesOfItsRanges) {
       {0x115f, 2}, {0x1160, 0}, {0x4e00, 2}, {0xd7a3, 2},  {0xfeff, 0},  {0xff60, 2},
       {0xff61, 1}, {0xe000, 1}, {0xad, 1},   {0x3fffd, 2}, {0x10ffff, 1}};
   for (const auto& [character, cells] : cases) {
-    EXPECT_EQ(qv::CellsOf(character), cells) << std::hex << static_cast<unsigned>(character);
+    EXPECT_EQ(qv::tool::CellsOf(character), cells) << std::hex << static_cast<unsigned>(character);
   }
 }
 

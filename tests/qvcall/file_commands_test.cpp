@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvcall/files/FolderCommands.h"
-#include "tools/qvcall/files/IdCommands.h"
-#include "tools/qvcall/files/TransferCommands.h"
 #include "qvnetcall/standin/Records.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvcall/files/FolderCommands.h"
+#include "tools/qvcall/files/IdCommands.h"
+#include "tools/qvcall/files/TransferCommands.h"
 
 namespace {
 
@@ -51,10 +51,10 @@ class FileCommands : public testing::Test {
   int Run(const Command& command) {
     out_.str("");
     err_.str("");
-    return qv::Run(connection_, command, out_, err_);
+    return qv::tool::Run(connection_, command, out_, err_);
   }
   int Fetch(std::vector<std::string> server, bool recursive = true) {
-    return Run(qv::GetFiles{std::move(server), Here("got"), recursive});
+    return Run(qv::tool::GetFiles{std::move(server), Here("got"), recursive});
   }
   std::string Here(const std::string& name) const { return (folder_.Path() / name).string(); }
   // All that stands in the test's folder, with "/" at the end of folders.
@@ -74,7 +74,7 @@ class FileCommands : public testing::Test {
   }
 
   const qv::TempFolder folder_;
-  const qv::Connection connection_{.server = "main", .port = 4000};
+  const qv::tool::ConnectionOptions connection_{.server = "main", .port = 4000};
   std::map<std::string, Names> folders_;  // by the path that holds them
   std::map<std::string, Names> files_;
   std::uint64_t hidden_ = 0;  // the folders' flags
@@ -145,7 +145,7 @@ TEST_F(FileCommands, WriteNothingOutsideTheFolderWhateverAServerCallsItsFiles) {
   for (const char* folder : {"top\\..", "top\\a/b", "top\\link", "top\\sub"}) {
     files_[folder] = {"inside"};
   }
-  EXPECT_EQ(Fetch({"top"}), qv::kFailed);
+  EXPECT_EQ(Fetch({"top"}), qv::tool::kFailed);
   EXPECT_EQ(Tree(),
             (std::set<std::string>{"elsewhere/", "got/", "got/top/", "got/top/link/", "got/top/ok",
                                    "got/top/sub/", "got/top/sub/inside", "got/top/图.dwg"}));
@@ -155,7 +155,7 @@ TEST_F(FileCommands, WriteNothingOutsideTheFolderWhateverAServerCallsItsFiles) {
 
 TEST_F(FileCommands, LeaveALocalFileAsItIsWhenItsDownloadFails) {
   folder_.Write("got", "");
-  EXPECT_EQ(Fetch({"a"}), qv::kFailed);
+  EXPECT_EQ(Fetch({"a"}), qv::tool::kFailed);
   fs::remove(Here("got"));
   fs::create_directory(Here("got"));
   folder_.Write("got/a", "old");
@@ -163,14 +163,14 @@ TEST_F(FileCommands, LeaveALocalFileAsItIsWhenItsDownloadFails) {
   folders_[""] = {"top"};
   files_["top"] = {"a", "b"};
   status_ = "FAILURE";
-  EXPECT_EQ(Run(qv::GetById{{7, "a"}, Here("got")}), qv::kFailed);
-  EXPECT_EQ(Fetch({""}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::GetById{{7, "a"}, Here("got")}), qv::tool::kFailed);
+  EXPECT_EQ(Fetch({""}), qv::tool::kFailed);
   status_ = "SUCCESS";
-  EXPECT_EQ(Run(qv::GetById{{7, "a"}, Here("got")}), qv::kFailed);  // another checksum
+  EXPECT_EQ(Run(qv::tool::GetById{{7, "a"}, Here("got")}), qv::tool::kFailed);  // another checksum
   EXPECT_EQ(qv::BytesOf(Here("got/a")), "old");
   EXPECT_EQ(Tree(), (std::set<std::string>{"got/", "got/a", "got/top/"}));
   checksum_ = "6BE34445";
-  EXPECT_EQ(Run(qv::GetById{{7, "a"}, Here("got")}), qv::kDone);
+  EXPECT_EQ(Run(qv::tool::GetById{{7, "a"}, Here("got")}), qv::tool::kDone);
   EXPECT_NE(err_.str().find("checksum ok"), std::string::npos) << err_.str();
   EXPECT_EQ(qv::BytesOf(Here("got/a")), "new");
 }
@@ -179,30 +179,30 @@ TEST_F(FileCommands, ListLargeFoldersInPagesAndSpellOutWhatATerminalWouldObey) {
   folders_["top"] = {"z", "a"};
   for (int i = 0; i < 4001; ++i) files_["top"].push_back("f" + std::to_string(i));
   files_["top"].back() = "\x1b[2J";
-  EXPECT_EQ(Run(qv::ListFolder{"top", "", false}), qv::kDone);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"top", "", false}), qv::tool::kDone);
   EXPECT_EQ(out_.str().substr(0, 9), "a\\\nz\\\nf0\n");
   EXPECT_NE(out_.str().find("\nf3999\n\\x1b[2J\n"), std::string::npos);
   EXPECT_EQ(Sent(6029), 2);
   files_["top"] = {"a", "", "b"};  // as a listing that did not come whole
-  EXPECT_EQ(Run(qv::ListFolder{"top", "", false}), qv::kFailed);
-  EXPECT_EQ(Run(qv::ListFolder{"none", "", false}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"top", "", false}), qv::tool::kFailed);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"none", "", false}), qv::tool::kFailed);
   // Folders that are there, but too many for the server to list.
   folders_[""] = {"many"};
   files_["many"] = {"a"};
   hidden_ = qv::records::folder::kHasFolders;
-  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"many", "", false}), qv::tool::kFailed);
   fs::create_directory(Here("got"));
-  EXPECT_EQ(Fetch({"many"}), qv::kFailed);
+  EXPECT_EQ(Fetch({"many"}), qv::tool::kFailed);
   hidden_ = 0;
-  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kDone);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"many", "", false}), qv::tool::kDone);
   files_["many"].clear();
   too_many_ = true;
-  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kFailed);
-  EXPECT_EQ(Fetch({"many"}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"many", "", false}), qv::tool::kFailed);
+  EXPECT_EQ(Fetch({"many"}), qv::tool::kFailed);
   too_many_ = false;
   folders_["many"] = {"", ""};
-  EXPECT_EQ(Run(qv::ListFolder{"many", "", false}), qv::kFailed);
-  EXPECT_EQ(Fetch({"many"}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::ListFolder{"many", "", false}), qv::tool::kFailed);
+  EXPECT_EQ(Fetch({"many"}), qv::tool::kFailed);
 }
 
 TEST_F(FileCommands, SendWhatCanBeSentAndSayWhatCannot) {
@@ -215,15 +215,15 @@ TEST_F(FileCommands, SendWhatCanBeSentAndSayWhatCannot) {
   folders_[""] = {"to"};
   folders_["to"] = {"up"};
   folders_["to\\up"] = {"sub"};
-  EXPECT_EQ(Run(qv::PutFiles{{Here("up"), Here("none")}, "to", true}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::PutFiles{{Here("up"), Here("none")}, "to", true}), qv::tool::kFailed);
   Names sent;
   for (const SentRequest& request : ScriptedTransport::Get().requests) {
     if (request.command == 100) sent.emplace_back(request.name_field.c_str());
   }
   EXPECT_EQ(sent, (Names{"to\\up\\a", "to\\up\\sub\\b", "to\\up\\sub\\link"}));
   EXPECT_NE(err_.str().find("3 failed"), std::string::npos) << err_.str();
-  EXPECT_EQ(Run(qv::PutFiles{{Here("up")}, "to", false}), qv::kFailed);
-  EXPECT_EQ(Run(qv::PutFiles{{Here("up/a")}, "nowhere", false}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::PutFiles{{Here("up")}, "to", false}), qv::tool::kFailed);
+  EXPECT_EQ(Run(qv::tool::PutFiles{{Here("up/a")}, "nowhere", false}), qv::tool::kFailed);
   EXPECT_EQ(Sent(100), 3);
 }
 
@@ -233,9 +233,9 @@ TEST_F(FileCommands, LeaveOutWhatWouldOverwriteAnotherOfThem) {
   folder_.Write("got/a", "2");
   folders_[""] = {"to"};
   files_["to"] = {"b", "b"};
-  EXPECT_EQ(Run(qv::PutFiles{{Here("a"), Here("got/a")}, "to", false}), qv::kFailed);
+  EXPECT_EQ(Run(qv::tool::PutFiles{{Here("a"), Here("got/a")}, "to", false}), qv::tool::kFailed);
   EXPECT_EQ(Sent(100), 1);
-  EXPECT_EQ(Fetch({"to"}), qv::kFailed);
+  EXPECT_EQ(Fetch({"to"}), qv::tool::kFailed);
   EXPECT_EQ(Sent(101), 1);
 }
 

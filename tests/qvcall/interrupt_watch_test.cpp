@@ -10,7 +10,7 @@ namespace {
 
 void InterruptWhileWatched() {
   std::signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background has it ignored
-  const qv::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
+  const qv::tool::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
   kill(getpid(), SIGINT);
   for (;;) pause();
 }
@@ -23,7 +23,7 @@ TEST(InterruptWatch, LeavesEverythingAsItWas) {
   const auto watched_before = [] {
     std::signal(SIGINT, SIG_IGN);
     {
-      const qv::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
+      const qv::tool::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
       kill(getpid(), SIGINT);  // stays ignored
     }
     kill(getpid(), SIGTERM);

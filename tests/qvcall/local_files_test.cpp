@@ -8,12 +8,12 @@
 #include <sstream>
 #include <string>
 
-#include "tools/qvcall/system/LocalPath.h"
-#include "tools/qvcall/system/NarrowText.h"
-#include "tools/qvcall/queues/QueuePlan.h"
-#include "tools/qvcall/session/Session.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvcall/queues/QueuePlan.h"
+#include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/system/LocalPath.h"
+#include "tools/qvcall/system/NarrowText.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ constexpr bool kOnWindows = fs::path::preferred_separator == '\\';
 
 class LocalFiles : public testing::Test {
  protected:
-  std::string Here() const { return qv::ShownPath(folder_.Path()); }
+  std::string Here() const { return qv::tool::ShownPath(folder_.Path()); }
   // Makes a folder with a file of the same name.
   void Fill(const fs::path& name) const {
     fs::create_directory(folder_.Path() / name);
@@ -31,10 +31,10 @@ class LocalFiles : public testing::Test {
   }
 
   const qv::TempFolder folder_;
-  const qv::Connection connection_;
-  const qv::Session session_{connection_, ""};
+  const qv::tool::ConnectionOptions connection_;
+  const qv::tool::Session session_{connection_, ""};
   std::ostringstream err_;
-  qv::TransferReport report_{session_, err_};
+  qv::tool::TransferReport report_{session_, err_};
 };
 
 TEST_F(LocalFiles, AreSentUnderTheNamesThatTheyHaveOrNotAtAll) {
@@ -42,53 +42,54 @@ TEST_F(LocalFiles, AreSentUnderTheNamesThatTheyHaveOrNotAtAll) {
   const fs::path chinese = u"\u56fe\u7eb8";
   Fill(western);
   Fill(chinese);
-  const bool has_chinese = !kOnWindows || qv::NarrowFromPath(chinese).has_value();
+  const bool has_chinese = !kOnWindows || qv::tool::NarrowFromPath(chinese).has_value();
   std::set<std::string> wanted;
   for (const fs::path& name : {western, chinese}) {
-    const std::string narrow = qv::ShownPath(name);
+    const std::string narrow = qv::tool::ShownPath(name);
     if (name == western || has_chinese) wanted.insert("to/" + narrow + '/' + narrow);
   }
   std::set<std::string> planned;
-  qv::QueuePut put{{qv::JoinLocal(Here(), qv::ShownPath(western))}, "to", true};
-  if (has_chinese) put.local.push_back(qv::JoinLocal(Here(), qv::ShownPath(chinese)));
-  for (const qv::FileTransfer& file : PlanQueue(put, report_)) {
+  qv::tool::QueuePut put{{qv::tool::JoinLocal(Here(), qv::tool::ShownPath(western))}, "to", true};
+  if (has_chinese) put.local.push_back(qv::tool::JoinLocal(Here(), qv::tool::ShownPath(chinese)));
+  for (const qv::tool::FileTransfer& file : PlanQueue(put, report_)) {
     EXPECT_TRUE(std::ifstream(file.local)) << file.local;  // as the library opens it
     EXPECT_EQ(file.bytes, 1U);
     planned.insert(file.server);
   }
   EXPECT_EQ(planned, wanted);
-  const std::string narrow = qv::ShownPath(western);
-  EXPECT_EQ(qv::Visible(narrow), narrow);
-  EXPECT_EQ(qv::Utf8FromNarrow(narrow), "\xc3\xa9");
+  const std::string narrow = qv::tool::ShownPath(western);
+  EXPECT_EQ(qv::tool::Visible(narrow), narrow);
+  EXPECT_EQ(qv::tool::Utf8FromNarrow(narrow), "\xc3\xa9");
   EXPECT_EQ(err_.str(), "");
-  EXPECT_EQ(PlanQueue(qv::QueuePut{{Here()}, "to", true}, report_).size(), wanted.size());
+  EXPECT_EQ(PlanQueue(qv::tool::QueuePut{{Here()}, "to", true}, report_).size(), wanted.size());
   EXPECT_EQ(err_.str().empty(), has_chinese) << err_.str();
 }
 
 TEST_F(LocalFiles, ComeToTheFolderUnderNamesThatAreNothingElseHere) {
   const fs::path western = u"\u00e9";
-  const std::string name = qv::ShownPath(western);
+  const std::string name = qv::tool::ShownPath(western);
   fs::create_directory(folder_.Path() / western);
-  const std::string folder = qv::JoinLocal(Here(), name);
-  EXPECT_FALSE(qv::MakeLocalFolder(folder));
-  const auto planned = PlanQueue(qv::QueueGet{{"x/" + name, "x/b", "y/B"}, folder}, report_);
+  const std::string folder = qv::tool::JoinLocal(Here(), name);
+  EXPECT_FALSE(qv::tool::MakeLocalFolder(folder));
+  const auto planned = PlanQueue(qv::tool::QueueGet{{"x/" + name, "x/b", "y/B"}, folder}, report_);
   ASSERT_EQ(planned.size(), kOnWindows ? 2U : 3U) << err_.str();
-  EXPECT_EQ(qv::PathFromNarrow(planned[0].local), folder_.Path() / western / western);
-  EXPECT_EQ(qv::LocalFolderOf(planned[0].local), folder);
+  EXPECT_EQ(qv::tool::PathFromNarrow(planned[0].local), folder_.Path() / western / western);
+  EXPECT_EQ(qv::tool::LocalFolderOf(planned[0].local), folder);
   for (const char* each : {"NUL", "con.txt", "Com1 .a.b", "LPT9", "conout$", "a.", "a ", "a?",
                            "a|b", "<a>", "\"a\""}) {
-    EXPECT_EQ(qv::IsLocalName(each), !kOnWindows) << each;
+    EXPECT_EQ(qv::tool::IsLocalName(each), !kOnWindows) << each;
   }
-  for (const char* each : {"a:b", "C:", "..", "a\\b", ""}) EXPECT_FALSE(qv::IsLocalName(each));
+  for (const char* each : {"a:b", "C:", "..", "a\\b", ""})
+    EXPECT_FALSE(qv::tool::IsLocalName(each));
   for (const char* each : {"COM", "com10", "NULL", ".con", " a", "a.nul"}) {
-    EXPECT_TRUE(qv::IsLocalName(each)) << each;
+    EXPECT_TRUE(qv::tool::IsLocalName(each)) << each;
   }
 }
 
 TEST_F(LocalFiles, AreNotReachedThroughLinksToFolders) {
   Fill("real");
   if (!qv::MakeLink(folder_.Path() / "real", folder_.Path() / "link")) GTEST_SKIP();
-  EXPECT_EQ(PlanQueue(qv::QueuePut{{Here()}, "to", true}, report_).size(), 1U);
+  EXPECT_EQ(PlanQueue(qv::tool::QueuePut{{Here()}, "to", true}, report_).size(), 1U);
   EXPECT_NE(err_.str().find("link: is a link to a folder"), std::string::npos) << err_.str();
 }
 

@@ -16,7 +16,7 @@ constexpr std::uint64_t kMiB = 1ULL << 20;
 
 TEST(ProgressLine, TellsWhatIsKnownInTheCellsThatThereAre) {
   const struct {
-    qv::Progress progress;
+    qv::tool::Progress progress;
     std::size_t cells;
     std::string line;
   } cases[] = {
@@ -56,14 +56,14 @@ TEST(ProgressLine, TellsWhatIsKnownInTheCellsThatThereAre) {
        "x    0%  1 B of 16777216.0 TiB  0 B/s  99:59:59 left"},
   };
   for (const auto& [progress, cells, line] : cases) {
-    EXPECT_EQ(qv::ProgressLine(progress, cells), line) << progress.label << ' ' << cells;
+    EXPECT_EQ(qv::tool::ProgressLine(progress, cells), line) << progress.label << ' ' << cells;
   }
 }
 
 TEST(ProgressBar, LeavesAnEmptyLineAndStaysAway) {
   std::ostringstream out;
   std::atomic<int> drawn = 0;
-  qv::ProgressBar bar(out, [&drawn] { return ++drawn == 1 ? 40U : 20U; });
+  qv::tool::ProgressBar bar(out, [&drawn] { return ++drawn == 1 ? 40U : 20U; });
   bar.Begin("Waiting for everybody", {});
   while (drawn < 2) std::this_thread::yield();
   bar.Clear();

@@ -25,7 +25,7 @@ int Tell(std::int32_t index, std::uint64_t done, std::uint64_t total) {
 
 TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
   std::ostringstream err;
-  qv::QueueProgress progress(err, Listen);
+  qv::tool::QueueProgress progress(err, Listen);
   progress.Begin({"a", "b", "c"}, std::nullopt);
   EXPECT_EQ(Tell(0, 5, 5), 0);
   EXPECT_EQ(Tell(1, 3, 7), 0);  // and is given up
@@ -38,7 +38,7 @@ TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
 
 void RunUntilInterrupted() {
   std::signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background has it ignored
-  qv::QueueProgress progress(std::cerr, Listen);
+  qv::tool::QueueProgress progress(std::cerr, Listen);
   progress.Begin({"a"}, 10);
   kill(getpid(), SIGINT);
   while (Tell(0, 1, 10) == 0) std::this_thread::yield();

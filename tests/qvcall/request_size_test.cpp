@@ -8,7 +8,7 @@
 namespace {
 
 // A statement of so many bytes that, behind the database "D" and the count, it fills a request.
-constexpr std::size_t kFilling = qv::kRequestRoom - 6 - 9 - 5;
+constexpr std::size_t kFilling = qv::tool::kRequestRoom - 6 - 9 - 5;
 
 TEST(RequestSize, KnowsTheStatementsThatTheServerWillSee) {
   const struct {
@@ -25,13 +25,13 @@ TEST(RequestSize, KnowsTheStatementsThatTheServerWillSee) {
   };
   const std::string text(3 * kFilling, 'x');
   for (const auto& [lengths, fitting] : cases) {
-    std::vector<qv::ScriptStatement> statements;
+    std::vector<qv::tool::ScriptStatement> statements;
     std::size_t bytes = 6 + 9;
     for (const std::size_t length : lengths) {
       statements.push_back({std::string_view(text).substr(0, length), 1});
       bytes += length + 5;
     }
-    const qv::RequestSize size = qv::MeasureBatch("D", statements);
+    const qv::tool::RequestSize size = qv::tool::MeasureBatch("D", statements);
     EXPECT_EQ(size.bytes, bytes);
     EXPECT_EQ(size.fitting, fitting) << lengths.size() << " of " << lengths[0];
   }

@@ -24,28 +24,28 @@ TEST(ServerPath, HasOneBackslashBetweenItsParts) {
       {"图/梁 1.dwg", "图\\梁 1.dwg", false},
   };
   for (const auto& [typed, path, ends_as_folder] : cases) {
-    EXPECT_EQ(qv::ServerPath(typed), path) << typed;
-    EXPECT_EQ(qv::EndsAsFolder(typed), ends_as_folder) << typed;
+    EXPECT_EQ(qv::tool::ServerPath(typed), path) << typed;
+    EXPECT_EQ(qv::tool::EndsAsFolder(typed), ends_as_folder) << typed;
   }
 }
 
 TEST(ServerPath, IsJoinedAndTakenApart) {
-  EXPECT_EQ(qv::JoinServerPath("", "a"), "a");
-  EXPECT_EQ(qv::JoinServerPath("a\\b", "c"), "a\\b\\c");
-  EXPECT_EQ(qv::LastPart("a\\b\\c"), "c");
-  EXPECT_EQ(qv::FolderOf("a\\b\\c"), "a\\b");
-  EXPECT_EQ(qv::LastPart("a"), "a");
-  EXPECT_EQ(qv::FolderOf("a"), "");
+  EXPECT_EQ(qv::tool::JoinServerPath("", "a"), "a");
+  EXPECT_EQ(qv::tool::JoinServerPath("a\\b", "c"), "a\\b\\c");
+  EXPECT_EQ(qv::tool::LastPart("a\\b\\c"), "c");
+  EXPECT_EQ(qv::tool::FolderOf("a\\b\\c"), "a\\b");
+  EXPECT_EQ(qv::tool::LastPart("a"), "a");
+  EXPECT_EQ(qv::tool::FolderOf("a"), "");
 }
 
 TEST(ServerPath, KnowsNamesThatLeadElsewhere) {
   for (const std::string name :
        {"", ".", "..", "a/b", "a\\b", "/", "..\\a", "C:a", "a:b", "a\nb", "a\x1b[2J", "\x7f"}) {
-    EXPECT_FALSE(qv::IsPlainName(name)) << name;
+    EXPECT_FALSE(qv::tool::IsPlainName(name)) << name;
   }
-  EXPECT_FALSE(qv::IsPlainName(std::string_view("a\0b", 3)));
+  EXPECT_FALSE(qv::tool::IsPlainName(std::string_view("a\0b", 3)));
   for (const char* name : {"a", "...", "..a", " a ", ".hidden", "梁.dwg", "\xff"}) {
-    EXPECT_TRUE(qv::IsPlainName(name)) << name;
+    EXPECT_TRUE(qv::tool::IsPlainName(name)) << name;
   }
 }
 

@@ -23,7 +23,7 @@ TEST(SqlSplitter, SplitsOnlyBetweenStatements) {
   };
   for (const auto& [script, expected] : cases) {
     std::vector<std::string> statements;
-    for (const auto& [text, line] : qv::SplitStatements(script)) {
+    for (const auto& [text, line] : qv::tool::SplitStatements(script)) {
       statements.push_back(std::to_string(line) + ":" + std::string(text));
     }
     EXPECT_EQ(statements, expected) << script;

@@ -4,13 +4,13 @@
 #include <sstream>
 #include <string>
 
-#include "tools/qvcall/output/ResultWriter.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvcall/output/ResultWriter.h"
 
 namespace {
 
-using qv::Format;
+using qv::tool::Format;
 
 // Fills `rows` the only way that a host can: from a file. `columns` are AttributeType elements.
 void Load(const std::string& columns, const std::string& row_elements, CRvoDbRes& rows) {
@@ -28,7 +28,7 @@ std::string Column(const std::string& name, const std::string& type) {
 
 std::string Written(const CRvoDbRes& rows, Format format) {
   std::ostringstream out;
-  EXPECT_TRUE(qv::WriteResult(rows, format, out));
+  EXPECT_TRUE(qv::tool::WriteResult(rows, format, out));
   return out.str();
 }
 
@@ -89,7 +89,7 @@ TEST(Writers, ReportAnOutputThatTakesNothing) {
   Load(Column("a", "int"), "<z:row a='1'/>", rows);
   for (const Format format : {Format::kTable, Format::kCsv, Format::kJson}) {
     std::ostream nowhere(nullptr);
-    EXPECT_FALSE(qv::WriteResult(rows, format, nowhere));
+    EXPECT_FALSE(qv::tool::WriteResult(rows, format, nowhere));
   }
 }
 

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "message/LittleEndian.h"
-#include "tools/qvstandin/net/ClientStream.h"
-#include "tools/qvstandin/net/StandIn.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WholeFrame.h"
+#include "tools/qvstandin/net/ClientStream.h"
+#include "tools/qvstandin/net/StandIn.h"
 
 namespace qv::standin {
 
@@ -22,12 +22,12 @@ inline const std::string kForever =
     "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n";
 
 inline std::string FrameOf(std::uint32_t command, const std::vector<std::string>& fields,
-                           const std::string& token = {}, OutgoingFile* file = nullptr) {
+                           const std::string& token = {}, wire::OutgoingFile* file = nullptr) {
   WholeFrame frame{.token = token};
   StoreU32(frame.block.data(), command);
   for (const std::string& field : fields) frame.payload += Field(field);
   MemoryStream stream;
-  EXPECT_EQ(SendWhole(stream, FrameKind::kRequest, frame, file), FrameStatus::kDone);
+  EXPECT_EQ(SendWhole(stream, wire::FrameKind::kRequest, frame, file), wire::FrameStatus::kDone);
   return stream.written;
 }
 
@@ -42,13 +42,13 @@ class FrameClient {
   // So many bytes, or none.
   std::string Read(std::size_t length) {
     std::string bytes(length, '\0');
-    const WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
+    const wire::WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
     return stream_.Read(room) ? bytes : "";
   }
   // The reply's fields, when a whole frame comes; its file goes to `path`.
   std::vector<std::string> Fields(const std::string& path = {}) {
-    const WholeFrame reply = ReceiveWhole(stream_, FrameKind::kReply, path);
-    return reply.status == FrameStatus::kDone ? FieldsOf(reply.payload)
+    const WholeFrame reply = ReceiveWhole(stream_, wire::FrameKind::kReply, path);
+    return reply.status == wire::FrameStatus::kDone ? FieldsOf(reply.payload)
                                               : std::vector<std::string>();
   }
   // The first of them.

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "fuzz/ReferenceReader.h"
-#include "tools/qvstandin/commands/CommandTable.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/commands/CommandTable.h"
 
 namespace qv::standin {
 namespace {

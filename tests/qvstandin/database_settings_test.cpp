@@ -8,8 +8,8 @@
 
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
-#include "tools/qvstandin/commands/CommandTable.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/commands/CommandTable.h"
 
 namespace qv::standin {
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "qvnetcall/standin/Records.h"
-#include "tools/qvstandin/commands/CommandTable.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/commands/CommandTable.h"
 
 namespace qv::standin {
 namespace {

@@ -10,14 +10,14 @@
 #include <sstream>
 #include <thread>
 
-#include "tools/qvstandin/stores/Checksum.h"
-#include "tools/qvstandin/stores/DataFolder.h"
-#include "tools/qvstandin/commands/FileRecords.h"
-#include "tools/qvstandin/common/NamePattern.h"
-#include "tools/qvstandin/stores/PackFile.h"
-#include "tools/qvstandin/stores/StoreNames.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/commands/FileRecords.h"
+#include "tools/qvstandin/common/NamePattern.h"
+#include "tools/qvstandin/stores/Checksum.h"
+#include "tools/qvstandin/stores/DataFolder.h"
+#include "tools/qvstandin/stores/PackFile.h"
+#include "tools/qvstandin/stores/StoreNames.h"
 
 namespace qv::standin {
 namespace {

@@ -51,8 +51,8 @@ struct HttpReply {
   [[nodiscard]] std::vector<std::string> Fields(const std::string& path = {}) const {
     MemoryStream stream;
     stream.unread = body;
-    const WholeFrame frame = ReceiveWhole(stream, FrameKind::kReply, path);
-    EXPECT_EQ(frame.status, FrameStatus::kDone);
+    const WholeFrame frame = ReceiveWhole(stream, wire::FrameKind::kReply, path);
+    EXPECT_EQ(frame.status, wire::FrameStatus::kDone);
     EXPECT_EQ(stream.unread, "");
     return FieldsOf(frame.payload);
   }
@@ -175,9 +175,9 @@ TEST_F(HttpServerTest, RefusesWhatItDoesNotServe) {
     Then then;
   };
   const std::string get = " HTTP/1.1\r\n" + kHost + "\r\n";
-  FrameHeader large;
+  wire::FrameHeader large;
   large.payload_length = 1 << 20;
-  const auto oversized = EncodeHeader(large);
+  const auto oversized = wire::EncodeHeader(large);
   const std::string too_large =
       std::string(oversized.begin(), oversized.end()) + std::string(16 << 20, 'x');
   const std::string bare = "POST /qvcall HTTP/1.1\r\n" + kHost;
@@ -211,7 +211,7 @@ TEST_F(HttpServerTest, RefusesWhatItDoesNotServe) {
     HttpClient client = Client();
     const HttpReply reply = client.Ask(c.request);
     EXPECT_EQ(reply.status, c.status) << c.request.substr(0, 200);
-    EXPECT_EQ(reply.Value("FrameClient"), c.then == kCloses ? "close" : "") << c.status;
+    EXPECT_EQ(reply.Value("Connection"), c.then == kCloses ? "close" : "") << c.status;
     if (c.then == kCloses) {
       EXPECT_TRUE(client.IsHungUpOn()) << c.request.substr(0, 200);
     } else {

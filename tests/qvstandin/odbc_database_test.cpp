@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "ServerFixture.h"
-#include "tools/qvstandin/recordsets/CellForm.h"
 #include "tests/support/PostgresServer.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/recordsets/CellForm.h"
 
 namespace qv::standin {
 namespace {

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvstandin/recordsets/AnswerFile.h"
-#include "tools/qvstandin/stores/DataFolder.h"
-#include "tools/qvstandin/commands/FieldReader.h"
-#include "tools/qvstandin/recordsets/GzipStream.h"
-#include "tools/qvstandin/databases/ProcedureCall.h"
-#include "tools/qvstandin/common/ServerLog.h"
-#include "tools/qvstandin/databases/TableNames.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/commands/FieldReader.h"
+#include "tools/qvstandin/common/ServerLog.h"
+#include "tools/qvstandin/databases/ProcedureCall.h"
+#include "tools/qvstandin/databases/TableNames.h"
+#include "tools/qvstandin/recordsets/AnswerFile.h"
+#include "tools/qvstandin/recordsets/GzipStream.h"
+#include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {
 namespace {

@@ -19,7 +19,7 @@ TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", "select * from parts"})));
   EXPECT_EQ(client.Status(file), "SUCCESS");
   EXPECT_TRUE(BytesOf(file).ends_with("</xml>\n"));
-  auto unwanted = OutgoingFile::Open(file);
+  auto unwanted = wire::OutgoingFile::Open(file);
   ASSERT_TRUE(client.Send(FrameOf(210, {"NO\nWHERE", "select 1"}, {}, &*unwanted)));
   EXPECT_EQ(client.Status(), "FAILURE");
   const auto served = server_->Served();
@@ -49,9 +49,9 @@ TEST_F(ServerTest, WithoutTheTokenNobodyEnters) {
 TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
   options_.request_limit = 100;
   Start();
-  FrameHeader large;
+  wire::FrameHeader large;
   large.payload_length = 101;
-  const auto header = EncodeHeader(large);
+  const auto header = wire::EncodeHeader(large);
   const std::string oversized(header.begin(), header.end());
   for (const std::string& bytes : {std::string(400, 'x'), oversized}) {
     FrameClient client(server_->Port());

@@ -5,7 +5,7 @@ namespace qv {
 namespace {
 
 // Byte by byte, so that nothing of what follows is taken.
-bool ReceiveHead(ByteStream& stream, std::string& head) {
+bool ReceiveHead(wire::ByteStream& stream, std::string& head) {
   unsigned char byte = 0;
   for (head.clear(); !head.ends_with("\r\n\r\n"); head.push_back(static_cast<char>(byte))) {
     if (!stream.Read({&byte, 1})) return false;
@@ -15,7 +15,7 @@ bool ReceiveHead(ByteStream& stream, std::string& head) {
 
 }  // namespace
 
-bool ReceiveHttp(ByteStream& stream, HttpRequestSeen& request, const std::string& file_path) {
+bool ReceiveHttp(wire::ByteStream& stream, HttpRequestSeen& request, const std::string& file_path) {
   static const std::string kLength = "\r\nContent-Length: ";
   if (!ReceiveHead(stream, request.head)) return false;
   const std::size_t length = request.head.find(kLength);
@@ -24,9 +24,9 @@ bool ReceiveHttp(ByteStream& stream, HttpRequestSeen& request, const std::string
   if (!stream.Read({reinterpret_cast<unsigned char*>(body.data()), body.size()})) return false;
   MemoryStream memory;
   memory.unread = std::move(body);
-  request.frame = ReceiveWhole(memory, FrameKind::kRequest, file_path);
-  if (!memory.unread.empty()) request.frame.status = FrameStatus::kMalformed;
-  return request.frame.status == FrameStatus::kDone;
+  request.frame = ReceiveWhole(memory, wire::FrameKind::kRequest, file_path);
+  if (!memory.unread.empty()) request.frame.status = wire::FrameStatus::kMalformed;
+  return request.frame.status == wire::FrameStatus::kDone;
 }
 
 std::string HttpAnswer(const std::string& body, const std::string& more_headers,
@@ -35,15 +35,16 @@ std::string HttpAnswer(const std::string& body, const std::string& more_headers,
          more_headers + "\r\n" + body;
 }
 
-bool ReplyHttp(ByteStream& stream, const std::string& payload, OutgoingFile* file,
+bool ReplyHttp(wire::ByteStream& stream, const std::string& payload, wire::OutgoingFile* file,
                const std::string& more_headers) {
   MemoryStream frame;
-  const FrameStatus status = SendWhole(frame, FrameKind::kReply, {.payload = payload}, file);
-  return status == FrameStatus::kDone &&
+  const wire::FrameStatus status =
+      SendWhole(frame, wire::FrameKind::kReply, {.payload = payload}, file);
+  return status == wire::FrameStatus::kDone &&
          stream.Write({BytesOfText(HttpAnswer(frame.written, more_headers))});
 }
 
-void EchoHttp(ByteStream& stream) {
+void EchoHttp(wire::ByteStream& stream) {
   for (HttpRequestSeen request; ReceiveHttp(stream, request);) {
     if (!ReplyHttp(stream, request.frame.payload)) return;
   }

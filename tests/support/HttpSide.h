@@ -16,17 +16,18 @@ struct HttpRequestSeen {
 
 // Receives one request; its file goes to `file_path`. False when the client is gone or sent
 // something else.
-bool ReceiveHttp(ByteStream& stream, HttpRequestSeen& request, const std::string& file_path = "");
+bool ReceiveHttp(wire::ByteStream& stream, HttpRequestSeen& request,
+                 const std::string& file_path = "");
 
 // An answer: the status line and headers, "Content-Length" among them, and `body`.
 std::string HttpAnswer(const std::string& body, const std::string& more_headers = "",
                        const std::string& status = "200 OK");
 
 // Answers with a frame that holds `payload` and the file.
-bool ReplyHttp(ByteStream& stream, const std::string& payload, OutgoingFile* file = nullptr,
-               const std::string& more_headers = "");
+bool ReplyHttp(wire::ByteStream& stream, const std::string& payload,
+               wire::OutgoingFile* file = nullptr, const std::string& more_headers = "");
 
 // Answers every request with its own payload.
-void EchoHttp(ByteStream& stream);
+void EchoHttp(wire::ByteStream& stream);
 
 }  // namespace qv

@@ -5,10 +5,10 @@
 
 #include <string>
 
-#include "qvnetcall/RvoServer.h"
-#include "server/ModuleState.h"
 #include "ScriptedTransport.h"
 #include "TempFolder.h"
+#include "qvnetcall/RvoServer.h"
+#include "server/ModuleState.h"
 
 namespace qv::test {
 

@@ -19,16 +19,16 @@ bool ServerSide::Complete(Start start) {
   return !result;
 }
 
-bool ServerSide::Read(WritableBytes bytes) {
+bool ServerSide::Read(wire::WritableBytes bytes) {
   return Complete([&](auto& result) {
     asio::async_read(socket_, asio::buffer(bytes.data(), bytes.size()),
                      [&result](const auto& error, std::size_t) { result = error; });
   });
 }
 
-bool ServerSide::Write(std::initializer_list<Bytes> pieces) {
+bool ServerSide::Write(std::initializer_list<wire::Bytes> pieces) {
   std::vector<asio::const_buffer> buffers;
-  for (const Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
+  for (const wire::Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
   return Complete([&](auto& result) {
     asio::async_write(socket_, buffers,
                       [&result](const auto& error, std::size_t) { result = error; });
@@ -42,12 +42,13 @@ void ServerSide::WaitForEnd() {
 }
 
 bool ServerSide::Receive(WholeFrame& request, const std::string& file_path) {
-  request = ReceiveWhole(*this, FrameKind::kRequest, file_path);
-  return request.status == FrameStatus::kDone;
+  request = ReceiveWhole(*this, wire::FrameKind::kRequest, file_path);
+  return request.status == wire::FrameStatus::kDone;
 }
 
-bool ServerSide::Reply(const std::string& payload, OutgoingFile* file) {
-  return SendWhole(*this, FrameKind::kReply, {.payload = payload}, file) == FrameStatus::kDone;
+bool ServerSide::Reply(const std::string& payload, wire::OutgoingFile* file) {
+  return SendWhole(*this, wire::FrameKind::kReply, {.payload = payload}, file) ==
+         wire::FrameStatus::kDone;
 }
 
 ScriptedServer::ScriptedServer(Script script, const asio::ip::address& address)

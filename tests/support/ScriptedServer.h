@@ -15,18 +15,18 @@
 
 namespace qv {
 
-class ServerSide final : public ByteStream {
+class ServerSide final : public wire::ByteStream {
  public:
   // Runs `context`, which is the socket's, while it waits.
   ServerSide(boost::asio::io_context& context, boost::asio::ip::tcp::socket& socket)
       : context_(context), socket_(socket) {}
 
-  bool Read(WritableBytes bytes) override;
-  bool Write(std::initializer_list<Bytes> pieces) override;
+  bool Read(wire::WritableBytes bytes) override;
+  bool Write(std::initializer_list<wire::Bytes> pieces) override;
 
   // False when the client is gone. A file of the request goes to `file_path`.
   bool Receive(WholeFrame& request, const std::string& file_path = "");
-  bool Reply(const std::string& payload, OutgoingFile* file = nullptr);
+  bool Reply(const std::string& payload, wire::OutgoingFile* file = nullptr);
   // Returns when the client is gone, or the server ends.
   void WaitForEnd();
 

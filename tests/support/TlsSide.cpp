@@ -26,15 +26,15 @@ bool TlsSide::ShakeHands() {
   return !error;
 }
 
-bool TlsSide::Read(WritableBytes bytes) {
+bool TlsSide::Read(wire::WritableBytes bytes) {
   boost::system::error_code error;
   asio::read(stream_, asio::buffer(bytes.data(), bytes.size()), error);
   return !error;
 }
 
-bool TlsSide::Write(std::initializer_list<Bytes> pieces) {
+bool TlsSide::Write(std::initializer_list<wire::Bytes> pieces) {
   boost::system::error_code error;
-  for (const Bytes piece : pieces) {
+  for (const wire::Bytes piece : pieces) {
     if (!error) asio::write(stream_, asio::buffer(piece.data(), piece.size()), error);
   }
   return !error;

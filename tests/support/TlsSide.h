@@ -8,14 +8,14 @@
 
 namespace qv {
 
-class TlsSide final : public ByteStream {
+class TlsSide final : public wire::ByteStream {
  public:
   TlsSide(ServerSide& side, const TestCertificate& certificate);
 
   // False when the client does not like the certificate, or is gone.
   bool ShakeHands();
-  bool Read(WritableBytes bytes) override;
-  bool Write(std::initializer_list<Bytes> pieces) override;
+  bool Read(wire::WritableBytes bytes) override;
+  bool Write(std::initializer_list<wire::Bytes> pieces) override;
 
  private:
   boost::asio::ssl::context context_{boost::asio::ssl::context::tls_server};

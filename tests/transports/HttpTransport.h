@@ -12,7 +12,7 @@
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/System.h"
 
-namespace qv {
+namespace qv::wire {
 
 inline constexpr const char* kHttpHost = "127.0.0.1";
 
@@ -66,4 +66,4 @@ inline ScriptedServer::Script Answering(const std::string& answer) {
   };
 }
 
-}  // namespace qv
+}  // namespace qv::wire

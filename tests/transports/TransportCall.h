@@ -13,7 +13,7 @@
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TempFolder.h"
 
-namespace qv {
+namespace qv::wire {
 
 struct TransportCall {
   explicit TransportCall(unsigned int size = 4096) : request_block(size), reply_block(size) {
@@ -89,4 +89,4 @@ class FullListener {
   boost::asio::ip::tcp::socket first_{context_};
 };
 
-}  // namespace qv
+}  // namespace qv::wire

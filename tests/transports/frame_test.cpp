@@ -9,7 +9,7 @@
 #include "tests/support/WholeFrame.h"
 #include "transports/frame/FrameIo.h"
 
-namespace qv {
+namespace qv::wire {
 namespace {
 
 std::string FromHex(const std::string& hex) {
@@ -189,4 +189,4 @@ TEST(Frame, AFileThatShrinksIsNotSentAsIfItWereWhole) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::wire

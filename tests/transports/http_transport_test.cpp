@@ -5,7 +5,7 @@
 #include <optional>
 #include <tuple>
 
-namespace qv {
+namespace qv::wire {
 namespace {
 
 using testing::HasSubstr;
@@ -366,4 +366,4 @@ TEST_F(HttpTransport, ARedirectIsNotFollowedAndItsTokenNotKept) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::wire

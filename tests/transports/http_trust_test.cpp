@@ -3,7 +3,7 @@
 #include "HttpTransport.h"
 #include "tests/support/TlsSide.h"
 
-namespace qv {
+namespace qv::wire {
 namespace {
 
 using std::chrono::hours;
@@ -64,4 +64,4 @@ TEST_F(HttpTransport, AnUploadEndsWhenTheServerHangsUpBehindTls) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::wire

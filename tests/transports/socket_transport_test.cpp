@@ -11,7 +11,7 @@
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 
-namespace qv {
+namespace qv::wire {
 namespace {
 
 using boost::asio::ip::tcp;
@@ -320,4 +320,4 @@ TEST_F(SocketTransport, ServesManyThreadsAtOnce) {
 }
 
 }  // namespace
-}  // namespace qv
+}  // namespace qv::wire

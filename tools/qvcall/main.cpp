@@ -5,37 +5,38 @@
 #include <variant>
 
 #include "tools/qvcall/commands/Batch.h"
-#include "tools/qvcall/options/CommandLine.h"
 #include "tools/qvcall/commands/DirectoryCommands.h"
 #include "tools/qvcall/commands/Execute.h"
+#include "tools/qvcall/commands/Ping.h"
+#include "tools/qvcall/commands/Query.h"
 #include "tools/qvcall/files/FileCommands.h"
 #include "tools/qvcall/files/FolderCommands.h"
 #include "tools/qvcall/files/IdCommands.h"
-#include "tools/qvcall/commands/Ping.h"
-#include "tools/qvcall/commands/Query.h"
+#include "tools/qvcall/files/TransferCommands.h"
+#include "tools/qvcall/options/CommandLine.h"
 #include "tools/qvcall/queues/QueueCommands.h"
 #include "tools/qvcall/system/Startup.h"
-#include "tools/qvcall/files/TransferCommands.h"
 
 namespace {
 
 int Run(int argc, char** argv) {
-  const qv::ParsedCommandLine parsed = qv::ParseCommandLine(argc, argv, std::cout, std::cerr);
+  const qv::tool::ParsedCommandLine parsed =
+      qv::tool::ParseCommandLine(argc, argv, std::cout, std::cerr);
   if (parsed.exit_status) return *parsed.exit_status;
-  const qv::CommandLine& command = parsed.command;
-  const qv::Connection& connection = command.connection;
+  const qv::tool::CommandLine& command = parsed.command;
+  const qv::tool::ConnectionOptions& connection = command.connection;
   if (command.query) {
-    return qv::RunQuery(connection, *command.query, std::cin, std::cout, std::cerr);
+    return qv::tool::RunQuery(connection, *command.query, std::cin, std::cout, std::cerr);
   }
-  if (command.exec) return qv::RunExec(connection, *command.exec, std::cin, std::cerr);
-  if (command.batch) return qv::RunBatch(connection, *command.batch, std::cin, std::cerr);
+  if (command.exec) return qv::tool::RunExec(connection, *command.exec, std::cin, std::cerr);
+  if (command.batch) return qv::tool::RunBatch(connection, *command.batch, std::cin, std::cerr);
   if (command.store) {
     return std::visit(
-        [&](const auto& store) { return qv::Run(connection, store, std::cout, std::cerr); },
+        [&](const auto& store) { return qv::tool::Run(connection, store, std::cout, std::cerr); },
         *command.store);
   }
-  if (command.queue) return qv::Run(connection, *command.queue, std::cin, std::cerr);
-  return qv::RunPing(connection, std::cout, std::cerr);
+  if (command.queue) return qv::tool::Run(connection, *command.queue, std::cin, std::cerr);
+  return qv::tool::RunPing(connection, std::cout, std::cerr);
 }
 
 // Success counts only when everything reached its reader.
@@ -45,21 +46,21 @@ int AfterFlush(int status) {
   // Only a failed write makes the stream bad, and nothing that could fail ran since.
   const char* reason = errno != 0 ? std::strerror(errno) : "cannot be written";
   std::cerr << "qvcall: standard output: " << reason << '\n';
-  return qv::kFailed;
+  return qv::tool::kFailed;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const qv::Startup startup;
-  if (!qv::Startup::HasWholeArguments()) {
+  const qv::tool::Startup startup;
+  if (!qv::tool::Startup::HasWholeArguments()) {
     std::cerr << "qvcall: an argument has characters that the system's code page lacks\n";
-    return qv::kUsage;
+    return qv::tool::kUsage;
   }
   try {
     return AfterFlush(Run(argc, argv));
   } catch (const std::exception& error) {
     std::cerr << "qvcall: " << error.what() << '\n';
-    return qv::kFailed;
+    return qv::tool::kFailed;
   }
 }

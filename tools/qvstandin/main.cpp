@@ -6,8 +6,8 @@
 #include <csignal>
 #include <cstdio>
 
-#include "tools/qvstandin/net/StandIn.h"
 #include "base/platform/Platform.h"
+#include "tools/qvstandin/net/StandIn.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace qv {
+namespace qv::wire {
 
 // A call has a connection to itself while it lasts, so there are as many to a server as threads
 // call it at once; between calls they lie here, a bounded number of them, whatever thread made
@@ -100,4 +100,4 @@ class IdlePool {
   std::uint64_t generation_ = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

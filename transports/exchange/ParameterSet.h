@@ -9,7 +9,7 @@
 
 #include "SettingValue.h"
 
-namespace qv {
+namespace qv::wire {
 
 // One name, and how its text becomes a member of `Settings` and back.
 template <class Settings>
@@ -78,4 +78,4 @@ class ParameterSet {
   Settings settings_;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

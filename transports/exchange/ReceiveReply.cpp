@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -44,4 +44,4 @@ FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply, const ReplyProg
   return fits ? FrameStatus::kDone : FrameStatus::kDoesNotFit;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

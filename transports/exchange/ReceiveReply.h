@@ -7,7 +7,7 @@
 #include "message/MsgContent.h"
 #include "transports/frame/FrameIo.h"
 
-namespace qv {
+namespace qv::wire {
 
 // Who hears of a reply's progress; either may be empty.
 struct ReplyProgress {
@@ -22,4 +22,4 @@ struct ReplyProgress {
 [[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply,
                                        const ReplyProgress& progress = {});
 
-}  // namespace qv
+}  // namespace qv::wire

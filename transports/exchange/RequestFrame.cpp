@@ -4,7 +4,7 @@
 
 #include "RequestPayload.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -44,4 +44,4 @@ OutgoingMessage RequestFrame::Message() const {
           .payload = payload_};
 }
 
-}  // namespace qv
+}  // namespace qv::wire

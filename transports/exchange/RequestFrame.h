@@ -8,7 +8,7 @@
 #include "message/MsgContent.h"
 #include "transports/frame/FrameIo.h"
 
-namespace qv {
+namespace qv::wire {
 
 // Refers to the request, which outlives it.
 class RequestFrame {
@@ -36,4 +36,4 @@ class RequestFrame {
   std::optional<OutgoingFile> file_;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

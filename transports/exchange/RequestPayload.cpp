@@ -1,6 +1,6 @@
 #include "RequestPayload.h"
 
-namespace qv {
+namespace qv::wire {
 
 std::optional<Bytes> RequestPayload(const CMsgContent& request) {
   const CQvMemFile& store = request.OverflowStore();
@@ -13,4 +13,4 @@ std::optional<Bytes> RequestPayload(const CMsgContent& request) {
   return Bytes(queue.Area(), queue.WritePosition()).subspan(queue.ReadPosition());
 }
 
-}  // namespace qv
+}  // namespace qv::wire

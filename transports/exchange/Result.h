@@ -3,7 +3,7 @@
 
 #include "transports/frame/Frame.h"
 
-namespace qv {
+namespace qv::wire {
 
 inline constexpr int kDelivered = 0;
 inline constexpr int kNotDelivered = -1;
@@ -26,4 +26,4 @@ inline constexpr int kBadReply = -3;
   return kBadReply;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

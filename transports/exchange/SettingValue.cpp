@@ -5,7 +5,7 @@
 
 #include "transports/frame/Frame.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -35,4 +35,4 @@ bool SetSwitch(bool& target, const std::string& value) {
   return true;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

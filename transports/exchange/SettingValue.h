@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-namespace qv {
+namespace qv::wire {
 
 // Each gives false, and leaves `target` alone, for a value that it cannot have.
 
@@ -15,4 +15,4 @@ namespace qv {
 // "0" or "1".
 [[nodiscard]] bool SetSwitch(bool& target, const std::string& value);
 
-}  // namespace qv
+}  // namespace qv::wire

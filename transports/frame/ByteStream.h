@@ -5,7 +5,7 @@
 
 #include "Frame.h"
 
-namespace qv {
+namespace qv::wire {
 
 // Blocks for as long as its implementation allows a stretch without progress to last.
 class ByteStream {
@@ -22,4 +22,4 @@ class ByteStream {
   [[nodiscard]] virtual FrameStatus End() { return FrameStatus::kDone; }
 };
 
-}  // namespace qv
+}  // namespace qv::wire

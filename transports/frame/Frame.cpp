@@ -7,7 +7,7 @@
 #include "message/LittleEndian.h"
 #include "message/MsgContentBase.h"
 
-namespace qv {
+namespace qv::wire {
 
 static_assert(kFrameBlockSize == MessageBlock::kPayload);
 
@@ -102,4 +102,4 @@ FrameStatus DecodeChunk(std::span<const unsigned char, kChunkHeaderSize> bytes,
   return chunk.length <= most && ends_at_end ? FrameStatus::kDone : FrameStatus::kMalformed;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

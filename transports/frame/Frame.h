@@ -18,7 +18,7 @@
 #include <optional>
 #include <span>
 
-namespace qv {
+namespace qv::wire {
 
 using Bytes = std::span<const unsigned char>;
 using WritableBytes = std::span<unsigned char>;
@@ -94,4 +94,4 @@ struct ChunkHeader {
 [[nodiscard]] FrameStatus DecodeChunk(std::span<const unsigned char, kChunkHeaderSize> bytes,
                                       std::uint64_t remaining, ChunkHeader& chunk);
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -6,7 +6,7 @@
 
 #include "base/platform/Platform.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -58,4 +58,4 @@ bool IncomingFile::Commit() {
 
 bool IncomingFile::Close() { return std::fclose(std::exchange(file_, nullptr)) == 0; }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -10,7 +10,7 @@
 #include "Frame.h"
 #include "base/platform/Folder.h"
 
-namespace qv {
+namespace qv::wire {
 
 // A file as it is sent: its length is fixed when it is opened.
 class OutgoingFile {
@@ -53,4 +53,4 @@ class IncomingFile {
   std::FILE* file_;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

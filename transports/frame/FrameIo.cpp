@@ -6,7 +6,7 @@
 
 #include "message/LittleEndian.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -143,4 +143,4 @@ FrameStatus SkipFile(ByteStream& stream, std::uint64_t length) {
   return ReceiveChunks(stream, length, nullptr, [](Bytes) { return true; });
 }
 
-}  // namespace qv
+}  // namespace qv::wire

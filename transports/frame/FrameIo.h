@@ -10,7 +10,7 @@
 #include "Frame.h"
 #include "FrameFile.h"
 
-namespace qv {
+namespace qv::wire {
 
 // Hears how many bytes of a file have been sent or received, out of how many.
 using FileProgress = std::function<void(std::uint64_t done, std::uint64_t total)>;
@@ -56,4 +56,4 @@ struct IncomingMessage {
 // Reads and checks the file, and forgets it.
 [[nodiscard]] FrameStatus SkipFile(ByteStream& stream, std::uint64_t length);
 
-}  // namespace qv
+}  // namespace qv::wire

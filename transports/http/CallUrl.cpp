@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -80,4 +80,4 @@ std::optional<std::string> CallUrl(std::string_view server, std::uint32_t port, 
   return Build(is_https || use_tls, host, port);
 }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::wire {
 
 // The address to which frames for a server are posted. `server` is a host name or an address,
 // "http://" or "https://" may stand before it; it is https as well when `use_tls` says so. The same
@@ -15,4 +15,4 @@ namespace qv {
 [[nodiscard]] std::optional<std::string> CallUrl(std::string_view server, std::uint32_t port,
                                                  bool use_tls);
 
-}  // namespace qv
+}  // namespace qv::wire

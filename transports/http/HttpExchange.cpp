@@ -6,7 +6,7 @@
 #include "transports/exchange/ReceiveReply.h"
 #include "transports/exchange/Result.h"
 
-namespace qv {
+namespace qv::wire {
 
 int HttpExchange::Run(const char* server, std::uint32_t port, bool compress) {
   const auto url = CallUrl(server != nullptr ? server : "", port, settings_.use_tls);
@@ -41,4 +41,4 @@ int HttpExchange::Talk(RequestFrame& frame) {
   return ResultOf(status == FrameStatus::kConnectionLost ? stream_->Failure() : status);
 }
 
-}  // namespace qv
+}  // namespace qv::wire

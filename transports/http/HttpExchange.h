@@ -14,7 +14,7 @@
 #include "transports/exchange/IdlePool.h"
 #include "transports/exchange/RequestFrame.h"
 
-namespace qv {
+namespace qv::wire {
 
 // What the calls of a process share.
 struct HttpTransport {
@@ -48,4 +48,4 @@ class HttpExchange {
   std::optional<HttpStream> stream_;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -1,6 +1,6 @@
 #include "HttpParameters.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -18,4 +18,4 @@ constexpr Parameter<Settings> kParameters[] = {
 
 HttpParameters::HttpParameters() : ParameterSet(kParameters) {}
 
-}  // namespace qv
+}  // namespace qv::wire

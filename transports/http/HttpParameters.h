@@ -6,7 +6,7 @@
 
 #include "transports/exchange/ParameterSet.h"
 
-namespace qv {
+namespace qv::wire {
 
 struct HttpSettings {
   std::string token;
@@ -25,4 +25,4 @@ class HttpParameters : public ParameterSet<HttpSettings> {
   HttpParameters();
 };
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -4,7 +4,7 @@
 
 #include "base/curl/CurlTrust.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -64,7 +64,7 @@ void HttpStream::SetUpTransfer(const HttpRequest& request) {
 
 void HttpStream::SetUpSecurity() {
   Set(CURLOPT_PROTOCOLS_STR, "http,https");
-  is_set_up_ = is_set_up_ && SetUpTrust(connection_.Easy(), settings_.ca_file);
+  is_set_up_ = is_set_up_ && curl::SetUpTrust(connection_.Easy(), settings_.ca_file);
 }
 
 void HttpStream::SetUpCallbacks() {
@@ -271,4 +271,4 @@ bool HttpStream::Wait() {
                          nullptr) == CURLM_OK;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -14,7 +14,7 @@
 #include "KeptConnection.h"
 #include "transports/frame/ByteStream.h"
 
-namespace qv {
+namespace qv::wire {
 
 // What a request says beside its body.
 struct HttpRequest {
@@ -113,4 +113,4 @@ class HttpStream final : public ByteStream {
   std::uint64_t progress_ = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

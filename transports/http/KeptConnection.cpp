@@ -1,6 +1,6 @@
 #include "KeptConnection.h"
 
-namespace qv {
+namespace qv::wire {
 
 bool KeptConnection::IsQuiet() const {
   if (socket_ == CURL_SOCKET_BAD) return true;
@@ -14,4 +14,4 @@ void KeptConnection::NoteConnection() {
   curl_easy_getinfo(Easy(), CURLINFO_ACTIVESOCKET, &socket_);
 }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -4,7 +4,7 @@
 
 #include "base/curl/CurlHandle.h"
 
-namespace qv {
+namespace qv::wire {
 
 // A connection to one server that is kept open between calls. One thread at a time. Destruction
 // closes.
@@ -26,9 +26,9 @@ class KeptConnection {
 
  private:
   std::string url_;
-  CurlHandle handle_;
+  curl::CurlHandle handle_;
   // The multi handle's; CURL_SOCKET_BAD when the server closed it.
   curl_socket_t socket_ = CURL_SOCKET_BAD;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

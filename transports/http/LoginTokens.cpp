@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -49,4 +49,4 @@ void LoginTokens::Clear() {
   entries_.clear();
 }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qv {
+namespace qv::wire {
 
 // Each is for the server that it came from, which its address stands for, and for no other. A
 // bounded number of servers is remembered, those that handed one out last. Any thread may use it at
@@ -37,4 +37,4 @@ class LoginTokens {
   std::vector<Entry> entries_;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

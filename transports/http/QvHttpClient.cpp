@@ -7,7 +7,7 @@
 #include "qvnetcall/transport/HttpParameters.h"
 #include "transports/exchange/Result.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -29,23 +29,23 @@ int Deliver(const char* server, std::uint32_t port, const CMsgContent& request, 
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::wire
 
 extern "C" {
 
-void HttpworkTransInit() { qv::SharedTransport(); }
+void HttpworkTransInit() { qv::wire::SharedTransport(); }
 
 void HttpworkTransFini() {
-  qv::SharedTransport().pool.Clear();
-  qv::SharedTransport().tokens.Clear();
+  qv::wire::SharedTransport().pool.Clear();
+  qv::wire::SharedTransport().tokens.Clear();
 }
 
 int HttpworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                      CMsgContent& reply, int compress) {
   try {
-    return qv::Deliver(server, port, request, reply, compress != 0);
+    return qv::wire::Deliver(server, port, request, reply, compress != 0);
   } catch (const std::exception&) {
-    return qv::kNotDelivered;
+    return qv::wire::kNotDelivered;
   }
 }
 
@@ -53,7 +53,7 @@ int HttpworkLoginToken(char* token) {
   if (token == nullptr) return 0;
   *token = '\0';
   try {
-    const std::string last = qv::SharedTransport().tokens.Last();
+    const std::string last = qv::wire::SharedTransport().tokens.Last();
     std::memcpy(token, last.c_str(), last.size() + 1);
     return last.empty() ? 0 : 1;
   } catch (const std::exception&) {
@@ -64,7 +64,7 @@ int HttpworkLoginToken(char* token) {
 int HttpworkSetParameter(const char* name, const char* value) {
   if (name == nullptr || value == nullptr) return 0;
   try {
-    return qv::SharedTransport().parameters.Set(name, value) ? 1 : 0;
+    return qv::wire::SharedTransport().parameters.Set(name, value) ? 1 : 0;
   } catch (const std::exception&) {
     return 0;
   }

@@ -5,7 +5,7 @@
 #include "transports/exchange/ReceiveReply.h"
 #include "transports/exchange/Result.h"
 
-namespace qv {
+namespace qv::wire {
 
 MessageExchange::MessageExchange(Transport& transport, Peer peer, const CMsgContent& request,
                                  CMsgContent& reply, ProgressListener listener)
@@ -49,7 +49,8 @@ int MessageExchange::Send(RequestFrame& frame) {
   return Interrupted();
 }
 
-FrameStatus MessageExchange::SendOver(std::unique_ptr<SocketConnection> connection, RequestFrame& frame) {
+FrameStatus MessageExchange::SendOver(std::unique_ptr<SocketConnection> connection,
+                                      RequestFrame& frame) {
   connection_ = std::move(connection);
   connection_->Begin(settings_.io_timeout);
   return frame.Send(*connection_, FileListener());
@@ -74,4 +75,4 @@ void MessageExchange::ReportMessage(std::uint64_t payload_length) const {
   listener_.callback(length, length, NetworkProgress_Message, listener_.context);
 }
 
-}  // namespace qv
+}  // namespace qv::wire

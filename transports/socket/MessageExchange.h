@@ -1,14 +1,14 @@
 // A request on its way to the server, and the reply on its way back.
 #pragma once
 
-#include "SocketConnection.h"
 #include "NetworkHealth.h"
 #include "Parameters.h"
+#include "SocketConnection.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "transports/exchange/IdlePool.h"
 #include "transports/exchange/RequestFrame.h"
 
-namespace qv {
+namespace qv::wire {
 
 // What the calls of a process share.
 struct Transport {
@@ -36,7 +36,8 @@ class MessageExchange {
   // Gets a connection and sends the request over it. A connection that failed before it took a byte
   // is replaced once; after that nothing is ever sent again.
   [[nodiscard]] int Send(RequestFrame& frame);
-  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<SocketConnection> connection, RequestFrame& frame);
+  [[nodiscard]] FrameStatus SendOver(std::unique_ptr<SocketConnection> connection,
+                                     RequestFrame& frame);
   [[nodiscard]] int Receive();
   [[nodiscard]] FileProgress FileListener() const;
   void ReportMessage(std::uint64_t payload_length) const;
@@ -50,4 +51,4 @@ class MessageExchange {
   std::unique_ptr<SocketConnection> connection_;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

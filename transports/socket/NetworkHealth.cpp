@@ -1,6 +1,6 @@
 #include "NetworkHealth.h"
 
-namespace qv {
+namespace qv::wire {
 
 using Clock = std::chrono::steady_clock;
 
@@ -44,4 +44,4 @@ void NetworkHealth::Become(bool bad) {
   last_attempt_ = Clock::now();
 }
 
-}  // namespace qv
+}  // namespace qv::wire

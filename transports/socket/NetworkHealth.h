@@ -9,7 +9,7 @@
 
 #include "Resolve.h"
 
-namespace qv {
+namespace qv::wire {
 
 // Any thread may use it at any time.
 class NetworkHealth {
@@ -44,4 +44,4 @@ class NetworkHealth {
   std::uint64_t change_ = 0;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -6,7 +6,7 @@
 
 #include "transports/exchange/RequestPayload.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -53,4 +53,4 @@ bool AnswerParameterCommand(Parameters& parameters, const CMsgContent& request,
   return true;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -6,7 +6,7 @@
 #include "Parameters.h"
 #include "message/MsgContent.h"
 
-namespace qv {
+namespace qv::wire {
 
 // Request: text name. Reply: text "1" and text value, or text "0" for an unknown name. An empty
 // value has no field, since a text has at least one character.
@@ -23,4 +23,4 @@ inline constexpr std::uint32_t kSetParameterCommand = 0xFFFFFFFE;
 [[nodiscard]] bool AnswerParameterCommand(Parameters& parameters, const CMsgContent& request,
                                           CMsgContent& reply);
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -1,6 +1,6 @@
 #include "Parameters.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -22,4 +22,4 @@ constexpr Parameter<Settings> kParameters[] = {
 
 Parameters::Parameters() : ParameterSet(kParameters) {}
 
-}  // namespace qv
+}  // namespace qv::wire

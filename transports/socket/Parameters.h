@@ -6,7 +6,7 @@
 
 #include "transports/exchange/ParameterSet.h"
 
-namespace qv {
+namespace qv::wire {
 
 struct TransportSettings {
   // Whether a user interface may report what is going on; kept for the host, which reads it back.
@@ -32,4 +32,4 @@ class Parameters : public ParameterSet<TransportSettings> {
   Parameters();
 };
 
-}  // namespace qv
+}  // namespace qv::wire

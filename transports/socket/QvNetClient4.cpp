@@ -7,7 +7,7 @@
 #include "ParameterCommands.h"
 #include "transports/exchange/Result.h"
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -47,36 +47,36 @@ void ProbeBadNetwork() {
 
 }  // namespace
 
-}  // namespace qv
+}  // namespace qv::wire
 
 extern "C" {
 
 // Everything is made when it is first needed.
 void NetworkTransInit() {}
 
-void NetworkTransFini() { qv::SharedTransport().pool.Clear(); }
+void NetworkTransFini() { qv::wire::SharedTransport().pool.Clear(); }
 
 int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                     CMsgContent& reply) {
   try {
-    return qv::Deliver({server != nullptr ? server : "", port}, request, reply);
+    return qv::wire::Deliver({server != nullptr ? server : "", port}, request, reply);
   } catch (const std::exception&) {
-    return qv::kNotDelivered;
+    return qv::wire::kNotDelivered;
   }
 }
 
 int NetworkIsBadState(int n) {
   try {
-    if (n == 0 && qv::SharedTransport().health.IsBad()) qv::ProbeBadNetwork();
+    if (n == 0 && qv::wire::SharedTransport().health.IsBad()) qv::wire::ProbeBadNetwork();
   } catch (const std::exception&) {
     // Without memory or threads for a probe the network stays what it was.
   }
-  return qv::SharedTransport().health.IsBad() ? 1 : 0;
+  return qv::wire::SharedTransport().health.IsBad() ? 1 : 0;
 }
 
-void NetworkBadState(int bad) { qv::SharedTransport().health.Declare(bad != 0); }
+void NetworkBadState(int bad) { qv::wire::SharedTransport().health.Declare(bad != 0); }
 
 void NetworkTransSetProgress(NetworkProgress callback, void* context) {
-  qv::thread_listener = {callback, context};
+  qv::wire::thread_listener = {callback, context};
 }
 }

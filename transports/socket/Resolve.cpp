@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -37,4 +37,4 @@ Endpoints Resolve(const Peer& peer, std::chrono::steady_clock::time_point deadli
   return found.get();
 }
 
-}  // namespace qv
+}  // namespace qv::wire

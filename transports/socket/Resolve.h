@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace qv {
+namespace qv::wire {
 
 // A server as calls name it.
 struct Peer {
@@ -22,4 +22,4 @@ struct Peer {
 [[nodiscard]] std::vector<boost::asio::ip::tcp::endpoint> Resolve(
     const Peer& peer, std::chrono::steady_clock::time_point deadline);
 
-}  // namespace qv
+}  // namespace qv::wire

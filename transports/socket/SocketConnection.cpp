@@ -3,7 +3,7 @@
 #include <boost/asio/buffer.hpp>
 #include <vector>
 
-namespace qv {
+namespace qv::wire {
 
 namespace {
 
@@ -36,7 +36,8 @@ void Advance(std::vector<asio::const_buffer>& buffers, std::size_t count) {
 
 }  // namespace
 
-std::unique_ptr<SocketConnection> SocketConnection::Open(const Peer& peer, std::chrono::milliseconds timeout) {
+std::unique_ptr<SocketConnection> SocketConnection::Open(const Peer& peer,
+                                                         std::chrono::milliseconds timeout) {
   const Clock::time_point deadline = Clock::now() + timeout;
   for (const tcp::endpoint& endpoint : Resolve(peer, deadline)) {
     std::unique_ptr<SocketConnection> connection(new SocketConnection(peer));
@@ -98,7 +99,8 @@ bool SocketConnection::WaitFor(Socket::wait_type readiness) {
   return Finish(outcome, Clock::now() + io_timeout_);
 }
 
-bool SocketConnection::Finish(const std::optional<error_code>& outcome, Clock::time_point deadline) {
+bool SocketConnection::Finish(const std::optional<error_code>& outcome,
+                              Clock::time_point deadline) {
   context_.restart();
   context_.run_until(deadline);
   if (!outcome) {
@@ -112,4 +114,4 @@ bool SocketConnection::Finish(const std::optional<error_code>& outcome, Clock::t
   return !*outcome;
 }
 
-}  // namespace qv
+}  // namespace qv::wire

@@ -11,14 +11,14 @@
 #include "Resolve.h"
 #include "transports/frame/ByteStream.h"
 
-namespace qv {
+namespace qv::wire {
 
 // One thread at a time. Destruction closes.
 class SocketConnection final : public ByteStream {
  public:
   // Looks the server up and tries its addresses, all within `timeout`. Null when none answered.
   [[nodiscard]] static std::unique_ptr<SocketConnection> Open(const Peer& peer,
-                                                        std::chrono::milliseconds timeout);
+                                                              std::chrono::milliseconds timeout);
 
   // Starts the next exchange; no stretch without progress in it may be longer than `io_timeout`.
   void Begin(std::chrono::milliseconds io_timeout);
@@ -51,4 +51,4 @@ class SocketConnection final : public ByteStream {
   bool has_written_ = false;
 };
 
-}  // namespace qv
+}  // namespace qv::wire

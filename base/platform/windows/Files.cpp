@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <utility>
 
-#include "base/platform/Platform.h"
 #include "Handle.h"
 #include "OwnerOnly.h"
 #include "Patience.h"
+#include "base/platform/Platform.h"
 
 namespace qv::platform {
 

@@ -3,10 +3,10 @@
 #include <utility>
 #include <vector>
 
-#include "base/platform/Platform.h"
 #include "Handle.h"
 #include "OwnerOnly.h"
 #include "RelativeOpen.h"
+#include "base/platform/Platform.h"
 
 namespace qv::platform {
 

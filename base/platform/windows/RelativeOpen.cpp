@@ -7,8 +7,8 @@
 #include <memory>
 #include <string_view>
 
-#include "base/platform/Platform.h"
 #include "Patience.h"
+#include "base/platform/Platform.h"
 
 namespace qv::platform {
 

@@ -1,7 +1,7 @@
 // Both components as a script; the two libraries are made of this one source.
-#include "tests/transfer/Script.h"
 #include "qvnetcall/transfer/QvCoCSC.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
+#include "tests/transfer/Script.h"
 
 namespace {
 

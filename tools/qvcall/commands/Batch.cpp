@@ -9,16 +9,16 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/qvcall/progress/BatchProgress.h"
-#include "tools/qvcall/output/DisplayWidth.h"
 #include "RequestSize.h"
-#include "tools/qvcall/output/ReturnCodes.h"
-#include "tools/qvcall/session/Session.h"
 #include "SqlInput.h"
 #include "SqlSplitter.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/ReturnCodes.h"
+#include "tools/qvcall/progress/BatchProgress.h"
+#include "tools/qvcall/session/Session.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -91,7 +91,7 @@ int Send(const Statements& statements, const char* database, std::ostream& err) 
 
 }  // namespace
 
-int RunBatch(const Connection& connection, const BatchOptions& options, std::istream& in,
+int RunBatch(const ConnectionOptions& connection, const BatchOptions& options, std::istream& in,
              std::ostream& err) {
   const std::optional<std::string> script = ReadScript(options.file, in);
   if (!script) {
@@ -116,4 +116,4 @@ int RunBatch(const Connection& connection, const BatchOptions& options, std::ist
   return kDone;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

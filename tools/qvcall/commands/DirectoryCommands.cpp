@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "qvnetcall/QvNetCall4.h"
+#include "qvnetcall/standin/Records.h"
+#include "tools/qvcall/files/StoreListing.h"
 #include "tools/qvcall/output/Columns.h"
 #include "tools/qvcall/progress/ProgressLine.h"
 #include "tools/qvcall/session/Session.h"
-#include "tools/qvcall/files/StoreListing.h"
-#include "qvnetcall/QvNetCall4.h"
-#include "qvnetcall/standin/Records.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
@@ -83,14 +83,14 @@ Rows Described(const CQvNetExeInfo& info) {
 
 }  // namespace
 
-int Run(const Connection& connection, const ListGroups& command, std::ostream& out,
+int Run(const ConnectionOptions& connection, const ListGroups& command, std::ostream& out,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   return Show(session, Groups(command.pattern), "group", "groups", out, err);
 }
 
-int Run(const Connection& connection, const ListUsers& command, std::ostream& out,
+int Run(const ConnectionOptions& connection, const ListUsers& command, std::ostream& out,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -103,7 +103,7 @@ int Run(const Connection& connection, const ListUsers& command, std::ostream& ou
   return Show(session, users, "user", "users", out, err);
 }
 
-int Run(const Connection& connection, const WriteLog& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const WriteLog& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -115,7 +115,7 @@ int Run(const Connection& connection, const WriteLog& command, std::ostream& /*o
   return kFailed;
 }
 
-int Run(const Connection& connection, const ShowServer& /*command*/, std::ostream& out,
+int Run(const ConnectionOptions& connection, const ShowServer& /*command*/, std::ostream& out,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -132,4 +132,4 @@ int Run(const Connection& connection, const ShowServer& /*command*/, std::ostrea
   return kDone;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
-#include "tools/qvcall/session/Session.h"
 #include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/session/Session.h"
 
-namespace qv {
+namespace qv::tool {
 
-int RunExec(const Connection& connection, const ExecOptions& options, std::istream& in,
+int RunExec(const ConnectionOptions& connection, const ExecOptions& options, std::istream& in,
             std::ostream& err) {
   std::string sql;
   if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
@@ -28,4 +28,4 @@ int RunExec(const Connection& connection, const ExecOptions& options, std::istre
   return kDone;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -2,10 +2,10 @@
 
 #include <fmt/ostream.h>
 
-#include "tools/qvcall/session/Session.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/session/Session.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 int PingSocket(const Session& session, std::ostream& out, std::ostream& err) {
@@ -58,7 +58,7 @@ int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
 
 }  // namespace
 
-int RunPing(const Connection& connection, std::ostream& out, std::ostream& err) {
+int RunPing(const ConnectionOptions& connection, std::ostream& out, std::ostream& err) {
   Session session(connection, "");
   if (!session.Start(err)) return kFailed;
   switch (session.Way()) {
@@ -73,4 +73,4 @@ int RunPing(const Connection& connection, std::ostream& out, std::ostream& err) 
   return kDone;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -4,9 +4,10 @@
 
 #include "tools/qvcall/options/CommandLine.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Says whether the server answers, and gives the exit status.
-[[nodiscard]] int RunPing(const Connection& connection, std::ostream& out, std::ostream& err);
+[[nodiscard]] int RunPing(const ConnectionOptions& connection, std::ostream& out,
+                          std::ostream& err);
 
-}  // namespace qv
+}  // namespace qv::tool

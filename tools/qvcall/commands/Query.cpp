@@ -7,13 +7,13 @@
 #include <string>
 #include <string_view>
 
+#include "SqlInput.h"
+#include "qvnetcall/QvNetCall4.h"
 #include "tools/qvcall/session/CacheFolder.h"
 #include "tools/qvcall/session/Session.h"
-#include "SqlInput.h"
 #include "tools/qvcall/system/SystemPlaces.h"
-#include "qvnetcall/QvNetCall4.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // Runs the text by the call that the command stands for.
@@ -77,7 +77,7 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
 }
 
 // Fills `rows`; the connection is not kept while somebody pages through them.
-bool Fetch(const Connection& connection, const QueryOptions& options, const std::string& sql,
+bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, const std::string& sql,
            CRvoDbRes& rows, std::ostream& err) {
   Session session(connection, options.database);
   if (!session.Start(err)) return false;
@@ -98,7 +98,7 @@ bool Fetch(const Connection& connection, const QueryOptions& options, const std:
 
 }  // namespace
 
-int RunQuery(const Connection& connection, const QueryOptions& options, std::istream& in,
+int RunQuery(const ConnectionOptions& connection, const QueryOptions& options, std::istream& in,
              std::ostream& out, std::ostream& err) {
   std::string sql;
   if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
@@ -113,4 +113,4 @@ int RunQuery(const Connection& connection, const QueryOptions& options, std::ist
   return kDone;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -1,6 +1,6 @@
 #include "RequestSize.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // A field is a length, its bytes and a zero.
@@ -22,4 +22,4 @@ RequestSize MeasureBatch(std::string_view database,
   return size;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,7 +6,7 @@
 
 #include "SqlSplitter.h"
 
-namespace qv {
+namespace qv::tool {
 
 // How the bytes of a batch stand to what one request takes.
 struct RequestSize {
@@ -20,4 +20,4 @@ constexpr std::size_t kRequestRoom = 0x100000 - 269 - 1;
 [[nodiscard]] RequestSize MeasureBatch(std::string_view database,
                                        const std::vector<ScriptStatement>& statements);
 
-}  // namespace qv
+}  // namespace qv::tool

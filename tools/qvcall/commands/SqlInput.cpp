@@ -8,7 +8,7 @@
 
 #include "tools/qvcall/options/CommandLine.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // More than the largest request; an input without an end is not read for ever.
@@ -45,4 +45,4 @@ int ReadStatement(const std::string& given, std::istream& in, std::string& sql, 
   return kUsage;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace qv {
+namespace qv::tool {
 
 // All that `in` still has; none when it cannot be read, or is over 64 MiB.
 [[nodiscard]] std::optional<std::string> ReadAll(std::istream& in);
@@ -15,4 +15,4 @@ namespace qv {
 [[nodiscard]] int ReadStatement(const std::string& given, std::istream& in, std::string& sql,
                                 std::ostream& err);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 enum class Part { kText, kBlank, kEnd };
@@ -54,4 +54,4 @@ std::vector<ScriptStatement> SplitStatements(std::string_view script) {
   return statements;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

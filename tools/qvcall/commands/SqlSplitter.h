@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 
 struct ScriptStatement {
   std::string_view text;  // in the script, without the white space and the comments around it
@@ -16,4 +16,4 @@ struct ScriptStatement {
 // but white space and comments are left out.
 [[nodiscard]] std::vector<ScriptStatement> SplitStatements(std::string_view script);
 
-}  // namespace qv
+}  // namespace qv::tool

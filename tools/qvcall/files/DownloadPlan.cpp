@@ -1,11 +1,11 @@
-#include "tools/qvcall/output/DisplayWidth.h"
-#include "tools/qvcall/system/LocalFiles.h"
-#include "tools/qvcall/system/ServerPath.h"
 #include "StoreListing.h"
 #include "TransferPlan.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/system/LocalFiles.h"
+#include "tools/qvcall/system/ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // Files and folders; a server may go on for ever.
@@ -102,4 +102,4 @@ std::vector<FileTransfer> PlanDownload(const GetFiles& command, TransferReport& 
   return WithoutDoubles(plan.Taken(), &FileTransfer::server, &FileTransfer::local, report);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 
 std::optional<std::uint32_t> ChecksumOf(const std::string& file) {
   std::ifstream in(file, std::ios::binary);
@@ -28,4 +28,4 @@ std::optional<std::uint32_t> ReadChecksum(std::string_view text) {
   return sum;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvcall/output/Columns.h"
-#include "tools/qvcall/session/Session.h"
 #include "StoreListing.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/Columns.h"
+#include "tools/qvcall/session/Session.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
@@ -33,7 +33,7 @@ Rows Described(const std::string& path) {
 
 }  // namespace
 
-int Run(const Connection& connection, const ShowPath& command, std::ostream& out,
+int Run(const ConnectionOptions& connection, const ShowPath& command, std::ostream& out,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -46,7 +46,7 @@ int Run(const Connection& connection, const ShowPath& command, std::ostream& out
   return kDone;
 }
 
-int Run(const Connection& connection, const MovePath& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const MovePath& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -59,7 +59,7 @@ int Run(const Connection& connection, const MovePath& command, std::ostream& /*o
   return kFailed;
 }
 
-int Run(const Connection& connection, const CopyFile& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const CopyFile& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -71,7 +71,7 @@ int Run(const Connection& connection, const CopyFile& command, std::ostream& /*o
   return kFailed;
 }
 
-int Run(const Connection& connection, const RemoveFiles& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const RemoveFiles& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -86,4 +86,4 @@ int Run(const Connection& connection, const RemoveFiles& command, std::ostream& 
   return status;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

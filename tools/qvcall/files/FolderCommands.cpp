@@ -4,13 +4,13 @@
 
 #include <string>
 
+#include "StoreListing.h"
+#include "qvnetcall/QvNetCall4.h"
 #include "tools/qvcall/output/Columns.h"
 #include "tools/qvcall/output/DisplayWidth.h"
 #include "tools/qvcall/session/Session.h"
-#include "StoreListing.h"
-#include "qvnetcall/QvNetCall4.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 class Listing {
@@ -74,7 +74,7 @@ bool IsThere(const ListFolder& command, const Session& session, Listing& listing
 }
 
 template <class Change>
-int ChangeAll(const Connection& connection, const std::vector<std::string>& paths, Call call,
+int ChangeAll(const ConnectionOptions& connection, const std::vector<std::string>& paths, Call call,
               Change change, std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -90,7 +90,7 @@ int ChangeAll(const Connection& connection, const std::vector<std::string>& path
 
 }  // namespace
 
-int Run(const Connection& connection, const ListFolder& command, std::ostream& out,
+int Run(const ConnectionOptions& connection, const ListFolder& command, std::ostream& out,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -107,14 +107,14 @@ int Run(const Connection& connection, const ListFolder& command, std::ostream& o
   return kFailed;
 }
 
-int Run(const Connection& connection, const MakeFolders& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const MakeFolders& command, std::ostream& /*out*/,
         std::ostream& err) {
   return ChangeAll(connection, command.paths, Call::kMakeFolder, CRvoFolder::NewOneFolder, err);
 }
 
-int Run(const Connection& connection, const RemoveFolders& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const RemoveFolders& command, std::ostream& /*out*/,
         std::ostream& err) {
   return ChangeAll(connection, command.paths, Call::kRemoveFolder, CRvoFolder::DelOneFolder, err);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

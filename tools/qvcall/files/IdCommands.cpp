@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvcall/output/Columns.h"
-#include "tools/qvcall/output/DisplayWidth.h"
 #include "FileChecksum.h"
-#include "tools/qvcall/system/LocalFiles.h"
 #include "PartFolder.h"
-#include "tools/qvcall/session/Session.h"
-#include "tools/qvcall/progress/TransferProgress.h"
 #include "TransferReport.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/Columns.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/progress/TransferProgress.h"
+#include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/system/LocalFiles.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 struct ServerChecksum {
@@ -100,7 +100,7 @@ Rows Described(const NumberedFile& file) {
 
 }  // namespace
 
-int Run(const Connection& connection, const PutById& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const PutById& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -132,7 +132,7 @@ int Run(const Connection& connection, const PutById& command, std::ostream& /*ou
   return report.Finish(remark.value_or(""));
 }
 
-int Run(const Connection& connection, const GetById& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const GetById& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -148,7 +148,7 @@ int Run(const Connection& connection, const GetById& command, std::ostream& /*ou
   return report.Finish(remark.value_or(""));
 }
 
-int Run(const Connection& connection, const ShowById& command, std::ostream& out,
+int Run(const ConnectionOptions& connection, const ShowById& command, std::ostream& out,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -161,4 +161,4 @@ int Run(const Connection& connection, const ShowById& command, std::ostream& out
   return kDone;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

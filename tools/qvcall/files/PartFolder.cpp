@@ -7,7 +7,7 @@
 
 #include "tools/qvcall/system/LocalFiles.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 std::string NewName() {
@@ -44,4 +44,4 @@ void PartFolder::Remove() {
   }
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -3,7 +3,7 @@
 #include <mutex>
 #include <string>
 
-namespace qv {
+namespace qv::tool {
 
 // A folder of our own in which files come into being that are wanted beside it: whatever goes wrong
 // with one, a file that has its name already stays as it is.
@@ -42,4 +42,4 @@ class PartFolder {
 // The library cuts longer paths.
 constexpr std::size_t kLongestLocalPath = 1024;
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,11 +6,11 @@
 #include <memory>
 #include <utility>
 
-#include "tools/qvcall/system/ServerPath.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/standin/Records.h"
+#include "tools/qvcall/system/ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // As many as a reply has room for, with a margin.
@@ -129,4 +129,4 @@ std::optional<ServerFolder> FindFolder(const std::string& path) {
   return ServerFolder{std::string(LastPart(path)), -1, has_folders};
 }
 
-}  // namespace qv
+}  // namespace qv::tool

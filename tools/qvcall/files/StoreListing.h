@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 
 struct ServerFile {
   std::string name;
@@ -50,4 +50,4 @@ constexpr const char kEveryFile[] = "*.*";
 [[nodiscard]] std::optional<ServerFile> FindFile(const std::string& path);
 [[nodiscard]] std::optional<ServerFolder> FindFolder(const std::string& path);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,17 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvcall/output/DisplayWidth.h"
 #include "PartFolder.h"
-#include "tools/qvcall/system/ServerPath.h"
-#include "tools/qvcall/session/Session.h"
 #include "StoreListing.h"
 #include "TransferPlan.h"
-#include "tools/qvcall/progress/TransferProgress.h"
 #include "TransferReport.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/progress/TransferProgress.h"
+#include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/system/ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 using Files = std::vector<FileTransfer>;
@@ -75,7 +75,7 @@ void Fetch(const Files& files, const PartFolder& parts, TransferProgress& progre
 
 }  // namespace
 
-int Run(const Connection& connection, const PutFiles& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const PutFiles& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -85,7 +85,7 @@ int Run(const Connection& connection, const PutFiles& command, std::ostream& /*o
   return report.Finish();
 }
 
-int Run(const Connection& connection, const GetFiles& command, std::ostream& /*out*/,
+int Run(const ConnectionOptions& connection, const GetFiles& command, std::ostream& /*out*/,
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
@@ -104,4 +104,4 @@ int Run(const Connection& connection, const GetFiles& command, std::ostream& /*o
   return report.Finish();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -4,7 +4,7 @@
 
 #include "tools/qvcall/system/LocalPath.h"
 
-namespace qv {
+namespace qv::tool {
 
 std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
                                          std::string FileTransfer::*source,
@@ -19,4 +19,4 @@ std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
   return files;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/qvcall/options/StoreCommands.h"
 #include "TransferReport.h"
+#include "tools/qvcall/options/StoreCommands.h"
 
-namespace qv {
+namespace qv::tool {
 
 struct FileTransfer {
   std::string local;
@@ -50,4 +50,4 @@ struct UploadTarget {
                                                        std::string FileTransfer::*place,
                                                        TransferReport& report);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -7,7 +7,7 @@
 #include "tools/qvcall/output/DisplayWidth.h"
 #include "tools/qvcall/progress/ProgressLine.h"
 
-namespace qv {
+namespace qv::tool {
 
 namespace {
 
@@ -49,4 +49,4 @@ int TransferReport::Finish(std::string_view remark) const {
   return kFailed;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

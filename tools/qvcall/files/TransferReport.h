@@ -9,7 +9,7 @@
 
 #include "tools/qvcall/session/Session.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Says how it goes with each of several files, and at the end how it went with all.
 class TransferReport {
@@ -36,4 +36,4 @@ class TransferReport {
   std::vector<std::string> failed_;  // the first of them
 };
 
-}  // namespace qv
+}  // namespace qv::tool

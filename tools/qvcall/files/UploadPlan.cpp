@@ -1,11 +1,11 @@
-#include "tools/qvcall/system/LocalFiles.h"
 #include "PartFolder.h"
-#include "tools/qvcall/system/ServerPath.h"
 #include "StoreListing.h"
 #include "TransferPlan.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/system/LocalFiles.h"
+#include "tools/qvcall/system/ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr int kNotReached = -1;
@@ -96,4 +96,4 @@ std::vector<FileTransfer> PlanUpload(const PutFiles& command, TransferReport& re
   return PlanUpload(target, command.local, command.server_folder, command.recursive, report);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -10,7 +10,7 @@
 #include "QueueCommandLine.h"
 #include "StoreCommandLine.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr int kLongestTimeout = 3600000;  // an hour; the transports take no more
@@ -18,7 +18,7 @@ constexpr int kLongestTimeout = 3600000;  // an hour; the transports take no mor
 const std::map<std::string, Format> kFormats = {
     {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
 
-void AddServer(CLI::App& app, Connection& connection) {
+void AddServer(CLI::App& app, ConnectionOptions& connection) {
   app.add_option("--server", connection.server,
                  "Host name or address of the server; with --web it may begin with https://")
       ->envname("QVCALL_SERVER")
@@ -167,4 +167,4 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   return parsed;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

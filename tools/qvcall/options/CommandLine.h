@@ -5,11 +5,11 @@
 #include <string>
 
 #include "QueueOptions.h"
+#include "StoreCommands.h"
 #include "tools/qvcall/output/ResultWriter.h"
 #include "tools/qvcall/output/ReturnCodes.h"
-#include "StoreCommands.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Exit statuses of the tool.
 constexpr int kDone = 0;
@@ -17,7 +17,7 @@ constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
 // What to talk to, and how.
-struct Connection {
+struct ConnectionOptions {
   std::string server = "127.0.0.1";
   int port = 0;                     // 0: not given
   int http_port = 0;                // likewise
@@ -52,7 +52,7 @@ struct BatchOptions {
 };
 
 struct CommandLine {
-  Connection connection;
+  ConnectionOptions connection;
   std::optional<QueryOptions> query{};  // at most one of these; none: ping
   std::optional<ExecOptions> exec{};
   std::optional<BatchOptions> batch{};
@@ -69,4 +69,4 @@ struct ParsedCommandLine {
 [[nodiscard]] ParsedCommandLine ParseCommandLine(int argc, const char* const* argv,
                                                  std::ostream& out, std::ostream& err);
 
-}  // namespace qv
+}  // namespace qv::tool

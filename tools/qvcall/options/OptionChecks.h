@@ -5,7 +5,7 @@
 
 #include "tools/qvcall/system/LocalFiles.h"
 
-namespace qv {
+namespace qv::tool {
 
 inline CLI::Validator NotEmpty() {
   return {[](const std::string& text) {
@@ -24,4 +24,4 @@ inline CLI::Validator ReadableFile() {
           "FILE"};
 }
 
-}  // namespace qv
+}  // namespace qv::tool

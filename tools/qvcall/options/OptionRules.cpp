@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 bool IsDirect(const CommandLine& command) { return !command.connection.direct.empty(); }
@@ -15,7 +15,7 @@ bool NeedsDatabase(const CommandLine& command) {
   return (command.query || command.exec || command.batch) && !named;
 }
 
-bool IsEncrypted(const Connection& connection) {
+bool IsEncrypted(const ConnectionOptions& connection) {
   return connection.server.rfind("https://", 0) == 0;
 }
 
@@ -77,4 +77,4 @@ std::string_view BrokenRule(const CommandLine& command) {
   return broken != std::end(kRules) ? broken->words : std::string_view();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

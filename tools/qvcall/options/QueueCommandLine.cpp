@@ -9,7 +9,7 @@
 
 #include "OptionChecks.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr int kAnyNumber = CLI::detail::expected_max_vector_size;
@@ -187,4 +187,4 @@ void AddQueueCommands(CLI::App& app, std::optional<QueueCommand>& taken) {
   cloud.AddCommands();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -9,7 +9,7 @@
 
 #include "tools/qvcall/system/SystemPlaces.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Where the files are, and how to talk to it. What is only for one service is not used by the
 // other.
@@ -58,4 +58,4 @@ struct QueueCommand {
   std::variant<QueuePut, QueueGet, QueueCopy, QueueMove, QueueRemove> work;
 };
 
-}  // namespace qv
+}  // namespace qv::tool

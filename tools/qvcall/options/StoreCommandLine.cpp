@@ -9,7 +9,7 @@
 #include "tools/qvcall/system/LocalFiles.h"
 #include "tools/qvcall/system/ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // What the library sends of a text for the log.
@@ -224,4 +224,4 @@ void AddStoreCommands(CLI::App& app, std::optional<StoreCommand>& taken) {
   commands.AddServerCommands();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

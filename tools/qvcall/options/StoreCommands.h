@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 
 struct ListFolder {
   std::string path;     // empty: the store itself
@@ -91,4 +91,4 @@ using StoreCommand = std::variant<ListFolder, MakeFolders, RemoveFolders, MovePa
                                   RemoveFiles, ShowPath, PutFiles, GetFiles, PutById, GetById,
                                   ShowById, ListGroups, ListUsers, WriteLog, ShowServer>;
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -8,7 +8,7 @@
 
 #include "DisplayWidth.h"
 
-namespace qv {
+namespace qv::tool {
 
 void WriteColumns(const std::vector<std::vector<std::string>>& rows, std::ostream& out) {
   std::vector<std::size_t> widths;
@@ -37,4 +37,4 @@ std::string TimeText(std::int64_t seconds) {
   return fmt::format("{:%Y-%m-%d %H:%M:%S}", fmt::localtime(static_cast<std::time_t>(seconds)));
 }
 
-}  // namespace qv
+}  // namespace qv::tool

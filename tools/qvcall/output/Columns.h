@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 
 // Writes a line for each row, its cells aligned by display width, two blanks apart. Characters that
 // a terminal would obey are spelt out.
@@ -16,4 +16,4 @@ void WriteColumns(const std::vector<std::vector<std::string>>& rows, std::ostrea
 // one beyond the years that people write with four digits.
 [[nodiscard]] std::string TimeText(std::int64_t seconds);
 
-}  // namespace qv
+}  // namespace qv::tool

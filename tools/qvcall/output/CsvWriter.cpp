@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 void AppendCell(std::string_view text, bool quoted, std::string& line) {
@@ -48,4 +48,4 @@ bool WriteCsv(const CRvoDbRes& rows, std::ostream& out) {
   return true;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,10 +6,10 @@
 #include <iterator>
 #include <span>
 
-#include "tools/qvcall/system/NarrowText.h"
 #include "WidthRanges.h"
+#include "tools/qvcall/system/NarrowText.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 bool IsIn(std::span<const CharRange> ranges, char32_t character) {
@@ -103,4 +103,4 @@ std::string VisibleStart(std::string_view text, std::size_t cells) {
   }
 }
 
-}  // namespace qv
+}  // namespace qv::tool

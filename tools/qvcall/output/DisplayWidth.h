@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // 0 for marks that join the character before them, 2 for wide characters, else 1.
 [[nodiscard]] int CellsOf(char32_t character);
@@ -22,4 +22,4 @@ std::size_t AppendVisible(std::string_view text, std::string& line);
 // `text` as it can be shown in that many cells, at least three; "..." ends what had to be cut.
 [[nodiscard]] std::string VisibleStart(std::string_view text, std::size_t cells);
 
-}  // namespace qv
+}  // namespace qv::tool

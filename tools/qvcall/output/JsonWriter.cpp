@@ -9,7 +9,7 @@
 
 #include "tools/qvcall/system/NarrowText.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 std::string Quoted(std::string_view text) {
@@ -55,4 +55,4 @@ bool WriteJson(const CRvoDbRes& rows, std::ostream& out) {
   return out.good();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

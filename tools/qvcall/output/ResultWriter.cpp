@@ -4,7 +4,7 @@
 #include "JsonWriter.h"
 #include "TableWriter.h"
 
-namespace qv {
+namespace qv::tool {
 
 bool WriteResult(const CRvoDbRes& rows, Format format, std::ostream& out) {
   switch (format) {
@@ -18,4 +18,4 @@ bool WriteResult(const CRvoDbRes& rows, Format format, std::ostream& out) {
   return WriteTable(rows, out);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

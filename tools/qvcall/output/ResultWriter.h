@@ -4,11 +4,11 @@
 
 #include "qvnetcall/RvoDbRes.h"
 
-namespace qv {
+namespace qv::tool {
 
 enum class Format { kTable, kCsv, kJson };
 
 // Writes a result set row by row. False when `out` took not everything.
 [[nodiscard]] bool WriteResult(const CRvoDbRes& rows, Format format, std::ostream& out);
 
-}  // namespace qv
+}  // namespace qv::tool

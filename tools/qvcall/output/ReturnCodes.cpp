@@ -8,7 +8,7 @@
 
 #include "DisplayWidth.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 template <class Enum>
@@ -233,4 +233,4 @@ void PrintFailure(Call call, Route route, int code, std::ostream& err, std::stri
   fmt::print(err, "qvcall: {}{} (result {})\n  {}\n", about, words.meaning, code, words.advice);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

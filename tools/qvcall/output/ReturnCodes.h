@@ -4,7 +4,7 @@
 #include <iosfwd>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // The calls, by the commands that make them; the same number means something else for each.
 enum class Call {
@@ -44,4 +44,4 @@ struct ReturnCode {
 void PrintFailure(Call call, Route route, int code, std::ostream& err,
                   std::string_view subject = {});
 
-}  // namespace qv
+}  // namespace qv::tool

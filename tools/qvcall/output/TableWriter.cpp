@@ -8,7 +8,7 @@
 
 #include "DisplayWidth.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // One cell of a megabyte must not make every row a megabyte long.
@@ -107,4 +107,4 @@ bool WriteTable(const CRvoDbRes& rows, std::ostream& out) {
   return TableWriter(rows, out).Write();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -4,7 +4,7 @@
 
 #include "qvnetcall/RvoDbRes.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Writes a table for people: a header, a line below it, the rows; columns aligned by display width,
 // columns of numbers to the right. The result is walked twice, once for the widths, and never
@@ -12,4 +12,4 @@ namespace qv {
 // beyond a limit. False when `out` took not everything.
 [[nodiscard]] bool WriteTable(const CRvoDbRes& rows, std::ostream& out);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -3,7 +3,7 @@
 // East Asian width W and F. Unassigned characters between two ranges belong to them.
 #pragma once
 
-namespace qv {
+namespace qv::tool {
 
 // The first and the last character of a range.
 struct CharRange {
@@ -114,4 +114,4 @@ inline constexpr CharRange kTwoCells[] = {
     {0x1f6eb, 0x1f6ec}, {0x1f6f4, 0x1f6fc}, {0x1f7e0, 0x1f7f0}, {0x1f90c, 0x1f93a},
     {0x1f93c, 0x1f945}, {0x1f947, 0x1f9ff}, {0x1fa70, 0x1faf6}, {0x20000, 0x3fffd}};
 
-}  // namespace qv
+}  // namespace qv::tool

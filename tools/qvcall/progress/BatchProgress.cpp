@@ -2,13 +2,13 @@
 
 #include <fmt/ostream.h>
 
+#include "ProgressBar.h"
+#include "qvnetcall/transport/NetworkProgress.h"
 #include "tools/qvcall/system/InterruptWatch.h"
 #include "tools/qvcall/system/LoadedFunction.h"
-#include "ProgressBar.h"
 #include "tools/qvcall/system/Terminal.h"
-#include "qvnetcall/transport/NetworkProgress.h"
 
-namespace qv {
+namespace qv::tool {
 
 struct BatchProgress::Shown {
   Shown(std::string_view sending, std::uint64_t bytes, std::ostream& err);
@@ -62,4 +62,4 @@ BatchProgress::BatchProgress(std::string_view sending, std::uint64_t bytes, std:
 
 BatchProgress::~BatchProgress() = default;
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // Shows, while it lives, how far a batch is that this thread sends over the socket transport: on
 // its way, then in the server's hands. Who interrupts it hears what that leaves open. Shows nothing
@@ -23,4 +23,4 @@ class BatchProgress {
   std::unique_ptr<Shown> shown_;  // null without a terminal
 };
 
-}  // namespace qv
+}  // namespace qv::tool

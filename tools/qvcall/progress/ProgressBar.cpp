@@ -9,7 +9,7 @@
 
 #include "tools/qvcall/output/DisplayWidth.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr std::chrono::milliseconds kBetweenDrawings{100};
@@ -77,4 +77,4 @@ void ProgressBar::Draw(std::string_view line, std::size_t cells) {
   drawn_cells_ = cells;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -13,7 +13,7 @@
 
 #include "ProgressLine.h"
 
-namespace qv {
+namespace qv::tool {
 
 // A line on a terminal that shows how far some work has come. A thread of its own draws it, at most
 // ten times a second, so that a slow terminal does not hold up the work, and time goes on while
@@ -58,4 +58,4 @@ class ProgressBar {
   std::jthread thread_;
 };
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -9,7 +9,7 @@
 
 #include "tools/qvcall/output/DisplayWidth.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // A label shares no line that is narrower than this.
@@ -119,4 +119,4 @@ std::string ProgressLine(const Progress& progress, std::size_t cells) {
 
 std::string SizeText(std::uint64_t bytes) { return Bytes(static_cast<double>(bytes)); }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // How far a piece of work has come.
 struct Progress {
@@ -26,4 +26,4 @@ struct Progress {
 // "1.5 KiB".
 [[nodiscard]] std::string SizeText(std::uint64_t bytes);
 
-}  // namespace qv
+}  // namespace qv::tool

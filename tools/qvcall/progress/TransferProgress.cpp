@@ -7,7 +7,7 @@
 #include "tools/qvcall/output/DisplayWidth.h"
 #include "tools/qvcall/system/Terminal.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 decltype(NetworkTransSetProgress)* Listening() {
@@ -66,4 +66,4 @@ void TransferProgress::ShowInterrupted() {
   err_.flush();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -8,12 +8,12 @@
 #include <optional>
 #include <string>
 
-#include "tools/qvcall/system/InterruptWatch.h"
-#include "tools/qvcall/system/LoadedFunction.h"
 #include "ProgressBar.h"
 #include "qvnetcall/transport/NetworkProgress.h"
+#include "tools/qvcall/system/InterruptWatch.h"
+#include "tools/qvcall/system/LoadedFunction.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Shows, on a terminal, how far each of several files is that this thread moves over the socket
 // transport, and has an interrupted program leave nothing behind. One at a time; one thread calls
@@ -49,4 +49,4 @@ class TransferProgress {
   InterruptWatch watch_;  // the last, so that its words find the others
 };
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -8,7 +8,7 @@
 #include "tools/qvcall/output/DisplayWidth.h"
 #include "tools/qvcall/system/Terminal.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // A file that was named by mistake shall not be taken into memory.
@@ -52,4 +52,4 @@ std::optional<std::string> PasswordFor(const QueueHost& host, std::istream& in, 
   return password;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,7 +6,7 @@
 
 #include "tools/qvcall/options/QueueOptions.h"
 
-namespace qv {
+namespace qv::tool {
 
 // The password of a login: the first line of the file that the options name, or of `in`, or what
 // the user types on the terminal; empty without a login. Nothing, with the reason on `err`, when it
@@ -14,4 +14,4 @@ namespace qv {
 [[nodiscard]] std::optional<std::string> PasswordFor(const QueueHost& host, std::istream& in,
                                                      std::ostream& err);
 
-}  // namespace qv
+}  // namespace qv::tool

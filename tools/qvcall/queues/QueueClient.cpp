@@ -1,9 +1,9 @@
 #include "QueueClient.h"
 
-#include "tools/qvcall/system/LoadedFunction.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/system/LoadedFunction.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // What both classes of the library have alike.
@@ -77,4 +77,4 @@ QueueExtensions ExtensionsOf(Service service) {
   return ExtensionsIn("QvCoCSC", "QvCoCSCSetProgress", "QvCoCSCSetParameter");
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 
-#include "tools/qvcall/options/QueueOptions.h"
 #include "qvnetcall/transfer/Extensions.h"
+#include "tools/qvcall/options/QueueOptions.h"
 
-namespace qv {
+namespace qv::tool {
 
 // As the library numbers them.
 enum class QueueKind : int { kUpload, kDownload, kCopy };
@@ -45,4 +45,4 @@ struct QueueExtensions {
 
 [[nodiscard]] QueueExtensions ExtensionsOf(Service service);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,18 +5,18 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/qvcall/output/DisplayWidth.h"
-#include "tools/qvcall/system/LocalFiles.h"
 #include "Password.h"
 #include "QueueClient.h"
 #include "QueuePlan.h"
 #include "QueueProgress.h"
 #include "QueueResults.h"
-#include "tools/qvcall/session/Session.h"
-#include "tools/qvcall/files/TransferReport.h"
 #include "qvnetcall/transfer/ComError.h"
+#include "tools/qvcall/files/TransferReport.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/system/LocalFiles.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
@@ -132,7 +132,7 @@ class QueueWork {
 
 // Hands over what the component is to know before it is made. The name of the first parameter that
 // it did not take, or null.
-const char* FirstRefused(const Connection& connection, const QueueHost& host,
+const char* FirstRefused(const ConnectionOptions& connection, const QueueHost& host,
                          decltype(QvCoFtpSetParameter)* set) {
   std::vector<std::pair<const char*, std::string>> parameters;
   if (!connection.ca_file.empty()) parameters.emplace_back("ca_file", connection.ca_file);
@@ -150,7 +150,7 @@ const char* FirstRefused(const Connection& connection, const QueueHost& host,
 
 // Whether the component takes what it is to know. Logging in without that would not be what the
 // user asked for.
-bool IsPrepared(const Connection& connection, const QueueHost& host,
+bool IsPrepared(const ConnectionOptions& connection, const QueueHost& host,
                 decltype(QvCoFtpSetParameter)* set, std::ostream& err) {
   const char* const refused = FirstRefused(connection, host, set);
   if (refused == nullptr) return true;
@@ -168,7 +168,7 @@ int Work(const QueueCommand& command, const std::string& password, QueueClient& 
 
 }  // namespace
 
-int Run(const Connection& connection, const QueueCommand& command, std::istream& in,
+int Run(const ConnectionOptions& connection, const QueueCommand& command, std::istream& in,
         std::ostream& err) {
   const auto password = PasswordFor(command.host, in, err);
   if (!password) return kFailed;
@@ -189,4 +189,4 @@ int Run(const Connection& connection, const QueueCommand& command, std::istream&
   }
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,7 +5,7 @@
 #include "tools/qvcall/system/LocalFiles.h"
 #include "tools/qvcall/system/ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // What every server takes at least, and more than a key of a cloud store may have.
@@ -55,4 +55,4 @@ std::string QueueTarget(const std::string& source, const std::string& target) {
   return EndsAsFolder(target) ? JoinWithSlash(target, NameIn(source)) : target;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

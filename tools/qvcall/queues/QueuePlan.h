@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/qvcall/options/QueueOptions.h"
 #include "tools/qvcall/files/TransferPlan.h"
+#include "tools/qvcall/options/QueueOptions.h"
 
-namespace qv {
+namespace qv::tool {
 
 [[nodiscard]] std::vector<FileTransfer> PlanQueue(const QueuePut& command, TransferReport& report);
 
@@ -18,4 +18,4 @@ namespace qv {
 // Where a file goes whose target may be written as that of a folder, with a "/" at its end.
 [[nodiscard]] std::string QueueTarget(const std::string& source, const std::string& target);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -7,7 +7,7 @@
 
 #include "tools/qvcall/system/Terminal.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // For a run that was told to end: a server may keep it waiting.
@@ -95,4 +95,4 @@ void QueueProgress::Interrupt() {
   lock.release();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

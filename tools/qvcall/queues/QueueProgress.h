@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvcall/system/InterruptWatch.h"
-#include "tools/qvcall/progress/ProgressBar.h"
 #include "QueueClient.h"
+#include "tools/qvcall/progress/ProgressBar.h"
+#include "tools/qvcall/system/InterruptWatch.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Shows, on a terminal, how far the run of a queue is, and has an interrupt end the run in order.
 // Made before the client whose runs it watches, and ended after it, so that what an interrupted run
@@ -61,4 +61,4 @@ class QueueProgress {
   InterruptWatch watch_;  // the last, so that its words find the others
 };
 
-}  // namespace qv
+}  // namespace qv::tool

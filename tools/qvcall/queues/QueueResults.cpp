@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tools/qvcall/system/SystemPlaces.h"
 #include "qvnetcall/transfer/ResultCodes.h"
+#include "tools/qvcall/system/SystemPlaces.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 struct Entry {
@@ -69,4 +69,4 @@ ReturnCode ExplainTransfer(Service service, long result) {
   return {code, found->meaning, service == Service::kFtp ? found->ftp_advice : found->cloud_advice};
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -4,10 +4,10 @@
 #include "QueueClient.h"
 #include "tools/qvcall/output/ReturnCodes.h"
 
-namespace qv {
+namespace qv::tool {
 
 // The words for a result of any call; every value has some. A component of another maker may mean
 // something else by it.
 [[nodiscard]] ReturnCode ExplainTransfer(Service service, long result);
 
-}  // namespace qv
+}  // namespace qv::tool

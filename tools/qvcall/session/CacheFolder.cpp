@@ -3,7 +3,7 @@
 #include "tools/qvcall/system/LocalFiles.h"
 #include "tools/qvcall/system/SystemPlaces.h"
 
-namespace qv {
+namespace qv::tool {
 
 std::optional<std::string> DefaultCacheFolder() {
   const std::string caches = CachesOfUser();
@@ -12,4 +12,4 @@ std::optional<std::string> DefaultCacheFolder() {
   return JoinLocal(caches, "qvcall");
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr std::string_view kHidden = "***";
@@ -66,4 +66,4 @@ std::string WithoutSecrets(std::string text, std::string_view connection_text) {
   return text;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "ConnectionSecrets.h"
-#include "tools/qvcall/output/DisplayWidth.h"
-#include "tools/qvcall/system/LoadedFunction.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
+#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/system/LoadedFunction.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr const char kSocketServer[] = "TCP_IP";
@@ -24,7 +24,7 @@ bool HasScheme(std::string_view server) { return server.find("://") != std::stri
 
 using Parameters = std::vector<std::pair<const char*, std::string>>;
 
-Parameters Wanted(const Connection& connection, Route route) {
+Parameters Wanted(const ConnectionOptions& connection, Route route) {
   Parameters parameters;
   if (!connection.token.empty()) parameters.emplace_back("token", connection.token);
   if (connection.timeout_ms) {
@@ -46,7 +46,7 @@ bool Take(Route route, const char* name, const std::string& value) {
 }
 
 // Hands all of them over. The name of the first that was not taken, or null.
-const char* FirstRefused(const Connection& connection, Route route) {
+const char* FirstRefused(const ConnectionOptions& connection, Route route) {
   for (const auto& [name, value] : Wanted(connection, route)) {
     if (!Take(route, name, value)) return name;
   }
@@ -70,7 +70,7 @@ std::string Indented(std::string_view text) {
 
 }  // namespace
 
-Session::Session(const Connection& connection, std::string database, Calls calls)
+Session::Session(const ConnectionOptions& connection, std::string database, Calls calls)
     : connection_(connection),
       calls_(calls),
       database_(std::move(database)),
@@ -112,7 +112,7 @@ bool Session::Start(std::ostream& err) {
 }
 
 void Session::PrintFailure(Call call, int code, std::ostream& err, std::string_view subject) const {
-  qv::PrintFailure(call, route_, code, err, subject);
+  qv::tool::PrintFailure(call, route_, code, err, subject);
   if (route_ == Route::kDirect) PrintDriverText(err);
 }
 
@@ -174,4 +174,4 @@ void Session::PrintDriverText(std::ostream& err) const {
              Indented(WithoutSecrets(std::string(text), connection_.direct)));
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -7,7 +7,7 @@
 #include "tools/qvcall/options/CommandLine.h"
 #include "tools/qvcall/output/ReturnCodes.h"
 
-namespace qv {
+namespace qv::tool {
 
 // The library, started for one command and stopped at the end; one at a time.
 class Session {
@@ -19,7 +19,8 @@ class Session {
   };
 
   // `connection` outlives the session. A database in direct mode is known as `database`.
-  Session(const Connection& connection, std::string database, Calls calls = Calls::kByServerType);
+  Session(const ConnectionOptions& connection, std::string database,
+          Calls calls = Calls::kByServerType);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -55,7 +56,7 @@ class Session {
   [[nodiscard]] bool OpenDirect(std::ostream& err);
   void PrintDriverText(std::ostream& err) const;
 
-  const Connection& connection_;
+  const ConnectionOptions& connection_;
   const Calls calls_;
   std::string database_;
   std::string server_;
@@ -63,4 +64,4 @@ class Session {
   Route route_ = Route::kSocket;
 };
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-namespace qv {
+namespace qv::tool {
 
 // While it lives, a user's interrupt (or being told to end) runs `last_words` before the program
 // ends by it. They run on a thread of their own, so they may do whatever threads may. What the
@@ -21,4 +21,4 @@ class InterruptWatch {
   std::unique_ptr<State> state_;
 };
 
-}  // namespace qv
+}  // namespace qv::tool

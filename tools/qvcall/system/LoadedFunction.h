@@ -1,6 +1,6 @@
 #pragma once
 
-namespace qv {
+namespace qv::tool {
 
 // A function with C linkage that some library of this program offers under that name, or null.
 [[nodiscard]] void* FindLoadedFunction(const char* name);
@@ -20,4 +20,4 @@ template <class Function>
   return reinterpret_cast<Function*>(FindComponentFunction(component, name));
 }
 
-}  // namespace qv
+}  // namespace qv::tool

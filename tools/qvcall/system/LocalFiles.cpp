@@ -7,7 +7,7 @@
 #include "LocalPath.h"
 #include "ServerPath.h"
 
-namespace qv {
+namespace qv::tool {
 
 namespace fs = std::filesystem;
 
@@ -90,4 +90,4 @@ std::string MoveLocalFile(const std::string& file, const std::string& like,
   return error ? error.message() : std::string();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace qv {
+namespace qv::tool {
 
 enum class LocalKind { kNone, kFile, kFolder, kOther };
 
@@ -47,4 +47,4 @@ void MakeLocalFolders(const std::string& path);
 [[nodiscard]] std::string MoveLocalFile(const std::string& file, const std::string& like,
                                         const std::string& place);
 
-}  // namespace qv
+}  // namespace qv::tool

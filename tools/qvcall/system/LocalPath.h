@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-namespace qv {
+namespace qv::tool {
 
 [[nodiscard]] std::filesystem::path PathFromNarrow(const std::string& path);
 
@@ -31,4 +31,4 @@ namespace qv {
 // Lets those have the file who have `like`, which is beside it. As far as the system allows.
 void GiveRightsOf(const std::filesystem::path& like, const std::filesystem::path& file);
 
-}  // namespace qv
+}  // namespace qv::tool

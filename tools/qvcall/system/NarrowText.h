@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // One character at the start of a text, and how many bytes it takes there.
 struct DecodedChar {
@@ -31,4 +31,4 @@ constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 // The same text in UTF-8; where narrow text is that already, as it is.
 [[nodiscard]] std::string Utf8FromNarrow(std::string_view text);
 
-}  // namespace qv
+}  // namespace qv::tool

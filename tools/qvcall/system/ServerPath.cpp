@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr std::string_view kSeparators = "\\/";
@@ -45,4 +45,4 @@ bool IsPlainName(std::string_view name) {
          });
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // What the library sends of a path, and of the name of a file under a number; it cuts longer ones,
 // and the rest may be the name of something else.
@@ -29,4 +29,4 @@ constexpr std::size_t kLongestIdName = 251;
 // its files as it likes, and nothing may be written outside the folder that a user gave.
 [[nodiscard]] bool IsPlainName(std::string_view name);
 
-}  // namespace qv
+}  // namespace qv::tool

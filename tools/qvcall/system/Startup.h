@@ -1,6 +1,6 @@
 #pragma once
 
-namespace qv {
+namespace qv::tool {
 
 // Makes the standard streams carry bytes as they are, and a failed write to them an error, as long
 // as it lives. Before the first use of the streams; one at a time.
@@ -19,4 +19,4 @@ class Startup {
   unsigned code_page_before_ = 0;  // of the console; 0 when it was left as it is
 };
 
-}  // namespace qv
+}  // namespace qv::tool

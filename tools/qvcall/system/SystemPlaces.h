@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // The services that queued files go to.
 enum class Service { kFtp, kCloud };
@@ -17,4 +17,4 @@ enum class Service { kFtp, kCloud };
 // What to do when there is no component for the service.
 [[nodiscard]] std::string_view AdviceOnMissing(Service service);
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace qv {
+namespace qv::tool {
 
 // How many cells a line of the terminal has that standard error goes to; 0 when it goes to none, or
 // to one that cannot go back to the start of a line.
@@ -15,4 +15,4 @@ namespace qv {
 // any other thread is made, and while nobody else watches for interrupts.
 [[nodiscard]] std::optional<std::string> AskForSecret(const std::string& question);
 
-}  // namespace qv
+}  // namespace qv::tool

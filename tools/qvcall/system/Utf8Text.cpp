@@ -1,6 +1,6 @@
 #include "NarrowText.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // How many bytes a character that begins with `lead` has; 0 when none does.
@@ -37,4 +37,4 @@ DecodedChar DecodeUtf8(std::string_view text) {
   return {value, length, true};
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -7,14 +7,14 @@
 #include <string>
 #include <string_view>
 
-#include "tools/qvstandin/recordsets/AnswerFile.h"
-#include "tools/qvstandin/stores/DataFolder.h"
-#include "tools/qvstandin/common/ErrorCode.h"
 #include "FieldReader.h"
 #include "FieldWriter.h"
 #include "NameField.h"
+#include "tools/qvstandin/common/ErrorCode.h"
 #include "tools/qvstandin/common/ServerLog.h"
 #include "tools/qvstandin/common/WorkLimit.h"
+#include "tools/qvstandin/recordsets/AnswerFile.h"
+#include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {
 

@@ -25,14 +25,14 @@ constexpr std::array kCommands{
     Command{131, DownloadIdFile},      // in the name field: name, id  file
     Command{140, CopyIdFile},          // id, name, id, name    when refused: code
     Command{150, FindIdFile},          // id, name
-    Command{200, AnswerQuery},            // database, text           count, storage kind[, file]
-    Command{210, AnswerPackedQuery},      // database, text           count, storage kind[, file]
+    Command{200, AnswerQuery},         // database, text           count, storage kind[, file]
+    Command{210, AnswerPackedQuery},   // database, text           count, storage kind[, file]
     Command{300, RunStatement},        // database, text
     Command{310, RunBatch},            // database, n, n texts     when refused: code, position
     Command{700, DeleteFile},          // in the name field: path
     Command{710, SendConnectionText},  // database  in place of the status: "1" and a text, or "0"
     Command{730, DeleteIdFile},        // in the name field: name, id
-    Command{900, AnswerProcedure},        // database, text           count, storage kind[, file]
+    Command{900, AnswerProcedure},     // database, text           count, storage kind[, file]
     // In place of the status: a number, which is 0 when the command is refused.
     Command{6001, ListFolders},         // [folder]              records
     Command{6002, ListFiles},           // [folder,] pattern, "1" for the other way round  records

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "CatalogueReply.h"
-#include "tools/qvstandin/common/NamePattern.h"
 #include "qvnetcall/standin/Records.h"
+#include "tools/qvstandin/common/NamePattern.h"
 
 namespace qv::standin {
 

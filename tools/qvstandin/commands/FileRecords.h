@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvstandin/stores/StoreNames.h"
 #include "base/platform/Folder.h"
+#include "tools/qvstandin/stores/StoreNames.h"
 
 namespace qv::standin {
 

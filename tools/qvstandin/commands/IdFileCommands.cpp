@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "CatalogueReply.h"
-#include "tools/qvstandin/stores/Checksum.h"
 #include "NameField.h"
+#include "tools/qvstandin/stores/Checksum.h"
 #include "tools/qvstandin/stores/PackFile.h"
 #include "tools/qvstandin/stores/TemporaryFile.h"
 

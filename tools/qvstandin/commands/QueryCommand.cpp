@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <functional>
 
-#include "tools/qvstandin/recordsets/GzipStream.h"
 #include "tools/qvstandin/databases/ProcedureCall.h"
+#include "tools/qvstandin/recordsets/GzipStream.h"
 #include "tools/qvstandin/recordsets/RowsetWriter.h"
 #include "tools/qvstandin/recordsets/SchemaWriter.h"
 

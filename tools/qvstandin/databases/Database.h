@@ -8,8 +8,8 @@
 #include <variant>
 #include <vector>
 
-#include "tools/qvstandin/common/ErrorCode.h"
 #include "ProcedureCall.h"
+#include "tools/qvstandin/common/ErrorCode.h"
 
 namespace qv::standin {
 

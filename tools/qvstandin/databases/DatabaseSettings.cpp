@@ -10,8 +10,8 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "tools/qvstandin/common/ServerLog.h"
 #include "base/platform/Platform.h"
+#include "tools/qvstandin/common/ServerLog.h"
 
 namespace qv::standin {
 

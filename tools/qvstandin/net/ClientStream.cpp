@@ -29,9 +29,11 @@ ClientStream::Deadline ClientStream::DeadlineFor(std::size_t bytes) const {
   return Clock::now() + io_timeout_ * (1 + static_cast<long long>(bytes >> 20));
 }
 
-bool ClientStream::Read(WritableBytes bytes) { return Read(bytes, DeadlineFor(bytes.size())); }
+bool ClientStream::Read(wire::WritableBytes bytes) {
+  return Read(bytes, DeadlineFor(bytes.size()));
+}
 
-bool ClientStream::Read(WritableBytes bytes, Deadline deadline) {
+bool ClientStream::Read(wire::WritableBytes bytes, Deadline deadline) {
   bytes = bytes.subspan(TakeAhead(bytes));
   if (bytes.empty()) return true;
   const auto start = [&](Handler done) {
@@ -41,7 +43,7 @@ bool ClientStream::Read(WritableBytes bytes, Deadline deadline) {
   return Complete(start, deadline);
 }
 
-std::size_t ClientStream::ReadSome(WritableBytes bytes, Deadline deadline) {
+std::size_t ClientStream::ReadSome(wire::WritableBytes bytes, Deadline deadline) {
   std::size_t length = TakeAhead(bytes);
   if (length != 0 || bytes.empty()) return length;
   const auto start = [&](Handler done) {
@@ -54,7 +56,7 @@ std::size_t ClientStream::ReadSome(WritableBytes bytes, Deadline deadline) {
   return Complete(start, deadline) ? length : 0;
 }
 
-std::size_t ClientStream::TakeAhead(WritableBytes bytes) {
+std::size_t ClientStream::TakeAhead(wire::WritableBytes bytes) {
   const std::size_t length = std::min(bytes.size(), ahead_.size());
   const auto end = ahead_.begin() + static_cast<std::ptrdiff_t>(length);
   std::copy(ahead_.begin(), end, bytes.begin());
@@ -62,13 +64,13 @@ std::size_t ClientStream::TakeAhead(WritableBytes bytes) {
   return length;
 }
 
-void ClientStream::PutBack(Bytes bytes) {
+void ClientStream::PutBack(wire::Bytes bytes) {
   ahead_.insert(ahead_.begin(), bytes.begin(), bytes.end());
 }
 
-bool ClientStream::Write(std::initializer_list<Bytes> pieces) {
+bool ClientStream::Write(std::initializer_list<wire::Bytes> pieces) {
   std::vector<asio::const_buffer> buffers;
-  for (const Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
+  for (const wire::Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
   const auto start = [&](Handler done) {
     asio::async_write(socket_, buffers, [done](const Error& error, std::size_t) { done(error); });
   };

@@ -14,7 +14,7 @@ namespace qv::standin {
 
 // Blocks the one thread that serves the client; only Close may be called from another. The object
 // outlives both.
-class ClientStream : public ByteStream {
+class ClientStream : public wire::ByteStream {
  public:
   using Milliseconds = std::chrono::milliseconds;
   using Deadline = std::chrono::steady_clock::time_point;
@@ -27,16 +27,16 @@ class ClientStream : public ByteStream {
   // Where the connection is accepted into, before anything else is called.
   Socket& Peer() { return socket_; }
 
-  bool Read(WritableBytes bytes) override;
+  bool Read(wire::WritableBytes bytes) override;
   // The same by a deadline that several reads can share.
-  [[nodiscard]] bool Read(WritableBytes bytes, Deadline deadline);
+  [[nodiscard]] bool Read(wire::WritableBytes bytes, Deadline deadline);
   // Reads what there is, up to so many bytes, and waits only for the first. 0 when none came.
-  [[nodiscard]] std::size_t ReadSome(WritableBytes bytes, Deadline deadline);
+  [[nodiscard]] std::size_t ReadSome(wire::WritableBytes bytes, Deadline deadline);
   // Takes back what was read last, to be read again.
-  void PutBack(Bytes bytes);
+  void PutBack(wire::Bytes bytes);
   // By when so many bytes must have come.
   [[nodiscard]] Deadline DeadlineFor(std::size_t bytes) const;
-  bool Write(std::initializer_list<Bytes> pieces) override;
+  bool Write(std::initializer_list<wire::Bytes> pieces) override;
   // Waits until the client sends something. False when it went, or sent nothing for so long.
   [[nodiscard]] bool WaitForRequest(Milliseconds longest);
   // Whether the client hung up, or its connection was closed here; which is what happens when it
@@ -57,7 +57,7 @@ class ClientStream : public ByteStream {
   // Starts an operation, which calls the handler when it is done, and waits for it.
   [[nodiscard]] bool Complete(const std::function<void(Handler)>& start, Deadline deadline);
   // Takes up to so many of the bytes that came while nobody read.
-  [[nodiscard]] std::size_t TakeAhead(WritableBytes bytes);
+  [[nodiscard]] std::size_t TakeAhead(wire::WritableBytes bytes);
 
   const Milliseconds io_timeout_;
   std::atomic<bool> closed_ = false;

@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
+#include "message/LittleEndian.h"
 #include "tools/qvstandin/commands/CommandTable.h"
 #include "tools/qvstandin/common/Secret.h"
-#include "message/LittleEndian.h"
 
 namespace qv::standin {
 
@@ -23,31 +23,31 @@ std::string Remark(std::string_view text) {
 
 }  // namespace
 
-FrameStatus Exchange::Receive(ByteStream& stream, std::string_view login_token) {
-  const FrameLimits limits{.payload = rules_.request_limit,
-                           .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
-  FrameHeader header;
-  FrameStatus status = ReceiveHeader(stream, FrameKind::kRequest, limits, header);
-  if (status != FrameStatus::kDone) return status;
+wire::FrameStatus Exchange::Receive(wire::ByteStream& stream, std::string_view login_token) {
+  const wire::FrameLimits limits{.payload = rules_.request_limit,
+                                 .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
+  wire::FrameHeader header;
+  wire::FrameStatus status = wire::ReceiveHeader(stream, wire::FrameKind::kRequest, limits, header);
+  if (status != wire::FrameStatus::kDone) return status;
   token_.resize(header.token_length);
   payload_.resize(static_cast<std::size_t>(header.payload_length));
-  status = ReceiveMessage(stream, {token_, block_, payload_});
+  status = wire::ReceiveMessage(stream, {token_, block_, payload_});
   command_ = LoadU32(block_.data());
-  if (status != FrameStatus::kDone) return status;
+  if (status != wire::FrameStatus::kDone) return status;
   is_allowed_ = ShowsToken(login_token);
-  return header.file_length ? ReceiveFile(stream, *header.file_length) : FrameStatus::kDone;
+  return header.file_length ? ReceiveFile(stream, *header.file_length) : wire::FrameStatus::kDone;
 }
 
-FrameStatus Exchange::ReceiveFile(ByteStream& stream, std::uint64_t length) {
+wire::FrameStatus Exchange::ReceiveFile(wire::ByteStream& stream, std::uint64_t length) {
   const bool is_wanted = is_allowed_ && TakesFile(command_);
   if (length > (is_wanted ? rules_.upload_limit : kLongestUnwantedFile)) {
-    return FrameStatus::kDoesNotFit;
+    return wire::FrameStatus::kDoesNotFit;
   }
   if (is_wanted) received_.emplace(services_.data.IncomingFolder());
   if (received_ && !received_->HasRoomFor(length)) received_.reset();
   // The client looks for its answer only when all of its file is out.
-  if (!received_) return SkipFile(stream, length);
-  return qv::ReceiveFile(stream, length, received_->Path());
+  if (!received_) return wire::SkipFile(stream, length);
+  return wire::ReceiveFile(stream, length, received_->Path());
 }
 
 bool Exchange::ShowsToken(std::string_view login_token) const {
@@ -79,25 +79,27 @@ bool Exchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
 bool Exchange::OpenReplyFile() {
   if (reply_.stored) file_.emplace(std::move(*reply_.stored));
   if (reply_.file == nullptr) return true;
-  file_ = OutgoingFile::Open(reply_.file->Path());
+  file_ = wire::OutgoingFile::Open(reply_.file->Path());
   return file_.has_value();
 }
 
 std::uint64_t Exchange::ReplyLength() const {
-  FrameHeader header{.kind = FrameKind::kReply,
-                     .token_length = 0,
-                     .payload_length = reply_.fields.Payload().size(),
-                     .file_length = {}};
+  wire::FrameHeader header{.kind = wire::FrameKind::kReply,
+                           .token_length = 0,
+                           .payload_length = reply_.fields.Payload().size(),
+                           .file_length = {}};
   if (file_) header.file_length = file_->Length();
-  return FrameLength(header);
+  return wire::FrameLength(header);
 }
 
-bool Exchange::Send(ByteStream& stream) {
-  std::array<unsigned char, kFrameBlockSize> block{};
+bool Exchange::Send(wire::ByteStream& stream) {
+  std::array<unsigned char, wire::kFrameBlockSize> block{};
   StoreU32(block.data(), command_);
-  const OutgoingMessage message{
-      .kind = FrameKind::kReply, .token = {}, .block = block, .payload = reply_.fields.Payload()};
-  return SendFrame(stream, message, file_ ? &*file_ : nullptr) == FrameStatus::kDone;
+  const wire::OutgoingMessage message{.kind = wire::FrameKind::kReply,
+                                      .token = {},
+                                      .block = block,
+                                      .payload = reply_.fields.Payload()};
+  return wire::SendFrame(stream, message, file_ ? &*file_ : nullptr) == wire::FrameStatus::kDone;
 }
 
 void Exchange::Record() const {

@@ -11,10 +11,10 @@ void Session::Serve() {
 
 bool Session::ServeRequest() {
   Exchange exchange(services_, rules_);
-  const FrameStatus status = exchange.Receive(stream_);
-  if (status != FrameStatus::kDone) {
+  const wire::FrameStatus status = exchange.Receive(stream_);
+  if (status != wire::FrameStatus::kDone) {
     const bool is_its_fault =
-        status != FrameStatus::kConnectionLost && status != FrameStatus::kFileFailed;
+        status != wire::FrameStatus::kConnectionLost && status != wire::FrameStatus::kFileFailed;
     if (is_its_fault) rules_.on_malformed_frame();
     return false;
   }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ClientStream.h"
-#include "tools/qvstandin/commands/Command.h"
 #include "SessionRules.h"
+#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 

@@ -20,7 +20,7 @@ std::optional<std::uint64_t> ChunkLength(const std::string& line) {
 
 }  // namespace
 
-bool HttpBody::Read(WritableBytes bytes) {
+bool HttpBody::Read(wire::WritableBytes bytes) {
   // One for all chunks, or dribbling them would be a way to stay for ever.
   const auto deadline = stream_.DeadlineFor(bytes.size());
   while (!bytes.empty()) {

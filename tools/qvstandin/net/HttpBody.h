@@ -11,15 +11,15 @@
 namespace qv::standin {
 
 // Reads what is left when HTTP's own marks are taken away; writes as the connection does.
-class HttpBody : public ByteStream {
+class HttpBody : public wire::ByteStream {
  public:
   // The stream stands behind the head, and outlives the body.
   HttpBody(ClientStream& stream, const HttpRequestHead& head)
       : stream_(stream), is_chunked_(head.is_chunked), left_(head.length.value_or(0)) {}
 
   // False also when the body ends before that.
-  bool Read(WritableBytes bytes) override;
-  bool Write(std::initializer_list<Bytes> pieces) override { return stream_.Write(pieces); }
+  bool Read(wire::WritableBytes bytes) override;
+  bool Write(std::initializer_list<wire::Bytes> pieces) override { return stream_.Write(pieces); }
   // Whether nothing follows any more; may have to wait for the mark that says so.
   [[nodiscard]] bool IsAtEnd();
   // Whether the connection can be used no more.

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view kPage = "/";
 constexpr std::string_view kCall = "/qvcall";
 
-Bytes BytesIn(std::string_view text) {
+wire::Bytes BytesIn(std::string_view text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
@@ -63,12 +63,12 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
   }
   HttpBody body(stream_, request);
   Exchange exchange(services_, rules_);
-  const FrameStatus received = exchange.Receive(body, request.login_token);
-  const bool is_whole = received == FrameStatus::kDone && body.IsAtEnd();
+  const wire::FrameStatus received = exchange.Receive(body, request.login_token);
+  const bool is_whole = received == wire::FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;
-  if (received == FrameStatus::kFileFailed) return Refuse(HttpStatus::kFailed, request);
+  if (received == wire::FrameStatus::kFileFailed) return Refuse(HttpStatus::kFailed, request);
   if (!is_whole) {
-    const bool is_large = received == FrameStatus::kDoesNotFit;
+    const bool is_large = received == wire::FrameStatus::kDoesNotFit;
     return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest);
   }
   const AnswerForm form{.dialect = Dialect::kSchema, .packed = request.takes_packed};

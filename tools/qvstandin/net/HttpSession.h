@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "ClientStream.h"
-#include "tools/qvstandin/commands/Command.h"
 #include "HttpHead.h"
 #include "SessionRules.h"
+#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 

@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <system_error>
 
-#include "HttpSession.h"
-#include "tools/qvstandin/common/Secret.h"
 #include "FrameSession.h"
+#include "HttpSession.h"
 #include "base/platform/Platform.h"
+#include "tools/qvstandin/common/Secret.h"
 
 namespace qv::standin {
 
@@ -25,10 +25,10 @@ std::string LogFileIn(const std::string& folder) {
 
 // Some calls always go as they do over sockets, even to this port.
 bool BeginsWithFrame(ClientStream& stream) {
-  std::array<unsigned char, kFrameMagic.size()> bytes;
+  std::array<unsigned char, wire::kFrameMagic.size()> bytes;
   if (!stream.Read(bytes)) return false;
   stream.PutBack(bytes);
-  return bytes == kFrameMagic;
+  return bytes == wire::kFrameMagic;
 }
 
 }  // namespace

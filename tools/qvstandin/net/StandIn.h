@@ -17,10 +17,10 @@
 #include <vector>
 
 #include "ClientStream.h"
-#include "tools/qvstandin/commands/Command.h"
 #include "Listener.h"
 #include "ServedCommand.h"
 #include "SessionRules.h"
+#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/qvstandin/common/ByteSink.h"
 #include "CellForm.h"
+#include "tools/qvstandin/common/ByteSink.h"
 #include "tools/qvstandin/databases/Database.h"
 
 namespace qv::standin {

@@ -11,7 +11,7 @@ namespace qv::standin {
 
 bool Checksum::Write(std::string_view bytes) {
   checksum_ =
-      Crc32(checksum_, {reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
+      wire::Crc32(checksum_, {reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
   size_ += bytes.size();
   return true;
 }

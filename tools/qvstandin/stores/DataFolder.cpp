@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <system_error>
 
-#include "tools/qvstandin/databases/OdbcDatabase.h"
 #include "SampleData.h"
 #include "SampleFiles.h"
-#include "tools/qvstandin/databases/SqliteDatabase.h"
 #include "base/platform/Platform.h"
+#include "tools/qvstandin/databases/OdbcDatabase.h"
+#include "tools/qvstandin/databases/SqliteDatabase.h"
 
 namespace qv::standin {
 

@@ -7,13 +7,13 @@
 #include <string>
 #include <string_view>
 
-#include "tools/qvstandin/databases/Database.h"
-#include "tools/qvstandin/databases/DatabaseSettings.h"
 #include "Directory.h"
 #include "FileStore.h"
 #include "IdStore.h"
-#include "tools/qvstandin/databases/SqliteConnection.h"
 #include "tools/qvstandin/common/WorkLimit.h"
+#include "tools/qvstandin/databases/Database.h"
+#include "tools/qvstandin/databases/DatabaseSettings.h"
+#include "tools/qvstandin/databases/SqliteConnection.h"
 
 namespace qv::standin {
 

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "tools/qvstandin/common/ErrorCode.h"
+#include "tools/qvstandin/common/WorkLimit.h"
 #include "tools/qvstandin/databases/ProcedureCall.h"
 #include "tools/qvstandin/databases/SqliteConnection.h"
-#include "tools/qvstandin/common/WorkLimit.h"
 
 namespace qv::standin {
 

@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <system_error>
 
-#include "tools/qvstandin/common/NamePattern.h"
 #include "StoreNames.h"
 #include "TemporaryFile.h"
 #include "base/platform/Platform.h"
+#include "tools/qvstandin/common/NamePattern.h"
 
 namespace qv::standin {
 

@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
+#include "base/platform/Folder.h"
 #include "tools/qvstandin/common/ByteSink.h"
 #include "tools/qvstandin/common/ErrorCode.h"
 #include "tools/qvstandin/common/WorkLimit.h"
-#include "base/platform/Folder.h"
 
 namespace qv::standin {
 

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "tools/qvstandin/databases/SqliteConnection.h"
 #include "base/platform/Platform.h"
+#include "tools/qvstandin/databases/SqliteConnection.h"
 
 namespace qv::standin {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/qvstandin/common/ByteSink.h"
 #include "base/platform/Folder.h"
+#include "tools/qvstandin/common/ByteSink.h"
 
 namespace qv::standin {
 

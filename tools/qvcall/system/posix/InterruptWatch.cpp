@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // Wakes the watching thread when the watch is over. From anybody else it ends the program, as
@@ -67,4 +67,4 @@ InterruptWatch::~InterruptWatch() {
   pthread_sigmask(SIG_SETMASK, &state_->before, nullptr);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

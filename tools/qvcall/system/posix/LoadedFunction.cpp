@@ -6,7 +6,7 @@
 #include <string>
 #include <system_error>
 
-namespace qv {
+namespace qv::tool {
 
 void* FindLoadedFunction(const char* name) {
   static void* const program = dlopen(nullptr, RTLD_LAZY);
@@ -22,4 +22,4 @@ void* FindComponentFunction(const char* component, const char* name) {
   return library != nullptr ? dlsym(library, name) : nullptr;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-namespace qv {
+namespace qv::tool {
 
 namespace fs = std::filesystem;
 
@@ -27,4 +27,4 @@ void GiveRightsOf(const fs::path& like, const fs::path& file) {
   if (usual != fs::perms::unknown) fs::permissions(file, usual, error);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

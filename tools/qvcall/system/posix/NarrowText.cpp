@@ -1,6 +1,6 @@
 #include "tools/qvcall/system/NarrowText.h"
 
-namespace qv {
+namespace qv::tool {
 
 DecodedChar DecodeNarrow(std::string_view text) { return DecodeUtf8(text); }
 
@@ -8,4 +8,4 @@ std::string_view NoCharacter() { return kReplacement; }
 
 std::string Utf8FromNarrow(std::string_view text) { return std::string(text); }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -3,7 +3,7 @@
 #include <csignal>
 #include <iostream>
 
-namespace qv {
+namespace qv::tool {
 
 // A reader that went away shall be a failed write, so that the tool ends in order; so shall a limit
 // on the size of files.
@@ -17,4 +17,4 @@ Startup::~Startup() = default;
 
 bool Startup::HasWholeArguments() { return true; }
 
-}  // namespace qv
+}  // namespace qv::tool

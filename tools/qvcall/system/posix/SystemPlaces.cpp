@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // A folder that the environment names; a relative one would depend on where the user stands.
@@ -26,4 +26,4 @@ std::string_view AdviceOnMissing(Service service) {
                                   : "libQvCoCSC.so is missing beside qvcall";
 }
 
-}  // namespace qv
+}  // namespace qv::tool

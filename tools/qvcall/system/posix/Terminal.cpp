@@ -10,7 +10,7 @@
 
 #include "tools/qvcall/system/InterruptWatch.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
@@ -79,4 +79,4 @@ std::optional<std::string> AskForSecret(const std::string& question) {
   return terminal.ReadLine();
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <utility>
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // The system calls a plain function, on a thread of its own; this is what it finds.
@@ -40,4 +40,4 @@ InterruptWatch::~InterruptWatch() {
   watch_words = nullptr;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

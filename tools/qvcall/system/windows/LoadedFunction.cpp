@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-namespace qv {
+namespace qv::tool {
 
 void* FindLoadedFunction(const char* name) {
   std::array<HMODULE, 256> modules{};  // far more than this program loads
@@ -27,4 +27,4 @@ void* FindLoadedFunction(const char* name) {
 // Components are classes of the system here, and have no functions beside their contract.
 void* FindComponentFunction(const char* /*component*/, const char* /*name*/) { return nullptr; }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -11,7 +11,7 @@
 
 #include "WideText.h"
 
-namespace qv {
+namespace qv::tool {
 
 namespace fs = std::filesystem;
 
@@ -88,4 +88,4 @@ void GiveRightsOf(const fs::path& like, const fs::path& file) {
                           nullptr, nullptr, rights, nullptr);
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -6,7 +6,7 @@
 
 #include "WideText.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // Older systems do not let a program choose, and take its text in their own code page.
@@ -41,4 +41,4 @@ std::string Utf8FromNarrow(std::string_view text) {
   return utf8;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

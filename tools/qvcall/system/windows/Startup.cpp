@@ -12,7 +12,7 @@
 
 #include "WideText.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 bool IsConsole(DWORD which) {
@@ -56,4 +56,4 @@ bool Startup::HasWholeArguments() {
   return true;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

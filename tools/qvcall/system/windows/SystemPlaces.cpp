@@ -4,7 +4,7 @@
 
 #include "tools/qvcall/system/LocalPath.h"
 
-namespace qv {
+namespace qv::tool {
 
 // Absolute, or it would depend on where the user stands.
 std::string CachesOfUser() {
@@ -21,4 +21,4 @@ std::string_view AdviceOnMissing(Service service) {
              : "no component for cloud stores is registered on this machine";
 }
 
-}  // namespace qv
+}  // namespace qv::tool

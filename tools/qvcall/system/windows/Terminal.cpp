@@ -4,10 +4,10 @@
 
 #include <cstdio>
 
-#include "tools/qvcall/system/InterruptWatch.h"
 #include "WideText.h"
+#include "tools/qvcall/system/InterruptWatch.h"
 
-namespace qv {
+namespace qv::tool {
 namespace {
 
 // The console that typed text comes from, without the echo of it.
@@ -72,4 +72,4 @@ std::optional<std::string> AskForSecret(const std::string& question) {
   return line;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace qv {
+namespace qv::tool {
 
 std::optional<std::wstring> WideFromNarrow(std::string_view text) {
   if (text.empty()) return std::wstring();
@@ -35,4 +35,4 @@ std::optional<std::string> NarrowFromWide(std::wstring_view text) {
   return narrow;
 }
 
-}  // namespace qv
+}  // namespace qv::tool

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qv {
+namespace qv::tool {
 
 // The system counts in int, and narrow text may have four bytes for each unit.
 constexpr std::size_t kLongestText = std::size_t{1} << 28;
@@ -19,4 +19,4 @@ constexpr std::size_t kLongestText = std::size_t{1} << 28;
 // None when the code page lacks any of it.
 [[nodiscard]] std::optional<std::string> NarrowFromWide(std::wstring_view text);
 
-}  // namespace qv
+}  // namespace qv::tool
