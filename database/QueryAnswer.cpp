@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "cache/GzipFile.h"
 #include "base/platform/Platform.h"
+#include "cache/GzipFile.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/framework/FileException.h"

@@ -104,8 +104,8 @@ void QvCoFtpSetProgress(QvTransferCallback callback, void* context) {
 int QvCoFtpSetParameter(const char* name, const char* value) {
   if (name == nullptr || value == nullptr) return 0;
   bool is_set = false;
-  const HRESULT done =
-      qv::components::Guarded([&] { is_set = qv::components::SharedParameters().Set(name, value); });
+  const HRESULT done = qv::components::Guarded(
+      [&] { is_set = qv::components::SharedParameters().Set(name, value); });
   return done == 0 && is_set ? 1 : 0;
 }
 }

@@ -11,7 +11,7 @@
 #include "tests/support/ServerProcess.h"
 #include "tests/support/TempFolder.h"
 
-namespace qv::test {
+namespace qv::components {
 
 class S3ServerTest : public testing::Test {
  protected:
@@ -54,4 +54,4 @@ class S3ServerTest : public testing::Test {
   std::optional<ServerProcess> server_;
 };
 
-}  // namespace qv::test
+}  // namespace qv::components

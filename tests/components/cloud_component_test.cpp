@@ -8,7 +8,7 @@
 #include "qvnetcall/transfer/QvCoCSC.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
-namespace qv::test {
+namespace qv::components {
 
 namespace {
 
@@ -271,4 +271,4 @@ TEST_F(CloudComponentTest, KnowsItsParameters) {
 
 }  // namespace
 
-}  // namespace qv::test
+}  // namespace qv::components

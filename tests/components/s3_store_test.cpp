@@ -4,7 +4,7 @@
 #include "S3ServerTest.h"
 #include "components/s3/S3Store.h"
 
-namespace qv::test {
+namespace qv::components {
 
 namespace {
 
@@ -133,4 +133,4 @@ TEST_F(S3StoreTest, StopsWhenItIsToldTo) {
 
 }  // namespace
 
-}  // namespace qv::test
+}  // namespace qv::components

@@ -9,7 +9,7 @@
 #include "components/s3/S3Signature.h"
 #include "components/s3/S3Xml.h"
 
-namespace qv::test {
+namespace qv::components {
 
 namespace {
 
@@ -116,4 +116,4 @@ TEST(S3XmlTest, IsNotHurtByWhatAServerMakesUp) {
 
 }  // namespace
 
-}  // namespace qv::test
+}  // namespace qv::components

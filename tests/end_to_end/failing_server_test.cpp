@@ -95,11 +95,12 @@ TEST_F(FailingServer, GivesNoWholeAnswer) {
             })),
             -2);
   const std::string right = ReplyWithFile();
-  const std::pair<std::string, int> cases[] = {{"", -2},
-                                               {right.substr(0, 150'000), -2},
-                                               {std::string(4096, '\xFF'), -3},
-                                               {HeaderOnly(wire::FrameKind::kReply, 1ULL << 32), -3},
-                                               {Damaged(right, 306), -3}};
+  const std::pair<std::string, int> cases[] = {
+      {"", -2},
+      {right.substr(0, 150'000), -2},
+      {std::string(4096, '\xFF'), -3},
+      {HeaderOnly(wire::FrameKind::kReply, 1ULL << 32), -3},
+      {Damaged(right, 306), -3}};
   for (const auto& [answer, result] : cases) {
     const auto script = AfterRequest([&](ServerSide& side) { side.Write({BytesOfText(answer)}); });
     EXPECT_EQ(SelectFrom(script), result) << answer.size();

@@ -49,7 +49,7 @@ class FrameClient {
   std::vector<std::string> Fields(const std::string& path = {}) {
     const WholeFrame reply = ReceiveWhole(stream_, wire::FrameKind::kReply, path);
     return reply.status == wire::FrameStatus::kDone ? FieldsOf(reply.payload)
-                                              : std::vector<std::string>();
+                                                    : std::vector<std::string>();
   }
   // The first of them.
   std::string Status(const std::string& path = {}) {
