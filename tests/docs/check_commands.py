@@ -1,0 +1,87 @@
+#!/usr/bin/env python3
+"""Compares docs/commands.md with the codes that the library sends and the stand-in answers.
+
+Usage: check_commands.py [TOP]. Prints one line for each difference; exits 1 if there is any.
+"""
+import pathlib
+import re
+import sys
+
+ROOMS = ("server", "database", "files", "directory", "transfer")
+TABLE = "tools/qvstandin/commands/CommandTable.cpp"
+
+# A code is a constant that a call is made with. The first group is the name.
+COMMAND = r"constexpr (?:qv::)?CatalogueCommand (k\w+)\{(\w+)"
+NUMBER = r"constexpr std::uint32_t (k\w+) = (\w+);"
+USES = (r"(?:Exchange|TransferCall)(?: \w+)?\((?:qv::)?(k\w+)", r"command = [^;,]*?\b(k\w+)",
+        r"command = [^;,]*:\s*(?:qv::)?(k\w+);")
+
+
+def plain(code):
+    number = int(code, 0)
+    return number - 2**32 if number >= 2**31 else number
+
+
+def sent_codes(top):
+    """For each code the files that define or use its constant."""
+    texts = {}
+    for room in ROOMS:
+        for path in sorted((top / room).rglob("*")):
+            if path.suffix in (".h", ".cpp"):
+                texts[str(path.relative_to(top))] = path.read_text()
+    shared = {name: code for text in texts.values() for name, code in re.findall(NUMBER, text)}
+    sent = {}
+    for file, text in texts.items():
+        own = dict(re.findall(NUMBER, text))
+        codes = [code for _, code in re.findall(COMMAND, text)]
+        names = {name for use in USES for name in re.findall(use, text)}
+        codes += [own.get(name, shared.get(name)) for name in names if name in own or name in shared]
+        for code in codes:
+            sent.setdefault(plain(code), set()).add(file)
+    return sent
+
+
+def documented(text):
+    """Each row: its code, its callers, and the files that its section names as the two ends."""
+    for section in text.split("\n## ")[1:]:
+        intro = re.split(r"^\|", section, maxsplit=1, flags=re.MULTILINE)[0]
+        client, _, server = re.split(r"\bClient:", intro)[1].partition("Server:")
+        ends = [re.findall(r"`(\w+/[^`]+\.(?:cpp|h))`", end) for end in (client, server)]
+        for code, caller in re.findall(r"^\| (-?\d+) \| ([^|]*) \|", section, re.MULTILINE):
+            yield int(code), re.findall(r"`(\w+::\w+)`", caller), *ends
+
+
+def check(top):
+    sent = sent_codes(top)
+    answered = {int(code): name
+                for code, name in re.findall(r"Command\{(\d+), (\w+)", (top / TABLE).read_text())}
+    read = lambda files: "".join((top / f).read_text() for f in files if (top / f).exists())
+    rows = list(documented((top / "docs/commands.md").read_text()))
+    codes = {row[0] for row in rows}
+    for code in sorted(set(sent) - codes):
+        yield f"{code} is sent by {', '.join(sent[code])} and is not in the document"
+    for code in sorted(set(answered) - codes):
+        yield f"{code} is answered by the stand-in and is not in the document"
+    for code, callers, client, server in rows:
+        for file in client + server:
+            if not (top / file).exists():
+                yield f"{code}: there is no file {file}"
+        if not sent.get(code, set()) & set(client):
+            yield f"{code} is not sent by {', '.join(client)}"
+        for caller in callers or ["(no caller)"]:
+            if caller + "(" not in read(client):
+                yield f"{code}: {caller} is not in {', '.join(client)}"
+        if code > 0 and code not in answered:
+            yield f"{code} is not answered by the stand-in"
+        elif code > 0 and f" {answered[code]}(Services&" not in read(server):
+            yield f"{code}: {answered[code]} is not in {', '.join(server)}"
+
+
+def main():
+    findings = sorted(set(check(pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else "."))))
+    print("\n".join(findings))
+    return 1 if findings else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
