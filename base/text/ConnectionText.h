@@ -26,6 +26,8 @@ class ConnectionText {
 
   explicit ConnectionText(std::string_view text);
 
+  [[nodiscard]] const std::string& Text() const { return text_; }
+
   // Returns the value of the first setting with this key, ignoring case, or null. It belongs to
   // this object.
   [[nodiscard]] const std::string* ValueOf(std::string_view key) const;
