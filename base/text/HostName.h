@@ -9,7 +9,7 @@ namespace qv::text {
 
 // Removes `scheme`, such as "https://", from the front of `server`, in whatever case it is written.
 // Returns false, and leaves `server` alone, if it does not stand there.
-[[nodiscard]] bool TakeScheme(std::string_view& server, std::string_view scheme);
+bool TakeScheme(std::string_view& server, std::string_view scheme);
 
 // Returns a host as an address has it: in lower case, an address of IPv6 in brackets whether or not
 // `name` has them. The same host has the same text however it is spelt in upper and lower case.
