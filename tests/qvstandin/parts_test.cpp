@@ -53,8 +53,14 @@ TEST(TableNames, LoseTheirLocationOutsideQuotesAndComments) {
       {"select a.b.c, X.dbo. t, 1.5", "select a.b.c, X.dbo. t, 1.5"},
       {"'X.dbo.t", "'X.dbo.t"},
       {"[X.dbo.t", "[X.dbo.t"},
-      {"X.dbo.", "X.dbo."}};
-  for (const auto& [sql, plain] : cases) EXPECT_EQ(WithPlainTableNames(sql), plain);
+      {"X.dbo.", "X.dbo."},
+      {".dbo.t, a..t", ".dbo.t, a..t"},
+      {"select 1 from `X.dbo.t`,[dbo].[a]]b.c]", "select 1 from `X.dbo.t`,[a]]b.c]"}};
+  for (const auto& [sql, plain] : cases) {
+    EXPECT_EQ(WithPlainTableNames(sql, text::kSqlite), plain);
+  }
+  EXPECT_EQ(WithPlainTableNames("select $$X.dbo.t$$, [dbo].t /* /* */ dbo.t */", text::kPostgreSql),
+            "select $$X.dbo.t$$, t /* /* */ dbo.t */");
 }
 
 TEST(ProcedureCall, ReadsArgumentsByTheirForm) {

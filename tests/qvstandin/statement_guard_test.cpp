@@ -1,10 +1,10 @@
-// What clients may send an engine, and what it may tell of the way there.
+// What clients may send an engine, and what its driver is told.
 #include "tools/qvstandin/databases/StatementGuard.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tools/qvstandin/databases/ConnectionText.h"
+#include "tools/qvstandin/databases/DriverSettings.h"
 
 namespace qv::standin {
 namespace {
@@ -51,22 +51,16 @@ TEST(StatementGuard, RefusesWhatCouldLeaveTheTransactionHoweverItIsHidden) {
   }
 }
 
-TEST(ConnectionText, GivesKnownDriversWhatTheServerNeeds) {
-  using Rows = ConnectionText::Rows;
-  EXPECT_EQ(ConnectionText("Driver=Other;A=b").Whole(Rows::kInPieces), "Driver=Other;A=b");
-  EXPECT_EQ(ConnectionText("A=b; DRIVER = {PostgreSQL Unicode}; fetch=7").Whole(Rows::kInPieces),
+TEST(DriverSettings, AreAddedForKnownDrivers) {
+  const auto whole = [](const char* text, Rows rows) {
+    return WithDriverSettings(text::ConnectionText(text), rows);
+  };
+  EXPECT_EQ(whole("Driver=Other;A=b", Rows::kInPieces), "Driver=Other;A=b");
+  EXPECT_EQ(whole("A=b; DRIVER = {PostgreSQL Unicode}; fetch=7", Rows::kInPieces),
             "A=b; DRIVER = {PostgreSQL Unicode}; fetch=7;BoolsAsChar=0;Protocol=7.4-1;"
             "UseDeclareFetch=1");
-  EXPECT_EQ(ConnectionText("driver=/usr/lib/psqlodbcw.so").Whole(Rows::kAtOnce),
+  EXPECT_EQ(whole("driver=/usr/lib/psqlodbcw.so", Rows::kAtOnce),
             "driver=/usr/lib/psqlodbcw.so;BoolsAsChar=0;Protocol=7.4-1");
-}
-
-TEST(ConnectionText, BlotsItsValuesOut) {
-  const ConnectionText text(
-      "Driver=X;Server=db.example; Port = 5432;Uid=me;Pwd={a;}}b};;x;Password=q");
-  EXPECT_EQ(text.Blotted("db.example:5432 refused me (a;}b) with q, db.example"),
-            "***:*** refused me (***) with ***, ***");
-  EXPECT_EQ(ConnectionText("Pwd={open").Blotted("is open"), "is ***");
 }
 
 }  // namespace

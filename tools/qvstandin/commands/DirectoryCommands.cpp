@@ -1,10 +1,10 @@
 #include "Commands.h"
 
-#include <charconv>
 #include <optional>
 #include <vector>
 
 #include "CatalogueReply.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/standin/Records.h"
 
 namespace qv::standin {
@@ -23,12 +23,7 @@ constexpr std::string_view kNoWithText = "-3";
 // The next field, when it is a whole number in decimal.
 std::optional<std::int32_t> Decimal(FieldReader& fields) {
   const auto text = fields.View();
-  if (!text) return std::nullopt;
-  std::int32_t number = 0;
-  const char* const end = text->data() + text->size();
-  const auto read = std::from_chars(text->data(), end, number);
-  if (read.ec != std::errc() || read.ptr != end) return std::nullopt;
-  return number;
+  return text ? text::ParseNumber<std::int32_t>(*text) : std::nullopt;
 }
 
 // What fills `found`; or the identifier or count in `number`.

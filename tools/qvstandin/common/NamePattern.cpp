@@ -1,6 +1,7 @@
 #include "NamePattern.h"
 
-#include <algorithm>
+#include "base/text/Letters.h"
+#include "base/text/Utf8.h"
 
 namespace qv::standin {
 
@@ -8,15 +9,11 @@ namespace {
 
 constexpr std::size_t kLongestPattern = 255;
 
-unsigned char Folded(char ch) {
-  return static_cast<unsigned char>(ch >= 'A' && ch <= 'Z' ? ch - 'A' + 'a' : ch);
-}
-
 // Where the character behind the one at `at` begins, in UTF-8.
 std::size_t BehindCharacter(std::string_view text, std::size_t at) {
   do {
     ++at;
-  } while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80);
+  } while (at < text.size() && text::ContinuesCharacter(text[at]));
   return at;
 }
 
@@ -38,7 +35,7 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
     } else if (has_more && pattern[wanted] == '?') {
       at = BehindCharacter(name, at);
       ++wanted;
-    } else if (has_more && Folded(pattern[wanted]) == Folded(name[at])) {
+    } else if (has_more && text::EqualIgnoringCase(pattern[wanted], name[at])) {
       ++at;
       ++wanted;
     } else if (star != std::string_view::npos) {
@@ -52,9 +49,8 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
 }
 
 bool NameComesBefore(std::string_view a, std::string_view b) {
-  const auto folded = [](char x, char y) { return Folded(x) < Folded(y); };
-  if (std::ranges::lexicographical_compare(a, b, folded)) return true;
-  return !std::ranges::lexicographical_compare(b, a, folded) && a < b;
+  const std::strong_ordering order = text::CompareIgnoringCase(a, b);
+  return order < 0 || (order == 0 && a < b);
 }
 
 }  // namespace qv::standin

@@ -5,15 +5,15 @@
 #include <fstream>
 
 #include "base/platform/Platform.h"
+#include "base/text/Letters.h"
 
 namespace qv::standin {
 
 std::string OnOneLine(std::string_view text) {
   std::string line;
   for (const char ch : text) {
-    const auto byte = static_cast<unsigned char>(ch);
-    if (byte < ' ' || byte == 0x7f || ch == '\\') {
-      line += fmt::format("\\x{:02x}", byte);
+    if (text::IsControl(ch) || ch == '\\') {
+      line += fmt::format("\\x{:02x}", static_cast<unsigned char>(ch));
     } else {
       line += ch;
     }

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include "base/text/Utf8.h"
+
 namespace qv::standin {
 
 namespace {
@@ -40,14 +42,9 @@ bool MayWork(sqlite3_context* context, int count, sqlite3_value** values, int pa
 // The one character of a text, if it is one.
 std::optional<unsigned int> OnlyCharacter(std::string_view text) {
   if (text.empty()) return std::nullopt;
-  const auto first = static_cast<unsigned char>(text.front());
-  const std::size_t length = first < 0xc0 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-  if (text.size() != length) return std::nullopt;
-  unsigned int character = length == 1 ? first : first & (0xffU >> (length + 1));
-  for (const char ch : text.substr(1)) {
-    character = character << 6 | (static_cast<unsigned char>(ch) & 0x3fU);
-  }
-  return character;
+  const text::DecodedChar first = text::DecodeUtf8(text);
+  if (!first.valid || first.bytes != text.size()) return std::nullopt;
+  return first.value;
 }
 
 void Like(sqlite3_context* context, int count, sqlite3_value** values) {
@@ -78,7 +75,7 @@ void Instr(sqlite3_context* context, int count, sqlite3_value** values) {
   if (found == std::string_view::npos) return sqlite3_result_int(context, 0);
   std::int64_t position = 1;
   for (const char ch : text.substr(0, found)) {
-    if (in_bytes || (static_cast<unsigned char>(ch) & 0xc0U) != 0x80) ++position;
+    if (in_bytes || !text::ContinuesCharacter(ch)) ++position;
   }
   sqlite3_result_int64(context, position);
 }

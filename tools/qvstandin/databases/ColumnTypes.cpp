@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "base/text/Letters.h"
+
 namespace qv::standin {
 
 namespace {
@@ -27,20 +29,14 @@ constexpr std::array kKnownTypes{
     KnownType{"text", ColumnKind::kLongText},     KnownType{"blob", ColumnKind::kBinary},
 };
 
-bool SameName(std::string_view name, std::string_view known) {
-  const auto lower = [](char ch) {
-    return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + ('a' - 'A')) : ch;
-  };
-  return std::ranges::equal(name, known, {}, lower);
-}
-
 }  // namespace
 
 std::optional<DeclaredType> ParseDeclaredType(std::string_view type) {
   const std::size_t bracket = type.find('(');
   const std::string_view name = type.substr(0, type.find_first_of(" ("));
-  const auto known = std::ranges::find_if(
-      kKnownTypes, [name](const KnownType& candidate) { return SameName(name, candidate.name); });
+  const auto known = std::ranges::find_if(kKnownTypes, [name](const KnownType& candidate) {
+    return text::EqualIgnoringCase(name, candidate.name);
+  });
   if (known == kKnownTypes.end()) return std::nullopt;
   std::uint32_t length = 0;
   if (bracket != std::string_view::npos) {

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "base/platform/Platform.h"
+#include "base/text/Letters.h"
 #include "tools/qvstandin/common/ServerLog.h"
 
 namespace qv::standin {
@@ -29,10 +30,7 @@ struct Closer {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-bool IsNameByte(char ch) {
-  return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') ||
-         ch == '_' || ch == '-';
-}
+bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '-'; }
 
 // Why the file cannot be used, in words that follow its name; nothing when it can.
 using Complaint = std::optional<std::string>;

@@ -10,6 +10,7 @@
 #include "StatementGuard.h"
 #include "TableNames.h"
 #include "base/platform/Platform.h"
+#include "base/text/Numbers.h"
 
 namespace qv::standin {
 
@@ -80,7 +81,7 @@ odbc::Argument AsText(const ProcedureCall::Argument& argument) {
 std::string NewMarker() {
   std::string name = "qv_";
   for (const char ch : platform::NewGuid()) {
-    if ((ch >= '0' && ch <= '9') || (ch >= 'A' && ch <= 'F')) name += ch;
+    if (text::HexDigitValue(ch) >= 0) name += ch;
   }
   return name;
 }
@@ -92,7 +93,7 @@ struct GuardedText {
 };
 
 Outcome Guarded(std::string_view sql, GuardedText& guarded) {
-  guarded.text = WithPlainTableNames(sql);
+  guarded.text = WithPlainTableNames(sql, text::kPostgreSql);
   Outcome outcome = GuardStatements(guarded.text, guarded.statements);
   if (!outcome.Ok() || !guarded.statements.empty()) return outcome;
   return {ErrorCode::kSqlFailed, "there is no statement"};
@@ -171,10 +172,9 @@ Outcome OdbcDatabase::Connect(Work work) {
       .query_seconds = Seconds(std::min<std::chrono::milliseconds>(time_, kLongestStatement)) + 1,
       .reads_only = work == Work::kQuery,
       .cell_bytes = kLongestCell};
-  using Rows = ConnectionText::Rows;
   // Statements are seldom such that give rows, and the way in pieces does not take all of them.
   const Rows rows = work == Work::kStatements ? Rows::kAtOnce : Rows::kInPieces;
-  connection_ = odbc::Connection::Open(text_.Whole(rows), limits, said_);
+  connection_ = odbc::Connection::Open(WithDriverSettings(text_, rows), limits, said_);
   if (connection_ != nullptr) return {};
   Outcome outcome = Failure();
   if (outcome.code == ErrorCode::kSqlFailed) outcome.code = ErrorCode::kNoDatabase;
@@ -212,7 +212,7 @@ void OdbcDatabase::Cancel(odbc::Statement& statement, int before) const {
   constexpr odbc::Limits kShort{.login_seconds = 2, .query_seconds = 2};
   odbc::Diagnostics ignored;
   const auto other =
-      odbc::Connection::Open(text_.Whole(ConnectionText::Rows::kAtOnce), kShort, ignored);
+      odbc::Connection::Open(WithDriverSettings(text_, Rows::kAtOnce), kShort, ignored);
   if (other == nullptr) return;
   const std::string sql = "SELECT pg_cancel_backend(" + std::to_string(backend_) + ")";
   static_cast<void>(odbc::Statement(*other).Execute(sql, ignored));
@@ -310,7 +310,8 @@ Outcome OdbcDatabase::End(Outcome outcome) {
 Outcome OdbcDatabase::Failure() {
   const ErrorCode reason = watch_.Reason();
   if (reason != ErrorCode::kNone) return {reason, "cut off"};
-  std::string text = text_.Blotted(odbc::TextOf(said_));
+  std::string text =
+      text_.WithoutSecrets(odbc::TextOf(said_), text::ConnectionText::Hide::kAllValues);
   std::ranges::replace_if(
       text, [](char ch) { return ch >= 0 && ch < ' '; }, ' ');
   return {CodeOf(said_), text.substr(0, kLongestRemark)};

@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "ConnectionText.h"
 #include "Database.h"
+#include "DriverSettings.h"
 #include "StatementWatch.h"
 #include "base/odbc/Connection.h"
 #include "base/odbc/Statement.h"
+#include "base/text/ConnectionText.h"
 
 namespace qv::standin {
 
@@ -59,7 +60,7 @@ class OdbcDatabase : public Database {
   Outcome End(Outcome outcome);
   [[nodiscard]] Outcome Failure();
 
-  const ConnectionText text_;
+  const text::ConnectionText text_;
   std::chrono::milliseconds time_;
   StatementWatch watch_;
   odbc::Diagnostics said_;

@@ -3,18 +3,14 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/text/Letters.h"
+#include "base/text/SqlText.h"
+
 namespace qv::standin {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
-bool IsNameByte(char ch) {
-  return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') ||
-         ch == '_' || ch == '.';
-}
-
-char Lower(char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch + ('a' - 'A')) : ch; }
+bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '.'; }
 
 // Reads a call from left to right; what it takes is gone from the rest.
 class CallScanner {
@@ -42,16 +38,12 @@ class CallScanner {
     return word;
   }
 
-  std::string LowerWord() {
-    std::string word = Word();
-    std::ranges::transform(word, word.begin(), Lower);
-    return word;
-  }
+  std::string LowerWord() { return text::ToLower(Word()); }
 
   std::optional<ProcedureCall::Argument> Argument() {
     SkipBlanks();
     if (rest_.starts_with("N'") || rest_.starts_with("n'")) rest_.remove_prefix(1);
-    if (rest_.starts_with('\'')) return Quoted();
+    if (rest_.starts_with('\'')) return text::TakeSqlText(rest_);
     if (rest_.starts_with('N') || rest_.starts_with('n')) {
       if (LowerWord() == "null") return std::monostate();
       return std::nullopt;
@@ -61,21 +53,7 @@ class CallScanner {
 
  private:
   void SkipBlanks() {
-    rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
-  }
-
-  std::optional<ProcedureCall::Argument> Quoted() {
-    std::string text;
-    rest_.remove_prefix(1);
-    for (;;) {
-      const std::size_t quote = rest_.find('\'');
-      if (quote == std::string_view::npos) return std::nullopt;
-      text += rest_.substr(0, quote);
-      rest_.remove_prefix(quote + 1);
-      if (!rest_.starts_with('\'')) return text;
-      text += '\'';
-      rest_.remove_prefix(1);
-    }
+    while (!rest_.empty() && text::IsSpace(rest_.front())) rest_.remove_prefix(1);
   }
 
   std::optional<ProcedureCall::Argument> Number() {

@@ -67,7 +67,7 @@ bool SqliteDatabase::Confine() {
 }
 
 Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
-  const std::string text = WithPlainTableNames(sql);
+  const std::string text = WithPlainTableNames(sql, text::kSqlite);
   const char* rest = text.c_str();
   const char* const end = rest + text.size();
   SqliteStatement statement;
@@ -125,7 +125,7 @@ bool SqliteDatabase::HasMore(const char* text, const char* end) {
 
 // The rows of the last statement go to the sink, if there is one.
 Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSink* sink) {
-  const std::string text = WithPlainTableNames(sql);
+  const std::string text = WithPlainTableNames(sql, text::kSqlite);
   const char* rest = text.c_str();
   const char* const end = rest + text.size();
   SqliteStatement statement;

@@ -1,7 +1,8 @@
 #include "HttpBody.h"
 
 #include <algorithm>
-#include <charconv>
+
+#include "base/text/Numbers.h"
 
 namespace qv::standin {
 
@@ -10,12 +11,8 @@ namespace {
 // Room for a length and a few extensions, which mean nothing here.
 constexpr std::size_t kLongestLine = 256;
 
-std::optional<std::uint64_t> ChunkLength(const std::string& line) {
-  std::uint64_t length = 0;
-  const char* end = line.data() + std::min(line.size(), line.find(';'));
-  const auto [stop, error] = std::from_chars(line.data(), end, length, 16);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return length;
+std::optional<std::uint64_t> ChunkLength(std::string_view line) {
+  return text::ParseNumber<std::uint64_t>(line.substr(0, line.find(';')), 16);
 }
 
 }  // namespace

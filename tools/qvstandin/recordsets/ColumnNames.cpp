@@ -4,6 +4,8 @@
 #include <set>
 #include <string_view>
 
+#include "base/text/Letters.h"
+
 namespace qv::standin {
 
 namespace {
@@ -11,8 +13,7 @@ namespace {
 constexpr std::string_view kHarmful = " '\"=/<>&";
 
 bool IsHarmful(char ch) {
-  const auto byte = static_cast<unsigned char>(ch);
-  return byte < ' ' || byte == 0x7f || kHarmful.find(ch) != std::string_view::npos;
+  return text::IsControl(ch) || kHarmful.find(ch) != std::string_view::npos;
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <limits>
-
+#include "base/text/Numbers.h"
 #include "transports/frame/Frame.h"
 
 namespace qv::standin {
@@ -18,9 +16,6 @@ bool Checksum::Write(std::string_view bytes) {
 
 std::string Checksum::Text() const { return fmt::format("{:08X}", checksum_); }
 
-std::int32_t Checksum::Size() const {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min(size_, kMost));
-}
+std::int32_t Checksum::Size() const { return text::SaturatedTo32Bits(size_); }
 
 }  // namespace qv::standin

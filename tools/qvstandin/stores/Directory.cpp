@@ -1,10 +1,10 @@
 #include "Directory.h"
 
-#include <algorithm>
-#include <limits>
 #include <set>
 #include <utility>
 
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 #include "tools/qvstandin/common/NamePattern.h"
 #include "tools/qvstandin/databases/SqliteCells.h"
 
@@ -21,22 +21,14 @@ constexpr std::string_view kEverything = "*";
 Outcome Refused(const char* why) { return {ErrorCode::kNotPermitted, why}; }
 Outcome RefusedName() { return Refused("a name is 1 to 123 bytes without control characters"); }
 
-bool IsControl(char ch) { return static_cast<unsigned char>(ch) < ' ' || ch == '\x7f'; }
-
 bool IsName(std::string_view text) {
-  return !text.empty() && text.size() <= kLongestName && std::ranges::none_of(text, IsControl);
+  return !text.empty() && text.size() <= kLongestName && !text::HasControls(text);
 }
 
 // Whether a user can be named so in a list of users.
 bool IsLogin(std::string_view text) {
   return IsName(text) && text.find_first_of(kBetweenNames) == std::string_view::npos &&
          text.front() != kBlank && text.back() != kBlank;
-}
-
-std::int32_t Saturated(std::int64_t number) {
-  using Limits = std::numeric_limits<std::int32_t>;
-  return static_cast<std::int32_t>(
-      std::clamp(number, std::int64_t{Limits::min()}, std::int64_t{Limits::max()}));
 }
 
 std::string TextAt(sqlite3_stmt* statement, int column) {
@@ -155,7 +147,8 @@ Outcome Directory::Run(const char* sql, Arguments arguments, std::int32_t& numbe
   const SqliteStatement statement = Prepare(sql, arguments);
   if (statement == nullptr) return Failure();
   int code = sqlite3_step(statement.get());
-  if (code == SQLITE_ROW) number = Saturated(sqlite3_column_int64(statement.get(), 0));
+  if (code == SQLITE_ROW)
+    number = text::SaturatedTo32Bits(sqlite3_column_int64(statement.get(), 0));
   // To its end, where a change becomes one.
   while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
   return code == SQLITE_DONE ? Outcome() : Failure();
@@ -170,8 +163,8 @@ Outcome Directory::List(const char* sql, Arguments arguments, std::string_view p
     std::string name = TextAt(statement.get(), 1);
     if (!MatchesPattern(name, pattern)) continue;
     if (found.size() == most) return Refused("there are more than one reply can hold");
-    found.push_back({Saturated(sqlite3_column_int64(statement.get(), 0)), std::move(name),
-                     TextAt(statement.get(), 2)});
+    found.push_back({text::SaturatedTo32Bits(sqlite3_column_int64(statement.get(), 0)),
+                     std::move(name), TextAt(statement.get(), 2)});
   }
   return code == SQLITE_DONE ? Outcome() : Failure();
 }
