@@ -83,17 +83,26 @@ function(qv_speaks_utf8 target)
   endif()
 endfunction()
 
-# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER] [CODE_PAGES <numbers>] [NOT_ON_WINDOWS <cases>]): one
-# GoogleTest program, its cases known to ctest, which runs each in a process of its own. TOGETHER runs them all in one,
-# when they share what takes long to start.
+# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER] [THREADS] [CODE_PAGES <numbers>] [NOT_ON_WINDOWS <cases>]):
+# one GoogleTest program, its cases known to ctest, which runs each in a process of its own. TOGETHER runs them all in one,
+# when they share what takes long to start. THREADS labels them "threads": the thread sanitizer's stage builds the target
+# thread_tests and runs those.
 # CODE_PAGES are those in which the cases run on Windows as well, besides UTF-8: what hosts there have.
 # NOT_ON_WINDOWS leaves out cases that rest on what only other systems do.
 function(qv_add_test target)
-  cmake_parse_arguments(ARG "TOGETHER" "" "SOURCES;LINKS;CODE_PAGES;NOT_ON_WINDOWS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER;THREADS" "" "SOURCES;LINKS;CODE_PAGES;NOT_ON_WINDOWS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
   qv_speaks_utf8(${target})
+  set(labels "")
+  if(ARG_THREADS)
+    set(labels LABELS threads)
+    if(NOT TARGET thread_tests)
+      add_custom_target(thread_tests)
+    endif()
+    add_dependencies(thread_tests ${target})
+  endif()
   set(filter "")
   set(arguments "")
   if(WIN32 AND ARG_NOT_ON_WINDOWS)
@@ -104,14 +113,14 @@ function(qv_add_test target)
   # Starting a program takes an emulator too long to do it for each case.
   if(ARG_TOGETHER OR CMAKE_CROSSCOMPILING)
     add_test(NAME ${target} COMMAND ${target} ${arguments})
-    set_tests_properties(${target} PROPERTIES TIMEOUT 300)
+    set_tests_properties(${target} PROPERTIES TIMEOUT 300 ${labels})
     if(WIN32 AND CMAKE_CROSSCOMPILING)
       foreach(page IN LISTS ARG_CODE_PAGES)
         qv_test_in_code_page(${target} ${page} ${arguments})
       endforeach()
     endif()
   else()
-    gtest_discover_tests(${target} TEST_FILTER "${filter}" PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
+    gtest_discover_tests(${target} TEST_FILTER "${filter}" PROPERTIES TIMEOUT 120 ${labels} DISCOVERY_TIMEOUT 60)
   endif()
 endfunction()
 

@@ -1,16 +1,33 @@
-# Fails unless a shared library offers every name of a list. Needs LIBRARY, NAMES (the list's file), LISTER (the command
-# that tells what a library offers, with its options) and FILTER (what makes readable names of it).
+# Fails unless a shared library offers every name of a list and, on ELF systems, no name that is neither in the list nor
+# matches MEMBERS. Needs LIBRARY, NAMES (the list's file), LISTER (the command that tells what a library offers, with its
+# options) and FILTER (what makes readable names of it).
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND ${LISTER} ${LIBRARY} COMMAND ${FILTER} OUTPUT_VARIABLE offered COMMAND_ERROR_IS_FATAL ANY)
-# Each behind its address or number, at the end of its line.
-string(REGEX REPLACE "\r?\n" "|" offered "${offered}")
 file(STRINGS ${NAMES} names)
+
+# Each stands behind its address or number, at the end of its line.
+string(REGEX REPLACE "\r?\n" "|" lines "${offered}")
 set(missing "")
 foreach(name IN LISTS names)
-  string(FIND "${offered}" " ${name}|" found)
+  string(FIND "${lines}" " ${name}|" found)
   if(found EQUAL -1)
     string(APPEND missing "\n  ${name}")
   endif()
 endforeach()
 if(missing)
   message(FATAL_ERROR "${LIBRARY} lacks:${missing}")
+endif()
+
+# An address and a letter for the kind, as nm writes them. Sanitizers have names of their own.
+string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n]+" symbols "${offered}")
+set(leaked "")
+foreach(symbol IN LISTS symbols)
+  string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${symbol}")
+  if(name IN_LIST names OR name MATCHES "^(__odr_asan|__asan|__start_|__stop_)" OR (MEMBERS AND name MATCHES "^(${MEMBERS})$"))
+    continue()
+  endif()
+  string(APPEND leaked "\n  ${name}")
+endforeach()
+if(leaked)
+  message(FATAL_ERROR "${LIBRARY} offers what no host should see:${leaked}")
 endif()
