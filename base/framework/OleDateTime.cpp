@@ -4,10 +4,11 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "base/platform/Platform.h"
 
 namespace {
 
@@ -129,21 +130,13 @@ void AppendField(std::string& text, const Parts& parts, char letter) {
   }
 }
 
-// The standard library's conversion keeps its result in one place for all threads.
-std::optional<std::tm> LocalTime(std::time_t time) {
-  static std::mutex guard;
-  const std::lock_guard lock(guard);
-  const std::tm* local = std::localtime(&time);
-  return local != nullptr ? std::optional(*local) : std::nullopt;
-}
-
 }  // namespace
 
 COleDateTime::COleDateTime(double days) noexcept
     : m_dt(days), m_status(ToMoment(days) ? valid : invalid) {}
 
 COleDateTime::COleDateTime(std::time_t time) : m_status(invalid) {
-  const std::optional<std::tm> local = LocalTime(time);
+  const std::optional<std::tm> local = qv::platform::LocalTime(time);
   constexpr int kLastYear = 9999;
   if (!local || local->tm_year > kLastYear - 1900) return;
   SetDateTime(local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour,

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -124,6 +125,10 @@ void AppendNarrow(std::u16string_view wide, std::string& text);
 [[nodiscard]] std::string NarrowFromPath(const std::filesystem::path& path);
 
 // Seconds since 1970.
-[[nodiscard]] std::int64_t UnixTime();
+[[nodiscard]] inline std::int64_t UnixTime() { return std::time(nullptr); }
+
+// Returns `time` in the time zone that is set at the moment of the call, or nothing if the system
+// cannot convert it. Leaves the result that std::localtime shares between all threads alone.
+[[nodiscard]] std::optional<std::tm> LocalTime(std::time_t time);
 
 }  // namespace qv::platform

@@ -91,6 +91,16 @@ TEST(OleDateTime, TakesATimeAsLocalTime) {
   EXPECT_EQ(COleDateTime::GetCurrentTime().GetStatus(), COleDateTime::valid);
 }
 
+// A host may be reading that result on another thread.
+TEST(OleDateTime, LeavesTheSharedResultOfLocaltimeAlone) {
+  const std::time_t time = 86400;
+  const std::tm* const shared = std::localtime(&time);
+  ASSERT_EQ(shared->tm_year, 70);
+  EXPECT_EQ(COleDateTime(std::time_t{1700000000}).GetYear(), 2023);
+  EXPECT_EQ(COleDateTime::GetCurrentTime().GetStatus(), COleDateTime::valid);
+  EXPECT_EQ(shared->tm_year, 70);
+}
+
 TEST(OleDateTime, ComparesByTheMoment) {
   EXPECT_LT(COleDateTime(-1.25), COleDateTime(-1.75));
   EXPECT_LT(COleDateTime(-1.75), COleDateTime(0.0));

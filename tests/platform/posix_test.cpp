@@ -5,9 +5,12 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/platform/Platform.h"
 #include "tests/support/System.h"
@@ -88,6 +91,18 @@ TEST(Platform, TakesOnlyATemporaryFolderThatItsRecordHolds) {
     EXPECT_EQ(platform::TempFolder(), folder) << named;
   }
   SetVariable("TMPDIR", before != nullptr ? kept.c_str() : nullptr);
+}
+
+TEST(Platform, TakesTheTimeZoneOfTheMoment) {
+  const char* const before = std::getenv("TZ");
+  const std::string kept = before != nullptr ? before : "";
+  for (const auto& [zone, hour] : {std::pair("UTC-8", 8), std::pair("UTC+5", 19)}) {
+    SetVariable("TZ", zone);
+    const auto local = platform::LocalTime(0);
+    EXPECT_EQ(local ? local->tm_hour : -1, hour) << zone;
+  }
+  SetVariable("TZ", before != nullptr ? kept.c_str() : nullptr);
+  EXPECT_FALSE(platform::LocalTime(std::numeric_limits<std::time_t>::max()).has_value());
 }
 
 }  // namespace
