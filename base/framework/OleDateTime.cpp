@@ -91,19 +91,20 @@ std::tm ToTm(const Parts& parts) noexcept {
   return tm;
 }
 
-void AppendPadded(std::string& text, int value, std::size_t width) {
+void AppendPadded(CString& text, int value, std::size_t width) {
   const std::string digits = std::to_string(value);
-  text.append(width - std::min(width, digits.size()), '0').append(digits);
+  for (std::size_t length = digits.size(); length < width; ++length) text += '0';
+  text += digits.c_str();
 }
 
-void AppendLocal(std::string& text, const Parts& parts, char letter) {
+void AppendLocal(CString& text, const Parts& parts, char letter) {
   const char format[] = {'%', letter, '\0'};
   const std::tm tm = ToTm(parts);
   char buffer[256];
-  text.append(buffer, std::strftime(buffer, sizeof buffer, format, &tm));
+  text += CString(std::string_view(buffer, std::strftime(buffer, sizeof buffer, format, &tm)));
 }
 
-void AppendField(std::string& text, const Parts& parts, char letter) {
+void AppendField(CString& text, const Parts& parts, char letter) {
   switch (letter) {
     case 'Y':
       return AppendPadded(text, static_cast<int>(parts.date.year()), 4);
@@ -120,13 +121,14 @@ void AppendField(std::string& text, const Parts& parts, char letter) {
     case 'S':
       return AppendPadded(text, parts.second % 60, 2);
     case '%':
-      return text.push_back('%');
+      text += '%';
+      return;
     default:
       // A runtime may abort on a letter that it does not know.
       if (std::string_view("aAbBcIjpUwWxXy").find(letter) != std::string_view::npos) {
         return AppendLocal(text, parts, letter);
       }
-      text.append({'%', letter});
+      (text += '%') += letter;
   }
 }
 
@@ -210,17 +212,17 @@ int COleDateTime::GetDayOfYear() const noexcept {
 }
 
 CString COleDateTime::Format(const char* format) const {
-  std::string text;
+  CString text;
   const auto parts = ToParts(*this);
-  if (!parts || format == nullptr) return CString();
+  if (!parts || format == nullptr) return text;
   for (const char* at = format; *at != '\0'; ++at) {
     if (*at == '%' && at[1] != '\0') {
       AppendField(text, *parts, *++at);
     } else {
-      text.push_back(*at);
+      text += *at;
     }
   }
-  return CString(std::string_view(text));
+  return text;
 }
 
 bool operator==(const COleDateTime& a, const COleDateTime& b) noexcept {
