@@ -22,7 +22,7 @@ void AddCell(Checksum& checksum, std::string_view value) { checksum.AddText(valu
 
 Summary Sum(CRvoDbRes& result) {
   Checksum checksum;
-  for (const Column& column : ResultTable::Of(result).columns) {
+  for (const Column& column : ResultTable::Of(result).Columns()) {
     std::visit(
         [&checksum](const auto& cells) {
           for (std::size_t row = 0; row < cells.size(); ++row) AddCell(checksum, cells[row]);

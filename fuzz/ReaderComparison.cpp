@@ -112,7 +112,7 @@ class Comparison {
   void Compare(int index) {
     ReferenceColumn& column = reference_.columns[static_cast<std::size_t>(index)];
     const std::string where = "column " + std::to_string(index);
-    const Column& read = ResultTable::Of(result_).columns[static_cast<std::size_t>(index)];
+    const Column& read = ResultTable::Of(result_).Columns()[static_cast<std::size_t>(index)];
     Check(where + " name", read.name, column.name);
     Check(where + " type", static_cast<int>(read.type), column.type);
     Check(where + " declared length", read.declared_length, column.declared_length);

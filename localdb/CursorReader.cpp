@@ -122,15 +122,14 @@ bool CursorReader::AppendRow() {
   return true;
 }
 
-void CursorReader::MoveTo(std::vector<Column>& columns) {
-  columns.reserve(columns.size() + targets_.size());
-  for (Column& column : columns) {
+void CursorReader::MoveTo(ResultTable& table) {
+  for (Column& column : table.Columns()) {
     column.cells = CellsFor(column.type);
     AppendNeutral(column.cells, rows_);
   }
   for (Target& target : targets_) {
     target.column.display_length = HeldWithin32Bits(target.longest);
-    columns.push_back(std::move(target.column));
+    table.AddColumn(std::move(target.column));
   }
   targets_.clear();
 }

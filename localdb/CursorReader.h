@@ -10,7 +10,7 @@
 #include "base/odbc/Statement.h"
 #include "qvnetcall/TempFileInfo.h"
 #include "resultset/BinaryCells.h"
-#include "resultset/Column.h"
+#include "resultset/ResultTable.h"
 
 namespace qv {
 
@@ -31,9 +31,9 @@ class CursorReader {
   // in the diagnostics, when it breaks off.
   [[nodiscard]] bool Read();
 
-  // Moves what was read behind `columns`, whose own cells become as many neutral ones. Without it,
-  // the files of binary cells are removed with the reader.
-  void MoveTo(std::vector<Column>& columns);
+  // Moves what was read behind the columns of `table`, whose own cells become as many neutral ones.
+  // Without it, the files of binary cells are removed with the reader.
+  void MoveTo(ResultTable& table);
 
  private:
   // Appends the cell of the row in the column at `index` and returns the length of its text;

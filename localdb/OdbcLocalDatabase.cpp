@@ -84,7 +84,7 @@ int OdbcLocalDatabase::Select(const CString& sql, CRvoDbRes& result, const char*
     if (statement.Columns().empty()) return true;
     CursorReader reader(statement, files_, diagnostics);
     if (!reader.Read() || !Finish(statement, diagnostics)) return false;
-    reader.MoveTo(ResultTable::Of(result).columns);
+    reader.MoveTo(ResultTable::Of(result));
     return true;
   });
 }

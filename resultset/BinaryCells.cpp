@@ -88,14 +88,14 @@ std::string Base64Cells::Write(std::string_view text) {
 }
 
 void RemoveBinaryFiles(const ResultTable& table) {
-  for (const Column& column : table.columns) RemoveBinaryFiles(column);
+  for (const Column& column : table.Columns()) RemoveBinaryFiles(column);
 }
 
 void RemoveBinaryFiles(const Column& column) {
   if (column.type != kTypeLongVarBinary) return;
   for (std::size_t row = 0; row < column.Rows(); ++row) {
-    const std::string path = column.Text(row);
-    if (!path.empty()) platform::RemoveFile(path);
+    const CString path = column.Text(row);
+    if (!path.IsEmpty()) platform::RemoveFile(path.GetString());
   }
 }
 

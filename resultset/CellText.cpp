@@ -29,17 +29,21 @@ constexpr std::array<double, 15> kDigitThresholds = {
 
 }  // namespace
 
-std::string CellText(std::int32_t value) { return std::to_string(value); }
-
-std::string CellText(double value) {
-  FixedText text;
-  const std::int32_t length = FormatFixed(value, text);
-  return std::string(text.data(), static_cast<std::size_t>(length));
+CString CellText(std::int32_t value) {
+  std::array<char, 11> text;
+  const char* const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+  return CString(std::string_view(text.data(), static_cast<std::size_t>(end - text.data())));
 }
 
-std::string CellText(const COleDateTime& value) {
+CString CellText(double value) {
+  FixedText text;
+  const std::int32_t length = FormatFixed(value, text);
+  return CString(std::string_view(text.data(), static_cast<std::size_t>(length)));
+}
+
+CString CellText(const COleDateTime& value) {
   if (value.m_dt == 0.0) return {};
-  return static_cast<const char*>(value.Format("%Y-%m-%d %H:%M:%S"));
+  return value.Format("%Y-%m-%d %H:%M:%S");
 }
 
 std::int32_t FixedLength(double value) {

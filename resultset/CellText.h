@@ -4,18 +4,18 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "qvnetcall/framework/OleDateTime.h"
+#include "qvnetcall/framework/String.h"
 
 namespace qv {
 
 // "%d", "%f", "%Y-%m-%d %H:%M:%S" (empty for a date of exactly 0.0), and text as it is.
-[[nodiscard]] std::string CellText(std::int32_t value);
-[[nodiscard]] std::string CellText(double value);
-[[nodiscard]] std::string CellText(const COleDateTime& value);
-[[nodiscard]] inline std::string CellText(std::string_view text) { return std::string(text); }
+[[nodiscard]] CString CellText(std::int32_t value);
+[[nodiscard]] CString CellText(double value);
+[[nodiscard]] CString CellText(const COleDateTime& value);
+[[nodiscard]] inline CString CellText(std::string_view text) { return CString(text); }
 
 // The length of "%d" of `value`.
 [[nodiscard]] constexpr std::int32_t DecimalLength(std::int32_t value) {

@@ -34,7 +34,7 @@ std::size_t Column::Rows() const {
   return std::visit([](const auto& held) { return held.size(); }, cells);
 }
 
-std::string Column::Text(std::size_t row) const {
+CString Column::Text(std::size_t row) const {
   return std::visit([row](const auto& held) { return CellText(held[row]); }, cells);
 }
 

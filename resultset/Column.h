@@ -10,6 +10,7 @@
 #include "GrowArray.h"
 #include "TextCells.h"
 #include "qvnetcall/framework/OleDateTime.h"
+#include "qvnetcall/framework/String.h"
 
 namespace qv {
 
@@ -51,15 +52,15 @@ using Cells = std::variant<TextCells, IntCells, DoubleCells, DateCells>;
 [[nodiscard]] Cells CellsFor(std::uint8_t type);
 
 struct Column {
-  std::string name;
+  std::string name;  // as it was declared
   std::int32_t declared_length = 0;
   std::int32_t display_length = 0;
   std::uint8_t type = kTypeNone;
-  Cells cells;
+  Cells cells{};
 
   [[nodiscard]] std::size_t Rows() const;
   // The text form of a cell that is there.
-  [[nodiscard]] std::string Text(std::size_t row) const;
+  [[nodiscard]] CString Text(std::size_t row) const;
 };
 
 }  // namespace qv

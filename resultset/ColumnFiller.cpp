@@ -31,8 +31,8 @@ ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCe
       row_{binary, false, 0},
       row_bytes_(0),
       budget_(kLeastBudget + file_bytes * kBudgetPerByte) {
-  sinks_.reserve(table.columns.size());
-  for (Column& column : table.columns) {
+  sinks_.reserve(table.Columns().size());
+  for (Column& column : table.Columns()) {
     void* const cells =
         std::visit([](auto& held) { return static_cast<void*>(&held); }, column.cells);
     const auto longest = static_cast<std::size_t>(column.display_length);

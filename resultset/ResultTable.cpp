@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace qv {
 
@@ -14,36 +15,44 @@ std::int32_t HeldWithin32Bits(std::size_t count) {
 
 }  // namespace
 
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+Column& ResultTable::AddColumn(Column column) {
+  columns_.push_back(std::move(column));
+  try {
+    names_.Add(columns_.back().name);
+  } catch (...) {
+    columns_.pop_back();
+    throw;
   }
-  return lower;
+  return columns_.back();
+}
+
+void ResultTable::RemoveColumn(std::int32_t index) {
+  names_.Remove(static_cast<std::size_t>(index));
+  columns_.erase(columns_.begin() + index);
 }
 
 std::int32_t ResultTable::RowCount() const {
-  return columns.empty() ? 0 : HeldWithin32Bits(columns.front().Rows());
+  return columns_.empty() ? 0 : HeldWithin32Bits(columns_.front().Rows());
 }
 
-std::int32_t ResultTable::ColumnCount() const { return HeldWithin32Bits(columns.size()); }
+std::int32_t ResultTable::ColumnCount() const { return HeldWithin32Bits(columns_.size()); }
+
+std::int32_t ResultTable::IndexOf(std::string_view name) const {
+  const std::size_t found = names_.Find(name);
+  return found < static_cast<std::size_t>(ColumnCount()) ? static_cast<std::int32_t>(found) : -1;
+}
 
 Column* ResultTable::FindColumn(std::string_view name) {
-  const std::string wanted = LowerCase(name);
-  const auto found = std::find_if(columns.begin(), columns.end(), [&](const Column& column) {
-    return column.name.size() == wanted.size() && LowerCase(column.name) == wanted;
-  });
-  return found != columns.end() ? &*found : nullptr;
+  const std::size_t found = names_.Find(name);
+  return found != NameIndex::kNotFound ? &columns_[found] : nullptr;
 }
 
-const Column* ResultTable::ColumnWithCell(std::int32_t row, std::int32_t index) const {
-  if (row < 0 || index < 0 || index >= ColumnCount()) return nullptr;
-  const Column& column = columns[static_cast<std::size_t>(index)];
-  return static_cast<std::size_t>(row) < column.Rows() ? &column : nullptr;
+const Column* ResultTable::ColumnAt(std::int32_t index) const {
+  return index >= 0 && index < ColumnCount() ? &columns_[static_cast<std::size_t>(index)] : nullptr;
 }
 
 void ResultTable::RebuildCells() {
-  for (Column& column : columns) column.cells = CellsFor(column.type);
+  for (Column& column : columns_) column.cells = CellsFor(column.type);
 }
 
 }  // namespace qv

@@ -24,7 +24,7 @@ RowValues::Name RowValues::MakeName(std::string_view closed) {
           LoadWord(mask + 8), closed.size(),  closed.data()};
 }
 
-RowValues::RowValues(const std::vector<Column>& columns, char closing) {
+RowValues::RowValues(std::span<const Column> columns, char closing) {
   // No text has a bit outside the mask, so this head is never met.
   constexpr Name kNeverMet = {1, 0, 0, 0, 0, nullptr};
   for (const Column& column : columns) {

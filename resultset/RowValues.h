@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,7 @@ namespace qv {
 class RowValues {
  public:
   // `closing` is what stands behind a name in this dialect.
-  RowValues(const std::vector<Column>& columns, char closing);
+  RowValues(std::span<const Column> columns, char closing);
 
   // Starts a row without values.
   void Begin();

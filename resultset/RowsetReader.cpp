@@ -45,8 +45,7 @@ std::uint8_t TypeOf(const AttributeList& attributes) {
 void DefineColumn(const AttributeList& attributes, ResultTable& table) {
   const std::string_view name = attributes.Value("name");
   if (name.empty()) return;
-  Column& column = table.columns.emplace_back();
-  column.name = name;
+  Column& column = table.AddColumn({.name = std::string(name)});
   column.type = TypeOf(attributes);
   // What has no such attribute reads as empty, and that as 0.
   column.declared_length = DecimalToInt32(attributes.Value("dt:maxLength"));
@@ -101,7 +100,7 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
 }
 
 bool ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
-  RowValues values(table.columns, '=');
+  RowValues values(table.Columns(), '=');
   ColumnFiller filler(table, values, binary, text.size());
   ForwardFinder ampersands(text, "&");
   const char* const end = text.data() + text.size();

@@ -9,6 +9,7 @@
 #include "CellText.h"
 #include "ResultTable.h"
 #include "base/framework/DecimalText.h"
+#include "base/text/Letters.h"
 #include "qvnetcall/framework/InvalidArgException.h"
 
 using qv::Column;
@@ -32,6 +33,46 @@ long RoundUp(double value) {
 template <class Held>
 const Held* CellsAs(const Column* column) {
   return column != nullptr ? std::get_if<Held>(&column->cells) : nullptr;
+}
+
+// What the accessors give for a cell of `column`, which is null for an unknown one.
+
+bool HasCell(const Column* column, int row) {
+  return column != nullptr && row >= 0 && static_cast<std::size_t>(row) < column->Rows();
+}
+
+CString TextOf(const Column* column, int row) {
+  return HasCell(column, row) ? column->Text(static_cast<std::size_t>(row)) : CString();
+}
+
+CString TextAtCursor(const Column* column, int cursor) {
+  if (column == nullptr) return {};
+  if (!HasCell(column, cursor)) AfxThrowInvalidArgException();
+  return column->Text(static_cast<std::size_t>(cursor));
+}
+
+long IntOf(const Column* column, int row) {
+  if (!HasCell(column, row)) return 0;
+  const auto index = static_cast<std::size_t>(row);
+  if (const auto* const ints = CellsAs<IntCells>(column)) return (*ints)[index];
+  if (const auto* const doubles = CellsAs<DoubleCells>(column)) return RoundUp((*doubles)[index]);
+  if (const auto* const texts = CellsAs<TextCells>(column)) {
+    return qv::DecimalToInt32((*texts)[index]);
+  }
+  return 0;
+}
+
+COleDateTime DateOf(const Column* column, int row) {
+  const auto* const dates = HasCell(column, row) ? CellsAs<DateCells>(column) : nullptr;
+  return dates != nullptr ? (*dates)[static_cast<std::size_t>(row)] : COleDateTime();
+}
+
+double DoubleOf(const Column* column, int row) {
+  if (!HasCell(column, row)) return 0.0;
+  const auto index = static_cast<std::size_t>(row);
+  if (const auto* const ints = CellsAs<IntCells>(column)) return (*ints)[index];
+  if (const auto* const doubles = CellsAs<DoubleCells>(column)) return (*doubles)[index];
+  return 0.0;
 }
 
 // The texts that replace a column's cells, and the length of the longest.
@@ -85,85 +126,62 @@ int CRvoDbRes::MoveNext() {
 }
 
 CString CRvoDbRes::operator[](int column) const {
-  if (column < 0 || column >= GetFieldCount()) return {};
-  const Column* const found = table_->ColumnWithCell(table_->cursor, column);
-  if (found == nullptr) AfxThrowInvalidArgException();
-  return ToCString(found->Text(static_cast<std::size_t>(table_->cursor)));
+  return TextAtCursor(table_->ColumnAt(column), table_->cursor);
 }
 
 CString CRvoDbRes::operator[](const char* field) const {
-  CString wanted(field);
-  wanted.Trim();
-  return (*this)[GetFieldNameId(wanted)];
+  const std::string_view name = qv::text::Trimmed(field != nullptr ? field : "");
+  return TextAtCursor(table_->FindColumn(name), table_->cursor);
 }
 
-CString CRvoDbRes::_str(int row, int column) const {
-  const Column* const found = table_->ColumnWithCell(row, column);
-  return found != nullptr ? ToCString(found->Text(static_cast<std::size_t>(row))) : CString();
-}
+CString CRvoDbRes::_str(int row, int column) const { return TextOf(table_->ColumnAt(column), row); }
 
-long CRvoDbRes::_int(int row, int column) const {
-  const Column* const found = table_->ColumnWithCell(row, column);
-  const auto index = static_cast<std::size_t>(row);
-  if (const auto* const ints = CellsAs<IntCells>(found)) return (*ints)[index];
-  if (const auto* const doubles = CellsAs<DoubleCells>(found)) return RoundUp((*doubles)[index]);
-  if (const auto* const texts = CellsAs<TextCells>(found))
-    return qv::DecimalToInt32((*texts)[index]);
-  return 0;
-}
+long CRvoDbRes::_int(int row, int column) const { return IntOf(table_->ColumnAt(column), row); }
 
 COleDateTime CRvoDbRes::_time(int row, int column) const {
-  const auto* const dates = CellsAs<DateCells>(table_->ColumnWithCell(row, column));
-  return dates != nullptr ? (*dates)[static_cast<std::size_t>(row)] : COleDateTime();
+  return DateOf(table_->ColumnAt(column), row);
 }
 
 double CRvoDbRes::_dabl(int row, int column) const {
-  const Column* const found = table_->ColumnWithCell(row, column);
-  const auto index = static_cast<std::size_t>(row);
-  if (const auto* const ints = CellsAs<IntCells>(found)) return (*ints)[index];
-  if (const auto* const doubles = CellsAs<DoubleCells>(found)) return (*doubles)[index];
-  return 0.0;
+  return DoubleOf(table_->ColumnAt(column), row);
 }
 
 CString CRvoDbRes::_str(int row, const CString& field) const {
-  return _str(row, GetFieldNameId(field));
+  return TextOf(table_->FindColumn(field.View()), row);
 }
 
 long CRvoDbRes::_int(int row, const CString& field) const {
-  return _int(row, GetFieldNameId(field));
+  return IntOf(table_->FindColumn(field.View()), row);
 }
 
 COleDateTime CRvoDbRes::_time(int row, const CString& field) const {
-  return _time(row, GetFieldNameId(field));
+  return DateOf(table_->FindColumn(field.View()), row);
 }
 
 double CRvoDbRes::_dabl(int row, const CString& field) const {
-  return _dabl(row, GetFieldNameId(field));
+  return DoubleOf(table_->FindColumn(field.View()), row);
 }
 
 CString CRvoDbRes::GetFiledName(int column) const {
   if (column < 0 || column >= GetFieldCount()) AfxThrowInvalidArgException();
-  return ToCString(table_->columns[static_cast<std::size_t>(column)].name);
+  return ToCString(table_->Columns()[static_cast<std::size_t>(column)].name);
 }
 
 int CRvoDbRes::GetFiledLength(int column) const {
   if (column < 0 || column >= GetFieldCount()) AfxThrowInvalidArgException();
-  return table_->columns[static_cast<std::size_t>(column)].display_length;
+  return table_->Columns()[static_cast<std::size_t>(column)].display_length;
 }
 
-int CRvoDbRes::GetFieldNameId(const CString& field) const {
-  const Column* const found = table_->FindColumn(field.View());
-  return found != nullptr ? static_cast<int>(found - table_->columns.data()) : -1;
-}
+int CRvoDbRes::GetFieldNameId(const CString& field) const { return table_->IndexOf(field.View()); }
 
 void CRvoDbRes::DelOneColumn(const CString& field) {
   const int column = GetFieldNameId(field);
-  if (column >= 0) table_->columns.erase(table_->columns.begin() + column);
+  if (column >= 0) table_->RemoveColumn(column);
 }
 
 void CRvoDbRes::AddOneRow() {
   const COleDateTime epoch(std::time_t{0});
-  for (Column& column : table_->columns) {
+  for (Column& column : table_->Columns()) {
     std::visit(
         [&](auto& cells) {
           using Held = std::remove_reference_t<decltype(cells)>;

@@ -64,9 +64,7 @@ void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequ
     if (end == kNone) return;
     const std::string_view name = attributes.Value("name");
     if (!name.empty()) {
-      Column& column = table.columns.emplace_back();
-      column.name = name;
-      column.type = TypeOf(attributes.Value("type"));
+      table.AddColumn({.name = std::string(name), .type = TypeOf(attributes.Value("type"))});
     }
     opening = text.substr(0, sequence_end).find(kElement, end);
   }
@@ -218,7 +216,7 @@ bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& 
   DefineColumns(text, sequence, sequence_end, table);
   table.RebuildCells();
 
-  RowValues values(table.columns, '>');
+  RowValues values(table.Columns(), '>');
   const bool plain_names = !values.HasNameWith("/") && !values.HasNameWith(tag);
   RowWalker rows(text, tag, sequence, plain_names);
   if (!rows.HasRow()) return true;

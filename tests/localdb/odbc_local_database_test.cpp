@@ -94,7 +94,7 @@ TEST_F(DirectAccess, GivesColumnsAsTheReadersDo) {
     CRvoDbRes rows;
     Query("select C from T", rows);
     ASSERT_EQ(rows.GetRecordCount(), 2);
-    const Column& column = ResultTable::Of(rows).columns.at(0);
+    const Column& column = ResultTable::Of(rows).Columns().front();
     EXPECT_EQ(column.name, "C");
     EXPECT_EQ(column.type, c.type);
     EXPECT_EQ(rows._str(0, 0), c.text);
@@ -112,7 +112,7 @@ TEST_F(DirectAccess, GivesTextOfAnyLengthAndColumnsWithoutRows) {
   Query("select S, Id as \"编号\", Id + 1 from T", rows);
   EXPECT_TRUE(rows._str(0, 0).View() == text);
   EXPECT_EQ(rows.GetFiledLength(0), static_cast<int>(text.size()));
-  EXPECT_EQ(ResultTable::Of(rows).columns[0].declared_length, 20);
+  EXPECT_EQ(ResultTable::Of(rows).Columns()[0].declared_length, 20);
   EXPECT_EQ(rows["编号"], "1");
   EXPECT_EQ(rows._str(0, 2), "2");  // a column without a declared type
   CRvoDbRes none;

@@ -263,6 +263,7 @@ TEST_F(ReadersTest, ASecondReplyJoinsTheFirst) {
   ASSERT_TRUE(Rowset(RowsetHead({"name='a' dt:type='int'"}) + "<z:row a='12345'/>", result));
   ASSERT_TRUE(Schema(SchemaHead("<xs:element name='b'/>") + "<T><a>7</a><b>8</b></T>", result));
   EXPECT_EQ(RowsOf(result), Rows{"7|8"});
+  EXPECT_EQ(result["A"] + result["B"], "78");
   EXPECT_EQ(result.GetFiledLength(0), 5);
 }
 

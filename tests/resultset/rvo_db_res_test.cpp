@@ -28,10 +28,8 @@ struct TypedColumn {
 void Fill(CRvoDbRes& result, const std::vector<TypedColumn>& columns) {
   ResultTable& table = ResultTable::Of(result);
   for (const TypedColumn& typed : columns) {
-    Column& column = table.columns.emplace_back();
-    column.name = typed.name;
-    column.type = typed.type;
-    column.cells = CellsFor(typed.type);
+    Column& column =
+        table.AddColumn({.name = typed.name, .type = typed.type, .cells = CellsFor(typed.type)});
     for (const std::string& text : typed.cells) {
       if (auto* ints = std::get_if<IntCells>(&column.cells)) ints->push_back(std::stoi(text));
       if (auto* doubles = std::get_if<DoubleCells>(&column.cells)) {
@@ -183,13 +181,13 @@ TEST(RvoDbRes, ReplacesIntegersWithoutCarryingOver) {
   texts.SetAt(1, "one");
   CRvoDbRes result;
   Fill(result, {{"n", 11, {"1", "2", "1"}}, {"s", 200, {"1", "2", "3"}}});
-  ResultTable::Of(result).columns[0].declared_length = 9;
+  ResultTable::Of(result).Columns()[0].declared_length = 9;
   result.ReplaceIntByFieldName("N", &texts);
   result.ReplaceIntByFieldName("S", &texts);  // not an integer column
   EXPECT_EQ(Texts(result, "n"), (Strings{"one", "", "one"}));
   EXPECT_EQ(Texts(result, "s"), (Strings{"1", "2", "3"}));
-  EXPECT_EQ(ResultTable::Of(result).columns[0].type, 202);
-  EXPECT_EQ(ResultTable::Of(result).columns[0].declared_length, 9);
+  EXPECT_EQ(ResultTable::Of(result).Columns()[0].type, 202);
+  EXPECT_EQ(ResultTable::Of(result).Columns()[0].declared_length, 9);
   EXPECT_EQ(result.GetFiledLength(0), 3);
 }
 
