@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ServerTypeMemo.h"
+#include "ServerType.h"
 #include "cache/QueryCache.h"
 #include "localdb/OdbcLocalDatabase.h"
 #include "qvnetcall/TempFileInfo.h"
@@ -22,7 +22,8 @@ struct ServerSettings {
   std::atomic<int> default_display_domain = 0;
 };
 
-// There are no locks. What set-up writes is plain; what calls write is atomic.
+// Set-up runs alone, so what it writes is plain. What calls write may be read and written by any
+// thread.
 struct ModuleState {
   // The process's state.
   static ModuleState& Get();

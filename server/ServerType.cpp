@@ -6,6 +6,22 @@
 
 namespace qv {
 
+std::optional<std::string> ServerTypeMemo::Find(std::string_view server, unsigned long port) const {
+  const std::lock_guard lock(mutex_);
+  if (!entry_ || entry_->server != server || entry_->port != port) return std::nullopt;
+  return entry_->type;
+}
+
+void ServerTypeMemo::Remember(std::string_view server, unsigned long port, std::string_view type) {
+  const std::lock_guard lock(mutex_);
+  entry_ = Entry{std::string(server), port, std::string(type)};
+}
+
+void ServerTypeMemo::Clear() {
+  const std::lock_guard lock(mutex_);
+  entry_.reset();
+}
+
 bool IsWebServer() {
   const ModuleState& state = ModuleState::Get();
   CString type;
