@@ -20,9 +20,13 @@ int AskServer(const Query& query, AnswerFile& file) {
   QueryExchange exchange(query.command, query.database, query.sql);
   file = AnswerFile::New();
   exchange.Reply().SetFileName(file.Path().c_str(), 0);
-  const int result = exchange.SendBy(query.web, CRvoDatabase::m_ServerIsCompress);
-  if (result != 0) return result;
-  return ReceiveAnswer(exchange.Reply(), Accept::kPlainOrCompressed, file);
+  if (const int result = exchange.SendBy(query.web, query.compress); result != 0) return result;
+  return ReceiveAnswer(exchange.Reply(), query.accept, file);
+}
+
+bool MayKeep(const Query& query) {
+  const bool allowed = !query.ask_server_to_keep || CRvoDatabase::GetServerIsSetCatche() != 0;
+  return allowed && query.may_keep && Cache().State() == cache_state::kOnline;
 }
 
 void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
@@ -48,8 +52,7 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
   }
   const DeleteAtExit deletion{file};
   if (!file.ReadInto(result, query.web)) return result::kFailed;
-  const bool may_keep = CRvoDatabase::GetServerIsSetCatche() != 0 && query.may_keep;
-  if (may_keep && Cache().State() == cache_state::kOnline) KeepAnswer(key, file, query.keep);
+  if (MayKeep(query)) KeepAnswer(key, file, query.keep);
   return result::kSuccess;
 }
 

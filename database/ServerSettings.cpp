@@ -1,11 +1,10 @@
 // The members of CRvoDatabase about the server's settings.
 #include <atomic>
-#include <optional>
 #include <string>
 
 #include "LocalMode.h"
-#include "QueryAnswer.h"
 #include "QueryExchange.h"
+#include "RunQuery.h"
 #include "base/framework/DecimalText.h"
 #include "base/platform/Platform.h"
 #include "qvnetcall/ResultCodes.h"
@@ -28,16 +27,7 @@ constexpr const char kQuery[] =
     "select CI_ServerSetCache,CI_ServerCompress,CI_DefaultSelectCompress,"
     "CI_DefaultDisplayCompress,CI_DefaultDisplayDomain from QvCoMis.dbo.Mxd_sys_BaseInfo";
 
-// Asks the server; the answer lands in `file`. 0, or the result to return.
-int AskServer(bool web, qv::AnswerFile& file) {
-  qv::QueryExchange exchange(qv::kCommandQuery, kDatabase, kQuery);
-  file = qv::AnswerFile::New();
-  exchange.Reply().SetFileName(file.Path().c_str(), 0);
-  if (const int result = exchange.SendBy(web, /*compress=*/0); result != 0) return result;
-  return qv::ReceiveAnswer(exchange.Reply(), qv::Accept::kPlain, file);
-}
-
-// Nobody will hear of the files that a row of settings has no business to bring.
+// A row of settings has no business to bring files, and nobody else would remove them.
 void RemoveBinaryFiles(CRvoDbRes& rows) { qv::RemoveBinaryFiles(qv::ResultTable::Of(rows)); }
 
 // Takes the settings from the first row. An empty value says nothing.
@@ -78,35 +68,32 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
   settings.default_display_compress = 0;
   settings.default_display_domain = 0;
 
-  ModuleState& state = ModuleState::Get();
   CRvoDbRes row;
-  if (state.use_local_database != 0) {
+  const CString sql(kQuery);
+  if (ModuleState::Get().use_local_database != 0) {
     // In local mode the query runs and its row is not looked at.
-    const int failed = qv::SelectLocally(kQuery, row, kDatabase);
+    const int failed = qv::SelectLocally(sql, row, kDatabase);
     RemoveBinaryFiles(row);
     return failed;
   }
-
   const bool web = qv::IsWebServer();
-  const std::string key = qv::CacheKey(kDatabase, kQuery);
-  qv::AnswerFile file;
-  if (IsCanUseOffCache(0) != 0) {
-    const auto cached = state.cache.Find(key, static_cast<const char*>(GetTempFilePath()));
-    if (!cached) return qv::result::kFailed;
-    file = qv::AnswerFile(*cached);
-  } else if (const int result = AskServer(web, file); result != 0) {
-    return result;
-  }
-  const qv::DeleteAtExit deletion{file};
-  const bool is_read = file.ReadInto(row, web);
+  const bool offline = IsCanUseOffCache(0) != 0;
+  // The answer is kept whether or not the server allows caching: offline, this is how the client
+  // knows that it does.
+  const int result = qv::RunQuery({.command = qv::kCommandQuery,
+                                   .sql = sql,
+                                   .database = kDatabase,
+                                   .web = web,
+                                   .compress = 0,
+                                   .accept = qv::Accept::kPlain,
+                                   .from_cache = offline,
+                                   .may_keep = true,
+                                   .ask_server_to_keep = false,
+                                   .keep = qv::Keep::kUnpacked},
+                                  row);
   RemoveBinaryFiles(row);
-  if (!is_read) return qv::result::kFailed;
-  // Kept whether or not the server allows caching: offline, this is how the client knows that it
-  // does.
-  if (state.cache.State() == qv::cache_state::kOnline)
-    state.cache.Store(key, file.Path(), qv::kCachePlain);
-  if (row.GetRecordCount() > 0) TakeRow(row);
-  return qv::result::kSuccess;
+  if (result == qv::result::kSuccess && row.GetRecordCount() > 0) TakeRow(row);
+  return result;
 }
 
 void CRvoDatabase::SetNeedUpdateCompressState() { m_NeedUpdateCompressState = 1; }
