@@ -119,13 +119,13 @@ int CacheIndex::Connect(const std::string& path) {
   sqlite3_busy_timeout(opened, kBusyTimeoutMs);
   if (HasWriteAheadLog(opened)) return kForeign;
   for (const char* const sql : kSetUp) {
-    if (const int done = Execute(sql); done != SQLITE_DONE) return done;
+    if (const int done = Execute(sql); done != SQLITE_OK) return done;
   }
   int table = Recognise();
   if (table == SQLITE_DONE) {
     // Another program may have come first since.
     table = Execute((std::string("CREATE TABLE IF NOT EXISTS ") + kTable).c_str());
-    if (table == SQLITE_DONE) table = SQLITE_ROW;
+    if (table == SQLITE_OK) table = SQLITE_ROW;
   }
   if (table != SQLITE_ROW) return table;
   const int checked = Check();
@@ -133,9 +133,8 @@ int CacheIndex::Connect(const std::string& path) {
 }
 
 int CacheIndex::Execute(const char* sql) {
-  IndexStatement statement;
-  const int prepared = statement.Prepare(database_.get(), sql);
-  return prepared == SQLITE_OK ? statement.Execute() : prepared;
+  const Deadline deadline(database_.get());
+  return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
 }
 
 // A table that differs, or anything beside it, belongs to somebody else, or was put there to run
@@ -170,15 +169,11 @@ int CacheIndex::Check() {
 
 int CacheIndex::PrepareAll() {
   const std::pair<IndexStatement&, const char*> statements[] = {
-      {begin_, "BEGIN IMMEDIATE"},
-      {commit_, "COMMIT"},
-      {rollback_, "ROLLBACK"},
       {find_, "SELECT file_name, compress_flag FROM qv_tp_sqlindex WHERE query_text = ?1"},
       {put_,
        "INSERT OR REPLACE INTO qv_tp_sqlindex(query_text, file_name, compress_flag) "
        "VALUES(?1, ?2, ?3)"},
       {remove_, "DELETE FROM qv_tp_sqlindex WHERE query_text = ?1 AND file_name = ?2"},
-      {remove_all_, "DELETE FROM qv_tp_sqlindex"},
       {files_, "SELECT file_name FROM qv_tp_sqlindex"},
   };
   for (const auto& [statement, sql] : statements) {
@@ -189,12 +184,12 @@ int CacheIndex::PrepareAll() {
 }
 
 CacheIndex::Transaction::~Transaction() {
-  if (sqlite3_get_autocommit(index_.database_.get()) == 0) index_.rollback_.Execute();
+  if (sqlite3_get_autocommit(index_.database_.get()) == 0) (void)index_.Execute("ROLLBACK");
 }
 
-bool CacheIndex::Transaction::Begin() { return index_.begin_.Execute() == SQLITE_DONE; }
+bool CacheIndex::Transaction::Begin() { return index_.Execute("BEGIN IMMEDIATE") == SQLITE_OK; }
 
-bool CacheIndex::Transaction::Commit() { return index_.commit_.Execute() == SQLITE_DONE; }
+bool CacheIndex::Transaction::Commit() { return index_.Execute("COMMIT") == SQLITE_OK; }
 
 std::optional<CacheIndex::Entry> CacheIndex::Find(const std::string& key) {
   StatementRun run(find_);
@@ -218,7 +213,7 @@ bool CacheIndex::Remove(const std::string& key, const std::string& file) {
   return run.Step() == SQLITE_DONE;
 }
 
-bool CacheIndex::RemoveAll() { return remove_all_.Execute() == SQLITE_DONE; }
+bool CacheIndex::RemoveAll() { return Execute("DELETE FROM qv_tp_sqlindex") == SQLITE_OK; }
 
 std::optional<std::unordered_set<std::string>> CacheIndex::Files() {
   std::unordered_set<std::string> files;

@@ -60,6 +60,7 @@ class CacheIndex {
   CacheIndex() = default;
   // SQLite result codes.
   [[nodiscard]] int Connect(const std::string& path);
+  // Runs a statement that takes and gives nothing.
   [[nodiscard]] int Execute(const char* sql);
   // SQLITE_ROW for the index, SQLITE_DONE for an empty database.
   [[nodiscard]] int Recognise();
@@ -68,7 +69,7 @@ class CacheIndex {
 
   // Declared first, so that it is closed after its statements.
   std::unique_ptr<sqlite3, Closer> database_;
-  IndexStatement begin_, commit_, rollback_, find_, put_, remove_, remove_all_, files_;
+  IndexStatement find_, put_, remove_, files_;
 };
 
 }  // namespace qv

@@ -12,13 +12,6 @@ int IndexStatement::Prepare(sqlite3* database, const char* sql) {
   return result;
 }
 
-int IndexStatement::Execute() {
-  StatementRun run(*this);
-  int result = SQLITE_ROW;
-  while (result == SQLITE_ROW) result = run.Step();
-  return result;
-}
-
 StatementRun::~StatementRun() {
   sqlite3_reset(handle_);
   sqlite3_clear_bindings(handle_);

@@ -16,8 +16,6 @@ class IndexStatement {
  public:
   // Compiles `sql`; an SQLite result code.
   [[nodiscard]] int Prepare(sqlite3* database, const char* sql);
-  // Runs a statement that takes and gives nothing, to its end; SQLITE_DONE when it got there.
-  int Execute();
 
  private:
   friend class StatementRun;
