@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""Compares docs/commands.md with the codes that the library sends and the stand-in answers.
+"""Compares the documents with the tree.
 
-Usage: check_commands.py [TOP]. Prints one line for each difference; exits 1 if there is any.
+docs/commands.md must list the codes that the library sends and the stand-in answers, with the files that hold them, and
+every path that a document names must exist. Usage: check_documents.py [TOP]. Prints one line for each difference; exits
+1 if there is any.
 """
 import pathlib
 import re
@@ -51,7 +53,16 @@ def documented(text):
             yield int(code), re.findall(r"`(\w+::\w+)`", caller), *ends
 
 
-def check(top):
+def check_paths(top):
+    """Names in backquotes that start with a folder of the tree."""
+    for document in (*top.glob("*.md"), *top.glob("docs/*.md"), *top.glob("bench/*.md")):
+        for path in re.findall(r"`([\w.-]+/[\w./-]*)`", document.read_text()):
+            folder = path.split("/")[0]
+            if folder != "build" and (top / folder).is_dir() and not (top / path).exists():
+                yield f"{document.relative_to(top)} names {path}, which does not exist"
+
+
+def check_commands(top):
     sent = sent_codes(top)
     answered = {int(code): name
                 for code, name in re.findall(r"Command\{(\d+), (\w+)", (top / TABLE).read_text())}
@@ -78,7 +89,8 @@ def check(top):
 
 
 def main():
-    findings = sorted(set(check(pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else "."))))
+    top = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ".")
+    findings = sorted({*check_commands(top), *check_paths(top)})
     print("\n".join(findings))
     return 1 if findings else 0
 
