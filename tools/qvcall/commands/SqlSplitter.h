@@ -11,9 +11,9 @@ struct ScriptStatement {
   std::size_t line;       // where it starts; the script's first line is 1
 };
 
-// Splits a script at each ";" that is not inside single or double quotes, a name in square
-// brackets or a comment. What is not closed runs to the end of the script. Statements of nothing
-// but white space and comments are left out.
+// Splits a script at each ";" that is not inside a quote (single, double or back quotes, square
+// brackets, dollar signs) or a comment. What is not closed runs to the end of the script.
+// Statements of nothing but white space and comments are left out.
 [[nodiscard]] std::vector<ScriptStatement> SplitStatements(std::string_view script);
 
 }  // namespace qv::tool

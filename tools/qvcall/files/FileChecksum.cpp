@@ -2,9 +2,10 @@
 
 #include <zlib.h>
 
-#include <charconv>
 #include <fstream>
 #include <vector>
+
+#include "base/text/Numbers.h"
 
 namespace qv::tool {
 
@@ -21,11 +22,7 @@ std::optional<std::uint32_t> ChecksumOf(const std::string& file) {
 }
 
 std::optional<std::uint32_t> ReadChecksum(std::string_view text) {
-  std::uint32_t sum = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, sum, 16);
-  if (text.size() > 8 || error != std::errc() || stop != end) return std::nullopt;
-  return sum;
+  return text.size() <= 8 ? text::ParseNumber<std::uint32_t>(text, 16) : std::nullopt;
 }
 
 }  // namespace qv::tool

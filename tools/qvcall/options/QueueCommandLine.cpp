@@ -1,13 +1,14 @@
 #include "QueueCommandLine.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "OptionChecks.h"
+#include "base/text/HostName.h"
+#include "base/text/Numbers.h"
 
 namespace qv::tool {
 namespace {
@@ -17,25 +18,11 @@ constexpr int kMostRetries = 100;
 
 constexpr const char kElsewhere[] = "Files on other servers";
 
-// Where the port begins behind a host, or the end. An address with colons of its own has brackets
-// when a port follows.
-std::size_t PortPlace(std::string_view typed) {
-  const std::size_t scheme = typed.find("://");
-  const std::size_t begin = scheme == std::string_view::npos ? 0 : scheme + 3;
-  const std::size_t bracket = typed.find(']', begin);
-  const std::size_t colon = typed.find(':', bracket == std::string_view::npos ? begin : bracket);
-  const bool is_alone = colon != std::string_view::npos && colon == typed.rfind(':');
-  return is_alone ? colon : typed.size();
-}
-
 void TakeHost(std::string_view typed, QueueHost& host) {
-  const std::size_t place = PortPlace(typed);
-  host.name = typed.substr(0, place);
-  host.port = 0;
-  if (place == typed.size()) return;
-  const char* const end = typed.data() + typed.size();
-  const auto [rest, error] = std::from_chars(typed.data() + place + 1, end, host.port);
-  if (error != std::errc() || rest != end || host.port == 0) {
+  const auto [name, port] = text::SplitPort(typed);
+  host.name = name;
+  host.port = port ? text::ParseNumber<std::uint16_t>(*port).value_or(0) : 0;
+  if (port && host.port == 0) {
     throw CLI::ValidationError("--host", "the port is a number from 1 to 65535");
   }
 }

@@ -66,7 +66,7 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
     text.remove_prefix(plain);
     if (text.empty()) break;
 
-    const DecodedChar next = DecodeNarrow(text);
+    const text::DecodedChar next = DecodeNarrow(text);
     if (!next.valid) {
       line += NoCharacter();
       cells += 1;

@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "ConnectionSecrets.h"
+#include "base/text/ConnectionText.h"
+#include "base/text/Letters.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
 #include "tools/qvcall/output/DisplayWidth.h"
@@ -55,15 +56,13 @@ const char* FirstRefused(const ConnectionOptions& connection, Route route) {
 
 // The lines of a text as a terminal can show them, those behind the first with blanks before them.
 std::string Indented(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
   std::string shown;
   while (!text.empty()) {
     const std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
-    const std::size_t begin = line.find_first_not_of(kBlanks);
-    if (begin == std::string_view::npos) continue;
+    if (text::Trimmed(line).empty()) continue;
     if (!shown.empty()) shown += "\n    ";
-    AppendVisible(line.substr(begin, line.find_last_not_of(kBlanks) + 1 - begin), shown);
+    AppendVisible(text::Trimmed(line), shown);
   }
   return shown;
 }
@@ -170,8 +169,10 @@ void Session::PrintDriverText(std::ostream& err) const {
   if (const std::string prefix = database_ + ": "; text.substr(0, prefix.size()) == prefix) {
     text.remove_prefix(prefix.size());
   }
-  fmt::print(err, "  the driver says: {}\n",
-             Indented(WithoutSecrets(std::string(text), connection_.direct)));
+  const text::ConnectionText secrets(connection_.direct);
+  fmt::print(
+      err, "  the driver says: {}\n",
+      Indented(secrets.WithoutSecrets(std::string(text), text::ConnectionText::Hide::kSecrets)));
 }
 
 }  // namespace qv::tool

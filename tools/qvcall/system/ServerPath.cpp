@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/text/Letters.h"
+
 namespace qv::tool {
 namespace {
 
@@ -40,8 +42,7 @@ std::string_view FolderOf(std::string_view path) {
 bool IsPlainName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          std::none_of(name.begin(), name.end(), [](char ch) {
-           const auto byte = static_cast<unsigned char>(ch);
-           return byte < 0x20 || byte == 0x7f || ch == '\\' || ch == '/' || ch == ':';
+           return text::IsControl(ch) || ch == '\\' || ch == '/' || ch == ':';
          });
 }
 

@@ -2,9 +2,9 @@
 
 namespace qv::tool {
 
-DecodedChar DecodeNarrow(std::string_view text) { return DecodeUtf8(text); }
+text::DecodedChar DecodeNarrow(std::string_view text) { return text::DecodeUtf8(text); }
 
-std::string_view NoCharacter() { return kReplacement; }
+std::string_view NoCharacter() { return text::kReplacement; }
 
 std::string Utf8FromNarrow(std::string_view text) { return std::string(text); }
 

@@ -4,12 +4,11 @@
 // After windows.h, whose types it uses.
 #include <aclapi.h>
 
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <string_view>
 
 #include "WideText.h"
+#include "base/text/DeviceNames.h"
 
 namespace qv::tool {
 
@@ -17,23 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::wstring_view kDigitsOfPorts = L"123456789\u00b9\u00b2\u00b3";
-
 std::wstring InCapitals(std::wstring text) {
   ::CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
   return text;
-}
-
-// What the system takes for a device in each folder, whatever follows behind a dot.
-bool IsDevice(const std::wstring& name) {
-  constexpr std::array<std::wstring_view, 7> kDevices = {L"CON",    L"PRN",     L"AUX",   L"NUL",
-                                                         L"CONIN$", L"CONOUT$", L"CLOCK$"};
-  std::wstring stem = InCapitals(name.substr(0, name.find(L'.')));
-  stem.erase(stem.find_last_not_of(L' ') + 1);
-  if (std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end()) return true;
-  const std::wstring_view kind = std::wstring_view(stem).substr(0, 3);
-  return stem.size() == 4 && (kind == L"COM" || kind == L"LPT") &&
-         kDigitsOfPorts.find(stem[3]) != std::wstring_view::npos;
 }
 
 }  // namespace
@@ -64,8 +49,7 @@ bool IsLink(const fs::path& path) {
 
 bool KeepsName(const std::string& name) {
   const std::optional<std::wstring> wide = WideFromNarrow(name);
-  return wide && !wide->empty() && wide->find_first_of(L"<>:\"/\\|?*") == std::wstring::npos &&
-         wide->back() != L'.' && wide->back() != L' ' && !IsDevice(*wide);
+  return wide && text::IsPortableName(std::wstring_view(*wide));
 }
 
 std::string PathKey(const std::string& path) {

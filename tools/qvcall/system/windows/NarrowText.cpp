@@ -17,8 +17,8 @@ bool IsUtf8() {
 
 }  // namespace
 
-DecodedChar DecodeNarrow(std::string_view text) {
-  if (IsUtf8()) return DecodeUtf8(text);
+text::DecodedChar DecodeNarrow(std::string_view text) {
+  if (IsUtf8()) return text::DecodeUtf8(text);
   const auto lead = static_cast<unsigned char>(text.front());
   const std::string_view character =
       text.substr(0, ::IsDBCSLeadByteEx(CP_ACP, lead) != FALSE ? 2 : 1);
@@ -27,7 +27,7 @@ DecodedChar DecodeNarrow(std::string_view text) {
   return {static_cast<char32_t>(wide->front()), character.size(), true};
 }
 
-std::string_view NoCharacter() { return IsUtf8() ? kReplacement : "?"; }
+std::string_view NoCharacter() { return IsUtf8() ? text::kReplacement : "?"; }
 
 std::string Utf8FromNarrow(std::string_view text) {
   if (IsUtf8() || text.empty()) return std::string(text);
