@@ -10,7 +10,7 @@
 
 #include "fuzz/ReferenceReader.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/CommandTable.h"
+#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 namespace {

@@ -9,7 +9,7 @@
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/CommandTable.h"
+#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 namespace {

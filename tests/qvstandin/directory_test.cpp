@@ -7,7 +7,7 @@
 
 #include "qvnetcall/standin/Records.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/CommandTable.h"
+#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/FileRecords.h"
+#include "tools/qvstandin/commands/Listings.h"
 #include "tools/qvstandin/common/NamePattern.h"
 #include "tools/qvstandin/stores/Checksum.h"
 #include "tools/qvstandin/stores/DataFolder.h"

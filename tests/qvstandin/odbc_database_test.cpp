@@ -13,7 +13,7 @@
 #include "ServerFixture.h"
 #include "tests/support/PostgresServer.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/recordsets/CellForm.h"
+#include "tools/qvstandin/recordsets/RecordsetWriter.h"
 
 namespace qv::standin {
 namespace {

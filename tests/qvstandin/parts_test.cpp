@@ -7,12 +7,11 @@
 #include <vector>
 
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/FieldReader.h"
+#include "tools/qvstandin/commands/Fields.h"
 #include "tools/qvstandin/common/ServerLog.h"
 #include "tools/qvstandin/databases/ProcedureCall.h"
 #include "tools/qvstandin/databases/TableNames.h"
 #include "tools/qvstandin/recordsets/AnswerFile.h"
-#include "tools/qvstandin/recordsets/GzipStream.h"
 #include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {

@@ -1,6 +1,5 @@
 // What the recordset writers write, read back by the slow reference reader.
-#include "tools/qvstandin/recordsets/RowsetWriter.h"
-#include "tools/qvstandin/recordsets/SchemaWriter.h"
+#include "tools/qvstandin/recordsets/RecordsetWriter.h"
 
 #include <gtest/gtest.h>
 

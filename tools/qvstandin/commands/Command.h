@@ -7,9 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "FieldReader.h"
-#include "FieldWriter.h"
-#include "NameField.h"
+#include "Fields.h"
 #include "tools/qvstandin/common/ErrorCode.h"
 #include "tools/qvstandin/common/ServerLog.h"
 #include "tools/qvstandin/common/WorkLimit.h"
@@ -72,5 +70,27 @@ inline void AddFailure(Reply& reply, Outcome outcome) {
 }
 
 inline Outcome NoFileCame() { return {ErrorCode::kMalformedRequest, "no file, or no room for it"}; }
+
+// Replies that open with a decimal number: above 0 when the command was done.
+inline constexpr std::string_view kYes = "1";
+inline constexpr std::string_view kNo = "0";
+
+inline void Refuse(Reply& reply, Outcome outcome) {
+  reply.fields.Text(kNo);
+  reply.outcome = std::move(outcome);
+}
+
+inline void AnswerYesOrNo(Reply& reply, Outcome outcome) {
+  if (!outcome.Ok()) return Refuse(reply, std::move(outcome));
+  reply.fields.Text(kYes);
+}
+
+inline Outcome FieldMissing() { return {ErrorCode::kMalformedRequest, "a field is missing"}; }
+
+// Carries out the request and gives the reply. A code that is not known is a failure.
+[[nodiscard]] Reply Answer(Services& services, Request request);
+
+// Whether a file may come along with the command.
+[[nodiscard]] bool TakesFile(std::uint32_t command);
 
 }  // namespace qv::standin

@@ -1,4 +1,4 @@
-#include "CommandTable.h"
+#include "Command.h"
 
 #include <algorithm>
 #include <array>

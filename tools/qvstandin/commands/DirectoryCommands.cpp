@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "CatalogueReply.h"
+#include "Listings.h"
 #include "base/text/Numbers.h"
 #include "qvnetcall/standin/Records.h"
 

@@ -2,9 +2,8 @@
 
 #include <utility>
 
-#include "CatalogueReply.h"
-#include "FileRecords.h"
-#include "NameField.h"
+#include "Fields.h"
+#include "Listings.h"
 
 namespace qv::standin {
 

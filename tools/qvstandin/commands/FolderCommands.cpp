@@ -8,8 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "CatalogueReply.h"
-#include "FileRecords.h"
+#include "Listings.h"
 #include "qvnetcall/ServerRecords.h"
 
 namespace qv::standin {

@@ -3,8 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "CatalogueReply.h"
-#include "NameField.h"
+#include "Fields.h"
 #include "tools/qvstandin/stores/Checksum.h"
 #include "tools/qvstandin/stores/PackFile.h"
 #include "tools/qvstandin/stores/TemporaryFile.h"

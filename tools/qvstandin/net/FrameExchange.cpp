@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "message/LittleEndian.h"
-#include "tools/qvstandin/commands/CommandTable.h"
-#include "tools/qvstandin/common/Secret.h"
 
 namespace qv::standin {
 
@@ -23,7 +21,7 @@ std::string Remark(std::string_view text) {
 
 }  // namespace
 
-wire::FrameStatus Exchange::Receive(wire::ByteStream& stream, std::string_view login_token) {
+wire::FrameStatus FrameExchange::Receive(wire::ByteStream& stream, std::string_view login_token) {
   const wire::FrameLimits limits{.payload = rules_.request_limit,
                                  .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
   wire::FrameHeader header;
@@ -38,7 +36,7 @@ wire::FrameStatus Exchange::Receive(wire::ByteStream& stream, std::string_view l
   return header.file_length ? ReceiveFile(stream, *header.file_length) : wire::FrameStatus::kDone;
 }
 
-wire::FrameStatus Exchange::ReceiveFile(wire::ByteStream& stream, std::uint64_t length) {
+wire::FrameStatus FrameExchange::ReceiveFile(wire::ByteStream& stream, std::uint64_t length) {
   const bool is_wanted = is_allowed_ && TakesFile(command_);
   if (length > (is_wanted ? rules_.upload_limit : kLongestUnwantedFile)) {
     return wire::FrameStatus::kDoesNotFit;
@@ -50,14 +48,14 @@ wire::FrameStatus Exchange::ReceiveFile(wire::ByteStream& stream, std::uint64_t 
   return wire::ReceiveFile(stream, length, received_->Path());
 }
 
-bool Exchange::ShowsToken(std::string_view login_token) const {
+bool FrameExchange::ShowsToken(std::string_view login_token) const {
   if (rules_.token.empty()) return true;
   const std::string_view token(reinterpret_cast<const char*>(token_.data()), token_.size());
   return SameSecret(rules_.token, token) ||
          (!login_token.empty() && SameSecret(rules_.login_token, login_token));
 }
 
-bool Exchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
+bool FrameExchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
   if (is_allowed_) {
     WorkLimit limit(rules_.statement_limit, abandoned);
     const auto name_field = NameField(block_).subspan(kNameFieldAt);
@@ -76,14 +74,14 @@ bool Exchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
   return OpenReplyFile();
 }
 
-bool Exchange::OpenReplyFile() {
+bool FrameExchange::OpenReplyFile() {
   if (reply_.stored) file_.emplace(std::move(*reply_.stored));
   if (reply_.file == nullptr) return true;
   file_ = wire::OutgoingFile::Open(reply_.file->Path());
   return file_.has_value();
 }
 
-std::uint64_t Exchange::ReplyLength() const {
+std::uint64_t FrameExchange::ReplyLength() const {
   wire::FrameHeader header{.kind = wire::FrameKind::kReply,
                            .token_length = 0,
                            .payload_length = reply_.fields.Payload().size(),
@@ -92,7 +90,7 @@ std::uint64_t Exchange::ReplyLength() const {
   return wire::FrameLength(header);
 }
 
-bool Exchange::Send(wire::ByteStream& stream) {
+bool FrameExchange::Send(wire::ByteStream& stream) {
   std::array<unsigned char, wire::kFrameBlockSize> block{};
   StoreU32(block.data(), command_);
   const wire::OutgoingMessage message{.kind = wire::FrameKind::kReply,
@@ -102,7 +100,7 @@ bool Exchange::Send(wire::ByteStream& stream) {
   return wire::SendFrame(stream, message, file_ ? &*file_ : nullptr) == wire::FrameStatus::kDone;
 }
 
-void Exchange::Record() const {
+void FrameExchange::Record() const {
   // Paths mean the same so, and need no escapes.
   std::string subject = reply_.database;
   std::ranges::replace(subject, '\\', '/');

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "SessionRules.h"
+#include "Session.h"
 #include "tools/qvstandin/commands/Command.h"
 #include "tools/qvstandin/stores/TemporaryFile.h"
 #include "transports/frame/FrameIo.h"
@@ -18,10 +18,11 @@ namespace qv::standin {
 
 // Receive, Answer and Send are called in this order, each once and only after the one before it
 // went well.
-class Exchange {
+class FrameExchange {
  public:
   // Both outlive the exchange.
-  Exchange(Services& services, const SessionRules& rules) : services_(services), rules_(rules) {}
+  FrameExchange(Services& services, const SessionRules& rules)
+      : services_(services), rules_(rules) {}
 
   // `login_token` is what the sender showed besides the frame; empty when nothing.
   [[nodiscard]] wire::FrameStatus Receive(wire::ByteStream& stream,

@@ -3,7 +3,6 @@
 #include <string>
 
 #include "FrameExchange.h"
-#include "HttpBody.h"
 
 namespace qv::standin {
 
@@ -62,7 +61,7 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
     return false;
   }
   HttpBody body(stream_, request);
-  Exchange exchange(services_, rules_);
+  FrameExchange exchange(services_, rules_);
   const wire::FrameStatus received = exchange.Receive(body, request.login_token);
   const bool is_whole = received == wire::FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;

@@ -6,10 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "FrameSession.h"
 #include "HttpSession.h"
 #include "base/platform/Platform.h"
-#include "tools/qvstandin/common/Secret.h"
 
 namespace qv::standin {
 
@@ -88,7 +86,7 @@ void StandIn::Serve(Client& client) {
     if (client.speech == Speech::kHttp && !BeginsWithFrame(*client.stream)) {
       HttpSession(*client.stream, services_, rules_).Serve();
     } else {
-      Session(*client.stream, services_, rules_).Serve();
+      FrameSession(*client.stream, services_, rules_).Serve();
     }
   } catch (const std::exception&) {
     // Out of memory or descriptors for this client; the others go on.

@@ -18,8 +18,7 @@
 
 #include "ClientStream.h"
 #include "Listener.h"
-#include "ServedCommand.h"
-#include "SessionRules.h"
+#include "Session.h"
 #include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {

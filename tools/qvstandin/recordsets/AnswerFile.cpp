@@ -1,10 +1,23 @@
 #include "AnswerFile.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "base/platform/Platform.h"
 
 namespace qv::standin {
+
+namespace {
+
+// The largest window, with 16 added: a gzip header and trailer around it.
+constexpr int kGzipWindow = MAX_WBITS + 16;
+constexpr int kMemoryLevel = 8;
+// Fast packing: the link to a client is local more often than slow.
+constexpr int kLevel = 3;
+constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // zlib counts in 32 bits
+
+}  // namespace
 
 AnswerFile::AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit)
     : folder_(std::move(folder)), memory_limit_(memory_limit), size_limit_(size_limit) {}
@@ -36,5 +49,41 @@ bool AnswerFile::MoveToDisk() {
 }
 
 bool AnswerFile::Finish() { return file_ == nullptr || std::fclose(file_.release()) == 0; }
+
+GzipStream::GzipStream(ByteSink& target) : target_(target) {
+  ready_ = deflateInit2(&stream_, kLevel, Z_DEFLATED, kGzipWindow, kMemoryLevel,
+                        Z_DEFAULT_STRATEGY) == Z_OK;
+}
+
+GzipStream::~GzipStream() {
+  if (ready_) deflateEnd(&stream_);
+}
+
+bool GzipStream::Write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::string_view piece = bytes.substr(0, kLargestPiece);
+    if (!Deflate(piece, Z_NO_FLUSH)) return false;
+    bytes.remove_prefix(piece.size());
+  }
+  return true;
+}
+
+bool GzipStream::Finish() { return Deflate({}, Z_FINISH) && target_.Finish(); }
+
+bool GzipStream::Deflate(std::string_view bytes, int flush) {
+  if (!ready_) return false;
+  std::array<unsigned char, 32768> out;
+  // zlib only reads there; its interface is older than const.
+  stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+  stream_.avail_in = static_cast<uInt>(bytes.size());
+  do {
+    stream_.next_out = out.data();
+    stream_.avail_out = static_cast<uInt>(out.size());
+    if (deflate(&stream_, flush) == Z_STREAM_ERROR) return false;
+    const std::size_t packed = out.size() - stream_.avail_out;
+    if (!target_.Write({reinterpret_cast<const char*>(out.data()), packed})) return false;
+  } while (stream_.avail_out == 0);
+  return true;
+}
 
 }  // namespace qv::standin

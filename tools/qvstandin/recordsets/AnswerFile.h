@@ -1,5 +1,7 @@
-// The file of an answer: in memory while it is small, on disk once it is not.
+// Where the bytes of an answer go.
 #pragma once
+
+#include <zlib.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -10,6 +12,7 @@
 
 namespace qv::standin {
 
+// The file of an answer: in memory while it is small, on disk once it is not.
 class AnswerFile : public ByteSink {
  public:
   // What the names of all such files on disk end in.
@@ -46,6 +49,26 @@ class AnswerFile : public ByteSink {
   std::string bytes_;
   std::string path_;
   std::unique_ptr<std::FILE, Closer> file_;
+};
+
+// Packs what is written to it as one gzip member.
+class GzipStream : public ByteSink {
+ public:
+  // The packed bytes go to `target`, which outlives this object and is finished with it.
+  explicit GzipStream(ByteSink& target);
+  ~GzipStream() override;
+  GzipStream(const GzipStream&) = delete;
+  GzipStream& operator=(const GzipStream&) = delete;
+
+  bool Write(std::string_view bytes) override;
+  bool Finish() override;
+
+ private:
+  [[nodiscard]] bool Deflate(std::string_view bytes, int flush);
+
+  ByteSink& target_;
+  z_stream stream_{};
+  bool ready_;
 };
 
 }  // namespace qv::standin

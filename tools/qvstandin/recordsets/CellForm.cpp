@@ -1,4 +1,4 @@
-#include "CellForm.h"
+#include "RecordsetWriter.h"
 
 #include <array>
 #include <charconv>

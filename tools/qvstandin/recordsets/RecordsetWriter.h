@@ -1,16 +1,27 @@
-// What the writers of both recordset dialects share.
+// Recordset files, in both dialects.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "CellForm.h"
 #include "tools/qvstandin/common/ByteSink.h"
 #include "tools/qvstandin/databases/Database.h"
 
 namespace qv::standin {
 
+enum class BinaryForm {
+  kHex,  // lower-case digits
+  kBase64,
+};
+
+// Appends the cell as a column of that kind shows it, with < > ' & " as entities. False, and
+// nothing appended, when the cell has no text: null, or a date that is none.
+[[nodiscard]] bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell,
+                                  std::string& out);
+
+// What the writers of both dialects share.
+//
 // Streams: what it holds is one buffer, whatever the number of rows.
 //
 // Clients read both dialects by fixed markers; so a value carries the five characters that could
@@ -52,6 +63,30 @@ class RecordsetWriter : public RowSink {
   Layout layout_;
   std::vector<ColumnKind> kinds_;
   std::int32_t row_count_ = 0;
+};
+
+// Writes an answer as a recordset in the rowset dialect: a schema, then one element per row whose
+// attributes are the cells. Only a blank may separate attributes here.
+class RowsetWriter : public RecordsetWriter {
+ public:
+  // The text goes to `target`, which outlives this object.
+  explicit RowsetWriter(ByteSink& target) : RecordsetWriter(target) {}
+
+ private:
+  Layout LayoutOf(const std::vector<Column>& columns,
+                  const std::vector<std::string>& names) const override;
+};
+
+// Writes an answer as a recordset in the schema dialect: a schema, then one element per row whose
+// children are the cells.
+class SchemaWriter : public RecordsetWriter {
+ public:
+  // The text goes to `target`, which outlives this object.
+  explicit SchemaWriter(ByteSink& target) : RecordsetWriter(target) {}
+
+ private:
+  Layout LayoutOf(const std::vector<Column>& columns,
+                  const std::vector<std::string>& names) const override;
 };
 
 }  // namespace qv::standin

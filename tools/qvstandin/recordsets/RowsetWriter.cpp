@@ -1,4 +1,4 @@
-#include "RowsetWriter.h"
+#include "RecordsetWriter.h"
 
 #include <string_view>
 

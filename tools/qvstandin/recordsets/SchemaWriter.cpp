@@ -1,4 +1,4 @@
-#include "SchemaWriter.h"
+#include "RecordsetWriter.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "FieldReader.h"
+#include "Fields.h"
 
 #include <algorithm>
 
@@ -10,6 +10,15 @@ namespace {
 
 constexpr std::size_t kLengthWord = 4;
 constexpr std::size_t kOverhead = kLengthWord + 1;
+
+constexpr std::size_t kIdAt = 252;
+
+// The text in front of the first NUL, which must come before the last byte.
+std::optional<std::string> TextIn(NameField field) {
+  const auto end = std::ranges::find(field, 0);
+  if (end == field.begin() || field.end() - end < 2) return std::nullopt;
+  return std::string(field.begin(), end);
+}
 
 }  // namespace
 
@@ -41,6 +50,25 @@ std::optional<std::int32_t> FieldReader::Integer() {
   if (!body || body->size() != sizeof(std::int32_t)) return std::nullopt;
   Consume(body->size());
   return static_cast<std::int32_t>(LoadU32(body->data()));
+}
+
+void FieldWriter::Append(const void* body, std::size_t length) {
+  const std::size_t start = payload_.size();
+  payload_.resize(start + sizeof(std::uint32_t) + length + 1);
+  StoreU32(&payload_[start], static_cast<std::uint32_t>(length));
+  if (length != 0) std::memcpy(&payload_[start + sizeof(std::uint32_t)], body, length);
+}
+
+std::optional<std::string> PathIn(NameField field) {
+  if (field.size() != kNameFieldSize) return std::nullopt;
+  return TextIn(field);
+}
+
+std::optional<IdName> IdNameIn(NameField field) {
+  if (field.size() != kNameFieldSize) return std::nullopt;
+  auto name = TextIn(field.first(kIdAt));
+  if (!name) return std::nullopt;
+  return IdName{static_cast<std::int32_t>(LoadU32(field.data() + kIdAt)), std::move(*name)};
 }
 
 }  // namespace qv::standin

@@ -1,8 +1,8 @@
-#include "FileRecords.h"
+#include "Listings.h"
 
 #include <algorithm>
 
-#include "CatalogueReply.h"
+#include "Command.h"
 #include "qvnetcall/standin/Records.h"
 #include "tools/qvstandin/common/NamePattern.h"
 

@@ -1,4 +1,4 @@
-// What stands above the body of an HTTP message.
+// HTTP messages: what stands above the body, and the body of a request.
 #pragma once
 
 #include <cstdint>
@@ -61,5 +61,35 @@ struct HttpReplyHead {
 [[nodiscard]] std::string HeadText(const HttpReplyHead& head);
 // What a status is called.
 [[nodiscard]] std::string ReasonFor(HttpStatus status);
+
+// The body of a request, as the frame that it holds.
+//
+// Reads what is left when HTTP's own marks are taken away; writes as the connection does.
+class HttpBody : public wire::ByteStream {
+ public:
+  // The stream stands behind the head, and outlives the body.
+  HttpBody(ClientStream& stream, const HttpRequestHead& head)
+      : stream_(stream), is_chunked_(head.is_chunked), left_(head.length.value_or(0)) {}
+
+  // False also when the body ends before that.
+  bool Read(wire::WritableBytes bytes) override;
+  bool Write(std::initializer_list<wire::Bytes> pieces) override { return stream_.Write(pieces); }
+  // Whether nothing follows any more; may have to wait for the mark that says so.
+  [[nodiscard]] bool IsAtEnd();
+  // Whether the connection can be used no more.
+  [[nodiscard]] bool IsLost() const { return is_lost_; }
+
+ private:
+  [[nodiscard]] bool NextChunk(ClientStream::Deadline deadline);
+  // A line without its end. Nothing when it is too long or has a wrong end.
+  [[nodiscard]] std::optional<std::string> Line(ClientStream::Deadline deadline);
+
+  ClientStream& stream_;
+  const bool is_chunked_;
+  std::uint64_t left_;  // of the body, or of this chunk
+  bool is_first_ = true;
+  bool is_last_ = false;  // the end was seen
+  bool is_lost_ = false;
+};
 
 }  // namespace qv::standin

@@ -1,14 +1,27 @@
 // Listings of files and folders: their order, and the records that they travel in.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/platform/Folder.h"
 #include "tools/qvstandin/stores/StoreNames.h"
 
 namespace qv::standin {
+
+// What fits into the blocks that clients have for replies, beside the header and the fields that
+// tell how much it is.
+inline constexpr std::uint64_t kShortListing = 512'000 - 512;
+inline constexpr std::uint64_t kLongListing = 1'048'576 - 512;
+
+// A record as it stands in a field.
+template <class Record>
+std::string_view RecordBytes(const Record& record) {
+  return {reinterpret_cast<const char*>(record.bytes), sizeof record.bytes};
+}
 
 enum class ListingOrder { kByName = 0, kNewestFirst = 1, kLargestFirst = 2 };
 
