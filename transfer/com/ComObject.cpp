@@ -2,9 +2,25 @@
 
 #include <comdef.h>
 
+#include <cstring>
+#include <limits>
+
 namespace qv {
 
 namespace {
+
+// What is no text in the code page becomes its replacement character.
+BSTR Wide(const char* text) {
+  const std::size_t length = std::strlen(text);
+  if (length == 0) return ::SysAllocStringLen(nullptr, 0);
+  if (length > std::size_t{std::numeric_limits<int>::max()}) return nullptr;
+  const int bytes = static_cast<int>(length);
+  const int units = ::MultiByteToWideChar(CP_ACP, 0, text, bytes, nullptr, 0);
+  if (units <= 0) return nullptr;
+  BSTR const wide = ::SysAllocStringLen(nullptr, static_cast<UINT>(units));
+  if (wide != nullptr) ::MultiByteToWideChar(CP_ACP, 0, text, bytes, wide, units);
+  return wide;
+}
 
 // In this process, as a handler of another's, in another process, on another machine.
 constexpr DWORD kAnywhere =
@@ -26,6 +42,8 @@ IErrorInfo* TakeErrorInfo(IUnknown* object, const IID& iid) {
 }
 
 }  // namespace
+
+Bstr::Bstr(const char* text) : text_(Wide(text)) {}
 
 // An object that may live elsewhere has to run before it is asked for its interface.
 void* CreateComObject(const CLSID& class_id, const IID& iid) {

@@ -1,10 +1,13 @@
 #include "transfer/Component.h"
 
+#include <windows.h>
+
 #include <new>
+#include <string>
 
 #include "CoCSCAdapter.h"
 #include "CoFtpAdapter.h"
-#include "SelfRegistration.h"
+#include "base/platform/Platform.h"
 
 namespace qv {
 
@@ -22,6 +25,21 @@ Adapter* Create(const CLSID& class_id, const IID& iid) {
   auto* const adapter = new (std::nothrow) Adapter(object);
   if (adapter == nullptr) object->table->head.Release(object);
   return adapter;
+}
+
+// Has the FTP component beside the program that runs enter itself in the registry, when it is there
+// and knows how; what comes of it is not told.
+void RegisterFtpComponent() {
+  const std::string folder = platform::ProgramFolder();
+  // The loader would look for a file without a folder wherever it likes.
+  if (folder.empty()) return;
+  const HMODULE library = ::LoadLibraryA((folder + "QvCoFtp.dll").c_str());
+  if (library == nullptr) return;
+  using Register = HRESULT(STDAPICALLTYPE*)();
+  const auto enter = reinterpret_cast<Register>(
+      reinterpret_cast<void*>(::GetProcAddress(library, "DllRegisterServer")));
+  if (enter != nullptr) enter();
+  ::FreeLibrary(library);
 }
 
 }  // namespace
