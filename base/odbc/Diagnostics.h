@@ -23,6 +23,13 @@ struct Diagnostic {
 using Diagnostics = std::vector<Diagnostic>;
 
 // For a log: "[state] text", several after one another.
-[[nodiscard]] std::string TextOf(const Diagnostics& diagnostics);
+[[nodiscard]] inline std::string TextOf(const Diagnostics& diagnostics) {
+  std::string text;
+  for (const Diagnostic& diagnostic : diagnostics) {
+    if (!text.empty()) text += ' ';
+    text += '[' + diagnostic.state + "] " + diagnostic.text;
+  }
+  return text;
+}
 
 }  // namespace qv::odbc

@@ -8,7 +8,6 @@
 
 #include "Handle.h"
 #include "OwnerOnly.h"
-#include "Patience.h"
 #include "base/platform/Platform.h"
 
 namespace qv::platform {

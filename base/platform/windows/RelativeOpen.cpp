@@ -7,7 +7,6 @@
 #include <memory>
 #include <string_view>
 
-#include "Patience.h"
 #include "base/platform/Platform.h"
 
 namespace qv::platform {

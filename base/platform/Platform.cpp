@@ -1,8 +1,8 @@
+#include "Platform.h"
+
 #include <array>
 #include <cstdio>
 #include <random>
-
-#include "Platform.h"
 
 namespace qv::platform {
 
@@ -17,6 +17,14 @@ std::string NewGuid() {
   std::snprintf(text.data(), text.size(), "{%08X-%04X-%04X-%04X-%04X%08X}", random[0],
                 random[1] >> 16, version, variant, random[2] >> 16, random[3]);
   return text.data();
+}
+
+std::string FolderOf(const std::string& path) { return path.substr(0, FolderLength(path)); }
+
+std::string WithSeparator(std::string folder) {
+  const bool ends = !folder.empty() && FolderLength(folder) == folder.size();
+  if (!ends || folder.back() != kSeparator) folder += kSeparator;
+  return folder;
 }
 
 }  // namespace qv::platform

@@ -1,3 +1,4 @@
+// The running program: its files, libraries, memory and clock.
 #include <windows.h>
 
 #include <vector>
@@ -25,5 +26,25 @@ std::string FileOf(HMODULE module) {
 std::string ModuleFile() { return FileOf(reinterpret_cast<HMODULE>(&__ImageBase)); }
 
 std::string ProgramFolder() { return FolderOf(FileOf(nullptr)); }
+
+// What a library needs is looked for beside it first.
+void* OpenLibrary(const std::string& path) {
+  return ::LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
+void CloseLibrary(void* library) { ::FreeLibrary(static_cast<HMODULE>(library)); }
+
+void* FindFunction(void* library, const char* name) {
+  return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+// Large pages here are a privilege, not a matter of advice.
+void PreferLargePages(void*, std::size_t) {}
+
+std::optional<std::tm> LocalTime(std::time_t time) {
+  std::tm local{};
+  if (::localtime_s(&local, &time) != 0) return std::nullopt;
+  return local;
+}
 
 }  // namespace qv::platform

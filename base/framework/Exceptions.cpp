@@ -1,8 +1,11 @@
-#include "qvnetcall/framework/FileException.h"
-
+// CException and what derives from it.
 #include <array>
 #include <cerrno>
 #include <cstddef>
+
+#include "qvnetcall/framework/Exception.h"
+#include "qvnetcall/framework/FileException.h"
+#include "qvnetcall/framework/InvalidArgException.h"
 
 namespace {
 
@@ -23,6 +26,16 @@ constexpr std::array<const char*, 15> kTexts = {"no error",
                                                 "end of file"};
 
 }  // namespace
+
+CException::~CException() = default;
+
+const char* CException::what() const noexcept { return "exception"; }
+
+CInvalidArgException::~CInvalidArgException() = default;
+
+const char* CInvalidArgException::what() const noexcept { return "invalid argument"; }
+
+void AfxThrowInvalidArgException() { throw CInvalidArgException(); }
 
 CFileException::CFileException(int cause, long os_error, const char* file_name)
     : m_cause(cause), m_lOsError(os_error), m_strFileName(file_name) {}

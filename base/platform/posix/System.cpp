@@ -1,4 +1,7 @@
+// The running program: its files, libraries, memory and clock.
 #include <dlfcn.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -36,6 +39,32 @@ std::string ModuleFile() {
 std::string ProgramFolder() {
   const std::filesystem::path program = ProgramFile();
   return program.empty() ? std::string() : (program.parent_path() / "").string();
+}
+
+// Everything is bound at once, so that a library that lacks something is refused here and does not
+// end the program later.
+void* OpenLibrary(const std::string& path) { return ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
+
+void CloseLibrary(void* library) { ::dlclose(library); }
+
+void* FindFunction(void* library, const char* name) { return ::dlsym(library, name); }
+
+void PreferLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t bytes) {
+#if defined(MADV_HUGEPAGE)
+  // Advice is for whole pages: those that lie in the range.
+  static const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  const std::size_t ahead = (page - reinterpret_cast<std::uintptr_t>(start) % page) % page;
+  if (bytes <= ahead) return;
+  static_cast<void>(
+      ::madvise(static_cast<char*>(start) + ahead, (bytes - ahead) / page * page, MADV_HUGEPAGE));
+#endif
+}
+
+std::optional<std::tm> LocalTime(std::time_t time) {
+  ::tzset();  // Unlike localtime, localtime_r need not notice that TZ has changed.
+  std::tm local{};
+  if (::localtime_r(&time, &local) == nullptr) return std::nullopt;
+  return local;
 }
 
 }  // namespace qv::platform
