@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "tests/support/Gzip.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {

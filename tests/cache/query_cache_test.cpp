@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "base/platform/Platform.h"
-#include "tests/support/Gzip.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 

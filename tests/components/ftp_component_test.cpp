@@ -8,7 +8,7 @@
 
 #include "FtpSide.h"
 #include "tests/support/ScriptedServer.h"
-#include "tests/support/TestCertificate.h"
+#include "tests/support/TlsSide.h"
 
 namespace qv::components {
 

@@ -10,7 +10,6 @@
 
 #include "base/platform/Platform.h"
 #include "qvnetcall/RvoDatabase.h"
-#include "tests/support/Gzip.h"
 #include "tests/support/ModuleTest.h"
 #include "tests/support/Shape.h"
 

@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/Process.h"
 #include "tests/support/ServerProcess.h"
 #include "tests/support/TempFolder.h"
 

@@ -1,16 +1,29 @@
 // The fields of a message's payload.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "message/LittleEndian.h"
+
 namespace qv {
 
 // A field as it stands in a payload.
-std::string Field(std::string_view body);
+inline std::string Field(std::string_view body) {
+  std::string field(4, '\0');
+  StoreU32(field.data(), static_cast<std::uint32_t>(body.size()));
+  return field.append(body).append(1, '\0');
+}
 
 // The bodies of the fields of a payload that is in order.
-std::vector<std::string> FieldsOf(const std::string& payload);
+inline std::vector<std::string> FieldsOf(const std::string& payload) {
+  std::vector<std::string> fields;
+  for (std::size_t at = 0; at + 4 < payload.size(); at += 4 + fields.back().size() + 1) {
+    fields.push_back(payload.substr(at + 4, LoadU32(payload.data() + at)));
+  }
+  return fields;
+}
 
 }  // namespace qv

@@ -13,7 +13,7 @@
 #include <csignal>
 #include <utility>
 
-#include "Process.h"
+#include "ServerProcess.h"
 
 namespace qv {
 

@@ -1,4 +1,4 @@
-// A program that serves on a port of its own choice, as a process that can be killed.
+// Programs that tests start; among them servers, on a port of their own choice, that can be killed.
 #pragma once
 
 #include <sys/types.h>
@@ -8,6 +8,12 @@
 #include <vector>
 
 namespace qv {
+
+// Starts a program, found on the path, in `folder`, or in this program's when that is empty. What
+// it prints, errors too when `with_errors`, goes to `output`, which must close on exec. -1 when it
+// cannot be started.
+pid_t Spawn(std::vector<std::string> words, int output, bool with_errors,
+            const std::string& folder = "");
 
 // Started by the constructor, killed by the destructor.
 class ServerProcess {

@@ -1,5 +1,7 @@
 #include "TempFolder.h"
 
+#include <zlib.h>
+
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -36,6 +38,15 @@ std::string TempFolder::Write(const std::string& name, const std::string& bytes)
 std::string BytesOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string Gzipped(const std::string& text) {
+  const TempFolder folder;
+  const std::string path = folder.At("packed");
+  const gzFile file = gzopen(path.c_str(), "wb");
+  gzwrite(file, text.data(), static_cast<unsigned>(text.size()));
+  gzclose(file);
+  return BytesOf(path);
 }
 
 }  // namespace qv

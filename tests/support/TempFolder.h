@@ -1,4 +1,4 @@
-// A fresh folder for the files of one test, removed with all that it holds.
+// A fresh folder for the files of one test, removed with all that it holds; and what is in files.
 #pragma once
 
 #include <filesystem>
@@ -25,5 +25,8 @@ class TempFolder {
 
 // The bytes of a file; empty when it cannot be read.
 [[nodiscard]] std::string BytesOf(const std::string& path);
+
+// A gzip file of one member that holds `text`.
+std::string Gzipped(const std::string& text);
 
 }  // namespace qv

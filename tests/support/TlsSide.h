@@ -1,12 +1,25 @@
-// The server's side of a connection, behind TLS.
+// The server's side of a connection, behind TLS, and certificates that are made for it.
 #pragma once
 
 #include <boost/asio/ssl.hpp>
+#include <chrono>
+#include <string>
 
 #include "ScriptedServer.h"
-#include "TestCertificate.h"
 
 namespace qv {
+
+// Both in PEM.
+struct TestCertificate {
+  std::string certificate;
+  std::string key;
+};
+
+// A certificate that vouches for itself, so that it also serves as its own authority. `names` is
+// what it is for, as in "IP:127.0.0.1" or "DNS:a.example"; it is valid for `lifetime` from now,
+// which may be over already.
+[[nodiscard]] TestCertificate MakeCertificate(const std::string& names,
+                                              std::chrono::seconds lifetime);
 
 class TlsSide final : public wire::ByteStream {
  public:
