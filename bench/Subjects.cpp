@@ -7,9 +7,8 @@
 #include "KeptBuffer.h"
 #include "PeerTable.h"
 #include "Peers.h"
+#include "resultset/RecordsetReaders.h"
 #include "resultset/ResultTable.h"
-#include "resultset/RowsetReader.h"
-#include "resultset/SchemaReader.h"
 
 namespace qv {
 

@@ -1,15 +1,30 @@
-// A prepared statement of the index's database.
+// A prepared statement of the index's database, and a bound on the time that it may work.
 #pragma once
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
 
-#include "Deadline.h"
-
 namespace qv {
+
+// While it lives, the database gives up (SQLITE_INTERRUPT) what still runs after two seconds: what
+// stands in the file was perhaps made to run for ever. One per database at a time.
+class Deadline {
+ public:
+  explicit Deadline(sqlite3* database);
+  ~Deadline();
+  Deadline(const Deadline&) = delete;
+  Deadline& operator=(const Deadline&) = delete;
+
+ private:
+  static int HasPassed(void* deadline);
+
+  sqlite3* const database_;
+  const std::chrono::steady_clock::time_point end_;
+};
 
 // Kept for as long as its database is open, and run many times; one run at a time.
 class IndexStatement {

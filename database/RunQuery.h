@@ -1,10 +1,9 @@
-// What SelectSQL, ExecuteSP and the query of the settings have in common: from a text to a filled
-// result set.
+// How the calls run one text: at the server, out of the query cache, or on a local database.
 #pragma once
 
 #include <cstdint>
 
-#include "QueryAnswer.h"
+#include "QueryExchange.h"
 #include "qvnetcall/framework/String.h"
 
 class CRvoDbRes;
@@ -38,5 +37,17 @@ struct Query {
 
 // Gets the answer and reads it into `result`. Returns what SelectSQL returns when it asks a server.
 [[nodiscard]] int RunQuery(const Query& query, CRvoDbRes& result);
+
+}  // namespace qv
+
+class CRvoDbRes;
+class CString;
+
+namespace qv {
+
+// Run a query, or a statement without rows, on the local database of that name, opening and closing
+// it when the host does not care for that itself. 0, or 1 when it failed.
+[[nodiscard]] int SelectLocally(const CString& sql, CRvoDbRes& result, const char* database);
+[[nodiscard]] int ExecuteLocally(const CString& sql, const char* database);
 
 }  // namespace qv

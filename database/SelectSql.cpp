@@ -1,12 +1,8 @@
 // The calls of CRvoDatabase that fill a result set: from the server, or from a file.
-#include "LocalMode.h"
-#include "QueryAnswer.h"
-#include "QueryExchange.h"
 #include "RunQuery.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
-#include "resultset/RowsetReader.h"
-#include "resultset/SchemaReader.h"
+#include "resultset/RecordsetReaders.h"
 #include "server/ModuleState.h"
 #include "server/ServerType.h"
 

@@ -2,8 +2,6 @@
 #include <atomic>
 #include <string>
 
-#include "LocalMode.h"
-#include "QueryExchange.h"
 #include "RunQuery.h"
 #include "base/framework/DecimalText.h"
 #include "base/platform/Platform.h"

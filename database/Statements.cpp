@@ -1,8 +1,7 @@
 // The calls of CRvoDatabase that return no rows: one statement, and a batch.
 #include <cstdint>
 
-#include "LocalMode.h"
-#include "QueryExchange.h"
+#include "RunQuery.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "Offline.h"
 #include "TransferCall.h"
 #include "qvnetcall/ResultCodes.h"
 #include "server/CatalogueCall.h"

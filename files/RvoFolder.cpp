@@ -1,7 +1,14 @@
+// The calls that list and change folders, whole (CRvoFolder) and in pages (CRvoFolderEx).
 #include "qvnetcall/RvoFolder.h"
 
-#include "FolderListing.h"
-#include "Offline.h"
+#include <cstddef>
+#include <cstdint>
+#include <new>
+
+#include "TransferCall.h"
+#include "base/framework/DecimalText.h"
+#include "qvnetcall/QvRvoBuf.h"
+#include "qvnetcall/RvoFolderEx.h"
 #include "server/CatalogueCall.h"
 
 using qv::CatalogueCall;
@@ -16,11 +23,36 @@ constexpr CatalogueCommand kNewFolder{6003};      // text folder
 constexpr CatalogueCommand kDeleteFolder{6004};   // text folder
 constexpr CatalogueCommand kRenameFolder{6005};   // texts old, new; the command that renames files
 
+constexpr const char kEveryFile[] = "*.*";
+
+CString FlagText(int flag) { return flag != 0 ? "1" : "0"; }
+
 // Offline, a change is taken to be done.
 template <class... Texts>
 int Change(const CatalogueCommand& command, const Texts&... texts) {
   if (qv::NetworkIsHeldForBad()) return 1;
   return CatalogueCall(command, texts...).Ask().value_or(0) > 0 ? 1 : 0;
+}
+
+// Request: texts folder, pattern, flag, numbers option, from, to. Reply behind the number: text
+// with the size of the listing, the listing.
+constexpr CatalogueCommand kPage{6029, qv::kLargeCatalogueReply};
+
+constexpr int kToTheEnd = -1;
+
+bool IsRange(int option, int from, int to) {
+  return option >= 0 && from >= 0 && (to == kToTheEnd || to >= from);
+}
+
+// Fills `buffer` with the reply's listing; the bytes themselves are not looked at.
+bool ReadPage(qv::CatalogueCall& call, CQvRvoBuf& buffer) {
+  const std::int32_t size = qv::DecimalToInt32(call.Text().View());
+  if (size <= 0) return false;
+  // More than any reply holds is memory that cannot be had: the buffer is empty then.
+  const bool can_be_had = static_cast<std::uint64_t>(size) <= qv::kMostRecordBytes;
+  if (buffer.Alloc(can_be_had ? size : 0) == 0) return false;
+  call.Read(buffer.m_bytes, buffer.m_size);
+  return true;
 }
 
 }  // namespace
@@ -29,12 +61,12 @@ CZelkorSvrFileInfo* CRvoFolder::GetMatchFilesInFolder(CString folder, CString pa
                                                       int flag) {
   if (qv::NetworkIsHeldForBad()) return nullptr;
   count = 0;
-  CatalogueCall call(kMatchingFiles, folder, pattern, qv::FlagText(flag));
+  CatalogueCall call(kMatchingFiles, folder, pattern, FlagText(flag));
   return call.AskRecords<CZelkorSvrFileInfo>(count);
 }
 
 CZelkorSvrFileInfo* CRvoFolder::GetFilesInFolder(CString folder, int& count, int flag) {
-  return GetMatchFilesInFolder(folder, qv::kEveryFile, count, flag);
+  return GetMatchFilesInFolder(folder, kEveryFile, count, flag);
 }
 
 // Unlike the listing of files it leaves `count` alone when there is nothing.
@@ -50,4 +82,38 @@ int CRvoFolder::DelOneFolder(CString folder) { return Change(kDeleteFolder, fold
 
 int CRvoFolder::RenOneFolder(CString old_folder, CString new_folder) {
   return Change(kRenameFolder, old_folder, new_folder);
+}
+
+int CRvoFolderEx::GetMatchFilesInFolderEx(CString folder, CString pattern, int& count, int flag,
+                                          int option, int from, int to, CQvRvoBuf* buffer) {
+  if (qv::NetworkIsHeldForBad()) return 0;
+  count = 0;
+  if (!IsRange(option, from, to)) return 0;
+  qv::CatalogueCall call(kPage, folder, pattern, FlagText(flag), option, from, to);
+  const std::int32_t found = call.Ask().value_or(0);
+  if (found <= 0) return 0;
+  count = found;
+  return ReadPage(call, *buffer) ? 1 : 0;
+}
+
+int CRvoFolderEx::GetFilesInFolderEx(CString folder, int& count, int flag, int option, int from,
+                                     int to, CQvRvoBuf* buffer) {
+  return GetMatchFilesInFolderEx(folder, kEveryFile, count, flag, option, from, to, buffer);
+}
+
+static_assert(offsetof(CQvRvoBuf, m_size) == 0 && offsetof(CQvRvoBuf, m_bytes) == sizeof(void*));
+
+int CQvRvoBuf::Alloc(int size) {
+  Release();
+  if (size < 1) return 0;
+  m_bytes = new (std::nothrow) unsigned char[static_cast<unsigned>(size)]();
+  if (m_bytes == nullptr) return 0;
+  m_size = static_cast<unsigned>(size);
+  return 1;
+}
+
+void CQvRvoBuf::Release() {
+  delete[] m_bytes;
+  m_bytes = nullptr;
+  m_size = 0;
 }

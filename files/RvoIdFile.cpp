@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Offline.h"
 #include "TransferCall.h"
 #include "qvnetcall/ResultCodes.h"
 

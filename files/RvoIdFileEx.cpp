@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "Offline.h"
+#include "TransferCall.h"
 #include "base/platform/Platform.h"
 #include "server/CatalogueCall.h"
 

@@ -1,11 +1,19 @@
-// The calls that move, remove and probe single files, and answer with a status word.
+// Whether the calls for files and folders work at all; and the calls that move, remove and probe
+// single files, and answer with a status word.
 #pragma once
 
 #include <cstdint>
 
 #include "server/Exchange.h"
+#include "server/ModuleState.h"
 
 namespace qv {
+
+// True while the client is offline because the network is bad. Only the stored word counts: neither
+// the network nor the server's kind is asked for, and work that is offline by choice goes on.
+[[nodiscard]] inline bool NetworkIsHeldForBad() {
+  return ModuleState::Get().cache.State() == cache_state::kNetworkBad;
+}
 
 constexpr std::uint32_t kTransferBlock = 1024;
 

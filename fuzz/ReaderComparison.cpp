@@ -11,9 +11,8 @@
 #include <sstream>
 #include <variant>
 
+#include "resultset/RecordsetReaders.h"
 #include "resultset/ResultTable.h"
-#include "resultset/RowsetReader.h"
-#include "resultset/SchemaReader.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {

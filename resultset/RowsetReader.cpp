@@ -1,4 +1,4 @@
-#include "RowsetReader.h"
+#include "RecordsetReaders.h"
 
 #include <array>
 

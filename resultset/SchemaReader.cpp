@@ -1,4 +1,4 @@
-#include "SchemaReader.h"
+#include "RecordsetReaders.h"
 
 #include <array>
 #include <string>

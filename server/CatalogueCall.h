@@ -6,6 +6,8 @@
 #include <optional>
 
 #include "Exchange.h"
+#include "base/framework/DecimalText.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/framework/String.h"
 
 namespace qv {
@@ -36,7 +38,10 @@ class CatalogueCall {
 
   // Sends the request and reads the number, which is 0 for what is none. Nothing when it was not
   // delivered; every other result of the transport counts as delivered.
-  [[nodiscard]] std::optional<std::int32_t> Ask();
+  [[nodiscard]] std::optional<std::int32_t> Ask() {
+    if (exchange_.Send() == result::kNotDelivered) return {};
+    return DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
+  }
 
   // The reply's next field as a text; empty when it cannot be read.
   [[nodiscard]] CString Text() { return exchange_.Reply().GetString(nullptr); }

@@ -8,8 +8,7 @@
 #include <vector>
 
 #include "qvnetcall/RvoDbRes.h"
-#include "resultset/RowsetReader.h"
-#include "resultset/SchemaReader.h"
+#include "resultset/RecordsetReaders.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
