@@ -26,7 +26,7 @@ constexpr std::string_view kTemporary = ".tmp";
 constexpr std::size_t kNameLength = kPrefix.size() + kGuidShape.size() + kAnswer.size();
 // Longer paths cannot be unpacked.
 constexpr std::size_t kPathLimit = 1024;
-// A temporary file this old is not being written any more.
+// A temporary file of this age is no longer being written.
 constexpr std::chrono::hours kTemporaryLife(24);
 
 bool IsGuid(std::string_view text) {
@@ -64,7 +64,7 @@ bool CopyBytes(std::FILE* from, std::FILE* to) {
 
 enum class Flush { kNo, kYes };
 
-// Copies a file into a new private one, of which nothing stays on failure.
+// Copies a file into a new private one, which is removed on failure.
 bool CopyFile(const std::string& source, const std::string& target, Flush flush) {
   std::FILE* const from = platform::OpenFile(source, platform::Opening::kRead);
   if (from == nullptr) return false;
@@ -88,7 +88,8 @@ std::string NewCopyPath(const std::string& folder) {
 }  // namespace
 
 std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
-  // The host may change its working directory later, and the index is opened through no link.
+  // The host may change its working directory later, and the index must not be opened through a
+  // link.
   const std::optional<std::string> absolute = platform::AbsolutePath(path);
   if (!absolute) return nullptr;
   const std::string whole = platform::WithSeparator(*absolute);
@@ -97,7 +98,7 @@ std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
   std::unique_ptr<CacheIndex> index = CacheIndex::Open(whole + kIndexName);
   if (index == nullptr) return nullptr;
   std::unique_ptr<CacheFolder> folder(new CacheFolder(whole, std::move(index)));
-  // When the index is too busy for it, a later opening sweeps.
+  // If the index is too busy, a later opening sweeps.
   (void)folder->Sweep();
   return folder;
 }
@@ -108,7 +109,7 @@ CacheFolder::CacheFolder(std::string path, std::unique_ptr<CacheIndex> index)
 std::optional<std::string> CacheFolder::Find(const std::string& key,
                                              const std::string& target_folder) {
   std::string target = NewCopyPath(target_folder);
-  // A file that is gone was most likely replaced since it was looked up, so there is a new one.
+  // A missing file was most likely replaced after the look-up, so there is a new entry.
   for (const bool last : {false, true}) {
     const std::optional<CacheIndex::Entry> entry = LookUp(key);
     if (!entry) return std::nullopt;
@@ -138,7 +139,7 @@ CacheFolder::TakeOutResult CacheFolder::TakeOut(const CacheIndex::Entry& entry,
   const bool done = packed ? unpacked == kGunzipDone : CopyFile(source, target, Flush::kNo);
   if (done) return TakeOutResult::kDone;
   if (!IsFile(source)) return TakeOutResult::kGone;
-  // Any other failure may be the target's, and says nothing about the entry.
+  // Any other failure may concern the target, and says nothing about the entry.
   return unpacked == kGunzipUnreadable ? TakeOutResult::kDamaged : TakeOutResult::kFailed;
 }
 

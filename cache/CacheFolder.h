@@ -10,16 +10,16 @@
 
 namespace qv {
 
-// The answers are files with names of the folder's own making; other files are left alone. Files
-// are made under a temporary name, flushed, and, while no other program can change the index,
-// renamed and entered. So every file with a final name and without an entry is a left-over. All
-// calls may come from several threads and programs at once.
+// The answers are files with names that the folder makes up; other files are left alone. A file is
+// written under a temporary name, flushed, and then renamed and entered while no other program can
+// change the index. So a file with a final name and without an entry is a left-over. All calls may
+// come from several threads and programs at once.
 class CacheFolder {
  public:
-  // Opens or creates the folder, and sweeps left-overs out of it. Null when it cannot be had.
+  // Opens or creates the folder and removes left-overs. Returns null on failure.
   [[nodiscard]] static std::unique_ptr<CacheFolder> Open(const std::string& path);
 
-  // As QueryCache has them.
+  // These do what QueryCache declares.
   [[nodiscard]] std::optional<std::string> Find(const std::string& key,
                                                 const std::string& target_folder);
   [[nodiscard]] bool Store(const std::string& key, const std::string& file, int flag);
@@ -34,7 +34,7 @@ class CacheFolder {
   void Discard(const std::string& key, const CacheIndex::Entry& entry);
   [[nodiscard]] bool Enter(const std::string& key, const CacheIndex::Entry& entry,
                            const std::string& temporary);
-  // Removes an answer's file; nothing that is not one.
+  // Removes a file if its name is an answer's.
   void RemoveAnswer(const std::string& name);
   [[nodiscard]] bool Sweep();
 

@@ -15,13 +15,13 @@ namespace {
 
 // A call may have to wait several times.
 constexpr int kBusyTimeoutMs = 500;
-// No key or row is longer, so that a planted one cannot take the memory of the host.
+// The longest key or row, so that a planted one cannot exhaust the host's memory.
 constexpr int kMaxLength = 64 * 1024 * 1024;
 constexpr std::size_t kMaxFileName = 255;
 
-// A file's new name must be on the disk before the entry that tells of it, and that entry before
-// the old file goes. With a rollback journal the first holds, because the folder is flushed with
-// the journal at every commit; "extra" flushes it once more when the journal is gone.
+// A file's new name must be on the disk before its entry is, and the entry before the old file is
+// deleted. A rollback journal ensures the first, because every commit flushes the folder with the
+// journal; "extra" flushes it again after the journal is deleted.
 constexpr const char* kSetUp[] = {
     "PRAGMA cell_size_check = ON",
     "PRAGMA synchronous = EXTRA",
@@ -31,12 +31,12 @@ constexpr const char kTable[] =
     "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL) WITHOUT ROWID";
 
 constexpr const char kJournal[] = "-journal";
-// The result for a database that is not the index; no code that SQLite would give here.
+// The result for a database that is not the index; SQLite itself does not return this code here.
 constexpr int kForeign = SQLITE_MISMATCH;
 
-// Opening a pipe would wait for ever, and a link leads out of the folder. The files of a
-// write-ahead log are never the index's, and reading a database with them changes it. Each is
-// looked at once, for the journal of another program comes and goes.
+// Opening a pipe would block, and a link leads out of the folder. The index never has the files of
+// a write-ahead log, and reading a database that has them changes it. Each file is checked only
+// once, because the journal of another program comes and goes.
 bool MayOpen(const std::string& path) {
   const auto type_of = [&path](const char* companion) {
     return platform::TypeOf(path + companion);
@@ -49,8 +49,9 @@ bool MayOpen(const std::string& path) {
   return type_of("-wal") == not_found && type_of("-shm") == not_found;
 }
 
-// Whether the file says so of itself. Asked by way of the open database, since closing another
-// handle would drop its locks; and before its first read, which would begin such a log.
+// Returns true if the header marks the database as WAL. Read through SQLite's own handle (closing a
+// second one would drop its POSIX locks), and before the first query, which would create the -wal
+// file.
 bool HasWriteAheadLog(sqlite3* database) {
   constexpr std::string_view kMagic("SQLite format 3", 16);
   constexpr std::size_t kWriteVersion = 18;
@@ -64,7 +65,7 @@ bool HasWriteAheadLog(sqlite3* database) {
          (head[kWriteVersion] == 2 || head[kReadVersion] == 2);
 }
 
-// The rights of the file pass to the journal that is made beside it.
+// Creates the file privately; SQLite gives the journal the same rights.
 void CreatePrivately(const std::string& path) {
   std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kNew);
   if (file != nullptr) std::fclose(file);
@@ -76,7 +77,7 @@ bool MoveAside(const std::string& path) {
   return true;
 }
 
-// Nothing in the file may do more than hold rows.
+// Prevents that anything in the file does more than hold rows.
 void Restrict(sqlite3* database) {
   sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -88,8 +89,8 @@ void Restrict(sqlite3* database) {
 }  // namespace
 
 std::unique_ptr<CacheIndex> CacheIndex::Open(const std::string& path) {
-  // Closing any handle of a file drops the locks that this process has on it, so nothing may use
-  // the file between its creation and its opening.
+  // Closing any handle of a file drops the locks that this process has on it, so no other thread
+  // may use the file between its creation and its opening.
   static std::mutex opening;
   const std::lock_guard lock(opening);
   for (const bool first : {true, false}) {
@@ -123,7 +124,7 @@ int CacheIndex::Connect(const std::string& path) {
   }
   int table = Recognise();
   if (table == SQLITE_DONE) {
-    // Another program may have come first since.
+    // Another program may have created it meanwhile.
     table = Execute((std::string("CREATE TABLE IF NOT EXISTS ") + kTable).c_str());
     if (table == SQLITE_OK) table = SQLITE_ROW;
   }
@@ -137,8 +138,8 @@ int CacheIndex::Execute(const char* sql) {
   return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
 }
 
-// A table that differs, or anything beside it, belongs to somebody else, or was put there to run
-// when the table is used.
+// A different table, or anything else in the database, belongs to somebody else, or was planted to
+// run when the table is used.
 int CacheIndex::Recognise() {
   IndexStatement schema;
   const int prepared = schema.Prepare(database_.get(), "SELECT sql FROM sqlite_master");
@@ -146,7 +147,7 @@ int CacheIndex::Recognise() {
   StatementRun run(schema);
   const int first = run.Step();
   if (first != SQLITE_ROW) return first;
-  // The database keeps the statement in these words, whichever way it was given.
+  // The database stores the statement in these words, however it was written.
   const std::string own = std::string("CREATE TABLE ") + kTable;
   if (run.Text(0, own.size()) != own) return kForeign;
   const int second = run.Step();
@@ -154,14 +155,14 @@ int CacheIndex::Recognise() {
   return second == SQLITE_DONE ? SQLITE_ROW : second;
 }
 
-// Damage further inside would otherwise show only later, when nobody begins the index anew.
+// Damage further inside would otherwise show only later, when the index is no longer replaced.
 int CacheIndex::Check() {
   IndexStatement check;
   const int prepared = check.Prepare(database_.get(), "PRAGMA quick_check(1)");
   if (prepared != SQLITE_OK) return prepared;
   StatementRun run(check);
   const int result = run.Step();
-  // What was not found in that time is no reason to go without the index.
+  // A check that timed out found no damage: use the index.
   if (result == SQLITE_INTERRUPT) return SQLITE_OK;
   if (result != SQLITE_ROW) return result;
   return run.Text(0, kMaxFileName) == "ok" ? SQLITE_OK : SQLITE_CORRUPT;

@@ -12,24 +12,23 @@
 
 namespace qv {
 
-// An SQLite database that several programs may use at once. Not for several threads at once: its
-// owner sees to that. Keys are bytes, whatever they hold. What is read back may have been written
-// by anybody.
+// An SQLite database that several programs may use at once, each from one thread at a time. Keys
+// are arbitrary bytes. Content that is read may have been written by anybody.
 class CacheIndex {
  public:
   struct Entry {
-    std::string file;  // empty when what stands there is no file name
+    std::string file;  // empty if the stored value is not a file name
     int flag = 0;
   };
 
-  // Opens or creates the database at `path`. One that is damaged, or no database at all, is moved
-  // aside (to the path with ".broken" at its end) and begun anew. Null when there is none to be
-  // had. Null as well, and nothing changed, when it is a database that holds anything but the
-  // index's own table, or is no plain file.
+  // Opens or creates the database at `path`. A damaged one, or a file that is not a database, is
+  // moved aside (to the path plus ".broken") and replaced by a new one. Returns null on failure.
+  // Returns null and changes nothing if the database holds anything but the index's own table, or
+  // is not a regular file.
   [[nodiscard]] static std::unique_ptr<CacheIndex> Open(const std::string& path);
 
-  // All changes between Begin() and Commit() happen together or not at all; no other program
-  // changes the index meanwhile. What is not committed is undone at the end.
+  // Makes all changes between Begin() and Commit() atomic; no other program changes the index
+  // meanwhile. The destructor rolls back what was not committed.
   class Transaction {
    public:
     explicit Transaction(CacheIndex& index) : index_(index) {}
@@ -44,12 +43,12 @@ class CacheIndex {
   };
 
   [[nodiscard]] std::optional<Entry> Find(const std::string& key);
-  // Adds the entry, or puts it in place of the key's earlier one.
+  // Adds the entry, or replaces the key's earlier one.
   [[nodiscard]] bool Put(const std::string& key, const Entry& entry);
   // Removes the key's entry if it still names `file`.
   [[nodiscard]] bool Remove(const std::string& key, const std::string& file);
   [[nodiscard]] bool RemoveAll();
-  // The files that have an entry; nothing when they cannot all be told.
+  // Returns the files that have an entry, or nothing if they cannot all be read.
   [[nodiscard]] std::optional<std::unordered_set<std::string>> Files();
 
  private:
@@ -60,9 +59,9 @@ class CacheIndex {
   CacheIndex() = default;
   // SQLite result codes.
   [[nodiscard]] int Connect(const std::string& path);
-  // Runs a statement that takes and gives nothing.
+  // Runs a statement without parameters and rows.
   [[nodiscard]] int Execute(const char* sql);
-  // SQLITE_ROW for the index, SQLITE_DONE for an empty database.
+  // Returns SQLITE_ROW for the index, SQLITE_DONE for an empty database, or an error.
   [[nodiscard]] int Recognise();
   [[nodiscard]] int Check();
   [[nodiscard]] int PrepareAll();

@@ -23,7 +23,7 @@ gzFile OpenPacked(const std::string& path) {
 }
 
 GunzipResult Unpack(gzFile source, std::FILE* target, std::uint64_t limit) {
-  // What is not gzip would be handed through as it stands, an empty file as an empty one.
+  // zlib would copy a file that is not gzip, or is empty, unchanged.
   if (gzdirect(source) != 0) return kGunzipUnreadable;
   std::array<char, kChunk> chunk;
   for (;;) {
@@ -49,7 +49,7 @@ int GunzipFile(const std::string& source, const std::string& target, std::uint64
     return kGunzipNoTarget;
   }
   const GunzipResult result = Unpack(packed, plain, limit);
-  // A source that ends early reads like one that ends; only closing it tells.
+  // A truncated source reads like a complete one; only closing it tells.
   const bool ended = gzclose(packed) == Z_OK;
   const bool kept = std::fclose(plain) == 0;
   if (result != kGunzipDone) return result;

@@ -16,12 +16,12 @@ enum GunzipResult {
   kGunzipNoTarget = -3,
 };
 
-// A small answer can unpack to any length; what is longer than this is no answer.
+// The longest unpacked answer; a small gzip file can unpack to any length.
 constexpr std::uint64_t kMaxUnpacked = std::uint64_t{4} << 30;
 
-// Unpacks the file at `source`, of one or more gzip members, into a private file at `target`,
-// replacing what is there. Bytes behind the last member that begin no other are ignored. Only 0,
-// kGunzipDone, means that `target` is whole; both files are the caller's to delete, whatever the
+// Unpacks the file at `source`, which has one or more gzip members, into a private file at
+// `target`, replacing an existing one. Bytes after the last member are ignored. `target` is
+// complete only if the result is kGunzipDone (0). The caller deletes both files, whatever the
 // result. May be called from any thread.
 [[nodiscard]] int GunzipFile(const std::string& source, const std::string& target,
                              std::uint64_t limit = kMaxUnpacked);

@@ -22,7 +22,7 @@ int Deadline::HasPassed(void* deadline) {
 }
 
 int IndexStatement::Prepare(sqlite3* database, const char* sql) {
-  // The first statement reads what tables there are.
+  // Compiling the first statement reads the schema.
   const Deadline deadline(database);
   sqlite3_stmt* compiled = nullptr;
   const int result =

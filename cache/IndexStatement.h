@@ -1,4 +1,4 @@
-// A prepared statement of the index's database, and a bound on the time that it may work.
+// A prepared statement of the index's database, and a limit on its running time.
 #pragma once
 
 #include <sqlite3.h>
@@ -10,8 +10,9 @@
 
 namespace qv {
 
-// While it lives, the database gives up (SQLITE_INTERRUPT) what still runs after two seconds: what
-// stands in the file was perhaps made to run for ever. One per database at a time.
+// During its lifetime, statements of the database that still run after two seconds end with
+// SQLITE_INTERRUPT: the file may have been crafted to make them run for ever. One per database at a
+// time.
 class Deadline {
  public:
   explicit Deadline(sqlite3* database);
@@ -26,10 +27,10 @@ class Deadline {
   const std::chrono::steady_clock::time_point end_;
 };
 
-// Kept for as long as its database is open, and run many times; one run at a time.
+// Lives as long as its database is open and runs many times, once at a time.
 class IndexStatement {
  public:
-  // Compiles `sql`; an SQLite result code.
+  // Compiles `sql`. Returns an SQLite result code.
   [[nodiscard]] int Prepare(sqlite3* database, const char* sql);
 
  private:
@@ -40,8 +41,8 @@ class IndexStatement {
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };
 
-// One run of a statement, the only one of its database at that time, which lets go of its locks
-// and of what was bound at its end.
+// One run of a statement, the only one of its database at that time. The destructor releases its
+// locks and bindings.
 class StatementRun {
  public:
   explicit StatementRun(const IndexStatement& statement)
@@ -50,15 +51,15 @@ class StatementRun {
   StatementRun(const StatementRun&) = delete;
   StatementRun& operator=(const StatementRun&) = delete;
 
-  // Parameters count from 1; the bytes must outlive the run. A failure shows in Step().
+  // Parameters count from 1; the bytes must outlive the run. Step() reports a failure to bind.
   void BindBytes(int parameter, const std::string& bytes);
   void BindText(int parameter, const std::string& text);
   void BindNumber(int parameter, int number);
 
-  // SQLITE_ROW, SQLITE_DONE, or an error.
+  // Returns SQLITE_ROW, SQLITE_DONE, or an error.
   [[nodiscard]] int Step();
 
-  // Columns count from 0. A text longer than `limit` bytes comes out empty.
+  // Columns count from 0. A text longer than `limit` bytes is returned as empty.
   [[nodiscard]] std::string Text(int column, std::size_t limit) const;
   [[nodiscard]] int Number(int column) const { return sqlite3_column_int(handle_, column); }
 

@@ -1,4 +1,4 @@
-// The query-result cache: answers kept per query text, for reuse and for work without a network.
+// The query-result cache: stored answers, for reuse and for work without a network.
 #pragma once
 
 #include <atomic>
@@ -13,17 +13,17 @@ namespace qv {
 
 class CacheFolder;
 
-// How a stored file is packed.
+// The format of a stored file.
 enum CacheFlag { kCacheGzip = 0, kCachePlain = 1 };
 
-// Answers live as files in one folder, with an index beside them ("qvdbcache.db3"), both readable
-// by their owner only. Keys are bytes of any content; those over 64 MiB are not kept.
+// Answers are files in one folder, with an index beside them ("qvdbcache.db3"), all readable by
+// their owner only. Keys are arbitrary bytes; keys over 64 MiB are not stored.
 //
-// Every call may come from several threads at once, and several programs may share a folder. A
-// program that dies, or a machine that stops, at any moment leaves the earlier answer or the new
-// one. An index that another program keeps busy is waited for, half a second at most each time
-// and two seconds at most in one call; then the answer is not found or not kept. Threads wait for
-// each other's calls. Nothing throws but a lack of memory.
+// Every call may come from several threads at once, and several programs may share a folder. If a
+// program dies or the machine stops at any moment, the cache holds the earlier answer or the new
+// one. A call waits for an index that another program keeps busy at most half a second each time,
+// and two seconds in all; then the answer is not found or not stored. Threads wait for each other's
+// calls. Nothing throws, except std::bad_alloc.
 class QueryCache {
  public:
   QueryCache();
@@ -31,37 +31,37 @@ class QueryCache {
   QueryCache(const QueryCache&) = delete;
   QueryCache& operator=(const QueryCache&) = delete;
 
-  // Uses the cache in `folder`, which is created if need be, instead of the one before; an empty
-  // text switches the cache off, as it is at first. False when the folder cannot be had; the cache
-  // is off then. An index file that is damaged or no database is moved aside, and the cache begins
-  // empty; one that is another program's database, a link or no plain file is left alone, and
-  // false returned.
+  // Uses the cache in `folder`, created if necessary, instead of the previous one. An empty text
+  // switches the cache off, which is the initial state. Returns false and switches the cache off if
+  // the folder cannot be used. An index file that is damaged or not a database is moved aside, and
+  // the cache starts empty. If the index file is another program's database, a link or not a
+  // regular file, it is left alone and the call returns false.
   bool SetPath(const std::string& folder);
 
-  // Makes a private, plain copy of the answer kept under `key` in `target_folder`, for the caller
-  // to read and delete, and gives its path. Nothing when there is none, when it turns out to be
-  // damaged (it is forgotten then) or when the copy cannot be made; no part of it stays.
+  // Makes a private, uncompressed copy of the answer to `key` in `target_folder` and returns its
+  // path; the caller deletes the copy. Returns nothing, and leaves no part of a copy, if there is
+  // no answer, if it turns out to be damaged (it is then removed), or if the copy cannot be made.
   [[nodiscard]] std::optional<std::string> Find(const std::string& key,
                                                 const std::string& target_folder) const;
 
-  // Keeps a copy of `file`, packed as `flag` (of CacheFlag) says, under `key` in place of the
-  // earlier one. False when it cannot be kept; the earlier one stays then.
+  // Stores a copy of `file`, whose format is `flag` (a CacheFlag), under `key`, replacing the
+  // earlier one. Returns false on failure and then keeps the earlier one.
   bool Store(const std::string& key, const std::string& file, int flag);
 
-  // Forgets all answers. False when the cache is off, or when they cannot all be forgotten.
+  // Removes all answers. Returns false if the cache is off or some cannot be removed.
   bool Clear();
 
-  // One of cache_state; the word is kept here, but is no concern of the calls above.
+  // One of cache_state. It is only stored here and does not affect the calls above.
   [[nodiscard]] int State() const { return state_; }
   void SetState(int state) { state_ = state; }
 
-  // Off and online, as at first.
+  // Restores the initial state: off and online.
   void Reset();
 
  private:
   [[nodiscard]] std::shared_ptr<CacheFolder> Folder() const;
 
-  mutable std::mutex mutex_;  // guards the pointer; calls under way keep the folder open
+  mutable std::mutex mutex_;  // guards the pointer; running calls keep the folder open
   std::shared_ptr<CacheFolder> folder_;
   std::atomic<int> state_ = cache_state::kOnline;
 };

@@ -25,7 +25,7 @@ namespace {
 
 constexpr const char kInReply[] = "MEMORY";
 
-// The unpacked file is named by the last characters of the answer's own name.
+// The unpacked file is named after the last characters of the answer's own name.
 constexpr std::size_t kUnpackedNameLength = 16;
 
 std::string UnpackedPath(const std::string& path) {
@@ -35,7 +35,7 @@ std::string UnpackedPath(const std::string& path) {
   return path.substr(0, name) + path.substr(name + cut);
 }
 
-// Writes the next field to a new file at `path`; false when it is not there whole.
+// Writes the next field to a new file at `path`. Returns false if the file is incomplete.
 bool WriteField(CMsgContent& reply, const std::string& path) {
   std::FILE* const stream = platform::CreatePrivateFile(path, platform::Create::kAlways);
   if (stream == nullptr) return false;
@@ -85,7 +85,7 @@ void AnswerFile::Delete() const {
 int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
   const CString status = reply.GetString(nullptr);
   const bool compressed = accept == Accept::kPlainOrCompressed && status == kStatusSuccessCompress;
-  std::int32_t number = 0;  // an error code, or the server's own; nobody needs it
+  std::int32_t number = 0;  // an error code, or a number of the server; unused
   if (!compressed && status != kStatusSuccess) {
     reply.GetData(&number, sizeof number, nullptr);
     return result::kQueryRefused;

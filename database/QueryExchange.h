@@ -15,16 +15,15 @@ constexpr std::uint32_t kCommandQueryCompressed = 210;
 constexpr std::uint32_t kCommandStatement = 300;  // reply: string status
 constexpr std::uint32_t kCommandProcedure = 900;
 
-// The blocks of every database call's request and reply, in bytes.
+// The size of the request and reply blocks of every database call, in bytes.
 constexpr std::uint32_t kDatabaseBlock = 0x100000;
 
 class QueryExchange : public Exchange {
  public:
-  // A text that does not fit the message is missing from the request; the request is sent all the
-  // same.
+  // A text that does not fit the message is missing from the request, which is sent all the same.
   QueryExchange(std::uint32_t command, const char* database, const CString& text);
 
-  // Sends over the transport of the server's kind; `compress` goes to the HTTP transport.
+  // Sends over the transport of the server's type; `compress` is passed to the HTTP transport.
   [[nodiscard]] int SendBy(bool web, int compress) { return web ? SendOverWeb(compress) : Send(); }
 };
 
@@ -34,32 +33,32 @@ class CRvoDbRes;
 
 namespace qv {
 
-// The key that the query cache knows an answer by: the server, the database and the text.
+// Returns the query cache's key for an answer: the server, the database and the text.
 [[nodiscard]] std::string CacheKey(const char* database, const CString& sql);
 
-// The file of one answer, and the file that it was unpacked from. They are in the folder of
-// temporary files, and stay there until Delete: not every path of a call may remove what a
-// transport wrote.
+// The file of one answer, and the gzip file that it was unpacked from. Both are in the folder of
+// temporary files and stay there until Delete: on some paths of a call, what a transport wrote must
+// remain.
 class AnswerFile {
  public:
   AnswerFile() = default;
-  // A new name for a file that is still to be written.
+  // Returns a new name for a file that does not exist yet.
   static AnswerFile New();
-  // A file that is there.
+  // Takes an existing file.
   explicit AnswerFile(std::string path) : path_(std::move(path)) {}
 
-  // What a reader reads, and what a transport writes.
+  // The path that a reader reads, and that a transport writes.
   [[nodiscard]] const std::string& Path() const { return path_; }
-  // The gzip file that the answer came as; empty when it came plain.
+  // The gzip file of a compressed answer; empty if the answer came plain.
   [[nodiscard]] const std::string& CompressedPath() const { return compressed_path_; }
 
-  // Writes the reply's next field to the file. A file that was not written whole is removed, so
-  // that nothing takes it for an answer.
+  // Writes the reply's next field to the file. An incomplete file is removed, so that nothing takes
+  // it for an answer.
   void TakeFrom(CMsgContent& reply) const;
-  // Unpacks the file beside itself; Path then names the result. False when that fails; Delete
-  // removes both.
+  // Unpacks the file beside itself; Path then returns the result. Returns false on failure; Delete
+  // removes both files.
   [[nodiscard]] bool Unpack();
-  // Reads the file in the dialect of the server's kind. False when it is no recordset.
+  // Reads the file in the dialect of the server's type. Returns false if it is not a recordset.
   [[nodiscard]] bool ReadInto(CRvoDbRes& result, bool web) const;
   void Delete() const;
 
@@ -68,17 +67,17 @@ class AnswerFile {
   std::string compressed_path_;
 };
 
-// Deletes an answer's files when a block is left, by an exception too.
+// Deletes an answer's files at the end of a block, also after an exception.
 struct DeleteAtExit {
   const AnswerFile& file;
   ~DeleteAtExit() { file.Delete(); }
 };
 
-// Which answers a call understands.
+// Which answers a call accepts.
 enum class Accept { kPlain, kPlainOrCompressed };
 
-// Reads the reply of a query and brings its answer to `file`: status, number, storage kind, and the
-// file itself when it travels in the reply. Returns kSuccess, or the result that the call returns.
+// Reads the reply of a query and stores its answer in `file`: status, number, storage kind, and the
+// file itself if it travels in the reply. Returns kSuccess or the result of the call.
 [[nodiscard]] int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file);
 
 }  // namespace qv

@@ -15,7 +15,7 @@ namespace {
 
 QueryCache& Cache() { return ModuleState::Get().cache; }
 
-// Asks the server; the answer lands in `file`. 0, or the result to return.
+// Sends the query and stores the answer in `file`. Returns 0 or the result of the call.
 int AskServer(const Query& query, AnswerFile& file) {
   QueryExchange exchange(query.command, query.database, query.sql);
   file = AnswerFile::New();
@@ -58,7 +58,7 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
 
 namespace {
 
-// A connection that is open for one call, when that is not the host's business.
+// A connection that is open for one call, unless the host manages connections itself.
 class CallConnection {
  public:
   explicit CallConnection(const char* database)
@@ -80,7 +80,7 @@ class CallConnection {
 template <class Act>
 int RunLocally(const char* database, Act act) {
   const CallConnection connection(database);
-  // Should it not open, the name may still have a connection that the host opened.
+  // Even if it did not open, the host may have opened a connection of that name.
   return act(*ModuleState::Get().local_database);
 }
 

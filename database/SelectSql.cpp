@@ -14,7 +14,7 @@ int CRvoDatabase::SelectSQL(const CString* sql, CRvoDbRes* res, const char* data
   UpdateServerIsCompressInfo();
   if (ModuleState::Get().use_local_database != 0) return qv::SelectLocally(*sql, *res, database);
   if (sql->IsEmpty()) return qv::result::kFailed;
-  // The state of the network is asked for whether or not the cache may be used.
+  // The state of the network is checked whether or not the cache may be used.
   const bool offline = IsCanUseOffCache(1) != 0;
   // A web server is asked to compress by its transport, never by the command.
   const bool compressed = IsCanUseCompressMode() != 0 && !web;
@@ -33,7 +33,7 @@ int CRvoDatabase::SelectSQL(const CString* sql, CRvoDbRes* res, const char* data
 int CRvoDatabase::ExecuteSP(const CString* sql, CRvoDbRes* result, const char* database,
                             int use_cache) {
   const bool web = qv::IsWebServer();
-  // Unlike a query, only a procedure on a web server has the settings loaded, and then always.
+  // Unlike SelectSQL, this loads the settings only if the server is a web server.
   if (web) UpdateServerIsCompressInfo();
   if (ModuleState::Get().use_local_database != 0) {
     return qv::SelectLocally(*sql, *result, database);

@@ -25,16 +25,17 @@ constexpr const char kQuery[] =
     "select CI_ServerSetCache,CI_ServerCompress,CI_DefaultSelectCompress,"
     "CI_DefaultDisplayCompress,CI_DefaultDisplayDomain from QvCoMis.dbo.Mxd_sys_BaseInfo";
 
-// A row of settings has no business to bring files, and nobody else would remove them.
+// Removes files of binary cells. A row of settings should have none, and nobody else would remove
+// them.
 void RemoveBinaryFiles(CRvoDbRes& rows) { qv::RemoveBinaryFiles(qv::ResultTable::Of(rows)); }
 
-// Takes the settings from the first row. An empty value says nothing.
+// Takes the settings from the first row. An empty value leaves its setting unchanged.
 void TakeRow(const CRvoDbRes& row) {
   ServerSettings& settings = Settings();
   const struct {
     const char* column;
     std::atomic<int>& flag;
-    bool can_be_cleared;  // the others are 0 already, and another thread may have set them since
+    bool can_be_cleared;  // the others are already 0, and another thread may have set them since
   } columns[] = {{"CI_ServerSetCache", settings.server_set_cache, true},
                  {"CI_ServerCompress", settings.server_compress, false},
                  {"CI_DefaultSelectCompress", settings.default_select_compress, false},
@@ -60,7 +61,8 @@ std::atomic<int>& CRvoDatabase::m_DefaultDisplayDomain = Settings().default_disp
 int CRvoDatabase::UpdateServerIsCompressInfo() {
   ServerSettings& settings = Settings();
   if (settings.need_update.exchange(0) == 0) return 0;
-  // Whether the server allows caching is known until a row says otherwise; the rest is not.
+  // Whether the server allows caching stays known until a row changes it; the other settings do
+  // not.
   settings.server_compress = 0;
   settings.default_select_compress = 0;
   settings.default_display_compress = 0;
@@ -69,15 +71,15 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
   CRvoDbRes row;
   const CString sql(kQuery);
   if (ModuleState::Get().use_local_database != 0) {
-    // In local mode the query runs and its row is not looked at.
+    // In local mode the query runs, and its row is ignored.
     const int failed = qv::SelectLocally(sql, row, kDatabase);
     RemoveBinaryFiles(row);
     return failed;
   }
   const bool web = qv::IsWebServer();
   const bool offline = IsCanUseOffCache(0) != 0;
-  // The answer is kept whether or not the server allows caching: offline, this is how the client
-  // knows that it does.
+  // The answer is stored whether or not the server allows caching: offline, the client learns from
+  // it that the server does.
   const int result = qv::RunQuery({.command = qv::kCommandQuery,
                                    .sql = sql,
                                    .database = kDatabase,
@@ -107,8 +109,7 @@ int CRvoDatabase::GetServerIsSetCatche() { return m_bServerSetCache; }
 int CRvoDatabase::GetDefaultDisplayDomain() {
   const ModuleState& state = ModuleState::Get();
   if (!state.server_name.empty() && state.server_port != 0) return m_DefaultDisplayDomain;
-  // Only whether the key is there counts, so that even 0 means yes; -1 stands for a key that is
-  // not.
+  // Only the presence of the key counts, so that even 0 means yes; -1 stands for a missing key.
   const std::string file = qv::ModuleFolder() + "QvLogIn.ini";
   return qv::platform::ReadIniValue(file, "ServerInfo", "UseAD").value_or("-1") != "-1" ? 1 : 0;
 }

@@ -13,7 +13,7 @@ namespace result = qv::result;
 namespace {
 
 // Fields: string database, 4-byte count, that many strings. Reply: string status and, unless it is
-// "SUCCESS", a 4-byte number that nobody needs and the 4-byte position of what was refused.
+// "SUCCESS", an unused 4-byte number and the 4-byte position of the refused statement.
 constexpr std::uint32_t kCommandBatch = 310;
 
 }  // namespace
@@ -21,7 +21,7 @@ constexpr std::uint32_t kCommandBatch = 310;
 int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
   if (ModuleState::Get().use_local_database != 0) return qv::ExecuteLocally(*sql, database);
   if (sql->IsEmpty()) return result::kFailed;
-  // A statement is refused while the client is offline, not kept for later.
+  // Offline, a statement is refused, not queued for later.
   if (IsCanUseOffCache(1) != 0) return result::kFailed;
   qv::QueryExchange exchange(qv::kCommandStatement, database, *sql);
   if (const int result = exchange.SendBy(qv::IsWebServer(), /*compress=*/0); result != 0) {
@@ -31,8 +31,8 @@ int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
                                                                    : result::kFailed;
 }
 
-// Unlike the calls for one text, a batch goes over the socket whatever the server's type, empty or
-// offline or not: hosts rely on its reaching the server.
+// Unlike the calls for one text, a batch always goes over the socket, whatever the server's type,
+// empty or not, offline or not: hosts rely on its reaching the server.
 int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database) {
   if (ModuleState::Get().use_local_database != 0) return result::kNoLocalBatch;
   qv::Exchange exchange(kCommandBatch, qv::kDatabaseBlock, qv::kDatabaseBlock);
@@ -52,6 +52,6 @@ int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database
   exchange.Reply().GetData(&code, sizeof code, &err);
   exchange.Reply().GetData(&position, sizeof position, &err);
   if (err != 0) return result::kReplyUnreadable;
-  // Not held within any limit: the sum wraps as the server's number does.
+  // Not clamped: the sum wraps around as the server's number does.
   return static_cast<std::int32_t>(result::kBatchRefused + position);
 }

@@ -22,8 +22,8 @@ void Assign(char (&field)[260], const char* text) {
   Assign(field, text != nullptr ? std::string_view(text) : std::string_view());
 }
 
-// When the library is loaded. The module's state, first asked for here, records the module's file
-// before that.
+// Runs when the library is loaded. The module's state, which is first used here, records the
+// module's file before that.
 [[maybe_unused]] const bool started = [] {
   CRvoDatabase::Ini();
   return true;

@@ -7,7 +7,7 @@ using qv::CatalogueCommand;
 
 namespace {
 
-// Commands; request fields, numbers among them as decimal texts; reply fields behind the number.
+// Commands; request fields, with numbers as decimal texts; reply fields after the number.
 constexpr CatalogueCommand kGroups{6015};         // key; records
 constexpr CatalogueCommand kGroupUsers{6016};     // group; records
 constexpr CatalogueCommand kNewDepartment{6017};  // number
@@ -16,7 +16,7 @@ constexpr CatalogueCommand kAddToGroup{6019};     // group, users, number
 constexpr CatalogueCommand kUsers{6020};          // none; records
 constexpr CatalogueCommand kNewUser{6021};        // two texts, mode
 
-// The answer that comes with a text why.
+// The answer that is followed by an error text.
 constexpr std::int32_t kRefusedWithText = -3;
 
 constexpr int kLastUserMode = 2;
@@ -27,11 +27,10 @@ CString Decimal(int number) {
   return text;
 }
 
-// The answer when it is above zero, else 0.
+// Returns the answer if it is above zero, else 0.
 std::int32_t Ask(CatalogueCall& call) {
   const std::int32_t answer = call.Ask().value_or(0);
-  if (answer == kRefusedWithText)
-    (void)call.Text();  // is part of the answer, and nobody asks for it
+  if (answer == kRefusedWithText) (void)call.Text();  // part of the answer, but no caller needs it
   return answer > 0 ? answer : 0;
 }
 
@@ -62,7 +61,7 @@ CZelkorSvrADObjInfo* CRvoAd::GetADGroupUserInfo(CString group, int& count) {
   return Read(count, kGroupUsers, group);
 }
 
-// Unlike the calls for groups it leaves `count` alone when there is nothing.
+// Unlike the calls for groups, this leaves `count` unchanged if there are no records.
 CZelkorSvrADObjInfo* CRvoAd::GetADUserInfo(int& count) { return Read(count, kUsers); }
 
 int CRvoAd::CreateADDepart(int value) { return Change(kNewDepartment, Decimal(value)); }

@@ -12,12 +12,12 @@ using qv::TransferCall;
 
 namespace {
 
-// Commands; the server's path stands in the name field.
+// Commands; the name field holds the server's path.
 constexpr std::uint32_t kUpload = 100;
 constexpr std::uint32_t kDownload = 101;
 constexpr std::uint32_t kDelete = 700;
 
-// Commands; request fields; reply fields behind the number.
+// Commands; request fields; reply fields after the number.
 constexpr CatalogueCommand kRename{6005};    // texts old, new; folders are renamed by it too
 constexpr CatalogueCommand kFileInfo{6007};  // text path; the record
 constexpr CatalogueCommand kCopy{6011};      // texts source, target
@@ -53,7 +53,7 @@ int CRvoFile::GetFileInfor(CString server_file, CZelkorSvrFileInfo* info) {
   return 1;
 }
 
-// Only 1 is a copy, while any number above 0 is a rename: servers answer so.
+// Servers answer 1 for a copy, but any number above 0 for a rename.
 int CRvoFile::CopyOneFile(CString source_file, CString target_file) {
   if (qv::NetworkIsHeldForBad()) return 1;
   return CatalogueCall(kCopy, source_file, target_file).Ask() == 1 ? 1 : 0;

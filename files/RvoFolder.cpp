@@ -16,7 +16,7 @@ using qv::CatalogueCommand;
 
 namespace {
 
-// Commands; request fields; reply fields behind the number.
+// Commands; request fields; reply fields after the number.
 constexpr CatalogueCommand kChildFolders{6001, qv::kLargeCatalogueReply};  // text folder; records
 constexpr CatalogueCommand kMatchingFiles{6002};  // texts folder, pattern, flag; records
 constexpr CatalogueCommand kNewFolder{6003};      // text folder
@@ -27,15 +27,15 @@ constexpr const char kEveryFile[] = "*.*";
 
 CString FlagText(int flag) { return flag != 0 ? "1" : "0"; }
 
-// Offline, a change is taken to be done.
+// Offline, a change counts as done.
 template <class... Texts>
 int Change(const CatalogueCommand& command, const Texts&... texts) {
   if (qv::NetworkIsHeldForBad()) return 1;
   return CatalogueCall(command, texts...).Ask().value_or(0) > 0 ? 1 : 0;
 }
 
-// Request: texts folder, pattern, flag, numbers option, from, to. Reply behind the number: text
-// with the size of the listing, the listing.
+// Request: texts folder, pattern, flag, numbers option, from, to. Reply after the number: text with
+// the size of the listing, the listing.
 constexpr CatalogueCommand kPage{6029, qv::kLargeCatalogueReply};
 
 constexpr int kToTheEnd = -1;
@@ -44,11 +44,11 @@ bool IsRange(int option, int from, int to) {
   return option >= 0 && from >= 0 && (to == kToTheEnd || to >= from);
 }
 
-// Fills `buffer` with the reply's listing; the bytes themselves are not looked at.
+// Fills `buffer` with the reply's listing, whose bytes are not checked.
 bool ReadPage(qv::CatalogueCall& call, CQvRvoBuf& buffer) {
   const std::int32_t size = qv::DecimalToInt32(call.Text().View());
   if (size <= 0) return false;
-  // More than any reply holds is memory that cannot be had: the buffer is empty then.
+  // A size that no reply holds is treated as out of memory: the buffer is empty then.
   const bool can_be_had = static_cast<std::uint64_t>(size) <= qv::kMostRecordBytes;
   if (buffer.Alloc(can_be_had ? size : 0) == 0) return false;
   call.Read(buffer.m_bytes, buffer.m_size);
@@ -69,7 +69,7 @@ CZelkorSvrFileInfo* CRvoFolder::GetFilesInFolder(CString folder, int& count, int
   return GetMatchFilesInFolder(folder, kEveryFile, count, flag);
 }
 
-// Unlike the listing of files it leaves `count` alone when there is nothing.
+// Unlike the listing of files, this leaves `count` unchanged if there is no listing.
 CZelkorSvrFolderInfo* CRvoFolder::GetChildFolderInfo(int& count, CString folder) {
   if (qv::NetworkIsHeldForBad()) return nullptr;
   CatalogueCall call(kChildFolders, folder);

@@ -10,11 +10,12 @@ using qv::TransferCall;
 
 namespace {
 
-// Commands; the name and the identifier stand in the name field.
+// Commands; the name field holds the name and the identifier.
 constexpr std::uint32_t kUpload = 130;
 constexpr std::uint32_t kDownload = 131;
 constexpr std::uint32_t kDelete = 730;
-// Number, text, number, text: source and target. Reply, unless it is "SUCCESS": a number.
+// Number, text, number, text: source and target. Reply: status and, unless it is "SUCCESS", a
+// number.
 constexpr std::uint32_t kCopy = 140;
 constexpr std::uint32_t kCopyBlock = 1048576;
 // Number, text.
@@ -73,7 +74,8 @@ int CRvoIdFile::IsIdFileExist(const char* file_name, int file_id) {
 CString CRvoIdFile::GetIdFilePath(int id) {
   CString digits;
   digits.Format("%07d", id);
-  // The last two digits share a folder; the two pairs before them, and the rest, are its way.
+  // Identifiers that differ only in their last two digits share a parent folder. The rest and the
+  // two pairs before those digits are its path.
   const std::string_view all = digits.View();
   const std::size_t rest = all.size() - 6;
   const CString first(all.substr(0, rest));

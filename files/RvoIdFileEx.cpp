@@ -13,17 +13,19 @@ namespace {
 
 constexpr std::uint32_t kReply = qv::kShortCatalogueReply;
 
-// Commands; request fields; reply fields behind a number of 1 and more, else the error's text.
+// Commands; request fields; reply fields after a number of at least 1. After any other number the
+// error's text follows.
 // Texts pack, name, number, text, number: in the caller's order; nothing.
 constexpr qv::CatalogueCommand kCopyPacked{6030, kReply};
 constexpr qv::CatalogueCommand kPackedChecksum{6031, kReply};  // pack, name, id; checksum, number
 constexpr qv::CatalogueCommand kChecksum{6032, kReply};        // name, id; checksum, number
 constexpr qv::CatalogueCommand kSavePath{6033, kReply};        // name, id; path
 
-// In the code page that the program runs in, which the compiler does not know.
+// In UTF-16, because the compiler does not know the code page that the program runs in.
 constexpr char16_t kCallFailed[] = u"调用函数失败";
 
-// Sends the call and gives the server's answer; has `read_rest` read what success brings.
+// Sends the call and returns the server's answer. Calls `read_rest` to read the fields of a
+// success.
 template <class ReadRest>
 int Run(CatalogueCall& call, CString& error_text, ReadRest read_rest) {
   const std::optional<std::int32_t> answer = call.Ask();

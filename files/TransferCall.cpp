@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char kStatusFailure[] = "FAILURE";
 
-// The transport shall take a request's file from, or write a reply's file to, the path given.
+// The transport reads a request's file from, or writes a reply's file to, the given path.
 constexpr unsigned char kHasFile = 1;
 
 }  // namespace
@@ -33,7 +33,7 @@ int TransferCall::Download(const char* local_file) {
   if (const int result = exchange_.Send(); result != 0) return result;
   const CString status = reply.GetString(nullptr);
   if (status == kStatusSuccess) return result::kSuccess;
-  // The path as the transport has it, which may be cut.
+  // The path that the transport used, which may be cut.
   if (*reply.FileName() != '\0') platform::RemoveFile(reply.FileName());
   return status == kStatusFailure ? result::kDownloadFailed : result::kTransferRefused;
 }

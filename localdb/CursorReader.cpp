@@ -116,7 +116,7 @@ bool CursorReader::AppendRow() {
     const auto length = (this->*target.append)(i, target.column.cells);
     if (!length) return false;
     target.longest = std::max(target.longest, *length);
-    // What did not fit is no failure, and there may be a lot of it.
+    // Misfits are not failures, and there may be many diagnostics of them.
     diagnostics_.clear();
   }
   return true;

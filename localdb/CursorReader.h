@@ -14,30 +14,30 @@
 
 namespace qv {
 
-// What a recordset file would have said of the same answer: columns of the same types and lengths,
-// cells in the same form. A cell that is no value of its column's type, as some databases allow, is
-// what the readers make of its text.
+// Produces the columns that the recordset readers would have produced, with cells in the same form.
+// If a cell's value does not fit its column's type (some databases allow that), its text is parsed
+// the way the readers do.
 class CursorReader {
  public:
-  // `statement` and `diagnostics` outlive the reader. Binary cells become files as `files` names
-  // them, and stay empty when it names no folder.
+  // `statement` and `diagnostics` must outlive the reader. Binary cells become files named by
+  // `files`, and stay empty if it names no folder.
   CursorReader(odbc::Statement& statement, const tagTEMPFILEINFO& files,
                odbc::Diagnostics& diagnostics);
   ~CursorReader();
   CursorReader(const CursorReader&) = delete;
   CursorReader& operator=(const CursorReader&) = delete;
 
-  // Reads every row of the result that the statement stands at, which has columns. False, and why
-  // in the diagnostics, when it breaks off.
+  // Reads every row of the statement's current result, which has columns. Returns false with the
+  // reason in the diagnostics if reading breaks off.
   [[nodiscard]] bool Read();
 
-  // Moves what was read behind the columns of `table`, whose own cells become as many neutral ones.
-  // Without it, the files of binary cells are removed with the reader.
+  // Appends the columns that were read to `table`, whose own columns get the same number of neutral
+  // cells. If it is not called, the destructor removes the files of binary cells.
   void MoveTo(ResultTable& table);
 
  private:
-  // Appends the cell of the row in the column at `index` and returns the length of its text;
-  // nothing when the row cannot be read on.
+  // Appends the row's cell of the column at `index` and returns the length of its text, or nothing
+  // if the row cannot be read further.
   using Append = std::optional<std::size_t> (CursorReader::*)(std::size_t index, Cells& cells);
 
   struct Target {
@@ -56,8 +56,8 @@ class CursorReader {
   std::optional<std::size_t> AppendPlainText(std::size_t index, Cells& cells);
   std::optional<std::size_t> AppendBinary(std::size_t index, Cells& cells);
 
-  // The text of a cell that did not fit its type; empty when it cannot be had either. Good until
-  // the next one.
+  // Returns the text of a cell that did not fit its type, or an empty text if it cannot be read.
+  // Valid until the next call.
   [[nodiscard]] std::string_view MisfitText(std::size_t index);
   [[nodiscard]] std::string_view PaddedText();
 

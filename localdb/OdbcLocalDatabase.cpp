@@ -17,10 +17,10 @@ constexpr int kFailed = 1;
 
 struct Failure {
   std::string database;
-  std::string text;  // empty: there is none
+  std::string text;  // empty if there is none
 };
 
-// This thread's.
+// The error of this thread.
 Failure& LastFailure() { return platform::OfThisThread<Failure>(); }
 
 std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
@@ -40,7 +40,7 @@ bool FindRows(odbc::Statement& statement, odbc::Diagnostics& diagnostics) {
   return true;
 }
 
-// Some databases work through a text only as its results are asked for, and fail only then.
+// Some databases execute a text only as its results are fetched, and fail only then.
 bool Finish(odbc::Statement& statement, odbc::Diagnostics& diagnostics) {
   odbc::Step step = odbc::Step::kNext;
   while (step == odbc::Step::kNext) step = statement.NextResult(diagnostics);
@@ -58,7 +58,7 @@ int OdbcLocalDatabase::Open(const char* database, const char* connection) {
     return 0;
   }
   LastFailure() = {};
-  // The connection that is replaced goes behind the lock.
+  // A replaced connection is closed after the lock is released.
   const std::lock_guard lock(mutex_);
   std::swap(entries_[std::string(OrEmpty(database))], entry);
   return 1;

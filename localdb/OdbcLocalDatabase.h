@@ -14,30 +14,30 @@
 
 namespace qv {
 
-// Names are compared byte by byte. Any number of threads may call; those that use one database wait
-// for each other, and nobody else does. A connection that is closed or replaced while another
-// thread works on it goes when that thread is done. Nothing throws but a lack of memory.
+// Names are compared byte by byte. Any number of threads may call; only those that use the same
+// database wait for each other. A connection that is closed or replaced while another thread uses
+// it is closed when that thread is done. Nothing throws, except std::bad_alloc.
 class OdbcLocalDatabase : public LocalDatabase {
  public:
-  // Binary cells become files as `files` names them at the time of the query; it outlives the
+  // Binary cells become files named by `files` at the time of the query; it must outlive this
   // object.
   explicit OdbcLocalDatabase(const tagTEMPFILEINFO& files) : files_(files) {}
 
-  // The text is an ODBC connection text. When it does not lead to a connection, the one that has
-  // the name stays.
+  // The text is an ODBC connection text. If connecting fails, an existing connection of that name
+  // stays.
   int Open(const char* database, const char* connection) override;
   int Close(const char* database) override;
   void CloseAll();
 
-  // The first of a text's results that has columns is what `result` gets, behind the columns that
-  // it has; none of them is no failure, since the text has then done its work. When a query fails,
-  // `result` is as it was.
+  // Appends the text's first result that has columns to the columns of `result`. If no result has
+  // columns, the call succeeds, since the text has done its work. If the query fails, `result` is
+  // unchanged.
   int Select(const CString& sql, CRvoDbRes& result, const char* database) override;
-  // Rows that the text gives are dropped.
+  // Rows of the result are discarded.
   int Execute(const CString& sql, const char* database) override;
 
-  // What the driver said, behind the database's name. The unknown name of a database that could not
-  // be opened leaves what was said then.
+  // The database's name and the driver's message. A call with the unknown name of a database that
+  // could not be opened keeps the message of that failure.
   [[nodiscard]] std::string LastError() const override;
 
  private:
@@ -48,11 +48,11 @@ class OdbcLocalDatabase : public LocalDatabase {
   using Work = std::function<bool(odbc::Statement& statement, odbc::Diagnostics& diagnostics)>;
 
   [[nodiscard]] std::shared_ptr<Entry> Find(std::string_view database);
-  // Runs `sql` on a database, and then `work`, with the database to itself.
+  // Runs `sql` on a database and then calls `work`, with exclusive use of the database.
   int Run(const CString& sql, const char* database, const Work& work);
 
   const tagTEMPFILEINFO& files_;
-  std::mutex mutex_;  // over the map, never while a database works
+  std::mutex mutex_;  // guards the map; never held while a database works
   std::map<std::string, std::shared_ptr<Entry>, std::less<>> entries_;
 };
 

@@ -1,19 +1,19 @@
-// A zero-filled byte block of fixed size: the ground under one request or reply.
+// A zero-filled byte block of fixed size that holds one request or reply.
 #pragma once
 
 #include <cstdint>
 
-// One server call owns the block. Its fields are part of the memory that is shared with the
-// transport libraries: their order and widths are fixed.
+// One server call owns the block. Its fields are in memory that is shared with the transport
+// libraries: their order and widths are fixed.
 class CAutoBuf {
  public:
-  // Allocates `size` bytes of zeros; none for 0. Throws std::bad_alloc.
+  // Allocates `size` zero bytes, or nothing for 0. Throws std::bad_alloc.
   explicit CAutoBuf(unsigned int size);
   virtual ~CAutoBuf();
   CAutoBuf(const CAutoBuf&) = delete;
   CAutoBuf& operator=(const CAutoBuf&) = delete;
 
-  // The bytes, owned by this object; null when there are none.
+  // Returns the bytes, which this object owns, or null if there are none.
   unsigned char* GetData() const { return data_; }
   std::uint32_t GetSize() const { return size_; }
 

@@ -32,7 +32,7 @@ AppendResult CFIFOClass::Append(const void* body, std::uint32_t length) {
   if (capacity_ <= end) return AppendResult::kDoesNotFit;
   unsigned char* const field = data_ + write_position_;
   qv::StoreU32(field, length);
-  // The zero byte behind the body stands there since the area was attached.
+  // The zero byte after the body has been there since the area was attached.
   std::memcpy(field + kLengthWord, body, length);
   write_position_ = static_cast<std::uint32_t>(end);
   return AppendResult::kDone;
@@ -43,8 +43,8 @@ bool CFIFOClass::Peek(Field& field) const {
   const std::uint64_t start = std::uint64_t{read_position_} + kLengthWord;
   if (start > capacity_) return false;
   const std::uint32_t length = qv::LoadU32(data_ + read_position_);
-  // The agreed test is against the write position and lenient by the overhead; the second keeps the
-  // field in the area.
+  // The agreed test compares with the write position and allows too much by the overhead; the
+  // second test keeps the field in the area.
   if (std::uint64_t{read_position_} + length >= write_position_) return false;
   if (start + length + 1 > capacity_) return false;
   field = {data_ + start, length};

@@ -7,8 +7,8 @@
 
 namespace qv {
 
-// The message block is memory that both sides read natively; it is little-endian because every
-// system of the platform is.
+// Both sides read the message block natively; it is little-endian because every system of the
+// platform is.
 static_assert(std::endian::native == std::endian::little);
 
 inline std::uint32_t LoadU32(const void* from) {

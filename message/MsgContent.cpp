@@ -10,13 +10,13 @@
 namespace {
 
 constexpr std::size_t kMaxPath = 1024;
-// The identifier of a name field stands in its last four bytes, behind one zero byte.
+// The identifier is in the last four bytes of the name field, after one zero byte.
 constexpr std::size_t kIdOffset = 252;
 constexpr std::size_t kMaxIdName = kIdOffset - 1;
 constexpr std::size_t kMaxName = MessageBlock::kNameSize - 1;
 
-// Runs `operation` unless the slot holds an error, and leaves its result there. An exception, be it
-// a file's or a lack of memory, is the failure -1.
+// Runs `operation` unless the slot holds an error, and stores its result there. Any exception, of a
+// file or for lack of memory, becomes the failure -1.
 template <class Operation>
 int WithSlot(int* err, Operation operation) {
   if (err != nullptr && *err != 0) return *err;
@@ -24,7 +24,7 @@ int WithSlot(int* err, Operation operation) {
   try {
     result = operation();
   } catch (const std::exception&) {
-    // -1 stands already.
+    // the result is -1 already
   }
   if (err != nullptr) *err = result;
   return result;

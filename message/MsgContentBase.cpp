@@ -29,7 +29,7 @@ CMsgContentBase::~CMsgContentBase() {
   try {
     overflow_.Close();
   } catch (const std::exception&) {
-    // A store that will not close is given up with the message.
+    // If the store fails to close, it is abandoned with the message.
   }
   queue_.Detach();
 }
@@ -48,7 +48,7 @@ int CMsgContentBase::AppendField(const void* body, std::uint32_t length) noexcep
     Spill(body, length);
     return 0;
   } catch (const std::exception&) {
-    // Smaller fields behind the missing one must not make the message look whole.
+    // Smaller fields after the missing one must not make the message look complete.
     queue_.Detach();
     return -1;
   }
@@ -60,7 +60,7 @@ void CMsgContentBase::Spill(const void* body, std::uint32_t length) {
     const std::uint64_t wanted =
         std::uint64_t{MessageBlock::kSpillPrefix} + unread + length + CFIFOClass::kFieldOverhead;
     if (wanted > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
-    // All of the room at once, so that the store holds the whole payload or nothing.
+    // Allocates everything at once, so that the store holds the whole payload or nothing.
     overflow_.GrowFile(static_cast<std::uint32_t>(wanted));
     overflow_.SetLength(MessageBlock::kSpillPrefix);
   }

@@ -1,5 +1,5 @@
-// The memory of a message: a caller's block, the queue over its payload, and the store for what
-// does not fit.
+// The memory of a message: the caller's block, the queue over its payload, and the store for a
+// payload that does not fit.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ struct MessageBlock {
   static constexpr std::uint32_t kNameSize = 256;
   static constexpr std::uint32_t kPayload = kName + kNameSize;
   static constexpr std::uint32_t kMinimumSize = kPayload + 1;
-  // What a spilled message's store starts with: ten bytes that the transport may use, then an image
-  // of the header.
+  // A spilled message's store starts with ten bytes that the transport may use, followed by an
+  // image of the header.
   static constexpr std::uint32_t kSpillPrefix = 10 + kPayload;
 };
 
@@ -31,21 +31,22 @@ class CMsgContentBase {
   CMsgContentBase(const CMsgContentBase&) = delete;
   CMsgContentBase& operator=(const CMsgContentBase&) = delete;
 
-  // For transports. All pointers are into the caller's block and null while the message is unbound.
+  // For transports. All pointers point into the caller's block and are null while the message is
+  // unbound.
   bool IsBound() const { return block_ != nullptr; }
   unsigned char* Block() const { return block_; }
   std::uint32_t BlockSize() const { return block_size_; }
   CFIFOClass& Queue() { return queue_; }
   const CFIFOClass& Queue() const { return queue_; }
-  // Holds the whole payload, behind MessageBlock::kSpillPrefix bytes, when its length is not zero.
+  // Holds the whole payload, after MessageBlock::kSpillPrefix bytes, if its length is not zero.
   const CQvMemFile& OverflowStore() const { return overflow_; }
 
  protected:
-  // Binds to `buf` when it is large enough for a header and at least one byte of payload.
+  // Binds to `buf` if it has room for a header and at least one byte of payload.
   explicit CMsgContentBase(CAutoBuf& buf);
 
-  // Appends one field to the queue or, when it is full, moves everything to the store; in that case
-  // the field is the last one, whether or not the store could take it. 0, or -1.
+  // Appends one field to the queue. If the queue is full, moves everything to the store; the field
+  // is then the last one, whether or not the store could take it. Returns 0 or -1.
   [[nodiscard]] int AppendField(const void* body, std::uint32_t length) noexcept;
 
   unsigned char* CommandPointer() const { return command_; }

@@ -9,7 +9,7 @@
 
 namespace {
 
-// What a file grows by when its own step is 0, as it is after Close.
+// The grow step of a file whose own step is 0, as it is after Close.
 constexpr std::uint32_t kDefaultGrowBytes = 1024;
 constexpr std::uint64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kSeekRefused = 0xFFFFFFFF;
@@ -48,7 +48,7 @@ void CQvMemFile::GrowFile(std::uint32_t new_length) {
   const std::uint64_t missing = std::uint64_t{new_length} - buffer_size_;
   const std::uint64_t steps = (missing + grow_bytes_ - 1) / grow_bytes_;
   const std::uint64_t new_size = buffer_size_ + steps * grow_bytes_;
-  // The counters are 32 bits wide: a size that they cannot hold is one that cannot be had.
+  // The counters are 32 bits wide; a size that they cannot hold cannot be allocated.
   if (new_size > kMaxBytes) throw std::bad_alloc();
   const auto size = static_cast<std::uint32_t>(new_size);
   buffer_ = buffer_ != nullptr ? Realloc(buffer_, buffer_size_, size) : Alloc(size);

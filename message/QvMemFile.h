@@ -1,4 +1,4 @@
-// A growable file in memory: the store of fields that do not fit a message's block.
+// A growable file in memory, which stores the fields of a message that do not fit its block.
 #pragma once
 
 #include <cstdint>
@@ -12,9 +12,9 @@ class CQvMemFile {
   CQvMemFile(const CQvMemFile&) = delete;
   CQvMemFile& operator=(const CQvMemFile&) = delete;
 
-  // The three below manage the buffer; all of them throw std::bad_alloc when memory is short.
+  // These three manage the buffer and throw std::bad_alloc if memory runs out.
   virtual unsigned char* Alloc(std::uint32_t bytes);
-  // Gives a block of `new_bytes` that starts with the bytes of `old` as far as both reach, and
+  // Returns a block of `new_bytes` that starts with the bytes of `old`, as far as both reach, and
   // frees `old`.
   virtual unsigned char* Realloc(unsigned char* old, std::uint32_t old_bytes,
                                  std::uint32_t new_bytes);
@@ -26,22 +26,22 @@ class CQvMemFile {
 
   virtual std::uint32_t GetPosition();
   // Moves the position by `offset` from the start (0), the position (1) or the end (2) and returns
-  // it; any other `from` changes nothing and returns 0xFFFFFFFF. Throws CFileException (badSeek)
-  // when it would lie before the start.
+  // it. Any other `from` changes nothing and returns 0xFFFFFFFF. Throws CFileException (badSeek) if
+  // the position would be before the start.
   virtual std::uint32_t Seek(std::int32_t offset, std::uint32_t from);
   virtual void SeekToBegin();
   virtual std::uint32_t SeekToEnd();
   virtual void SetLength(std::uint32_t new_length);
   virtual std::uint32_t GetLength();
-  // Copies up to `count` bytes out from the position and returns how many.
+  // Copies up to `count` bytes from the position and returns how many.
   virtual std::uint32_t Read(void* out, std::uint32_t count);
-  // Copies `count` bytes in at the position. Throws std::bad_alloc when the file cannot grow.
+  // Copies `count` bytes to the position. Throws std::bad_alloc if the file cannot grow.
   virtual void Write(const void* in, std::uint32_t count);
   virtual void WriteBytes(const void* in, std::uint32_t count);
-  // Releases the buffer and zeroes the counters, the grow step among them.
+  // Releases the buffer and sets all counters to zero, including the grow step.
   virtual void Close();
 
-  // The bytes as they stand, GetLength() of them; null while nothing is allocated.
+  // Returns the GetLength() bytes of the file, or null while nothing is allocated.
   const unsigned char* Bytes() const { return buffer_; }
   std::uint32_t Length() const { return file_size_; }
 

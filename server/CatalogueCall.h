@@ -1,4 +1,4 @@
-// The calls whose reply opens with a decimal number: a count, a flag, or the server's verdict.
+// Calls whose reply starts with a decimal number: a count, a flag, or the server's result.
 #pragma once
 
 #include <cstdint>
@@ -22,36 +22,37 @@ struct CatalogueCommand {
   std::uint32_t reply_bytes = kCatalogueReply;
 };
 
-// Records that a reply claims beyond this cannot be had: no reply holds them.
+// A reply that claims more bytes of records than this is treated as out of memory: no reply holds
+// that many.
 constexpr std::uint64_t kMostRecordBytes = 64ULL << 20;
 
-// One call. It goes over the socket transport, whatever the kind of the server.
+// One call, always over the socket transport.
 class CatalogueCall {
  public:
-  // The request's fields in their order: texts, and numbers as 4 bytes. A field that cannot be
-  // written, such as an empty text, is left out, and the request sent all the same.
+  // Takes the request's fields in order: texts, and numbers as 4 bytes. A field that cannot be
+  // written, such as an empty text, is left out, and the request is sent all the same.
   template <class... Fields>
   explicit CatalogueCall(const CatalogueCommand& command, const Fields&... fields)
       : exchange_(command.code, kCatalogueRequest, command.reply_bytes) {
     (Add(fields), ...);
   }
 
-  // Sends the request and reads the number, which is 0 for what is none. Nothing when it was not
-  // delivered; every other result of the transport counts as delivered.
+  // Sends the request and returns the number, or 0 if the text is not a number. Returns nothing if
+  // the request was not delivered; every other result of the transport counts as delivered.
   [[nodiscard]] std::optional<std::int32_t> Ask() {
     if (exchange_.Send() == result::kNotDelivered) return {};
     return DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
   }
 
-  // The reply's next field as a text; empty when it cannot be read.
+  // Returns the reply's next field as a text; empty if it cannot be read.
   [[nodiscard]] CString Text() { return exchange_.Reply().GetString(nullptr); }
-  // Read the reply's next field; a field that cannot be read leaves `out` as it is.
+  // Read the reply's next field; if it cannot be read, `out` keeps its value.
   void Read(CString& out) { exchange_.Reply().GetString(out, nullptr); }
   void Read(int& out) { exchange_.Reply().GetData(&out, sizeof out, nullptr); }
   void Read(void* out, std::uint32_t bytes) { exchange_.Reply().GetData(out, bytes, nullptr); }
 
-  // Sends the request and, when the number is above zero, puts it into `count` and reads as many
-  // records. Null, and `count` as it was, when it is not.
+  // Sends the request. If the number is above zero, stores it in `count` and returns that many
+  // records. Otherwise returns null and leaves `count` unchanged.
   template <class Record>
   [[nodiscard]] Record* AskRecords(int& count) {
     const std::int32_t found = Ask().value_or(0);
@@ -59,9 +60,9 @@ class CatalogueCall {
     count = found;
     return ReadRecords<Record>(found);
   }
-  // The next field as an array of `count` records, which is above zero; the caller frees it with
-  // delete[]. It holds zeros when the field is not of exactly that size. Null without memory for
-  // it.
+  // Returns the next field as an array of `count` > 0 records, which the caller frees with
+  // delete[]. The array is zero-filled if the field does not have exactly that size. Returns null
+  // if it cannot be allocated.
   template <class Record>
   [[nodiscard]] Record* ReadRecords(std::int32_t count) {
     const std::uint64_t bytes = static_cast<std::uint64_t>(count) * sizeof(Record);

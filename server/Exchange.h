@@ -1,4 +1,4 @@
-// One request and its reply: what every call to the server is made of.
+// One request and its reply, of which every call to the server is made.
 #pragma once
 
 #include <cstdint>
@@ -11,22 +11,22 @@ namespace qv {
 constexpr const char kStatusSuccess[] = "SUCCESS";
 constexpr const char kStatusSuccessCompress[] = "SUCCESS_COMPRESS";
 
-// Owns both messages and their blocks. Build the request, send, read the reply; once each.
+// Owns both messages and their blocks. Build the request, send it, read the reply; once each.
 class Exchange {
  public:
-  // Blocks of `request_bytes` and `reply_bytes`, the request stamped with `command`.
+  // Allocates blocks of `request_bytes` and `reply_bytes`; the request carries `command`.
   Exchange(std::uint32_t command, std::uint32_t request_bytes, std::uint32_t reply_bytes);
 
   CMsgContent& Request() { return request_; }
-  // Appends a number to the request, as 4 bytes.
+  // Appends a number to the request as 4 bytes.
   void AddNumber(std::int32_t number) { request_.AddData(&number, sizeof number, nullptr); }
   CMsgContent& Reply() { return reply_; }
 
   // Sends over the socket transport to the module's server and returns the transport's result.
   [[nodiscard]] int Send();
-  // The same to a server of the caller's choice.
+  // The same, to another server.
   [[nodiscard]] int SendTo(const char* server, std::uint32_t port);
-  // The same over the HTTP transport.
+  // The same, over the HTTP transport.
   [[nodiscard]] int SendOverWeb(int compress);
 
  private:

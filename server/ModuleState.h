@@ -1,4 +1,4 @@
-// Everything that the library keeps for the whole process, in one place that a test can reset.
+// All process-wide state of the library, in one place that a test can reset.
 #pragma once
 
 #include <atomic>
@@ -12,7 +12,7 @@
 
 namespace qv {
 
-// The server's settings, as calls load and read them, and whether they are due.
+// The server's settings as last loaded, and whether they must be loaded again.
 struct ServerSettings {
   std::atomic<int> need_update = 1;
   std::atomic<int> server_set_cache = 0;
@@ -25,25 +25,25 @@ struct ServerSettings {
 // Set-up runs alone, so what it writes is plain. What calls write may be read and written by any
 // thread.
 struct ModuleState {
-  // The process's state.
+  // Returns the state of this process.
   static ModuleState& Get();
 
-  // Back to how it is at load, the folder of temporary files apart; while no call runs.
+  // Restores the state at load, except the folder of temporary files. No call may run meanwhile.
   void Reset();
 
   // Set-up writes these.
   std::string server_name;
   std::uint32_t server_port = 0;
   int use_local_database = 0;
-  // Non-zero leaves opening and closing local databases to the host.
+  // If not zero, the host opens and closes local databases itself.
   int care_open_connection = 1;
   tagTEMPFILEINFO temp_files{};
-  // Never goes away: the connections that a host leaves open end with the process, since at its end
-  // the drivers may be gone already.
+  // Never destroyed: connections that a host leaves open end with the process, because the drivers
+  // may be unloaded before static objects are destroyed.
   OdbcLocalDatabase& direct_access;
-  // Direct access, unless a test has its own. Not null, not owned.
+  // Direct access, unless a test replaces it. Never null, not owned.
   LocalDatabase* local_database = &direct_access;
-  // The file that this code was loaded from.
+  // The file that contains this code.
   std::string module_file;
 
   // Calls write these.
@@ -55,8 +55,8 @@ struct ModuleState {
   ModuleState();
 };
 
-// The folder of the module's file with its separator, the file's path cut to `max_path` bytes
-// before.
+// Returns the folder of the module's file with a separator at its end. The file's path is first cut
+// to `max_path` bytes.
 [[nodiscard]] std::string ModuleFolder(std::size_t max_path = std::string::npos);
 
 }  // namespace qv

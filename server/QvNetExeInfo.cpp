@@ -31,7 +31,7 @@ class LineReader {
   void Read(int& out) { out = qv::DecimalToInt32(Next()); }
 
  private:
-  // Behind the end of the file the buffer holds what it held.
+  // After the end of the file the buffer keeps the last line.
   std::string_view Next() {
     if (std::fgets(buffer_, sizeof buffer_, file_) == nullptr && std::ferror(file_) != 0) return {};
     return buffer_;

@@ -28,13 +28,13 @@ constexpr std::uint32_t kSetParameter = 0xFFFFFFFE;  // name, value; reply: "1" 
 
 constexpr std::uint32_t kLinkBlock = 1024;
 
-// Whether the transport shows its messages to the user; off while a server is probed.
+// Whether the transport shows messages to the user; switched off while a server is probed.
 constexpr const char kShowMessages[] = "dispmsg";
 
 constexpr std::size_t kMaxModulePath = 254;
 constexpr std::size_t kMaxServerType = 99;
 
-// In 64 bits, since a long may have no more than the port.
+// Takes 64 bits, because a long may be no wider than the port.
 std::uint32_t ToPort(std::uint64_t port) {
   constexpr std::uint64_t kMax = std::numeric_limits<std::uint32_t>::max();
   return static_cast<std::uint32_t>(std::min(port, kMax));
@@ -102,8 +102,8 @@ int CRvoServer::CheckServerLink(CString server, unsigned long port) {
   return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : 0;
 }
 
-// The two calls for parameters take only 0 for delivered, where others take anything but "not
-// delivered".
+// The two calls for parameters accept only 0 as delivered, while other calls accept everything but
+// "not delivered".
 int CRvoServer::SetNetClientPara(CString name, CString value) {
   Exchange exchange(kSetParameter, kLinkBlock, kLinkBlock);
   exchange.Request().AddString(name, nullptr);
@@ -115,7 +115,7 @@ int CRvoServer::GetNetClientPara(CString name, CString& value) {
   Exchange exchange(kGetParameter, kLinkBlock, kLinkBlock);
   exchange.Request().AddString(name, nullptr);
   if (exchange.Send() != 0 || !FlagIsSet(exchange.Reply())) return 0;
-  // No field holds an empty text, so an empty value is a missing one.
+  // An empty text is never sent as a field, so a missing field is an empty value.
   value = exchange.Reply().GetString(nullptr);
   return 1;
 }

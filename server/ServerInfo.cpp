@@ -1,4 +1,4 @@
-// The calls of CRvoServer that ask the server about itself and about the client program, and that
+// The calls of CRvoServer that query the server about itself and about the client program, and that
 // write to its log.
 #include <algorithm>
 #include <cstdint>
@@ -24,12 +24,12 @@ namespace {
 constexpr CatalogueCommand kExeInfo{6008};        // none; texts 1, 2, 3, 6, 7, 8, 9 of the record
 constexpr CatalogueCommand kSubStores{6009};      // text name; the records
 constexpr CatalogueCommand kConnectionText{710};  // text database; text connection
-// Kind, text; the reply opens with a status word instead.
+// Kind, text; the reply starts with a status word instead of a number.
 constexpr std::uint32_t kAppendLog = 4;
 
 constexpr std::uint32_t kMaxPort = std::numeric_limits<std::int32_t>::max();
 
-// A log text this long is cut.
+// The longest log text; longer ones are cut.
 constexpr std::size_t kLongestLog = 10239;
 
 bool IsLeadByte(char c) {
@@ -37,8 +37,8 @@ bool IsLeadByte(char c) {
   return byte >= 0x81 && byte <= 0xFE;
 }
 
-// Whether the last byte is the first half of a double-byte character. What it is shows only from
-// the start of the text: the second half may be any byte from 0x40 on.
+// Returns true if the last byte is the first half of a double-byte character. Only a scan from the
+// start can tell, because the second half may be any byte from 0x40 on.
 bool EndsInHalf(std::string_view text) {
   std::size_t at = 0;
   while (at < text.size()) at += IsLeadByte(text[at]) ? 2 : 1;

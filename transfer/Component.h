@@ -1,5 +1,4 @@
-// How components come into being and how their failures reach the host; each system has its own
-// way.
+// How components are created and how their failures reach the host; each system has its own way.
 #pragma once
 
 #include "qvnetcall/transfer/ComError.h"
@@ -14,17 +13,18 @@ inline constexpr GUID kFtpInterface{
 inline constexpr GUID kCscInterface{
     0x90302F64, 0xB9C6, 0x471A, {0xAF, 0x28, 0x5D, 0xE9, 0x53, 0xCF, 0x55, 0x06}};
 
-// Enter and leave the single-threaded apartment of the calling thread, where the system has one.
-// Components are made inside; the one of a cloud object is ended after its apartment was left.
+// Enter and leave the single-threaded apartment of the calling thread, on systems that have one.
+// Components are created inside it; that of a cloud object is released after its apartment was
+// left.
 void EnterApartment();
 void LeaveApartment();
 
-// A new object, which the caller ends with Release; null when the component cannot be had. Nothing
-// is remembered of a failure.
+// Returns a new object, which the caller releases with Release, or null if the component is not
+// available. A failure is not remembered.
 [[nodiscard]] IQvCoFtp* CreateFtpComponent();
 [[nodiscard]] IQvCoCSC* CreateCscComponent();
 
-// Throw _com_error for a call that failed with `error`, which is negative.
+// Throw _com_error for a call that failed with `error` < 0.
 [[noreturn]] void RaiseComError(HRESULT error, IQvCoFtp* component);
 [[noreturn]] void RaiseComError(HRESULT error, IQvCoCSC* component);
 

@@ -23,7 +23,7 @@ CString PairList::FailReport(const char* label, long count, const Question& succ
   CString report;
   const int entries = first.GetSize();
   if (entries == 1) {
-    // A single file is asked about whatever the count says.
+    // A single file is checked whatever the count says.
     if (!succeeded(first[0])) {
       report.Format("%s Fail:  %s(%s)", label, second[0], first[0]);
     }

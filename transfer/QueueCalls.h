@@ -1,4 +1,4 @@
-// Calls to a component of either kind, and what follows from their results.
+// Calls to either component, and the handling of their results.
 #pragma once
 
 #include "Component.h"
@@ -13,7 +13,7 @@ inline void LogFailure(const CString& text) {
   CRvoServer::SendSvrLogInfo(kTransfers, text);
 }
 
-// Logs the text when `result` is not 0; gives `result`.
+// Logs the text if `result` is not 0. Returns `result`.
 template <class... Args>
 long LogUnlessZero(long result, const char* format, const Args&... args) {
   if (result == 0) return result;
@@ -23,14 +23,14 @@ long LogUnlessZero(long result, const char* format, const Args&... args) {
   return result;
 }
 
-// Throws _com_error for a call that failed as such; gives its result otherwise.
+// Throws _com_error if the call itself failed; otherwise returns its result.
 template <class Component>
 HRESULT Checked(Component* component, HRESULT result) {
   if (result < 0) RaiseComError(result, component);
   return result;
 }
 
-// What a call gives; without a component nothing is called.
+// Calls the component and returns its result; without a component returns kNoComponent.
 template <class Component, class... Params, class... Args>
 long Ask(Component* component, HRESULT (Component::*method)(Params...), const Args&... args) {
   if (component == nullptr) return result::kNoComponent;
@@ -39,8 +39,8 @@ long Ask(Component* component, HRESULT (Component::*method)(Params...), const Ar
   return result;
 }
 
-// Hands a pair to the component and queues it, whatever its result. A call that throws leaves it
-// out.
+// Passes a pair to the component and queues it, whatever the component's result. If the call
+// throws, the pair is not queued.
 template <class Component, class Files>
 long AddPair(Component* component, HRESULT (Component::*add)(const char*, const char*),
              Files& files, const CString& first, const CString& second) {
@@ -52,11 +52,11 @@ long AddPair(Component* component, HRESULT (Component::*add)(const char*, const 
 
 enum QueueKind : int { kUpload, kDownload, kCopy };
 
-// What every run of downloads is called with.
+// The constant argument of every run of downloads.
 inline constexpr long kDownloadConstant = 1;
 
-// Runs a queue by `run(component, &count)` and reports what failed, behind which the report has
-// what `suffix(result)` gives. When `run` throws, the queue is not marked and nothing reported.
+// Runs a queue by `run(component, &count)` and logs the failures, followed by `suffix(result)`. If
+// `run` throws, the queue is not marked as completed and nothing is logged.
 template <class Component, class Files, class Run, class Suffix>
 long RunQueue(Component* component, Files& files, QueueKind kind, long& count, Run run,
               Suffix suffix) {
@@ -76,7 +76,7 @@ long RunQueue(Component* component, Files& files, QueueKind kind, long& count, R
 
 inline const char* NoSuffix(long /*result*/) { return ""; }
 
-// The report of one of three queues, in the order of their kinds; empty for any other kind.
+// Returns the report of one of three queues, in the order of their kinds; empty for any other kind.
 template <class Files>
 CString ReportOf(Files* const (&queues)[3], int kind, long count) {
   return kind >= kUpload && kind <= kCopy ? queues[kind]->GetFailInfo(kind, count) : CString();

@@ -9,8 +9,9 @@
 
 namespace {
 
-// A long cannot hold every position on every system. Where the position type is a number it is wide
-// enough and used as it is; elsewhere the long is as wide as the system's file sizes.
+// A long cannot hold every position on every system. Where the C library's position type is a
+// number, it is wide enough and used directly; elsewhere, long is as wide as the system's file
+// sizes.
 template <typename Native>
 long long Tell(std::FILE* stream) noexcept {
   if constexpr (std::is_integral_v<Native>) {
@@ -85,7 +86,7 @@ unsigned CFile::Read(void* buffer, unsigned count) {
     std::clearerr(stream);
     ThrowLast(os_error);
   }
-  std::clearerr(stream);  // what another writer appends later is still to be read
+  std::clearerr(stream);  // so that what another writer appends later can be read
   return static_cast<unsigned>(done);
 }
 
@@ -152,7 +153,7 @@ std::FILE* CFile::Opened() const {
   return stream_;
 }
 
-// The standard wants a move between reading and writing, in either direction.
+// The standard requires a seek between reading and writing, in either direction.
 void CFile::Turn(Last next) {
   errno = 0;
   if (last_ != Last::kNone && last_ != next && std::fseek(stream_, 0, SEEK_CUR) != 0) {

@@ -128,8 +128,8 @@ int CString::Replace(const char* from, const char* to) {
   const std::string_view new_part = OrEmpty(to);
   std::size_t found = old_part.empty() ? std::string::npos : text_.find(old_part);
   if (found == std::string::npos) return 0;
-  // A second text, so that many replacements cost no more than one pass, and either part may be of
-  // this text.
+  // Builds a second text, so that many replacements cost one pass, and either argument may be part
+  // of this text.
   std::string result;
   std::size_t copied = 0;
   std::size_t count = 0;

@@ -17,8 +17,8 @@ bool IsAscii(std::string_view text) {
 
 char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-// The length of the value that `rest` begins with. One in braces may hold ";", and "}" by doubling
-// it.
+// Returns the length of the value at the start of `rest`. A value in braces may contain ';', and
+// '}' doubled.
 std::size_t ValueLength(std::string_view rest) {
   std::size_t close = 0;
   if (rest.starts_with('{')) {
@@ -30,8 +30,8 @@ std::size_t ValueLength(std::string_view rest) {
   return std::min(rest.find(';', close), rest.size());
 }
 
-// Driver managers copy the driver's name into a fixed buffer, of 1001 bytes in unixODBC, without a
-// look at its length; and some texts come from servers.
+// Driver managers copy the driver's name into a fixed buffer (1001 bytes in unixODBC) without
+// checking its length, and some connection texts come from servers.
 bool HasLongDriver(std::string_view text) {
   constexpr std::string_view kKeyword = "driver";
   constexpr std::size_t kLongest = 512;
@@ -75,7 +75,7 @@ bool Connection::Prepare(Diagnostics& diagnostics) {
     diagnostics.push_back({kNoReason, 0, "the driver manager cannot be used"});
     return false;
   }
-  // Drivers that cannot limit the time say so, and connect all the same.
+  // Drivers that cannot limit the time report that and connect all the same.
   SQLSetConnectAttr(connection_, SQL_ATTR_LOGIN_TIMEOUT, AsValue(limits_.login_seconds), 0);
   if (limits_.reads_only) {
     SQLSetConnectAttr(connection_, SQL_ATTR_ACCESS_MODE, AsValue(SQL_MODE_READ_ONLY), 0);
@@ -89,9 +89,9 @@ bool Connection::Connect(std::string_view text, Diagnostics& diagnostics) {
         {kTextTooLong, 0, "the connection text or its driver's name is too long"});
     return false;
   }
-  // What kind of driver it is shows only when it is connected. Plain ASCII reaches both kinds
-  // unharmed; any other text reaches a narrow driver only by the narrow call, and a wide one only
-  // by the wide call.
+  // The kind of driver is known only once it is connected. Plain ASCII reaches both kinds unharmed;
+  // any other text reaches a narrow driver only by the narrow call, and a wide one only by the wide
+  // call.
   Diagnostics narrow;
   if (!IsAscii(text)) {
     const bool connected = ConnectAs(false, text, narrow);
@@ -103,7 +103,7 @@ bool Connection::Connect(std::string_view text, Diagnostics& diagnostics) {
     if (is_wide_ || IsAscii(text)) return true;
     Disconnect();
   }
-  // Of two attempts, nobody knows which one the driver understood.
+  // After two attempts it is unknown which one the driver understood.
   diagnostics.insert(diagnostics.end(), narrow.begin(), narrow.end());
   return false;
 }
@@ -129,7 +129,7 @@ bool Connection::Rollback(Diagnostics& diagnostics) { return End(SQL_ROLLBACK, d
 bool Connection::End(std::int16_t how, Diagnostics& diagnostics) {
   if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_, how))) return Failed(diagnostics);
   in_transaction_ = false;
-  // What was to be done is done; should this fail, the next statement does too.
+  // The work is done. If this fails, the next statement fails too.
   Diagnostics ignored;
   static_cast<void>(SetAutocommit(true, ignored));
   return true;
@@ -164,7 +164,7 @@ bool Connection::Failed(Diagnostics& diagnostics) const {
 
 void Connection::Disconnect() {
   if (!is_connected_) return;
-  // No driver lets go of a connection in the middle of a transaction.
+  // No driver disconnects in the middle of a transaction.
   if (in_transaction_) SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_ROLLBACK);
   SQLDisconnect(connection_);
   is_connected_ = false;

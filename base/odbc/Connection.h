@@ -11,39 +11,39 @@
 namespace qv::odbc {
 
 struct Limits {
-  // In seconds; 0 is as long as it takes. Both are as good as the driver's word.
+  // In seconds; 0 means without limit. Drivers need not honour either.
   std::uint32_t login_seconds = 15;
   std::uint32_t query_seconds = 0;
-  // Tells the driver that nothing will be changed; few care.
+  // Tells the driver that nothing will be changed; most drivers ignore it.
   bool reads_only = false;
-  // The longest cell that is read, in bytes as the driver gives it.
+  // The longest cell that is read, in bytes as the driver delivers it.
   std::size_t cell_bytes = std::size_t{1} << 30;
 };
 
-// For one thread at a time. Every call that fails adds to its diagnostics, and nothing is printed.
+// One thread at a time. Every failing call adds to the diagnostics; nothing is printed.
 class Connection {
  public:
-  // Connects as an ODBC connection text says ("Driver=...;Database=...") without asking anybody.
-  // Null when it cannot.
+  // Connects by an ODBC connection text ("Driver=...;Database=...") without prompting. Returns null
+  // on failure.
   [[nodiscard]] static std::unique_ptr<Connection> Open(std::string_view text, const Limits& limits,
                                                         Diagnostics& diagnostics);
-  // Takes back a transaction that was not committed.
+  // Rolls back a transaction that was not committed.
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  // Statements are committed one by one until Begin, and again after Commit and Rollback. When
-  // Commit fails, the transaction goes on, to be rolled back; roll back too when a statement of it
-  // has failed: some drivers have done so by then, and run what follows on its own. False when the
-  // driver cannot.
+  // Statements are committed one by one until Begin, and again after Commit and Rollback. If Commit
+  // fails, the transaction stays open and must be rolled back. Roll back as well after a statement
+  // of it failed: some drivers have done so already, and would run the following statements on
+  // their own. Returns false if the driver fails.
   [[nodiscard]] bool Begin(Diagnostics& diagnostics);
   [[nodiscard]] bool Commit(Diagnostics& diagnostics);
   bool Rollback(Diagnostics& diagnostics);
 
-  // What the engine calls itself; empty when it does not say.
+  // Returns the name of the database engine, or an empty text if the driver does not tell.
   [[nodiscard]] std::string Product() const;
 
-  // Whether the driver knows that its server is gone.
+  // Returns true if the driver knows that its server is gone.
   [[nodiscard]] bool IsLost() const;
 
  private:

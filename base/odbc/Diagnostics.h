@@ -1,4 +1,4 @@
-// What a driver says about a call that failed.
+// What a driver reports about a failed call.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,12 @@
 
 namespace qv::odbc {
 
-// States of our own, beside those of the driver and the driver manager.
-constexpr const char kNotText[] = "22021";      // what was given is no text of the code page
-constexpr const char kCellTooLong[] = "22001";  // a cell is longer than the connection allows
+// States that this room adds to those of the driver and the driver manager.
+constexpr const char kNotText[] = "22021";      // the given text is not valid in the code page
+constexpr const char kCellTooLong[] = "22001";  // a cell exceeds the connection's limit
 constexpr const char kCancelled[] = "HY008";
-constexpr const char kTextTooLong[] = "HY090";  // more than can be passed to the driver manager
-constexpr const char kNoReason[] = "HY000";     // nothing was said
+constexpr const char kTextTooLong[] = "HY090";  // the driver manager cannot take that much
+constexpr const char kNoReason[] = "HY000";     // the driver gave no reason
 
 struct Diagnostic {
   std::string state;  // the five characters of the SQLSTATE
@@ -22,7 +22,7 @@ struct Diagnostic {
 
 using Diagnostics = std::vector<Diagnostic>;
 
-// For a log: "[state] text", several after one another.
+// Returns "[state] text" for each diagnostic, separated by blanks, for a log.
 [[nodiscard]] inline std::string TextOf(const Diagnostics& diagnostics) {
   std::string text;
   for (const Diagnostic& diagnostic : diagnostics) {

@@ -11,7 +11,7 @@ namespace qv::odbc {
 
 namespace {
 
-// Text of `length` units in `buffer`, of which a driver may have written fewer than it says.
+// Reads text of `length` units from `buffer`; a driver may have written fewer than it reports.
 template <class Unit>
 std::string TextIn(const std::basic_string<Unit>& buffer, SQLSMALLINT length) {
   const auto said = static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0));
@@ -126,7 +126,7 @@ SQLRETURN DriverText::Execute(SQLHSTMT statement) {
 }
 
 SQLRETURN DriverText::Bind(SQLHSTMT statement, SQLUSMALLINT number) {
-  // Longer ones are another type to some engines.
+  // Some engines give longer texts another type.
   constexpr SQLULEN kLongestPlain = 4000;
   const bool is_wide = encoding_ == Encoding::kWide;
   const SQLULEN size = std::max<std::size_t>({wide_.size(), narrow_.size(), 1});
@@ -140,7 +140,7 @@ SQLRETURN DriverText::Bind(SQLHSTMT statement, SQLUSMALLINT number) {
 }
 
 SQLRETURN DriverText::BindNull(SQLHSTMT statement, SQLUSMALLINT number) {
-  static SQLLEN null = SQL_NULL_DATA;  // which drivers only read
+  static SQLLEN null = SQL_NULL_DATA;  // drivers only read it
   return SQLBindParameter(statement, number, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 1, 0,
                           nullptr, 0, &null);
 }
@@ -152,8 +152,8 @@ std::optional<ColumnFacts> DescribeColumn(SQLHSTMT statement, SQLUSMALLINT numbe
 }
 
 Encoding EncodingOf(SQLHDBC connection) {
-  // The driver manager has no answer to this, but what it does to a text has: a wide driver gives
-  // back what it was given, and in front of a narrow one the high halves are lost.
+  // The driver manager cannot be asked for this, but its effect on a text shows: a wide driver
+  // returns the text unchanged, while the high halves are lost before a narrow one.
   std::u16string probe = u"'\u4E2D\U0001F600'";
   std::u16string answer(32, u'\0');
   SQLINTEGER length = 0;

@@ -1,4 +1,4 @@
-// The calls of the driver manager that take or give text, for drivers of either kind.
+// The driver manager's calls that take or return text, for both kinds of drivers.
 #pragma once
 
 #include <optional>
@@ -15,22 +15,22 @@ static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
 inline SQLWCHAR* ToDriver(char16_t* text) { return reinterpret_cast<SQLWCHAR*>(text); }
 inline SQLCHAR* ToDriver(char* text) { return reinterpret_cast<SQLCHAR*>(text); }
 
-// Drivers that know only narrow text get and give it in the code page, through the narrow calls:
-// the driver manager's own conversion would follow the locale, or drop the high halves.
+// Drivers that know only narrow text exchange it in the code page, through the narrow calls: the
+// driver manager's own conversion would follow the locale, or drop the high halves.
 enum class Encoding { kWide, kNarrow };
 
-// Text on its way to a driver, in its encoding.
+// Text for a driver, in the driver's encoding.
 class DriverText {
  public:
-  // Nothing when it is no text of the code page, has a NUL in it, or is too long; `diagnostics`
-  // say so.
+  // Returns nothing and adds to `diagnostics` if the text is not valid in the code page, contains a
+  // NUL, or is too long.
   [[nodiscard]] static std::optional<DriverText> From(std::string_view text, Encoding encoding,
                                                       Diagnostics& diagnostics);
 
   // For a text of at most 32767 bytes.
   [[nodiscard]] SQLRETURN Connect(SQLHDBC connection);
   [[nodiscard]] SQLRETURN Execute(SQLHSTMT statement);
-  // Binds the text, which has to stay where it is while the statement runs.
+  // Binds the text, which must not move while the statement runs.
   [[nodiscard]] SQLRETURN Bind(SQLHSTMT statement, SQLUSMALLINT number);
 
   // The same for a null.
@@ -43,7 +43,7 @@ class DriverText {
   SQLLEN bytes_ = 0;  // while it is bound
 };
 
-// What SQLDescribeCol tells.
+// What SQLDescribeCol reports.
 struct ColumnFacts {
   std::string name;
   SQLSMALLINT type = 0;
@@ -51,14 +51,14 @@ struct ColumnFacts {
   SQLSMALLINT decimals = 0;
 };
 
-// Nothing when the call failed. A name ends at its first NUL, and where 32767 units end.
+// Returns nothing if the call failed. A name ends at its first NUL and is cut to 32767 units.
 [[nodiscard]] std::optional<ColumnFacts> DescribeColumn(SQLHSTMT statement, SQLUSMALLINT number,
                                                         Encoding encoding);
 
-// Whether the driver behind a connection keeps wide text whole.
+// Returns true if the driver of a connection preserves wide text.
 [[nodiscard]] Encoding EncodingOf(SQLHDBC connection);
 
-// Adds what there is to say about the last call on `handle`, which is always something.
+// Adds the diagnostics of the last call on `handle`, at least one.
 void Collect(SQLSMALLINT handle_type, SQLHANDLE handle, Encoding encoding,
              Diagnostics& diagnostics);
 

@@ -12,7 +12,7 @@ namespace qv::odbc {
 
 namespace {
 
-// What one call may fetch of a cell.
+// The most that one call fetches of a cell.
 constexpr std::size_t kPieceBytes = 64 * 1024;
 
 ColumnKind KindOf(SQLSMALLINT type) {
@@ -60,7 +60,7 @@ ColumnKind KindOf(SQLSMALLINT type) {
   }
 }
 
-// Drivers that know no size say 0, or something negative.
+// Drivers that do not know the size report 0 or a negative number.
 std::uint64_t SizeOf(SQLULEN size) {
   constexpr SQLULEN kMost = std::numeric_limits<SQLLEN>::max();
   return size <= kMost ? size : 0;
@@ -70,7 +70,7 @@ Encoding EncodingFor(bool is_wide) { return is_wide ? Encoding::kWide : Encoding
 
 }  // namespace
 
-// Where the pieces of a cell go. The driver gets the whole buffer, and closes text with a NUL.
+// Receives the pieces of a cell. The driver gets the whole buffer and ends text with a NUL.
 template <class Unit>
 struct Statement::Piece {
   static constexpr bool kIsText = !std::is_same_v<Unit, unsigned char>;
@@ -84,14 +84,14 @@ struct Statement::Piece {
     if (kIsText) units[kRoom] = Unit{1};
   }
 
-  // Whether there is more of the cell. The indicator is a driver's word, and counts bytes.
+  // Returns true if more of the cell follows. The indicator comes from the driver and counts bytes.
   [[nodiscard]] bool HasMore(SQLRETURN result, SQLLEN indicator) const {
     if (indicator == SQL_NO_TOTAL) return result == SQL_SUCCESS_WITH_INFO;
     return indicator > static_cast<SQLLEN>(kRoom * sizeof(Unit));
   }
 
-  // How much of a piece that is not the last is there: drivers that split no character may leave
-  // the end unused.
+  // Returns how much of a piece, other than the last, is valid: drivers that split no character may
+  // leave the end unused.
   [[nodiscard]] std::size_t FullLength() const {
     constexpr std::size_t kLongestCharacter = 4;
     if (!kIsText || units[kRoom] == Unit{}) return kRoom;
@@ -112,7 +112,7 @@ struct Statement::Piece {
 
 Statement::Statement(Connection& connection)
     : connection_(connection), memory_(kPieceBytes / sizeof(char16_t)) {
-  // Without a handle every call fails, and says so.
+  // Without a handle every call fails with a diagnostic.
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.connection_, &statement_))) {
     statement_ = nullptr;
     return;
@@ -145,7 +145,7 @@ bool Statement::Execute(std::string_view sql, Diagnostics& diagnostics) {
   if (!text) return false;
   SQLFreeStmt(statement_, SQL_CLOSE);
   const SQLRETURN result = Run([&] { return text->Execute(statement_); });
-  // A statement that finds no row to change is no failure.
+  // A statement that finds no row to change is not a failure.
   if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA) return Failed(diagnostics);
   return Describe(diagnostics);
 }
@@ -154,7 +154,7 @@ bool Statement::Execute(std::string_view sql, std::span<const Argument> argument
                         Diagnostics& diagnostics) {
   const Encoding encoding = EncodingFor(connection_.is_wide_);
   std::vector<DriverText> texts;
-  texts.reserve(arguments.size());  // they are bound where they lie
+  texts.reserve(arguments.size());  // bound texts must not move
   bool done = true;
   SQLUSMALLINT number = 0;
   for (const Argument& argument : arguments) {
@@ -281,7 +281,7 @@ CellState Statement::CellFailed(Diagnostics& diagnostics) const {
   const std::size_t before = diagnostics.size();
   Failed(diagnostics);
   const std::string& state = diagnostics[before].state;
-  // Data exceptions, and conversions that the driver does not know.
+  // Data exceptions, and conversions that the driver does not support.
   const bool is_misfit = state.starts_with("22") || state == "07006";
   return is_misfit ? CellState::kMisfit : CellState::kFailed;
 }

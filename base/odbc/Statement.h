@@ -1,4 +1,4 @@
-// A statement and the rows that it gives.
+// A statement and its rows.
 #pragma once
 
 #include <atomic>
@@ -32,13 +32,13 @@ enum class ColumnKind {
   kBinary,
   kDate,
   kTimestamp,
-  kOther,  // times, identifiers, intervals, what nobody knows: all can be read as text
+  kOther,  // times, identifiers, intervals, unknown types: all can be read as text
 };
 
 struct Column {
   std::string name;  // may be empty
   ColumnKind kind = ColumnKind::kOther;
-  std::uint64_t size = 0;  // as the driver declares it; 0 when it does not
+  std::uint64_t size = 0;  // as the driver declares it; 0 if it does not
   std::int32_t decimals = 0;
 };
 
@@ -57,14 +57,14 @@ enum class Step { kNext, kEnd, kFailed };
 enum class CellState {
   kValue,
   kNull,
-  kMisfit,  // there is a value, but not one of this type
+  kMisfit,  // the value does not fit this type
   kFailed,
 };
 
-// Not to outlive its connection; one after the other, or several on the connection as far as the
-// driver can. For the connection's thread, Cancel apart. Cells are read from left to right, each
-// once, or again as text after a misfit. They are copied into memory of the caller's that grows
-// with what is really there, whatever lengths the driver announces.
+// Must not outlive its connection. Statements run one after another, or several at a time if the
+// driver supports it. Use it on the connection's thread, except Cancel. Read cells from left to
+// right, each once, or again as text after a misfit. Cells are copied into the caller's memory,
+// which grows by what is actually there, whatever lengths the driver announces.
 class Statement {
  public:
   explicit Statement(Connection& connection);
@@ -72,23 +72,23 @@ class Statement {
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
 
-  // Runs a text; the rows of the text before are gone. It stands at its first result.
+  // Runs a text and moves to its first result. The rows of the previous text are discarded.
   [[nodiscard]] bool Execute(std::string_view sql, Diagnostics& diagnostics);
-  // The same with texts, or nulls, for the question marks in it; the engine makes of the texts what
-  // it needs.
+  // The same with texts or nulls for its question marks; the engine converts the texts to the types
+  // that it needs.
   [[nodiscard]] bool Execute(std::string_view sql, std::span<const Argument> arguments,
                              Diagnostics& diagnostics);
-  // Goes on to the next result, of the several that some texts have.
+  // Moves to the next result, for texts that have several.
   [[nodiscard]] Step NextResult(Diagnostics& diagnostics);
 
-  // The columns of this result; none when it has no rows to give.
+  // The columns of this result; empty if it has no rows.
   [[nodiscard]] const std::vector<Column>& Columns() const { return columns_; }
 
-  // Goes on to the next row.
+  // Moves to the next row.
   [[nodiscard]] Step Next(Diagnostics& diagnostics);
 
-  // Cells of the row, by column from 0 on. The value is set, or replaced, for kValue only; on
-  // kMisfit and kFailed `diagnostics` say why.
+  // Read cells of the row; columns count from 0. The value is set or replaced only for kValue. On
+  // kMisfit and kFailed, `diagnostics` contains the reason.
   [[nodiscard]] CellState ReadBoolean(std::size_t column, bool& value, Diagnostics& diagnostics);
   [[nodiscard]] CellState ReadInteger(std::size_t column, std::int64_t& value,
                                       Diagnostics& diagnostics);
@@ -99,15 +99,15 @@ class Statement {
   [[nodiscard]] CellState ReadBytes(std::size_t column, std::vector<unsigned char>& bytes,
                                     Diagnostics& diagnostics);
 
-  // From any thread while the statement is there: has what it executes or fetches come to an end
-  // with a failure, as far as the driver can, and every later call that goes to the database fail.
-  // Drivers do not hear it while they only prepare: should the call go on, try again after a while.
+  // May be called from any thread while the statement exists. Makes the running execution or fetch
+  // end with a failure, as far as the driver can, and every later call to the database fail.
+  // Drivers ignore it while they only prepare: if the call goes on, try again after a while.
   void Cancel();
 
  private:
   [[nodiscard]] bool Describe(Diagnostics& diagnostics);
 
-  // Makes a call to the driver manager during which it may be told to cancel.
+  // Calls the driver manager; Cancel may interrupt the call.
   template <class Call>
   [[nodiscard]] std::int16_t Run(Call call);
   template <class Unit>
@@ -123,12 +123,12 @@ class Statement {
   const Connection& connection_;
   void* statement_ = nullptr;  // a handle of the driver manager
   std::vector<Column> columns_;
-  // The driver manager gives up what it knows of a statement's failures when it is told to cancel:
-  // not while those are read.
+  // A cancelled statement loses its diagnostics in the driver manager, so Cancel waits while they
+  // are read.
   std::mutex cancel_mutex_;
   bool is_running_ = false;
   std::atomic<bool> is_cancelled_ = false;
-  std::vector<char16_t> memory_;  // for the pieces of cells
+  std::vector<char16_t> memory_;  // receives the pieces of cells
   std::u16string wide_;
 };
 

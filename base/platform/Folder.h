@@ -1,4 +1,4 @@
-// A folder that is held open, and what is in it.
+// A folder that is held open, and its entries.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-enum class EntryKind { kFile, kFolder, kOther };  // a link is another, wherever it leads
+enum class EntryKind { kFile, kFolder, kOther };  // a link is kOther, whatever it points to
 
 struct Entry {
   std::string name;
@@ -30,33 +30,33 @@ struct OpenedFile {
   std::uint64_t size = 0;
 };
 
-// Names are those of single entries, without separators, and links are never followed: whatever is
-// renamed or put in place of something else meanwhile, work stays inside this folder. Copies share
-// what they hold. Any thread.
+// Names are those of single entries, without separators. Links are never followed, so all work
+// stays inside this folder even if others rename or replace entries meanwhile. Copies share the
+// open handle. Any thread.
 class Folder {
  public:
-  // The folder at `path`; links on the way to it are followed.
+  // Opens the folder at `path`; links in the path are followed.
   [[nodiscard]] static std::optional<Folder> Open(const std::string& path);
-  // The folder of that name in this one.
+  // Opens the subfolder `name`.
   [[nodiscard]] std::optional<Folder> Enter(const std::string& name) const;
 
   [[nodiscard]] std::optional<Entry> Look(const std::string& name) const;
   // Opens a file for reading.
   [[nodiscard]] std::optional<OpenedFile> OpenFile(const std::string& name) const;
-  // Calls `visit` for each entry, in no order, until it says false. False also when the folder
-  // cannot be read to its end.
+  // Calls `visit` for each entry, in no particular order, until it returns false. Returns false if
+  // it did so, or if the folder cannot be read to its end.
   [[nodiscard]] bool ForEach(const std::function<bool(const Entry&)>& visit) const;
 
-  // Makes a folder that only its owner can enter; false when the name is taken.
+  // Creates a folder that only its owner can enter. Returns false if the name is taken.
   [[nodiscard]] bool MakeFolder(const std::string& name) const;
-  // Removes a folder that has nothing in it.
+  // Removes an empty folder.
   [[nodiscard]] bool RemoveFolder(const std::string& name) const;
   [[nodiscard]] bool RemoveFile(const std::string& name) const;
-  // Gives a file or folder another place; what is there may be replaced.
+  // Moves a file or folder; an existing entry at the new place may be replaced.
   [[nodiscard]] bool Move(const std::string& name, const Folder& to,
                           const std::string& to_name) const;
-  // Moves the file at `path` here, replacing a file of that name in one step. False also when it is
-  // on another file system.
+  // Moves the file at `path` here, atomically replacing a file of that name. Returns false also if
+  // the file is on another file system.
   [[nodiscard]] bool TakeFile(const std::string& path, const std::string& name) const;
 
  private:

@@ -1,5 +1,5 @@
-// What differs between operating systems, behind one interface. Every function may be called from
-// any thread.
+// Everything that differs between operating systems, behind one interface. All functions may be
+// called from any thread.
 #pragma once
 
 #include <cstddef>
@@ -13,45 +13,45 @@
 
 namespace qv::platform {
 
-// What separates the folders of a local path.
+// The separator between the folders of a local path.
 extern const char kSeparator;
 
-// How much of a local path is the folder, with the separator at its end; 0 when it names none. A
-// byte that is half of a character separates nothing; on Windows either slash does.
+// Returns the length of the folder part of a local path, including the separator at its end, or 0
+// if the path has no folder. A byte that is half of a character is not a separator; on Windows,
+// both slashes are.
 [[nodiscard]] std::size_t FolderLength(std::string_view path);
 [[nodiscard]] std::string FolderOf(const std::string& path);
 
-// A folder with kSeparator at its end, which is added unless it is there.
+// Returns `folder` with kSeparator at its end, added if necessary.
 [[nodiscard]] std::string WithSeparator(std::string folder);
 
-// The system's folder for temporary files, with a separator at its end: an absolute path of at most
-// 259 bytes.
+// Returns the system's folder for temporary files, with a separator at its end: an absolute path of
+// at most 259 bytes.
 [[nodiscard]] std::string TempFolder();
 
-// The absolute path of the file that this code was loaded from, as it was named then, links and
-// all: the library, or the program that it is linked into.
+// Returns the absolute path of the file that contains this code, a library or the program, as it
+// was named when it was loaded; links are kept.
 [[nodiscard]] std::string ModuleFile();
 
-// The folder of the program that runs, with a separator at its end and without links; empty when
-// the system does not tell.
+// Returns the folder of the running program, with a separator at its end and links resolved, or an
+// empty text if the system does not know it.
 [[nodiscard]] std::string ProgramFolder();
 
-// Loads a library, and what it needs, without offering its functions to others; null when it
-// cannot. Every call that gave one is taken back by one to CloseLibrary, and the last of these
-// unloads the library: nothing of it may be in use then.
+// Loads a library and its dependencies without exporting their functions to others. Returns null on
+// failure. Balance every successful OpenLibrary with CloseLibrary; the last one unloads the
+// library, so nothing from it may still be in use.
 [[nodiscard]] void* OpenLibrary(const std::string& path);
 void CloseLibrary(void* library);
-// A function with C linkage of a loaded library, or null.
+// Returns a function with C linkage of a loaded library, or null.
 [[nodiscard]] void* FindFunction(void* library, const char* name);
 
-// The text behind `key` in `section` of the INI file at `path`; names ignore case, and of several
-// entries the first counts. The value stands as it is in its line, but for white space and one pair
-// of quotes around it. Nothing when the file, the section or the key is missing; an empty value is
-// an empty text.
+// Returns the value of `key` in `section` of the INI file at `path`. Names ignore case, and the
+// first of several entries counts. White space and one pair of quotes around the value are removed.
+// Returns nothing if the file, the section or the key is missing; an empty value is an empty text.
 [[nodiscard]] std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
                                                       const char* key);
 
-// A new random identifier in registry form: braces, upper-case digits, 38 characters.
+// Returns a new random identifier in registry form: braces, upper-case digits, 38 characters.
 [[nodiscard]] std::string NewGuid();
 
 enum class Create {
@@ -59,8 +59,8 @@ enum class Create {
   kNew,     // an existing file is an error
 };
 
-// Opens a file for writing that only its owner can read. The caller closes it. Null, and errno,
-// when it cannot be had, or something that is no file stands in its place.
+// Opens a file for writing that only its owner can read. The caller closes it. Returns null and
+// sets errno if the file cannot be opened or `path` names something other than a file.
 [[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);
 
 enum class Opening {
@@ -70,57 +70,60 @@ enum class Opening {
   kCreate,          // what is there is emptied
 };
 
-// Opens a file that everybody else may read, change, remove and rename meanwhile, and that programs
-// started from here do not inherit; links are followed. The caller closes it. Null, and errno, when
-// it cannot be had.
+// Opens a file that others may read, change, remove and rename meanwhile. Programs that are started
+// from this one do not inherit it, and links are followed. The caller closes it. Returns null and
+// sets errno on failure.
 [[nodiscard]] std::FILE* OpenFile(const std::string& path, Opening how);
-// The same for reading as a descriptor of the C library, for what takes one over, and the end of
-// one that nobody took; -1, and errno, when it cannot be had.
+// OpenDescriptor does the same for reading and returns a descriptor of the C library, for functions
+// that take one over, or -1 with errno. CloseDescriptor closes a descriptor that no function took
+// over.
 [[nodiscard]] int OpenDescriptor(const std::string& path);
 void CloseDescriptor(int descriptor);
 
-// Whether an open file is an ordinary one that nobody but its owner can read or change.
+// Returns true if an open file is a regular file that only its owner can read or change.
 [[nodiscard]] bool IsPrivate(std::FILE* file);
 
-// Makes a folder, and those above it, that only its owner can enter. True when it is there
-// afterwards.
+// Creates a folder, and those above it, that only its owner can enter. Returns true if the folder
+// exists afterwards.
 [[nodiscard]] bool CreatePrivateFolder(const std::string& path);
 
-// Removes a file; false when it was not there or will not go.
+// Removes a file. Returns false if it does not exist or cannot be removed.
 bool RemoveFile(const std::string& path);
 
-// Gives a file another name in the same file system, replacing a file of that name in one step.
+// Renames a file within its file system. An existing file of the new name is replaced atomically.
 [[nodiscard]] bool ReplaceByRename(const std::string& from, const std::string& to);
 
-// Sees to it that what was written to `file` is on the disk.
+// Flushes everything that was written to `file` to the disk.
 [[nodiscard]] bool FlushToDisk(std::FILE* file);
-// The same for a file that is closed; a link is none.
+// The same for a closed file. Fails for a link.
 [[nodiscard]] bool FlushFileToDisk(const std::string& path);
 
-// From now on, writing to a file that may not grow further fails and does not end the process.
+// Makes writes beyond the process's file size limit fail from now on, instead of ending the
+// process.
 void SurviveFileLimits();
 
-// Asks for large pages under `bytes` of memory at `start` that were not touched yet. Only speed
-// depends on it.
+// Asks for large pages for `bytes` of untouched memory at `start`. This only affects speed.
 void PreferLargePages(void* start, std::size_t bytes);
 
-// Text in the platform's narrow code page (UTF-8 off Windows) as UTF-16, whatever the locale.
-// Nothing when it is no such text.
+// Converts text in the platform's narrow code page (UTF-8 off Windows) to UTF-16, independently of
+// the locale. Returns nothing if the text is not valid in that code page.
 [[nodiscard]] std::optional<std::u16string> WideFromNarrow(std::string_view text);
 
-// UTF-16 in the platform's narrow code page; half of a character, and what the code page lacks,
-// becomes its replacement character. AppendNarrow adds to `text`, to reuse its memory.
+// Converts UTF-16 to the platform's narrow code page. An unpaired surrogate, or a character that
+// the code page lacks, becomes the replacement character. AppendNarrow appends to `text`, to reuse
+// its memory.
 [[nodiscard]] std::string NarrowFromWide(std::u16string_view wide);
 void AppendNarrow(std::u16string_view wide, std::string& text);
 
-// The same place as an absolute path, whatever the working directory will be; without links where
-// paths may have some. Nothing when the system does not tell.
+// Returns `path` as an absolute path, so that a later change of the working directory does not
+// matter; links are resolved where the system has them in paths. Returns nothing if the system
+// cannot do so.
 [[nodiscard]] std::optional<std::string> AbsolutePath(const std::string& path);
 
-// What stands at a path, a link for itself, wherever it leads.
+// Returns the type of what `path` names; a link is not followed.
 [[nodiscard]] std::filesystem::file_type TypeOf(const std::string& path);
 
-// A path of the narrow code page as the standard library takes it for work on files, and back.
+// Converts a path between the narrow code page and the type that the standard library uses.
 [[nodiscard]] std::filesystem::path PathFromNarrow(const std::string& path);
 [[nodiscard]] std::string NarrowFromPath(const std::filesystem::path& path);
 

@@ -1,33 +1,33 @@
-// What a thread has of its own and leaves behind.
+// Objects of which each thread has its own.
 #pragma once
 
 #include <memory>
 
 namespace qv::platform {
 
-// A place in which every thread has something else. Where a thread is made of fibers, each of them
-// counts as one: it can end while its thread goes on. Any thread.
+// A slot that holds a different pointer for each thread. Where threads run fibers, each fiber
+// counts as a thread, and may end before its thread does. Any thread.
 class ThreadSlot {
  public:
-  // Throws std::bad_alloc when there are no more places.
+  // Throws std::bad_alloc if the system has no more slots.
   ThreadSlot();
   ~ThreadSlot();
   ThreadSlot(const ThreadSlot&) = delete;
   ThreadSlot& operator=(const ThreadSlot&) = delete;
 
-  // What this thread has here; null when there is nothing.
+  // Returns this thread's pointer, or null if it has none.
   [[nodiscard]] void* Get() const;
-  // Puts something where there is nothing; `end` is called with it when this thread ends. Throws
-  // std::bad_alloc when it cannot.
+  // Sets this thread's pointer, which must be null; `end` is called with it when this thread ends.
+  // Throws std::bad_alloc on failure.
   void Put(void* what, void (*end)(void*)) const;
 
  private:
   const unsigned long index_;
 };
 
-// This thread's object of that type: made when it is first asked for, destroyed with the thread. An
-// object that is thread_local itself must not need destruction: MinGW's run-time library gives the
-// memory of such objects back before it destroys them.
+// Returns this thread's object of that type. It is created on the first call and destroyed with the
+// thread. A thread_local object must not have a destructor instead: MinGW's run-time library frees
+// the memory of such objects before it destroys them.
 template <class Object>
 Object& OfThisThread() {
   static const ThreadSlot slot;

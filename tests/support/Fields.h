@@ -10,14 +10,14 @@
 
 namespace qv {
 
-// A field as it stands in a payload.
+// Returns a field as it is stored in a payload.
 inline std::string Field(std::string_view body) {
   std::string field(4, '\0');
   StoreU32(field.data(), static_cast<std::uint32_t>(body.size()));
   return field.append(body).append(1, '\0');
 }
 
-// The bodies of the fields of a payload that is in order.
+// Returns the bodies of the fields of a valid payload.
 inline std::vector<std::string> FieldsOf(const std::string& payload) {
   std::vector<std::string> fields;
   for (std::size_t at = 0; at + 4 < payload.size(); at += 4 + fields.back().size() + 1) {

@@ -6,10 +6,10 @@
 
 namespace qv {
 
-// Sets a variable of the environment, or takes it away when `value` is null.
+// Sets a variable of the environment, or removes it if `value` is null.
 void SetVariable(const std::string& name, const char* value);
 
-// Makes a link to a file or folder, or a pipe; false where there is no such thing.
+// Makes a link to a file or folder, or a pipe. Returns false where the system has no such thing.
 bool MakeLink(const std::filesystem::path& target, const std::filesystem::path& link);
 bool MakePipe(const std::filesystem::path& path);
 

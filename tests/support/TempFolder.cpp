@@ -28,8 +28,7 @@ std::string TempFolder::At(const std::filesystem::path& name) const {
 
 std::string TempFolder::Write(const std::string& name, const std::string& bytes) const {
   const std::filesystem::path path = path_ / name;
-  // A file that is cut and written anew makes some file systems wait for the disk; a new one does
-  // not.
+  // Truncating and rewriting a file makes some file systems wait for the disk; a new file does not.
   std::filesystem::remove(path);
   std::ofstream(path, std::ios::binary) << bytes;
   return At(name);

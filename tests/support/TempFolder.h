@@ -1,4 +1,4 @@
-// A fresh folder for the files of one test, removed with all that it holds; and what is in files.
+// A new folder for the files of one test, which is removed with its content, and helpers for files.
 #pragma once
 
 #include <filesystem>
@@ -14,19 +14,19 @@ class TempFolder {
   TempFolder& operator=(const TempFolder&) = delete;
 
   [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
-  // The path of what stands in it, as the library takes paths.
+  // The path of an entry, as the library takes paths.
   [[nodiscard]] std::string At(const std::filesystem::path& name = {}) const;
-  // Writes a file of that name and gives its path.
+  // Writes a file of that name and returns its path.
   std::string Write(const std::string& name, const std::string& bytes) const;
 
  private:
   std::filesystem::path path_;
 };
 
-// The bytes of a file; empty when it cannot be read.
+// Returns the bytes of a file; empty if it cannot be read.
 [[nodiscard]] std::string BytesOf(const std::string& path);
 
-// A gzip file of one member that holds `text`.
+// Returns a gzip file with one member that holds `text`.
 std::string Gzipped(const std::string& text);
 
 }  // namespace qv

@@ -15,9 +15,9 @@ struct TestCertificate {
   std::string key;
 };
 
-// A certificate that vouches for itself, so that it also serves as its own authority. `names` is
-// what it is for, as in "IP:127.0.0.1" or "DNS:a.example"; it is valid for `lifetime` from now,
-// which may be over already.
+// Makes a self-signed certificate, which is also its own authority. `names` are its subjects, as in
+// "IP:127.0.0.1" or "DNS:a.example". It is valid for `lifetime` from now; a negative lifetime has
+// already expired.
 [[nodiscard]] TestCertificate MakeCertificate(const std::string& names,
                                               std::chrono::seconds lifetime);
 
@@ -25,7 +25,7 @@ class TlsSide final : public wire::ByteStream {
  public:
   TlsSide(ServerSide& side, const TestCertificate& certificate);
 
-  // False when the client does not like the certificate, or is gone.
+  // Returns false if the client rejects the certificate or disconnects.
   bool ShakeHands();
   bool Read(wire::WritableBytes bytes) override;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;

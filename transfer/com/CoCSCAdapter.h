@@ -1,5 +1,4 @@
-// The interface of the cloud storage component, as far as it is used, and what the queues see of
-// it.
+// The used part of the cloud storage component's interface, and its adapter for the queues.
 #pragma once
 
 #include <cstddef>
@@ -55,7 +54,7 @@ static_assert(offsetof(CoCSCTable, AddCopyServerFile) == EntryOffset(34));
 static_assert(offsetof(CoCSCTable, CopyServerFile) == EntryOffset(35));
 static_assert(offsetof(CoCSCTable, GetLastResult) == EntryOffset(36));
 
-// The cloud storage component as the queues know it.
+// The cloud storage component as the queues use it.
 class CoCSCAdapter final : public ComAdapter<IQvCoCSC, CoCSCObject, CoCSCTable> {
  public:
   // Takes over the caller's reference.

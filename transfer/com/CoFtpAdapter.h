@@ -1,4 +1,4 @@
-// The interface of the FTP component, and what the queues see of it.
+// The interface of the FTP component, and its adapter for the queues.
 #pragma once
 
 #include <cstddef>
@@ -63,7 +63,7 @@ static_assert(offsetof(CoFtpTable, GetLastResult) == EntryOffset(37));
 static_assert(offsetof(CoFtpTable, SetTransModel1) == EntryOffset(41));
 static_assert(offsetof(CoFtpTable, SetTransModel2) == EntryOffset(42));
 
-// The FTP component as the queues know it.
+// The FTP component as the queues use it.
 class CoFtpAdapter final : public ComAdapter<IQvCoFtp, CoFtpObject, CoFtpTable> {
  public:
   // Takes over the caller's reference.

@@ -1,12 +1,13 @@
-// The calls that both components take in the same words.
+// The calls that both components have in common.
 #pragma once
 
 #include "ComObject.h"
 
 namespace qv {
 
-// A component as the queues know it: `Contract` is IQvCoFtp or IQvCoCSC, `Object` and `Table` are
-// what stands behind it. A text for which there is no memory fails its call with E_OUTOFMEMORY.
+// A component as the queues use it: `Contract` is IQvCoFtp or IQvCoCSC, `Object` and `Table` are
+// the COM object behind it. A call fails with E_OUTOFMEMORY if there is no memory for one of its
+// texts.
 template <class Contract, class Object, class Table>
 class ComAdapter : public Contract {
  public:

@@ -9,7 +9,7 @@ namespace qv {
 
 namespace {
 
-// What is no text in the code page becomes its replacement character.
+// Bytes that are not valid in the code page become its replacement character.
 BSTR Wide(const char* text) {
   const std::size_t length = std::strlen(text);
   if (length == 0) return ::SysAllocStringLen(nullptr, 0);
@@ -22,13 +22,13 @@ BSTR Wide(const char* text) {
   return wide;
 }
 
-// In this process, as a handler of another's, in another process, on another machine.
+// In this process, as a handler for another one, in another process, on another machine.
 constexpr DWORD kAnywhere =
     CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
 static_assert(kAnywhere == 23);
 
-// What was said about the failure, which the caller releases; null when the interface says nothing,
-// since what lies on the thread is another's then.
+// Returns the failure's error information, which the caller releases, or null if the interface does
+// not supply any: what is on the thread then belongs to another call.
 IErrorInfo* TakeErrorInfo(IUnknown* object, const IID& iid) {
   void* found = nullptr;
   if (FAILED(object->QueryInterface(IID_ISupportErrorInfo, &found)) || found == nullptr) {
@@ -45,7 +45,7 @@ IErrorInfo* TakeErrorInfo(IUnknown* object, const IID& iid) {
 
 Bstr::Bstr(const char* text) : text_(Wide(text)) {}
 
-// An object that may live elsewhere has to run before it is asked for its interface.
+// An object that may live in another process must run before it is asked for its interface.
 void* CreateComObject(const CLSID& class_id, const IID& iid) {
   void* made = nullptr;
   const HRESULT created = ::CoCreateInstance(class_id, nullptr, kAnywhere, IID_IUnknown, &made);

@@ -1,6 +1,6 @@
-// A COM object as its bytes are: a pointer to a table of functions. Only entries that are called
-// have a type, all others just keep their place; so no compiler decides on the order. And texts as
-// such objects take them.
+// A COM object in its binary form: a pointer to a table of functions. Only entries that are called
+// have a type; the others just keep their place. So the order does not depend on the compiler.
+// Texts travel as BSTR.
 #pragma once
 
 #include <windows.h>
@@ -12,7 +12,7 @@
 
 namespace qv {
 
-// A copy in UTF-16 of a text in the system's code page, for the time of one call.
+// A UTF-16 copy of a text in the system's code page, for the duration of one call.
 class Bstr {
  public:
   explicit Bstr(const char* text);
@@ -20,14 +20,14 @@ class Bstr {
   Bstr(const Bstr&) = delete;
   Bstr& operator=(const Bstr&) = delete;
 
-  // Null when there was no memory for it.
+  // Returns null if there was no memory for it.
   BSTR Get() const { return text_; }
 
  private:
   BSTR text_;
 };
 
-// How an argument travels: texts as Bstr, anything else as it is.
+// How an argument is passed: texts as Bstr, everything else unchanged.
 inline Bstr Carried(const char* text) { return Bstr(text); }
 template <class Argument>
 Argument Carried(Argument argument) {
@@ -49,7 +49,7 @@ Argument Passed(const Argument& argument) {
 template <class Object, class... Params>
 using ComMethod = HRESULT(STDMETHODCALLTYPE*)(Object*, Params...);
 
-// The place of an entry that is not called.
+// Keeps the place of an entry that is not called.
 using UnusedEntry = void*;
 
 // The first seven entries of every table of a dual interface.
@@ -61,27 +61,27 @@ struct DispatchEntries {
   UnusedEntry dispatch[4];
 };
 
-// Where the entry of that number stands, counted from 0.
+// Returns the offset of the entry with that number, counted from 0.
 constexpr std::size_t EntryOffset(std::size_t entry) { return entry * sizeof(void*); }
 
-// A new object of the class, as its interface `iid`; null when it cannot be had.
+// Creates an object of the class and returns its interface `iid`, or null on failure.
 [[nodiscard]] void* CreateComObject(const CLSID& class_id, const IID& iid);
 
-// Keeps the module of a function loaded, until FreeLibrary; null when there is none.
+// Keeps the module of a function loaded until FreeLibrary. Returns null if there is none.
 [[nodiscard]] HMODULE HoldModuleOf(const void* function);
 
-// Throws _com_error for a call of the interface `iid` of `object` that failed.
+// Throws _com_error for a failed call of the interface `iid` of `object`.
 [[noreturn]] void RaiseComErrorOf(HRESULT error, IUnknown* object, const IID& iid);
 
-// Owns one reference to an object, of the table that `Object` points to.
+// Owns one reference to an object whose table `Object` points to.
 template <class Object>
 class ComReference {
  public:
   explicit ComReference(Object* object)
       : object_(object),
         module_(HoldModuleOf(reinterpret_cast<const void*>(object->table->head.Release))) {}
-  // The apartment may be left by now, and what COM loaded for it unloaded; the code of the object
-  // must still be there.
+  // The apartment may have been left by now, and COM may have unloaded its libraries; the object's
+  // code must still be there.
   ~ComReference() {
     object_->table->head.Release(object_);
     if (module_ != nullptr) ::FreeLibrary(module_);
@@ -89,7 +89,7 @@ class ComReference {
   ComReference(const ComReference&) = delete;
   ComReference& operator=(const ComReference&) = delete;
 
-  // Calls an entry; texts travel as BSTR. Never throws.
+  // Calls an entry, passing texts as BSTR. Never throws.
   template <class Table, class Entry, class... Args>
   HRESULT Call(Entry Table::*entry, const Args&... args) const {
     return CallCarried(object_->table->*entry, Carried(args)...);
@@ -101,7 +101,7 @@ class ComReference {
   template <class Entry, class... Args>
   HRESULT CallCarried(Entry entry, const Args&... args) const {
     if ((IsLost(args) || ...)) {
-      // What an earlier call left on the thread is not about this one.
+      // Error information that an earlier call left on the thread is not about this one.
       static_cast<void>(::SetErrorInfo(0, nullptr));
       return E_OUTOFMEMORY;
     }

@@ -27,11 +27,11 @@ Adapter* Create(const CLSID& class_id, const IID& iid) {
   return adapter;
 }
 
-// Has the FTP component beside the program that runs enter itself in the registry, when it is there
-// and knows how; what comes of it is not told.
+// Lets the FTP component beside the running program register itself, if the file exists and
+// supports it. The result is ignored.
 void RegisterFtpComponent() {
   const std::string folder = platform::ProgramFolder();
-  // The loader would look for a file without a folder wherever it likes.
+  // Without a folder, the loader would search for the file elsewhere.
   if (folder.empty()) return;
   const HMODULE library = ::LoadLibraryA((folder + "QvCoFtp.dll").c_str());
   if (library == nullptr) return;
@@ -44,7 +44,7 @@ void RegisterFtpComponent() {
 
 }  // namespace
 
-// A thread that is in another kind of apartment already stays there.
+// A thread that is already in another kind of apartment stays there.
 void EnterApartment() { static_cast<void>(::CoInitialize(nullptr)); }
 void LeaveApartment() { ::CoUninitialize(); }
 
@@ -59,7 +59,7 @@ IQvCoCSC* CreateCscComponent() {
   return Create<CoCSCAdapter, CoCSCObject>(kCscClass, kCscInterface);
 }
 
-// All components here are adapters: nobody else makes any.
+// All components here are adapters: nothing else creates any.
 void RaiseComError(HRESULT error, IQvCoFtp* component) {
   RaiseComErrorOf(error, static_cast<CoFtpAdapter*>(component)->Unknown(), kFtpInterface);
 }

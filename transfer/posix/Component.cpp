@@ -38,7 +38,7 @@ Component* Create(const char* file, const char* function) {
 
 void* FindFactory(const char* file, const char* function) {
   const std::string folder = platform::ProgramFolder();
-  // Without its folder the loader would look for the file wherever it likes.
+  // Without a folder, the loader would search for the file elsewhere.
   if (folder.empty()) return nullptr;
   void* const library = platform::OpenLibrary(folder + file);
   if (library == nullptr) return nullptr;
@@ -47,7 +47,7 @@ void* FindFactory(const char* file, const char* function) {
   return factory;
 }
 
-// Threads need no preparation here.
+// Threads need no preparation on this system.
 void EnterApartment() {}
 void LeaveApartment() {}
 

@@ -18,10 +18,10 @@ const char kSeparator = '/';
 namespace {
 
 constexpr const char kDefaultTempFolder[] = "/tmp/";
-// What hosts have room for, without the NUL.
+// The longest path that hosts have room for, without the NUL.
 constexpr std::size_t kMaxTempFolder = 259;
 
-// The rights of a new file, of which the user's mask takes some away.
+// The rights of a new file, before the user's mask is applied.
 constexpr mode_t kAsTheUserLikes = 0666;
 
 void CloseKeepingErrno(int descriptor) {
@@ -30,7 +30,8 @@ void CloseKeepingErrno(int descriptor) {
   errno = cause;
 }
 
-// The stream owns the descriptor, which is closed when there is no memory for one; -1 is none.
+// Makes a stream that owns the descriptor. Closes the descriptor if there is no memory for a
+// stream; accepts -1.
 std::FILE* StreamOf(int descriptor, const char* mode) {
   if (descriptor < 0) return nullptr;
   std::FILE* const file = ::fdopen(descriptor, mode);
@@ -40,8 +41,8 @@ std::FILE* StreamOf(int descriptor, const char* mode) {
 
 bool HasOwnerOnly(const struct stat& status) { return (status.st_mode & (S_IRWXG | S_IRWXO)) == 0; }
 
-// Takes everybody else's rights to an open file away. False, and errno, when the file is none, or
-// somebody else's.
+// Removes everybody else's rights to an open file. Returns false and sets errno if it is not a file
+// or belongs to somebody else.
 bool MakePrivate(int descriptor) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) return false;
@@ -57,15 +58,16 @@ bool MakePrivate(int descriptor) {
 std::string TempFolder() {
   const char* const named = std::getenv("TMPDIR");
   std::string folder = named != nullptr ? named : "";
-  // A relative one would move with the working directory, and one that is cut is another folder.
+  // A relative path would move with the working directory, and a truncated one names another
+  // folder.
   if (!folder.starts_with(kSeparator)) return kDefaultTempFolder;
   folder = WithSeparator(std::move(folder));
   return folder.size() <= kMaxTempFolder ? folder : kDefaultTempFolder;
 }
 
 std::FILE* CreatePrivateFile(const std::string& path, Create how) {
-  // A link or a pipe in a shared temporary folder may be somebody's trap: neither followed nor
-  // waited for.
+  // A link or a pipe in a shared temporary folder may be a trap: links are not followed, and pipes
+  // are not waited for.
   const int on_existing = how == Create::kNew ? O_EXCL : O_TRUNC;
   const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | on_existing;
   const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);

@@ -62,7 +62,7 @@ std::optional<Entry> Folder::Look(const std::string& name) const {
 }
 
 std::optional<OpenedFile> Folder::OpenFile(const std::string& name) const {
-  // Not to wait for the other end of a pipe.
+  // Prevents waiting for the other end of a pipe.
   const int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
   const int opened = ::openat(handle_->descriptor, name.c_str(), flags);
   if (opened < 0) return std::nullopt;
@@ -77,7 +77,7 @@ std::optional<OpenedFile> Folder::OpenFile(const std::string& name) const {
 }
 
 bool Folder::ForEach(const std::function<bool(const Entry&)>& visit) const {
-  // A descriptor of its own, since it remembers how far it has read.
+  // Uses a descriptor of its own, because a descriptor remembers how far it was read.
   const int opened = ::openat(handle_->descriptor, ".", kOpenFolder);
   if (opened < 0) return false;
   const std::unique_ptr<DIR, DirCloser> entries(::fdopendir(opened));

@@ -31,8 +31,8 @@ bool IsSameName(std::string_view name, std::string_view other) {
 
 }  // namespace
 
-// Reads as the system does that the files come from, where a value is all that stands behind the
-// first '=': no comment ends it and no line continues it.
+// Reads like the system that these files come from: everything after the first '=' is the value. No
+// comment ends it and no line continues it.
 std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
                                         const char* key) {
   std::ifstream file(path, std::ios::binary);

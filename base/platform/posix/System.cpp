@@ -13,7 +13,7 @@ namespace qv::platform {
 
 namespace {
 
-// Any object inside this module will do to ask the loader which file it came from.
+// Any object in this module: the loader is asked which file contains its address.
 const char kInsideThisModule = 0;
 
 std::filesystem::path ProgramFile() {
@@ -27,9 +27,10 @@ std::string ModuleFile() {
   Dl_info info{};
   const bool known = ::dladdr(&kInsideThisModule, &info) != 0 && info.dli_fname != nullptr;
   std::error_code error;
-  // A program is listed under the word that it was started with; only with a slash is that a path.
+  // The loader lists a program under the word that started it, which is a path only if it contains
+  // a slash.
   if (known && std::strchr(info.dli_fname, kSeparator) != nullptr) {
-    // A link stays: what lies beside the link, not beside its target, configures the library.
+    // Links are kept: the files beside the link, not beside its target, configure the library.
     const auto loaded = std::filesystem::absolute(info.dli_fname, error).lexically_normal();
     if (!error && std::filesystem::exists(loaded, error)) return loaded.string();
   }
@@ -41,8 +42,8 @@ std::string ProgramFolder() {
   return program.empty() ? std::string() : (program.parent_path() / "").string();
 }
 
-// Everything is bound at once, so that a library that lacks something is refused here and does not
-// end the program later.
+// Binds all symbols at once, so that an incomplete library is refused here and does not end the
+// program later.
 void* OpenLibrary(const std::string& path) { return ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL); }
 
 void CloseLibrary(void* library) { ::dlclose(library); }
@@ -51,7 +52,7 @@ void* FindFunction(void* library, const char* name) { return ::dlsym(library, na
 
 void PreferLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t bytes) {
 #if defined(MADV_HUGEPAGE)
-  // Advice is for whole pages: those that lie in the range.
+  // The system takes advice for whole pages only: those inside the range.
   static const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
   const std::size_t ahead = (page - reinterpret_cast<std::uintptr_t>(start) % page) % page;
   if (bytes <= ahead) return;

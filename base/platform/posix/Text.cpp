@@ -17,8 +17,8 @@ constexpr char32_t kReplacement = 0xFFFD;
 bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
-// The character that starts at `p`, which moves behind it. A half without its other half is one
-// character of its own, so that what stands beside it is not lost with it.
+// Returns the character at `p` and moves `p` past it. An unpaired surrogate counts as one
+// character, so that its neighbours are not lost with it.
 char32_t NextCharacter(const char16_t*& p, const char16_t* end) {
   const char16_t first = *p++;
   if (!IsHighHalf(first)) return IsLowHalf(first) ? kReplacement : first;

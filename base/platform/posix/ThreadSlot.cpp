@@ -15,7 +15,8 @@ struct Kept {
   Kept* before;
 };
 
-// A thread has few of them. What is asked for after the end of all is made anew, and stays.
+// A thread has few of them. An object that is requested after EndOfAll ran is created anew and
+// never destroyed.
 thread_local Kept* newest = nullptr;
 
 struct EndOfAll {

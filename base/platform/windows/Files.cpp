@@ -16,18 +16,18 @@ const char kSeparator = '\\';
 
 namespace {
 
-// What hosts have room for, without the NUL.
+// The longest path that hosts have room for, without the NUL.
 constexpr DWORD kMaxTempFolder = 259;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 HandlePtr Open(const std::string& path, DWORD access, DWORD share, DWORD how,
                SECURITY_ATTRIBUTES* rights = nullptr) {
-  // A link is opened itself, whatever it leads to.
+  // Opens a link itself, whatever it points to.
   const DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT;
   return Opened(::CreateFileA(path.c_str(), access, share, rights, how, flags, nullptr));
 }
 
-// Null, and errno.
+// Returns null and sets errno on failure.
 HandlePtr OpenShared(const std::string& path, DWORD access, DWORD how) {
   HandlePtr file = Opened(
       ::CreateFileA(path.c_str(), access, kShareAll, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -50,8 +50,7 @@ bool IsOrdinaryFile(HANDLE handle) {
   return Inform(handle, &known) && IsFile(known.dwFileAttributes);
 }
 
-// What is below the drive or the server's share, without separators at its end; empty when nothing
-// is.
+// Returns the part of a path below the drive or the server's share, without separators at its end.
 std::string FolderAbove(const std::string& path) {
   std::string_view rest = path;
   while (!rest.empty() && FolderLength(rest) == rest.size()) rest.remove_suffix(1);
@@ -75,7 +74,7 @@ std::FILE* CreatePrivateFile(const std::string& path, Create how) {
     SetErrno();
     return nullptr;
   }
-  // Not the way of opening that empties: it would follow a link.
+  // CREATE_ALWAYS is not used, because it would follow a link.
   HandlePtr file = Open(path, GENERIC_WRITE | READ_CONTROL | WRITE_DAC, 0,
                         how == Create::kNew ? CREATE_NEW : OPEN_ALWAYS, rights.Attributes());
   if (file == nullptr) {
@@ -121,8 +120,8 @@ bool CreatePrivateFolder(const std::string& path) {
   return ::CreateDirectoryA(path.c_str(), rights.Attributes()) != FALSE || IsFolder(path);
 }
 
-// The standard library of MinGW does not see that a path begins with a server, and would make one
-// of this machine's out of it.
+// MinGW's standard library does not recognise that a path begins with a server, and would make it a
+// path on this machine.
 std::optional<std::string> AbsolutePath(const std::string& path) {
   std::string whole(MAX_PATH, '\0');
   for (;;) {
@@ -165,6 +164,6 @@ bool FlushFileToDisk(const std::string& path) {
   return file != nullptr && IsOrdinaryFile(file.get()) && ::FlushFileBuffers(file.get()) != FALSE;
 }
 
-void SurviveFileLimits() {}  // there are none for one process
+void SurviveFileLimits() {}  // Windows has no such limit.
 
 }  // namespace qv::platform

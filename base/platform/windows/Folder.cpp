@@ -19,7 +19,7 @@ struct Folder::Handle {
 namespace {
 
 constexpr ACCESS_MASK kUseFolder = FILE_LIST_DIRECTORY | FILE_TRAVERSE;
-constexpr std::int64_t kUnitsOfSecond = 10'000'000;  // the system counts in 100 ns, since 1601
+constexpr std::int64_t kUnitsOfSecond = 10'000'000;  // the system counts units of 100 ns since 1601
 constexpr std::int64_t kSecondsTo1970 = 11'644'473'600;
 
 std::int64_t Joined(DWORD high, DWORD low) {
@@ -41,7 +41,7 @@ bool IsFolder(HANDLE handle) {
   return Inform(handle, &known) && KindOf(known.dwFileAttributes) == EntryKind::kFolder;
 }
 
-// Only what has a name can be worked on.
+// Skips entries whose name the code page cannot express.
 HandlePtr OpenEntry(HANDLE folder, const std::string& name, const OpenHow& how) {
   return name.empty() ? nullptr : OpenIn(folder, name, how);
 }
@@ -58,7 +58,7 @@ std::string NameOf(const FILE_ID_BOTH_DIR_INFO& found) {
   return NarrowFromWide({name, found.FileNameLength / sizeof(char16_t)});
 }
 
-// Visits the entries of one answer of the system's; false as soon as `visit` says so.
+// Visits the entries of one answer of the system; returns false as soon as `visit` does.
 bool VisitAll(const std::byte* answer, const std::function<bool(const Entry&)>& visit) {
   for (;;) {
     const auto& found = *reinterpret_cast<const FILE_ID_BOTH_DIR_INFO*>(answer);
@@ -114,7 +114,7 @@ std::optional<OpenedFile> Folder::OpenFile(const std::string& name) const {
 }
 
 bool Folder::ForEach(const std::function<bool(const Entry&)>& visit) const {
-  // A handle of its own, since it remembers how far it has read.
+  // Uses a handle of its own, because a handle remembers how far it was read.
   const HandlePtr folder = OpenIn(handle_->handle.get(), "",
                                   {FILE_LIST_DIRECTORY, FILE_OPEN, FILE_DIRECTORY_FILE, nullptr});
   if (folder == nullptr) return false;

@@ -1,4 +1,5 @@
-// Handles that close themselves, what the C library makes of them, and attempts that are repeated.
+// Handles that close themselves, conversions to the C library's files, and attempts that are
+// repeated.
 #pragma once
 
 #include <windows.h>
@@ -12,34 +13,33 @@ struct HandleCloser {
   using pointer = HANDLE;
   void operator()(HANDLE handle) const { ::CloseHandle(handle); }
 };
-// Null stands for none, never INVALID_HANDLE_VALUE.
+// An empty handle is null, never INVALID_HANDLE_VALUE.
 using HandlePtr = std::unique_ptr<HANDLE, HandleCloser>;
 
-// What the system answered when it was to open something.
+// Wraps the result of an opening function; INVALID_HANDLE_VALUE becomes null.
 [[nodiscard]] HandlePtr Opened(HANDLE answer);
 
-// The handle as a descriptor of the C library or a stream, which owns it from then on; -1 or null,
-// and errno, when there is no room for one more.
+// Converts the handle to a descriptor or a stream of the C library, which owns it from then on.
+// Returns -1 or null and sets errno if the C library has no room for another one.
 [[nodiscard]] int DescriptorOf(HandlePtr handle);
 [[nodiscard]] std::FILE* StreamOf(HandlePtr handle, const char* mode);
 
-// The handle under a stream, which still owns it.
+// Returns the handle behind a stream, which keeps owning it.
 [[nodiscard]] HANDLE HandleOf(std::FILE* file);
 
-// What is known about an open file or folder; false for a pipe or a device.
+// Reads the attributes of an open file or folder. Returns false for a pipe or a device.
 [[nodiscard]] bool Inform(HANDLE handle, BY_HANDLE_FILE_INFORMATION* known);
 
-// Whether those are the attributes of a file, neither a folder nor a link of any kind.
+// Returns true for the attributes of a file that is neither a folder nor any kind of link.
 [[nodiscard]] bool IsFile(DWORD attributes);
 
-// Says in errno why the system's last call failed.
+// Sets errno from the last error of the system.
 void SetErrno();
 
-// What fails for a moment: a file cannot be replaced while anybody has it open, be it another
-// thread that replaces it as well, or what looks into every new file on the machine.
-//
-// Makes attempts, which give the system's error or ERROR_SUCCESS, until one succeeds or fails for
-// another reason than that; for a quarter of a second at most. Whether the last one succeeded.
+// Some failures pass: a file cannot be replaced while it is open anywhere, be it in another thread
+// that also replaces it or in a scanner that looks into every new file. Repeats `attempt`, which
+// returns the system's error or ERROR_SUCCESS, until it succeeds or fails for another reason, for
+// at most a quarter of a second. Returns true if the last attempt succeeded.
 template <class Attempt>
 bool Patiently(const Attempt& attempt) {
   constexpr DWORD kLongestPause = 128;  // milliseconds

@@ -8,7 +8,7 @@ namespace qv::platform {
 
 namespace {
 
-// No value has it, since a value ends with its line.
+// No value contains this, since a value ends with its line.
 constexpr const char kNone[] = "\n";
 constexpr std::size_t kMostValue = std::size_t{1} << 20;
 
@@ -20,7 +20,7 @@ std::optional<std::string> ReadIniValue(const std::string& path, const char* sec
   for (;; value.resize(value.size() * 4)) {
     const DWORD length = ::GetPrivateProfileStringA(section, key, kNone, value.data(),
                                                     static_cast<DWORD>(value.size()), path.c_str());
-    // One less than there is room for says that it was cut.
+    // A length of one less than the buffer's size means that the value was truncated.
     if (length + 1 < value.size() || value.size() > kMostValue) break;
   }
   if (value.front() == *kNone) return std::nullopt;

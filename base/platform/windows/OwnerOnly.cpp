@@ -10,7 +10,7 @@ namespace qv::platform {
 
 namespace {
 
-// Room for a record with one identifier of the longest kind.
+// Space for a record with one identifier of the longest kind.
 struct TokenOwner {
   TOKEN_USER user;
   BYTE room[SECURITY_MAX_SID_SIZE];
@@ -20,16 +20,16 @@ struct LocalFreer {
   void operator()(void* memory) const { ::LocalFree(memory); }
 };
 
-// The user that this program runs as. Whoever is an administrator owns nothing under the own name,
-// so that the owner's rights would not do.
+// The user that this program runs as. Objects made by an administrator are owned by the
+// Administrators group, so OWNER RIGHTS would not identify this user.
 [[nodiscard]] bool FindUser(TokenOwner* found) {
   DWORD length = 0;
   return ::GetTokenInformation(::GetCurrentProcessToken(), TokenUser, found, sizeof *found,
                                &length) != FALSE;
 }
 
-// What the user, the system and the administrators may do: everything, and nothing comes from the
-// folder above. Empty when the system does not say who that is.
+// Grants the user, the system and the administrators everything, and inherits nothing from the
+// folder above. Returns an empty text if the system does not tell who the user is.
 std::string Rights(Inherit inherit) {
   TokenOwner token{};
   char* user = nullptr;
@@ -46,7 +46,7 @@ bool IsTrusted(PSID who, PSID owner) {
          (FindUser(&token) && ::EqualSid(who, token.user.User.Sid) != FALSE);
 }
 
-// Whether an entry gives nothing to anybody else. Of a kind that is not known here it might.
+// Returns true if an entry grants nothing to anybody else. An entry of an unknown kind might.
 bool IsHarmless(const ACE_HEADER& entry, PSID owner) {
   if (entry.AceType == ACCESS_DENIED_ACE_TYPE || (entry.AceFlags & INHERIT_ONLY_ACE) != 0) {
     return true;
@@ -84,7 +84,7 @@ bool IsOwnerOnly(HANDLE object) {
                                          &owner, nullptr, &rights, nullptr, &all);
   if (failed != ERROR_SUCCESS) return false;
   const std::unique_ptr<void, LocalFreer> kept(all);
-  if (rights == nullptr || owner == nullptr) return false;  // no list is everything to everybody
+  if (rights == nullptr || owner == nullptr) return false;  // without a list all may do everything
   for (DWORD i = 0; i < rights->AceCount; ++i) {
     void* entry = nullptr;
     if (::GetAce(rights, i, &entry) == FALSE) return false;

@@ -1,4 +1,4 @@
-// Who may touch what is made for its owner only.
+// Access rights of objects that are created for their owner only.
 #pragma once
 
 #include <windows.h>
@@ -7,29 +7,29 @@ namespace qv::platform {
 
 enum class Inherit { kNot, kToContents };
 
-// The rights of an object that only this user, the system and its administrators reach, whatever
-// the folder above would hand down.
+// Rights that admit only this user, the system and its administrators, and inherit nothing from the
+// folder above.
 class OwnerOnly {
  public:
-  // They are missing when the system does not say who this user is, or memory is short;
-  // GetLastError tells.
+  // Leaves the rights missing, with GetLastError set, if the system does not tell who this user is
+  // or memory is short.
   explicit OwnerOnly(Inherit inherit);
   ~OwnerOnly();
   OwnerOnly(const OwnerOnly&) = delete;
   OwnerOnly& operator=(const OwnerOnly&) = delete;
 
   [[nodiscard]] bool IsMissing() const { return attributes_.lpSecurityDescriptor == nullptr; }
-  // To create with, unless they are missing; null rights, which would mean those of the folder
-  // above, are never in it.
+  // Pass to Create* calls. Precondition: !IsMissing(); a null descriptor would silently inherit the
+  // parent folder's rights.
   [[nodiscard]] SECURITY_ATTRIBUTES* Attributes() { return &attributes_; }
-  // Gives an open object these rights; its handle needs WRITE_DAC.
+  // Assigns these rights to an open object, whose handle needs WRITE_DAC.
   [[nodiscard]] bool GiveTo(HANDLE object) const;
 
  private:
   SECURITY_ATTRIBUTES attributes_{};
 };
 
-// Whether nobody but its owner, this user, the system and its administrators has any right to an
+// Returns true if only the owner, this user, the system and its administrators have any right to an
 // open object.
 [[nodiscard]] bool IsOwnerOnly(HANDLE object);
 

@@ -13,7 +13,7 @@ namespace qv::platform {
 
 namespace {
 
-// What is not in every header of the system's native functions.
+// Not declared by every version of the system's headers.
 constexpr FILE_INFORMATION_CLASS kRename = static_cast<FILE_INFORMATION_CLASS>(10);
 extern "C" NTSTATUS NTAPI NtSetInformationFile(HANDLE, PIO_STATUS_BLOCK, PVOID, ULONG,
                                                FILE_INFORMATION_CLASS);
@@ -33,16 +33,16 @@ bool IsDevice(std::u16string_view name) {
   return std::find(std::begin(kDevices), std::end(kDevices), stem) != std::end(kDevices);
 }
 
-// Judged in UTF-16: in a narrow code page a byte of these may be half of another character.
+// Checked in UTF-16: in a narrow code page, these bytes may be half of another character.
 bool IsPlain(std::u16string_view name) {
   const bool odd = std::any_of(name.begin(), name.end(), [](char16_t c) {
     return c < 0x20 || std::u16string_view(u"\\/:*?\"<>|").find(c) != std::u16string_view::npos;
   });
-  // A dot or a blank at the end would be cut off by others.
+  // Win32 functions would cut a dot or a blank at the end.
   return !odd && !name.ends_with(u'.') && !name.ends_with(u' ') && !IsDevice(name);
 }
 
-// A name as the native functions take it; nothing when it is not plain.
+// Converts a name for the native functions; returns nothing if it is not a plain name.
 std::optional<std::u16string> NativeName(const std::string& name) {
   auto wide = WideFromNarrow(name);
   if (!wide || !IsPlain(*wide) || wide->size() > 255) return std::nullopt;
@@ -73,7 +73,7 @@ bool RenameInto(HANDLE object, HANDLE folder, const std::string& name) {
   if (!wide || wide->empty()) return false;
   const std::size_t bytes = wide->size() * sizeof(char16_t);
   const std::size_t size = sizeof(FILE_RENAME_INFO) + bytes;
-  // In units that are aligned as the record wants it.
+  // Allocated in units that have the record's alignment.
   const auto memory = std::make_unique<std::max_align_t[]>(size / sizeof(std::max_align_t) + 1);
   auto* const rename = reinterpret_cast<FILE_RENAME_INFO*>(memory.get());
   rename->ReplaceIfExists = TRUE;

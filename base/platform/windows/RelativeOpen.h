@@ -17,13 +17,13 @@ struct OpenHow {
   void* security = nullptr;
 };
 
-// Opens what stands under `name` in `folder`; a link is opened itself, everything is shared with
-// others. An empty name opens the folder once more. Null when it cannot be had, and for a name that
-// the system's other functions would not find again or take for a device.
+// Opens `name` in `folder`, sharing it with everybody; a link is opened itself. An empty name
+// reopens the folder. Returns null on failure, and for a name that Win32 functions would not find
+// again or take for a device.
 [[nodiscard]] HandlePtr OpenIn(HANDLE folder, const std::string& name, const OpenHow& how);
 
-// Gives an open object, whose handle needs DELETE, the name `name` in `folder`; a file of that name
-// is replaced.
+// Renames an open object, whose handle needs DELETE, to `name` in `folder`; an existing file of
+// that name is replaced.
 [[nodiscard]] bool RenameInto(HANDLE object, HANDLE folder, const std::string& name);
 
 }  // namespace qv::platform

@@ -1,9 +1,9 @@
-// A part of libraries that are never unloaded: it pins them as soon as they are loaded.
+// Linked into libraries that must never be unloaded: pins the library as soon as it is loaded.
 #include <windows.h>
 
 namespace {
 
-// Any object inside the library will do to tell which one it is.
+// Any object in the library identifies it.
 [[maybe_unused]] const bool pinned = [] {
   HMODULE library = nullptr;
   return ::GetModuleHandleExA(

@@ -5,7 +5,7 @@
 
 #include "base/platform/Platform.h"
 
-// Where this module was loaded to, which is its handle; the linker knows it.
+// The address at which this module was loaded, which is also its handle. The linker defines it.
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace qv::platform {
@@ -16,7 +16,7 @@ std::string FileOf(HMODULE module) {
   std::vector<char> path(MAX_PATH);
   for (;; path.resize(path.size() * 2)) {
     const DWORD length = ::GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size()));
-    // A length of all there is room for says that it was cut.
+    // A length equal to the buffer's size means that the path was truncated.
     if (length < path.size()) return std::string(path.data(), length);
   }
 }
@@ -27,7 +27,7 @@ std::string ModuleFile() { return FileOf(reinterpret_cast<HMODULE>(&__ImageBase)
 
 std::string ProgramFolder() { return FolderOf(FileOf(nullptr)); }
 
-// What a library needs is looked for beside it first.
+// Dependencies of a library are first searched for in its own folder.
 void* OpenLibrary(const std::string& path) {
   return ::LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
@@ -38,7 +38,7 @@ void* FindFunction(void* library, const char* name) {
   return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
-// Large pages here are a privilege, not a matter of advice.
+// Windows has no such advice: large pages need a privilege.
 void PreferLargePages(void*, std::size_t) {}
 
 std::optional<std::tm> LocalTime(std::time_t time) {

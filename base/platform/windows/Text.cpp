@@ -9,13 +9,14 @@ namespace qv::platform {
 
 namespace {
 
-// How much the system converts at once; it counts in int, and narrow text may be four times longer.
+// The most that is converted in one call: the system counts in int, and narrow text may be four
+// times longer.
 constexpr std::size_t kMostUnits = std::size_t{1} << 24;
 
 bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
-// Rather the replacement character than another one that looks alike. UTF-8 has no such option, and
-// lacks no character.
+// Prefers the replacement character to a look-alike. UTF-8 has no such option and lacks no
+// character.
 DWORD NarrowFlags() { return ::GetACP() == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS; }
 
 }  // namespace
@@ -58,7 +59,7 @@ std::size_t FolderLength(std::string_view path) {
   std::size_t length = 0;
   for (std::size_t at = 0; at < path.size(); ++at) {
     if (::IsDBCSLeadByte(static_cast<BYTE>(path[at])) != FALSE) {
-      ++at;  // the second half may be the separator's byte
+      ++at;  // the second half may equal the separator
     } else if (path[at] == '\\' || path[at] == '/') {
       length = at + 1;
     }
@@ -66,9 +67,9 @@ std::size_t FolderLength(std::string_view path) {
   return length;
 }
 
-// Through UTF-16: what the standard library makes of narrow paths follows the locale.
+// Converted through UTF-16, because the standard library reads narrow paths by the locale.
 std::filesystem::path PathFromNarrow(const std::string& path) {
-  return std::filesystem::path(WideFromNarrow(path).value_or(u"?"));  // which no file is called
+  return std::filesystem::path(WideFromNarrow(path).value_or(u"?"));  // not a valid file name
 }
 std::string NarrowFromPath(const std::filesystem::path& path) {
   return NarrowFromWide(path.u16string());

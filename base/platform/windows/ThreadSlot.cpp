@@ -24,8 +24,8 @@ ThreadSlot::ThreadSlot() : index_(::FlsAlloc(End)) {
   if (index_ == FLS_OUT_OF_INDEXES) throw std::bad_alloc();
 }
 
-// When this module is unloaded: ends what threads still have, since they must not call into it
-// later.
+// Runs when this module is unloaded, and ends what threads still hold, since they must not call
+// into it later.
 ThreadSlot::~ThreadSlot() { ::FlsFree(index_); }
 
 void* ThreadSlot::Get() const {

@@ -7,7 +7,7 @@
 
 namespace qv {
 
-// While it lives, no file of this process grows over `bytes`, as on a full disk.
+// During its lifetime, no file of this process grows over `bytes`, as on a full disk.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
