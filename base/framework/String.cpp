@@ -3,9 +3,16 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <limits>
 
 #include "qvnetcall/framework/InvalidArgException.h"
+
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
+
+using qv::text::CompareIgnoringCase;
+using qv::text::SaturatedTo32Bits;
+using qv::text::ToLower;
+using qv::text::ToUpper;
 
 namespace {
 
@@ -13,31 +20,12 @@ constexpr std::size_t Clamped(int count) noexcept {
   return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-constexpr int Saturated(std::size_t value) noexcept {
-  return std::in_range<int>(value) ? static_cast<int>(value) : std::numeric_limits<int>::max();
-}
-
 constexpr int Position(std::size_t place) noexcept {
-  return place == std::string_view::npos ? -1 : Saturated(place);
-}
-
-constexpr char Lower(char ch) noexcept {
-  return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
-}
-
-constexpr char Upper(char ch) noexcept {
-  return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
+  return place == std::string_view::npos ? -1 : SaturatedTo32Bits(place);
 }
 
 constexpr int Sign(std::strong_ordering order) noexcept {
   return order < 0 ? -1 : (order > 0 ? 1 : 0);
-}
-
-int CompareLowered(std::string_view a, std::string_view b) noexcept {
-  const auto byte = [](char ch) { return static_cast<unsigned char>(Lower(ch)); };
-  return Sign(std::lexicographical_compare_three_way(
-      a.begin(), a.end(), b.begin(), b.end(),
-      [byte](char x, char y) { return byte(x) <=> byte(y); }));
 }
 
 }  // namespace
@@ -47,7 +35,7 @@ CString::CString(const char* text, int length)
 
 CString::CString(char ch, int repeat) : text_(Clamped(repeat), ch) {}
 
-int CString::GetLength() const noexcept { return Saturated(text_.size()); }
+int CString::GetLength() const noexcept { return SaturatedTo32Bits(text_.size()); }
 
 char CString::GetAt(std::ptrdiff_t index) const {
   if (std::cmp_less(index, 0) || std::cmp_greater(index, text_.size())) {
@@ -68,11 +56,11 @@ int CString::Compare(const char* other) const noexcept { return Sign(View() <=> 
 int CString::Compare(const CString& other) const noexcept { return Sign(View() <=> other.View()); }
 
 int CString::CompareNoCase(const char* other) const noexcept {
-  return CompareLowered(View(), OrEmpty(other));
+  return Sign(CompareIgnoringCase(View(), OrEmpty(other)));
 }
 
 int CString::CompareNoCase(const CString& other) const noexcept {
-  return CompareLowered(View(), other.View());
+  return Sign(CompareIgnoringCase(View(), other.View()));
 }
 
 std::string CString::Print(const char* format, ...) {
@@ -120,7 +108,7 @@ int CString::ReverseFind(char ch) const noexcept { return Position(text_.rfind(c
 int CString::Replace(char from, char to) noexcept {
   const auto count = std::count(text_.begin(), text_.end(), from);
   std::replace(text_.begin(), text_.end(), from, to);
-  return Saturated(static_cast<std::size_t>(count));
+  return SaturatedTo32Bits(count);
 }
 
 int CString::Replace(const char* from, const char* to) {
@@ -140,16 +128,16 @@ int CString::Replace(const char* from, const char* to) {
   }
   result.append(text_, copied);
   text_ = std::move(result);
-  return Saturated(count);
+  return SaturatedTo32Bits(count);
 }
 
 CString& CString::MakeLower() noexcept {
-  std::transform(text_.begin(), text_.end(), text_.begin(), Lower);
+  std::transform(text_.begin(), text_.end(), text_.begin(), [](char ch) { return ToLower(ch); });
   return *this;
 }
 
 CString& CString::MakeUpper() noexcept {
-  std::transform(text_.begin(), text_.end(), text_.begin(), Upper);
+  std::transform(text_.begin(), text_.end(), text_.begin(), ToUpper);
   return *this;
 }
 

@@ -4,6 +4,8 @@
 #include <limits>
 
 #include "DriverCalls.h"
+#include "base/text/ConnectionText.h"
+#include "base/text/Letters.h"
 
 namespace qv::odbc {
 
@@ -11,37 +13,15 @@ namespace {
 
 SQLPOINTER AsValue(std::uintptr_t value) { return reinterpret_cast<SQLPOINTER>(value); }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0; });
-}
-
-char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-// Returns the length of the value at the start of `rest`. A value in braces may contain ';', and
-// '}' doubled.
-std::size_t ValueLength(std::string_view rest) {
-  std::size_t close = 0;
-  if (rest.starts_with('{')) {
-    close = rest.find('}');
-    while (close < rest.size() && rest.substr(close).starts_with("}}")) {
-      close = rest.find('}', close + 2);
-    }
-  }
-  return std::min(rest.find(';', close), rest.size());
-}
-
 // Driver managers copy the driver's name into a fixed buffer (1001 bytes in unixODBC) without
 // checking its length, and some connection texts come from servers.
 bool HasLongDriver(std::string_view text) {
   constexpr std::string_view kKeyword = "driver";
   constexpr std::size_t kLongest = 512;
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), ToLower);
-  const std::string_view all = lower;
-  for (std::size_t at = 0; (at = all.find(kKeyword, at)) != std::string_view::npos;) {
+  for (std::size_t at = 0; (at = text::FindIgnoringCase(text, kKeyword, at)) != text.npos;) {
     at += kKeyword.size();
-    const std::size_t value = std::min(all.find_first_not_of(" \t=", at), all.size());
-    if (ValueLength(all.substr(value)) > kLongest) return true;
+    const std::size_t value = std::min(text.find_first_not_of(" \t=", at), text.size());
+    if (text::ConnectionValueLength(text.substr(value)) > kLongest) return true;
   }
   return false;
 }
@@ -93,14 +73,14 @@ bool Connection::Connect(std::string_view text, Diagnostics& diagnostics) {
   // any other text reaches a narrow driver only by the narrow call, and a wide one only by the wide
   // call.
   Diagnostics narrow;
-  if (!IsAscii(text)) {
+  if (!text::IsAscii(text)) {
     const bool connected = ConnectAs(false, text, narrow);
     if (connected && EncodingOf(connection_) == Encoding::kNarrow) return true;
     Disconnect();
   }
   if (ConnectAs(true, text, diagnostics)) {
     is_wide_ = EncodingOf(connection_) == Encoding::kWide;
-    if (is_wide_ || IsAscii(text)) return true;
+    if (is_wide_ || text::IsAscii(text)) return true;
     Disconnect();
   }
   // After two attempts it is unknown which one the driver understood.

@@ -1,18 +1,12 @@
 #include <algorithm>
-#include <boost/nowide/utf/utf.hpp>
 #include <cstdint>
-#include <iterator>
 
 #include "base/platform/Platform.h"
+#include "base/text/Utf8.h"
 
 namespace qv::platform {
 
 namespace {
-
-using Utf8 = boost::nowide::utf::utf_traits<char>;
-using Utf16 = boost::nowide::utf::utf_traits<char16_t>;
-
-constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighHalf(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -21,9 +15,17 @@ bool IsLowHalf(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 // character, so that its neighbours are not lost with it.
 char32_t NextCharacter(const char16_t*& p, const char16_t* end) {
   const char16_t first = *p++;
-  if (!IsHighHalf(first)) return IsLowHalf(first) ? kReplacement : first;
-  if (p == end || !IsLowHalf(*p)) return kReplacement;
+  if (!IsHighHalf(first) || p == end || !IsLowHalf(*p)) return first;
   return 0x10000 + ((first - 0xD800u) << 10) + (*p++ - 0xDC00u);
+}
+
+void AppendUtf16(char32_t character, std::u16string& wide) {
+  if (character < 0x10000) {
+    wide += static_cast<char16_t>(character);
+  } else {
+    wide += static_cast<char16_t>(0xD7C0 + (character >> 10));
+    wide += static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+  }
 }
 
 }  // namespace
@@ -31,12 +33,11 @@ char32_t NextCharacter(const char16_t*& p, const char16_t* end) {
 std::optional<std::u16string> WideFromNarrow(std::string_view text) {
   std::u16string wide;
   wide.reserve(text.size());
-  const char* p = text.data();
-  const char* const end = p + text.size();
-  while (p != end) {
-    const auto character = Utf8::decode(p, end);
-    if (!boost::nowide::utf::is_valid_codepoint(character)) return std::nullopt;
-    Utf16::encode(character, std::back_inserter(wide));
+  while (!text.empty()) {
+    const text::DecodedChar next = text::DecodeUtf8(text);
+    if (!next.valid) return std::nullopt;
+    AppendUtf16(next.value, wide);
+    text.remove_prefix(next.bytes);
   }
   return wide;
 }
@@ -49,7 +50,7 @@ void AppendNarrow(std::u16string_view wide, std::string& text) {
     if (*p < 0x80) {
       text += static_cast<char>(*p++);
     } else {
-      Utf8::encode(NextCharacter(p, end), std::back_inserter(text));
+      text::AppendUtf8(NextCharacter(p, end), text);
     }
   }
 }

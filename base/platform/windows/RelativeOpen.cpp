@@ -1,13 +1,12 @@
 #include "RelativeOpen.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <string_view>
 
 #include "base/platform/Platform.h"
+#include "base/text/DeviceNames.h"
 
 namespace qv::platform {
 
@@ -18,34 +17,13 @@ constexpr FILE_INFORMATION_CLASS kRename = static_cast<FILE_INFORMATION_CLASS>(1
 extern "C" NTSTATUS NTAPI NtSetInformationFile(HANDLE, PIO_STATUS_BLOCK, PVOID, ULONG,
                                                FILE_INFORMATION_CLASS);
 
-// Whether a name up to its first dot is that of a device, in whatever folder.
-bool IsDevice(std::u16string_view name) {
-  std::u16string stem(name.substr(0, name.find(u'.')));
-  stem.resize(stem.find_last_not_of(u' ') + 1);
-  std::transform(stem.begin(), stem.end(), stem.begin(), [](char16_t c) {
-    return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
-  });
-  if (stem.size() == 4 && (stem.starts_with(u"COM") || stem.starts_with(u"LPT"))) {
-    return std::u16string_view(u"0123456789\u00B9\u00B2\u00B3").find(stem[3]) != stem.npos;
-  }
-  constexpr std::u16string_view kDevices[] = {u"CON", u"PRN",    u"AUX",
-                                              u"NUL", u"CONIN$", u"CONOUT$"};
-  return std::find(std::begin(kDevices), std::end(kDevices), stem) != std::end(kDevices);
-}
-
-// Checked in UTF-16: in a narrow code page, these bytes may be half of another character.
-bool IsPlain(std::u16string_view name) {
-  const bool odd = std::any_of(name.begin(), name.end(), [](char16_t c) {
-    return c < 0x20 || std::u16string_view(u"\\/:*?\"<>|").find(c) != std::u16string_view::npos;
-  });
-  // Win32 functions would cut a dot or a blank at the end.
-  return !odd && !name.ends_with(u'.') && !name.ends_with(u' ') && !IsDevice(name);
-}
-
-// Converts a name for the native functions; returns nothing if it is not a plain name.
+// Converts a name for the native functions. Returns nothing unless it is empty, which means the
+// folder itself, or means the same to Win32 functions.
 std::optional<std::u16string> NativeName(const std::string& name) {
   auto wide = WideFromNarrow(name);
-  if (!wide || !IsPlain(*wide) || wide->size() > 255) return std::nullopt;
+  if (!wide || wide->size() > 255) return std::nullopt;
+  // Checked in UTF-16: in a narrow code page, a byte may be half of another character.
+  if (!wide->empty() && !text::IsPortableName(std::u16string_view(*wide))) return std::nullopt;
   return wide;
 }
 
