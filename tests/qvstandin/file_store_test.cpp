@@ -13,11 +13,10 @@
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 #include "tools/qvstandin/commands/Listings.h"
-#include "tools/qvstandin/common/NamePattern.h"
-#include "tools/qvstandin/stores/Checksum.h"
+#include "tools/qvstandin/common/ByteSink.h"
 #include "tools/qvstandin/stores/DataFolder.h"
-#include "tools/qvstandin/stores/PackFile.h"
 #include "tools/qvstandin/stores/StoreNames.h"
+#include "tools/qvstandin/stores/StoredFiles.h"
 
 namespace qv::standin {
 namespace {

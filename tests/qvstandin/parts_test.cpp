@@ -9,8 +9,8 @@
 #include "tests/support/TempFolder.h"
 #include "tools/qvstandin/commands/Fields.h"
 #include "tools/qvstandin/common/ServerLog.h"
-#include "tools/qvstandin/databases/ProcedureCall.h"
-#include "tools/qvstandin/databases/TableNames.h"
+#include "tools/qvstandin/databases/ClientSql.h"
+#include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/recordsets/AnswerFile.h"
 #include "tools/qvstandin/stores/DataFolder.h"
 

@@ -1,10 +1,10 @@
 // What clients may send an engine, and what its driver is told.
-#include "tools/qvstandin/databases/StatementGuard.h"
+#include "tools/qvstandin/databases/ClientSql.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tools/qvstandin/databases/DriverSettings.h"
+#include "tools/qvstandin/databases/OdbcDriver.h"
 
 namespace qv::standin {
 namespace {

@@ -8,9 +8,8 @@
 #include <string_view>
 
 #include "Fields.h"
-#include "tools/qvstandin/common/ErrorCode.h"
 #include "tools/qvstandin/common/ServerLog.h"
-#include "tools/qvstandin/common/WorkLimit.h"
+#include "tools/qvstandin/common/Work.h"
 #include "tools/qvstandin/recordsets/AnswerFile.h"
 #include "tools/qvstandin/stores/DataFolder.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "tools/qvstandin/databases/ProcedureCall.h"
+#include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/recordsets/AnswerFile.h"
 #include "tools/qvstandin/recordsets/RecordsetWriter.h"
 

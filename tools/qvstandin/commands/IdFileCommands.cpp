@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "Fields.h"
-#include "tools/qvstandin/stores/Checksum.h"
-#include "tools/qvstandin/stores/PackFile.h"
+#include "tools/qvstandin/common/ByteSink.h"
+#include "tools/qvstandin/stores/StoredFiles.h"
 #include "tools/qvstandin/stores/TemporaryFile.h"
 
 namespace qv::standin {

@@ -4,7 +4,6 @@
 
 #include "Command.h"
 #include "qvnetcall/standin/Records.h"
-#include "tools/qvstandin/common/NamePattern.h"
 
 namespace qv::standin {
 

@@ -1,4 +1,4 @@
-#include "BoundedFunctions.h"
+#include "Sqlite.h"
 
 #include <cstddef>
 #include <cstdint>

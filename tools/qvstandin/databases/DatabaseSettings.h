@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "tools/qvstandin/common/ErrorCode.h"
+#include "tools/qvstandin/common/Work.h"
 
 namespace qv::standin {
 

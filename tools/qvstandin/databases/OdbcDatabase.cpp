@@ -6,9 +6,7 @@
 #include <array>
 #include <deque>
 
-#include "OdbcCells.h"
-#include "StatementGuard.h"
-#include "TableNames.h"
+#include "ClientSql.h"
 #include "base/platform/Platform.h"
 #include "base/text/Numbers.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Database.h"
-#include "DriverSettings.h"
+#include "OdbcDriver.h"
 #include "StatementWatch.h"
 #include "base/odbc/Connection.h"
 #include "base/odbc/Statement.h"

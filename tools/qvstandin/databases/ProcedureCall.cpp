@@ -1,4 +1,4 @@
-#include "ProcedureCall.h"
+#include "Database.h"
 
 #include <algorithm>
 #include <charconv>

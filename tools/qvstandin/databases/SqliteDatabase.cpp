@@ -6,9 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "BoundedFunctions.h"
-#include "SqliteCells.h"
-#include "TableNames.h"
+#include "ClientSql.h"
 
 namespace qv::standin {
 

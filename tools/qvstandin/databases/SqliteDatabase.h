@@ -7,8 +7,8 @@
 #include <span>
 
 #include "Database.h"
-#include "SqliteConnection.h"
-#include "tools/qvstandin/common/WorkLimit.h"
+#include "Sqlite.h"
+#include "tools/qvstandin/common/Work.h"
 
 namespace qv::standin {
 

@@ -1,4 +1,4 @@
-#include "StatementGuard.h"
+#include "ClientSql.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "base/text/Letters.h"
-#include "base/text/SqlText.h"
 
 namespace qv::standin {
 

@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "tools/qvstandin/common/WorkLimit.h"
+#include "tools/qvstandin/common/Work.h"
 
 namespace qv::standin {
 

@@ -1,4 +1,4 @@
-#include "TableNames.h"
+#include "ClientSql.h"
 
 #include "base/text/Letters.h"
 

@@ -6,8 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "SampleData.h"
-#include "SampleFiles.h"
+#include "Samples.h"
 #include "base/platform/Platform.h"
 #include "tools/qvstandin/databases/OdbcDatabase.h"
 #include "tools/qvstandin/databases/SqliteDatabase.h"

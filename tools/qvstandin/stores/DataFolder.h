@@ -10,10 +10,10 @@
 #include "Directory.h"
 #include "FileStore.h"
 #include "IdStore.h"
-#include "tools/qvstandin/common/WorkLimit.h"
+#include "tools/qvstandin/common/Work.h"
 #include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/databases/DatabaseSettings.h"
-#include "tools/qvstandin/databases/SqliteConnection.h"
+#include "tools/qvstandin/databases/Sqlite.h"
 
 namespace qv::standin {
 

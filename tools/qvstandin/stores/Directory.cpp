@@ -3,10 +3,9 @@
 #include <set>
 #include <utility>
 
+#include "StoreNames.h"
 #include "base/text/Letters.h"
 #include "base/text/Numbers.h"
-#include "tools/qvstandin/common/NamePattern.h"
-#include "tools/qvstandin/databases/SqliteCells.h"
 
 namespace qv::standin {
 

@@ -9,10 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/qvstandin/common/ErrorCode.h"
-#include "tools/qvstandin/common/WorkLimit.h"
-#include "tools/qvstandin/databases/ProcedureCall.h"
-#include "tools/qvstandin/databases/SqliteConnection.h"
+#include "tools/qvstandin/common/Work.h"
+#include "tools/qvstandin/databases/Database.h"
+#include "tools/qvstandin/databases/Sqlite.h"
 
 namespace qv::standin {
 

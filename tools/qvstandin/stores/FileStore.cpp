@@ -6,7 +6,6 @@
 #include "StoreNames.h"
 #include "TemporaryFile.h"
 #include "base/platform/Platform.h"
-#include "tools/qvstandin/common/NamePattern.h"
 
 namespace qv::standin {
 

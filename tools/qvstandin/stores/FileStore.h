@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Place.h"
+#include "StoredFiles.h"
 
 namespace qv::standin {
 

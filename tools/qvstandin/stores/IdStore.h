@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "Place.h"
+#include "StoredFiles.h"
 
 namespace qv::standin {
 

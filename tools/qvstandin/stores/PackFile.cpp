@@ -1,4 +1,4 @@
-#include "PackFile.h"
+#include "StoredFiles.h"
 
 #include <zip.h>
 

@@ -1,6 +1,8 @@
 #include "StoreNames.h"
 
 #include "base/text/DeviceNames.h"
+#include "base/text/Letters.h"
+#include "base/text/Utf8.h"
 
 namespace qv::standin {
 
@@ -9,6 +11,16 @@ namespace {
 constexpr std::size_t kLongestPath = 1024;
 constexpr std::size_t kMostParts = 64;
 constexpr std::string_view kSeparators = "\\/";
+
+constexpr std::size_t kLongestPattern = 255;
+
+// Where the character behind the one at `at` begins, in UTF-8.
+std::size_t BehindCharacter(std::string_view text, std::size_t at) {
+  do {
+    ++at;
+  } while (at < text.size() && text::ContinuesCharacter(text[at]));
+  return at;
+}
 
 }  // namespace
 
@@ -25,6 +37,40 @@ std::optional<std::vector<std::string>> PartsOf(std::string_view path) {
     if (end == std::string_view::npos) return parts;
     path.remove_prefix(end + 1);
   }
+}
+
+bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  if (pattern == "*.*") return true;
+  if (pattern.size() > kLongestPattern) return false;
+  // The last star is the only one whose share of the name may have to grow.
+  std::size_t star = std::string_view::npos;
+  std::size_t behind_share = 0;
+  std::size_t at = 0;
+  std::size_t wanted = 0;
+  while (at < name.size()) {
+    const bool has_more = wanted < pattern.size();
+    if (has_more && pattern[wanted] == '*') {
+      star = wanted++;
+      behind_share = at;
+    } else if (has_more && pattern[wanted] == '?') {
+      at = BehindCharacter(name, at);
+      ++wanted;
+    } else if (has_more && text::EqualIgnoringCase(pattern[wanted], name[at])) {
+      ++at;
+      ++wanted;
+    } else if (star != std::string_view::npos) {
+      at = behind_share = BehindCharacter(name, behind_share);
+      wanted = star + 1;
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', wanted) == std::string_view::npos;
+}
+
+bool NameComesBefore(std::string_view a, std::string_view b) {
+  const std::strong_ordering order = text::CompareIgnoringCase(a, b);
+  return order < 0 || (order == 0 && a < b);
 }
 
 }  // namespace qv::standin

@@ -1,10 +1,11 @@
 // The databases that a new data folder starts with.
+// The files that a new data folder starts with.
 #pragma once
 
 #include <span>
 #include <string>
 
-#include "tools/qvstandin/common/ErrorCode.h"
+#include "tools/qvstandin/common/Work.h"
 
 namespace qv::standin {
 
@@ -19,5 +20,8 @@ struct SampleDatabase {
 
 // Makes the database at `file`: whole, or not at all.
 Outcome CreateSample(const SampleDatabase& sample, const std::string& file);
+
+// Makes the folder of the file store at `folder`: whole, or not at all.
+Outcome CreateSampleFiles(const std::string& folder);
 
 }  // namespace qv::standin

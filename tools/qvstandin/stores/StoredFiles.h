@@ -1,13 +1,14 @@
 // What can be done with a file in a store, whichever way it is found.
+// Files inside pack files, which are zip files.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "base/platform/Folder.h"
 #include "tools/qvstandin/common/ByteSink.h"
-#include "tools/qvstandin/common/ErrorCode.h"
-#include "tools/qvstandin/common/WorkLimit.h"
+#include "tools/qvstandin/common/Work.h"
 
 namespace qv::standin {
 
@@ -24,5 +25,10 @@ Outcome RemoveFile(const Place& place);
 
 // Reads a file to its end.
 Outcome ReadAll(platform::OpenedFile source, ByteSink& target, WorkLimit& limit);
+
+// Unpacks a member into `target`, as far as it is no longer than `longest` bytes. Memory use
+// depends neither on the member nor on what the pack claims of itself.
+Outcome ReadMember(platform::OpenedFile pack, const std::string& member, std::uint64_t longest,
+                   ByteSink& target, WorkLimit& limit);
 
 }  // namespace qv::standin

@@ -1,4 +1,4 @@
-#include "WorkLimit.h"
+#include "Work.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-// Between the rows of an ODBC driver and those of an answer.
+// ODBC drivers: what the server needs of those that it knows, and their rows as those of an answer.
 #pragma once
 
 #include <string>
@@ -6,8 +6,18 @@
 
 #include "Database.h"
 #include "base/odbc/Statement.h"
+#include "base/text/ConnectionText.h"
 
 namespace qv::standin {
+
+enum class Rows {
+  kInPieces,  // so that no answer stands in memory whole
+  kAtOnce,
+};
+
+// Returns the connection text, with the settings after it that the server needs of its driver and
+// that the text does not make itself.
+[[nodiscard]] std::string WithDriverSettings(const text::ConnectionText& text, Rows rows);
 
 // The columns of the result that a statement stands at, as the driver declares them.
 [[nodiscard]] std::vector<Column> ColumnsOf(const odbc::Statement& statement);

@@ -1,4 +1,4 @@
-#include "Place.h"
+#include "StoredFiles.h"
 
 #include <vector>
 

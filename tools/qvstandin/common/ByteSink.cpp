@@ -1,4 +1,4 @@
-#include "Checksum.h"
+#include "ByteSink.h"
 
 #include <fmt/format.h>
 

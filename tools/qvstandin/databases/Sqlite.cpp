@@ -1,0 +1,161 @@
+#include "Sqlite.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <thread>
+
+#include "base/text/Letters.h"
+
+namespace qv::standin {
+
+namespace {
+
+constexpr int kStepsBetweenChecks = 100;
+constexpr std::chrono::milliseconds kBusyPause{5};
+
+ColumnKind KindOfValue(int storage) {
+  switch (storage) {
+    case SQLITE_INTEGER:
+      return ColumnKind::kInt64;
+    case SQLITE_FLOAT:
+      return ColumnKind::kDouble;
+    case SQLITE_BLOB:
+      return ColumnKind::kBinary;
+    default:
+      return ColumnKind::kText;
+  }
+}
+
+Column ColumnAt(sqlite3_stmt* statement, int index, bool has_row) {
+  Column column;
+  if (const char* name = sqlite3_column_name(statement, index)) column.name = name;
+  const char* const declared = sqlite3_column_decltype(statement, index);
+  const auto type = declared != nullptr ? ParseDeclaredType(declared) : std::nullopt;
+  if (type) {
+    column.kind = type->kind;
+    column.length = type->length;
+  } else if (has_row) {
+    column.kind = KindOfValue(sqlite3_column_type(statement, index));
+  }
+  return column;
+}
+
+std::string_view BytesAt(sqlite3_stmt* statement, int index, const void* bytes) {
+  if (bytes == nullptr) return {};
+  return {static_cast<const char*>(bytes),
+          static_cast<std::size_t>(sqlite3_column_bytes(statement, index))};
+}
+
+Cell CellAt(sqlite3_stmt* statement, int index) {
+  switch (sqlite3_column_type(statement, index)) {
+    case SQLITE_INTEGER:
+      return std::int64_t{sqlite3_column_int64(statement, index)};
+    case SQLITE_FLOAT:
+      return sqlite3_column_double(statement, index);
+    case SQLITE_TEXT:
+      return BytesAt(statement, index, sqlite3_column_text(statement, index));
+    case SQLITE_BLOB:
+      return Binary{BytesAt(statement, index, sqlite3_column_blob(statement, index))};
+    default:
+      return std::monostate();
+  }
+}
+
+struct KnownType {
+  std::string_view name;
+  ColumnKind kind;
+};
+
+constexpr std::array kKnownTypes{
+    KnownType{"int", ColumnKind::kInt32},         KnownType{"integer", ColumnKind::kInt32},
+    KnownType{"bigint", ColumnKind::kInt64},      KnownType{"smallint", ColumnKind::kInt16},
+    KnownType{"tinyint", ColumnKind::kUint8},     KnownType{"boolean", ColumnKind::kBoolean},
+    KnownType{"bit", ColumnKind::kBoolean},       KnownType{"real", ColumnKind::kDouble},
+    KnownType{"double", ColumnKind::kDouble},     KnownType{"float", ColumnKind::kDouble},
+    KnownType{"float4", ColumnKind::kSingle},     KnownType{"decimal", ColumnKind::kDouble},
+    KnownType{"numeric", ColumnKind::kDouble},    KnownType{"date", ColumnKind::kDate},
+    KnownType{"datetime", ColumnKind::kDateTime}, KnownType{"timestamp", ColumnKind::kDateTime},
+    KnownType{"char", ColumnKind::kFixedText},    KnownType{"nchar", ColumnKind::kFixedText},
+    KnownType{"varchar", ColumnKind::kText},      KnownType{"nvarchar", ColumnKind::kText},
+    KnownType{"text", ColumnKind::kLongText},     KnownType{"blob", ColumnKind::kBinary},
+};
+
+}  // namespace
+
+SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit) {
+  sqlite3* opened = nullptr;
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
+  const int code = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+  SqliteConnection connection(opened);
+  if (code != SQLITE_OK) return nullptr;
+  const auto over = [](void* watched) {
+    return static_cast<WorkLimit*>(watched)->IsOver() ? 1 : 0;
+  };
+  sqlite3_progress_handler(opened, kStepsBetweenChecks, over, &limit);
+  const auto wait = [](void* watched, int) {
+    if (static_cast<WorkLimit*>(watched)->IsOver()) return 0;
+    std::this_thread::sleep_for(kBusyPause);
+    return 1;
+  };
+  sqlite3_busy_handler(opened, wait, &limit);
+  return connection;
+}
+
+Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit) {
+  const char* const text = sqlite3_errmsg(connection);
+  if (limit.Reason() != ErrorCode::kNone) return {limit.Reason(), "cut off"};
+  switch (code & 0xff) {
+    case SQLITE_AUTH:
+      return {ErrorCode::kNotPermitted, text};
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return {ErrorCode::kBusy, text};
+    default:
+      return {ErrorCode::kSqlFailed, text};
+  }
+}
+
+std::vector<Column> ColumnsOf(sqlite3_stmt* statement, bool has_row) {
+  std::vector<Column> columns;
+  const int count = sqlite3_column_count(statement);
+  for (int i = 0; i < count; ++i) columns.push_back(ColumnAt(statement, i, has_row));
+  return columns;
+}
+
+void ReadCells(sqlite3_stmt* statement, std::vector<Cell>& cells) {
+  cells.clear();
+  const int count = sqlite3_data_count(statement);
+  for (int i = 0; i < count; ++i) cells.push_back(CellAt(statement, i));
+}
+
+int BindArgument(sqlite3_stmt* statement, int position, const ProcedureCall::Argument& argument) {
+  if (const auto* whole = std::get_if<std::int64_t>(&argument)) {
+    return sqlite3_bind_int64(statement, position, *whole);
+  }
+  if (const auto* decimal = std::get_if<double>(&argument)) {
+    return sqlite3_bind_double(statement, position, *decimal);
+  }
+  if (const auto* text = std::get_if<std::string>(&argument)) {
+    return sqlite3_bind_text64(statement, position, text->data(), text->size(), SQLITE_TRANSIENT,
+                               SQLITE_UTF8);
+  }
+  return sqlite3_bind_null(statement, position);
+}
+
+std::optional<DeclaredType> ParseDeclaredType(std::string_view type) {
+  const std::size_t bracket = type.find('(');
+  const std::string_view name = type.substr(0, type.find_first_of(" ("));
+  const auto known = std::ranges::find_if(kKnownTypes, [name](const KnownType& candidate) {
+    return text::EqualIgnoringCase(name, candidate.name);
+  });
+  if (known == kKnownTypes.end()) return std::nullopt;
+  std::uint32_t length = 0;
+  if (bracket != std::string_view::npos) {
+    std::from_chars(type.data() + bracket + 1, type.data() + type.size(), length);
+  }
+  return DeclaredType{known->kind, length};
+}
+
+}  // namespace qv::standin
