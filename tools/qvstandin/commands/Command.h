@@ -1,4 +1,4 @@
-// One request being answered.
+// Requests, replies, and the way from one to the other.
 #pragma once
 
 #include <cstdint>
@@ -21,22 +21,22 @@ inline constexpr std::string_view kFailure = "FAILURE";
 inline constexpr std::string_view kMemory = "MEMORY";
 inline constexpr std::string_view kFile = "FILE";
 
-// What all requests share. Any thread.
+// What all requests share. Any thread may use it.
 struct Services {
   DataFolder& data;
   ServerLog& log;
-  // Answers of up to so many bytes travel inside the reply.
+  // Answers up to this size, in bytes, travel inside the reply's fields.
   std::uint32_t memory_threshold;
-  // No answer may take more room than this.
+  // The largest answer, in bytes.
   std::uint64_t answer_limit;
 };
 
 enum class Dialect { kRowset, kSchema };
 
-// How a client wants answers that are rows.
+// The form in which a client receives rows.
 struct AnswerForm {
   Dialect dialect = Dialect::kRowset;
-  bool packed = false;  // as gzip files, whichever command asks for them
+  bool packed = false;  // as gzip files, whatever the command
 };
 
 struct Request {
@@ -44,33 +44,35 @@ struct Request {
   FieldReader fields;
   WorkLimit& limit;
   AnswerForm form = {};
-  // Of the header block.
+  // Part of the header block.
   NameField name_field = {};
-  // Where the file is that came along, for a command that takes one to move it away; empty when
-  // none came, or there was no room for it.
+  // The path of the file that came with the request, which the command may move away. Empty if none
+  // came or the disk had no room for it.
   std::string file = {};
 };
 
 struct Reply {
   FieldWriter fields;
-  // One of these travels behind the fields, when it is there.
+  // At most one of these is set; it is sent after the fields.
   std::unique_ptr<AnswerFile> file;
   std::optional<platform::OpenedFile> stored;
-  // For the server's own record.
+  // For the server's record of requests.
   std::string database;
   Outcome outcome;
 };
 
-// The status word of a failure and its number.
+// Adds the status word of a failure and its number.
 inline void AddFailure(Reply& reply, Outcome outcome) {
   reply.fields.Text(kFailure);
   reply.fields.Integer(static_cast<std::int32_t>(outcome.code));
   reply.outcome = std::move(outcome);
 }
 
-inline Outcome NoFileCame() { return {ErrorCode::kMalformedRequest, "no file, or no room for it"}; }
+inline Outcome NoFileCame() {
+  return {ErrorCode::kMalformedRequest, "no file came, or there was no room for it"};
+}
 
-// Replies that open with a decimal number: above 0 when the command was done.
+// Some replies begin with a decimal number in place of a status: above 0 if the command succeeded.
 inline constexpr std::string_view kYes = "1";
 inline constexpr std::string_view kNo = "0";
 
@@ -86,10 +88,10 @@ inline void AnswerYesOrNo(Reply& reply, Outcome outcome) {
 
 inline Outcome FieldMissing() { return {ErrorCode::kMalformedRequest, "a field is missing"}; }
 
-// Carries out the request and gives the reply. A code that is not known is a failure.
+// Executes the request and returns its reply. An unknown code is a failure.
 [[nodiscard]] Reply Answer(Services& services, Request request);
 
-// Whether a file may come along with the command.
+// Returns whether the command may carry a file.
 [[nodiscard]] bool TakesFile(std::uint32_t command);
 
 }  // namespace qv::standin

@@ -33,7 +33,7 @@ constexpr std::array kCommands{
     Command{710, SendConnectionText},  // database  in place of the status: "1" and a text, or "0"
     Command{730, DeleteIdFile},        // in the name field: name, id
     Command{900, AnswerProcedure},     // database, text           count, storage kind[, file]
-    // In place of the status: a number, which is 0 when the command is refused.
+    // These answer with a number in place of the status; 0 means that the command was refused.
     Command{6001, ListFolders},         // [folder]              records
     Command{6002, ListFiles},           // [folder,] pattern, "1" for the other way round  records
     Command{6003, MakeFolder},          // path
@@ -48,7 +48,8 @@ constexpr std::array kCommands{
     Command{6031, SendPackedChecksum},  // pack, name, id         checksum, size; or text
     Command{6032, SendIdChecksum},      // name, id               checksum, size; or text
     Command{6033, SendIdPath},          // name, id               path; or text
-    // In place of the status a number, "0", or "-3" and a text; numbers are decimal texts.
+    // These answer with a number, "0", or "-3" and a text in place of the status; numbers are
+    // decimal texts.
     Command{6015, ListGroups},       // pattern                     records, when there are any
     Command{6016, ListGroupUsers},   // group                       records, when there are any
     Command{6017, MakeDepartment},   // number

@@ -1,59 +1,59 @@
-// The commands that clients send: each reads its fields from the request and answers in the reply.
-// CommandTable says which code means which.
+// The commands that clients send. Each reads its fields from the request and adds its answer to the
+// reply. CommandTable.cpp lists their codes.
 #pragma once
 
 #include "Command.h"
 
 namespace qv::standin {
 
-// The commands that work on no database.
+// Commands about the server itself.
 
 void CheckLink(Services& services, Request& request, Reply& reply);
 // Adds a line to the server's log.
 void AppendLog(Services& services, Request& request, Reply& reply);
-// What a client connects with that goes to the database itself.
+// Sends the connection text for clients that connect to the database directly.
 void SendConnectionText(Services& services, Request& request, Reply& reply);
 
-// What this server is: docs/records.md has its texts.
+// Describes this server; docs/records.md lists the texts.
 void SendProgramInfo(Services& services, Request& request, Reply& reply);
 
-// The commands that are answered with rows.
+// Commands that return rows.
 
 void AnswerQuery(Services& services, Request& request, Reply& reply);
-// The same, with the answer as a gzip file.
+// The same as AnswerQuery, with a gzip file as the answer.
 void AnswerPackedQuery(Services& services, Request& request, Reply& reply);
-// A call of a stored procedure, or a query.
+// Calls a stored procedure, or runs a query.
 void AnswerProcedure(Services& services, Request& request, Reply& reply);
 
-// The commands that change a database.
+// Commands that change a database.
 
 void RunStatement(Services& services, Request& request, Reply& reply);
-// Several statements, all of them or none.
+// Runs several statements: all of them or none.
 void RunBatch(Services& services, Request& request, Reply& reply);
 
-// The commands that work on single files of the file store.
+// Commands on single files of the file store.
 
 void UploadFile(Services& services, Request& request, Reply& reply);
 void DownloadFile(Services& services, Request& request, Reply& reply);
 void DeleteFile(Services& services, Request& request, Reply& reply);
 void SendFileInfo(Services& services, Request& request, Reply& reply);
 void CopyFile(Services& services, Request& request, Reply& reply);
-// Of a file or a folder.
+// Renames a file or a folder.
 void Rename(Services& services, Request& request, Reply& reply);
 
-// The commands that list, make and remove folders of the file store.
+// Commands that list, make and remove folders of the file store.
 
 void ListFolders(Services& services, Request& request, Reply& reply);
-// Files whose names match, all of them.
+// Lists all files whose names match.
 void ListFiles(Services& services, Request& request, Reply& reply);
-// The same, from one index to another.
+// Lists the matching files from one index to another.
 void ListPage(Services& services, Request& request, Reply& reply);
 void MakeFolder(Services& services, Request& request, Reply& reply);
 void DeleteFolder(Services& services, Request& request, Reply& reply);
-// The folders at the top, and how much room they have.
+// Lists the folders of the top folder, with the free space on their disk.
 void ListSubStores(Services& services, Request& request, Reply& reply);
 
-// The commands that work on files by identifier, and on those inside pack files.
+// Commands on files by identifier, and on files in pack files.
 
 void UploadIdFile(Services& services, Request& request, Reply& reply);
 void DownloadIdFile(Services& services, Request& request, Reply& reply);
@@ -63,24 +63,24 @@ void FindIdFile(Services& services, Request& request, Reply& reply);
 void SendIdChecksum(Services& services, Request& request, Reply& reply);
 void SendIdPath(Services& services, Request& request, Reply& reply);
 void SendPackedChecksum(Services& services, Request& request, Reply& reply);
-// Out of a pack file to an identifier.
+// Unpacks a file of a pack file and stores it under an identifier.
 void CopyPackedFile(Services& services, Request& request, Reply& reply);
 
-// The commands for groups, users and departments. In place of a status they answer a number as
-// text: above 0 what was asked for, "0" when there is none or the request cannot be carried out,
-// and "-3", with a text why behind it, when the directory refuses.
+// Commands on groups, users and departments. In place of a status they answer with a decimal
+// number: above 0, the result; "0" if there is none or the request failed; "-3", followed by a text
+// with the reason, if the directory refused the request.
 
-// The number of records, and the records as one field when there are any.
+// These answer with the number of records, and with the records in one field if there are any.
 void ListGroups(Services& services, Request& request, Reply& reply);
 void ListUsers(Services& services, Request& request, Reply& reply);
 void ListGroupUsers(Services& services, Request& request, Reply& reply);
 
-// The identifier of what was made.
+// These answer with the identifier of the new object.
 void MakeDepartment(Services& services, Request& request, Reply& reply);
 void MakeGroup(Services& services, Request& request, Reply& reply);
 void MakeUser(Services& services, Request& request, Reply& reply);
 
-// How many users were named: they are in the group now.
+// Answers with the number of users that the request names; they are in the group now.
 void AddUsersToGroup(Services& services, Request& request, Reply& reply);
 
 }  // namespace qv::standin

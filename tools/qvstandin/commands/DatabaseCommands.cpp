@@ -11,8 +11,7 @@ namespace qv::standin {
 
 namespace {
 
-// Clients take replies into blocks of a mebibyte, with the header and the other fields beside the
-// file.
+// Clients receive a reply in a block of 1 MiB, which also holds the header and the other fields.
 constexpr std::uint64_t kLargestInReply = (1U << 20) - 1024;
 
 using Source = std::function<Outcome(Database&, const std::string& text, RowSink&)>;
@@ -22,8 +21,8 @@ std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, ByteSink& target) {
   return std::make_unique<RowsetWriter>(target);
 }
 
-// Where rows come from, and in what form they go out.
-struct Rows {
+// Where the rows of an answer come from, and the form in which they are sent.
+struct RowAnswer {
   Database& database;
   const std::string& text;
   const Source& source;
@@ -31,15 +30,16 @@ struct Rows {
   std::int32_t count = 0;
 };
 
-Outcome Write(Rows& rows, ByteSink& target) {
+Outcome Write(RowAnswer& rows, ByteSink& target) {
   const auto writer = WriterFor(rows.form.dialect, target);
   Outcome outcome = rows.source(rows.database, rows.text, *writer);
-  if (outcome.Ok() && !writer->Finish()) outcome = {ErrorCode::kAnswerLost, "disk full?"};
+  if (outcome.Ok() && !writer->Finish())
+    outcome = {ErrorCode::kAnswerLost, "the answer could not be written (disk full?)"};
   rows.count = writer->RowCount();
   return outcome;
 }
 
-Outcome WriteAnswer(Rows& rows, AnswerFile& answer) {
+Outcome WriteAnswer(RowAnswer& rows, AnswerFile& answer) {
   if (!rows.form.packed) return Write(rows, answer);
   GzipStream gzip(answer);
   return Write(rows, gzip);
@@ -69,7 +69,7 @@ void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm f
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
   auto answer =
       std::make_unique<AnswerFile>(services.data.AnswerFolder(), threshold, services.answer_limit);
-  Rows rows{*database, *text, source, form};
+  RowAnswer rows{*database, *text, source, form};
   Outcome outcome = WriteAnswer(rows, *answer);
   if (!outcome.Ok()) return AddFailure(reply, std::move(outcome));
   AddAnswer(form.packed ? kSuccessCompress : kSuccess, rows.count, std::move(answer), reply);
@@ -93,10 +93,10 @@ Outcome Execute(Services& services, Request& request, const std::string& name,
   return database->Execute(statements, failed);
 }
 
-// A batch is one transaction, and keeps everybody else from writing.
+// Bounds a batch, which is one transaction and blocks all other writers.
 constexpr std::int32_t kMostStatements = 100'000;
 
-// Reads the statements of a batch. `failed` becomes the position of one that is missing.
+// Reads the statements of a batch. If one is missing, sets `failed` to its position.
 Outcome ReadBatch(FieldReader& fields, std::vector<std::string_view>& statements,
                   std::int32_t& failed) {
   const auto count = fields.Integer();

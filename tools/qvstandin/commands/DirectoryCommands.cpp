@@ -13,20 +13,20 @@ namespace {
 
 constexpr std::size_t kMostRecords = kShortListing / sizeof(CZelkorSvrADObjInfo);
 
-// More than a client's request has room for.
+// A client's request has no room for more names.
 constexpr std::size_t kMostNamed = 10'000;
 
 constexpr std::int32_t kLastMode = 2;
 
 constexpr std::string_view kNoWithText = "-3";
 
-// The next field, when it is a whole number in decimal.
+// Returns the next field if it is a whole decimal number.
 std::optional<std::int32_t> Decimal(FieldReader& fields) {
   const auto text = fields.View();
   return text ? text::ParseNumber<std::int32_t>(*text) : std::nullopt;
 }
 
-// What fills `found`; or the identifier or count in `number`.
+// A Lister fills `found`; a Changer sets `number` to the identifier or the count.
 using Lister = Outcome (*)(Directory&, FieldReader&, Directory::Entries& found);
 using Changer = Outcome (*)(Directory&, FieldReader&, std::int32_t& number);
 
@@ -52,7 +52,7 @@ void Change(Services& services, Request& request, Reply& reply, Changer change) 
   reply.fields.Text(std::to_string(number));
 }
 
-// False when a name is too long for a record.
+// Returns false if a name is too long for a record.
 bool AppendRecord(std::uint64_t kind, const Directory::Entry& entry, std::string& bytes) {
   namespace layout = records::directory;
   CZelkorSvrADObjInfo record;
@@ -78,7 +78,8 @@ void List(Services& services, Request& request, Reply& reply, std::uint64_t kind
   if (!bytes.empty()) reply.fields.Bytes(bytes);
 }
 
-// The users in a list with "," or ";" between them, without their domains and the blanks around.
+// Returns the users in a list that "," or ";" separate, without their domains and surrounding
+// blanks.
 std::vector<std::string_view> UsersIn(std::string_view list) {
   std::vector<std::string_view> users;
   while (!list.empty() && users.size() <= kMostNamed) {

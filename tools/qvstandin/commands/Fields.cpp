@@ -13,7 +13,7 @@ constexpr std::size_t kOverhead = kLengthWord + 1;
 
 constexpr std::size_t kIdAt = 252;
 
-// The text in front of the first NUL, which must come before the last byte.
+// Returns the text before the first NUL, which must come before the last byte.
 std::optional<std::string> TextIn(NameField field) {
   const auto end = std::ranges::find(field, 0);
   if (end == field.begin() || field.end() - end < 2) return std::nullopt;

@@ -14,19 +14,18 @@ namespace qv::standin {
 
 // Reads the fields of a request, in the order in which the client wrote them.
 //
-// A field is a 4-byte little-endian length, that many bytes, and one zero byte. The bytes come from
-// a stranger: a field that does not lie whole inside the payload is no field. A failed read takes
-// nothing away.
+// A field is a 4-byte little-endian length, that many bytes, and one zero byte. The payload is not
+// trusted: a field must lie entirely inside it. A read that fails consumes nothing.
 class FieldReader {
  public:
   // The payload outlives the reader.
   explicit FieldReader(std::span<const unsigned char> payload) : rest_(payload) {}
 
-  // Whether nothing is left, not even what is no field.
+  // Returns whether no bytes are left, valid or not.
   [[nodiscard]] bool AtEnd() const { return rest_.empty(); }
-  // A text of at least one character and without a zero byte.
+  // Returns a text of at least one byte and without a zero byte.
   [[nodiscard]] std::optional<std::string> Text();
-  // The same without a copy: it lies inside the payload.
+  // The same without a copy: the view points into the payload.
   [[nodiscard]] std::optional<std::string_view> View();
   [[nodiscard]] std::optional<std::int32_t> Integer();
 
@@ -37,13 +36,13 @@ class FieldReader {
   std::span<const unsigned char> rest_;
 };
 
-// Writes the fields of a reply, back to back, as the client reads them.
+// Writes the fields of a reply one after another.
 class FieldWriter {
  public:
-  // A text of at least one character.
+  // Precondition: `text` is not empty.
   void Text(std::string_view text) { Append(text.data(), text.size()); }
   void Integer(std::int32_t value) { Append(&value, sizeof value); }
-  // At least one byte.
+  // Precondition: `bytes` is not empty.
   void Bytes(std::string_view bytes) { Append(bytes.data(), bytes.size()); }
 
   [[nodiscard]] const std::vector<unsigned char>& Payload() const { return payload_; }
@@ -54,16 +53,16 @@ class FieldWriter {
   std::vector<unsigned char> payload_;
 };
 
-// What the name field of a request's header block says.
+// The name field of a request's header block.
 inline constexpr std::size_t kNameFieldAt = 13;
 inline constexpr std::size_t kNameFieldSize = 256;
 using NameField = std::span<const unsigned char>;
 
-// A path. Nothing when there is none, and when it fills the field: clients cut what does not fit,
-// and the file that is left of a path may be another one.
+// Returns the path in the field. Returns nothing if there is none or if it fills the field: clients
+// truncate longer paths, and a truncated path may name another file.
 [[nodiscard]] std::optional<std::string> PathIn(NameField field);
 
-// A name, and an identifier behind it.
+// Returns the name in the field and the identifier after it.
 [[nodiscard]] std::optional<IdName> IdNameIn(NameField field);
 
 }  // namespace qv::standin

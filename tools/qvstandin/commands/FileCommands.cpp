@@ -9,17 +9,17 @@ namespace qv::standin {
 
 namespace {
 
-// What the commands have in common that answer with a status and find their file in the name field.
+// Runs a command that takes its path from the name field and answers with a status.
 template <class Work>
 void WithPath(const Request& request, Reply& reply, Work work) {
   const auto path = PathIn(request.name_field);
-  if (!path) return AddFailure(reply, {ErrorCode::kBadName, "no name, or one that was cut"});
+  if (!path) return AddFailure(reply, {ErrorCode::kBadName, "no name, or a truncated one"});
   reply.database = *path;
   if (Outcome outcome = work(*path); !outcome.Ok()) return AddFailure(reply, std::move(outcome));
   reply.fields.Text(kSuccess);
 }
 
-// The same for those with two paths that answer with a number.
+// Runs a command that takes two paths from its fields and answers with a number.
 template <class Work>
 void WithTwoPaths(Request& request, Reply& reply, Work work) {
   const auto from = request.fields.Text();
@@ -55,7 +55,7 @@ void SendFileInfo(Services& services, Request& request, Reply& reply) {
   platform::Entry entry;
   Outcome outcome = services.data.Files().Look(*path, entry);
   if (outcome.Ok() && entry.name.size() > kLongestFileName) {
-    outcome = {ErrorCode::kBadName, "longer than a record holds"};
+    outcome = {ErrorCode::kBadName, "the name is longer than a record holds"};
   }
   if (!outcome.Ok()) return Refuse(reply, std::move(outcome));
   reply.fields.Text(kYes);

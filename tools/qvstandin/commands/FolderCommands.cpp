@@ -20,7 +20,7 @@ using platform::EntryKind;
 
 constexpr std::string_view kEvery = "*";
 
-// An empty text is a field that clients cannot write: without one `otherwise` is meant.
+// Returns the next field, or `otherwise` if there is none: clients cannot write an empty field.
 std::optional<std::string> TextOr(FieldReader& fields, std::string_view otherwise) {
   return fields.AtEnd() ? std::string(otherwise) : fields.Text();
 }
@@ -31,7 +31,7 @@ struct Selection {
   bool is_reversed = false;
 };
 
-// Without the name of a folder the top folder is meant.
+// Without a folder's name, the request means the top folder.
 std::optional<Selection> ReadSelection(FieldReader& fields) {
   std::vector<std::string> texts;
   while (texts.size() < 3) {
@@ -59,10 +59,10 @@ Outcome SelectFolders(Services& services, std::string_view folder, std::string_v
   return listed;
 }
 
-// A listing is answered whole or not at all: nobody could see that a part is one.
+// Sends a listing entirely or not at all: a client could not recognise a partial one.
 void AnswerRecords(Reply& reply, std::size_t count, std::string_view records, std::uint64_t room) {
   if (records.size() > room) {
-    return Refuse(reply, {ErrorCode::kAnswerLost, "a listing that no client has room for"});
+    return Refuse(reply, {ErrorCode::kAnswerLost, "the listing is larger than a reply can hold"});
   }
   reply.fields.Text(std::to_string(count));
   if (count != 0) reply.fields.Bytes(records);
@@ -71,7 +71,7 @@ void AnswerRecords(Reply& reply, std::size_t count, std::string_view records, st
 struct Range {
   ListingOrder order = ListingOrder::kByName;
   std::size_t from = 0;
-  std::size_t end = 0;  // behind the last
+  std::size_t end = 0;  // one past the last
 };
 
 std::optional<Range> ReadRange(FieldReader& fields) {
@@ -88,7 +88,8 @@ std::optional<Range> ReadRange(FieldReader& fields) {
   return Range{static_cast<ListingOrder>(*option), static_cast<std::size_t>(*from), end};
 }
 
-// As many of them as a client has room for; it sees from their number where to go on.
+// Returns the files in the range, as many as a reply can hold; the client sees from their number
+// where to continue.
 std::span<const Entry> PageOf(const std::vector<Entry>& files, const Range& range) {
   constexpr std::size_t kMost = kLongListing / sizeof(CZelkorSvrFileInfo);
   const std::size_t from = std::min(range.from, files.size());
@@ -129,7 +130,8 @@ void ListPage(Services& services, Request& request, Reply& reply) {
   reply.database = selection->folder;
   std::vector<Entry> files;
   Outcome outcome = Select(services, *selection, range->order, request.limit, files);
-  // Too many are answered by a number without a page, since "0" would look like an empty folder.
+  // If there are too many files, the reply has their number but no page: "0" would mean an empty
+  // folder.
   const bool has_page = outcome.Ok();
   if (!has_page && outcome.code != ErrorCode::kAnswerLost) {
     return Refuse(reply, std::move(outcome));

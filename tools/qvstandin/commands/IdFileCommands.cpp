@@ -31,7 +31,7 @@ void AnswerStatus(Reply& reply, Outcome outcome) {
   reply.fields.Text(kSuccess);
 }
 
-// What the commands have in common that find their file in the name field.
+// Runs a command that takes its file from the name field and answers with a status.
 template <class Work>
 void WithIdName(const Request& request, Reply& reply, Work work) {
   const auto wanted = IdNameIn(request.name_field);
@@ -40,7 +40,7 @@ void WithIdName(const Request& request, Reply& reply, Work work) {
   AnswerStatus(reply, work(*wanted));
 }
 
-// What people are told; clients show it.
+// The text that clients show their users.
 std::string_view Explain(ErrorCode code) {
   switch (code) {
     case ErrorCode::kMalformedRequest:
@@ -71,10 +71,10 @@ void AnswerChecksum(Reply& reply, Outcome outcome, const Checksum& checksum) {
   reply.fields.Integer(checksum.Size());
 }
 
-// In a pack the files of an identifier stand in a folder of its number; those of 0 in none.
+// In a pack, an identifier's files are in a folder named by its number; those of 0 are at the top.
 Outcome Unpack(Services& services, const std::string& pack, const IdName& wanted, ByteSink& target,
                WorkLimit& limit) {
-  if (wanted.id < 0) return {ErrorCode::kBadName, "an identifier below zero"};
+  if (wanted.id < 0) return {ErrorCode::kBadName, "the identifier is below zero"};
   std::optional<platform::OpenedFile> opened;
   if (Outcome found = services.data.Files().Open(pack, opened); !found.Ok()) return found;
   const std::string member =

@@ -24,7 +24,7 @@ bool ComesBefore(const Entry& a, const Entry& b, ListingOrder order) {
   return NameComesBefore(a.name, b.name);
 }
 
-// A name that is too long was refused or left out before; its record would have none.
+// Names that are too long were refused or left out before.
 template <class Record>
 void SetName(Record& record, records::Field field, const std::string& name) {
   static_cast<void>(records::SetText(record, field, name));

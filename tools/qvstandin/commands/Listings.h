@@ -1,4 +1,4 @@
-// Listings of files and folders: their order, and the records that they travel in.
+// Listings of files and folders: their order, and the records in which they are sent.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@
 
 namespace qv::standin {
 
-// What fits into the blocks that clients have for replies, beside the header and the fields that
-// tell how much it is.
+// The bytes of records that fit into the blocks in which clients receive replies, beside the header
+// and the fields with the counts.
 inline constexpr std::uint64_t kShortListing = 512'000 - 512;
 inline constexpr std::uint64_t kLongListing = 1'048'576 - 512;
 
-// A record as it stands in a field.
+// Returns the bytes of a record as they are sent. They belong to `record`.
 template <class Record>
 std::string_view RecordBytes(const Record& record) {
   return {reinterpret_cast<const char*>(record.bytes), sizeof record.bytes};
@@ -25,16 +25,17 @@ std::string_view RecordBytes(const Record& record) {
 
 enum class ListingOrder { kByName = 0, kNewestFirst = 1, kLargestFirst = 2 };
 
-// Names decide between entries that are alike otherwise.
+// Sorts the entries; those that are equal in `order` by name.
 void SortListing(std::vector<platform::Entry>& entries, ListingOrder order, bool is_reversed);
 
-// The records of files, back to back; their names are no longer than kLongestFileName.
+// Returns the records of files one after another. Names have at most kLongestFileName bytes.
 [[nodiscard]] std::string FileRecords(std::span<const platform::Entry> files);
-// The same for folders and kLongestFolderName; `are_parents` tells of each whether folders are in
-// it.
+// Returns the records of folders one after another. Names have at most kLongestFolderName bytes;
+// `are_parents` says for each folder whether it contains folders.
 [[nodiscard]] std::string FolderRecords(std::span<const platform::Entry> folders,
                                         const std::vector<bool>& are_parents);
-// The sub-stores that these folders of the top folder are, on a disk with so many bytes left.
+// Returns the records of sub-stores: these folders of the top folder, on a disk with `free_bytes`
+// left.
 [[nodiscard]] std::string SubStoreRecords(std::span<const platform::Entry> folders,
                                           std::uint64_t free_bytes);
 

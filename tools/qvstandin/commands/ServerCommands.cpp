@@ -6,8 +6,8 @@ namespace qv::standin {
 
 namespace {
 
-// "1" and: the program, its version, the path of the top folder, whether folders can be listed by
-// pages, whether checksums are offered, how names are encoded, and what it is.
+// "1", then: the program, its version, the path of the top folder, whether folders can be listed by
+// page, whether checksums are available, the encoding of names, and a description.
 constexpr std::array<std::string_view, 8> kProgramInfo{
     "1", "qvstandin", "4", FileStore::kTop, "1", "1", "UTF-8", "the stand-in server"};
 
@@ -18,7 +18,8 @@ void CheckLink(Services&, Request&, Reply& reply) { reply.fields.Text(kSuccess);
 void AppendLog(Services& services, Request& request, Reply& reply) {
   const auto kind = request.fields.Integer();
   const auto text = kind ? request.fields.Text() : std::nullopt;
-  if (!text) return AddFailure(reply, {ErrorCode::kMalformedRequest, "kind and text are wanted"});
+  if (!text)
+    return AddFailure(reply, {ErrorCode::kMalformedRequest, "the kind or the text is missing"});
   if (!services.log.Append(*kind, *text)) {
     return AddFailure(reply, {ErrorCode::kAnswerLost, "the log cannot be written"});
   }

@@ -1,5 +1,4 @@
-// Where the bytes of an answer go.
-// The checksum of what is written to it.
+// A destination of bytes, and one that computes their checksum.
 #pragma once
 
 #include <cstdint>
@@ -11,20 +10,21 @@ namespace qv::standin {
 class ByteSink {
  public:
   virtual ~ByteSink() = default;
-  // False when the bytes could not be kept; nothing that follows makes up for it.
+  // Returns false if the bytes could not be stored. The sink is then useless.
   [[nodiscard]] virtual bool Write(std::string_view bytes) = 0;
-  // Sees to it that all that was written has arrived. Once, at the end.
+  // Completes the writing. Call it once, at the end. Returns false if any bytes are missing.
   [[nodiscard]] virtual bool Finish() = 0;
 };
 
+// Computes the checksum of the bytes that are written to it.
 class Checksum : public ByteSink {
  public:
   bool Write(std::string_view bytes) override;
   bool Finish() override { return true; }
 
-  // CRC-32 as eight upper-case hexadecimal digits.
+  // Returns the CRC-32 as eight upper-case hexadecimal digits.
   [[nodiscard]] std::string Text() const;
-  // How many bytes it is of, as far as 32 bits can tell.
+  // Returns the number of bytes, or the largest 32-bit number if there are more.
   [[nodiscard]] std::int32_t Size() const;
 
  private:

@@ -1,4 +1,4 @@
-// The log that clients add lines to.
+// The log to which clients add lines.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,17 @@
 
 namespace qv::standin {
 
-// The text with its control characters and backslashes escaped, so that it cannot pass for more
-// than one line nor steer a terminal.
+// Returns the text with its control characters and backslashes escaped, so that it stays on one
+// line and cannot control a terminal.
 [[nodiscard]] std::string OnOneLine(std::string_view text);
 
-// Any thread.
+// Any thread may use it.
 class ServerLog {
  public:
   explicit ServerLog(std::string path) : path_(std::move(path)) {}
 
-  // Adds "<seconds since 1970> <kind> <text on one line>". False when the file cannot be written.
+  // Adds "<seconds since 1970> <kind> <text on one line>". Returns false if the file
+  // cannot be written.
   [[nodiscard]] bool Append(std::int32_t kind, std::string_view text);
 
  private:

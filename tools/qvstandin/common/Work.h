@@ -1,5 +1,4 @@
-// Why a command was not done, as the number that follows the status word "FAILURE".
-// How long one request may keep the server working.
+// What came of a request's work, and how long it may take.
 #pragma once
 
 #include <chrono>
@@ -9,27 +8,28 @@
 
 namespace qv::standin {
 
+// Why a command failed: the number after the status word "FAILURE".
 enum class ErrorCode : std::int32_t {
   kNone = 0,
   kMalformedRequest = 1,  // a field is missing or of the wrong kind
   kUnknownCommand = 2,
   kAccessDenied = 3,  // the access token is missing or wrong
   kNoDatabase = 4,
-  kNotPermitted = 5,  // what a client may not do: write in a query, attach files, ...
+  kNotPermitted = 5,  // forbidden to clients: to write in a query, to attach files, ...
   kSqlFailed = 6,
   kTimedOut = 7,
   kStopped = 8,  // the server stops, or the client is gone
   kNoProcedure = 9,
-  kAnswerLost = 10,   // the answer could not be kept: disk full, or past the limit
-  kBusy = 11,         // somebody else holds the database
-  kBadName = 20,      // of a file or folder, or an identifier that is none
+  kAnswerLost = 10,   // the answer could not be stored: disk full, or over the limit
+  kBusy = 11,         // another connection has locked the database
+  kBadName = 20,      // an invalid name of a file or folder, or an invalid identifier
   kNoFile = 21,       // no such file or folder
   kStoreFailed = 22,  // the place is taken, the folder is not empty, the disk is full, ...
   kBadPack = 23,      // no pack file, or a damaged one
 };
 
-// What came of a piece of work; the text is for the server's own log, and for the wire only
-// where the command's own description says so.
+// The result of a piece of work. The text is for the server's own log; it is sent only where the
+// description of the command says so.
 struct [[nodiscard]] Outcome {
   ErrorCode code = ErrorCode::kNone;
   std::string text;
@@ -37,20 +37,19 @@ struct [[nodiscard]] Outcome {
   bool Ok() const { return code == ErrorCode::kNone; }
 };
 
-// Asked again and again while work goes on; once it says that the work is over it stays so. One
-// thread.
+// Ask it repeatedly during work; once the work is over, it stays over. One thread.
 class WorkLimit {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // `abandoned` tells whether nobody waits for the work any more; it may be slow and is asked
-  // rarely.
+  // `abandoned` returns whether nobody waits for the work any more; it is called rarely, since it
+  // may be slow.
   WorkLimit(std::chrono::milliseconds time, std::function<bool()> abandoned);
 
   [[nodiscard]] bool IsOver();
-  // How long it may still go on; never negative.
+  // Returns the time that is left; never negative.
   [[nodiscard]] std::chrono::milliseconds TimeLeft() const;
-  // Why it is over; kNone while it is not.
+  // Returns why the work is over, or kNone if it is not.
   [[nodiscard]] ErrorCode Reason() const { return reason_; }
 
  private:

@@ -22,7 +22,8 @@ std::string_view TextOf(sqlite3_value* value) {
   return {text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-// Whether the function shall work. Otherwise its result is set: null when an argument is null.
+// Returns whether the function may run. Otherwise its result is set: an error, or null if an
+// argument is null.
 bool MayWork(sqlite3_context* context, int count, sqlite3_value** values, int pattern,
              int longest = kLongestPattern) {
   for (int i = 0; i < count; ++i) {
@@ -39,7 +40,7 @@ bool MayWork(sqlite3_context* context, int count, sqlite3_value** values, int pa
   return true;
 }
 
-// The one character of a text, if it is one.
+// Returns the character of a text that has exactly one.
 std::optional<unsigned int> OnlyCharacter(std::string_view text) {
   if (text.empty()) return std::nullopt;
   const text::DecodedChar first = text::DecodeUtf8(text);
@@ -65,7 +66,7 @@ void Glob(sqlite3_context* context, int count, sqlite3_value** values) {
   sqlite3_result_int(context, sqlite3_strglob(pattern.data(), text.data()) == 0 ? 1 : 0);
 }
 
-// The 1-based position in characters; in bytes when both are bytes.
+// Returns the 1-based position in characters, or in bytes if both arguments are blobs.
 void Instr(sqlite3_context* context, int count, sqlite3_value** values) {
   if (!MayWork(context, count, values, 1)) return;
   const bool in_bytes =
@@ -84,7 +85,7 @@ void Append(sqlite3_str* result, std::string_view text) {
   sqlite3_str_append(result, text.data(), static_cast<int>(text.size()));
 }
 
-// SQLite's own text builder keeps to the longest cell, and throws nothing through SQLite.
+// SQLite's own string builder respects the limit on cells and throws no exceptions through SQLite.
 void Finish(sqlite3_context* context, sqlite3_str* result) {
   const int code = sqlite3_str_errcode(result);
   const int length = sqlite3_str_length(result);

@@ -1,4 +1,4 @@
-// A logical database, whatever keeps its tables.
+// The interface of logical databases, whichever engine stores their tables.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace qv::standin {
 
-// The text that calls a stored procedure: "call name(1, 'a')" or "exec name 1, 'a'".
+// A call of a stored procedure: "call name(1, 'a')" or "exec name 1, 'a'".
 struct ProcedureCall {
   using Argument = std::variant<std::monostate, std::int64_t, double, std::string>;
 
@@ -21,11 +21,11 @@ struct ProcedureCall {
   std::vector<Argument> arguments;
 };
 
-// Whether `text` begins with "call", "exec" or "execute", in any case.
+// Returns whether `text` begins with "call", "exec" or "execute", in any case.
 [[nodiscard]] bool IsProcedureCall(std::string_view text);
 
-// Arguments are whole and decimal numbers, null, and texts in apostrophes (an apostrophe inside is
-// doubled; an N before the first one is skipped). Nothing when the text is not such a call.
+// Returns the call in `text`, or nothing if it is not one. Arguments are whole and decimal numbers,
+// null, and texts in apostrophes, in which apostrophes are doubled; an N before a text is ignored.
 [[nodiscard]] std::optional<ProcedureCall> ParseProcedureCall(std::string_view text);
 
 // The kinds of columns that an answer can declare.
@@ -48,16 +48,18 @@ enum class ColumnKind {
 struct Column {
   std::string name;
   ColumnKind kind = ColumnKind::kText;
-  std::uint32_t length = 0;  // the declared number of characters or bytes; 0 when there is none
+  std::uint32_t length = 0;  // the declared number of characters or bytes; 0 if none is declared
 };
 
 struct Binary {
   std::string_view bytes;
 };
-// Null, number, text or bytes. Texts and bytes belong to the database until the next row.
+// Null, a number, a text or bytes. Texts and bytes belong to the database and are valid until the
+// next row.
 using Cell = std::variant<std::monostate, std::int64_t, double, std::string_view, Binary>;
 
-// Takes an answer row by row. False ends the work with ErrorCode::kAnswerLost.
+// Receives an answer row by row. If a call returns false, the work ends with
+// ErrorCode::kAnswerLost.
 class RowSink {
  public:
   virtual ~RowSink() = default;
@@ -69,12 +71,12 @@ class Database {
  public:
   virtual ~Database() = default;
 
-  // One statement that only reads.
+  // Runs one statement that only reads.
   virtual Outcome Query(const std::string& sql, RowSink& sink) = 0;
-  // All of the statements or none. `failed` becomes the 1-based position of the one that was
-  // refused, or 0 when none is to blame.
+  // Runs all of the statements or none. Sets `failed` to the 1-based position of the statement that
+  // failed, or to 0 if none did.
   virtual Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) = 0;
-  // A stored procedure; its last statement gives the rows, the others may write.
+  // Calls a stored procedure. Its last statement returns the rows; the others may write.
   virtual Outcome Call(const ProcedureCall& call, RowSink& sink) = 0;
 };
 

@@ -32,12 +32,12 @@ struct Closer {
 
 bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '-'; }
 
-// Why the file cannot be used, in words that follow its name; nothing when it can.
+// Why the file cannot be used, as a text that follows its name; nothing if it can.
 using Complaint = std::optional<std::string>;
 
 Complaint ReadAll(std::FILE* file, std::string& text) {
   if (!platform::IsPrivate(file)) {
-    return "only its owner may be able to read and change it, for it may hold passwords";
+    return "it may hold passwords, so only its owner may have the right to read and change it";
   }
   text.resize(kLargestFile + 1);
   text.resize(std::fread(text.data(), 1, text.size(), file));
@@ -49,17 +49,17 @@ Complaint ReadAll(std::FILE* file, std::string& text) {
 Complaint ReadText(const std::string& name, const std::string& key, const json& value,
                    std::string& text) {
   const std::string place = name + ": " + key;
-  if (!value.is_string()) return place + " is no text";
+  if (!value.is_string()) return place + " is not a text";
   text = value.get<std::string>();
   const bool fits = !text.empty() && text.size() <= kLongestText;
-  if (!fits) return fmt::format("{} has not 1 to {} bytes", place, kLongestText);
-  if (text.find('\0') != std::string::npos) return place + " has a NUL in it";
+  if (!fits) return fmt::format("{} must have 1 to {} bytes", place, kLongestText);
+  if (text.find('\0') != std::string::npos) return place + " contains a NUL";
   return std::nullopt;
 }
 
 Complaint ReadEntry(const std::string& name, const json& entry, DatabaseSettings& settings) {
-  if (!IsDatabaseName(name)) return "\"" + OnOneLine(name) + "\" is no name of a database";
-  if (!entry.is_object()) return name + " is no object";
+  if (!IsDatabaseName(name)) return "\"" + OnOneLine(name) + "\" is not a valid name of a database";
+  if (!entry.is_object()) return name + " is not an object";
   for (const auto& [key, value] : entry.items()) {
     const bool is_odbc = key == kOdbc;
     if (!is_odbc && key != kConnectionText) {
@@ -76,13 +76,13 @@ Complaint Parse(const std::string& text, DatabaseSettingsByName& settings) {
   try {
     root = json::parse(text);
   } catch (const json::parse_error& error) {
-    // Its own words would quote the text, passwords and all.
+    // The parser's own message would quote the text, including passwords.
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-    return fmt::format("no JSON at line {}", std::count(text.begin(), end, '\n') + 1);
+    return fmt::format("line {} is not valid JSON", std::count(text.begin(), end, '\n') + 1);
   } catch (const json::exception&) {
-    return "it holds a number that is out of range";
+    return "it contains a number that is out of range";
   }
-  if (!root.is_object()) return "it holds no object";
+  if (!root.is_object()) return "it is not a JSON object";
   for (const auto& [name, entry] : root.items()) {
     if (auto complaint = ReadEntry(name, entry, settings[name])) return complaint;
   }

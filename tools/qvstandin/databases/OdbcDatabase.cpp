@@ -37,14 +37,14 @@ struct KnownState {
 };
 
 constexpr std::array kKnownStates{
-    KnownState{"25006", ErrorCode::kNotPermitted},  // a write that shall only read
-    KnownState{"42501", ErrorCode::kNotPermitted},  // no right to do that
-    KnownState{"40001", ErrorCode::kBusy},          // not to be put in one order with others
+    KnownState{"25006", ErrorCode::kNotPermitted},  // a write in a read-only transaction
+    KnownState{"42501", ErrorCode::kNotPermitted},  // insufficient privilege
+    KnownState{"40001", ErrorCode::kBusy},          // a serialization failure
     KnownState{"40P01", ErrorCode::kBusy},          // a deadlock
-    KnownState{"55P03", ErrorCode::kBusy},          // a lock that would not come
+    KnownState{"55P03", ErrorCode::kBusy},          // a lock is not available
     KnownState{"533", ErrorCode::kBusy},            // too many connections
-    KnownState{"HYT", ErrorCode::kTimedOut},        // the driver's time limits
-    KnownState{"57014", ErrorCode::kTimedOut},      // the engine's
+    KnownState{"HYT", ErrorCode::kTimedOut},        // the driver's time limit
+    KnownState{"57014", ErrorCode::kTimedOut},      // the engine's time limit
     KnownState{"57P", ErrorCode::kNoDatabase},      // the engine stops or starts
     KnownState{"08", ErrorCode::kNoDatabase},       // no connection
 };
@@ -62,7 +62,7 @@ std::uint32_t Seconds(std::chrono::milliseconds time) {
   return static_cast<std::uint32_t>(std::chrono::ceil<std::chrono::seconds>(time).count());
 }
 
-// "(?, ?)" for two.
+// Returns "(?, ?)" for two arguments.
 std::string QuestionMarks(std::size_t count) {
   std::string marks = "(";
   for (std::size_t i = 0; i < count; ++i) marks += i == 0 ? "?" : ", ?";
@@ -84,7 +84,7 @@ std::string NewMarker() {
   return name;
 }
 
-// A text of a client's as it will run, and its statements inside it.
+// A client's SQL as it will run, and the statements in it.
 struct GuardedText {
   std::string text;
   std::vector<std::string_view> statements;
@@ -114,10 +114,10 @@ Outcome OdbcDatabase::Query(const std::string& sql, RowSink& sink) {
   return {ErrorCode::kNotPermitted, "a query only reads"};
 }
 
-// All of the texts are looked over before the first of them runs.
+// All texts are checked before the first of them runs.
 Outcome OdbcDatabase::Execute(std::span<const std::string_view> statements, std::int32_t& failed) {
   failed = 0;
-  std::deque<GuardedText> texts;  // which stay where they are
+  std::deque<GuardedText> texts;  // a deque, so that the texts do not move
   for (const std::string_view text : statements) {
     ++failed;
     if (Outcome guarded = Guarded(text, texts.emplace_back()); !guarded.Ok()) return guarded;
@@ -164,13 +164,14 @@ Outcome OdbcDatabase::Begin(Work work) {
 
 Outcome OdbcDatabase::Connect(Work work) {
   if (watch_.IsOver()) return Failure();
-  // The watch comes first; the driver's own limit is for drivers that cannot cancel.
+  // The watch ends statements first; the driver's own limit is for drivers that cannot cancel.
   const odbc::Limits limits{
       .login_seconds = Seconds(std::clamp<std::chrono::milliseconds>(time_, 1s, kLongestLogin)),
       .query_seconds = Seconds(std::min<std::chrono::milliseconds>(time_, kLongestStatement)) + 1,
       .reads_only = work == Work::kQuery,
       .cell_bytes = kLongestCell};
-  // Statements are seldom such that give rows, and the way in pieces does not take all of them.
+  // Statements rarely return rows, and the driver's cursor mode (UseDeclareFetch) rejects some of
+  // them.
   const Rows rows = work == Work::kStatements ? Rows::kAtOnce : Rows::kInPieces;
   connection_ = odbc::Connection::Open(WithDriverSettings(text_, rows), limits, said_);
   if (connection_ != nullptr) return {};
@@ -179,7 +180,7 @@ Outcome OdbcDatabase::Connect(Work work) {
   return outcome;
 }
 
-// Engines that know no savepoints go without.
+// Engines without savepoints run without this check.
 Outcome OdbcDatabase::Mark() {
   std::string marker = NewMarker();
   Outcome marked = RunTrusted("SAVEPOINT " + marker);
@@ -202,8 +203,8 @@ Outcome OdbcDatabase::FindBackend() {
   return {};
 }
 
-// Its driver cancels what it executes, but not what it fetches: then the engine is told on another
-// way.
+// PostgreSQL's driver cancels execution but not fetching. From the second attempt on, the server
+// also asks the engine through another connection.
 void OdbcDatabase::Cancel(odbc::Statement& statement, int before) const {
   statement.Cancel();
   if (before == 0 || backend_ == 0) return;
@@ -223,13 +224,14 @@ Outcome OdbcDatabase::RunTrusted(std::string_view sql) {
 
 Outcome OdbcDatabase::Run(std::string_view sql, std::span<const odbc::Argument> arguments,
                           Delivery& delivery) {
-  // Otherwise a text could end elsewhere than GuardStatements saw.
+  // With standard_conforming_strings off, a backslash could end a literal where GuardStatements saw
+  // no end.
   if (is_postgres_ && sql.find('\\') != std::string_view::npos) {
     if (Outcome set = RunTrusted(kPlainBackslashes); !set.Ok()) return set;
   }
   odbc::Statement statement(*connection_);
   const StatementWatch::Over over(watch_, [&](int before) { Cancel(statement, before); });
-  // A statement that nobody waits for must not begin: what cancels it may have come and gone.
+  // A statement that nobody waits for must not begin: its cancellation may have come already.
   if (watch_.IsOver()) return Failure();
   const bool runs =
       arguments.empty() ? statement.Execute(sql, said_) : statement.Execute(sql, arguments, said_);
@@ -258,7 +260,7 @@ Outcome OdbcDatabase::Deliver(odbc::Statement& statement, RowSink& sink) {
   return step == odbc::Step::kEnd ? Outcome() : Failure();
 }
 
-// Rows that nobody wants are fetched all the same: what computes them may also write.
+// Unwanted rows are fetched as well, since computing them may write.
 Outcome OdbcDatabase::Drain(odbc::Statement& statement) {
   if (statement.Columns().empty()) return {};
   odbc::Step step = odbc::Step::kNext;
@@ -288,7 +290,7 @@ Outcome OdbcDatabase::WriteCall(const ProcedureCall& call, std::string& sql) {
       statement.ReadText(1, kind, said_) != odbc::CellState::kValue) {
     return Failure();
   }
-  // The name has the bytes of a word only, as every call's has.
+  // Safe to quote: ParseProcedureCall admits only letters, digits and "_" in names.
   sql = (kind == "p" ? "CALL \"" : "SELECT * FROM \"") + name + "\"" + marks;
   return {};
 }
@@ -296,15 +298,15 @@ Outcome OdbcDatabase::WriteCall(const ProcedureCall& call, std::string& sql) {
 Outcome OdbcDatabase::End(Outcome outcome) {
   if (outcome.Ok() && !marker_.empty()) {
     outcome = RunTrusted("RELEASE SAVEPOINT " + marker_);
-    if (!outcome.Ok()) outcome.text = "the transaction did not last: " + outcome.text;
+    if (!outcome.Ok()) outcome.text = "the transaction was ended early: " + outcome.text;
   }
   if (outcome.Ok() && !connection_->Commit(said_)) outcome = Failure();
   if (!outcome.Ok()) connection_->Rollback(said_);
   return outcome;
 }
 
-// What the driver says goes to the server's record: on one short line, and without what the
-// connection text has in it.
+// The driver's message goes to the server's record on one short line, without the values of the
+// connection text.
 Outcome OdbcDatabase::Failure() {
   const ErrorCode reason = watch_.Reason();
   if (reason != ErrorCode::kNone) return {reason, "cut off"};

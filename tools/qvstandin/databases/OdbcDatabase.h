@@ -1,4 +1,4 @@
-// A logical database that lives in an engine of its own, behind an ODBC driver.
+// A logical database in an engine behind an ODBC driver.
 #pragma once
 
 #include <memory>
@@ -16,17 +16,17 @@
 
 namespace qv::standin {
 
-// One connection for one request, made when it is needed; one thread. Clients may do what the
-// connection's user may, but not end the transaction that they run in, nor change its settings
-// (GuardStatements tells what they may begin a statement with). Queries run in a transaction that
-// is always rolled back, and that only reads where the engine knows such.
+// One connection for one request, opened on demand; one thread. Clients have the rights of the
+// connection's user, but cannot end their transaction or change its settings (see GuardStatements).
+// Queries run in a transaction that is always rolled back, and that is read-only if the engine
+// supports it.
 //
-// A procedure is one of the engine's own: on PostgreSQL a function or procedure outside the
-// system's schemas, found whatever the case of its name; elsewhere what the driver's call escape
-// calls. Of several results the first that has columns gives the rows.
+// Procedures are the engine's own: on PostgreSQL, a function or procedure outside the system's
+// schemas, found in any case; elsewhere, what the driver's call escape finds. If there are several
+// results, the first with columns is the answer.
 class OdbcDatabase : public Database {
  public:
-  // `limit` outlives the object, and is left to it.
+  // `limit` outlives the object. Nothing else may use it meanwhile.
   OdbcDatabase(const std::string& connection_text, WorkLimit& limit);
 
   Outcome Query(const std::string& sql, RowSink& sink) override;
@@ -35,28 +35,28 @@ class OdbcDatabase : public Database {
 
  private:
   enum class Work { kQuery, kStatements, kCall };
-  // How the first result with columns is treated.
+  // Where the first result with columns goes.
   struct Delivery {
-    RowSink* sink = nullptr;  // null: its rows are counted out, like those of all others
+    RowSink* sink = nullptr;  // null: its rows are discarded, like those of all others
     bool is_done = false;
   };
 
   // Connects and begins the transaction.
   Outcome Begin(Work work);
   Outcome Connect(Work work);
-  // Leaves a savepoint by which End sees whether the transaction is still the same.
+  // Sets a savepoint, by which End() sees whether the transaction is still the same.
   Outcome Mark();
-  // Asks PostgreSQL who it is that works for this connection.
+  // Asks PostgreSQL for the process ID of this connection's backend.
   Outcome FindBackend();
   void Cancel(odbc::Statement& statement, int before) const;
-  // Runs a statement of the server's own.
+  // Runs one of the server's own statements.
   Outcome RunTrusted(std::string_view sql);
   Outcome Run(std::string_view sql, std::span<const odbc::Argument> arguments, Delivery& delivery);
   Outcome Deliver(odbc::Statement& statement, RowSink& sink);
   Outcome Drain(odbc::Statement& statement);
-  // The statement that calls a procedure.
+  // Sets `sql` to the statement that calls a procedure.
   Outcome WriteCall(const ProcedureCall& call, std::string& sql);
-  // Commits what went well and takes back the rest.
+  // Commits if `outcome` is a success, and rolls back otherwise.
   Outcome End(Outcome outcome);
   [[nodiscard]] Outcome Failure();
 
@@ -66,8 +66,8 @@ class OdbcDatabase : public Database {
   odbc::Diagnostics said_;
   std::unique_ptr<odbc::Connection> connection_;
   bool is_postgres_ = false;
-  std::int64_t backend_ = 0;  // PostgreSQL's number for this connection
-  std::string marker_;        // the name of a savepoint that is gone when the transaction is
+  std::int64_t backend_ = 0;  // the process ID of PostgreSQL's backend; 0 if unknown
+  std::string marker_;        // the savepoint that vanishes with the transaction
 };
 
 }  // namespace qv::standin

@@ -70,7 +70,7 @@ ColumnKind KindOf(odbc::ColumnKind kind) {
   return ColumnKind::kText;
 }
 
-// What drivers say of the length of long columns is a setting of theirs.
+// The length of long columns is ignored: drivers report one of their settings.
 std::uint32_t LengthOf(ColumnKind kind, std::uint64_t size) {
   if (kind != ColumnKind::kFixedText && kind != ColumnKind::kText) return 0;
   constexpr std::uint64_t kMost = std::numeric_limits<std::int32_t>::max();
@@ -120,8 +120,8 @@ bool OdbcCells::Read(odbc::Statement& statement, odbc::Diagnostics& diagnostics)
   return true;
 }
 
-// Decimal numbers stay text, so that no digit is lost, and so do dates, whose text is the same with
-// every driver.
+// Decimal numbers are read as text so that no digit is lost, and dates because their text is the
+// same with every driver.
 CellState OdbcCells::ReadCell(odbc::Statement& statement, std::size_t column, Slot& slot,
                               Cell& cell, odbc::Diagnostics& diagnostics) {
   const bool is_decimal = statement.Columns()[column].kind == odbc::ColumnKind::kDecimal;

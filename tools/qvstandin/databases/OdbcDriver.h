@@ -1,4 +1,4 @@
-// ODBC drivers: what the server needs of those that it knows, and their rows as those of an answer.
+// ODBC drivers: the settings that the server needs, and the conversion of their rows.
 #pragma once
 
 #include <string>
@@ -10,26 +10,27 @@
 
 namespace qv::standin {
 
+// How a driver fetches rows.
 enum class Rows {
-  kInPieces,  // so that no answer stands in memory whole
+  kInPieces,  // so that no answer is in memory as a whole
   kAtOnce,
 };
 
-// Returns the connection text, with the settings after it that the server needs of its driver and
-// that the text does not make itself.
+// Returns the connection text followed by the driver settings that the server needs and the text
+// does not contain.
 [[nodiscard]] std::string WithDriverSettings(const text::ConnectionText& text, Rows rows);
 
-// The columns of the result that a statement stands at, as the driver declares them.
+// Returns the columns of a statement's current result, as the driver declares them.
 [[nodiscard]] std::vector<Column> ColumnsOf(const odbc::Statement& statement);
 
-// Holds one row at a time.
+// The cells of one row at a time.
 class OdbcCells {
  public:
   explicit OdbcCells(const std::vector<Column>& columns);
 
-  // Reads the row that the statement stands at. False when the driver cannot give it.
+  // Reads the statement's current row. Returns false if the driver fails.
   [[nodiscard]] bool Read(odbc::Statement& statement, odbc::Diagnostics& diagnostics);
-  // Texts and bytes are this object's until the next row.
+  // Texts and bytes belong to this object and are valid until the next Read().
   [[nodiscard]] const std::vector<Cell>& Row() const { return cells_; }
 
  private:

@@ -12,7 +12,7 @@ namespace {
 
 bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '.'; }
 
-// Reads a call from left to right; what it takes is gone from the rest.
+// Reads a call from left to right and removes what it has read.
 class CallScanner {
  public:
   explicit CallScanner(std::string_view text) : rest_(text) {}
@@ -85,7 +85,7 @@ std::optional<ProcedureCall> ParseProcedureCall(std::string_view text) {
   if (!IsCallWord(scanner.LowerWord())) return std::nullopt;
   call.name = scanner.Word();
   if (call.name.empty()) return std::nullopt;
-  // "dbo.name" and "X.dbo.name" are the procedure itself: one database knows one owner.
+  // "dbo.name" and "X.dbo.name" mean the procedure itself: a database has one owner.
   call.name.erase(0, call.name.rfind('.') + 1);
   const bool in_brackets = scanner.Take('(');
   bool more = in_brackets ? !scanner.Take(')') : !scanner.AtEnd() && !scanner.Take(';');

@@ -1,4 +1,4 @@
-// SQLite files that requests work on: how they are opened, and their rows as those of an answer.
+// SQLite files: opening them under a work limit, and converting their rows.
 #pragma once
 
 #include <sqlite3.h>
@@ -21,39 +21,37 @@ struct SqliteCloser {
 using SqliteConnection = std::unique_ptr<sqlite3, SqliteCloser>;
 using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteCloser>;
 
-// Opens an existing file for one thread, null when it is not there. What runs on it, or waits for
-// somebody else's work on it, is cut off once `limit`, which outlives it, is over.
+// Opens an existing file for one thread. Returns null if that fails. Once `limit` is over,
+// statements and waits for locks are interrupted. `limit` outlives the connection.
 [[nodiscard]] SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit);
 
-// What went wrong with the last call, whose result was `code`.
+// Describes the failure of the last call, whose result was `code`.
 [[nodiscard]] Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit);
 
-// The columns of a statement, by their declared types; a column that has none that is known goes by
-// the value in the current row, when there is one, and is text otherwise.
+// Returns the columns of a statement by their declared types. A column without a known type gets
+// the type of its value in the current row, or is text if there is no row.
 [[nodiscard]] std::vector<Column> ColumnsOf(sqlite3_stmt* statement, bool has_row);
 
-// Replaces `cells` by the current row; texts and bytes are SQLite's until the next step.
+// Replaces `cells` by the current row. Texts and bytes belong to SQLite until the next step.
 void ReadCells(sqlite3_stmt* statement, std::vector<Cell>& cells);
 
-// Binds a copy. Gives SQLite's result code.
+// Binds a copy of the argument. Returns SQLite's result code.
 [[nodiscard]] int BindArgument(sqlite3_stmt* statement, int position,
                                const ProcedureCall::Argument& argument);
 
-// Which kind of column a declared type of SQL stands for.
+// The kind of column that a declared SQL type means.
 struct DeclaredType {
   ColumnKind kind;
-  std::uint32_t length;  // of "VARCHAR(40)"; 0 when none is given
+  std::uint32_t length;  // 40 for "VARCHAR(40)"; 0 if none is given
 };
 
-// Names are taken in any case. Nothing for a type that is not known.
+// Ignores case. Returns nothing for an unknown type.
 [[nodiscard]] std::optional<DeclaredType> ParseDeclaredType(std::string_view type);
 
-// SQL functions whose work grows with the product of two lengths, with bounds.
-//
-// SQLite cannot be stopped inside a function. Puts functions in place of LIKE, GLOB, instr and
-// replace that take no long pattern and ask `limit` first, and takes away those that are not worth
-// the trouble: trim with characters of the caller's, and json_patch. `limit` outlives the
-// connection. Gives SQLite's result code.
+// Bounds the SQL functions whose work grows with the product of two lengths, since SQLite cannot be
+// interrupted inside a function. Replaces LIKE, GLOB, instr and replace with functions that refuse
+// long patterns and check `limit` first, and removes trim with a set of characters and json_patch.
+// `limit` outlives the connection. Returns SQLite's result code.
 [[nodiscard]] int BoundFunctions(sqlite3* connection, WorkLimit& limit);
 
 }  // namespace qv::standin

@@ -12,7 +12,7 @@ namespace qv::standin {
 
 namespace {
 
-// No cell or result of a function may be longer: a function cannot be cut short.
+// Bounds cells and results of functions, since a function cannot be interrupted.
 constexpr int kLongestCell = 1 << 20;
 
 bool IsRefusedFunction(const char* name) {
@@ -98,8 +98,7 @@ Outcome SqliteDatabase::Call(const ProcedureCall& call, RowSink& sink) {
   return EndTransaction(RunAll(sql, call.arguments, &sink));
 }
 
-// Steps over what holds no statement: blanks, comments, lone semicolons. What lies behind a NUL is
-// no text any more.
+// Skips blanks, comments and lone semicolons. A NUL ends the text.
 int SqliteDatabase::Prepare(const char*& text, const char* end, SqliteStatement& statement) {
   statement.reset();
   while (*text != '\0' && statement == nullptr) {
@@ -115,13 +114,14 @@ int SqliteDatabase::Prepare(const char*& text, const char* end, SqliteStatement&
   return SQLITE_OK;
 }
 
-// A statement that does not compile yet may do so once those before it have run, so it counts.
+// A statement that does not compile counts as well: it may compile after the previous ones have
+// run.
 bool SqliteDatabase::HasMore(const char* text, const char* end) {
   SqliteStatement next;
   return Prepare(text, end, next) != SQLITE_OK || next != nullptr;
 }
 
-// The rows of the last statement go to the sink, if there is one.
+// If there is a sink, it receives the rows of the last statement.
 Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSink* sink) {
   const std::string text = WithPlainTableNames(sql, text::kSqlite);
   const char* rest = text.c_str();
@@ -130,7 +130,7 @@ Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSin
   bool more = HasMore(rest, end);
   if (!more) return {ErrorCode::kSqlFailed, "there is no statement"};
   while (more) {
-    // Short statements never come to the progress handler.
+    // Short statements end before SQLite calls the progress handler.
     if (limit_.IsOver()) return Failure(SQLITE_INTERRUPT);
     if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
     if (Outcome bound = Bind(statement.get(), arguments); !bound.Ok()) return bound;
@@ -149,7 +149,7 @@ Outcome SqliteDatabase::Step(sqlite3_stmt* statement) {
 }
 
 Outcome SqliteDatabase::Deliver(sqlite3_stmt* statement, RowSink& sink) {
-  int code = sqlite3_step(statement);  // the kind of an expression shows in its first row
+  int code = sqlite3_step(statement);  // the first row tells the kind of an expression
   if (code != SQLITE_ROW && code != SQLITE_DONE) return Failure(code);
   const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be kept"};
   if (!sink.Begin(ColumnsOf(statement, code == SQLITE_ROW))) return lost;
@@ -164,7 +164,7 @@ Outcome SqliteDatabase::Deliver(sqlite3_stmt* statement, RowSink& sink) {
 Outcome SqliteDatabase::Bind(sqlite3_stmt* statement, Arguments arguments) {
   const auto wanted = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement));
   if (wanted > arguments.size()) {
-    return {ErrorCode::kSqlFailed, std::to_string(wanted) + " arguments are wanted"};
+    return {ErrorCode::kSqlFailed, std::to_string(wanted) + " arguments are required"};
   }
   for (std::size_t i = 0; i < wanted; ++i) {
     const int code = BindArgument(statement, static_cast<int>(i + 1), arguments[i]);
@@ -202,9 +202,9 @@ Outcome SqliteDatabase::RunTrusted(const char* sql) {
 
 Outcome SqliteDatabase::EndTransaction(Outcome outcome) {
   if (outcome.Ok()) outcome = RunTrusted("COMMIT");
-  // A failed statement may have ended the transaction already.
+  // A statement that failed may have ended the transaction already.
   if (!outcome.Ok() && sqlite3_get_autocommit(connection_.get()) == 0) {
-    // Undoing must not be cut short by the limit that ended the work.
+    // The limit that ended the work must not interrupt the rollback.
     sqlite3_progress_handler(connection_.get(), 0, nullptr, nullptr);
     if (Outcome undone = RunTrusted("ROLLBACK"); !undone.Ok()) outcome.text += "; " + undone.text;
   }

@@ -12,15 +12,14 @@
 
 namespace qv::standin {
 
-// One connection for one request; one thread. What clients send cannot attach files, change
-// settings of the database, load extensions or end the transaction that it runs in.
+// One connection for one request; one thread. Clients' statements cannot attach files, change
+// settings of the database, load extensions or end their transaction.
 class SqliteDatabase : public Database {
  public:
-  // The table of stored procedures: a name, and statements with ?1, ?2, ... for the arguments.
+  // The table of stored procedures: a name, and statements in which ?1, ?2, ... are the arguments.
   static constexpr const char* kProcedureTable = "StoredProcedures";
 
-  // Opens an existing file; null when it is not there or not a database. `limit` outlives the
-  // object.
+  // Opens an existing file. Returns null if that fails. `limit` outlives the object.
   [[nodiscard]] static std::unique_ptr<SqliteDatabase> Open(const std::string& path,
                                                             WorkLimit& limit);
 
@@ -34,7 +33,7 @@ class SqliteDatabase : public Database {
   SqliteDatabase(SqliteConnection connection, WorkLimit& limit);
 
   [[nodiscard]] bool Confine();
-  // Prepares the next statement of a text that a NUL at `end` closes; null behind the last.
+  // Prepares the next statement of a text that ends with the NUL at `end`; null after the last one.
   [[nodiscard]] int Prepare(const char*& text, const char* end, SqliteStatement& statement);
   [[nodiscard]] bool HasMore(const char* text, const char* end);
   Outcome RunAll(std::string_view sql, Arguments arguments, RowSink* sink);
@@ -42,7 +41,7 @@ class SqliteDatabase : public Database {
   Outcome Deliver(sqlite3_stmt* statement, RowSink& sink);
   Outcome Bind(sqlite3_stmt* statement, Arguments arguments);
   Outcome ReadProcedure(const std::string& name, std::string& sql);
-  // Runs a statement of the server's own.
+  // Runs one of the server's own statements.
   Outcome RunTrusted(const char* sql);
   Outcome EndTransaction(Outcome outcome);
   [[nodiscard]] Outcome Failure(int code);

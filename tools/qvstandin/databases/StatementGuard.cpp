@@ -13,7 +13,7 @@ namespace {
 
 using text::SqlPart;
 
-// Longer words are cut where they are named.
+// Messages truncate longer words.
 constexpr std::size_t kLongestKeyword = 16;
 
 constexpr std::array<std::string_view, 21> kBeginnings{
@@ -46,7 +46,7 @@ class Guard {
   }
 
  private:
-  // Where a text E'...' is: behind its E, or behind its end.
+  // The position relative to a text E'...': after its E, or after its end.
   enum class Escaped { kNo, kBegins, kEnded };
 
   void Read(SqlPart part, std::string_view piece) {
@@ -69,8 +69,8 @@ class Guard {
     if (text::EqualIgnoringCase(word, "e")) escaped_ = Escaped::kBegins;
   }
 
-  // In E'...' a backslash may keep a quote from ending the text, but need not in every character
-  // set. In another line such a text goes on, under the same rules.
+  // In E'...' a backslash may or may not escape a quote, depending on the character set. Such a
+  // text can continue on another line under the same rules.
   void Text(std::string_view text, Escaped escaped) {
     if (escaped == Escaped::kNo) return;
     if (escaped == Escaped::kEnded) Refuse("a text in two lines");
@@ -78,7 +78,7 @@ class Guard {
     escaped_ = Escaped::kEnded;
   }
 
-  // The first piece of a statement is a word that is known.
+  // The first piece of a statement must be a known word.
   void Begin(std::string_view word) {
     if (std::exchange(has_begun_, true) || IsOneOf(kBeginnings, word)) return;
     word.empty() ? Refuse("a statement that begins with no word") : RefuseWord(word);

@@ -32,7 +32,7 @@ ErrorCode StatementWatch::Reason() {
   return limit_.Reason();
 }
 
-// Waits for a cancellation that is on its way, so that none reaches a statement that is gone.
+// Waits for a running cancellation, so that none reaches a statement that is gone.
 void StatementWatch::Set(Cancel cancel) {
   const std::lock_guard lock(mutex_);
   cancel_ = std::move(cancel);
@@ -43,7 +43,7 @@ void StatementWatch::CancelOnce() {
   try {
     cancel_(cancelled_++);
   } catch (const std::exception&) {
-    // Short of memory; there may be more for the next attempt.
+    // Out of memory; the next attempt may succeed.
   }
 }
 

@@ -1,4 +1,4 @@
-// Ends statements that a database works on once nobody waits for them any more.
+// Cancels running statements once nobody waits for them any more.
 #pragma once
 
 #include <condition_variable>
@@ -11,11 +11,11 @@
 
 namespace qv::standin {
 
-// Has a thread of its own, since the one that works stands still inside the driver. From its
-// construction to its destruction the limit is asked through it only.
+// It has a thread of its own, since the working thread is blocked in the driver. While the watch
+// exists, use the limit only through it.
 class StatementWatch {
  public:
-  // Is called from the watch's thread, with the number of times that it has been before.
+  // Called on the watch's thread with the number of earlier calls.
   using Cancel = std::function<void(int before)>;
 
   // `limit` outlives the watch.
@@ -27,8 +27,8 @@ class StatementWatch {
   [[nodiscard]] bool IsOver();
   [[nodiscard]] ErrorCode Reason();
 
-  // While it is there, `cancel` is called as soon as the work is over, and again and again: a
-  // database misses what comes just before the statement. One at a time.
+  // While this object exists, `cancel` is called as soon as the work is over, and then repeatedly:
+  // a database ignores a cancellation that comes just before the statement. One object at a time.
   class Over {
    public:
     Over(StatementWatch& watch, Cancel cancel) : watch_(watch) { watch_.Set(std::move(cancel)); }
@@ -49,7 +49,7 @@ class StatementWatch {
   std::mutex mutex_;
   std::condition_variable changed_;
   Cancel cancel_;
-  int cancelled_ = 0;  // times
+  int cancelled_ = 0;  // how often
   bool ends_ = false;
   std::thread thread_;
 };

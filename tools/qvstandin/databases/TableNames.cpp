@@ -44,7 +44,7 @@ std::size_t LocationLength(std::string_view rest, const SqlDialect& dialect) {
 }  // namespace
 
 std::string WithPlainTableNames(std::string_view sql, SqlDialect dialect) {
-  // Clients write names so whatever the engine is.
+  // Clients use these forms of names with every engine.
   dialect.has_brackets = true;
   dialect.has_signs_in_names = true;
   std::string plain;

@@ -22,7 +22,7 @@ constexpr ClientStream::Milliseconds kLongestGoodbye{2000};
 }  // namespace
 
 ClientStream::ClientStream(Milliseconds io_timeout) : io_timeout_(io_timeout) {
-  ahead_.reserve(kMostAhead);  // IsGone shall not fail for want of memory
+  ahead_.reserve(kMostAhead);  // so that IsGone() cannot run out of memory
 }
 
 ClientStream::Deadline ClientStream::DeadlineFor(std::size_t bytes) const {
@@ -88,7 +88,8 @@ bool ClientStream::Complete(const std::function<void(Handler)>& start, Deadline 
   std::optional<Error> result;
   context_.restart();
   start([&result](const Error& error) { result = error; });
-  // A close that was asked for while nobody waited runs here first, so one turn is not enough.
+  // A handler that Close() posted while no operation ran is executed first, so one run is not
+  // enough.
   while (!result && context_.run_one_until(deadline) != 0) {
   }
   if (!result) {
@@ -107,7 +108,7 @@ bool ClientStream::IsGone() {
   while (!error) {
     const std::size_t length = socket_.receive(asio::buffer(piece), 0, error);
     if (ahead_.size() + length > kMostAhead) {
-      HangUp();  // what does not fit is lost, and nobody could tell requests apart behind it
+      HangUp();  // the bytes that do not fit are lost, so requests could not be told apart
       return true;
     }
     ahead_.insert(ahead_.end(), piece.begin(), piece.begin() + length);

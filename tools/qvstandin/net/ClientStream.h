@@ -12,42 +12,44 @@
 
 namespace qv::standin {
 
-// Blocks the one thread that serves the client; only Close may be called from another. The object
-// outlives both.
+// Calls block the one thread that serves the client; only Close() may be called from another
+// thread. The object outlives both threads.
 class ClientStream : public wire::ByteStream {
  public:
   using Milliseconds = std::chrono::milliseconds;
   using Deadline = std::chrono::steady_clock::time_point;
   using Socket = boost::asio::ip::tcp::socket;
 
-  // A read or write may take `io_timeout` for each mebibyte that it has begun, so that a client
-  // that dribbles holds its place for a bounded time.
+  // A read or write may take `io_timeout` for each started mebibyte, so that a client that sends or
+  // receives slowly keeps its place for a bounded time only.
   explicit ClientStream(Milliseconds io_timeout);
 
-  // Where the connection is accepted into, before anything else is called.
+  // Accept the connection into this socket before any other call.
   Socket& Peer() { return socket_; }
 
   bool Read(wire::WritableBytes bytes) override;
-  // The same by a deadline that several reads can share.
+  // Reads before `deadline`, which several reads can share.
   [[nodiscard]] bool Read(wire::WritableBytes bytes, Deadline deadline);
-  // Reads what there is, up to so many bytes, and waits only for the first. 0 when none came.
+  // Reads the bytes that have arrived, as many as fit, and waits only for the first. Returns their
+  // number; 0 if none came.
   [[nodiscard]] std::size_t ReadSome(wire::WritableBytes bytes, Deadline deadline);
-  // Takes back what was read last, to be read again.
+  // Returns bytes to the stream; the next reads deliver them again.
   void PutBack(wire::Bytes bytes);
-  // By when so many bytes must have come.
+  // Returns the time by which a transfer of this many bytes that begins now must be complete.
   [[nodiscard]] Deadline DeadlineFor(std::size_t bytes) const;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;
-  // Waits until the client sends something. False when it went, or sent nothing for so long.
+  // Waits until the client sends something. Returns false if it disconnected or sent nothing for
+  // `longest`.
   [[nodiscard]] bool WaitForRequest(Milliseconds longest);
-  // Whether the client hung up, or its connection was closed here; which is what happens when it
-  // breaks the rules by sending much before it has its answer.
+  // Returns whether the connection is closed on either side. Closes it if the client has sent too
+  // much before it received its answer.
   [[nodiscard]] bool IsGone();
-  // Ends what is being waited for, and everything that follows. Any thread.
+  // Makes the call that is waiting fail, and all later ones. Any thread may call it.
   void Close();
-  // Says that nothing more will be sent, and waits a little for the client to see it: one that is
-  // hung up on while it sends may lose what was sent to it.
+  // Ends the sending direction and waits briefly for the client to close its own: a connection that
+  // is closed while the client sends may lose the reply that is on its way.
   void SayGoodbye();
-  // Closes the connection at once; the serving thread's last call.
+  // Closes the connection at once. It is the last call of the serving thread.
   void HangUp();
 
  private:
@@ -56,12 +58,13 @@ class ClientStream : public wire::ByteStream {
 
   // Starts an operation, which calls the handler when it is done, and waits for it.
   [[nodiscard]] bool Complete(const std::function<void(Handler)>& start, Deadline deadline);
-  // Takes up to so many of the bytes that came while nobody read.
+  // Moves the first of `ahead_` to `bytes`, as many as fit. Returns their number.
   [[nodiscard]] std::size_t TakeAhead(wire::WritableBytes bytes);
 
   const Milliseconds io_timeout_;
   std::atomic<bool> closed_ = false;
-  // What came while nobody read. An end shows only behind it.
+  // Bytes received by IsGone() or returned by PutBack(). End-of-stream is reported only after they
+  // are consumed.
   std::vector<unsigned char> ahead_;
   boost::asio::io_context context_{1};
   Socket socket_{context_};

@@ -10,10 +10,10 @@ namespace qv::standin {
 
 namespace {
 
-// A file for a command that takes none is read past when it is small.
+// A file that comes with a command that takes none is skipped up to this size.
 constexpr std::uint64_t kLongestUnwantedFile = 16ULL << 20;
 
-// What is remembered must not take a client's megabytes, nor its control characters.
+// Bounds and escapes a text of a client's for the record of served requests.
 std::string Remark(std::string_view text) {
   constexpr std::size_t kLongest = 160;
   return OnOneLine(text.substr(0, kLongest));
@@ -43,7 +43,7 @@ wire::FrameStatus FrameExchange::ReceiveFile(wire::ByteStream& stream, std::uint
   }
   if (is_wanted) received_.emplace(services_.data.IncomingFolder());
   if (received_ && !received_->HasRoomFor(length)) received_.reset();
-  // The client looks for its answer only when all of its file is out.
+  // The client reads its answer only after it has sent the whole file, so the file is skipped.
   if (!received_) return wire::SkipFile(stream, length);
   return wire::ReceiveFile(stream, length, received_->Path());
 }
@@ -68,7 +68,7 @@ bool FrameExchange::Answer(AnswerForm form, const std::function<bool()>& abandon
   } else {
     AddFailure(reply_, {ErrorCode::kAccessDenied, "wrong token"});
   }
-  payload_ = {};  // a large request is not kept while its answer goes out
+  payload_ = {};  // frees a large request before its reply is sent
   received_.reset();
   Record();
   return OpenReplyFile();
@@ -101,7 +101,7 @@ bool FrameExchange::Send(wire::ByteStream& stream) {
 }
 
 void FrameExchange::Record() const {
-  // Paths mean the same so, and need no escapes.
+  // With slashes a path means the same and needs no escapes.
   std::string subject = reply_.database;
   std::ranges::replace(subject, '\\', '/');
   std::uint64_t file_bytes = reply_.file != nullptr ? reply_.file->Size() : 0;

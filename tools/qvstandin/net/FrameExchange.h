@@ -1,4 +1,4 @@
-// One request and its reply, whatever their frames travel over.
+// One request and its reply, over sockets and over HTTP.
 #pragma once
 
 #include <array>
@@ -16,23 +16,23 @@
 
 namespace qv::standin {
 
-// Receive, Answer and Send are called in this order, each once and only after the one before it
-// went well.
+// Call Receive(), Answer() and Send() in this order, once each, and only if the previous call
+// succeeded.
 class FrameExchange {
  public:
-  // Both outlive the exchange.
+  // `services` and `rules` outlive the exchange.
   FrameExchange(Services& services, const SessionRules& rules)
       : services_(services), rules_(rules) {}
 
-  // `login_token` is what the sender showed besides the frame; empty when nothing.
+  // `login_token` is the token that came outside the frame; empty if there was none.
   [[nodiscard]] wire::FrameStatus Receive(wire::ByteStream& stream,
                                           std::string_view login_token = {});
-  // Whether the request may be answered.
+  // Returns whether the request carried a valid token, or none is required.
   [[nodiscard]] bool IsAllowed() const { return is_allowed_; }
-  // Carries the request out, or refuses it when it is not allowed. Asks `abandoned` now and then
-  // whether anybody still waits. False when there is no reply that could be sent.
+  // Executes the request, or refuses it if it is not allowed. Calls `abandoned` now and then, which
+  // returns whether the client is gone. Returns false if there is no reply to send.
   [[nodiscard]] bool Answer(AnswerForm form, const std::function<bool()>& abandoned);
-  // How many bytes Send is going to send.
+  // Returns the number of bytes that Send() will send.
   [[nodiscard]] std::uint64_t ReplyLength() const;
   [[nodiscard]] bool Send(wire::ByteStream& stream);
 

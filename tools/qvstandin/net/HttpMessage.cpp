@@ -27,7 +27,7 @@ constexpr std::uint32_t kLongestHead = 8192;
 constexpr const char* kCompressField = "Qv-Compress";
 constexpr const char* kLoginTokenField = "Qv-Login-Token";
 
-// The client's stream as the parser reads it.
+// Adapts the client's stream to the parser's interface.
 class HeadSource {
  public:
   explicit HeadSource(ClientStream& stream) : stream_(stream), deadline_(stream.DeadlineFor(0)) {}
@@ -53,7 +53,8 @@ class HeadSource {
   ClientStream::Deadline deadline_;
 };
 
-// No server before or behind this one shall see another end of the body than it does.
+// Rejects ambiguous framing (request smuggling): two lengths, length plus chunking, unknown
+// codings.
 bool HasOneMeaning(const Parser& parser) {
   const auto& fields = parser.get();
   const bool is_current = parser.get().version() == 11;
@@ -65,7 +66,7 @@ bool HasOneMeaning(const Parser& parser) {
          beast::iequals(fields[http::field::transfer_encoding], "chunked");
 }
 
-// Whatever its parameters.
+// Ignores the parameters of the type.
 bool IsForBytes(beast::string_view type) {
   type = type.substr(0, type.find(';'));
   return beast::iequals(type.substr(0, type.find_last_not_of(" \t") + 1), kBytesType);
@@ -105,7 +106,7 @@ HttpRequestHead HeadOf(const Parser& parser) {
   return head;
 }
 
-// Room for a length and a few extensions, which mean nothing here.
+// Long enough for a chunk's length and a few extensions, which are ignored.
 constexpr std::size_t kLongestLine = 256;
 
 std::optional<std::uint64_t> ChunkLength(std::string_view line) {
@@ -119,7 +120,7 @@ std::optional<HttpStatus> ReadHead(ClientStream& stream, HttpRequestHead& head) 
   beast::flat_buffer buffer(kLongestHead);
   Parser parser;
   parser.header_limit(kLongestHead);
-  parser.body_limit(boost::none);  // the frame knows its limits
+  parser.body_limit(boost::none);  // the frame has limits of its own
   Error error;
   http::read_header(source, buffer, parser, error);
   if (error == asio::error::connection_aborted) return std::nullopt;
@@ -152,7 +153,7 @@ std::string ReasonFor(HttpStatus status) {
 }
 
 bool HttpBody::Read(wire::WritableBytes bytes) {
-  // One for all chunks, or dribbling them would be a way to stay for ever.
+  // All chunks share one deadline; otherwise a client could stay forever by sending small ones.
   const auto deadline = stream_.DeadlineFor(bytes.size());
   while (!bytes.empty()) {
     if (left_ == 0 && !NextChunk(deadline)) return false;
@@ -171,8 +172,8 @@ bool HttpBody::IsAtEnd() {
   return left_ == 0 && !NextChunk(stream_.DeadlineFor(0)) && (is_last_ || !is_chunked_);
 }
 
-// The chunk codec is this one rather than the parser's, which asserts on a last chunk that arrives
-// byte by byte.
+// Chunks are decoded here because the parser's codec asserts on a last chunk that arrives byte by
+// byte.
 bool HttpBody::NextChunk(ClientStream::Deadline deadline) {
   if (!is_chunked_ || is_last_) return false;
   if (!is_first_ && Line(deadline) != "") return false;
@@ -181,7 +182,7 @@ bool HttpBody::NextChunk(ClientStream::Deadline deadline) {
   const auto length = line ? ChunkLength(*line) : std::nullopt;
   if (!length) return false;
   left_ = *length;
-  // Fields behind the last chunk are not taken.
+  // Trailer fields are refused.
   if (left_ == 0) is_last_ = Line(deadline) == "";
   return left_ != 0;
 }

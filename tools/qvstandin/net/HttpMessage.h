@@ -1,4 +1,4 @@
-// HTTP messages: what stands above the body, and the body of a request.
+// HTTP messages: the head of requests and replies, and the body of requests.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ enum class HttpStatus : unsigned {
 enum class HttpMethod { kGet, kHead, kPost, kOther };
 enum class HttpExpectation { kNothing, kContinue, kOther };
 
-// A request's, as far as it matters here.
+// The fields of a request's head that matter here.
 struct HttpRequestHead {
   HttpMethod method = HttpMethod::kOther;
   std::string target;
@@ -44,9 +44,9 @@ struct HttpRequestHead {
   [[nodiscard]] bool HasBody() const { return is_chunked || length.value_or(0) != 0; }
 };
 
-// Reads one within the time for one read; what stands behind it is left in the stream. kOk when
-// `head` is filled; another status when what came deserves no other answer, nothing when nobody is
-// there to hear one.
+// Reads a head within the time limit of one read, and leaves the bytes after it in the stream.
+// Returns kOk if `head` was filled, another status if the request must be refused with it, or
+// nothing if the client is gone.
 [[nodiscard]] std::optional<HttpStatus> ReadHead(ClientStream& stream, HttpRequestHead& head);
 
 struct HttpReplyHead {
@@ -54,41 +54,40 @@ struct HttpReplyHead {
   std::string_view type = kBytesType;
   std::uint64_t length = 0;
   bool keep_alive = false;
-  std::string_view allow = {};        // for kNotAllowed
-  std::string_view login_token = {};  // empty: none is handed out
+  std::string_view allow = {};        // the methods, for kNotAllowed
+  std::string_view login_token = {};  // empty: the client gets none
 };
 
 [[nodiscard]] std::string HeadText(const HttpReplyHead& head);
-// What a status is called.
+// Returns the reason phrase of a status.
 [[nodiscard]] std::string ReasonFor(HttpStatus status);
 
-// The body of a request, as the frame that it holds.
-//
-// Reads what is left when HTTP's own marks are taken away; writes as the connection does.
+// The body of a request, which holds a frame. Reading removes the chunk framing; writing goes to
+// the connection unchanged.
 class HttpBody : public wire::ByteStream {
  public:
-  // The stream stands behind the head, and outlives the body.
+  // The stream must be positioned after the head. It outlives the body.
   HttpBody(ClientStream& stream, const HttpRequestHead& head)
       : stream_(stream), is_chunked_(head.is_chunked), left_(head.length.value_or(0)) {}
 
-  // False also when the body ends before that.
+  // Also returns false if the body is shorter than `bytes`.
   bool Read(wire::WritableBytes bytes) override;
   bool Write(std::initializer_list<wire::Bytes> pieces) override { return stream_.Write(pieces); }
-  // Whether nothing follows any more; may have to wait for the mark that says so.
+  // Returns whether the whole body was read. May wait for the last chunk.
   [[nodiscard]] bool IsAtEnd();
-  // Whether the connection can be used no more.
+  // Returns whether reading failed, so that the connection cannot be used any more.
   [[nodiscard]] bool IsLost() const { return is_lost_; }
 
  private:
   [[nodiscard]] bool NextChunk(ClientStream::Deadline deadline);
-  // A line without its end. Nothing when it is too long or has a wrong end.
+  // Returns the next line without its end, or nothing if it is too long or does not end in CR LF.
   [[nodiscard]] std::optional<std::string> Line(ClientStream::Deadline deadline);
 
   ClientStream& stream_;
   const bool is_chunked_;
-  std::uint64_t left_;  // of the body, or of this chunk
+  std::uint64_t left_;  // bytes left in the body, or in this chunk
   bool is_first_ = true;
-  bool is_last_ = false;  // the end was seen
+  bool is_last_ = false;  // the last chunk was read
   bool is_lost_ = false;
 };
 

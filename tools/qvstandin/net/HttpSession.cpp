@@ -15,12 +15,12 @@ wire::Bytes BytesIn(std::string_view text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
-// A body that nobody reads is not looked through for the next request.
+// The server does not skip an unread body to find the next request.
 bool MayGoOn(const HttpRequestHead& request) { return request.keep_alive && !request.HasBody(); }
 
 HttpStatus JudgeCall(const HttpRequestHead& request) {
   if (request.method != HttpMethod::kPost) return HttpStatus::kNotAllowed;
-  // Web pages of strangers can make a browser send the other types without asking first.
+  // A browser sends the simple content types for any web page without a preflight request.
   if (!request.is_for_bytes) return HttpStatus::kWrongType;
   if (request.expectation == HttpExpectation::kOther) return HttpStatus::kCannotExpect;
   if (!request.is_chunked && !request.length) return HttpStatus::kLengthRequired;

@@ -1,4 +1,4 @@
-// Serves one client whose frames travel in HTTP requests.
+// Serves one client that sends its frames in HTTP requests.
 #pragma once
 
 #include <string_view>
@@ -10,24 +10,25 @@
 
 namespace qv::standin {
 
-// Answers a request before it reads the next one, so a client may send several at once.
+// Answers each request before it reads the next one, so a client may send several at once.
 class HttpSession {
  public:
-  // All three outlive the session.
+  // The arguments outlive the session.
   HttpSession(ClientStream& stream, Services& services, const SessionRules& rules)
       : stream_(stream), services_(services), rules_(rules) {}
 
-  // Returns when the client is gone, breaks the rules or was told to go, or its stream is closed.
+  // Returns when the client is gone or breaks the protocol, when a reply ended the connection, or
+  // when the stream is closed.
   void Serve();
 
  private:
-  // Each of these tells whether the connection goes on.
+  // Each of these returns whether the connection stays open.
   [[nodiscard]] bool ServeRequest();
   [[nodiscard]] bool ServePage(const HttpRequestHead& request);
   [[nodiscard]] bool ServeCall(const HttpRequestHead& request);
   [[nodiscard]] bool Refuse(HttpStatus status, const HttpRequestHead& request,
                             std::string_view allow = {});
-  // The end of a connection on which something came that nobody can make sense of.
+  // Answers a request that cannot be parsed and counts it. Returns false.
   [[nodiscard]] bool RefuseMalformed(HttpStatus status);
   [[nodiscard]] bool SendText(HttpReplyHead reply, std::string_view text, HttpMethod method);
 

@@ -49,7 +49,7 @@ void Listener::AcceptNext() {
   });
 }
 
-// When there is no memory or no file descriptor for a connection, trying at once would not help.
+// Without memory or a file descriptor for a connection, an immediate retry would fail as well.
 void Listener::AcceptLater() {
   if (closed_) return;
   pause_.expires_after(kAcceptPause);

@@ -1,4 +1,4 @@
-// A port on which clients are waited for.
+// A port that accepts clients.
 #pragma once
 
 #include <boost/asio/io_context.hpp>
@@ -14,19 +14,20 @@
 
 namespace qv::standin {
 
-// Belongs to the thread that runs its context; Open and Port may be called before that runs.
+// Only the thread that runs the context may use it; Open() and Port() may be called before the
+// context runs.
 class Listener {
  public:
   using Admit = std::function<void(std::unique_ptr<ClientStream>)>;
 
-  // The context outlives the listener. `io_timeout` is for the clients' streams; `admit` takes each
-  // of them.
+  // The context outlives the listener. `io_timeout` applies to the clients' streams. `admit` takes
+  // ownership of each stream.
   Listener(boost::asio::io_context& context, std::chrono::milliseconds io_timeout, Admit admit);
 
-  // Listens from now on; port 0 is any free one. Otherwise false, and why in `error`.
+  // Starts listening; port 0 selects a free port. Returns false and sets `error` if that fails.
   [[nodiscard]] bool Open(const std::string& address, std::uint16_t port, std::string& error);
   void Close();
-  // The one that is listened on; 0 before that.
+  // Returns the port that it listens on; 0 before Open().
   [[nodiscard]] std::uint16_t Port() const { return port_; }
 
  private:

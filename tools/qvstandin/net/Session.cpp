@@ -9,7 +9,7 @@ namespace qv::standin {
 
 std::string NewSecret() {
   constexpr std::size_t kDigits = 32;
-  std::random_device random;  // not a generator that whoever knows its seed can follow
+  std::random_device random;  // a seeded generator could be predicted
   std::uniform_int_distribution<std::size_t> digit(0, 15);
   std::string secret;
   while (secret.size() < kDigits) secret += "0123456789abcdef"[digit(random)];

@@ -1,4 +1,4 @@
-// What all sessions of a server have in common, and those over sockets.
+// The rules that all sessions of a server share, and sessions over plain sockets.
 #pragma once
 
 #include <chrono>
@@ -12,43 +12,42 @@
 
 namespace qv::standin {
 
-// What the server remembers of a request.
+// The server's record of one request.
 struct ServedCommand {
   std::uint32_t command;
-  std::string database;  // or the file that the command names; empty when it names neither
+  std::string database;  // or the file that the command names; empty if it names neither
   std::string outcome;   // "done", or why not
-  std::uint64_t bytes;   // of the reply: its fields, and its file
+  std::uint64_t bytes;   // of the reply: its fields and its file
   std::chrono::milliseconds time;
 };
 
 struct SessionRules {
-  std::string token;        // what every request must carry; empty when none is asked for
-  std::string login_token;  // what may stand in its place over HTTP; handed out by this server
-  std::chrono::milliseconds first_timeout;  // how long a newcomer may say nothing
-  std::chrono::milliseconds idle_timeout;   // how long it may afterwards
+  std::string token;        // every request must carry it; empty: no token is required
+  std::string login_token;  // accepted instead over HTTP; this server hands it out
+  std::chrono::milliseconds first_timeout;  // until a new client sends its first request
+  std::chrono::milliseconds idle_timeout;   // until a client sends its next request
   std::chrono::milliseconds statement_limit;
   std::uint64_t request_limit;  // the longest payload, in bytes
-  std::uint64_t upload_limit;   // the longest file that comes along with a command
+  std::uint64_t upload_limit;   // the longest file that a command may carry, in bytes
   std::function<void(ServedCommand)> on_served;
   std::function<void()> on_malformed_frame;
 };
 
-// A new one that nobody can guess: 32 hexadecimal digits. Throws when the system has no random
+// Returns an unpredictable token of 32 hexadecimal digits. Throws if the system has no random
 // numbers.
 [[nodiscard]] std::string NewSecret();
 
-// Takes the same time wherever the two differ.
+// Compares in a time that does not depend on where the two differ.
 [[nodiscard]] bool SameSecret(std::string_view secret, std::string_view given);
 
-// Serves one client, whose frames follow each other on the connection with nothing around them,
-// from its first request to its last.
+// Serves one client whose frames follow each other directly on the connection.
 class FrameSession {
  public:
-  // All three outlive the session.
+  // The arguments outlive the session.
   FrameSession(ClientStream& stream, Services& services, const SessionRules& rules)
       : stream_(stream), services_(services), rules_(rules) {}
 
-  // Returns when the client is gone, breaks the rules, or its stream is closed.
+  // Returns when the client is gone or breaks the protocol, or when the stream is closed.
   void Serve();
 
  private:

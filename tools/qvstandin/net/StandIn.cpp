@@ -21,7 +21,7 @@ std::string LogFileIn(const std::string& folder) {
   return platform::NarrowFromPath(platform::PathFromNarrow(folder) / "server.log");
 }
 
-// Some calls always go as they do over sockets, even to this port.
+// Clients send some calls as plain frames even to the HTTP port.
 bool BeginsWithFrame(ClientStream& stream) {
   std::array<unsigned char, wire::kFrameMagic.size()> bytes;
   if (!stream.Read(bytes)) return false;
@@ -67,7 +67,7 @@ Listener::Admit StandIn::AdmitWho(Speech speech) {
   return [this, speech](std::unique_ptr<ClientStream> stream) { Admit(std::move(stream), speech); };
 }
 
-// One that finds no place is hung up on.
+// A client above the limit is disconnected.
 void StandIn::Admit(std::unique_ptr<ClientStream> stream, Speech speech) {
   JoinFinished();
   if (clients_.size() >= options_.connection_limit) return;
@@ -89,7 +89,7 @@ void StandIn::Serve(Client& client) {
       FrameSession(*client.stream, services_, rules_).Serve();
     }
   } catch (const std::exception&) {
-    // Out of memory or descriptors for this client; the others go on.
+    // This client ran out of memory or descriptors; the others are not affected.
   }
   client.stream->HangUp();
   client.done = true;
@@ -105,7 +105,7 @@ void StandIn::JoinFinished() {
 
 void StandIn::Stop() {
   if (!accepting_.joinable()) return;
-  // Not context_.stop(): a client that has just been accepted would keep its connection.
+  // context_.stop() would leave the connection of a client that was just accepted open.
   asio::post(context_, [this] {
     frames_.Close();
     http_.Close();

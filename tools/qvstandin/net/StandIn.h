@@ -26,10 +26,10 @@ namespace qv::standin {
 struct StandInOptions {
   std::string data_folder;
   std::string listen = "127.0.0.1";
-  std::uint16_t port = 0;                  // 0: a free one
-  std::optional<std::uint16_t> http_port;  // nothing: no HTTP
-  std::string token;                       // empty: none is asked for
-  std::optional<bool> compress;            // nothing: the settings stay as they are
+  std::uint16_t port = 0;                  // 0: any free port
+  std::optional<std::uint16_t> http_port;  // empty: no HTTP
+  std::string token;                       // empty: no token is required
+  std::optional<bool> compress;            // empty: the settings are not changed
 
   std::uint32_t memory_threshold = 256U << 10;
   std::uint64_t request_limit = 16ULL << 20;
@@ -39,13 +39,13 @@ struct StandInOptions {
   std::chrono::milliseconds io_timeout{30'000};
   std::chrono::milliseconds idle_timeout{600'000};
   std::chrono::milliseconds statement_limit{30'000};
-  // Hears of every request just before its reply goes out, from the thread that serves it.
+  // Called for every request just before its reply is sent, on the thread that serves the client.
   std::function<void(const ServedCommand&)> on_served;
 };
 
-// One thread accepts, and each client has one of its own: a client that stands still, or a query
-// that takes long, keeps nobody else waiting. One thread starts and stops the server; the other
-// functions may be called from any.
+// One thread accepts clients, and each client is served by a thread of its own, so that a stalled
+// client or a long query delays nobody else. Call Start() and Stop() from one thread; any thread
+// may call the other functions.
 class StandIn {
  public:
   explicit StandIn(StandInOptions options);
@@ -53,18 +53,19 @@ class StandIn {
   StandIn(const StandIn&) = delete;
   StandIn& operator=(const StandIn&) = delete;
 
-  // Prepares the folder and listens; once. Otherwise false, and why in `error`.
+  // Prepares the data folder and listens. Call it once. Returns false and sets `error` if that
+  // fails.
   [[nodiscard]] bool Start(std::string* error = nullptr);
-  // Closes every connection, cuts short and undoes what is unfinished, waits for all threads, and
-  // gives the folder back.
+  // Closes every connection, cancels and rolls back unfinished work, waits for all threads, and
+  // releases the data folder.
   void Stop();
 
   [[nodiscard]] std::uint16_t Port() const { return frames_.Port(); }
-  // 0 when there is none.
+  // Returns 0 if HTTP is off.
   [[nodiscard]] std::uint16_t HttpPort() const { return http_.Port(); }
-  // The last requests, oldest first.
+  // Returns the last 1000 requests, oldest first.
   [[nodiscard]] std::vector<ServedCommand> Served() const;
-  // How many connections were closed because what came was no proper frame, or no proper HTTP.
+  // Returns how many connections were closed because of an invalid frame or invalid HTTP.
   [[nodiscard]] std::uint64_t MalformedFrames() const { return malformed_frames_; }
 
  private:
@@ -96,7 +97,7 @@ class StandIn {
   Listener frames_{context_, options_.io_timeout, AdmitWho(Speech::kFrames)};
   Listener http_{context_, options_.io_timeout, AdmitWho(Speech::kHttp)};
   std::thread accepting_;
-  // The accepting thread's, until that has ended.
+  // Owned by the accepting thread until it has ended.
   std::list<Client> clients_;
 
   std::atomic<std::uint64_t> malformed_frames_ = 0;

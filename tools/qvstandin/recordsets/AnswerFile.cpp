@@ -10,10 +10,10 @@ namespace qv::standin {
 
 namespace {
 
-// The largest window, with 16 added: a gzip header and trailer around it.
+// The largest window; adding 16 selects the gzip format.
 constexpr int kGzipWindow = MAX_WBITS + 16;
 constexpr int kMemoryLevel = 8;
-// Fast packing: the link to a client is local more often than slow.
+// Fast compression, since most clients are local.
 constexpr int kLevel = 3;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // zlib counts in 32 bits
 
@@ -73,7 +73,7 @@ bool GzipStream::Finish() { return Deflate({}, Z_FINISH) && target_.Finish(); }
 bool GzipStream::Deflate(std::string_view bytes, int flush) {
   if (!ready_) return false;
   std::array<unsigned char, 32768> out;
-  // zlib only reads there; its interface is older than const.
+  // zlib only reads from here, although its interface lacks the const.
   stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
   stream_.avail_in = static_cast<uInt>(bytes.size());
   do {

@@ -1,4 +1,4 @@
-// Where the bytes of an answer go.
+// Destinations of an answer's bytes.
 #pragma once
 
 #include <zlib.h>
@@ -12,14 +12,14 @@
 
 namespace qv::standin {
 
-// The file of an answer: in memory while it is small, on disk once it is not.
+// Keeps an answer in memory while it is small, and in a file otherwise.
 class AnswerFile : public ByteSink {
  public:
-  // What the names of all such files on disk end in.
+  // The extension of these files.
   static constexpr const char* kExtension = ".answer";
 
-  // Up to `memory_limit` bytes stay in memory; more go to a file of its own in `folder`, which is
-  // removed with this object. More than `size_limit` bytes are refused.
+  // Keeps up to `memory_limit` bytes in memory. A larger answer goes to a file in `folder`, which
+  // the destructor removes. Write() fails beyond `size_limit` bytes.
   AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit);
   ~AnswerFile() override;
   AnswerFile(const AnswerFile&) = delete;
@@ -30,9 +30,9 @@ class AnswerFile : public ByteSink {
 
   [[nodiscard]] std::uint64_t Size() const { return size_; }
   [[nodiscard]] bool InMemory() const { return path_.empty(); }
-  // All of it, while it is in memory.
+  // Returns the whole answer if it is in memory.
   [[nodiscard]] const std::string& Bytes() const { return bytes_; }
-  // Where it is, once it is on disk.
+  // Returns the path of the file; empty if the answer is in memory.
   [[nodiscard]] const std::string& Path() const { return path_; }
 
  private:
@@ -51,10 +51,10 @@ class AnswerFile : public ByteSink {
   std::unique_ptr<std::FILE, Closer> file_;
 };
 
-// Packs what is written to it as one gzip member.
+// Compresses what is written to it into one gzip member.
 class GzipStream : public ByteSink {
  public:
-  // The packed bytes go to `target`, which outlives this object and is finished with it.
+  // The compressed bytes go to `target`, which outlives this object. Finish() finishes it as well.
   explicit GzipStream(ByteSink& target);
   ~GzipStream() override;
   GzipStream(const GzipStream&) = delete;

@@ -33,7 +33,7 @@ void AppendEscaped(std::string_view text, std::string& out) {
       case '"':
         out += "&#x22;";
         break;
-      default:  // a NUL would end the text for its reader
+      default:  // a NUL, which would end the text for its reader
         break;
     }
     start = special + 1;

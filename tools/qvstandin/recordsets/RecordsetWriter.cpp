@@ -19,7 +19,7 @@ bool IsHarmful(char ch) {
   return text::IsControl(ch) || kHarmful.find(ch) != std::string_view::npos;
 }
 
-// One name for each column, in order, all different and none empty.
+// Returns one name for each column, in order. They are unique and not empty.
 std::vector<std::string> HarmlessNames(const std::vector<Column>& columns) {
   std::vector<std::string> names;
   std::set<std::string> taken;

@@ -1,4 +1,4 @@
-// Recordset files, in both dialects.
+// Writes recordset files in both dialects.
 #pragma once
 
 #include <cstdint>
@@ -15,38 +15,36 @@ enum class BinaryForm {
   kBase64,
 };
 
-// Appends the cell as a column of that kind shows it, with < > ' & " as entities. False, and
-// nothing appended, when the cell has no text: null, or a date that is none.
+// Appends the text of a cell in a column of this kind, with < > ' & " as entities. Returns false
+// and appends nothing if the cell has no text: it is null or an invalid date.
 [[nodiscard]] bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell,
                                   std::string& out);
 
-// What the writers of both dialects share.
+// What the writers of both dialects share. It streams: it buffers a bounded amount, whatever the
+// number of rows.
 //
-// Streams: what it holds is one buffer, whatever the number of rows.
-//
-// Clients read both dialects by fixed markers; so a value carries the five characters that could
-// end it as entities, and a name none that could end it at all: blanks, control characters and
-// ' " = / < > & become "_", a column without a name is "column<position>", and a name that stands
-// already gets "_2", "_3", ... behind it. NUL bytes in texts are dropped. A cell that is null, or a
-// date that is none, is left out of its row.
+// Clients find cells by fixed markers. So values contain the five characters that could end them as
+// entities, and names contain none: blanks, control characters and ' " = / < > & become "_". A
+// column without a name becomes "column<position>", and a duplicate name gets the suffix "_2",
+// "_3", ... NUL bytes in texts are dropped. A row omits cells that are null or invalid dates.
 class RecordsetWriter : public RowSink {
  public:
   bool Begin(const std::vector<Column>& columns) override;
   bool Row(const std::vector<Cell>& cells) override;
-  // Writes the end and finishes the target.
+  // Writes the end of the recordset and finishes the target. Returns false if that fails.
   [[nodiscard]] bool Finish();
 
   [[nodiscard]] std::int32_t RowCount() const { return row_count_; }
 
  protected:
-  // What stands around the values.
+  // The texts around the values.
   struct Layout {
     std::string head;
     std::string row_opening;
     std::string row_closing;
     std::string tail;
     BinaryForm binary;
-    std::vector<std::string> cell_openings;  // one for each column, as are the closings
+    std::vector<std::string> cell_openings;  // one for each column, like cell_closings
     std::vector<std::string> cell_closings;
   };
 
@@ -65,8 +63,8 @@ class RecordsetWriter : public RowSink {
   std::int32_t row_count_ = 0;
 };
 
-// Writes an answer as a recordset in the rowset dialect: a schema, then one element per row whose
-// attributes are the cells. Only a blank may separate attributes here.
+// Writes the rowset dialect: a schema, then one element per row whose attributes are the cells.
+// Clients accept only a blank between attributes.
 class RowsetWriter : public RecordsetWriter {
  public:
   // The text goes to `target`, which outlives this object.
@@ -77,8 +75,7 @@ class RowsetWriter : public RecordsetWriter {
                   const std::vector<std::string>& names) const override;
 };
 
-// Writes an answer as a recordset in the schema dialect: a schema, then one element per row whose
-// children are the cells.
+// Writes the schema dialect: a schema, then one element per row whose children are the cells.
 class SchemaWriter : public RecordsetWriter {
  public:
   // The text goes to `target`, which outlives this object.

@@ -14,7 +14,7 @@ constexpr std::string_view kHead =
 constexpr std::string_view kSchemaEnd = "</s:ElementType>\n</s:Schema>\n<rs:data>\n";
 constexpr std::string_view kTail = "</rs:data>\n</xml>\n";
 
-// The attributes of a kind's data type; a length of 0 is the declared one of the column.
+// The attributes of a kind's data type. A length of 0 stands for the column's declared length.
 struct TypeAttributes {
   std::string_view type;
   std::uint32_t length;
@@ -37,7 +37,7 @@ TypeAttributes AttributesOf(ColumnKind kind) {
       return {"float", 8, " rs:precision='15' rs:fixedlength='true'"};
     case ColumnKind::kSingle:
       return {"r4", 4, " rs:precision='7' rs:fixedlength='true'"};
-    case ColumnKind::kDate:  // without a precision: clients tell the two kinds of dates by it
+    case ColumnKind::kDate:  // no precision: by it clients tell dates from dates with a time
       return {"dateTime", 16, " rs:fixedlength='true'"};
     case ColumnKind::kDateTime:
       return {"dateTime", 16, " rs:precision='23' rs:fixedlength='true'"};

@@ -33,7 +33,7 @@ std::string_view TypeOf(ColumnKind kind) {
   }
 }
 
-// Clients search the end of a row by the tag's text alone, so no column's name may begin with it.
+// Clients find the end of a row by the text of its tag alone, so no column name may begin with it.
 std::string RowTag(const std::vector<std::string>& names) {
   std::string tag = "Table";
   while (std::ranges::any_of(names, [&](const auto& name) { return name.starts_with(tag); })) {

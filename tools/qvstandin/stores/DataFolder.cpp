@@ -23,7 +23,7 @@ constexpr const char* kSettingsFile = "databases.json";
 constexpr std::string_view kSettingsDatabase = "PLATDB";
 constexpr std::chrono::seconds kSettingsTime{10};
 
-// What a run that was killed has left behind.
+// Removes the files that a killed run left behind.
 void RemoveFilesIn(const std::string& folder) {
   std::error_code error;
   for (const auto& entry :
@@ -45,12 +45,13 @@ Outcome DataFolder::Prepare() {
   for (const char* const below : {"db", kAnswers, kIncoming, kIds}) {
     const std::string folder = platform::NarrowFromPath(platform::PathFromNarrow(path_) / below);
     if (!platform::CreatePrivateFolder(folder)) {
-      return {ErrorCode::kNoDatabase, "cannot make the folder " + folder};
+      return {ErrorCode::kNoDatabase, "cannot create the folder " + folder};
     }
   }
-  // Links on the way to the folder are its owner's business; behind it none is followed.
+  // Links above the folder are followed, since its owner controls them; links below it are not.
   std::optional<std::string> whole = platform::AbsolutePath(path_);
-  if (!whole) return {ErrorCode::kNoDatabase, "cannot tell where the folder " + path_ + " is"};
+  if (!whole)
+    return {ErrorCode::kNoDatabase, "cannot find the absolute path of the folder " + path_};
   path_ = std::move(*whole);
   if (Outcome locked = Lock(); !locked.Ok()) return locked;
   RemoveFilesIn(AnswerFolder());
@@ -85,11 +86,11 @@ Outcome DataFolder::OpenStores() {
   return {};
 }
 
-// Two servers would clear away each other's answers.
+// Two servers in one folder would remove each other's answers.
 Outcome DataFolder::Lock() {
   const std::string file =
       platform::NarrowFromPath(platform::PathFromNarrow(path_) / "server.lock");
-  // Made here, so that only its owner can read it; mostly it is there already.
+  // Created here, so that only its owner can read it. Usually it exists already.
   if (std::FILE* const made = platform::CreatePrivateFile(file, platform::Create::kNew)) {
     std::fclose(made);
   }
@@ -100,7 +101,7 @@ Outcome DataFolder::Lock() {
   if (code == SQLITE_OK) code = sqlite3_exec(opened, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
   if (code == SQLITE_OK) return {};
   lock_.reset();
-  if (code == SQLITE_BUSY) return {ErrorCode::kBusy, "another server works on " + path_};
+  if (code == SQLITE_BUSY) return {ErrorCode::kBusy, "another server uses " + path_};
   return {ErrorCode::kNoDatabase, "cannot lock " + file};
 }
 

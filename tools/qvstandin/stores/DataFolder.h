@@ -1,5 +1,4 @@
-// The folder that the server works on: its databases, the files that it keeps, and those on their
-// way in and out.
+// The server's data folder: its databases, stored files, and temporary files.
 #pragma once
 
 #include <memory>
@@ -17,36 +16,37 @@
 
 namespace qv::standin {
 
-// Under the folder: db/NAME.sqlite for each logical database, databases.json for those that live
-// elsewhere, directory.sqlite, answers/ for what is too large for a reply, files/ and ids/ for the
-// files of clients, incoming/ for those that are not whole yet. What Prepare has set up may then be
-// used from any thread.
+// The folder contains db/NAME.sqlite for each logical database, databases.json for databases that
+// are elsewhere, directory.sqlite, answers/ for answers that are too large for a reply, files/ and
+// ids/ for the files of clients, and incoming/ for unfinished files. After Prepare(), any thread
+// may use it.
 class DataFolder {
  public:
   explicit DataFolder(std::string path) : path_(std::move(path)) {}
 
-  // Takes the folder for this object, makes what is missing, sample databases and files among it,
-  // and clears away answers and unfinished files of an earlier run.
+  // Locks the folder, creates what is missing, including sample databases and files, and removes
+  // the answers and unfinished files of an earlier run.
   Outcome Prepare();
-  // Gives the folder back, once nothing works on it any more.
+  // Unlocks the folder. Nothing may use it any more.
   void Release() { lock_.reset(); }
-  // Whether clients are told to ask for packed answers.
+  // Sets whether clients are told to request compressed answers.
   Outcome SetCompression(bool on);
 
-  // The database of that name; null when there is none. `limit` outlives it.
+  // Opens the database of that name. Returns null if there is none. `limit` outlives the database.
   [[nodiscard]] std::unique_ptr<Database> Open(std::string_view name, WorkLimit& limit) const;
 
-  // What clients connect with to work on the database themselves; null when there is no such text.
+  // Returns the text with which clients connect to the database directly, or null if there is none.
   [[nodiscard]] const std::string* ConnectionText(std::string_view name) const;
 
-  // The groups, users and departments; null when they cannot be had. `limit` outlives it.
+  // Opens the groups, users and departments. Returns null if that fails. `limit` outlives the
+  // directory.
   [[nodiscard]] std::unique_ptr<Directory> OpenDirectory(WorkLimit& limit) const;
 
-  // With a separator at its end.
+  // These paths end with a separator.
   [[nodiscard]] std::string AnswerFolder() const;
   [[nodiscard]] std::string IncomingFolder() const;
 
-  // There once Prepare went well.
+  // Call these only after Prepare() succeeded.
   FileStore& Files() { return *files_; }
   IdStore& Ids() { return *ids_; }
 
@@ -62,7 +62,7 @@ class DataFolder {
   DatabaseSettingsByName settings_;
   std::optional<FileStore> files_;
   std::optional<IdStore> ids_;
-  SqliteConnection lock_;  // an open transaction, which ends with the process too
+  SqliteConnection lock_;  // an open transaction, which also ends with the process
 };
 
 }  // namespace qv::standin

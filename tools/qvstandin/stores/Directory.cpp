@@ -12,7 +12,7 @@ namespace qv::standin {
 namespace {
 
 constexpr std::size_t kLongestName = 123;
-// What stands between names where several are given, and what is not part of one at its ends.
+// These separate names in lists, and a list's names lose the blanks around them.
 constexpr std::string_view kBetweenNames = ",;/\\";
 constexpr char kBlank = ' ';
 constexpr std::string_view kEverything = "*";
@@ -24,7 +24,7 @@ bool IsName(std::string_view text) {
   return !text.empty() && text.size() <= kLongestName && !text::HasControls(text);
 }
 
-// Whether a user can be named so in a list of users.
+// Returns whether a list of users can contain this name.
 bool IsLogin(std::string_view text) {
   return IsName(text) && text.find_first_of(kBetweenNames) == std::string_view::npos &&
          text.front() != kBlank && text.back() != kBlank;
@@ -113,7 +113,7 @@ Outcome Directory::AddUsers(std::string_view group, std::span<const std::string_
   if (Outcome known = GroupId(group, group_id); !known.Ok()) return known;
   std::set<std::int32_t> ids;
   for (const std::string_view user : users) {
-    // Statements this short never come to the progress handler.
+    // Statements as short as these end before SQLite calls the progress handler.
     if (limit_.IsOver()) return Failure();
     if (!IsName(user)) return RefusedName();
     std::int32_t id = 0;
@@ -148,7 +148,7 @@ Outcome Directory::Run(const char* sql, Arguments arguments, std::int32_t& numbe
   int code = sqlite3_step(statement.get());
   if (code == SQLITE_ROW)
     number = text::SaturatedTo32Bits(sqlite3_column_int64(statement.get(), 0));
-  // To its end, where a change becomes one.
+  // The statement must run to its end for the change to be committed.
   while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
   return code == SQLITE_DONE ? Outcome() : Failure();
 }

@@ -1,4 +1,4 @@
-// The groups, users and departments that the server keeps.
+// The server's groups, users and departments.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@
 
 namespace qv::standin {
 
-// One connection for one request; one thread. Every change is done whole or not at all.
+// One connection for one request; one thread. Every change happens entirely or not at all.
 //
-// Names are 1 to 123 bytes without control characters, and the same in either case of ASCII. What
-// a client asks wrongly is kNotPermitted, with a text that it may be shown.
+// Names are 1 to 123 bytes without control characters; ASCII case is ignored. A wrong request fails
+// with kNotPermitted and a text that may be shown to the client.
 class Directory {
  public:
   struct Entry {
@@ -28,24 +28,24 @@ class Directory {
   };
   using Entries = std::vector<Entry>;
 
-  // Opens an existing file; null when it is not there. `limit` outlives the object.
+  // Opens an existing file. Returns null if that fails. `limit` outlives the object.
   [[nodiscard]] static std::unique_ptr<Directory> Open(const std::string& path, WorkLimit& limit);
 
-  // Add to `found` what is asked for, by name; more than `most` are refused.
+  // These add the entries to `found`, sorted by name. They fail if there are more than `most`.
   Outcome FindGroups(std::string_view pattern, std::size_t most, Entries& found);
   Outcome FindUsers(std::size_t most, Entries& found);
   Outcome FindUsersOf(std::string_view group, std::size_t most, Entries& found);
 
-  // Set `id` to that of what was made. A department is known by its number, and there may be one
-  // already; a group that belongs to no department has 0 for its identifier.
+  // These set `id` to the identifier of the new object. If a department with this number exists,
+  // its identifier is returned. A `department` of 0 means that the group belongs to none.
   Outcome MakeDepartment(std::int32_t number, std::int32_t& id);
   Outcome MakeGroup(std::string_view name, std::int32_t kind, std::int32_t department,
                     std::int32_t& id);
   Outcome MakeUser(std::string_view name, std::string_view display_name, std::int32_t mode,
                    std::int32_t& id);
 
-  // Puts users into a group, all of them or none; some may be there already. `count` becomes the
-  // number of different users among them.
+  // Adds users to a group, all of them or none. Users who are in the group already are accepted.
+  // Sets `count` to the number of different users.
   Outcome AddUsers(std::string_view group, std::span<const std::string_view> users,
                    std::int32_t& count);
 
@@ -56,9 +56,9 @@ class Directory {
   Directory(SqliteConnection connection, WorkLimit& limit);
 
   [[nodiscard]] SqliteStatement Prepare(const char* sql, Arguments arguments);
-  // Runs a statement; the number that it gives first, or 0 when it gives none.
+  // Runs a statement. Sets `number` to the first number that it returns, or to 0 if there is none.
   Outcome Run(const char* sql, Arguments arguments, std::int32_t& number);
-  // Its rows are entries, of which those that match are added.
+  // Runs a statement that returns entries and adds those that match the pattern.
   Outcome List(const char* sql, Arguments arguments, std::string_view pattern, std::size_t most,
                Entries& found);
   Outcome GroupId(std::string_view name, std::int32_t& id);

@@ -15,14 +15,14 @@ using platform::Entry;
 using platform::EntryKind;
 using platform::Folder;
 
-// A listing is sorted in memory.
+// Bounds a listing, which is sorted in memory.
 constexpr std::size_t kMostListed = 100'000;
 
 std::size_t LongestNameOf(EntryKind kind) {
   return kind == EntryKind::kFolder ? kLongestFolderName : kLongestFileName;
 }
 
-Outcome BadName() { return {ErrorCode::kBadName, "a name that is not taken"}; }
+Outcome BadName() { return {ErrorCode::kBadName, "the name is not allowed"}; }
 Outcome NoFolder() { return {ErrorCode::kNoFile, "no such folder"}; }
 
 }  // namespace
@@ -31,7 +31,8 @@ Outcome FileStore::Put(std::string_view path, const std::string& file) {
   std::optional<Place> place;
   if (Outcome found = Find(path, place); !found.Ok()) return found;
   if (place->name.size() > kLongestFileName) return BadName();
-  if (!platform::FlushFileToDisk(file)) return {ErrorCode::kStoreFailed, "disk full?"};
+  if (!platform::FlushFileToDisk(file))
+    return {ErrorCode::kStoreFailed, "the file could not be flushed (disk full?)"};
   const std::lock_guard lock(placing_);
   return PutFile(*place, file);
 }
@@ -72,13 +73,14 @@ Outcome FileStore::Rename(std::string_view from, std::string_view to) {
   if (Outcome found = Find(to, target); !found.Ok()) return found;
   const std::lock_guard lock(placing_);
   const auto there = source->folder.Look(source->name);
-  if (!there || there->kind == EntryKind::kOther) return {ErrorCode::kNoFile, "nothing to rename"};
+  if (!there || there->kind == EntryKind::kOther)
+    return {ErrorCode::kNoFile, "there is nothing to rename"};
   if (target->name.size() > LongestNameOf(there->kind)) return BadName();
   if (!target->folder.Look(target->name) &&
       source->folder.Move(source->name, target->folder, target->name)) {
     return {};
   }
-  return {ErrorCode::kStoreFailed, "the new place cannot be had"};
+  return {ErrorCode::kStoreFailed, "the new place is taken or cannot be used"};
 }
 
 Outcome FileStore::MakeFolder(std::string_view path) {
@@ -87,14 +89,14 @@ Outcome FileStore::MakeFolder(std::string_view path) {
   if (place->name.size() > kLongestFolderName) return BadName();
   const std::lock_guard lock(placing_);
   if (place->folder.MakeFolder(place->name)) return {};
-  return {ErrorCode::kStoreFailed, "the folder cannot be made"};
+  return {ErrorCode::kStoreFailed, "the folder cannot be created"};
 }
 
 Outcome FileStore::DeleteFolder(std::string_view path) {
   std::optional<Place> place;
   if (Outcome found = Find(path, place); !found.Ok()) return found;
   if (place->folder.RemoveFolder(place->name)) return {};
-  return {ErrorCode::kStoreFailed, "no such folder, or it is not empty"};
+  return {ErrorCode::kStoreFailed, "there is no such folder, or it is not empty"};
 }
 
 Outcome FileStore::List(std::string_view folder, EntryKind kind, std::string_view pattern,
@@ -108,8 +110,9 @@ Outcome FileStore::List(std::string_view folder, EntryKind kind, std::string_vie
     return found.size() <= kMostListed && !limit.IsOver();
   });
   if (limit.Reason() != ErrorCode::kNone) return {limit.Reason(), "cut off"};
-  if (found.size() > kMostListed) return {ErrorCode::kAnswerLost, "more than can be listed"};
-  if (!is_whole) return {ErrorCode::kStoreFailed, "cannot be read"};
+  if (found.size() > kMostListed)
+    return {ErrorCode::kAnswerLost, "there are too many entries to list"};
+  if (!is_whole) return {ErrorCode::kStoreFailed, "the folder cannot be read"};
   return {};
 }
 
@@ -124,7 +127,7 @@ Outcome FileStore::FindParents(std::string_view folder, const std::vector<Entry>
       is_parent = child.kind == EntryKind::kFolder && IsStoreName(child.name);
       return !is_parent && !limit.IsOver();
     };
-    // One that went meanwhile, or cannot be read, shows none.
+    // A folder that has vanished or cannot be read counts as empty.
     if (inside && !inside->ForEach(visit) && limit.Reason() != ErrorCode::kNone) {
       return {limit.Reason(), "cut off"};
     }

@@ -12,8 +12,8 @@ namespace qv::standin {
 
 namespace {
 
-// From the top to the folder of the identifier itself: whatever stands before the last six of at
-// least seven digits, two pairs, and the number.
+// Returns the folders from the top down to the identifier's own: the millions, the next two pairs
+// of digits, and the whole number.
 std::array<std::string, 4> FoldersOf(std::int32_t id) {
   return {std::to_string(id / 1'000'000), fmt::format("{:02}", id / 10'000 % 100),
           fmt::format("{:02}", id / 100 % 100), std::to_string(id)};
@@ -30,7 +30,8 @@ std::string IdStore::FolderOf(std::int32_t id) {
 Outcome IdStore::Put(const IdName& target, const std::string& file) {
   std::optional<Place> place;
   if (Outcome found = Find(target, true, place); !found.Ok()) return found;
-  if (!platform::FlushFileToDisk(file)) return {ErrorCode::kStoreFailed, "disk full?"};
+  if (!platform::FlushFileToDisk(file))
+    return {ErrorCode::kStoreFailed, "the file could not be flushed (disk full?)"};
   return PutFile(*place, file);
 }
 
@@ -56,16 +57,16 @@ Outcome IdStore::Copy(const IdName& from, const IdName& to, WorkLimit& limit) {
 
 Outcome IdStore::Find(const IdName& wanted, bool make, std::optional<Place>& place) const {
   if (wanted.id < 0 || !IsStoreName(wanted.name) || wanted.name.size() > kLongestFileName) {
-    return {ErrorCode::kBadName, "a name or identifier that is not taken"};
+    return {ErrorCode::kBadName, "the name or the identifier is not allowed"};
   }
   platform::Folder folder = top_;
   for (const std::string& name : FoldersOf(wanted.id)) {
     auto next = folder.Enter(name);
     if (!next && make) {
-      // When it cannot be made, somebody else may have been quicker.
+      // If this fails, another request may have created it meanwhile.
       const bool made = folder.MakeFolder(name);
       next = folder.Enter(name);
-      if (!next && !made) return {ErrorCode::kStoreFailed, "its folder cannot be made"};
+      if (!next && !made) return {ErrorCode::kStoreFailed, "its folder cannot be created"};
     }
     if (!next) return {ErrorCode::kNoFile, "no such file"};
     folder = std::move(*next);

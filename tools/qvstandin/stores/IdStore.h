@@ -1,4 +1,4 @@
-// The files that clients keep on the server by identifier.
+// The files that clients store by identifier.
 #pragma once
 
 #include <cstdint>
@@ -15,19 +15,19 @@ struct IdName {
   std::string name;
 };
 
-// Each identifier has a folder, which holds its files by their names. Identifiers below zero and
-// names that are no names are kBadName. Any thread.
+// Each identifier has a folder with its files by name. Identifiers below zero and names that are
+// not allowed are kBadName. Any thread may use it.
 class IdStore {
  public:
-  // As of FileStore.
+  // The arguments are those of FileStore.
   IdStore(platform::Folder top, std::string incoming)
       : top_(std::move(top)), incoming_(std::move(incoming)) {}
 
-  // The path of an identifier's folder, as clients compute it as well: "1\23\45\1234567\" for
-  // 1234567, which is not negative.
+  // Returns the path of an identifier's folder, which clients compute as well: "1\23\45\1234567\"
+  // for 1234567. The identifier must not be negative.
   [[nodiscard]] static std::string FolderOf(std::int32_t id);
 
-  // Moves the finished file at `file` there, replacing one that was there in one step.
+  // Moves the finished file at `file` to the target and atomically replaces a file that is there.
   Outcome Put(const IdName& target, const std::string& file);
   Outcome Open(const IdName& wanted, std::optional<platform::OpenedFile>& opened) const;
   Outcome Delete(const IdName& wanted);
@@ -35,7 +35,7 @@ class IdStore {
   Outcome Copy(const IdName& from, const IdName& to, WorkLimit& limit);
 
  private:
-  // `make`: makes the identifier's folder when it is missing.
+  // If `make` is set, creates the identifier's folder if it is missing.
   Outcome Find(const IdName& wanted, bool make, std::optional<Place>& place) const;
 
   const platform::Folder top_;

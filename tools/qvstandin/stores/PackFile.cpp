@@ -14,9 +14,9 @@ namespace qv::standin {
 namespace {
 
 constexpr std::size_t kAtOnce = 256U << 10;
-// The library keeps the pack's whole table of contents in memory, several times over.
+// Bounds the pack's table of contents, of which the library keeps several copies in memory.
 constexpr std::uint32_t kLargestContents = 4U << 20;
-// Where the library looks for the record at the pack's end, and some more.
+// Larger than the part of the file in which the library looks for the end record.
 constexpr std::uint64_t kTail = 128U << 10;
 constexpr std::string_view kEndRecord("PK\x05\x06");
 constexpr std::size_t kEndRecordSize = 22;
@@ -45,9 +45,9 @@ std::string TailOf(platform::OpenedFile& pack) {
   return tail;
 }
 
-// Whether the table of contents is of a bearable size, whichever of several end records were taken
-// for the right one. Packs in the long form, which have millions of members, are not.
-bool IsBearable(std::string_view tail) {
+// Returns whether the table of contents is small enough, whichever end record the library uses if
+// there are several. Packs in the ZIP64 form, which have millions of members, are refused.
+bool HasSmallContents(std::string_view tail) {
   if (tail.find(kLongEndLocator) != std::string_view::npos) return false;
   std::size_t records = 0;
   for (std::size_t at = tail.find(kEndRecord); at != std::string_view::npos;
@@ -65,7 +65,7 @@ PackPtr Open(platform::OpenedFile pack) {
   zip_source_t* const source = zip_source_filep_create(pack.file.get(), 0, -1, &error);
   zip_t* opened = nullptr;
   if (source != nullptr) {
-    static_cast<void>(pack.file.release());  // the source's from now on
+    static_cast<void>(pack.file.release());  // the source owns it now
     opened = zip_open_from_source(source, ZIP_RDONLY, &error);
     if (opened == nullptr) zip_source_free(source);
   }
@@ -73,7 +73,7 @@ PackPtr Open(platform::OpenedFile pack) {
   return PackPtr(opened);
 }
 
-// Longer files, and forms of packing that ask for as much memory as they like, are refused.
+// Refuses longer files and compression methods that can demand any amount of memory.
 bool MayUnpack(const zip_stat_t& about, std::uint64_t longest) {
   constexpr zip_uint64_t kWanted = ZIP_STAT_SIZE | ZIP_STAT_COMP_METHOD;
   return (about.valid & kWanted) == kWanted && about.size <= longest &&
@@ -102,10 +102,10 @@ Outcome Unpack(zip_file_t* member, std::uint64_t left, ByteSink& target, WorkLim
 
 Outcome ReadMember(platform::OpenedFile pack, const std::string& member, std::uint64_t longest,
                    ByteSink& target, WorkLimit& limit) {
-  if (!IsBearable(TailOf(pack))) return Damaged("no pack file, or too large a one");
+  if (!HasSmallContents(TailOf(pack))) return Damaged("not a pack file, or one that is too large");
   const PackPtr opened = Open(std::move(pack));
-  if (opened == nullptr) return Damaged("no pack file");
-  // Names are compared as the bytes that they are.
+  if (opened == nullptr) return Damaged("not a pack file");
+  // Names are compared byte by byte.
   const zip_int64_t index = zip_name_locate(opened.get(), member.c_str(), ZIP_FL_ENC_RAW);
   if (index < 0) return {ErrorCode::kNoFile, "no such file in the pack"};
   const auto at = static_cast<zip_uint64_t>(index);

@@ -16,14 +16,14 @@ namespace qv::standin {
 
 namespace {
 
-// Readers and a writer at once; the mode stays with the file.
+// Lets readers work beside a writer. The file keeps the mode.
 constexpr const char* kAfterwards = "PRAGMA journal_mode = WAL";
 
 Outcome RunScript(const std::string& file, const std::string& script) {
   sqlite3* opened = nullptr;
   const int code = sqlite3_open(file.c_str(), &opened);
   const SqliteConnection connection(opened);
-  if (code != SQLITE_OK) return {ErrorCode::kNoDatabase, "cannot make " + file};
+  if (code != SQLITE_OK) return {ErrorCode::kNoDatabase, "cannot create " + file};
   for (const std::string& part : {"BEGIN;" + script + ";COMMIT", std::string(kAfterwards)}) {
     if (sqlite3_exec(connection.get(), part.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
       return {ErrorCode::kSqlFailed, sqlite3_errmsg(connection.get())};
@@ -97,13 +97,13 @@ bool WriteAll(const std::string& folder) {
 
 Outcome CreateSample(const SampleDatabase& sample, const std::string& file) {
   const std::string unfinished = file + ".new";
-  // Made here, so that only its owner can read it.
+  // Created before SQLite opens it, so that only its owner can read it.
   std::FILE* const empty = platform::CreatePrivateFile(unfinished, platform::Create::kAlways);
-  if (empty == nullptr) return {ErrorCode::kNoDatabase, "cannot make " + unfinished};
+  if (empty == nullptr) return {ErrorCode::kNoDatabase, "cannot create " + unfinished};
   std::fclose(empty);
   Outcome outcome = RunScript(unfinished, sample.script);
   if (outcome.Ok() && !platform::ReplaceByRename(unfinished, file)) {
-    outcome = {ErrorCode::kNoDatabase, "cannot name " + file};
+    outcome = {ErrorCode::kNoDatabase, "cannot rename a file to " + file};
   }
   if (!outcome.Ok()) platform::RemoveFile(unfinished);
   return outcome;
@@ -116,7 +116,7 @@ Outcome CreateSampleFiles(const std::string& folder) {
   if (!WriteAll(unfinished)) return {ErrorCode::kStoreFailed, "cannot fill " + unfinished};
   std::filesystem::rename(platform::PathFromNarrow(unfinished), platform::PathFromNarrow(folder),
                           error);
-  if (error) return {ErrorCode::kStoreFailed, "cannot name " + folder};
+  if (error) return {ErrorCode::kStoreFailed, "cannot rename a file to " + folder};
   return {};
 }
 

@@ -1,5 +1,4 @@
-// The databases that a new data folder starts with.
-// The files that a new data folder starts with.
+// The databases and files of a new data folder.
 #pragma once
 
 #include <span>
@@ -15,13 +14,13 @@ struct SampleDatabase {
 };
 
 [[nodiscard]] std::span<const SampleDatabase> SampleDatabases();
-// The groups, users and departments, which no client reaches as a database.
+// Returns the database of groups, users and departments, which clients cannot open by name.
 [[nodiscard]] const SampleDatabase& SampleDirectory();
 
-// Makes the database at `file`: whole, or not at all.
+// Creates the database at `file`, entirely or not at all.
 Outcome CreateSample(const SampleDatabase& sample, const std::string& file);
 
-// Makes the folder of the file store at `folder`: whole, or not at all.
+// Creates the folder of the file store at `folder`, entirely or not at all.
 Outcome CreateSampleFiles(const std::string& folder);
 
 }  // namespace qv::standin

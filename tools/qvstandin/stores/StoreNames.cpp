@@ -14,7 +14,7 @@ constexpr std::string_view kSeparators = "\\/";
 
 constexpr std::size_t kLongestPattern = 255;
 
-// Where the character behind the one at `at` begins, in UTF-8.
+// Returns the start of the UTF-8 character after the one at `at`.
 std::size_t BehindCharacter(std::string_view text, std::size_t at) {
   do {
     ++at;
@@ -42,7 +42,7 @@ std::optional<std::vector<std::string>> PartsOf(std::string_view path) {
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
   if (pattern == "*.*") return true;
   if (pattern.size() > kLongestPattern) return false;
-  // The last star is the only one whose share of the name may have to grow.
+  // Backtracking only to the last star is enough: it may have to match more of the name.
   std::size_t star = std::string_view::npos;
   std::size_t behind_share = 0;
   std::size_t at = 0;

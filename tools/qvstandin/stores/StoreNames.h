@@ -1,5 +1,4 @@
-// Which names clients may give to what the server keeps for them.
-// Names that stand for many.
+// The names of stored files and folders: which are allowed, which match a pattern, and their order.
 #pragma once
 
 #include <optional>
@@ -13,21 +12,21 @@ namespace qv::standin {
 inline constexpr std::size_t kLongestFileName = 199;
 inline constexpr std::size_t kLongestFolderName = 119;
 
-// Whether a single file or folder may have this name: one that every client's system can have too,
-// and that means nothing but itself on any of them. Not "..", nor anything with a separator, a
-// drive, a wildcard or a control character, nor a device.
+// Returns whether a single file or folder may have this name: it must be valid on every client's
+// system and have no other meaning there. Refused are "..", separators, drives, wildcards, control
+// characters and devices.
 [[nodiscard]] bool IsStoreName(std::string_view name);
 
-// The names that a path is made of, each of them as above, with "\" or "/" between them. Nothing
-// when it is no such path: one that is empty, begins or ends with a separator, or is too long.
+// Returns the names in a path, which "\" or "/" separate. Returns nothing if one of them is not
+// allowed, or if the path is empty, begins or ends with a separator, or is too long.
 [[nodiscard]] std::optional<std::vector<std::string>> PartsOf(std::string_view path);
 
-// Whether a name matches a pattern: "*" stands for any characters, "?" for one, and "*.*" for every
-// name, were it without a dot. ASCII letters match in either case. A pattern of more than 255 bytes
-// matches nothing.
+// Returns whether a name matches a pattern: "*" matches any characters, "?" matches one, and "*.*"
+// matches every name, even one without a dot. ASCII letters match in either case. A pattern of more
+// than 255 bytes matches nothing.
 [[nodiscard]] bool MatchesPattern(std::string_view name, std::string_view pattern);
 
-// Whether `a` comes before `b` in a listing: letters in either case, and then byte by byte.
+// Returns whether `a` comes before `b` in a listing: ignoring case first, then byte by byte.
 [[nodiscard]] bool NameComesBefore(std::string_view a, std::string_view b);
 
 }  // namespace qv::standin

@@ -16,7 +16,7 @@ Outcome PutFile(const Place& place, const std::string& path) {
   const auto there = place.folder.Look(place.name);
   const bool is_free = !there || there->kind == platform::EntryKind::kFile;
   if (is_free && place.folder.TakeFile(path, place.name)) return {};
-  return {ErrorCode::kStoreFailed, "the file cannot be put there"};
+  return {ErrorCode::kStoreFailed, "the file cannot be stored there"};
 }
 
 Outcome OpenFile(const Place& place, std::optional<platform::OpenedFile>& opened) {
@@ -41,7 +41,8 @@ Outcome ReadAll(platform::OpenedFile source, ByteSink& target, WorkLimit& limit)
       return {ErrorCode::kStoreFailed, "no room for the copy"};
     }
   }
-  if (std::ferror(source.file.get()) != 0) return {ErrorCode::kStoreFailed, "cannot be read"};
+  if (std::ferror(source.file.get()) != 0)
+    return {ErrorCode::kStoreFailed, "the file cannot be read"};
   if (!target.Finish()) return {ErrorCode::kStoreFailed, "no room for the copy"};
   return {};
 }

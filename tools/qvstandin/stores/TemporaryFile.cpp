@@ -9,7 +9,7 @@ namespace qv::standin {
 
 namespace {
 
-// What stays free for the databases.
+// Space that is left free for the databases.
 constexpr std::uint64_t kReserve = 64ULL << 20;
 
 std::uint64_t RoomIn(const std::string& folder) {

@@ -9,18 +9,18 @@
 
 namespace qv::standin {
 
-// Has a name of its own in a folder, and is removed with this object unless it was moved away.
-// Nothing is made before it is written to, here or by whoever is given its path.
+// Has a unique name in a folder. The destructor removes the file unless it was moved away. The file
+// is not created before something is written, through this object or to its path.
 class TemporaryFile : public ByteSink {
  public:
-  // The name ends with a separator.
+  // `folder` ends with a separator.
   explicit TemporaryFile(const std::string& folder);
   ~TemporaryFile() override;
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   [[nodiscard]] const std::string& Path() const { return path_; }
-  // Whether the disk can take so many bytes and have some left for everything else.
+  // Returns whether the disk has room for this many bytes and a reserve.
   [[nodiscard]] bool HasRoomFor(std::uint64_t bytes) const { return bytes <= room_; }
 
   bool Write(std::string_view bytes) override;
