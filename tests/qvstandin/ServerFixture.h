@@ -31,9 +31,10 @@ inline std::string FrameOf(std::uint32_t command, const std::vector<std::string>
   return stream.written;
 }
 
-class FrameClient {
+// Sends any bytes and reads what comes, as bytes or as frames.
+class RawClient {
  public:
-  explicit FrameClient(std::uint16_t port) : stream_(kPatience) {
+  explicit RawClient(std::uint16_t port) : stream_(kPatience) {
     stream_.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), port});
   }
 

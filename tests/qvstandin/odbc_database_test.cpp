@@ -369,7 +369,7 @@ TEST_F(StandInOverOdbc, ServesADatabaseOfAnotherEngine) {
   std::filesystem::permissions(folder_.Write("databases.json", settings.dump()),
                                std::filesystem::perms(0600));
   Start();
-  FrameClient client(server_->Port());
+  RawClient client(server_->Port());
   const auto ask = [&](std::uint32_t command, const std::vector<std::string>& fields) {
     EXPECT_TRUE(client.Send(FrameOf(command, fields)));
     return client.Fields();

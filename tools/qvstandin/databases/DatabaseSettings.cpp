@@ -6,10 +6,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 #include "base/text/Letters.h"
 #include "tools/qvstandin/common/ServerLog.h"
@@ -25,10 +25,6 @@ constexpr std::size_t kLongestText = 4096;
 constexpr std::size_t kLongestName = 64;
 constexpr const char* kOdbc = "odbc";
 constexpr const char* kConnectionText = "connection_text";
-
-struct Closer {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '-'; }
 
@@ -96,7 +92,7 @@ bool IsDatabaseName(std::string_view name) {
 }
 
 Outcome ReadDatabaseSettings(const std::string& path, DatabaseSettingsByName& settings) {
-  const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
+  const platform::FilePtr file(std::fopen(path.c_str(), "rb"));
   if (file == nullptr && errno == ENOENT) return {};
   settings.clear();
   std::string text;

@@ -23,7 +23,7 @@ AnswerFile::AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint
     : folder_(std::move(folder)), memory_limit_(memory_limit), size_limit_(size_limit) {}
 
 AnswerFile::~AnswerFile() {
-  file_.reset();
+  file_ = {};  // some systems remove no file that is open
   if (!path_.empty()) platform::RemoveFile(path_);
 }
 
@@ -35,20 +35,18 @@ bool AnswerFile::Write(std::string_view bytes) {
     return true;
   }
   if (path_.empty() && !MoveToDisk()) return false;
-  return file_ != nullptr &&
-         std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
+  return file_.Write(bytes);
 }
 
 bool AnswerFile::MoveToDisk() {
   const std::string path = folder_ + platform::NewGuid() + kExtension;
-  file_.reset(platform::CreatePrivateFile(path, platform::Create::kNew));
-  if (file_ == nullptr) return false;
+  file_ = storage::OutputFile(path, platform::Create::kNew);
+  if (!file_.IsOpen()) return false;
   path_ = path;
-  const std::string kept = std::exchange(bytes_, {});
-  return std::fwrite(kept.data(), 1, kept.size(), file_.get()) == kept.size();
+  return file_.Write(std::exchange(bytes_, {}));
 }
 
-bool AnswerFile::Finish() { return file_ == nullptr || std::fclose(file_.release()) == 0; }
+bool AnswerFile::Finish() { return InMemory() || file_.Close(); }
 
 GzipStream::GzipStream(ByteSink& target) : target_(target) {
   ready_ = deflateInit2(&stream_, kLevel, Z_DEFLATED, kGzipWindow, kMemoryLevel,

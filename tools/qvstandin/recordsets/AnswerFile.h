@@ -4,10 +4,9 @@
 #include <zlib.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <string>
 
+#include "base/storage/OutputFile.h"
 #include "tools/qvstandin/common/ByteSink.h"
 
 namespace qv::standin {
@@ -36,10 +35,6 @@ class AnswerFile : public ByteSink {
   [[nodiscard]] const std::string& Path() const { return path_; }
 
  private:
-  struct Closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-
   [[nodiscard]] bool MoveToDisk();
 
   std::string folder_;
@@ -48,7 +43,7 @@ class AnswerFile : public ByteSink {
   std::uint64_t size_ = 0;
   std::string bytes_;
   std::string path_;
-  std::unique_ptr<std::FILE, Closer> file_;
+  storage::OutputFile file_;
 };
 
 // Compresses what is written to it into one gzip member.

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
 #include "Samples.h"
 #include "base/platform/Platform.h"
+#include "base/storage/OutputFile.h"
 #include "tools/qvstandin/databases/OdbcDatabase.h"
 #include "tools/qvstandin/databases/SqliteDatabase.h"
 
@@ -91,9 +91,7 @@ Outcome DataFolder::Lock() {
   const std::string file =
       platform::NarrowFromPath(platform::PathFromNarrow(path_) / "server.lock");
   // Created here, so that only its owner can read it. Usually it exists already.
-  if (std::FILE* const made = platform::CreatePrivateFile(file, platform::Create::kNew)) {
-    std::fclose(made);
-  }
+  storage::OutputFile(file, platform::Create::kNew);
   sqlite3* opened = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW;
   int code = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);

@@ -3,13 +3,12 @@
 #include <zip.h>
 
 #include <array>
-#include <cstdio>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 
-#include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
+#include "base/storage/PartFile.h"
 #include "tools/qvstandin/databases/Sqlite.h"
 
 namespace qv::standin {
@@ -65,9 +64,8 @@ bool MakeFolderOf(const std::string& path) {
 
 bool WriteFile(const std::string& path, std::string_view text) {
   if (!MakeFolderOf(path)) return false;
-  platform::FilePtr file(platform::CreatePrivateFile(path, platform::Create::kNew));
-  return file != nullptr && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size() &&
-         std::fclose(file.release()) == 0;
+  storage::OutputFile file(path, platform::Create::kNew);
+  return file.Write(text) && file.Close();
 }
 
 bool WritePack(const std::string& path) {
@@ -96,16 +94,15 @@ bool WriteAll(const std::string& folder) {
 }  // namespace
 
 Outcome CreateSample(const SampleDatabase& sample, const std::string& file) {
-  const std::string unfinished = file + ".new";
   // Created before SQLite opens it, so that only its owner can read it.
-  std::FILE* const empty = platform::CreatePrivateFile(unfinished, platform::Create::kAlways);
-  if (empty == nullptr) return {ErrorCode::kNoDatabase, "cannot create " + unfinished};
-  std::fclose(empty);
-  Outcome outcome = RunScript(unfinished, sample.script);
-  if (outcome.Ok() && !platform::ReplaceByRename(unfinished, file)) {
+  storage::PartFile part(file + ".new", platform::Create::kAlways);
+  if (!part.Finish(storage::Flush::kNo)) {
+    return {ErrorCode::kNoDatabase, "cannot create " + part.Path()};
+  }
+  Outcome outcome = RunScript(part.Path(), sample.script);
+  if (outcome.Ok() && !part.MoveTo(file)) {
     outcome = {ErrorCode::kNoDatabase, "cannot rename a file to " + file};
   }
-  if (!outcome.Ok()) platform::RemoveFile(unfinished);
   return outcome;
 }
 

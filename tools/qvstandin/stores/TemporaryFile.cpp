@@ -25,23 +25,21 @@ TemporaryFile::TemporaryFile(const std::string& folder)
     : path_(folder + platform::NewGuid() + ".incoming"), room_(RoomIn(folder)) {}
 
 TemporaryFile::~TemporaryFile() {
-  file_.reset();
+  file_ = {};  // some systems remove no file that is open
   platform::RemoveFile(path_);
 }
 
 bool TemporaryFile::Open() {
-  if (file_ == nullptr) {
-    file_.reset(platform::CreatePrivateFile(path_, platform::Create::kNew));
-  }
-  return file_ != nullptr;
+  if (!file_.IsOpen()) file_ = storage::OutputFile(path_, platform::Create::kNew);
+  return file_.IsOpen();
 }
 
 bool TemporaryFile::Write(std::string_view bytes) {
   if (bytes.size() > room_ || !Open()) return false;
   room_ -= bytes.size();
-  return std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
+  return file_.Write(bytes);
 }
 
-bool TemporaryFile::Finish() { return Open() && std::fclose(file_.release()) == 0; }
+bool TemporaryFile::Finish() { return Open() && file_.Close(); }
 
 }  // namespace qv::standin

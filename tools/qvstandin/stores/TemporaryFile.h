@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "base/platform/Folder.h"
+#include "base/storage/OutputFile.h"
 #include "tools/qvstandin/common/ByteSink.h"
 
 namespace qv::standin {
@@ -31,7 +31,7 @@ class TemporaryFile : public ByteSink {
 
   const std::string path_;
   std::uint64_t room_;
-  platform::FilePtr file_;
+  storage::OutputFile file_;
 };
 
 }  // namespace qv::standin
