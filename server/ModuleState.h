@@ -7,7 +7,7 @@
 
 #include "ServerType.h"
 #include "cache/QueryCache.h"
-#include "localdb/OdbcLocalDatabase.h"
+#include "localdb/LocalDatabase.h"
 #include "qvnetcall/TempFileInfo.h"
 
 namespace qv {

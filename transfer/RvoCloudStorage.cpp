@@ -3,7 +3,6 @@
 #include <memory>
 #include <utility>
 
-#include "PairList.h"
 #include "QueueCalls.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transfer/QvCoCSC.h"

@@ -1,6 +1,5 @@
 #include "qvnetcall/RvoFtp.h"
 
-#include "PairList.h"
 #include "QueueCalls.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transfer/QvCoFtp.h"

@@ -1,4 +1,4 @@
-#include "localdb/OdbcLocalDatabase.h"
+#include "localdb/LocalDatabase.h"
 
 #include <gmock/gmock.h>
 

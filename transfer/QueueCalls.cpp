@@ -1,4 +1,4 @@
-#include "PairList.h"
+#include "QueueCalls.h"
 
 namespace qv {
 

@@ -1,4 +1,4 @@
-#include "OdbcLocalDatabase.h"
+#include "LocalDatabase.h"
 
 #include <utility>
 
