@@ -1,4 +1,4 @@
-// Attributes as both dialects write them: name='value', with blanks between.
+// Attributes as both dialects write them: name='value', separated by blanks.
 #pragma once
 
 #include <string_view>
@@ -13,13 +13,13 @@ struct Attribute {
   std::string_view value;
 };
 
-// Gives the attributes of a stretch of text one after the other. This is no XML parser: a blank
-// discards the name gathered so far, "=" ends it, and every other character, line breaks and
-// brackets too, belongs to it. The character behind the "=" decides which quote encloses the value;
-// without a quote, or without its closing one, there is no value.
+// Returns the attributes of a stretch of text one by one. This is not an XML parser: a blank
+// discards the name read so far, "=" ends it, and every other character, including line breaks and
+// brackets, belongs to it. The character after "=" decides which quote encloses the value; without
+// a quote, or without its closing one, there is no value.
 class AttributeScanner {
  public:
-  // With kAtEmptyClose a "/>" outside a value ends the stretch.
+  // With kAtEmptyClose, a "/>" outside a value ends the stretch.
   enum class Stop { kAtEnd, kAtEmptyClose };
 
   AttributeScanner(const char* begin, const char* end, Stop stop)
@@ -27,8 +27,8 @@ class AttributeScanner {
   AttributeScanner(std::string_view text, Stop stop)
       : AttributeScanner(text.data(), text.data() + text.size(), stop) {}
 
-  // The next attribute that has a value. False when there is none; the position is then the end of
-  // the stretch.
+  // Reads the next attribute that has a value. Returns false if there is none; the position is then
+  // the end of the stretch.
   [[nodiscard]] bool Next(Attribute& attribute) {
     const char* name = position_;
     const char* p = position_;
@@ -50,7 +50,7 @@ class AttributeScanner {
   }
 
   [[nodiscard]] const char* Position() const { return position_; }
-  // For those who took an attribute themselves: goes on behind it.
+  // Continues after an attribute that the caller read itself.
   void MoveTo(const char* position) { position_ = position; }
 
  private:
@@ -68,7 +68,8 @@ class AttributeScanner {
   Stop stop_;
 };
 
-// All attributes of one element, for look-ups by name; of several of one name the first counts.
+// All attributes of one element, for look-ups by name; the first of several with the same name
+// counts.
 class AttributeList {
  public:
   void Read(std::string_view text) {
@@ -77,7 +78,7 @@ class AttributeList {
     for (Attribute attribute; scanner.Next(attribute);) attributes_.push_back(attribute);
   }
 
-  // Null when there is no such attribute.
+  // Returns null if there is no such attribute.
   [[nodiscard]] const std::string_view* Find(std::string_view name) const {
     for (const Attribute& attribute : attributes_) {
       if (attribute.name == name) return &attribute.value;
@@ -85,7 +86,7 @@ class AttributeList {
     return nullptr;
   }
 
-  // Empty when there is no such attribute.
+  // Returns an empty text if there is no such attribute.
   [[nodiscard]] std::string_view Value(std::string_view name) const {
     const std::string_view* const found = Find(name);
     return found != nullptr ? *found : std::string_view();

@@ -14,7 +14,7 @@ namespace qv {
 
 namespace {
 
-// Numbers the files of hexadecimal values, for all threads of the process.
+// Numbers the files of hexadecimal values, across all threads of the process.
 std::atomic<std::uint32_t> file_counter = 0;
 
 std::string Text(const char (&field)[260]) {
@@ -62,7 +62,7 @@ std::string HexCells::Write(std::string_view text) {
 
 std::string HexCells::WriteBytes(std::span<const unsigned char> bytes) {
   const std::string timed = base_ + "_" + std::to_string(platform::UnixTime()) + "_";
-  // Another program may count through the same names; it keeps its files and this one counts on.
+  // Another program may use the same names; it keeps its files, and this one continues counting.
   constexpr int kAttempts = 10000;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto number = static_cast<std::int32_t>(file_counter++);

@@ -1,4 +1,4 @@
-// Binary values go to files; the cell holds the file's path.
+// Binary values are stored in files; the cell holds the file's path.
 #pragma once
 
 #include <span>
@@ -13,13 +13,13 @@ namespace qv {
 struct Column;
 class ResultTable;
 
-// How one dialect turns the text of a binary value into a file.
+// Stores a binary value of one dialect in a file.
 class BinaryCells {
  public:
   virtual ~BinaryCells() = default;
 
-  // Writes the bytes that `text` stands for and returns the file's path; empty for an empty text,
-  // and when the file cannot be written.
+  // Writes the bytes that `text` encodes and returns the file's path. Returns an empty text if
+  // `text` is empty or the file cannot be written.
   [[nodiscard]] virtual std::string Write(std::string_view text) = 0;
 
  protected:
@@ -29,16 +29,16 @@ class BinaryCells {
   std::string extension_;  // with the dot
 };
 
-// Hexadecimal text; every value in a file of its own, "prefix_time_counter.ext".
+// Hexadecimal text; every value has a file of its own, "prefix_time_counter.ext".
 class HexCells : public BinaryCells {
  public:
   explicit HexCells(const tagTEMPFILEINFO& files) : BinaryCells(files) {}
   [[nodiscard]] std::string Write(std::string_view text) override;
-  // The same for a value that is there as bytes, none included.
+  // The same for a value that is given as bytes, possibly none.
   [[nodiscard]] std::string WriteBytes(std::span<const unsigned char> bytes);
 };
 
-// Base64 text; every value in the same file, "prefix.ext", each replacing the one before: hosts
+// Base64 text; all values go to the same file, "prefix.ext", each replacing the previous one: hosts
 // read the last one there.
 class Base64Cells : public BinaryCells {
  public:
@@ -46,14 +46,13 @@ class Base64Cells : public BinaryCells {
   [[nodiscard]] std::string Write(std::string_view text) override;
 };
 
-// Removes the files that a table's cells name, for a table that nobody will see.
+// Removes the files that a table's cells name. For tables that no host will see.
 void RemoveBinaryFiles(const ResultTable& table);
 void RemoveBinaryFiles(const Column& column);
 
-// Pairs of lower-case digits; a pair with any other character is left out, and so is an odd last
-// one.
+// Decodes pairs of lower-case digits; skips a pair with any other character and an odd last digit.
 [[nodiscard]] std::vector<unsigned char> DecodeHex(std::string_view text);
-// White space is skipped; the first other character that is no digit ends it.
+// Skips white space; the first other character that is not a digit ends the value.
 [[nodiscard]] std::vector<unsigned char> DecodeBase64(std::string_view text);
 
 }  // namespace qv

@@ -1,4 +1,4 @@
-// Finding bytes and markers in text, exactly and fast.
+// Exact and fast search for bytes and markers in text.
 #pragma once
 
 // What the one compiler calls by its name, the other has in everything for 64 bits.
@@ -23,12 +23,13 @@ inline std::uint64_t LoadWord(const char* p) {
   return word;
 }
 
-// How far scans may look behind the end of what they scan.
+// How many bytes scans may read after the end of what they scan.
 constexpr std::size_t kScanSlack = 16;
 
 #if defined(QV_HAS_SSE2)
 constexpr std::ptrdiff_t kScanStep = 16;
-// A bit for each of the sixteen bytes at `p` that is `wanted`, the first byte's lowest.
+// Returns a bit for each of the sixteen bytes at `p` that is `wanted`; the lowest bit is the first
+// byte's.
 inline std::uint32_t MatchBytes(const char* p, char wanted) {
   const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
   return static_cast<std::uint32_t>(
@@ -37,7 +38,8 @@ inline std::uint32_t MatchBytes(const char* p, char wanted) {
 inline int FirstMatch(std::uint32_t matches) { return std::countr_zero(matches); }
 #else
 constexpr std::ptrdiff_t kScanStep = 8;
-// The high bit of the first of the eight bytes at `p` that is `wanted`, and perhaps bits above it.
+// Returns the high bit of the first of the eight bytes at `p` that is `wanted`, and possibly bits
+// above it.
 inline std::uint64_t MatchBytes(const char* p, char wanted) {
   constexpr std::uint64_t kOnes = 0x0101010101010101u;
   constexpr std::uint64_t kHighs = 0x8080808080808080u;
@@ -47,9 +49,9 @@ inline std::uint64_t MatchBytes(const char* p, char wanted) {
 inline int FirstMatch(std::uint64_t matches) { return std::countr_zero(matches) / 8; }
 #endif
 
-// The first `wanted` in [p, end), or `end`; p is not behind it. Most values are short, so a few
-// steps in place come before a library call. Up to kScanSlack bytes behind `end` are looked at, but
-// do not count.
+// Returns the first `wanted` in [p, end), or `end`; p <= end. Most values are short, so a few
+// inline steps precede the library call. Up to kScanSlack bytes after `end` are read, but do not
+// count.
 inline const char* FindByte(const char* p, const char* end, char wanted) {
   constexpr int kStepsBeforeCall = 3;
   for (int i = 0; i < kStepsBeforeCall; ++i) {
@@ -64,8 +66,8 @@ inline const char* FindByte(const char* p, const char* end, char wanted) {
   return found != nullptr ? static_cast<const char*>(found) : end;
 }
 
-// Where `marker`, which starts with "<", first stands in `text` at or behind `from`, or npos.
-// Mostly that is near.
+// Returns the first position of `marker`, which starts with "<", in `text` at or after `from`, or
+// npos. It is usually near.
 inline std::size_t FindTag(std::string_view text, std::string_view marker, std::size_t from) {
   if (from >= text.size()) return std::string_view::npos;
   const char* const end = text.data() + text.size();
@@ -80,15 +82,15 @@ inline std::size_t FindTag(std::string_view text, std::string_view marker, std::
   return std::string_view::npos;
 }
 
-// Finds one marker again and again from positions that only grow. What was found lies ahead of many
-// positions, and is looked for once for all of them: a file cannot make the search quadratic.
+// Finds one marker repeatedly from increasing positions. A position that was found serves all calls
+// before it, so a file cannot make the search quadratic.
 class ForwardFinder {
  public:
   ForwardFinder(std::string_view text, std::string marker)
       : text_(text), marker_(std::move(marker)) {}
 
-  // The first position of the marker at or behind `from`, or npos. `from` is never less than at the
-  // call before.
+  // Returns the first position of the marker at or after `from`, or npos. `from` must not decrease
+  // between calls.
   [[nodiscard]] std::size_t Find(std::size_t from) {
     if (!searched_ || (found_ != std::string_view::npos && found_ < from)) {
       found_ = text_.find(marker_, from);

@@ -18,9 +18,9 @@ std::int32_t FormatFixed(double value, FixedText& text) {
   return static_cast<std::int32_t>(std::snprintf(text.data(), text.size(), "%f", value));
 }
 
-// From each of these on, six decimals round up to one more digit before the point: the smallest
-// doubles that are not below 10 - 0.0000005, 100 - 0.0000005 and so on. From ten digits on, doubles
-// are too far apart for it to matter.
+// Values from each of these thresholds on gain a digit before the point when rounded to six
+// decimals: the smallest doubles that are not below 10 - 0.0000005, 100 - 0.0000005 and so on. From
+// ten digits on, doubles are too far apart for it to matter.
 constexpr std::array<double, 15> kDigitThresholds = {
     0x1.3ffffef39086p+3,   0x1.8fffffde7210cp+6,  0x1.f3fffffbce422p+9,  0x1.387fffffbce43p+13,
     0x1.869ffffff79c9p+16, 0x1.e847fffffef3ap+19, 0x1.312cffffffef4p+23, 0x1.7d783ffffffdfp+26,
@@ -48,7 +48,7 @@ CString CellText(const COleDateTime& value) {
 
 std::int32_t FixedLength(double value) {
   const double size = std::fabs(value);
-  // Not-a-number fails the comparison as well.
+  // NaN fails the comparison as well.
   if (!(size < kDigitThresholds.back())) {
     FixedText text;
     return FormatFixed(value, text);

@@ -30,12 +30,12 @@ bool IsHexDouble(std::string_view text) {
   return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-// Nobody writes these but to see what happens, so the C library may take its time.
+// These only occur in tests of the reader, so the slow C library is good enough.
 double ParseHexDouble(std::string_view text) {
   return std::strtod(std::string(text).c_str(), nullptr);
 }
 
-// Nothing when there is no number at all; then a sign before it means nothing either.
+// Returns nothing if there is no number; a sign before it is then ignored.
 std::optional<double> ParseUnsigned(std::string_view text) {
   if (text.empty() || text.front() == '-' || text.front() == '+') return std::nullopt;
   if (IsHexDouble(text)) return ParseHexDouble(text);
@@ -45,7 +45,7 @@ std::optional<double> ParseUnsigned(std::string_view text) {
   return value;
 }
 
-// Whether all eight bytes of a word are decimal digits.
+// Returns true if all eight bytes of a word are decimal digits.
 bool AreDigits(std::uint64_t word) {
   constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
   constexpr std::uint64_t kSixes = 0x0606060606060606u;
@@ -54,8 +54,8 @@ bool AreDigits(std::uint64_t word) {
   return (word & kHighHalves) == kThrees && ((word + kSixes) & kHighHalves) == kThrees;
 }
 
-// The number that eight digits in a word stand for, the first byte the highest: neighbours are
-// joined to numbers of two, four and eight digits.
+// Returns the number that eight digits in a word represent, the first byte being the highest:
+// neighbours are joined to numbers of two, four and eight digits.
 std::uint64_t EightDigits(std::uint64_t word) {
   word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 0x100 + 1) >> 8;
   word = (word & 0x00FF00FF00FF00FFu) * (100 * 0x10000 + 1) >> 16;
@@ -67,11 +67,10 @@ constexpr std::int32_t kDateSeparators = 5;
 // Where each field starts; the year has four characters, the others two.
 constexpr std::array<std::size_t, 6> kFieldStarts = {0, 5, 8, 11, 14, 17};
 
-// Reads fields that are all digits, as dates are; false when they are not. What stands between them
-// does not matter.
+// Reads fields that consist of digits, as dates usually do. Returns false if they do not. The
+// characters between them do not matter.
 bool ReadDigits(const char* text, DateFields& fields) {
-  // Zeros take the places of the separators: "YYYY-MM-" and "DD HH:MM" become numbers of eight
-  // digits.
+  // Zeros replace the separators: "YYYY-MM-" and "DD HH:MM" become numbers of eight digits.
   const std::uint64_t date = (LoadWord(text) & 0x00FFFF00FFFFFFFFu) | 0x3000003000000000u;
   const std::uint64_t time = (LoadWord(text + 8) & 0xFFFF00FFFF00FFFFu) | 0x0000300000300000u;
   const std::uint32_t tens = Digit(text[17]);
@@ -85,21 +84,21 @@ bool ReadDigits(const char* text, DateFields& fields) {
   return true;
 }
 
-// Reads whatever numbers the fields hold.
+// Reads the number at the start of each field.
 void ReadNumbers(std::string_view text, DateFields& fields) {
   for (std::size_t i = 0; i < fields.size(); ++i) {
     fields[i] = DecimalToInt32(text.substr(kFieldStarts[i], i == 0 ? 4 : 2));
   }
 }
 
-// The length of the fields without padding, and of what stands between them.
+// Returns the length of the fields without padding, including the separators.
 std::int32_t LengthOfNumbers(const DateFields& fields) {
   std::int32_t length = kDateSeparators;
   for (const std::int32_t field : fields) length += DecimalLength(field);
   return length;
 }
 
-// The same for fields that were all digits: the year has up to four, the others up to two.
+// The same for fields that consist of digits: the year has up to four, the others up to two.
 std::int32_t LengthOfDigits(const DateFields& fields) {
   const std::int32_t year = fields[0];
   std::int32_t length = kDateSeparators + 6 + (year > 9) + (year > 99) + (year > 999);
@@ -111,7 +110,8 @@ COleDateTime DateOf(const DateFields& fields) {
   return {fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]};
 }
 
-// The character behind "&#x", two digits and ";" at `p`, or 0. At least six bytes can be read.
+// Returns the character of "&#x", two digits and ";" at `p`, or 0. At least six bytes must be
+// readable.
 char DecodeEntity(const char* p) {
   struct Entity {
     char text[7];
@@ -125,8 +125,8 @@ char DecodeEntity(const char* p) {
   return 0;
 }
 
-// One pass from left to right, so that nothing is decoded twice. Returns the length of what was
-// written.
+// Decodes in one pass from left to right, so that nothing is decoded twice. Returns the length of
+// the result.
 std::size_t DecodeEntities(const char* p, const char* end, char* out) {
   constexpr std::ptrdiff_t kEntityLength = 6;
   char* const start = out;
@@ -188,7 +188,7 @@ std::int32_t ParseInteger(std::string_view text) {
 }
 
 std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities) {
-  // No entity stands for white space, so trimming first gives the same and is cheaper.
+  // No entity represents white space, so trimming first has the same effect and is cheaper.
   text = Trimmed(text);
   const char* const end = text.data() + text.size();
   if (!may_have_entities || text.empty() || FindByte(text.data(), end, '&') == end) {

@@ -1,4 +1,4 @@
-// From the text of a value to the value, as the recordset files write them.
+// Converts the texts of recordset files to values.
 #pragma once
 
 #include <array>
@@ -10,37 +10,37 @@
 
 namespace qv {
 
-// 1 for "True" in any case, else 0.
+// Returns 1 for "True" in any case, else 0.
 [[nodiscard]] std::int32_t ParseBoolean(std::string_view text);
 
-// The number that `text` starts with, whatever the locale; white space before it is skipped. 0.0
-// when there is none, infinity when it is too large.
+// Returns the number at the start of `text`, independently of the locale; leading white space is
+// skipped. Returns 0.0 if there is no number, and infinity if it is too large.
 [[nodiscard]] double ParseDouble(std::string_view text);
 
 struct DateValue {
   COleDateTime date;
-  // The length of the date written without padding, "%d-%d-%d %d-%d-%d"; 0 when there is none.
+  // The length of the date without padding, "%d-%d-%d %d-%d-%d"; 0 if there is none.
   std::int32_t display_length = 0;
 };
 
 // Year, month, day, hour, minute, second.
 using DateFields = std::array<std::int32_t, 6>;
 
-// What no calendar has is 0.0.
+// Returns 0.0 for a date that does not exist.
 [[nodiscard]] DateValue MakeDate(const DateFields& fields);
 
-// A date and time at fixed places of a text of at least 19 characters. A shorter text, and what no
-// calendar has, is 0.0.
+// Parses a date and time at fixed positions of a text of at least 19 characters. Returns 0.0 for a
+// shorter text and for a date that does not exist.
 [[nodiscard]] DateValue ParseDate(std::string_view text);
 
-// How far ParseInteger and AppendText may look behind the text.
+// How many bytes ParseInteger and AppendText may read after the text.
 constexpr std::size_t kValueSlack = TextCells::kCopyStep;
 
 // As DecimalToInt32.
 [[nodiscard]] std::int32_t ParseInteger(std::string_view text);
 
-// Appends a text without the white space at its ends and, when it may have some, with its entities
-// decoded; returns its length.
+// Appends a text without leading and trailing white space and, if it may have entities, with these
+// decoded. Returns the length that was appended.
 std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities);
 
 }  // namespace qv

@@ -14,19 +14,19 @@
 
 namespace qv {
 
-// The type codes that the readers tell apart; every other code is text.
+// The type codes that the readers distinguish; every other code is text.
 enum TypeCode : std::uint8_t {
   kTypeNone = 0,
   kTypeSmallInt = 2,
   kTypeInteger = 3,
-  kTypeSingle = 4,  // held as text
+  kTypeSingle = 4,  // stored as text
   kTypeDouble = 5,
   kTypeDate = 7,
   kTypeBoolean = 11,
   kTypeUnsignedTinyInt = 17,
-  kTypeBigInt = 20,  // held in 32 bits
+  kTypeBigInt = 20,  // stored in 32 bits
   kTypeChar = 129,
-  kTypeNumeric = 131,  // held as text
+  kTypeNumeric = 131,  // stored as text
   kTypeTimeStamp = 135,
   kTypeVarChar = 200,
   kTypeLongVarChar = 201,
@@ -34,13 +34,13 @@ enum TypeCode : std::uint8_t {
   kTypeLongVarBinary = 205,
 };
 
-// What a dialect calls a type.
+// A dialect's name of a type.
 struct NamedType {
   std::string_view name;
   TypeCode type;
 };
 
-// The type of that name; kTypeNone when it is not among `types`.
+// Returns the type of that name, or kTypeNone if it is not among `types`.
 [[nodiscard]] std::uint8_t FindType(std::span<const NamedType> types, std::string_view name);
 
 using IntCells = GrowArray<std::int32_t>;
@@ -48,7 +48,7 @@ using DoubleCells = GrowArray<double>;
 using DateCells = GrowArray<COleDateTime>;
 using Cells = std::variant<TextCells, IntCells, DoubleCells, DateCells>;
 
-// Empty cells of the kind that a type code is held in.
+// Returns empty cells of the kind that a type code needs.
 [[nodiscard]] Cells CellsFor(std::uint8_t type);
 
 struct Column {
@@ -59,7 +59,7 @@ struct Column {
   Cells cells{};
 
   [[nodiscard]] std::size_t Rows() const;
-  // The text form of a cell that is there.
+  // Returns the text form of an existing cell.
   [[nodiscard]] CString Text(std::size_t row) const;
 };
 

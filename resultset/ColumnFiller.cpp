@@ -13,12 +13,12 @@ static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack)
 
 namespace {
 
-// What the cells of a file may take: enough for results with hundreds of empty columns, and never a
-// multiple of the file that grows with it.
+// The memory that the cells of a file may take: enough for results with hundreds of empty columns,
+// but never a multiple of the file that grows with it.
 constexpr std::size_t kLeastBudget = std::size_t{64} << 20;
 constexpr std::size_t kBudgetPerByte = 32;
 
-// The memory of one cell, its text apart.
+// The memory of one cell, without its text.
 std::size_t CellBytes(const Column& column) {
   return std::visit([](const auto& cells) { return cells.kCellBytes; }, column.cells);
 }
@@ -105,8 +105,8 @@ std::size_t ColumnFiller::AppendPlainText(void* cells, std::string_view text, Ro
 }
 
 void ColumnFiller::ReserveAfter(std::size_t done, std::size_t total) {
-  // What comes is taken to be like what came, and a little more. A guess that would take many times
-  // the memory of the file is not followed: cells then grow as they are needed.
+  // Assumes that the remaining rows resemble the ones before, plus a margin. An estimate of many
+  // times the file's size is not used; the cells then grow as needed.
   constexpr double kMargin = 1.03;
   constexpr double kMostPerByte = 4.0;
   const double factor = kMargin * static_cast<double>(total) / static_cast<double>(done);

@@ -11,29 +11,29 @@
 
 namespace qv {
 
-// How many rows tell what the others are like.
+// The number of rows from which the others are estimated.
 constexpr std::size_t kRowsBeforeReserve = 256;
 
-// Fills every column of a table, whose cells were rebuilt, row by row. Measures the columns'
-// display lengths, which the columns have when the filler is gone.
+// Fills the columns of a table, whose cells were rebuilt, row by row. Measures the columns' display
+// lengths; the destructor stores them in the columns.
 class ColumnFiller {
  public:
-  // All three outlive the filler; `table` keeps its columns meanwhile. The rows come from a file of
-  // `file_bytes`.
+  // All three must outlive the filler, and `table` must keep its columns meanwhile. The rows come
+  // from a file of `file_bytes`.
   ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary,
                std::size_t file_bytes);
   ~ColumnFiller();
   ColumnFiller(const ColumnFiller&) = delete;
   ColumnFiller& operator=(const ColumnFiller&) = delete;
 
-  // Appends one cell to each column. The texts lie in a FileText, so that a little may be read
-  // behind them. Without `may_have_entities` there is no ampersand in any of them. False when the
-  // cells have come to take more than any honest file of that size could need: many columns times
-  // many rows, all of them empty or all of one name.
+  // Appends one cell to each column. The texts are in a FileText, so that some bytes after them may
+  // be read. `may_have_entities` is false if no text contains an ampersand. Returns false if the
+  // cells take more memory than any honest file of that size needs: many columns times many rows,
+  // all empty or all of one name.
   [[nodiscard]] bool AppendRow(bool may_have_entities);
 
-  // Makes room for the rows to come, after `done` bytes of rows out of `total` were appended, when
-  // it can be told.
+  // Reserves memory for the remaining rows after `done` bytes of rows out of `total` were appended,
+  // if it can be estimated.
   void ReserveAfter(std::size_t done, std::size_t total);
 
  private:
@@ -41,7 +41,7 @@ class ColumnFiller {
   struct Row {
     BinaryCells& binary;
     bool may_have_entities;
-    std::size_t taken;  // by the cells so far, and by their files
+    std::size_t taken;  // bytes of the cells so far, and of their files
   };
 
   // Appends one cell and returns the length of its text.
@@ -67,7 +67,7 @@ class ColumnFiller {
   const RowValues& values_;
   std::vector<Sink> sinks_;
   Row row_;
-  std::size_t row_bytes_;  // of a row's cells, their texts apart
+  std::size_t row_bytes_;  // of a row's cells, without their texts
   std::size_t budget_;
 };
 

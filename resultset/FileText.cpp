@@ -25,7 +25,7 @@ constexpr std::size_t kPieceBytes = 0x40000;
 bool FileText::Reserve(std::size_t bytes) {
   if (bytes <= capacity_) return true;
   const std::size_t wanted = std::max(bytes, kFirstCapacity);
-  // What the buffer holds is about to be replaced, so there is nothing to copy.
+  // The content is about to be replaced, so there is nothing to copy.
   buffer_.reset();
   capacity_ = 0;
   buffer_.reset(static_cast<char*>(std::malloc(wanted)));
@@ -36,7 +36,7 @@ bool FileText::Reserve(std::size_t bytes) {
 }
 
 bool FileText::LoadChunk(CFile& file, std::size_t bytes) {
-  // In pieces, whose bytes are still at hand when they are looked through for a NUL.
+  // Reads in pieces, whose bytes are still in the CPU's cache when they are searched for a NUL.
   bool ended = false;
   for (std::size_t left = bytes; left != 0;) {
     char* const piece = buffer_.get() + length_;
@@ -60,7 +60,7 @@ bool FileText::Load(const char* path) try {
   if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) return false;
   CFile file(path, CFile::modeRead);
   if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return false;
-  // A file that grows meanwhile is read as far as its size was taken.
+  // A file that grows meanwhile is read up to its size at the start.
   for (std::size_t left = static_cast<std::size_t>(size); left != 0;) {
     const std::size_t chunk = std::min(left, kChunkBytes);
     if (!LoadChunk(file, chunk)) break;

@@ -1,4 +1,4 @@
-// The text of a recordset file, in a buffer that is kept from file to file.
+// The text of a recordset file, in a buffer that is reused from file to file.
 #pragma once
 
 #include <cstddef>
@@ -10,20 +10,20 @@ class CFile;
 
 namespace qv {
 
-// Scanners and copies may look at some bytes behind the end of the text, which are zero.
+// Scanners and copies may read some bytes after the end of the text, which are zero.
 class FileText {
  public:
   static constexpr std::size_t kSlack = 64;
 
   // Loads a whole file. It is read in chunks of 2 MiB, and each chunk's text ends at its first NUL.
-  // False when the path is no file that can be read, or memory is short.
+  // Returns false if the path is not a readable file, or memory runs out.
   [[nodiscard]] bool Load(const char* path);
 
   [[nodiscard]] std::string_view View() const { return {buffer_.get(), length_}; }
 
  private:
   [[nodiscard]] bool Reserve(std::size_t bytes);
-  // Appends the text of the next chunk of `bytes`. False when the file ends before it.
+  // Appends the text of the next chunk of `bytes`. Returns false if the file ends before it.
   [[nodiscard]] bool LoadChunk(CFile& file, std::size_t bytes);
 
   struct Freed {
@@ -35,7 +35,8 @@ class FileText {
   std::size_t length_ = 0;
 };
 
-// This thread's buffer. It grows to the largest file that the thread has read and is never shrunk.
+// Returns this thread's buffer. It grows to the largest file that the thread has read and never
+// shrinks.
 [[nodiscard]] FileText& KeptFileText();
 
 }  // namespace qv

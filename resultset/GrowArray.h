@@ -15,8 +15,8 @@
 
 namespace qv {
 
-// Differs from std::vector in growing by std::realloc, which moves large blocks without copying
-// them, and in not filling what is about to be written.
+// Unlike std::vector, it grows by std::realloc, which moves large blocks without copying them, and
+// does not initialise what is about to be written.
 template <class T>
 class GrowArray {
   static_assert(std::is_trivially_copyable_v<T>);
@@ -47,7 +47,7 @@ class GrowArray {
     *Extend(1) = copy;
   }
 
-  // Makes room for `count` more values and returns where they go; they are not set.
+  // Makes room for `count` more values and returns their place; they are not initialised.
   T* Extend(std::size_t count) {
     if (capacity_ - size_ < count) Grow(count);
     T* const room = data_.get() + size_;
@@ -55,14 +55,14 @@ class GrowArray {
     return room;
   }
 
-  // The memory that the values take, and room for `factor` times as many of them, which is above 1.
+  // The memory that the values take, and capacity for `factor` > 1 times as many of them.
   std::size_t Bytes() const { return size_ * sizeof(T); }
   void ReserveTimes(double factor) {
     const auto wanted = static_cast<std::size_t>(static_cast<double>(size_) * factor);
     if (wanted > capacity_) Grow(wanted - size_);
   }
 
-  // Gives up all but the first `size` values.
+  // Drops all but the first `size` values.
   void Shrink(std::size_t size) { size_ = size; }
 
  private:
@@ -83,7 +83,7 @@ class GrowArray {
     static_cast<void>(data_.release());
     data_.reset(static_cast<T*>(grown));
     capacity_ = wanted;
-    // Filling a large block costs less than having its pages made one by one.
+    // Filling a large block costs less than having its pages faulted in one by one.
     const std::size_t bytes = wanted * sizeof(T);
     if (bytes >= kLargeBytes) platform::PreferLargePages(grown, bytes);
   }

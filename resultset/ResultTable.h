@@ -1,4 +1,4 @@
-// What a CRvoDbRes holds.
+// The content of a CRvoDbRes.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace qv {
 
 class ResultTable {
  public:
-  // The table behind a result set.
+  // Returns the table of a result set.
   static ResultTable& Of(CRvoDbRes& result) { return *result.table_; }
 
   std::int32_t cursor = 0;
@@ -28,7 +28,7 @@ class ResultTable {
   // Removes the column at `index`, which must exist; those after it move up.
   void RemoveColumn(std::int32_t index);
 
-  // Rows, as the first column counts them; held within 32 bits.
+  // The number of cells in the first column, clamped to 32 bits.
   [[nodiscard]] std::int32_t RowCount() const;
   [[nodiscard]] std::int32_t ColumnCount() const;
 
@@ -40,7 +40,7 @@ class ResultTable {
   // Returns the column at `index`, or null.
   [[nodiscard]] const Column* ColumnAt(std::int32_t index) const;
 
-  // Gives every column new, empty cells of the kind that its type code asks for.
+  // Gives every column new, empty cells of the kind that its type code needs.
   void RebuildCells();
 
  private:

@@ -6,7 +6,7 @@ namespace qv {
 
 namespace {
 
-// Names with these never come out of a scanner whole, so a comparison of bytes must not find them
+// Scanners never return names with these characters whole, so comparing bytes must not find them
 // either.
 bool CanBeCompared(std::string_view name) {
   return name.find_first_of(" =<>") == std::string_view::npos;
@@ -25,7 +25,7 @@ RowValues::Name RowValues::MakeName(std::string_view closed) {
 }
 
 RowValues::RowValues(std::span<const Column> columns, char closing) {
-  // No text has a bit outside the mask, so this head is never met.
+  // No text has a bit outside the mask, so this head never matches.
   constexpr Name kNeverMet = {1, 0, 0, 0, 0, nullptr};
   for (const Column& column : columns) {
     const auto [entry, is_new] = slot_of_name_.try_emplace(column.name, names_.size());

@@ -14,43 +14,43 @@
 
 namespace qv {
 
-// Rows name their values in the columns' order, most of the time and with gaps: the name that is
-// expected next, and a few behind it, are compared before anything is looked up.
+// Rows usually name their values in the order of the columns, with gaps: the expected name and a
+// few after it are compared before any look-up.
 class RowValues {
  public:
-  // `closing` is what stands behind a name in this dialect.
+  // `closing` is the character after a name in this dialect.
   RowValues(std::span<const Column> columns, char closing);
 
   // Starts a row without values.
   void Begin();
 
-  // Records the value of a name; of several values of one name the first counts.
+  // Records the value of a name; the first of several with the same name counts.
   void Put(std::string_view name, std::string_view value);
 
-  // Compares the name at `p`, and the closing character behind it, with what is expected next. At
-  // least sixteen bytes from `p` on can be read. The length of the name, whose value PutExpected
-  // then records, or 0 when it is none of those.
+  // Compares the name at `p` and its closing character with the expected names. At least sixteen
+  // bytes from `p` on must be readable. Returns the length of the name, whose value PutExpected
+  // then records, or 0 if none matches.
   [[nodiscard]] std::size_t MatchExpected(const char* p, const char* end);
   void PutExpected(std::string_view value) {
     if (values_[expected_].data() == nullptr) values_[expected_] = value;
     ++expected_;
   }
 
-  // Where a column's values are, and the value there; empty when the row has none.
+  // The slot of a column's values, and the value in it; empty if the row has none.
   [[nodiscard]] std::size_t SlotOf(std::size_t column) const { return slots_[column]; }
   [[nodiscard]] std::string_view InSlot(std::size_t slot) const { return values_[slot]; }
 
-  // Whether the name that was recorded last stands at `p` too, with its closing character.
+  // Returns true if the last recorded name is at `p` too, with its closing character.
   [[nodiscard]] bool IsLastExpected(const char* p, const char* end) const {
     return names_[expected_ - 1].Matches(p, end);
   }
 
-  // Whether any name starts with `prefix`.
+  // Returns true if any name starts with `prefix`.
   [[nodiscard]] bool HasNameWith(std::string_view prefix) const;
 
  private:
-  // A name and its closing character, ready to be compared eight bytes at a time. At least sixteen
-  // bytes from `p` on can be read.
+  // A name and its closing character, prepared for comparing eight bytes at a time. At least
+  // sixteen bytes from `p` on must be readable.
   struct Name {
     [[nodiscard]] bool Matches(const char* p, const char* end) const {
       if ((LoadWord(p) & head_mask) != head || (LoadWord(p + 8) & next_mask) != next) return false;
@@ -71,8 +71,8 @@ class RowValues {
   static constexpr std::size_t kLookAhead = 8;
 
   std::vector<std::size_t> slots_;        // by column; columns of one name share a slot
-  std::deque<std::string> closed_names_;  // what names_ points to
-  // By slot; behind the last stand as many as are looked at ahead, which match nothing.
+  std::deque<std::string> closed_names_;  // the texts that names_ points to
+  // By slot; after the last follow as many entries as are checked ahead, which match nothing.
   std::vector<Name> names_;
   std::map<std::string_view, std::size_t> slot_of_name_;  // ordered, so that no names collide
   std::vector<std::string_view> values_;                  // by slot

@@ -47,11 +47,11 @@ void DefineColumn(const AttributeList& attributes, ResultTable& table) {
   if (name.empty()) return;
   Column& column = table.AddColumn({.name = std::string(name)});
   column.type = TypeOf(attributes);
-  // What has no such attribute reads as empty, and that as 0.
+  // A missing attribute is the empty text, which converts to 0.
   column.declared_length = DecimalToInt32(attributes.Value("dt:maxLength"));
 }
 
-// `schema` is what stands between the element type's markers.
+// `schema` is the text between the element type's markers.
 void DefineColumns(std::string_view schema, ResultTable& table) {
   AttributeList attributes;
   std::size_t position = 0;
@@ -67,8 +67,8 @@ void DefineColumns(std::string_view schema, ResultTable& table) {
   }
 }
 
-// Takes the attributes that come as expected, a blank and name='value', as far as that goes. Behind
-// the end there are zeros, so that looking for a blank or a quote there does no harm.
+// Takes attributes as long as they come as expected: a blank and name='value'. The text is followed
+// by zeros, so that searching for a blank or a quote there is harmless.
 void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values) {
   const char* p = scanner.Position();
   while (*p == ' ') {
@@ -84,13 +84,13 @@ void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values)
   scanner.MoveTo(p);
 }
 
-// Reads the attributes behind "<z:row" and returns where they end.
+// Reads the attributes after "<z:row" and returns where they end.
 const char* ReadRow(const char* p, const char* end, RowValues& values) {
   AttributeScanner scanner(p, end, AttributeScanner::Stop::kAtEmptyClose);
   values.Begin();
   while (true) {
     TakeExpected(scanner, end, values);
-    // Where most rows end; the scanner would find the same.
+    // Most rows end here; the scanner would find the same.
     const char* const here = scanner.Position();
     if (here[0] == '/' && here[1] == '>') return here;
     Attribute attribute;

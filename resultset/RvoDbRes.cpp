@@ -22,7 +22,7 @@ namespace {
 
 CString ToCString(std::string_view text) { return CString(text); }
 
-// Upward, not to nearest: hosts rely on it for sizes and counts.
+// Rounds up, not to nearest: hosts rely on it for sizes and counts.
 long RoundUp(double value) {
   constexpr double kMin = std::numeric_limits<std::int32_t>::min();
   constexpr double kMax = std::numeric_limits<std::int32_t>::max();
@@ -35,7 +35,7 @@ const Held* CellsAs(const Column* column) {
   return column != nullptr ? std::get_if<Held>(&column->cells) : nullptr;
 }
 
-// What the accessors give for a cell of `column`, which is null for an unknown one.
+// What the accessors return for a cell of `column`, which is null for an unknown one.
 
 bool HasCell(const Column* column, int row) {
   return column != nullptr && row >= 0 && static_cast<std::size_t>(row) < column->Rows();
@@ -75,7 +75,7 @@ double DoubleOf(const Column* column, int row) {
   return 0.0;
 }
 
-// The texts that replace a column's cells, and the length of the longest.
+// The texts that replace a column's cells, and the length of the longest one.
 class ReplacedTexts {
  public:
   void Add(std::string_view text) {
@@ -93,7 +93,7 @@ class ReplacedTexts {
   std::size_t longest_ = 0;
 };
 
-// The sum of all values but the last, which it then takes the place of.
+// Replaces the last value by the sum of all others.
 template <class Held, class Sum>
 void SumIntoLastRow(Held& cells, Sum sum) {
   if (cells.size() == 0) AfxThrowInvalidArgException();
@@ -212,7 +212,7 @@ void CRvoDbRes::ReplaceStrByFieldName(const CString& field, const CMapStringToSt
   const auto* const cells = CellsAs<TextCells>(column);
   if (cells == nullptr || texts == nullptr) return;
   ReplacedTexts replaced;
-  CString working;  // kept from row to row: what is not found repeats what was found last
+  CString working;  // kept from row to row: a missing value repeats the last one that was found
   for (std::size_t row = 0; row < cells->size(); ++row) {
     texts->Lookup(ToCString((*cells)[row]), working);
     replaced.Add(working.View());

@@ -16,8 +16,8 @@ constexpr std::string_view kSchemaEnd = "</xs:schema";
 constexpr std::string_view kElement = "<xs:element";
 constexpr std::string_view kSequence = "<xs:sequence";
 constexpr std::string_view kSequenceEnd = "</xs:sequence";
-// The file chooses the tag that is searched for: a long one could make every search slow, and
-// nobody's table has it.
+// The file chooses the tag that is searched for. A long one could make every search slow, and no
+// real table has it.
 constexpr std::size_t kMaxTag = 1024;
 constexpr std::size_t kNone = std::string_view::npos;
 
@@ -35,7 +35,8 @@ std::uint8_t TypeOf(std::string_view name) {
   return FindType(kTypes, name);
 }
 
-// Reads the attributes of the element that opens at `opening`; returns where its ">" is, or kNone.
+// Reads the attributes of the element that opens at `opening`. Returns the position of its ">", or
+// kNone.
 std::size_t ReadElement(std::string_view text, std::size_t opening, AttributeList& attributes) {
   const std::size_t start = opening + kElement.size();
   const std::size_t end = text.find('>', start);
@@ -43,13 +44,13 @@ std::size_t ReadElement(std::string_view text, std::size_t opening, AttributeLis
   return end;
 }
 
-// The tag of the rows: the name of the first element. Empty when the element does not say what it
-// must.
+// Returns the tag of the rows, which is the name of the first element, or an empty text if the
+// element lacks a required attribute.
 std::string_view RowTag(std::string_view text) {
   AttributeList attributes;
   const std::size_t opening = text.find(kElement);
   if (opening == kNone || ReadElement(text, opening, attributes) == kNone) return {};
-  // The main table has to be named, but it does not choose the rows.
+  // The main table must be named, but it does not choose the rows.
   if (attributes.Value("msdata:MainDataTable").empty()) return {};
   return attributes.Value("name");
 }
@@ -70,11 +71,12 @@ void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequ
   }
 }
 
-// Walks the rows: elements of one tag, whose children are the values. Positions are offsets into
-// the text.
+// Walks through the rows: elements of one tag, whose children are the values. Positions are offsets
+// into the text.
 class RowWalker {
  public:
-  // With `plain_names` neither a closing tag nor the tag of the rows can be taken for a column's.
+  // With `plain_names`, neither a closing tag nor the tag of the rows can be mistaken for a
+  // column's.
   RowWalker(std::string_view text, std::string_view tag, std::size_t start, bool plain_names)
       : text_(text),
         opening_('<' + std::string(tag)),
@@ -89,13 +91,13 @@ class RowWalker {
   [[nodiscard]] bool HasRow() const { return next_row_ != kNone; }
   [[nodiscard]] bool HasClosing() const { return IsClosedBehind(next_row_ + opening_.size()); }
 
-  // Whether there is an ampersand in the row that was read last.
+  // Whether the row that was read last contains an ampersand.
   [[nodiscard]] bool MayHaveEntities() const { return may_have_entities_; }
-  // Where it ended.
+  // The end of that row.
   [[nodiscard]] std::size_t Position() const { return position_; }
 
-  // Reads the row that comes next and steps behind it. False when it has no end: the rows end
-  // before it.
+  // Reads the next row and moves past it. Returns false if it is not closed: the rows end before
+  // it.
   [[nodiscard]] bool ReadRow(RowValues& values) {
     const std::size_t start = next_row_ + opening_.size();
     values.Begin();
@@ -119,7 +121,8 @@ class RowWalker {
     return last_closing_ != kNone && last_closing_ >= position;
   }
 
-  // Behind the row's own "/>", or kNone when its opening does not end so.
+  // Returns the position after the row's own "/>", or kNone if its opening tag does not end that
+  // way.
   [[nodiscard]] std::size_t EndOfEmptyRow(std::size_t start) {
     if (start < text_.size() && text_[start] == '>') return kNone;
     const std::size_t end = tag_end_.Find(start);
@@ -132,9 +135,9 @@ class RowWalker {
            std::memcmp(p, closing_.data(), closing_.size()) == 0;
   }
 
-  // Records the values of the children between `start` and the row's closing or `limit`, whichever
-  // comes first, and returns where that is. "<" starts a name, ">" ends it and starts its value,
-  // which goes up to the next "<".
+  // Records the values of the children between `start` and the row's closing tag or `limit`,
+  // whichever comes first, and returns that position. "<" starts a name, ">" ends it and starts its
+  // value, which extends to the next "<".
   std::size_t ReadChildren(std::size_t start, std::size_t limit, RowValues& values) const {
     const char* p = text_.data() + start;
     const char* const end = text_.data() + limit;
@@ -157,8 +160,8 @@ class RowWalker {
     return static_cast<std::size_t>(p - text_.data());
   }
 
-  // Takes the children at the "<" at `p` that come as expected, "<name>value</name>", as far as
-  // that goes. Returns the "<" that it did not take, or `end`.
+  // Takes the children from the "<" at `p` as long as they come as expected, "<name>value</name>".
+  // Returns the first "<" that it did not take, or `end`.
   const char* TakeExpected(const char* p, const char* end, RowValues& values) const {
     while (p < end && *p == '<' && !IsRowClosing(p, end)) {
       const std::size_t length = values.MatchExpected(p + 1, end);
@@ -173,8 +176,8 @@ class RowWalker {
     return p;
   }
 
-  // The "<" behind the closing tag at `p` of the child that was taken last, a name of `length`
-  // bytes; `p` when that is not what stands there.
+  // Returns the "<" after the closing tag at `p` of the last child, whose name has `length` bytes,
+  // or `p` if something else is there.
   const char* BehindClosing(const char* p, const char* end, std::size_t length,
                             const RowValues& values) const {
     const bool is_closing = plain_names_ && p[1] == '/' && values.IsLastExpected(p + 2, end);

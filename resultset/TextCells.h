@@ -11,7 +11,7 @@
 
 namespace qv {
 
-// A column holds up to 4 GiB; what is more cannot be had, as if memory were short.
+// A column holds up to 4 GiB; more is treated as out of memory.
 class TextCells {
  public:
   static constexpr std::size_t kCellBytes = sizeof(std::uint32_t);
@@ -24,7 +24,7 @@ class TextCells {
     ends_.ReserveTimes(factor);
   }
 
-  // The text of a cell; good until the next change.
+  // Returns the text of a cell, valid until the next change.
   std::string_view operator[](std::size_t row) const {
     const std::size_t start = row == 0 ? 0 : ends_[row - 1];
     return {bytes_.data() + start, ends_[row] - start};
@@ -35,7 +35,7 @@ class TextCells {
     End();
   }
 
-  // As push_back, for a text with at least kCopyStep readable bytes behind it: short texts are
+  // Like push_back, for a text followed by at least kCopyStep readable bytes: short texts are
   // copied in whole steps, without a call.
   static constexpr std::size_t kCopyStep = 32;
   void AppendFromBuffer(std::string_view text) {
@@ -46,8 +46,8 @@ class TextCells {
     Finish(text.size());
   }
 
-  // For a text that is built in place: room for `capacity` bytes, of which Finish keeps the first
-  // `length`.
+  // For a text that is built in place: returns room for `capacity` bytes, of which Finish keeps the
+  // first `length`.
   char* Begin(std::size_t capacity) {
     building_ = bytes_.size();
     return bytes_.Extend(capacity);

@@ -32,12 +32,12 @@ struct Parts {
   int second;
 };
 
-// Before day zero the value is negative and yet its fraction counts forward, so the two are taken
-// apart first.
+// Before day zero the value is negative, but its fraction still counts forward, so the two are
+// separated first.
 std::optional<Moment> ToMoment(double value) noexcept {
   const auto first = static_cast<double>(kFirstDay);
   const auto last = static_cast<double>(kLastDay);
-  if (!(value > first - 1 && value < last + 1)) return std::nullopt;  // also not-a-number
+  if (!(value > first - 1 && value < last + 1)) return std::nullopt;  // rejects NaN as well
   const double whole = std::trunc(value);
   const double fraction = std::fabs(value - whole);
   Moment moment{static_cast<std::int64_t>(whole),
@@ -55,7 +55,7 @@ std::optional<Parts> ToParts(const COleDateTime& date) noexcept {
   return Parts{year_month_day{day}, day, static_cast<int>(moment->second)};
 }
 
-// Grows in time order, which the stored value does not do before day zero.
+// Increases with time, which the stored value does not before day zero.
 double Linear(double value) noexcept {
   const double whole = std::trunc(value);
   return whole + std::fabs(value - whole);
@@ -108,7 +108,7 @@ void AppendField(CString& text, const Parts& parts, char letter) {
   switch (letter) {
     case 'Y':
       return AppendPadded(text, static_cast<int>(parts.date.year()), 4);
-    case 'y':  // which the C library of one system leaves empty before 1900
+    case 'y':  // the C library of one system leaves it empty before 1900
       return AppendPadded(text, static_cast<int>(parts.date.year()) % 100, 2);
     case 'm':
       return AppendPadded(text, MonthOf(parts), 2);
@@ -124,7 +124,7 @@ void AppendField(CString& text, const Parts& parts, char letter) {
       text += '%';
       return;
     default:
-      // A runtime may abort on a letter that it does not know.
+      // Some run-time libraries abort on an unknown letter.
       if (std::string_view("aAbBcIjpUwWxXy").find(letter) != std::string_view::npos) {
         return AppendLocal(text, parts, letter);
       }
@@ -142,7 +142,7 @@ COleDateTime::COleDateTime(std::time_t time) : m_status(invalid) {
   constexpr int kLastYear = 9999;
   if (!local || local->tm_year > kLastYear - 1900) return;
   SetDateTime(local->tm_year + 1900, local->tm_mon + 1, local->tm_mday, local->tm_hour,
-              local->tm_min, std::min(local->tm_sec, 59));  // no leap seconds here
+              local->tm_min, std::min(local->tm_sec, 59));  // leap seconds are not supported
 }
 
 COleDateTime::COleDateTime(int year, int month, int day, int hour, int minute,
