@@ -30,7 +30,7 @@ bool IsHexDouble(std::string_view text) {
   return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-// These only occur in tests of the reader, so the slow C library is good enough.
+// Real files do not contain such numbers, so the slow C library is good enough.
 double ParseHexDouble(std::string_view text) {
   return std::strtod(std::string(text).c_str(), nullptr);
 }
