@@ -21,7 +21,7 @@ using qv::cache_state::kOnline;
 
 namespace {
 
-// Command codes, and what travels with them.
+// Command codes with their fields.
 constexpr std::uint32_t kCheckLink = 3;              // no fields; reply: status
 constexpr std::uint32_t kGetParameter = 0xFFFFFFFF;  // name; reply: "1" when known, value
 constexpr std::uint32_t kSetParameter = 0xFFFFFFFE;  // name, value; reply: "1" when set
@@ -40,7 +40,7 @@ std::uint32_t ToPort(std::uint64_t port) {
   return static_cast<std::uint32_t>(std::min(port, kMax));
 }
 
-// Reads the flag that replies of this kind start with.
+// Reads the flag at the start of a reply.
 bool FlagIsSet(CMsgContent& reply) {
   return qv::DecimalToInt32(reply.GetString(nullptr).View()) == 1;
 }

@@ -20,7 +20,7 @@ using qv::CatalogueCommand;
 
 namespace {
 
-// Commands; request fields; reply fields behind the number.
+// Commands; request fields; reply fields after the number.
 constexpr CatalogueCommand kExeInfo{6008};        // none; texts 1, 2, 3, 6, 7, 8, 9 of the record
 constexpr CatalogueCommand kSubStores{6009};      // text name; the records
 constexpr CatalogueCommand kConnectionText{710};  // text database; text connection

@@ -18,8 +18,8 @@ CString ResultSuffix(long result) {
   return suffix;
 }
 
-// The holder together with how many objects share it: the objects themselves are four pointers to
-// every host.
+// Reference count for copies. It is here because hosts rely on sizeof(CRvoCloudStorage) being four
+// pointers.
 struct SharedClient : CRvoCSCClient {
   int owners = 1;
 };
@@ -31,7 +31,7 @@ CRvoCSCClient::CRvoCSCClient() {
   component_ = qv::CreateCscComponent();
 }
 
-// Kept on purpose: the apartment is left before the component ends.
+// Kept on purpose: the apartment is left before the component is released.
 CRvoCSCClient::~CRvoCSCClient() {
   qv::LeaveApartment();
   if (component_ != nullptr) component_->Release();
@@ -137,7 +137,7 @@ long CRvoCloudStorage::DownloadFile(long option, long& count) {
   return qv::RunQueue(client_->Get(), *downloads_, qv::kDownload, count, run, ResultSuffix);
 }
 
-// Kept on purpose: the report of copies alone does not end with the result.
+// Kept on purpose: only the report of copies does not end with the result.
 long CRvoCloudStorage::CopyServerile(long option, long& count) {
   const auto run = [=](IQvCoCSC& component, long* succeeded) {
     return component.CopyServerFile(option, succeeded);
@@ -145,7 +145,7 @@ long CRvoCloudStorage::CopyServerile(long option, long& count) {
   return qv::RunQueue(client_->Get(), *copies_, qv::kCopy, count, run, qv::NoSuffix);
 }
 
-// The result of adding is not looked at, here and in the next.
+// The result of adding is ignored, here and in the next call.
 long CRvoCloudStorage::UploadOneFile(CString first, CString second, long option) {
   AddUploadFile(first, second);
   long count = 0;
@@ -173,8 +173,7 @@ long CRvoCloudStorage::RenameServerFile(CString oldPath, CString newPath) {
   return qv::LogUnlessZero(result, "CSCRenFile Fail %s->%s. Res:%ld.", oldPath, newPath, result);
 }
 
-// Kept on purpose: 1, which says that the file succeeded, is logged too; and the result is not in
-// the text.
+// Kept on purpose: 1, which means success, is logged too, and the text does not contain the result.
 long CRvoCloudStorage::IsOperatorFileSuc(CString path) {
   const long result = qv::Ask(client_->Get(), &IQvCoCSC::IsOperatorFileSuc, path);
   return qv::LogUnlessZero(result, "CSC_IsOperatorFileSuc Fail %s", path);

@@ -12,7 +12,7 @@ constexpr const char* kLabels[] = {"FtpUp", "FtpDown", "FtpCopy"};
 
 CRvoFtpClient::CRvoFtpClient() { qv::EnterApartment(); }
 
-// The apartment stays entered: the host may use it for more.
+// The apartment is not left, because the host may use it further.
 CRvoFtpClient::~CRvoFtpClient() {
   if (component_ != nullptr) component_->Release();
   component_ = nullptr;
@@ -43,7 +43,7 @@ CRvoFtp::CRvoFtp() : uploads_(&client_), downloads_(&client_), copies_(&client_)
 
 CRvoFtp::~CRvoFtp() = default;
 
-// Kept on purpose, here and in the next two: only the uploads go.
+// Kept on purpose, here and in the next two calls: only the uploads are cleared.
 long CRvoFtp::FtpLogin(CString host, CString user, CString password, short port) {
   uploads_.Empty();
   return qv::Ask(client_.Get(), &IQvCoFtp::FtpLogin, host, port, user, password);
@@ -93,7 +93,7 @@ long CRvoFtp::CopyServerile(long option, long& count) {
   return qv::RunQueue(client_.Get(), copies_, qv::kCopy, count, run, qv::NoSuffix);
 }
 
-// The result of adding is not looked at, here and in the next.
+// The result of adding is ignored, here and in the next call.
 long CRvoFtp::UploadOneFile(CString first, CString second, long option) {
   AddUploadFile(first, second);
   long count = 0;
@@ -121,7 +121,7 @@ long CRvoFtp::RenameServerFile(CString oldPath, CString newPath) {
   return qv::LogUnlessZero(result, "FtpRenFile Fail %s->%s", oldPath, newPath);
 }
 
-// Kept on purpose: 1, which says that the file succeeded, is logged too.
+// Kept on purpose: 1, which means success, is logged too.
 long CRvoFtp::IsOperatorFileSuc(CString path) {
   const long result = qv::Ask(client_.Get(), &IQvCoFtp::IsOperatorFileSuc, path);
   return qv::LogUnlessZero(result, "Ftp_IsOperatorFileSuc Fail %s", path);

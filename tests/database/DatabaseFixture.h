@@ -62,7 +62,7 @@ class FakeLocalDatabase : public LocalDatabase {
     return result;
   }
   std::string log;
-  std::string answer;  // the rowset that queries give, when not empty
+  std::string answer;  // the rowset that queries return, if not empty
   int result = 0;
 };
 
@@ -98,7 +98,7 @@ class DatabaseFixture : public ModuleTest {
     return !request.fields.empty() && request.fields[0] == "PLATDB";
   }
 
-  // What every request for a query has in common.
+  // Checks what every request for a query has in common.
   void ExpectQuery(const SentRequest& request) const {
     EXPECT_EQ(request.server, "main");
     EXPECT_EQ(request.port, 4000u);
@@ -120,7 +120,7 @@ class DatabaseFixture : public ModuleTest {
                    {"CI_DefaultDisplayDomain", settings_.domain}});
   }
   void OpenCache() { ASSERT_EQ(CRvoServer::SetCachePath(folder_.At("cache").c_str()), 1); }
-  // Gives the text of the first cell, or "result N".
+  // Returns the text of the first cell, or "result N".
   std::string Select(int use_cache = 0, const CString& sql = "select 1") {
     CRvoDbRes result;
     const int code = CRvoDatabase::SelectSQL(&sql, &result, "DESIGNDB", use_cache);
@@ -134,7 +134,7 @@ class DatabaseFixture : public ModuleTest {
     }
     return names;
   }
-  // The commands sent for queries, the settings' left out.
+  // Returns the commands sent for queries, except that of the settings.
   std::vector<std::uint32_t> QueryCommands() const {
     std::vector<std::uint32_t> commands;
     for (const SentRequest& request : transport_.requests) {

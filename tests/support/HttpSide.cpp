@@ -4,7 +4,7 @@ namespace qv {
 
 namespace {
 
-// Byte by byte, so that nothing of what follows is taken.
+// Reads byte by byte, so that nothing after the head is consumed.
 bool ReceiveHead(wire::ByteStream& stream, std::string& head) {
   unsigned char byte = 0;
   for (head.clear(); !head.ends_with("\r\n\r\n"); head.push_back(static_cast<char>(byte))) {

@@ -1,4 +1,4 @@
-// The server's side of HTTP, written out by hand.
+// The server's side of HTTP, written by hand.
 #pragma once
 
 #include <string>
@@ -10,16 +10,16 @@ namespace qv {
 struct HttpRequestSeen {
   // The request line and the headers, with their line ends.
   std::string head;
-  // What came as the body; kMalformed when more came than that.
+  // The frame in the body; kMalformed if the body has more bytes than that.
   WholeFrame frame;
 };
 
-// Receives one request; its file goes to `file_path`. False when the client is gone or sent
-// something else.
+// Receives one request and stores its file as `file_path`. Returns false if the client disconnected
+// or sent something else.
 bool ReceiveHttp(wire::ByteStream& stream, HttpRequestSeen& request,
                  const std::string& file_path = "");
 
-// An answer: the status line and headers, "Content-Length" among them, and `body`.
+// Returns an answer: the status line and headers, including "Content-Length", and `body`.
 std::string HttpAnswer(const std::string& body, const std::string& more_headers = "",
                        const std::string& status = "200 OK");
 

@@ -23,7 +23,7 @@ constexpr const char* kUser = "postgres";
 constexpr const char* kReady = "ready to accept connections";
 constexpr int kStarts = 3;
 
-// The newest version's; empty when there is none.
+// Returns the folder of the newest version, or an empty text if there is none.
 std::string ProgramFolder() {
   std::vector<std::string> found;
   std::error_code error;
@@ -42,7 +42,7 @@ std::uint16_t FreePort() {
       .port();
 }
 
-// As the user that the server runs as, and not for longer than this program.
+// Runs as the server's user, and no longer than this program.
 std::vector<std::string> AsServerUser(std::vector<std::string> command) {
   std::vector<std::string> words{"setpriv", "--pdeathsig", "INT"};
   if (geteuid() == 0) {
@@ -53,7 +53,7 @@ std::vector<std::string> AsServerUser(std::vector<std::string> command) {
   return words;
 }
 
-// Runs a program to its end, and shows what it printed if that is a bad one.
+// Runs a program to its end. Prints its output if it failed.
 bool RunToEnd(const std::vector<std::string>& words, const std::string& folder) {
   const std::string output = folder + "/output";
   const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
@@ -78,7 +78,7 @@ PostgresServer::PostgresServer() : programs_(ProgramFolder()) {
     return;
   }
   if (!MakeCluster()) return;
-  // Somebody else may take the port between the question for it and the start.
+  // Another program may take the port between the query for it and the start.
   for (int start = 0; start < kStarts; ++start) {
     if (Start()) return;
     Stop();
@@ -111,7 +111,7 @@ bool PostgresServer::Start() {
        {"listen_addresses=127.0.0.1", "unix_socket_directories=", "fsync=off",
         "synchronous_commit=off", "full_page_writes=off", "autovacuum=off", "shared_buffers=16MB",
         "max_connections=20", "max_wal_senders=0", "logging_collector=off", "log_checkpoints=off",
-        // So that the pipe, which nobody empties later, has room for all that is said.
+        // The pipe, which nobody empties later, must have room for all output.
         "log_min_messages=log"}) {
     command.insert(command.end(), {"-c", setting});
   }
@@ -131,7 +131,7 @@ bool PostgresServer::Start() {
 
 void PostgresServer::Stop() {
   if (pid_ > 0) {
-    kill(pid_, SIGINT);  // its fast way to stop
+    kill(pid_, SIGINT);  // the server's fast shutdown
     waitpid(pid_, nullptr, 0);
     pid_ = -1;
   }

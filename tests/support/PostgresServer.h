@@ -1,4 +1,4 @@
-// A database server of the tests' own: PostgreSQL on an empty folder and a free port of loopback.
+// A PostgreSQL server for the tests, on an empty folder and a free loopback port.
 #pragma once
 
 #include <sys/types.h>
@@ -13,11 +13,12 @@ namespace qv {
 
 class PostgresServer {
  public:
-  // The one of this program, which the first call starts and the program's end stops.
+  // Returns the server of this program, which the first call starts and the end of the program
+  // stops.
   static const PostgresServer& Shared();
 
-  // Runs as the user "postgres" when the program is root's, whom it would refuse. A server that
-  // does not start says why as a failure of the test.
+  // Runs as the user "postgres" if this program is root, which PostgreSQL refuses. If the server
+  // does not start, the test fails with the reason.
   PostgresServer();
   ~PostgresServer();
   PostgresServer(const PostgresServer&) = delete;
@@ -25,9 +26,9 @@ class PostgresServer {
 
   static constexpr const char* kPassword = "pass; word";
 
-  // For ODBC: as the owner of everything, with the driver of that name.
+  // Returns a connection text for the ODBC driver of that name, as the owner of everything.
   [[nodiscard]] std::string ConnectionText(const std::string& driver = "PostgreSQL Unicode") const;
-  // Runs SQL, or with -f files of it, by the server's own client; false when any of it fails.
+  // Runs SQL, or with -f files of it, by the server's own client. Returns false if any of it fails.
   [[nodiscard]] bool Run(std::vector<std::string> psql_arguments) const;
 
  private:

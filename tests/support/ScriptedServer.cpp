@@ -15,7 +15,7 @@ bool ServerSide::Complete(Start start) {
   boost::system::error_code result;
   context_.restart();
   start(result);
-  context_.run();  // and closes, when that was asked for meanwhile
+  context_.run();  // also closes the socket if that was requested meanwhile
   return !result;
 }
 
@@ -63,7 +63,7 @@ ScriptedServer::~ScriptedServer() {
   listener_.join();
   for (Client& client : clients_) {
     {
-      // For a script that waits for the socket in a way of its own.
+      // For a script that waits for the socket itself.
       const std::lock_guard lock(mutex_);
       boost::system::error_code ignored;
       client.socket.shutdown(tcp::socket::shutdown_both, ignored);
@@ -95,7 +95,8 @@ void ScriptedServer::Play(Client& client) {
   script_(side);
   const std::lock_guard lock(mutex_);
   boost::system::error_code ignored;
-  client.socket.close(ignored);  // who still sends is told, which a shutdown does not everywhere
+  client.socket.close(
+      ignored);  // tells a client that still sends, which shutdown does not do everywhere
   ++finished_;
   changed_.notify_all();
 }

@@ -1,4 +1,4 @@
-// A server whose every move a test writes down.
+// A server that does exactly what a test tells it.
 #pragma once
 
 #include <atomic>
@@ -17,23 +17,23 @@ namespace qv {
 
 class ServerSide final : public wire::ByteStream {
  public:
-  // Runs `context`, which is the socket's, while it waits.
+  // Runs `context`, the socket's, while it waits.
   ServerSide(boost::asio::io_context& context, boost::asio::ip::tcp::socket& socket)
       : context_(context), socket_(socket) {}
 
   bool Read(wire::WritableBytes bytes) override;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;
 
-  // False when the client is gone. A file of the request goes to `file_path`.
+  // Returns false if the client disconnected. A file of the request is stored as `file_path`.
   bool Receive(WholeFrame& request, const std::string& file_path = "");
   bool Reply(const std::string& payload, wire::OutgoingFile* file = nullptr);
-  // Returns when the client is gone, or the server ends.
+  // Returns when the client disconnects or the server ends.
   void WaitForEnd();
 
   [[nodiscard]] boost::asio::ip::tcp::socket& Socket() { return socket_; }
 
  private:
-  // Starts an operation, which leaves its error in what it is given, and waits for it.
+  // Starts an operation, which stores its error in its argument, and waits for it.
   template <class Start>
   bool Complete(Start start);
 
@@ -41,8 +41,8 @@ class ServerSide final : public wire::ByteStream {
   boost::asio::ip::tcp::socket& socket_;
 };
 
-// Listens on a free port of the loopback; every connection is a thread that plays the script and
-// hangs up at its end. Destruction ends them all.
+// Listens on a free loopback port. Every connection has a thread that runs the script and then
+// disconnects. The destructor ends them all.
 class ScriptedServer {
  public:
   using Script = std::function<void(ServerSide&)>;
@@ -56,12 +56,12 @@ class ScriptedServer {
 
   [[nodiscard]] std::uint16_t Port() const { return acceptor_.local_endpoint().port(); }
   [[nodiscard]] int Connections() const { return connections_; }
-  // Waits until `count` scripts have come to their end and hung up.
+  // Waits until `count` scripts have ended and disconnected.
   void WaitForFinished(int count);
 
  private:
-  // Has a context of its own, so that the thread that waits is the one that closes the socket: not
-  // every system wakes a thread whose socket another one shuts down.
+  // Has its own context, so that the thread that waits is the one that closes the socket: not every
+  // system wakes a thread whose socket another one shuts down.
   struct Client {
     boost::asio::io_context context{1};
     boost::asio::ip::tcp::socket socket{context};

@@ -1,5 +1,5 @@
-// Both transports as a script: what the library sends is recorded, what it receives is chosen by
-// the test. Linking this replaces the transport libraries.
+// Both transports as a script: requests of the library are recorded, and the test chooses the
+// replies. Linking this replaces the transport libraries.
 #pragma once
 
 #include <cstdint>
@@ -51,11 +51,11 @@ class ScriptedTransport {
   using Handler = std::function<int(const SentRequest&, ScriptedReply&)>;
 
   static ScriptedTransport& Get();
-  // Forgets everything; nothing is delivered until a handler is there.
+  // Clears everything; nothing is delivered until a handler is set.
   void Reset() { *this = ScriptedTransport(); }
 
   Handler handler = [](const SentRequest&, ScriptedReply&) { return -1; };
-  // Without the transport's own parameters, which are kept in `parameters`.
+  // Without requests for the transport's own parameters, which are kept in `parameters`.
   std::vector<SentRequest> requests;
   std::vector<std::string> parameter_log;
   std::map<std::string, std::string> parameters = {{"dispmsg", "1"}};

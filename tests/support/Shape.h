@@ -1,4 +1,4 @@
-// Texts with digits that nobody can foresee.
+// Matching of texts that contain unpredictable digits.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -8,7 +8,8 @@
 
 namespace qv {
 
-// The end of a text looks like `shape`, where each '#' stands for an upper-case hexadecimal digit.
+// Matches if the end of a text looks like `shape`, where each '#' represents an upper-case
+// hexadecimal digit.
 MATCHER_P(EndsInShape, shape, std::string("ends in the shape ") + shape) {
   const std::string text = arg;
   const std::string wanted = shape;

@@ -1,4 +1,4 @@
-// Frames in one piece, as tests like them.
+// Frames as single texts, for tests.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ namespace qv {
 
 wire::Bytes BytesOfText(std::string_view text);
 
-// What there is to read, and what was written.
+// The bytes to read, and those that were written.
 struct MemoryStream final : wire::ByteStream {
   bool Read(wire::WritableBytes bytes) override;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;
@@ -27,13 +27,13 @@ struct WholeFrame {
   std::string payload = {};
 };
 
-// A file that comes along goes to `path`.
+// A file of the frame is stored as `path`.
 WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKind kind,
                         const std::string& path = "");
 wire::FrameStatus SendWhole(wire::ByteStream& stream, wire::FrameKind kind, const WholeFrame& frame,
                             wire::OutgoingFile* file = nullptr);
 
-// The bytes of a right reply with a file of 200,000 bytes.
+// Returns the bytes of a valid reply with a file of 200,000 bytes.
 std::string ReplyWithFile();
 std::string HeaderOnly(wire::FrameKind kind, std::uint64_t payload_length);
 std::string Damaged(std::string bytes, std::size_t at);

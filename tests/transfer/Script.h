@@ -1,4 +1,5 @@
-// What the scripted components are told and what they hear; one script for each of their libraries.
+// The script of the scripted components, and what they receive; one script for each of their
+// libraries.
 #pragma once
 
 #include <cstdint>
@@ -8,21 +9,21 @@
 
 namespace qv::test {
 
-// What a component was given, as text.
+// An argument of a component, as text.
 inline std::string Shown(const char* text) { return text; }
 inline std::string Shown(long number) { return std::to_string(number); }
-std::string Shown(const wchar_t* text);  // of components that take such texts, in UTF-8
+std::string Shown(const wchar_t* text);  // for components that take wide texts; in UTF-8
 
 struct Script {
   int factory_calls = 0;
-  bool absent = false;  // the factory gives no object
+  bool absent = false;  // the factory returns no object
   int alive = 0;
   std::vector<std::string> calls;                // "Method a,b,c"
-  std::map<std::string, std::int32_t> hresults;  // by method; 0 when there is none
+  std::map<std::string, std::int32_t> hresults;  // by method; 0 if there is none
   std::map<std::string, long> results;           // the out values, likewise
   std::map<std::string, long> answers;           // to questions about files, by path
   long other_answer = 1;
-  bool silent = false;                 // says nothing about failures, where others do
+  bool silent = false;                 // reports no error information, unlike other components
   std::vector<std::string> questions;  // for interfaces, where there are such
 
   template <class... Args>
@@ -31,7 +32,7 @@ struct Script {
     ((call += (call == method ? " " : ",") + Shown(args)), ...);
     calls.push_back(call);
     const std::int32_t result = hresults[method];
-    // One that fails leaves something there that nobody may use.
+    // A failing call leaves a value there that nobody may use.
     if (out != nullptr) *out = result < 0 ? 666 : results[method];
     return result;
   }
@@ -43,7 +44,7 @@ struct Script {
   }
 };
 
-// What each library offers under the name "TheScript".
+// Each library exports this as "TheScript".
 using TheScript = Script*();
 
 }  // namespace qv::test

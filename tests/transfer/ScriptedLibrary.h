@@ -1,4 +1,4 @@
-// The library of a scripted component, and what differs between systems about it.
+// The library of a scripted component, and how systems differ about it.
 #pragma once
 
 #include "Script.h"
@@ -6,7 +6,7 @@
 
 namespace qv::test {
 
-// Holds the library loaded, in a way that the component can be had from it and from nowhere else.
+// Keeps the library loaded, so that the component is available from it and from nowhere else.
 class ScriptedLibrary {
  public:
   explicit ScriptedLibrary(const char* name);
@@ -21,10 +21,10 @@ class ScriptedLibrary {
   Script* script_;
 };
 
-// How often an FTP component that cannot be had is asked for by one call.
+// How often one call tries to create an FTP component that is not available.
 extern const int kTries;
 
-// Whether an error says which interface was called.
+// Whether an error names the interface that was called.
 bool Names(const _com_error& error, const ::GUID& interface_id);
 
 }  // namespace qv::test
