@@ -11,6 +11,8 @@
 #include "GzipFile.h"
 #include "QueryCache.h"
 #include "base/platform/Platform.h"
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 
 namespace qv {
 
@@ -33,7 +35,7 @@ bool IsGuid(std::string_view text) {
   if (text.size() != kGuidShape.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
-    const bool hex = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+    const bool hex = text::HexDigitValue(c) >= 0 && !text::IsLowerLetter(c);
     if (kGuidShape[i] == 'X' ? !hex : c != kGuidShape[i]) return false;
   }
   return true;

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "RunQuery.h"
-#include "base/framework/DecimalText.h"
 #include "base/platform/Platform.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/transport/QvNetClient4.h"
@@ -44,7 +44,7 @@ void TakeRow(const CRvoDbRes& row) {
   for (const auto& [column, flag, can_be_cleared] : columns) {
     const CString value = row[column];
     if (value.IsEmpty()) continue;
-    const bool is_set = qv::DecimalToInt32(value.View()) == 1;
+    const bool is_set = qv::text::DecimalToInt32(value.View()) == 1;
     if (is_set || can_be_cleared) flag = is_set ? 1 : 0;
   }
 }

@@ -6,7 +6,7 @@
 #include <new>
 
 #include "TransferCall.h"
-#include "base/framework/DecimalText.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/QvRvoBuf.h"
 #include "qvnetcall/RvoFolderEx.h"
 #include "server/CatalogueCall.h"
@@ -46,7 +46,7 @@ bool IsRange(int option, int from, int to) {
 
 // Fills `buffer` with the reply's listing, whose bytes are not checked.
 bool ReadPage(qv::CatalogueCall& call, CQvRvoBuf& buffer) {
-  const std::int32_t size = qv::DecimalToInt32(call.Text().View());
+  const std::int32_t size = qv::text::DecimalToInt32(call.Text().View());
   if (size <= 0) return false;
   // A size that no reply holds is treated as out of memory: the buffer is empty then.
   const bool can_be_had = static_cast<std::uint64_t>(size) <= qv::kMostRecordBytes;

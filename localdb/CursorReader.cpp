@@ -1,10 +1,9 @@
 #include "CursorReader.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
-#include "base/framework/DecimalText.h"
+#include "base/text/Numbers.h"
 #include "resultset/CellText.h"
 #include "resultset/CellValue.h"
 
@@ -15,13 +14,6 @@ namespace {
 using odbc::CellState;
 using odbc::ColumnKind;
 using odbc::Step;
-
-template <class Wide>
-std::int32_t HeldWithin32Bits(Wide value) {
-  using Limits = std::numeric_limits<std::int32_t>;
-  if (std::cmp_greater(value, Limits::max())) return Limits::max();
-  return std::cmp_less(value, Limits::min()) ? Limits::min() : static_cast<std::int32_t>(value);
-}
 
 std::uint8_t TypeOf(ColumnKind kind) {
   switch (kind) {
@@ -86,7 +78,7 @@ CursorReader::Target CursorReader::TargetFor(const odbc::Column& from) {
   Column column;
   column.name = from.name;
   column.type = TypeOf(from.kind);
-  column.declared_length = HeldWithin32Bits(from.size);
+  column.declared_length = text::SaturatedTo32Bits(from.size);
   column.cells = CellsFor(column.type);
   const Append append = AppenderFor(column);
   return {append, std::move(column)};
@@ -128,7 +120,7 @@ void CursorReader::MoveTo(ResultTable& table) {
     AppendNeutral(column.cells, rows_);
   }
   for (Target& target : targets_) {
-    target.column.display_length = HeldWithin32Bits(target.longest);
+    target.column.display_length = text::SaturatedTo32Bits(target.longest);
     table.AddColumn(std::move(target.column));
   }
   targets_.clear();
@@ -140,7 +132,7 @@ std::optional<std::size_t> CursorReader::AppendBoolean(std::size_t index, Cells&
   if (state == CellState::kFailed) return std::nullopt;
   if (state == CellState::kMisfit) {
     const std::string_view text = MisfitText(index);
-    value = ParseBoolean(text) != 0 || DecimalToInt32(text) != 0;
+    value = ParseBoolean(text) != 0 || text::DecimalToInt32(text) != 0;
   }
   std::get<IntCells>(cells).push_back(value ? 1 : 0);
   return 1;
@@ -150,8 +142,8 @@ std::optional<std::size_t> CursorReader::AppendInteger(std::size_t index, Cells&
   std::int64_t value = 0;
   const CellState state = statement_.ReadInteger(index, value, diagnostics_);
   if (state == CellState::kFailed) return std::nullopt;
-  if (state == CellState::kMisfit) value = DecimalToInt32(MisfitText(index));
-  const std::int32_t held = HeldWithin32Bits(value);
+  if (state == CellState::kMisfit) value = text::DecimalToInt32(MisfitText(index));
+  const std::int32_t held = text::SaturatedTo32Bits(value);
   std::get<IntCells>(cells).push_back(held);
   return static_cast<std::size_t>(DecimalLength(held));
 }

@@ -7,8 +7,8 @@
 #include <cstdio>
 
 #include "ResultTable.h"
-#include "base/framework/DecimalText.h"
 #include "base/platform/Platform.h"
+#include "base/text/Letters.h"
 
 namespace qv {
 
@@ -117,7 +117,7 @@ std::vector<unsigned char> DecodeBase64(std::string_view text) {
   std::uint32_t bits = 0;
   unsigned held = 0;
   for (const char c : text) {
-    if (IsSpace(c)) continue;
+    if (text::IsSpace(c)) continue;
     const std::uint32_t digit = kBase64Digits[static_cast<unsigned char>(c)];
     if (digit >= 64) break;
     bits = bits << 6 | digit;

@@ -9,20 +9,15 @@
 
 #include "ByteScan.h"
 #include "CellText.h"
-#include "base/framework/DecimalText.h"
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 
 namespace qv {
 
 namespace {
 
 std::string_view WithoutLeadingSpace(std::string_view text) {
-  while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
-  return text;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  text = WithoutLeadingSpace(text);
-  while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+  while (!text.empty() && text::IsSpace(text.front())) text.remove_prefix(1);
   return text;
 }
 
@@ -73,8 +68,8 @@ bool ReadDigits(const char* text, DateFields& fields) {
   // Zeros replace the separators: "YYYY-MM-" and "DD HH:MM" become numbers of eight digits.
   const std::uint64_t date = (LoadWord(text) & 0x00FFFF00FFFFFFFFu) | 0x3000003000000000u;
   const std::uint64_t time = (LoadWord(text + 8) & 0xFFFF00FFFF00FFFFu) | 0x0000300000300000u;
-  const std::uint32_t tens = Digit(text[17]);
-  const std::uint32_t ones = Digit(text[18]);
+  const std::uint32_t tens = text::DigitValue(text[17]);
+  const std::uint32_t ones = text::DigitValue(text[18]);
   if (!AreDigits(date) || !AreDigits(time) || tens > 9 || ones > 9) return false;
   const auto year_month = static_cast<std::int32_t>(EightDigits(date));
   const auto day_time = static_cast<std::int32_t>(EightDigits(time));
@@ -87,7 +82,7 @@ bool ReadDigits(const char* text, DateFields& fields) {
 // Reads the number at the start of each field.
 void ReadNumbers(std::string_view text, DateFields& fields) {
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    fields[i] = DecimalToInt32(text.substr(kFieldStarts[i], i == 0 ? 4 : 2));
+    fields[i] = text::DecimalToInt32(text.substr(kFieldStarts[i], i == 0 ? 4 : 2));
   }
 }
 
@@ -178,18 +173,18 @@ DateValue ParseDate(std::string_view text) {
 
 std::int32_t ParseInteger(std::string_view text) {
   constexpr std::uint64_t kZeros = 0x3030303030303030u;
-  if (text.empty() || text.size() > sizeof(std::uint64_t)) return DecimalToInt32(text);
+  if (text.empty() || text.size() > sizeof(std::uint64_t)) return text::DecimalToInt32(text);
   // The digits move to the end of the word, behind zeros.
   const unsigned unused = 64 - static_cast<unsigned>(text.size()) * 8;
   const std::uint64_t zeros = unused == 0 ? 0 : kZeros >> (64 - unused);
   const std::uint64_t word = LoadWord(text.data()) << unused | zeros;
-  if (!AreDigits(word)) return DecimalToInt32(text);
+  if (!AreDigits(word)) return text::DecimalToInt32(text);
   return static_cast<std::int32_t>(EightDigits(word));
 }
 
 std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities) {
   // No entity represents white space, so trimming first has the same effect and is cheaper.
-  text = Trimmed(text);
+  text = text::Trimmed(text);
   const char* const end = text.data() + text.size();
   if (!may_have_entities || text.empty() || FindByte(text.data(), end, '&') == end) {
     cells.AppendFromBuffer(text);

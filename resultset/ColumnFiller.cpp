@@ -1,11 +1,11 @@
 #include "ColumnFiller.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "CellText.h"
 #include "CellValue.h"
 #include "FileText.h"
+#include "base/text/Numbers.h"
 
 namespace qv {
 
@@ -42,9 +42,8 @@ ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCe
 }
 
 ColumnFiller::~ColumnFiller() {
-  constexpr std::size_t kMaxLength = std::numeric_limits<std::int32_t>::max();
   for (const Sink& sink : sinks_) {
-    sink.column->display_length = static_cast<std::int32_t>(std::min(sink.longest, kMaxLength));
+    sink.column->display_length = text::SaturatedTo32Bits(sink.longest);
   }
 }
 

@@ -1,19 +1,11 @@
 #include "ResultTable.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
+#include "base/text/Numbers.h"
+
 namespace qv {
-
-namespace {
-
-std::int32_t HeldWithin32Bits(std::size_t count) {
-  constexpr std::size_t kMax = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min(count, kMax));
-}
-
-}  // namespace
 
 Column& ResultTable::AddColumn(Column column) {
   columns_.push_back(std::move(column));
@@ -32,10 +24,10 @@ void ResultTable::RemoveColumn(std::int32_t index) {
 }
 
 std::int32_t ResultTable::RowCount() const {
-  return columns_.empty() ? 0 : HeldWithin32Bits(columns_.front().Rows());
+  return columns_.empty() ? 0 : text::SaturatedTo32Bits(columns_.front().Rows());
 }
 
-std::int32_t ResultTable::ColumnCount() const { return HeldWithin32Bits(columns_.size()); }
+std::int32_t ResultTable::ColumnCount() const { return text::SaturatedTo32Bits(columns_.size()); }
 
 std::int32_t ResultTable::IndexOf(std::string_view name) const {
   const std::size_t found = names_.Find(name);

@@ -5,7 +5,7 @@
 #include "AttributeScanner.h"
 #include "ColumnFiller.h"
 #include "FileText.h"
-#include "base/framework/DecimalText.h"
+#include "base/text/Numbers.h"
 
 namespace qv {
 
@@ -48,7 +48,7 @@ void DefineColumn(const AttributeList& attributes, ResultTable& table) {
   Column& column = table.AddColumn({.name = std::string(name)});
   column.type = TypeOf(attributes);
   // A missing attribute is the empty text, which converts to 0.
-  column.declared_length = DecimalToInt32(attributes.Value("dt:maxLength"));
+  column.declared_length = text::DecimalToInt32(attributes.Value("dt:maxLength"));
 }
 
 // `schema` is the text between the element type's markers.

@@ -8,8 +8,8 @@
 
 #include "CellText.h"
 #include "ResultTable.h"
-#include "base/framework/DecimalText.h"
 #include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/framework/InvalidArgException.h"
 
 using qv::Column;
@@ -57,7 +57,7 @@ long IntOf(const Column* column, int row) {
   if (const auto* const ints = CellsAs<IntCells>(column)) return (*ints)[index];
   if (const auto* const doubles = CellsAs<DoubleCells>(column)) return RoundUp((*doubles)[index]);
   if (const auto* const texts = CellsAs<TextCells>(column)) {
-    return qv::DecimalToInt32((*texts)[index]);
+    return qv::text::DecimalToInt32((*texts)[index]);
   }
   return 0;
 }
@@ -83,8 +83,7 @@ class ReplacedTexts {
     cells_.push_back(text);
   }
   void MoveTo(Column& column) {
-    constexpr std::size_t kMax = std::numeric_limits<std::int32_t>::max();
-    column.display_length = static_cast<std::int32_t>(std::min(longest_, kMax));
+    column.display_length = qv::text::SaturatedTo32Bits(longest_);
     column.cells = std::move(cells_);
   }
 

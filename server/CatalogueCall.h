@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "Exchange.h"
-#include "base/framework/DecimalText.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/framework/String.h"
 
@@ -41,7 +41,7 @@ class CatalogueCall {
   // the request was not delivered; every other result of the transport counts as delivered.
   [[nodiscard]] std::optional<std::int32_t> Ask() {
     if (exchange_.Send() == result::kNotDelivered) return {};
-    return DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
+    return text::DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
   }
 
   // Returns the reply's next field as a text; empty if it cannot be read.

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "base/framework/DecimalText.h"
+#include "base/text/Numbers.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ class LineReader {
     if (!line.empty()) line.remove_suffix(1);
     out = CString(line);
   }
-  void Read(int& out) { out = qv::DecimalToInt32(Next()); }
+  void Read(int& out) { out = qv::text::DecimalToInt32(Next()); }
 
  private:
   // After the end of the file the buffer keeps the last line.

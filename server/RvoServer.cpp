@@ -7,8 +7,8 @@
 #include "Exchange.h"
 #include "ModuleState.h"
 #include "ServerType.h"
-#include "base/framework/DecimalText.h"
 #include "base/platform/Platform.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "qvnetcall/transport/QvNetClient4.h"
@@ -42,7 +42,7 @@ std::uint32_t ToPort(std::uint64_t port) {
 
 // Reads the flag at the start of a reply.
 bool FlagIsSet(CMsgContent& reply) {
-  return qv::DecimalToInt32(reply.GetString(nullptr).View()) == 1;
+  return qv::text::DecimalToInt32(reply.GetString(nullptr).View()) == 1;
 }
 
 std::string ConfiguredServerType() {

@@ -1,17 +1,14 @@
 // The calls of CRvoServer that query the server about itself and about the client program, and that
 // write to its log.
-#include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "base/framework/DecimalText.h"
-
 #include "CatalogueCall.h"
 #include "ModuleState.h"
 #include "ServerType.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoServer.h"
 
@@ -26,8 +23,6 @@ constexpr CatalogueCommand kSubStores{6009};      // text name; the records
 constexpr CatalogueCommand kConnectionText{710};  // text database; text connection
 // Kind, text; the reply starts with a status word instead of a number.
 constexpr std::uint32_t kAppendLog = 4;
-
-constexpr std::uint32_t kMaxPort = std::numeric_limits<std::int32_t>::max();
 
 // The longest log text; longer ones are cut.
 constexpr std::size_t kLongestLog = 10239;
@@ -52,7 +47,7 @@ std::string_view CutLog(std::string_view text) {
   return text;
 }
 
-int Number(const CString& text) { return qv::DecimalToInt32(text.View()); }
+int Number(const CString& text) { return qv::text::DecimalToInt32(text.View()); }
 
 }  // namespace
 
@@ -61,7 +56,7 @@ int CRvoServer::GetQvNetExeInfo(CQvNetExeInfo* info) {
   const std::optional<std::int32_t> flag = call.Ask();
   const qv::ModuleState& state = qv::ModuleState::Get();
   info->m_server = CString(std::string_view(state.server_name));
-  info->m_port = static_cast<int>(std::min<std::uint32_t>(state.server_port, kMaxPort));
+  info->m_port = qv::text::SaturatedTo32Bits(state.server_port);
   if (flag != 1) return 0;
   info->m_text1 = call.Text();
   info->m_number2 = Number(call.Text());
