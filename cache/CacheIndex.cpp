@@ -77,7 +77,7 @@ bool MoveAside(const std::string& path) {
   return true;
 }
 
-// Prevents that anything in the file does more than hold rows.
+// Restricts the file to holding rows: nothing in it may run.
 void Restrict(sqlite3* database) {
   sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
