@@ -26,21 +26,12 @@ std::uint64_t LoadShort(std::string_view name) noexcept {
   return std::uint64_t{last} << 32 | first;
 }
 
-// How many words lie between the first and the last, the last of them perhaps overlapping it.
-std::size_t MiddleWords(std::size_t size) noexcept {
-  return size > 2 * kWord ? (size - kWord - 1) / kWord : 0;
-}
-
-std::uint64_t LoadMiddle(std::string_view name, std::size_t index) noexcept {
-  return LoadWord(name.data() + (index + 1) * kWord);
-}
-
 }  // namespace
 
 NameIndex::Ends::Ends(std::string_view name) noexcept
     : size(name.size()),
       head(size < kWord ? LoadShort(name) : LoadWord(name.data())),
-      tail(size <= kWord ? 0 : LoadWord(name.data() + size - kWord)) {}
+      tail(size < kWord ? 0 : LoadWord(name.data() + size - kWord)) {}
 
 // Sets the bit of every byte that could tell the cases of a letter apart. That folds more than
 // letters, so a few more names collide.
@@ -54,8 +45,10 @@ std::uint64_t NameIndex::Ends::Hash() const noexcept {
 
 bool NameIndex::Entry::Equals(std::string_view name, const Ends& ends) const noexcept {
   if (size != ends.size || !head.Equals(ends.head) || !tail.Equals(ends.tail)) return false;
-  for (std::size_t i = 0; i < middle.size(); ++i) {
-    if (!middle[i].Equals(LoadMiddle(name, i))) return false;
+  const char* p = name.data();
+  for (const FoldedWord& word : middle) {
+    p += kWord;
+    if (!word.Equals(LoadWord(p))) return false;
   }
   return true;
 }
@@ -68,8 +61,8 @@ void NameIndex::Add(std::string_view name) {
   const Ends bits(case_bits);
   Entry entry{ends.size, {ends.head, bits.head}, {ends.tail, bits.tail}, {}, ends.Hash(),
               kNotFound};
-  for (std::size_t i = 0; i < MiddleWords(name.size()); ++i) {
-    entry.middle.push_back({LoadMiddle(folded, i), LoadMiddle(case_bits, i)});
+  for (std::size_t at = kWord; at + kWord < name.size(); at += kWord) {
+    entry.middle.push_back({LoadWord(folded.data() + at), LoadWord(case_bits.data() + at)});
   }
   if (entries_.size() * 2 >= chains_.size()) Grow();
   entries_.push_back(std::move(entry));

@@ -46,7 +46,7 @@ class NameIndex {
     std::size_t size;
     FoldedWord head;
     FoldedWord tail;
-    std::vector<FoldedWord> middle;
+    std::vector<FoldedWord> middle;  // words between the ends; the last may overlap the tail
     std::uint64_t hash;
     std::size_t next;  // entry of the same chain, or kNotFound
   };
