@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "Cells.h"
 #include "RecordsetFiles.h"
 #include "Subjects.h"
 
@@ -97,6 +98,7 @@ void Measure(const Options& options) {
   };
   prepare(Dialect::kRowset, options.rowset_files);
   prepare(Dialect::kSchema, options.schema_files);
+  RegisterCells();
   benchmark::RunSpecifiedBenchmarks();
 }
 
