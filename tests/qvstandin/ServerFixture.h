@@ -1,4 +1,4 @@
-// A server in a folder of its own, and what its clients send.
+// A server in a folder of its own, and clients that send raw bytes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -38,21 +38,21 @@ class RawClient {
     stream_.Peer().connect({boost::asio::ip::make_address("127.0.0.1"), port});
   }
 
-  // False when the server would not take it.
+  // Returns false if the server did not receive them.
   bool Send(const std::string& bytes) { return stream_.Write({BytesOfText(bytes)}); }
-  // So many bytes, or none.
+  // Returns `length` bytes, or none if they did not come.
   std::string Read(std::size_t length) {
     std::string bytes(length, '\0');
     const wire::WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
     return stream_.Read(room) ? bytes : "";
   }
-  // The reply's fields, when a whole frame comes; its file goes to `path`.
+  // Returns the reply's fields if a whole frame comes. Its file goes to `path`.
   std::vector<std::string> Fields(const std::string& path = {}) {
     const WholeFrame reply = ReceiveWhole(stream_, wire::FrameKind::kReply, path);
     return reply.status == wire::FrameStatus::kDone ? FieldsOf(reply.payload)
                                                     : std::vector<std::string>();
   }
-  // The first of them.
+  // Returns the first of the reply's fields.
   std::string Status(const std::string& path = {}) {
     const auto fields = Fields(path);
     return fields.empty() ? "" : fields[0];

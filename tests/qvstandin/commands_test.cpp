@@ -1,4 +1,4 @@
-// Each command's reply, and what clients may not do, without a network.
+// Tests each command's reply, and what is forbidden to clients, without a network.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ class CommandsTest : public testing::Test {
     return Answer(services_, {command, FieldReader(writer.Payload()), limit});
   }
 
-  // The rows of a query's answer inside the reply.
+  // Returns the rows of a query whose answer is inside the reply.
   ReferenceTable Rows(std::uint32_t command, const std::string& database, const std::string& sql) {
     const Reply reply = Ask(command, {database, sql});
     FieldReader fields(reply.fields.Payload());
@@ -51,7 +51,7 @@ class CommandsTest : public testing::Test {
     return table.columns.empty() ? -1 : std::get<std::int32_t>(table.columns[0].cells.at(0));
   }
 
-  // The numbers behind "FAILURE".
+  // Returns the numbers after "FAILURE".
   static std::vector<std::int32_t> Refusal(const Reply& reply) {
     FieldReader fields(reply.fields.Payload());
     EXPECT_EQ(fields.Text(), "FAILURE");

@@ -1,4 +1,5 @@
-// databases.json: what is taken from it, what stops the server, and what clients may learn.
+// Tests databases.json: its settings, the errors that stop the server, and what clients can see of
+// it.
 #include "tools/qvstandin/databases/DatabaseSettings.h"
 
 #include <gmock/gmock.h>

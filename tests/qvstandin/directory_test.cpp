@@ -1,4 +1,4 @@
-// Groups, users and departments, without a network.
+// Tests the commands on groups, users and departments without a network.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -16,7 +16,7 @@ class DirectoryTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(data_.Prepare().Ok()); }
 
-  // The number and, behind it, what each record says; "-3" when there is a text with it.
+  // Returns the number and the content of each record; "-3" if the reply is a refusal with a text.
   std::string Ask(std::uint32_t command, const std::vector<std::string>& texts = {}) {
     FieldWriter writer;
     for (const std::string& text : texts) writer.Text(text);

@@ -1,4 +1,4 @@
-// What clients can and cannot reach in the stores, without a network.
+// Tests what clients can and cannot reach in the stores, without a network.
 #include "tools/qvstandin/stores/FileStore.h"
 
 #include <gmock/gmock.h>
@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Each is tried as a whole path, as a folder above a file, and as a file in a folder.
+// Each name is tried as a whole path, as a folder above a file, and as a file in a folder.
 constexpr char kBadNames[] =
     ";.;..;...;. .;.. ; ;a.;a ;a..;/;\\;/a;\\a;a/;a\\;a//b;a\\\\b;a/../b;a\\..\\b;../a;..\\a;./a;"
     "a/./b;a/.. "
@@ -35,7 +35,7 @@ constexpr char kBadNames[] =
     "a\rb;a\tb;\1;a\x7f;a*;a?b;\"a\";<a>;a|b;CON;con;PRN;AUX;nul;NUL.txt;Aux .x;COM1;com9.dwg;LPT0;"
     "lpt5;COM\u00B2;CONIN$;conout$;a/CON/b;link;link/inside;loop;drawings/link/x;pipe";
 
-// Those of them that are only there where the system has such things.
+// The names above that exist only if the system supports links and pipes.
 const std::set<std::string> kLinks{"link", "loop", "pipe"};
 
 std::vector<std::string> BadNames() {
@@ -71,7 +71,7 @@ class FileStoreTest : public testing::Test {
     return names;
   }
 
-  bool links_ = false;  // whether there are any, and pipes
+  bool links_ = false;  // whether the system supports links and pipes
   const TempFolder folder_;
   DataFolder data_{(folder_.Path() / "data").string()};
   WorkLimit limit_{std::chrono::seconds(30), [] { return false; }};
@@ -91,7 +91,7 @@ TEST_F(FileStoreTest, NothingLeadsOutOfTheStores) {
   for (const std::string& bad : BadNames()) {
     if (!links_ && kLinks.count(bad) != 0) continue;
     for (const std::string& path : {bad, bad + "/x", "drawings\\" + bad}) {
-      // What is left of these behind a folder leads to nothing, or to something harmless.
+      // After a folder's name, these lead to nothing or to something harmless.
       if (path == "drawings\\pipe" || path == "drawings\\loop") continue;
       EXPECT_FALSE(files.Put(path, upload).Ok()) << path;
       EXPECT_FALSE(files.Open(path, opened).Ok()) << path;
@@ -104,7 +104,7 @@ TEST_F(FileStoreTest, NothingLeadsOutOfTheStores) {
       EXPECT_FALSE(files.DeleteFolder(path).Ok()) << path;
       EXPECT_EQ(Names(path, "*").front(), path == "." ? "readme.txt" : "refused") << path;
     }
-    // There are no links in the other store, and a name is not a path there.
+    // The other store contains no links, and its names are not paths.
     if (kLinks.count(bad) != 0) continue;
     EXPECT_EQ(data_.Ids().Put({7, bad}, upload).code, ErrorCode::kBadName) << bad;
     EXPECT_EQ(data_.Ids().Open({7, bad}, opened).code, ErrorCode::kBadName) << bad;

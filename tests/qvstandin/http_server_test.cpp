@@ -1,4 +1,4 @@
-// The server over HTTP, spoken by hand.
+// Tests the server over HTTP with handwritten requests.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ std::string Chunk(const std::string& bytes) {
 }
 
 struct HttpReply {
-  std::string status;  // "200"; empty when none came
+  std::string status;  // "200"; empty if no reply came
   std::string head;
   std::string body;
 
@@ -47,7 +47,8 @@ struct HttpReply {
     const std::size_t start = at + name.size() + 4;
     return head.substr(start, head.find("\r\n", start) - start);
   }
-  // The fields of the frame that the body is, and nothing but that; a file goes to `path`.
+  // Returns the fields of the frame in the body, which must contain nothing else. Its file goes to
+  // `path`.
   [[nodiscard]] std::vector<std::string> Fields(const std::string& path = {}) const {
     MemoryStream stream;
     stream.unread = body;
@@ -84,7 +85,7 @@ class HttpServerTest : public ServerTest {
  protected:
   HttpServerTest() { options_.http_port = 0; }
 
-  // A new client of the HTTP port.
+  // Returns a new client of the HTTP port.
   HttpClient Client() { return HttpClient(server_->HttpPort()); }
   HttpReply Ask(const std::string& bytes) { return Client().Ask(bytes); }
 };
@@ -168,7 +169,7 @@ TEST_F(HttpServerTest, WantsATokenOrTheOneThatItHandedOut) {
 }
 
 TEST_F(HttpServerTest, RefusesWhatItDoesNotServe) {
-  // What becomes of the connection; kMalformed closes it and counts.
+  // What happens to the connection. kMalformed: it is closed and counted.
   enum Then { kStays, kCloses, kMalformed };
   struct Case {
     std::string request;
@@ -225,8 +226,8 @@ TEST_F(HttpServerTest, RefusesWhatItDoesNotServe) {
   EXPECT_EQ(Ask("PUT /qvcall" + get).Value("Allow"), "POST");
 }
 
-// Whatever two readers could take for different lengths of a body ends the connection, so that no
-// part of a body can pass for a request of its own.
+// If two readers could see different lengths of a body, the connection ends, so that no part of a
+// body can be taken for another request.
 TEST_F(HttpServerTest, TakesNoBodyThatCouldEndElsewhere) {
   const std::string length = Length(kPing.size());
   const std::string chunk = Chunk(kPing);

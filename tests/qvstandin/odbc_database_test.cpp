@@ -1,4 +1,4 @@
-// One interface over two engines: what clients see must not depend on where a database lives.
+// Tests one interface over two engines: clients must not see which engine keeps a database.
 #include "tools/qvstandin/databases/OdbcDatabase.h"
 
 #include <gmock/gmock.h>
@@ -30,14 +30,14 @@ constexpr const char* kAnsi = "PostgreSQL ANSI";
 
 std::string Source(const char* script) { return std::string(QV_STANDIN_DATA) + "/" + script; }
 
-// An empty database with the types that the sample's tables need.
+// Creates an empty database with the types that the sample's tables need.
 void EmptyPostgres() {
   const PostgresServer& server = PostgresServer::Shared();
   ASSERT_TRUE(server.Run({"-c", "DROP SCHEMA public CASCADE", "-c", "CREATE SCHEMA public", "-f",
                           Source("postgresql.sql")}));
 }
 
-// Keeps an answer as text; nulls are "-".
+// Stores an answer as text; nulls are "-".
 class Kept : public RowSink {
  public:
   bool Begin(const std::vector<Column>& columns) override {
@@ -86,7 +86,7 @@ class DatabasesTest : public testing::TestWithParam<const char*> {
   Outcome Query(const std::string& sql, Kept& kept) {
     return With([&](Database& database) { return database.Query(sql, kept); });
   }
-  // The rows of a query that succeeds.
+  // Returns the rows of a query, which must succeed.
   std::vector<std::vector<std::string>> Rows(const std::string& sql) {
     Kept kept;
     const Outcome outcome = Query(sql, kept);
@@ -136,7 +136,7 @@ TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
     const bool is_text = column.kind == ColumnKind::kText || column.kind == ColumnKind::kFixedText;
     columns.emplace_back(column.name, column.kind, is_text ? column.length : 0);
   }
-  if (GetParam() == std::string_view(kSqliteByOdbc)) {  // which knows fewer types
+  if (GetParam() == std::string_view(kSqliteByOdbc)) {  // has fewer types
     std::get<1>(columns.at(5)) = ColumnKind::kSingle;
     std::get<1>(columns.at(9)) = ColumnKind::kFixedText;
   }
@@ -151,8 +151,8 @@ TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
                                    Facts{"y", Kind::kBinary, 0}));
   ASSERT_EQ(kept.rows.size(), 3U);
   auto row = kept.rows[0];
-  row[6].resize(4);  // PostgreSQL keeps the zeros behind
-  row[9].resize(5);  // and the blanks
+  row[6].resize(4);  // PostgreSQL keeps trailing zeros
+  row[9].resize(5);  // and blanks
   EXPECT_THAT(row, ElementsAre("2147483647", "9223372036854775807", "-32768", "True", "0.1", "0.1",
                                "12.5", "2024-02-29T00:00:00", "1962-05-17T23:59:58", "ab图",
                                "it&#x27;s \\", "第一行\n&#x3c;&#x26;&#x22;&#x3e;", "79e59bbe"));
@@ -276,7 +276,7 @@ TEST_P(PostgresTest, CallsFunctionsAndProcedures) {
 
 TEST_P(PostgresTest, StopsWhileRowsComeAndWhileOthersHoldLocks) {
   ASSERT_TRUE(Execute({"create table t (i integer)", "insert into t values (1)"}).Ok());
-  // The driver fetches a hundred rows at once.
+  // The driver fetches a hundred rows at a time.
   class Leaving : public Kept {
    public:
     explicit Leaving(std::atomic<bool>& left) : left_(left) {}
@@ -317,7 +317,7 @@ TEST_P(PostgresTest, KeepsATransactionWhateverTheStatementsDoToItsSettings) {
                   .Ok());
   const char* const insert = "insert into t values (1)";
   const char* const loosen = "select set_config('standard_conforming_strings', 'off', false)";
-  // With that setting the second quote would not end the text, and the commit would be one.
+  // With that setting, the second quote would not end the text, and the commit would be executed.
   EXPECT_EQ(Execute({insert, loosen, "select '\\''; commit; --'", "select 1/0"}).code,
             ErrorCode::kSqlFailed);
   EXPECT_EQ(failed_, 4);

@@ -1,4 +1,4 @@
-// The stand-in's small parts, each on its own.
+// Tests small parts of the stand-in, each by itself.
 #include <gtest/gtest.h>
 #include <zlib.h>
 
@@ -34,7 +34,7 @@ TEST(FieldReader, TakesOnlyFieldsThatLieWholeInsideThePayload) {
   }
   const Payload good{1, 0, 0, 0, 'a', 0, 4, 0, 0, 0, 0xfe, 0xff, 0xff, 0xff, 0};
   FieldReader reader(good);
-  EXPECT_FALSE(reader.Integer());  // and the field is still there
+  EXPECT_FALSE(reader.Integer());  // the field has not been consumed
   EXPECT_EQ(reader.Text(), "a");
   EXPECT_EQ(reader.Integer(), -2);
   EXPECT_FALSE(reader.Text());

@@ -1,4 +1,4 @@
-// What the recordset writers write, read back by the slow reference reader.
+// Tests the recordset writers by reading their files with the slow reference reader.
 #include "tools/qvstandin/recordsets/RecordsetWriter.h"
 
 #include <gtest/gtest.h>
@@ -88,7 +88,7 @@ TEST(RowsetWriter, WritesValuesAsTheirColumnShowsThem) {
   struct Case {
     ColumnKind kind;
     Cell cell;
-    std::string attribute;  // empty: left out
+    std::string attribute;  // empty: the attribute is missing
   };
   const std::vector<Case> cases{
       {ColumnKind::kInt64, std::numeric_limits<std::int64_t>::min(), "-9223372036854775808"},

@@ -1,4 +1,4 @@
-// The server over real connections: frames, tokens, slow, broken and vanished clients.
+// Tests the server over real connections: frames, tokens, slow, broken and vanished clients.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

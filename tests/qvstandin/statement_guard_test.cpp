@@ -1,4 +1,4 @@
-// What clients may send an engine, and what its driver is told.
+// Tests which statements clients may send to an engine, and the settings of its driver.
 #include "tools/qvstandin/databases/ClientSql.h"
 
 #include <gmock/gmock.h>
@@ -37,13 +37,13 @@ TEST(StatementGuard, RefusesWhatCouldLeaveTheTransactionHoweverItIsHidden) {
         "call p()", "execute p", "copy t to program 'x'", "declare c cursor for select 1",
         "listen x", "pragma x", "attach 'x' as y", "{call p}", "1", "'select'", "\"select\" 1",
         "[select]", "$$select$$", "selectx", "se/**/lect 1",
-        // behind another statement
+        // after another statement
         "select 1; commit", "select 1;/* ' */commit", "select 1; -- '\n commit; --'",
         "select '/*'; commit; select '*/'", "select $a$ $b$ $a$; commit",
         "select $$'$$; commit --'", "select 1$$'$$; commit --'", "select a$$; commit; select $$",
         "select '\\'; commit; --'", "select \"'\"; commit; select \"'\"",
         "select 1 -- '\r; commit --'", "select /* /* */ ' */ 1; commit --'", "delete from t commit",
-        // where the text ends depends on what a backslash means
+        // the end of the text depends on the meaning of a backslash
         "select E'\\''; commit; --'", "select e'\\\\'", "select 1e'\\''; commit; --'",
         "select E'a'\n'\\''; commit; --'", "select E'a' -- x\n '\\''"}) {
     std::vector<std::string_view> statements;

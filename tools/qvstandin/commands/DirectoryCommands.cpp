@@ -143,7 +143,7 @@ void MakeUser(Services& services, Request& request, Reply& reply) {
     const auto mode = Decimal(fields);
     if (!name || !display_name || !mode) return FieldMissing();
     if (*mode < 0 || *mode > kLastMode) {
-      return Outcome{ErrorCode::kMalformedRequest, "the mode is 0 to 2"};
+      return Outcome{ErrorCode::kMalformedRequest, "the mode must be 0 to 2"};
     }
     return directory.MakeUser(*name, *display_name, *mode, id);
   });

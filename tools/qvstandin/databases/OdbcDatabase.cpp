@@ -105,13 +105,15 @@ OdbcDatabase::OdbcDatabase(const std::string& connection_text, WorkLimit& limit)
 Outcome OdbcDatabase::Query(const std::string& sql, RowSink& sink) {
   GuardedText query;
   if (Outcome guarded = Guarded(sql, query); !guarded.Ok()) return guarded;
-  if (query.statements.size() > 1) return {ErrorCode::kNotPermitted, "a query is one statement"};
+  if (query.statements.size() > 1) {
+    return {ErrorCode::kNotPermitted, "a query must be one statement"};
+  }
   if (Outcome begun = Begin(Work::kQuery); !begun.Ok()) return begun;
   Delivery delivery{.sink = &sink};
   Outcome outcome = Run(query.statements.front(), {}, delivery);
   connection_->Rollback(said_);
   if (!outcome.Ok() || delivery.is_done) return outcome;
-  return {ErrorCode::kNotPermitted, "a query only reads"};
+  return {ErrorCode::kNotPermitted, "a query must only read"};
 }
 
 // All texts are checked before the first of them runs.
@@ -146,7 +148,7 @@ Outcome OdbcDatabase::Call(const ProcedureCall& call, RowSink& sink) {
     outcome = Run(sql, arguments, delivery);
   }
   if (outcome.Ok() && !delivery.is_done && !sink.Begin({})) {
-    outcome = {ErrorCode::kAnswerLost, "the answer could not be kept"};
+    outcome = {ErrorCode::kAnswerLost, "the answer could not be stored"};
   }
   return End(std::move(outcome));
 }
@@ -248,7 +250,7 @@ Outcome OdbcDatabase::Run(std::string_view sql, std::span<const odbc::Argument> 
 }
 
 Outcome OdbcDatabase::Deliver(odbc::Statement& statement, RowSink& sink) {
-  const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be kept"};
+  const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be stored"};
   const std::vector<Column> columns = ColumnsOf(statement);
   if (!sink.Begin(columns)) return lost;
   OdbcCells cells(columns);

@@ -71,9 +71,9 @@ Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
   SqliteStatement statement;
   if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
   if (statement == nullptr) return {ErrorCode::kSqlFailed, "there is no statement"};
-  if (HasMore(rest, end)) return {ErrorCode::kNotPermitted, "a query is one statement"};
+  if (HasMore(rest, end)) return {ErrorCode::kNotPermitted, "a query must be one statement"};
   if (sqlite3_stmt_readonly(statement.get()) == 0 || sqlite3_column_count(statement.get()) == 0) {
-    return {ErrorCode::kNotPermitted, "a query only reads"};
+    return {ErrorCode::kNotPermitted, "a query must only read"};
   }
   return Deliver(statement.get(), sink);
 }
@@ -151,7 +151,7 @@ Outcome SqliteDatabase::Step(sqlite3_stmt* statement) {
 Outcome SqliteDatabase::Deliver(sqlite3_stmt* statement, RowSink& sink) {
   int code = sqlite3_step(statement);  // the first row tells the kind of an expression
   if (code != SQLITE_ROW && code != SQLITE_DONE) return Failure(code);
-  const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be kept"};
+  const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be stored"};
   if (!sink.Begin(ColumnsOf(statement, code == SQLITE_ROW))) return lost;
   std::vector<Cell> cells;
   for (; code == SQLITE_ROW; code = sqlite3_step(statement)) {

@@ -146,8 +146,9 @@ Outcome Directory::Run(const char* sql, Arguments arguments, std::int32_t& numbe
   const SqliteStatement statement = Prepare(sql, arguments);
   if (statement == nullptr) return Failure();
   int code = sqlite3_step(statement.get());
-  if (code == SQLITE_ROW)
+  if (code == SQLITE_ROW) {
     number = text::SaturatedTo32Bits(sqlite3_column_int64(statement.get(), 0));
+  }
   // The statement must run to its end for the change to be committed.
   while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
   return code == SQLITE_DONE ? Outcome() : Failure();

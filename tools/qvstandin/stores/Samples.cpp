@@ -110,7 +110,8 @@ Outcome CreateSampleFiles(const std::string& folder) {
   const std::string unfinished = folder + ".new";
   std::error_code error;
   std::filesystem::remove_all(platform::PathFromNarrow(unfinished), error);
-  if (!WriteAll(unfinished)) return {ErrorCode::kStoreFailed, "cannot fill " + unfinished};
+  if (!WriteAll(unfinished))
+    return {ErrorCode::kStoreFailed, "cannot create files in " + unfinished};
   std::filesystem::rename(platform::PathFromNarrow(unfinished), platform::PathFromNarrow(folder),
                           error);
   if (error) return {ErrorCode::kStoreFailed, "cannot rename a file to " + folder};
