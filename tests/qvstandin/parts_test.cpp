@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/Fields.h"
+#include "tools/qvstandin/commands/MessageFields.h"
 #include "tools/qvstandin/common/ServerLog.h"
 #include "tools/qvstandin/databases/ClientSql.h"
 #include "tools/qvstandin/databases/Database.h"
-#include "tools/qvstandin/recordsets/AnswerFile.h"
+#include "tools/qvstandin/recordsets/AnswerSpool.h"
 #include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {
@@ -95,7 +95,7 @@ TEST(GzipStream, MakesAFileThatUnpacksToWhatWasWritten) {
   for (int i = 0; i < 40000; ++i) text += std::to_string(i * 7919 % 10007);
   std::string path;
   {
-    AnswerFile file(folder.Path().string() + "/", 1000, 1 << 20);
+    AnswerSpool file(folder.Path().string() + "/", 1000, 1 << 20);
     GzipStream gzip(file);
     ASSERT_TRUE(gzip.Write(text.substr(0, 10)) && gzip.Write(text.substr(10)) && gzip.Finish());
     ASSERT_FALSE(file.InMemory());
@@ -113,14 +113,14 @@ TEST(GzipStream, MakesAFileThatUnpacksToWhatWasWritten) {
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST(AnswerFile, RefusesWhatIsTooLargeOrHasNoFolder) {
+TEST(AnswerSpool, RefusesWhatIsTooLargeOrHasNoFolder) {
   const TempFolder folder;
-  AnswerFile small(folder.Path().string() + "/", 4, 8);
+  AnswerSpool small(folder.Path().string() + "/", 4, 8);
   EXPECT_TRUE(small.Write("1234"));
   EXPECT_TRUE(small.InMemory());
   EXPECT_TRUE(small.Write("5678"));
   EXPECT_FALSE(small.Write("9"));
-  AnswerFile lost(folder.Path().string() + "/missing/", 1, 8);
+  AnswerSpool lost(folder.Path().string() + "/missing/", 1, 8);
   EXPECT_FALSE(lost.Write("12"));
   EXPECT_FALSE(lost.Write("12"));
 }

@@ -52,14 +52,14 @@ TEST(StatementGuard, RefusesWhatCouldLeaveTheTransactionHoweverItIsHidden) {
 }
 
 TEST(DriverSettings, AreAddedForKnownDrivers) {
-  const auto whole = [](const char* text, Rows rows) {
-    return WithDriverSettings(text::ConnectionText(text), rows);
+  const auto whole = [](const char* text, Fetching fetching) {
+    return WithDriverSettings(text::ConnectionText(text), fetching);
   };
-  EXPECT_EQ(whole("Driver=Other;A=b", Rows::kInPieces), "Driver=Other;A=b");
-  EXPECT_EQ(whole("A=b; DRIVER = {PostgreSQL Unicode}; fetch=7", Rows::kInPieces),
+  EXPECT_EQ(whole("Driver=Other;A=b", Fetching::kInPieces), "Driver=Other;A=b");
+  EXPECT_EQ(whole("A=b; DRIVER = {PostgreSQL Unicode}; fetch=7", Fetching::kInPieces),
             "A=b; DRIVER = {PostgreSQL Unicode}; fetch=7;BoolsAsChar=0;Protocol=7.4-1;"
             "UseDeclareFetch=1");
-  EXPECT_EQ(whole("driver=/usr/lib/psqlodbcw.so", Rows::kAtOnce),
+  EXPECT_EQ(whole("driver=/usr/lib/psqlodbcw.so", Fetching::kAtOnce),
             "driver=/usr/lib/psqlodbcw.so;BoolsAsChar=0;Protocol=7.4-1");
 }
 

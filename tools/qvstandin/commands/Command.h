@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "Fields.h"
+#include "MessageFields.h"
 #include "tools/qvstandin/common/ServerLog.h"
 #include "tools/qvstandin/common/Work.h"
-#include "tools/qvstandin/recordsets/AnswerFile.h"
+#include "tools/qvstandin/recordsets/AnswerSpool.h"
 #include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {
@@ -54,7 +54,7 @@ struct Request {
 struct Reply {
   FieldWriter fields;
   // At most one of these is set; it is sent after the fields.
-  std::unique_ptr<AnswerFile> file;
+  std::unique_ptr<AnswerSpool> file;
   std::optional<platform::OpenedFile> stored;
   // For the server's record of requests.
   std::string database;

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "tools/qvstandin/databases/Database.h"
-#include "tools/qvstandin/recordsets/AnswerFile.h"
+#include "tools/qvstandin/recordsets/AnswerSpool.h"
 #include "tools/qvstandin/recordsets/RecordsetWriter.h"
 
 namespace qv::standin {
@@ -39,13 +39,13 @@ Outcome Write(RowAnswer& rows, ByteSink& target) {
   return outcome;
 }
 
-Outcome WriteAnswer(RowAnswer& rows, AnswerFile& answer) {
+Outcome WriteAnswer(RowAnswer& rows, AnswerSpool& answer) {
   if (!rows.form.packed) return Write(rows, answer);
   GzipStream gzip(answer);
   return Write(rows, gzip);
 }
 
-void AddAnswer(std::string_view status, std::int32_t rows, std::unique_ptr<AnswerFile> answer,
+void AddAnswer(std::string_view status, std::int32_t rows, std::unique_ptr<AnswerSpool> answer,
                Reply& reply) {
   reply.fields.Text(status);
   reply.fields.Integer(rows);
@@ -68,7 +68,7 @@ void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm f
 
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
   auto answer =
-      std::make_unique<AnswerFile>(services.data.AnswerFolder(), threshold, services.answer_limit);
+      std::make_unique<AnswerSpool>(services.data.AnswerFolder(), threshold, services.answer_limit);
   RowAnswer rows{*database, *text, source, form};
   Outcome outcome = WriteAnswer(rows, *answer);
   if (!outcome.Ok()) return AddFailure(reply, std::move(outcome));

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "Fields.h"
 #include "Listings.h"
+#include "MessageFields.h"
 
 namespace qv::standin {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "Fields.h"
+#include "MessageFields.h"
 #include "tools/qvstandin/common/ByteSink.h"
 #include "tools/qvstandin/stores/StoredFiles.h"
 #include "tools/qvstandin/stores/TemporaryFile.h"

@@ -174,8 +174,8 @@ Outcome OdbcDatabase::Connect(Work work) {
       .cell_bytes = kLongestCell};
   // Statements rarely return rows, and the driver's cursor mode (UseDeclareFetch) rejects some of
   // them.
-  const Rows rows = work == Work::kStatements ? Rows::kAtOnce : Rows::kInPieces;
-  connection_ = odbc::Connection::Open(WithDriverSettings(text_, rows), limits, said_);
+  const Fetching fetching = work == Work::kStatements ? Fetching::kAtOnce : Fetching::kInPieces;
+  connection_ = odbc::Connection::Open(WithDriverSettings(text_, fetching), limits, said_);
   if (connection_ != nullptr) return {};
   Outcome outcome = Failure();
   if (outcome.code == ErrorCode::kSqlFailed) outcome.code = ErrorCode::kNoDatabase;
@@ -213,7 +213,7 @@ void OdbcDatabase::Cancel(odbc::Statement& statement, int before) const {
   constexpr odbc::Limits kShort{.login_seconds = 2, .query_seconds = 2};
   odbc::Diagnostics ignored;
   const auto other =
-      odbc::Connection::Open(WithDriverSettings(text_, Rows::kAtOnce), kShort, ignored);
+      odbc::Connection::Open(WithDriverSettings(text_, Fetching::kAtOnce), kShort, ignored);
   if (other == nullptr) return;
   const std::string sql = "SELECT pg_cancel_backend(" + std::to_string(backend_) + ")";
   static_cast<void>(odbc::Statement(*other).Execute(sql, ignored));

@@ -79,7 +79,7 @@ std::uint32_t LengthOf(ColumnKind kind, std::uint64_t size) {
 
 }  // namespace
 
-std::string WithDriverSettings(const text::ConnectionText& text, Rows rows) {
+std::string WithDriverSettings(const text::ConnectionText& text, Fetching fetching) {
   std::string whole = text.Text();
   if (!IsPostgres(text)) return whole;
   const auto add = [&](const Setting& setting) {
@@ -87,7 +87,7 @@ std::string WithDriverSettings(const text::ConnectionText& text, Rows rows) {
     whole += std::string(";") + setting.key + "=" + setting.value;
   };
   std::ranges::for_each(kForPostgres, add);
-  if (rows == Rows::kInPieces) std::ranges::for_each(kInPieces, add);
+  if (fetching == Fetching::kInPieces) std::ranges::for_each(kInPieces, add);
   return whole;
 }
 

@@ -11,14 +11,14 @@
 namespace qv::standin {
 
 // How a driver fetches rows.
-enum class Rows {
+enum class Fetching {
   kInPieces,  // so that no answer is in memory as a whole
   kAtOnce,
 };
 
 // Returns the connection text followed by the driver settings that the server needs and the text
 // does not contain.
-[[nodiscard]] std::string WithDriverSettings(const text::ConnectionText& text, Rows rows);
+[[nodiscard]] std::string WithDriverSettings(const text::ConnectionText& text, Fetching fetching);
 
 // Returns the columns of a statement's current result, as the driver declares them.
 [[nodiscard]] std::vector<Column> ColumnsOf(const odbc::Statement& statement);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Session.h"
+#include "FrameSession.h"
 #include "tools/qvstandin/commands/Command.h"
 #include "tools/qvstandin/stores/TemporaryFile.h"
 #include "transports/frame/FrameIo.h"

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "ClientStream.h"
+#include "FrameSession.h"
 #include "HttpMessage.h"
-#include "Session.h"
 #include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {

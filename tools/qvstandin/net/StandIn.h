@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "ClientStream.h"
+#include "FrameSession.h"
 #include "Listener.h"
-#include "Session.h"
 #include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {

@@ -1,4 +1,4 @@
-#include "AnswerFile.h"
+#include "AnswerSpool.h"
 
 #include <algorithm>
 #include <array>
@@ -19,15 +19,15 @@ constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // zlib counts in 3
 
 }  // namespace
 
-AnswerFile::AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit)
+AnswerSpool::AnswerSpool(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit)
     : folder_(std::move(folder)), memory_limit_(memory_limit), size_limit_(size_limit) {}
 
-AnswerFile::~AnswerFile() {
+AnswerSpool::~AnswerSpool() {
   file_ = {};  // some systems remove no file that is open
   if (!path_.empty()) platform::RemoveFile(path_);
 }
 
-bool AnswerFile::Write(std::string_view bytes) {
+bool AnswerSpool::Write(std::string_view bytes) {
   if (bytes.size() > size_limit_ - size_) return false;
   size_ += bytes.size();
   if (path_.empty() && size_ <= memory_limit_) {
@@ -38,7 +38,7 @@ bool AnswerFile::Write(std::string_view bytes) {
   return file_.Write(bytes);
 }
 
-bool AnswerFile::MoveToDisk() {
+bool AnswerSpool::MoveToDisk() {
   const std::string path = folder_ + platform::NewGuid() + kExtension;
   file_ = storage::OutputFile(path, platform::Create::kNew);
   if (!file_.IsOpen()) return false;
@@ -46,7 +46,7 @@ bool AnswerFile::MoveToDisk() {
   return file_.Write(std::exchange(bytes_, {}));
 }
 
-bool AnswerFile::Finish() { return InMemory() || file_.Close(); }
+bool AnswerSpool::Finish() { return InMemory() || file_.Close(); }
 
 GzipStream::GzipStream(ByteSink& target) : target_(target) {
   ready_ = deflateInit2(&stream_, kLevel, Z_DEFLATED, kGzipWindow, kMemoryLevel,

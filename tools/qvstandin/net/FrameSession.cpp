@@ -1,4 +1,4 @@
-#include "Session.h"
+#include "FrameSession.h"
 
 #include <cstddef>
 #include <random>

@@ -12,17 +12,17 @@
 namespace qv::standin {
 
 // Keeps an answer in memory while it is small, and in a file otherwise.
-class AnswerFile : public ByteSink {
+class AnswerSpool : public ByteSink {
  public:
   // The extension of these files.
   static constexpr const char* kExtension = ".answer";
 
   // Keeps up to `memory_limit` bytes in memory. A larger answer goes to a file in `folder`, which
   // the destructor removes. Write() fails beyond `size_limit` bytes.
-  AnswerFile(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit);
-  ~AnswerFile() override;
-  AnswerFile(const AnswerFile&) = delete;
-  AnswerFile& operator=(const AnswerFile&) = delete;
+  AnswerSpool(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit);
+  ~AnswerSpool() override;
+  AnswerSpool(const AnswerSpool&) = delete;
+  AnswerSpool& operator=(const AnswerSpool&) = delete;
 
   bool Write(std::string_view bytes) override;
   bool Finish() override;

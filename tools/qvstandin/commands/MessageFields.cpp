@@ -1,4 +1,4 @@
-#include "Fields.h"
+#include "MessageFields.h"
 
 #include <algorithm>
 
