@@ -25,7 +25,7 @@ enum class ErrorCode : std::int32_t {
   kBadName = 20,      // an invalid name of a file or folder, or an invalid identifier
   kNoFile = 21,       // no such file or folder
   kStoreFailed = 22,  // the place is taken, the folder is not empty, the disk is full, ...
-  kBadPack = 23,      // no pack file, or a damaged one
+  kBadPack = 23,      // not a pack file, or a damaged one
 };
 
 // The result of a piece of work. The text is for the server's own log; it is sent only where the

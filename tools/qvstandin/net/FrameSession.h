@@ -21,6 +21,7 @@ struct ServedCommand {
   std::chrono::milliseconds time;
 };
 
+// What all sessions of a server have in common.
 struct SessionRules {
   std::string token;        // every request must carry it; empty: no token is required
   std::string login_token;  // accepted instead over HTTP; this server hands it out

@@ -1,4 +1,4 @@
-// The stand-in server: answers the platform's commands on SQLite files in a folder.
+// The stand-in server: answers the platform's commands from the databases and files of a folder.
 #pragma once
 
 #include <atomic>

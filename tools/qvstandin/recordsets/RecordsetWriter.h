@@ -20,8 +20,7 @@ enum class BinaryForm {
 [[nodiscard]] bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell,
                                   std::string& out);
 
-// What the writers of both dialects share. It streams: it buffers a bounded amount, whatever the
-// number of rows.
+// What the writers of both dialects share. The rows are streamed through one buffer.
 //
 // Clients find cells by fixed markers. So values contain the five characters that could end them as
 // entities, and names contain none: blanks, control characters and ' " = / < > & become "_". A
