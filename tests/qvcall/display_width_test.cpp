@@ -1,4 +1,4 @@
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 
 #include <gtest/gtest.h>
 

@@ -13,9 +13,7 @@
 #include "qvnetcall/standin/Records.h"
 #include "tests/support/ScriptedTransport.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvcall/files/FolderCommands.h"
-#include "tools/qvcall/files/IdCommands.h"
-#include "tools/qvcall/files/TransferCommands.h"
+#include "tools/qvcall/files/FileCommands.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/system/LocalFiles.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvcall/queues/QueuePlan.h"
+#include "tools/qvcall/queues/QueueCommands.h"
 #include "tools/qvcall/session/Session.h"
 #include "tools/qvcall/system/LocalPath.h"
 #include "tools/qvcall/system/NarrowText.h"

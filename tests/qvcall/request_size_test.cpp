@@ -1,4 +1,4 @@
-#include "tools/qvcall/commands/RequestSize.h"
+#include "tools/qvcall/commands/SqlInput.h"
 
 #include <gtest/gtest.h>
 

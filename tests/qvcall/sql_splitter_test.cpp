@@ -1,4 +1,4 @@
-#include "tools/qvcall/commands/SqlSplitter.h"
+#include "tools/qvcall/commands/SqlInput.h"
 
 #include <gtest/gtest.h>
 

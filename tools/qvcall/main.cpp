@@ -4,18 +4,11 @@
 #include <iostream>
 #include <variant>
 
-#include "tools/qvcall/commands/Batch.h"
-#include "tools/qvcall/commands/DirectoryCommands.h"
-#include "tools/qvcall/commands/Execute.h"
-#include "tools/qvcall/commands/Ping.h"
-#include "tools/qvcall/commands/Query.h"
+#include "tools/qvcall/commands/Commands.h"
 #include "tools/qvcall/files/FileCommands.h"
-#include "tools/qvcall/files/FolderCommands.h"
-#include "tools/qvcall/files/IdCommands.h"
-#include "tools/qvcall/files/TransferCommands.h"
 #include "tools/qvcall/options/CommandLine.h"
 #include "tools/qvcall/queues/QueueCommands.h"
-#include "tools/qvcall/system/Startup.h"
+#include "tools/qvcall/system/Terminal.h"
 
 namespace {
 
@@ -26,10 +19,10 @@ int Run(int argc, char** argv) {
   const qv::tool::CommandLine& command = parsed.command;
   const qv::tool::ConnectionOptions& connection = command.connection;
   if (command.query) {
-    return qv::tool::RunQuery(connection, *command.query, std::cin, std::cout, std::cerr);
+    return qv::tool::Run(connection, *command.query, std::cin, std::cout, std::cerr);
   }
-  if (command.exec) return qv::tool::RunExec(connection, *command.exec, std::cin, std::cerr);
-  if (command.batch) return qv::tool::RunBatch(connection, *command.batch, std::cin, std::cerr);
+  if (command.exec) return qv::tool::Run(connection, *command.exec, std::cin, std::cerr);
+  if (command.batch) return qv::tool::Run(connection, *command.batch, std::cin, std::cerr);
   if (command.store) {
     return std::visit(
         [&](const auto& store) { return qv::tool::Run(connection, store, std::cout, std::cerr); },

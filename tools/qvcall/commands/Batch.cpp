@@ -1,4 +1,4 @@
-#include "Batch.h"
+#include "Commands.h"
 
 #include <fmt/ostream.h>
 
@@ -9,13 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "RequestSize.h"
 #include "SqlInput.h"
-#include "SqlSplitter.h"
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/output/ReturnCodes.h"
-#include "tools/qvcall/progress/BatchProgress.h"
+#include "tools/qvcall/progress/TransferProgress.h"
 #include "tools/qvcall/session/Session.h"
 
 namespace qv::tool {
@@ -91,8 +89,8 @@ int Send(const Statements& statements, const char* database, std::ostream& err) 
 
 }  // namespace
 
-int RunBatch(const ConnectionOptions& connection, const BatchOptions& options, std::istream& in,
-             std::ostream& err) {
+int Run(const ConnectionOptions& connection, const BatchOptions& options, std::istream& in,
+        std::ostream& err) {
   const std::optional<std::string> script = ReadScript(options.file, in);
   if (!script) {
     fmt::print(err, "qvcall: {} cannot be read, or is over 64 MB\n",

@@ -1,4 +1,4 @@
-#include "DirectoryCommands.h"
+#include "Commands.h"
 
 #include <fmt/ostream.h>
 
@@ -10,7 +10,7 @@
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/standin/Records.h"
 #include "tools/qvcall/files/StoreListing.h"
-#include "tools/qvcall/output/Columns.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/progress/ProgressLine.h"
 #include "tools/qvcall/session/Session.h"
 

@@ -1,4 +1,4 @@
-#include "Ping.h"
+#include "Commands.h"
 
 #include <fmt/ostream.h>
 

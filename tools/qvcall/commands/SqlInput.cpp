@@ -2,19 +2,27 @@
 
 #include <fmt/ostream.h>
 
+#include <algorithm>
 #include <array>
 #include <istream>
 #include <string_view>
 
+#include "base/text/SqlText.h"
 #include "tools/qvcall/options/CommandLine.h"
 
 namespace qv::tool {
 namespace {
 
+using text::SqlPart;
+
 // More than the largest request; an input without an end is not read for ever.
 constexpr std::size_t kLongestText = std::size_t{64} << 20;
 
 constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
+
+// A field is a length, its bytes and a zero.
+constexpr std::size_t FieldBytes(std::size_t length) { return length + 5; }
+constexpr std::size_t kCountBytes = 4;
 
 }  // namespace
 
@@ -43,6 +51,41 @@ int ReadStatement(const std::string& given, std::istream& in, std::string& sql, 
   if (!sql.empty() && sql.find('\0') == std::string::npos) return kDone;
   fmt::print(err, "qvcall: the statement is empty or holds a NUL byte\n");
   return kUsage;
+}
+
+std::vector<ScriptStatement> SplitStatements(std::string_view script) {
+  std::vector<ScriptStatement> statements;
+  std::size_t line = 1;
+  bool inside = false;  // the last of `statements` is still open
+  for (std::size_t at = 0; at < script.size();) {
+    const auto [part, bytes] = text::NextSqlPiece(script.substr(at), text::kAnyEngine);
+    if (part == SqlPart::kSemicolon) {
+      inside = false;
+    } else if (part != SqlPart::kBlanks && part != SqlPart::kComment) {
+      if (!inside) statements.push_back({script.substr(at, 0), line});
+      std::string_view& text = statements.back().text;
+      const std::size_t begin = static_cast<std::size_t>(text.data() - script.data());
+      text = script.substr(begin, at + bytes - begin);
+      inside = true;
+    }
+    const std::string_view piece = script.substr(at, bytes);
+    line += static_cast<std::size_t>(std::count(piece.begin(), piece.end(), '\n'));
+    at += bytes;
+  }
+  return statements;
+}
+
+RequestSize MeasureBatch(std::string_view database,
+                         const std::vector<ScriptStatement>& statements) {
+  RequestSize size{FieldBytes(database.size()) + FieldBytes(kCountBytes), 0};
+  bool has_room = true;
+  for (const ScriptStatement& statement : statements) {
+    size.bytes += FieldBytes(statement.text.size());
+    // The field that crosses the limit still goes, with all before it; those behind it are lost.
+    if (has_room) ++size.fitting;
+    has_room = has_room && size.bytes <= kRequestRoom;
+  }
+  return size;
 }
 
 }  // namespace qv::tool

@@ -8,7 +8,7 @@
 
 #include "StoreListing.h"
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/output/Columns.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/session/Session.h"
 
 namespace qv::tool {

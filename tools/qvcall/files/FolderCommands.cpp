@@ -1,4 +1,4 @@
-#include "FolderCommands.h"
+#include "FileCommands.h"
 
 #include <fmt/ostream.h>
 
@@ -6,8 +6,7 @@
 
 #include "StoreListing.h"
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/output/Columns.h"
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/session/Session.h"
 
 namespace qv::tool {

@@ -1,24 +1,44 @@
-#include "IdCommands.h"
+#include "FileCommands.h"
 
 #include <fmt/ostream.h>
+#include <zlib.h>
 
+#include <cstdint>
 #include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "FileChecksum.h"
 #include "PartFolder.h"
 #include "TransferReport.h"
+#include "base/text/Numbers.h"
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/output/Columns.h"
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/progress/TransferProgress.h"
 #include "tools/qvcall/session/Session.h"
 #include "tools/qvcall/system/LocalFiles.h"
 
 namespace qv::tool {
 namespace {
+
+// The CRC-32 of a local file; none when it cannot be read.
+std::optional<std::uint32_t> ChecksumOf(const std::string& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::vector<char> block(1U << 18U);
+  uLong sum = crc32(0, nullptr, 0);
+  while (in.read(block.data(), static_cast<std::streamsize>(block.size())) || in.gcount() > 0) {
+    sum = crc32(sum, reinterpret_cast<const Bytef*>(block.data()), static_cast<uInt>(in.gcount()));
+  }
+  if (in.bad()) return std::nullopt;
+  return static_cast<std::uint32_t>(sum);
+}
+
+// The CRC-32 that a server wrote as hexadecimal digits, at most eight; none when it is none.
+std::optional<std::uint32_t> ReadChecksum(std::string_view text) {
+  return text.size() <= 8 ? text::ParseNumber<std::uint32_t>(text, 16) : std::nullopt;
+}
 
 struct ServerChecksum {
   CString text;

@@ -1,4 +1,4 @@
-#include "TransferCommands.h"
+#include "FileCommands.h"
 
 #include <fmt/ostream.h>
 
@@ -11,7 +11,7 @@
 #include "TransferPlan.h"
 #include "TransferReport.h"
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/progress/TransferProgress.h"
 #include "tools/qvcall/session/Session.h"
 #include "tools/qvcall/system/ServerPath.h"

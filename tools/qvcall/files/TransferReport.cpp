@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/progress/ProgressLine.h"
 
 namespace qv::tool {

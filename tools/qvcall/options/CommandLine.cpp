@@ -5,10 +5,7 @@
 #include <ostream>
 #include <string>
 
-#include "OptionChecks.h"
-#include "OptionRules.h"
-#include "QueueCommandLine.h"
-#include "StoreCommandLine.h"
+#include "CommandLineParts.h"
 
 namespace qv::tool {
 namespace {

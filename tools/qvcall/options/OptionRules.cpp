@@ -1,4 +1,4 @@
-#include "OptionRules.h"
+#include "CommandLineParts.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "QueueCommandLine.h"
+#include "CommandLineParts.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "OptionChecks.h"
 #include "base/text/HostName.h"
 #include "base/text/Numbers.h"
 

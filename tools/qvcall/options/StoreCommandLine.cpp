@@ -1,4 +1,4 @@
-#include "StoreCommandLine.h"
+#include "CommandLineParts.h"
 
 #include <CLI/CLI.hpp>
 #include <limits>

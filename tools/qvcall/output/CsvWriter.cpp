@@ -1,4 +1,4 @@
-#include "CsvWriter.h"
+#include "ResultWriter.h"
 
 #include <ostream>
 #include <string>

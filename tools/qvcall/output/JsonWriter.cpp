@@ -1,4 +1,4 @@
-#include "JsonWriter.h"
+#include "ResultWriter.h"
 
 #include <nlohmann/json.hpp>
 #include <ostream>

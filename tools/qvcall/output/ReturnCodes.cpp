@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <iterator>
 
-#include "DisplayWidth.h"
+#include "DisplayText.h"
 
 namespace qv::tool {
 namespace {

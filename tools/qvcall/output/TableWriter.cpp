@@ -1,4 +1,4 @@
-#include "TableWriter.h"
+#include "ResultWriter.h"
 
 #include <algorithm>
 #include <ostream>
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "DisplayWidth.h"
+#include "DisplayText.h"
 
 namespace qv::tool {
 namespace {

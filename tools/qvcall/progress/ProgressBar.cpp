@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 
 namespace qv::tool {
 namespace {

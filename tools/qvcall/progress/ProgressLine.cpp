@@ -7,7 +7,7 @@
 #include <cmath>
 #include <initializer_list>
 
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 
 namespace qv::tool {
 namespace {

@@ -7,11 +7,12 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "ProgressBar.h"
 #include "qvnetcall/transport/NetworkProgress.h"
-#include "tools/qvcall/system/InterruptWatch.h"
-#include "tools/qvcall/system/LoadedFunction.h"
+#include "tools/qvcall/system/SystemPlaces.h"
+#include "tools/qvcall/system/Terminal.h"
 
 namespace qv::tool {
 
@@ -47,6 +48,22 @@ class TransferProgress {
 
   std::optional<std::uint64_t> total_;
   InterruptWatch watch_;  // the last, so that its words find the others
+};
+
+// Shows, while it lives, how far a batch is that this thread sends over the socket transport: on
+// its way, then in the server's hands. Who interrupts it hears what that leaves open. Shows nothing
+// when standard error is no terminal.
+class BatchProgress {
+ public:
+  // `sending` says what is sent, in `bytes`, and outlives this; `err` is standard error.
+  BatchProgress(std::string_view sending, std::uint64_t bytes, std::ostream& err);
+  ~BatchProgress();
+  BatchProgress(const BatchProgress&) = delete;
+  BatchProgress& operator=(const BatchProgress&) = delete;
+
+ private:
+  struct Shown;
+  std::unique_ptr<Shown> shown_;  // null without a terminal
 };
 
 }  // namespace qv::tool

@@ -1,7 +1,7 @@
 #include "QueueClient.h"
 
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/system/LoadedFunction.h"
+#include "tools/qvcall/system/SystemPlaces.h"
 
 namespace qv::tool {
 namespace {

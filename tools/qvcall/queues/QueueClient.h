@@ -7,6 +7,7 @@
 
 #include "qvnetcall/transfer/Extensions.h"
 #include "tools/qvcall/options/QueueOptions.h"
+#include "tools/qvcall/output/ReturnCodes.h"
 
 namespace qv::tool {
 
@@ -44,5 +45,9 @@ struct QueueExtensions {
 };
 
 [[nodiscard]] QueueExtensions ExtensionsOf(Service service);
+
+// The words for a result of any call; every value has some. A component of another maker may mean
+// something else by it.
+[[nodiscard]] ReturnCode ExplainTransfer(Service service, long result);
 
 }  // namespace qv::tool

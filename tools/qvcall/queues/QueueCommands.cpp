@@ -5,14 +5,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "Password.h"
 #include "QueueClient.h"
-#include "QueuePlan.h"
 #include "QueueProgress.h"
-#include "QueueResults.h"
 #include "qvnetcall/transfer/ComError.h"
 #include "tools/qvcall/files/TransferReport.h"
-#include "tools/qvcall/output/DisplayWidth.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/session/Session.h"
 #include "tools/qvcall/system/LocalFiles.h"
 

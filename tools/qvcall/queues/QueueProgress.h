@@ -12,7 +12,7 @@
 
 #include "QueueClient.h"
 #include "tools/qvcall/progress/ProgressBar.h"
-#include "tools/qvcall/system/InterruptWatch.h"
+#include "tools/qvcall/system/Terminal.h"
 
 namespace qv::tool {
 

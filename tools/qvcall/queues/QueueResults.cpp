@@ -1,4 +1,4 @@
-#include "QueueResults.h"
+#include "QueueClient.h"
 
 #include <algorithm>
 #include <iterator>

@@ -11,8 +11,8 @@
 #include "base/text/Letters.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
-#include "tools/qvcall/output/DisplayWidth.h"
-#include "tools/qvcall/system/LoadedFunction.h"
+#include "tools/qvcall/output/DisplayText.h"
+#include "tools/qvcall/system/SystemPlaces.h"
 
 namespace qv::tool {
 namespace {

@@ -5,10 +5,10 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
+#include <iostream>
 #include <string_view>
-
-#include "tools/qvcall/system/InterruptWatch.h"
 
 namespace qv::tool {
 namespace {
@@ -60,6 +60,18 @@ class SilentTerminal {
 };
 
 }  // namespace
+
+// A reader that went away shall be a failed write, so that the tool ends in order; so shall a limit
+// on the size of files.
+Startup::Startup() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::ios::sync_with_stdio(false);
+}
+
+Startup::~Startup() = default;
+
+bool Startup::HasWholeArguments() { return true; }
 
 std::size_t TerminalWidth() {
   if (isatty(STDERR_FILENO) == 0 || IsDumb()) return 0;

@@ -1,4 +1,4 @@
-#include "tools/qvcall/system/InterruptWatch.h"
+#include "tools/qvcall/system/Terminal.h"
 
 #include <windows.h>
 

@@ -1,5 +1,11 @@
 #include "tools/qvcall/system/SystemPlaces.h"
 
+#include <windows.h>
+// After windows.h, whose types it uses.
+#include <psapi.h>
+
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 
 #include "tools/qvcall/system/LocalPath.h"
@@ -20,5 +26,23 @@ std::string_view AdviceOnMissing(Service service) {
              ? "QvCoFtp.dll is missing beside qvcall, or could not be registered"
              : "no component for cloud stores is registered on this machine";
 }
+
+void* FindLoadedFunction(const char* name) {
+  std::array<HMODULE, 256> modules{};  // far more than this program loads
+  DWORD bytes = 0;
+  const BOOL listed =
+      ::K32EnumProcessModules(::GetCurrentProcess(), modules.data(), sizeof modules, &bytes);
+  if (listed == FALSE) return nullptr;
+  const std::size_t count = std::min<std::size_t>(bytes / sizeof(HMODULE), modules.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    if (const FARPROC found = ::GetProcAddress(modules[i], name)) {
+      return reinterpret_cast<void*>(found);
+    }
+  }
+  return nullptr;
+}
+
+// Components are classes of the system here, and have no functions beside their contract.
+void* FindComponentFunction(const char* /*component*/, const char* /*name*/) { return nullptr; }
 
 }  // namespace qv::tool

@@ -3,8 +3,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qv::tool {
 
@@ -21,5 +24,13 @@ std::size_t AppendVisible(std::string_view text, std::string& line);
 
 // `text` as it can be shown in that many cells, at least three; "..." ends what had to be cut.
 [[nodiscard]] std::string VisibleStart(std::string_view text, std::size_t cells);
+
+// Writes a line for each row, its cells aligned by display width, two blanks apart. Characters that
+// a terminal would obey are spelt out.
+void WriteColumns(const std::vector<std::vector<std::string>>& rows, std::ostream& out);
+
+// A time in seconds since 1970 UTC, as the clocks of this place show it, always as long; "?" for
+// one beyond the years that people write with four digits.
+[[nodiscard]] std::string TimeText(std::int64_t seconds);
 
 }  // namespace qv::tool

@@ -1,4 +1,4 @@
-#include "Query.h"
+#include "Commands.h"
 
 #include <fmt/ostream.h>
 
@@ -9,12 +9,21 @@
 
 #include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
-#include "tools/qvcall/session/CacheFolder.h"
 #include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/system/LocalFiles.h"
 #include "tools/qvcall/system/SystemPlaces.h"
 
 namespace qv::tool {
 namespace {
+
+// The user's own folder for kept answers, in the place where caches belong; its parents exist
+// afterwards when they can be made. None when the environment names no such place.
+std::optional<std::string> DefaultCacheFolder() {
+  const std::string caches = CachesOfUser();
+  if (caches.empty()) return std::nullopt;
+  MakeLocalFolders(caches);  // the cache itself says when it cannot use the folder
+  return JoinLocal(caches, "qvcall");
+}
 
 // Runs the text by the call that the command stands for.
 int RunText(const QueryOptions& options, const char* database, const CString& text,
@@ -98,8 +107,8 @@ bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, con
 
 }  // namespace
 
-int RunQuery(const ConnectionOptions& connection, const QueryOptions& options, std::istream& in,
-             std::ostream& out, std::ostream& err) {
+int Run(const ConnectionOptions& connection, const QueryOptions& options, std::istream& in,
+        std::ostream& out, std::ostream& err) {
   std::string sql;
   if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
   CRvoDbRes rows;
@@ -110,6 +119,22 @@ int RunQuery(const ConnectionOptions& connection, const QueryOptions& options, s
     const int count = rows.GetRecordCount();
     fmt::print(err, "({} {})\n", count, count == 1 ? "row" : "rows");
   }
+  return kDone;
+}
+
+int Run(const ConnectionOptions& connection, const ExecOptions& options, std::istream& in,
+        std::ostream& err) {
+  std::string sql;
+  if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
+  Session session(connection, options.database);
+  if (!session.Start(err)) return kFailed;
+  const CString text{std::string_view(sql)};
+  const int code = CRvoDatabase::ExecuteSQL(&text, session.Database());
+  if (code != 0) {
+    session.PrintFailure(Call::kExec, code, err);
+    return kFailed;
+  }
+  fmt::print(err, "done\n");
   return kDone;
 }
 
