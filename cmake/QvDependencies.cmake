@@ -34,6 +34,17 @@ add_library(libzip UNKNOWN IMPORTED)
 set_target_properties(libzip PROPERTIES IMPORTED_LOCATION ${LIBZIP_LIBRARY}
   INTERFACE_INCLUDE_DIRECTORIES ${LIBZIP_INCLUDE_DIR} INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)
 
+# Likewise without a package file, which Debian's does not have.
+find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
+find_library(UTF8PROC_LIBRARY NAMES utf8proc utf8proc_static REQUIRED)
+add_library(utf8proc UNKNOWN IMPORTED)
+set_target_properties(utf8proc PROPERTIES IMPORTED_LOCATION ${UTF8PROC_LIBRARY}
+  INTERFACE_INCLUDE_DIRECTORIES ${UTF8PROC_INCLUDE_DIR})
+if(WIN32)
+  # Without it, the header takes the library for a DLL. One that is a DLL still links.
+  target_compile_definitions(utf8proc INTERFACE UTF8PROC_STATIC)
+endif()
+
 if(QV_BUILD_TESTS)
   find_package(GTest REQUIRED)
   include(GoogleTest)

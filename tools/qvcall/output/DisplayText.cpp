@@ -2,25 +2,16 @@
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <utf8proc.h>
 
 #include <algorithm>
 #include <ctime>
-#include <iterator>
 #include <ostream>
-#include <span>
 
-#include "WidthRanges.h"
 #include "tools/qvcall/system/NarrowText.h"
 
 namespace qv::tool {
 namespace {
-
-bool IsIn(std::span<const CharRange> ranges, char32_t character) {
-  const auto next =
-      std::upper_bound(ranges.begin(), ranges.end(), character,
-                       [](char32_t value, const CharRange& range) { return value < range.first; });
-  return next != ranges.begin() && character <= std::prev(next)->last;
-}
 
 bool IsPlain(char ch) { return ch >= 0x20 && ch < 0x7f; }
 
@@ -54,9 +45,7 @@ std::size_t AppendSpeltOut(char32_t character, std::string& line) {
 }  // namespace
 
 int CellsOf(char32_t character) {
-  if (character < 0x300) return 1;
-  if (IsIn(kNoCell, character)) return 0;
-  return IsIn(kTwoCells, character) ? 2 : 1;
+  return utf8proc_charwidth(static_cast<utf8proc_int32_t>(character));
 }
 
 std::size_t AppendVisible(std::string_view text, std::string& line) {
