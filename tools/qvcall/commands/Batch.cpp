@@ -103,10 +103,10 @@ int Run(const ConnectionOptions& connection, const BatchOptions& options, std::i
   Session session(connection, options.database, Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   const int code = Send(statements, session.Database(), err);
-  if (code != 0) {
+  if (code != result::kSuccess) {
     session.PrintFailure(Call::kBatch, code, err);
-    if (code >= kRefusedBatch) {
-      PrintRefused(statements, static_cast<std::size_t>(code - kRefusedBatch), err);
+    if (code >= result::kBatchRefused) {
+      PrintRefused(statements, static_cast<std::size_t>(code - result::kBatchRefused), err);
     }
     return kFailed;
   }

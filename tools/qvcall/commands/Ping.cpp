@@ -24,27 +24,23 @@ int PingSocket(const Session& session, std::ostream& out, std::ostream& err) {
   return kFailed;
 }
 
-// What a query gives when nothing reached the server, and when it answers without rows.
-constexpr int kNotReached = -1;
-constexpr int kRefused = 3;
-
 // The library asks for links over sockets only; over HTTP a small query shows the same.
 int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   const CString sql("select 1");
   CRvoDbRes rows;
   const int code = CRvoDatabase::SelectSQL(&sql, &rows, "PLATDB", 0);
-  if (code == 0) {
+  if (code == result::kSuccess) {
     fmt::print(out, "{} answers\n", session.Address());
     return kDone;
   }
-  if (code == kNotReached) {
+  if (code == result::kNotDelivered) {
     fmt::print(
         err,
         "qvcall: {} cannot be reached; check --server and --http-port and, for https://, the "
         "server's certificate and --ca-file\n",
         session.Address());
-  } else if (code == kRefused) {
+  } else if (code == result::kQueryRefused) {
     fmt::print(err, "qvcall: {} can be reached, but refuses a small query; check --token\n",
                session.Address());
   } else {

@@ -44,7 +44,7 @@ void LoadSettings(const Session& session) {
 // Goes offline by choice. The server's kept settings must allow keeping answers, or the text itself
 // would go to the server after all.
 bool GoOffline(const Session& session, std::ostream& err) {
-  if (CRvoServer::SetCacheState(1) != 1) {
+  if (CRvoServer::SetCacheState(cache_state::kOfflineByChoice) != 1) {
     fmt::print(err,
                "qvcall: {} counts as a web server, by ServerType in the QvNetClient.ini beside the "
                "library or because nobody answered there, and web servers have no offline work\n",
@@ -93,12 +93,12 @@ bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, con
   if (options.use_cache && !PrepareCache(session, options, err)) return false;
 
   const int code = RunText(options, session.Database(), CString(std::string_view(sql)), rows);
-  if (code != 0) {
+  if (code != result::kSuccess) {
     session.PrintFailure(options.call, code, err);
     return false;
   }
   // An answer from the server would have brought the client back online.
-  if (options.use_cache && CRvoServer::GetCacheState(1) != 0) {
+  if (options.use_cache && CRvoServer::GetCacheState(1) != cache_state::kOnline) {
     fmt::print(err, "answered from the cache: {}\n",
                options.offline ? "working offline" : "the server cannot be reached");
   }
@@ -130,7 +130,7 @@ int Run(const ConnectionOptions& connection, const ExecOptions& options, std::is
   if (!session.Start(err)) return kFailed;
   const CString text{std::string_view(sql)};
   const int code = CRvoDatabase::ExecuteSQL(&text, session.Database());
-  if (code != 0) {
+  if (code != result::kSuccess) {
     session.PrintFailure(Call::kExec, code, err);
     return kFailed;
   }

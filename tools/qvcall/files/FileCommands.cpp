@@ -78,7 +78,7 @@ int Run(const ConnectionOptions& connection, const RemoveFiles& command, std::os
   int status = kDone;
   for (const std::string& path : command.paths) {
     const int code = CRvoFile::DeleteServerFile(path.c_str());
-    if (code == 0) continue;
+    if (code == result::kSuccess) continue;
     session.PrintFailure(Call::kRemove, code, err, path);
     status = kFailed;
   }

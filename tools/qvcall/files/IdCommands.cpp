@@ -80,7 +80,7 @@ std::optional<std::string> Fetch(const GetById& command, const PartFolder& parts
   const int code =
       CRvoIdFile::DownLoadServerFileByFileID(parts.File().c_str(), file.name.c_str(), file.id);
   progress.End();
-  if (code != 0) {
+  if (code != result::kSuccess) {
     report.Fail(file.name, Call::kDownload, code);
     return std::nullopt;
   }
@@ -137,7 +137,7 @@ int Run(const ConnectionOptions& connection, const PutById& command, std::ostrea
   const int code =
       CRvoIdFile::UpLoadFileToServerByFileID(command.local.c_str(), file.name.c_str(), file.id);
   progress.End();
-  if (code != 0) {
+  if (code != result::kSuccess) {
     report.Fail(command.local, Call::kUpload, code);
     return report.Finish();
   }

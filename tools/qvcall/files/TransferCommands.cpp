@@ -37,7 +37,7 @@ void Send(const Files& files, TransferReport& report, std::ostream& err) {
     progress.Begin(Label(files, file), file.bytes);
     const int code = CRvoFile::UpLoadFileToServer(file.local.c_str(), file.server.c_str());
     progress.End();
-    if (code == 0) {
+    if (code == result::kSuccess) {
       report.Done(file.bytes);
     } else {
       report.Fail(file.local, Call::kUpload, code);
@@ -63,7 +63,7 @@ void Fetch(const Files& files, const PartFolder& parts, TransferProgress& progre
     progress.Begin(Label(files, file), file.bytes);
     const int code = CRvoFile::DownLoadServerFile(parts.File().c_str(), file.server.c_str());
     progress.End();
-    if (code != 0) {
+    if (code != result::kSuccess) {
       report.Fail(file.server, Call::kDownload, code);
     } else if (const std::string reason = parts.MoveTo(file.local); !reason.empty()) {
       report.Fail(file.server, fmt::format("cannot become {}: {}", Visible(file.local), reason));
@@ -98,7 +98,8 @@ int Run(const ConnectionOptions& connection, const GetFiles& command, std::ostre
   }
   const Files files = PlanDownload(command, report);
   // Nothing is also what a server shows without a good token.
-  if (files.empty() && !session.Probe()) report.Fail(session.Address(), Call::kDownload, 1);
+  if (files.empty() && !session.Probe())
+    report.Fail(session.Address(), Call::kDownload, result::kTransferRefused);
   Fetch(files, parts, progress, report);
   parts.Remove();  // before interrupts end the program at once again
   return report.Finish();

@@ -28,9 +28,6 @@ enum class Call {
 // What a call went through; here, too, the same number means something else for each.
 enum class Route { kSocket, kWeb, kDirect };
 
-// A refused batch gives this and the number of the refused statement.
-constexpr int kRefusedBatch = 100;
-
 struct ReturnCode {
   int code;
   std::string_view meaning;

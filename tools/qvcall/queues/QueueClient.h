@@ -14,10 +14,8 @@ namespace qv::tool {
 // As the library numbers them.
 enum class QueueKind : int { kUpload, kDownload, kCopy };
 
-// Results are the component's, or this. A call that the component fails as such throws _com_error.
-constexpr long kNoComponent = -100;
-
-// One connection; all calls on the thread that made it.
+// One connection; all calls on the thread that made it. Results are the component's, or
+// result::kNoComponent. A call that the component fails as such throws _com_error.
 class QueueClient {
  public:
   virtual ~QueueClient() = default;

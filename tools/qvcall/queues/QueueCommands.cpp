@@ -83,7 +83,7 @@ class QueueWork {
 
   // Says what a result means; whether it is success.
   bool Told(long result, std::string_view subject) {
-    if (result == 0) return true;
+    if (result == result::kSuccess) return true;
     const ReturnCode words = ExplainTransfer(host_.service, result);
     fmt::print(err_, "qvcall: {}: {} (result {})\n  {}\n", Visible(subject), words.meaning, result,
                words.advice);
@@ -105,7 +105,7 @@ class QueueWork {
     }
     long count = 0;
     progress_.Begin(names, bytes);
-    const long result = pairs.empty() ? 0 : client_.Run(kind, host_.retries, count);
+    const long result = pairs.empty() ? result::kSuccess : client_.Run(kind, host_.retries, count);
     progress_.End();
     const auto moved = static_cast<std::size_t>(std::max(count, 0L));
     // What was sent of a file says nothing of how much of it the server took.
@@ -152,7 +152,8 @@ bool IsPrepared(const ConnectionOptions& connection, const QueueHost& host,
   const char* const refused = FirstRefused(connection, host, set);
   if (refused == nullptr) return true;
   // Without a component there is nobody to refuse it, and the login tells so.
-  if (set == nullptr && MakeQueueClient(host.service)->Logout() == kNoComponent) return true;
+  if (set == nullptr && MakeQueueClient(host.service)->Logout() == result::kNoComponent)
+    return true;
   fmt::print(err, "qvcall: the component does not take this value of its parameter {}\n", refused);
   return false;
 }

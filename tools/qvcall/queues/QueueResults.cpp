@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "qvnetcall/transfer/ResultCodes.h"
+#include "qvnetcall/ResultCodes.h"
 #include "tools/qvcall/system/SystemPlaces.h"
 
 namespace qv::tool {
@@ -62,7 +62,7 @@ constexpr std::string_view kOtherAdvice =
 
 ReturnCode ExplainTransfer(Service service, long result) {
   const auto code = static_cast<int>(result);
-  if (result == kNoComponent) return {code, "no component", AdviceOnMissing(service)};
+  if (result == result::kNoComponent) return {code, "no component", AdviceOnMissing(service)};
   const auto* found = std::find_if(std::begin(kEntries), std::end(kEntries),
                                    [=](const Entry& entry) { return entry.result == result; });
   if (found == std::end(kEntries)) return {code, kOther, kOtherAdvice};

@@ -17,8 +17,6 @@
 namespace qv::tool {
 namespace {
 
-constexpr const char kSocketServer[] = "TCP_IP";
-constexpr const char kWebServer[] = "WEB_IIS";
 constexpr std::string_view kPlainScheme = "http://";
 
 bool HasScheme(std::string_view server) { return server.find("://") != std::string_view::npos; }
@@ -95,7 +93,7 @@ bool Session::Start(std::ostream& err) {
   if (!connection_.direct.empty()) return OpenDirect(err);
   if (port_ == 0) {
     // Nobody is told anything, and nobody is probed for it.
-    CRvoServer::SetServerType(kSocketServer, "", 0);
+    CRvoServer::SetServerType(server_type::kSocket, "", 0);
     return true;
   }
   CRvoServer::SetConinfo(server_.c_str(), port_);
@@ -116,7 +114,7 @@ void Session::PrintFailure(Call call, int code, std::ostream& err, std::string_v
 }
 
 void Session::PrintRefusal(Call call, std::string_view subject, std::ostream& err) const {
-  PrintFailure(call, IsUnreachable() ? -1 : 0, err, subject);
+  PrintFailure(call, IsUnreachable() ? result::kNotDelivered : 0, err, subject);
 }
 
 bool Session::IsUnreachable() const { return CRvoServer::GetIsNetworkBad(1) == 1; }
@@ -134,12 +132,12 @@ bool Session::FindRoute(std::ostream& err) {
   const auto port = static_cast<unsigned long>(port_);
   if (calls_ == Calls::kOverSocket) {
     // Some calls do nothing for a server of the other kind.
-    CRvoServer::SetServerType(kSocketServer, server_.c_str(), port);
+    CRvoServer::SetServerType(server_type::kSocket, server_.c_str(), port);
   } else {
-    if (connection_.web) CRvoServer::SetServerType(kWebServer, server_.c_str(), port);
+    if (connection_.web) CRvoServer::SetServerType(server_type::kWeb, server_.c_str(), port);
     CString type;
     CRvoServer::GetServerType(type, server_.c_str(), port);
-    if (type.CompareNoCase(kWebServer) == 0) route_ = Route::kWeb;
+    if (type.CompareNoCase(server_type::kWeb) == 0) route_ = Route::kWeb;
   }
   if (route_ == Route::kWeb || !HasScheme(server_)) return true;
   fmt::print(err,
@@ -151,7 +149,7 @@ bool Session::FindRoute(std::ostream& err) {
 bool Session::OpenDirect(std::ostream& err) {
   route_ = Route::kDirect;
   // Or a procedure call would look for the kind of a server that is not there.
-  CRvoServer::SetServerType(kSocketServer, "", 0);
+  CRvoServer::SetServerType(server_type::kSocket, "", 0);
   CRvoServer::UseLocalDB(1);
   // The settings of a server are none of this database's business.
   CRvoDatabase::m_NeedUpdateCompressState = 0;
