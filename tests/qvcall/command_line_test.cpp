@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "qvnetcall/ResultCodes.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 #include "tools/qvcall/output/ReturnCodes.h"
@@ -243,7 +244,7 @@ TEST(ReturnCodes, HaveWordsOfTheirOwnForEveryResult) {
     return qv::tool::ExplainResult(call, route, code).meaning;
   };
   EXPECT_EQ(meaning(qv::tool::Call::kBatch, 107),
-            meaning(qv::tool::Call::kBatch, qv::tool::kRefusedBatch));
+            meaning(qv::tool::Call::kBatch, qv::result::kBatchRefused));
   EXPECT_EQ(meaning(qv::tool::Call::kExec, 100), meaning(qv::tool::Call::kQuery, 77));
   EXPECT_NE(meaning(qv::tool::Call::kBatch, 2), meaning(qv::tool::Call::kProcedure, 2));
   EXPECT_NE(meaning(qv::tool::Call::kBatch, -1),

@@ -7,6 +7,7 @@
 
 #include "QueueClient.h"
 #include "QueueProgress.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transfer/ComError.h"
 #include "tools/qvcall/files/TransferReport.h"
 #include "tools/qvcall/output/DisplayText.h"
