@@ -18,7 +18,7 @@ namespace {
 using qv::tool::ParsedCommandLine;
 using qv::tool::Route;
 
-// What the environment of the test run says must not count; one case sets its own.
+// Removes the variables of the environment of the test run; one case sets its own.
 class CommandLine : public testing::Test {
  protected:
   CommandLine() { Forget(); }
@@ -166,7 +166,7 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
   const std::string long_folder = long_name.substr(2) + '/';
   const struct {
     std::vector<const char*> words;
-    const char* complaint;  // null: they go together
+    const char* complaint;  // null: no conflict
   } cases[] = {
       {{"--web", "--http-port", "8", "ping"}, nullptr},
       {{"--web", "--port", "7", "ping"}, nullptr},
@@ -174,9 +174,11 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"--http-port", "8", "ping"}, "--port is required"},
       {{"--port", "7", "exec", "x"}, "--db is required"},
       {{"--port", "7", "batch", "f"}, "--db is required"},
-      {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "no offline work"},
-      {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"}, "no offline work"},
-      {{"--port", "7", "--ca-file", some_file.c_str(), "ping"}, "--ca-file goes only with --web"},
+      {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "not support offline work"},
+      {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"},
+       "not support offline work"},
+      {{"--port", "7", "--ca-file", some_file.c_str(), "ping"},
+       "--ca-file can only be used with --web"},
       {{"--web", "--port", "7", "--ca-file", some_file.c_str(), "ping"}, "https://"},
       {{"--web", "--port", "7", "--server", "https://h", "--ca-file", some_file.c_str(), "ping"},
        nullptr},
@@ -187,12 +189,12 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"--direct", "x=y", "query", "x"}, nullptr},
       {{"--direct", "x=y", "call", "x", "--db", "D"}, nullptr},
       {{"--direct", "", "ping"}, "must not be empty"},
-      {{"--direct", "x=y", "--web", "ping"}, "--web talks to a server"},
-      {{"--direct", "x=y", "query", "x", "--cache"}, "keep answers of a server"},
-      {{"--direct", "x=y", "query", "x", "--offline"}, "keep answers of a server"},
+      {{"--direct", "x=y", "--web", "ping"}, "--web uses a server"},
+      {{"--direct", "x=y", "query", "x", "--cache"}, "store answers of a server"},
+      {{"--direct", "x=y", "query", "x", "--offline"}, "store answers of a server"},
       {{"--direct", "x=y", "batch", "f"}, "a batch needs a server"},
       {{"--direct", "x=y", "--timeout-ms", "9", "ping"}, "--timeout-ms"},
-      {{"--direct", "x=y", "ls"}, "a server's"},
+      {{"--direct", "x=y", "ls"}, "belong to a server"},
       {{"--web", "--port", "7", "--server", "https://h", "get", "a", "."}, "encrypt"},
       {{"--port", "7", "get", "a"}, "At least 2"},
       {{"--port", "7", "rm", "/"}, "must not be empty"},
@@ -208,8 +210,8 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"ftp", "--host", "h", "get", "a"}, "At least 2"},
       {{"ftp", "--host", "h", "get", "-r", "a", "."}, "-r"},
       {{"ftp", "--host", "h", "rm", "a", "--ca-file", some_file.c_str()}, nullptr},
-      {{"ftp", "--host", "h", "rm", "a", "--web", "--port", "7"}, "--web does not go with"},
-      {{"ftp", "--host", "h", "rm", "a", "--direct", "x=y"}, "leave it away"},
+      {{"ftp", "--host", "h", "rm", "a", "--web", "--port", "7"}, "--web cannot be used with"},
+      {{"ftp", "--host", "h", "rm", "a", "--direct", "x=y"}, "omit it"},
       {{"cloud", "--host", "h", "rm", "a"}, "--login is required"},
   };
   for (const auto& [words, complaint] : cases) {

@@ -26,7 +26,7 @@ TEST(DisplayWidth, ShowsWhatATerminalCanShow) {
       {"\x1b[31m", "\\x1b[31m", 8},
       {std::string("a\0b", 3), "a\\x00b", 6},
       {"\x7f\u009b", "\\x7f\\x9b", 8},
-      {"a\u202eb", "a\\u202eb", 8},       // would turn what follows around
+      {"a\u202eb", "a\\u202eb", 8},       // would reverse the order of what follows
       {"a\xff\xfe", "a" + bad + bad, 3},  // never begins a character
       {"\xe9\x98", bad + bad, 2},         // cut short at the end
       {"\xe9\x98|", bad + bad + "|", 3},  // cut short before another character

@@ -34,7 +34,7 @@ std::string FileRecord(const std::string& name) {
   return WithName<CZelkorSvrFileInfo>(qv::records::file::kName, name);
 }
 
-// A server that has whatever a test says, and its folders in every place that is asked for.
+// A server whose listings, files and results each test chooses.
 class FileCommands : public testing::Test {
  protected:
   FileCommands() {
@@ -55,7 +55,7 @@ class FileCommands : public testing::Test {
     return Run(qv::tool::GetFiles{std::move(server), Here("got"), recursive});
   }
   std::string Here(const std::string& name) const { return (folder_.Path() / name).string(); }
-  // All that stands in the test's folder, with "/" at the end of folders.
+  // Returns everything in the test's folder, folders with "/" at the end.
   std::set<std::string> Tree() const {
     std::set<std::string> tree;
     for (const auto& entry : fs::recursive_directory_iterator(folder_.Path())) {
@@ -73,7 +73,7 @@ class FileCommands : public testing::Test {
 
   const qv::TempFolder folder_;
   const qv::tool::ConnectionOptions connection_{.server = "main", .port = 4000};
-  std::map<std::string, Names> folders_;  // by the path that holds them
+  std::map<std::string, Names> folders_;  // by the path of the folder above
   std::map<std::string, Names> files_;
   std::uint64_t hidden_ = 0;  // the folders' flags
   bool too_many_ = false;     // files to list
@@ -164,7 +164,7 @@ TEST_F(FileCommands, LeaveALocalFileAsItIsWhenItsDownloadFails) {
   EXPECT_EQ(Run(qv::tool::GetById{{7, "a"}, Here("got")}), qv::tool::kFailed);
   EXPECT_EQ(Fetch({""}), qv::tool::kFailed);
   status_ = "SUCCESS";
-  EXPECT_EQ(Run(qv::tool::GetById{{7, "a"}, Here("got")}), qv::tool::kFailed);  // another checksum
+  EXPECT_EQ(Run(qv::tool::GetById{{7, "a"}, Here("got")}), qv::tool::kFailed);  // wrong checksum
   EXPECT_EQ(qv::BytesOf(Here("got/a")), "old");
   EXPECT_EQ(Tree(), (std::set<std::string>{"got/", "got/a", "got/top/"}));
   checksum_ = "6BE34445";
@@ -181,10 +181,10 @@ TEST_F(FileCommands, ListLargeFoldersInPagesAndSpellOutWhatATerminalWouldObey) {
   EXPECT_EQ(out_.str().substr(0, 9), "a\\\nz\\\nf0\n");
   EXPECT_NE(out_.str().find("\nf3999\n\\x1b[2J\n"), std::string::npos);
   EXPECT_EQ(Sent(6029), 2);
-  files_["top"] = {"a", "", "b"};  // as a listing that did not come whole
+  files_["top"] = {"a", "", "b"};  // like an incomplete listing
   EXPECT_EQ(Run(qv::tool::ListFolder{"top", "", false}), qv::tool::kFailed);
   EXPECT_EQ(Run(qv::tool::ListFolder{"none", "", false}), qv::tool::kFailed);
-  // Folders that are there, but too many for the server to list.
+  // Folders that exist, but are too many for the server to list.
   folders_[""] = {"many"};
   files_["many"] = {"a"};
   hidden_ = qv::records::folder::kHasFolders;

@@ -9,7 +9,7 @@
 namespace {
 
 void InterruptWhileWatched() {
-  std::signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background has it ignored
+  std::signal(SIGINT, SIG_DFL);  // it is ignored if the tests run in the background
   const qv::tool::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
   kill(getpid(), SIGINT);
   for (;;) pause();

@@ -24,7 +24,7 @@ constexpr bool kOnWindows = fs::path::preferred_separator == '\\';
 class LocalFiles : public testing::Test {
  protected:
   std::string Here() const { return qv::tool::ShownPath(folder_.Path()); }
-  // Makes a folder with a file of the same name.
+  // Creates a folder with a file of the same name.
   void Fill(const fs::path& name) const {
     fs::create_directory(folder_.Path() / name);
     std::ofstream(folder_.Path() / name / name) << "x";
@@ -38,7 +38,7 @@ class LocalFiles : public testing::Test {
 };
 
 TEST_F(LocalFiles, AreSentUnderTheNamesThatTheyHaveOrNotAtAll) {
-  const fs::path western = u"\u00e9";  // in the code pages of the West and of China
+  const fs::path western = u"\u00e9";  // in the Western and the Chinese code pages
   const fs::path chinese = u"\u56fe\u7eb8";
   Fill(western);
   Fill(chinese);

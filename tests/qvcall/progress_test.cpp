@@ -69,7 +69,7 @@ TEST(ProgressBar, LeavesAnEmptyLineAndStaysAway) {
   bar.Clear();
   const std::string shown = out.str();
   EXPECT_EQ(shown.substr(0, 28), "\rWaiting for everybody  0:00");
-  // Each line covers the one before; the last is blank, and the cursor is at its start.
+  // Each line overwrites the previous one; the last is blank, with the cursor at its start.
   EXPECT_EQ(shown[shown.size() - 1], '\r');
   EXPECT_EQ(shown.find_last_not_of(' ', shown.size() - 2), shown.rfind('\r', shown.size() - 2));
   EXPECT_EQ(shown.find('\n'), std::string::npos);

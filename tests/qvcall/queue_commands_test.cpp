@@ -1,4 +1,4 @@
-// The program itself, with the components beside it, against servers that the tests start.
+// Runs the program itself, with the components beside it, against servers that the tests start.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <pty.h>
@@ -54,7 +54,7 @@ class QueueCommands : public testing::TestWithParam<Place> {
     words.insert(words.end(), more.begin(), more.end());
     return words;
   }
-  // The exit status; what was printed goes to `output_`.
+  // Returns the exit status; the output is in `output_`.
   int Run(const Words& words) {
     std::array<int, 2> ends{};
     EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
@@ -95,7 +95,7 @@ TEST_P(QueueCommands, MoveFilesBothWaysAndTellWhatFails) {
   EXPECT_EQ(Call({"cp", There("x/src/a"), There("y/")}), 0) << output_;
   EXPECT_EQ(Call({"mv", There("y/a"), There("x/c")}), 0) << output_;
   const std::string left_out = There("x/");
-  const std::string missing = There("\xe2\x80\xae");  // turns the direction of writing
+  const std::string missing = There("\xe2\x80\xae");  // changes the direction of writing
   const Words wanted = {There("x/src/sub/图 1.dwg"), missing, There("x/c"), left_out};
   Words get = {"--port", std::to_string(standin.Port()), "get"};
   get.insert(get.end(), wanted.begin(), wanted.end());
@@ -125,7 +125,7 @@ class QueueCommandsAtFtp : public QueueCommands {
   QueueCommandsAtFtp() : QueueCommands(kFtp) {}
 };
 
-// Where the system's files for terminals are not mounted, there are none.
+// There are no terminals if the system's files for them are not mounted.
 bool HasTerminals() {
   int near_end = -1;
   int far_end = -1;

@@ -28,7 +28,7 @@ TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
   qv::tool::QueueProgress progress(err, Listen);
   progress.Begin({"a", "b", "c"}, std::nullopt);
   EXPECT_EQ(Tell(0, 5, 5), 0);
-  EXPECT_EQ(Tell(1, 3, 7), 0);  // and is given up
+  EXPECT_EQ(Tell(1, 3, 7), 0);  // the file is abandoned
   EXPECT_EQ(Tell(2, 0, 0), 0);
   EXPECT_EQ(Tell(2, 4, 4), 0);
   progress.End();
@@ -37,7 +37,7 @@ TEST(QueueProgress, CountsFilesOfWhichAllBytesWereMoved) {
 }
 
 void RunUntilInterrupted() {
-  std::signal(SIGINT, SIG_DFL);  // whoever runs the tests in the background has it ignored
+  std::signal(SIGINT, SIG_DFL);  // it is ignored if the tests run in the background
   qv::tool::QueueProgress progress(std::cerr, Listen);
   progress.Begin({"a"}, 10);
   kill(getpid(), SIGINT);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// A statement of so many bytes that, behind the database "D" and the count, it fills a request.
+// A statement of this length fills a request together with the database "D" and the count.
 constexpr std::size_t kFilling = qv::tool::kRequestRoom - 6 - 9 - 5;
 
 TEST(RequestSize, KnowsTheStatementsThatTheServerWillSee) {
@@ -19,7 +19,7 @@ TEST(RequestSize, KnowsTheStatementsThatTheServerWillSee) {
       {{kFilling}, 1},
       {{kFilling, 1}, 2},      // the second crosses the limit, and is the last
       {{kFilling, 1, 1}, 2},   // the third would be lost
-      {{kFilling + 1, 1}, 1},  // here the second
+      {{kFilling + 1, 1}, 1},  // the second would be lost
       {{kFilling - 6, 1, 1, 1}, 3},
       {{3 * kFilling}, 1},
   };

@@ -8,7 +8,7 @@
 namespace {
 
 TEST(SqlSplitter, SplitsOnlyBetweenStatements) {
-  // Each expected statement with its line before it.
+  // Each expected statement follows its line number.
   const std::pair<std::string, std::vector<std::string>> cases[] = {
       {" ;\n-- a;\n/* b; */;\t", {}},
       {"\n-- why\n a b ; -- c\n\n/*\n*/ d;", {"3:a b", "6:d"}},

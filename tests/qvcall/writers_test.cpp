@@ -12,7 +12,7 @@ namespace {
 
 using qv::tool::Format;
 
-// Fills `rows` the only way that a host can: from a file. `columns` are AttributeType elements.
+// Fills `rows` from a file, which is the only way for a host. `columns` are AttributeType elements.
 void Load(const std::string& columns, const std::string& row_elements, CRvoDbRes& rows) {
   const qv::TempFolder folder;
   const std::string path = folder.Write(

@@ -32,11 +32,11 @@ int Run(int argc, char** argv) {
   return qv::tool::RunPing(connection, std::cout, std::cerr);
 }
 
-// Success counts only when everything reached its reader.
+// A command has succeeded only if all of its output was written.
 int AfterFlush(int status) {
   std::cout.flush();
   if (std::cout.good()) return status;
-  // Only a failed write makes the stream bad, and nothing that could fail ran since.
+  // Only a failed write makes the stream bad, and errno was not changed since.
   const char* reason = errno != 0 ? std::strerror(errno) : "cannot be written";
   std::cerr << "qvcall: standard output: " << reason << '\n';
   return qv::tool::kFailed;

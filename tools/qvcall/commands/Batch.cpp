@@ -34,7 +34,7 @@ std::string Counted(std::size_t statements) {
   return fmt::format("{} {}", statements, statements == 1 ? "statement" : "statements");
 }
 
-// Shows the statement of that number, which counts from 1, behind `what` is to be said of it.
+// Prints `what` about the statement of that number, counted from 1, and the statement's first line.
 void PrintStatement(const Statements& statements, std::size_t number, std::string_view what,
                     std::ostream& err) {
   const auto& [text, line] = statements[number - 1];
@@ -44,29 +44,30 @@ void PrintStatement(const Statements& statements, std::size_t number, std::strin
              what, VisibleStart(first_line, kShownCells));
 }
 
-// The server may name no statement.
+// The server may not name a statement.
 void PrintRefused(const Statements& statements, std::size_t number, std::ostream& err) {
   if (number == 0 || number > statements.size()) {
-    fmt::print(err, "  the server names no statement of the batch; nothing was run\n");
+    fmt::print(err, "  the server does not name a statement of the batch; nothing was run\n");
     return;
   }
   PrintStatement(statements, number, "; nothing was run", err);
 }
 
-// A batch that is too large would be sent without its end, for the server to refuse.
+// Checked here, because a batch that is too large would be sent without its end.
 bool Fits(const Statements& statements, const std::string& database, std::ostream& err) {
   const RequestSize size = MeasureBatch(database, statements);
   if (size.fitting == statements.size()) return true;
-  fmt::print(err,
-             "qvcall: the batch is too large for one request, which takes about {} bytes: it has "
-             "{}; nothing was sent\n",
-             kRequestRoom, size.bytes);
+  fmt::print(
+      err,
+      "qvcall: the batch is too large for one request, which can hold about {} bytes: it has "
+      "{}; nothing was sent\n",
+      kRequestRoom, size.bytes);
   PrintStatement(statements, size.fitting + 1, ", is the first that does not fit", err);
   fmt::print(err, "  split the batch before it; each part is then run wholly or not at all\n");
   return false;
 }
 
-// Splits what `script` holds; none, and the reason on `err`, when it cannot be sent.
+// Splits the script. Returns no statements, with the reason on `err`, if it cannot be sent.
 Statements StatementsOf(std::string_view script, std::ostream& err) {
   if (script.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     script.remove_prefix(kByteOrderMark.size());
@@ -74,7 +75,7 @@ Statements StatementsOf(std::string_view script, std::ostream& err) {
   Statements statements;
   if (script.find('\0') == std::string_view::npos) statements = SplitStatements(script);
   if (statements.empty()) {
-    fmt::print(err, "qvcall: the batch has no statement or holds a NUL byte\n");
+    fmt::print(err, "qvcall: the batch has no statement or contains a NUL byte\n");
   }
   return statements;
 }
@@ -93,7 +94,7 @@ int Run(const ConnectionOptions& connection, const BatchOptions& options, std::i
         std::ostream& err) {
   const std::optional<std::string> script = ReadScript(options.file, in);
   if (!script) {
-    fmt::print(err, "qvcall: {} cannot be read, or is over 64 MB\n",
+    fmt::print(err, "qvcall: {} cannot be read, or exceeds 64 MB\n",
                options.file == "-" ? "standard input" : options.file);
     return kFailed;
   }

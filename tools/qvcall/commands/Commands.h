@@ -1,4 +1,5 @@
-// The commands for databases, the directory and the server itself.
+// The commands for databases, the directory and the server itself. Each returns the exit status and
+// prints failures and remarks to `err`. `in` is read only if the options name standard input.
 #pragma once
 
 #include <iosfwd>
@@ -7,24 +8,19 @@
 
 namespace qv::tool {
 
-// Runs one query or procedure call and writes its rows to `out`; remarks and errors go to `err`.
-// `in` is read when the statement is to come from there. Gives the exit status; whether `out` could
-// take everything is told by `out` itself.
+// Runs one query or procedure call and writes its rows to `out`.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const QueryOptions& options,
                       std::istream& in, std::ostream& out, std::ostream& err);
 
-// Runs one statement that gives no rows. `in` is read when the statement is to come from there;
-// `err` hears how it went. Gives the exit status.
+// Runs one statement that returns no rows.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const ExecOptions& options,
                       std::istream& in, std::ostream& err);
 
-// Runs the statements of a file, all of them or none, and shows on a terminal how far it is. `in`
-// is read when they are to come from there; `err` hears how it went. Gives the exit status.
+// Runs the statements of a file, all of them or none, and shows the progress on a terminal.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const BatchOptions& options,
                       std::istream& in, std::ostream& err);
 
-// Show the directory and the server itself, and write to its log. Each gives the exit status; `err`
-// hears what went wrong.
+// Show the directory and the server itself, and write to its log.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const ListGroups& command,
                       std::ostream& out, std::ostream& err);
 [[nodiscard]] int Run(const ConnectionOptions& connection, const ListUsers& command,
@@ -34,7 +30,7 @@ namespace qv::tool {
 [[nodiscard]] int Run(const ConnectionOptions& connection, const ShowServer& command,
                       std::ostream& out, std::ostream& err);
 
-// Says whether the server answers, and gives the exit status.
+// Checks whether the server answers.
 [[nodiscard]] int RunPing(const ConnectionOptions& connection, std::ostream& out,
                           std::ostream& err);
 

@@ -24,8 +24,8 @@ struct Entries {
   bool is_whole;
 };
 
-// The records of an array that is freed here. Those that did not come are all zeros, and there is
-// no array for more than any reply holds.
+// Converts the records of an array, and frees it. Records that are missing from the reply are all
+// zeros, and the array is null if there are more than any reply can hold.
 Entries Taken(CZelkorSvrADObjInfo* array, int count) {
   const std::unique_ptr<CZelkorSvrADObjInfo[]> records(array);
   Rows rows;
@@ -63,11 +63,11 @@ int Show(const Session& session, const Entries& entries, const char* one, const 
   if (!out.flush()) return kFailed;
   fmt::print(err, "({} {})\n", rows.size(), rows.size() == 1 ? one : more);
   if (is_whole) return kDone;
-  fmt::print(err, "qvcall: not all of them came\n");
+  fmt::print(err, "qvcall: the list is incomplete\n");
   return kFailed;
 }
 
-// As the stand-in means them; other servers may mean something else.
+// The meaning that the stand-in server gives to the values; other servers may differ.
 Rows Described(const CQvNetExeInfo& info) {
   const auto text = [](const CString& value) { return std::string(value.View()); };
   const auto yes = [](int value) { return std::string(value != 0 ? "yes" : "no"); };
@@ -95,7 +95,7 @@ int Run(const ConnectionOptions& connection, const ListUsers& command, std::ostr
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   const Entries users = Users(command.group);
-  // A group without users looks as one that does not exist.
+  // A group without users looks like one that does not exist.
   if (users.rows.empty() && !command.group.empty() && Groups(command.group).rows.empty()) {
     session.PrintRefusal(Call::kLook, command.group, err);
     return kFailed;

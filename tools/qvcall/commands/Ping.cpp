@@ -17,14 +17,14 @@ int PingSocket(const Session& session, std::ostream& out, std::ostream& err) {
     fmt::print(err, "qvcall: {} cannot be reached; check --server and --port\n", session.Address());
   } else {
     fmt::print(err,
-               "qvcall: {} can be reached, but does not answer as the platform's server does; "
+               "qvcall: {} can be reached, but does not answer like the platform's server; "
                "check --port and --token\n",
                session.Address());
   }
   return kFailed;
 }
 
-// The library asks for links over sockets only; over HTTP a small query shows the same.
+// The library checks links only over sockets; over HTTP, a small query serves the same purpose.
 int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   const CString sql("select 1");
@@ -45,7 +45,7 @@ int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
                session.Address());
   } else {
     fmt::print(err,
-               "qvcall: {} can be reached, but does not answer as the platform's web server does; "
+               "qvcall: {} can be reached, but does not answer like the platform's web server; "
                "check --http-port\n",
                session.Address());
   }

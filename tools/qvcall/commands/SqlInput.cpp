@@ -15,12 +15,12 @@ namespace {
 
 using text::SqlPart;
 
-// More than the largest request; an input without an end is not read for ever.
+// More than the largest request. Stops reading an endless input.
 constexpr std::size_t kLongestText = std::size_t{64} << 20;
 
 constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
 
-// A field is a length, its bytes and a zero.
+// A field consists of a length, the bytes and a zero.
 constexpr std::size_t FieldBytes(std::size_t length) { return length + 5; }
 constexpr std::size_t kCountBytes = 4;
 
@@ -40,16 +40,16 @@ std::optional<std::string> ReadAll(std::istream& in) {
 int ReadStatement(const std::string& given, std::istream& in, std::string& sql, std::ostream& err) {
   const std::optional<std::string> text = given == "-" ? ReadAll(in) : given;
   if (!text) {
-    fmt::print(err, "qvcall: standard input cannot be read, or is over 64 MB\n");
+    fmt::print(err, "qvcall: standard input cannot be read, or exceeds 64 MB\n");
     return kFailed;
   }
-  // Without the white space around it: a line feed that a file ends with must not make it another
-  // query for the cache.
+  // Trimmed, because the cache would treat a statement with a line feed at its end as another
+  // query.
   sql = *text;
   sql.erase(sql.find_last_not_of(kWhiteSpace) + 1);
   sql.erase(0, sql.find_first_not_of(kWhiteSpace));
   if (!sql.empty() && sql.find('\0') == std::string::npos) return kDone;
-  fmt::print(err, "qvcall: the statement is empty or holds a NUL byte\n");
+  fmt::print(err, "qvcall: the statement is empty or contains a NUL byte\n");
   return kUsage;
 }
 
@@ -81,7 +81,7 @@ RequestSize MeasureBatch(std::string_view database,
   bool has_room = true;
   for (const ScriptStatement& statement : statements) {
     size.bytes += FieldBytes(statement.text.size());
-    // The field that crosses the limit still goes, with all before it; those behind it are lost.
+    // The field that crosses the limit is still sent; all fields after it are lost.
     if (has_room) ++size.fitting;
     has_room = has_room && size.bytes <= kRequestRoom;
   }

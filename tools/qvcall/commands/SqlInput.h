@@ -1,4 +1,4 @@
-// Where the SQL of a command comes from, and what becomes of a batch of it.
+// Reads the SQL of a command, splits a batch into statements and measures it.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,11 @@
 
 namespace qv::tool {
 
-// All that `in` still has; none when it cannot be read, or is over 64 MiB.
+// Returns the rest of `in`, or nullopt if it cannot be read or exceeds 64 MiB.
 [[nodiscard]] std::optional<std::string> ReadAll(std::istream& in);
 
-// The statement that a command was given, or that `in` has when that is "-". Gives an exit status,
-// and `err` says why, when it cannot be read or sent; else kDone.
+// Sets `sql` to the statement of a command: `given`, or the content of `in` if that is "-". Returns
+// kDone or, with the reason on `err`, the exit status if it cannot be read or sent.
 [[nodiscard]] int ReadStatement(const std::string& given, std::istream& in, std::string& sql,
                                 std::ostream& err);
 
@@ -24,17 +24,17 @@ struct ScriptStatement {
 };
 
 // Splits a script at each ";" that is not inside a quote (single, double or back quotes, square
-// brackets, dollar signs) or a comment. What is not closed runs to the end of the script.
-// Statements of nothing but white space and comments are left out.
+// brackets, dollar signs) or a comment. A quote or comment that is not closed runs to the end of
+// the script. Statements of nothing but white space and comments are left out.
 [[nodiscard]] std::vector<ScriptStatement> SplitStatements(std::string_view script);
 
-// How the bytes of a batch stand to what one request takes.
+// The size of a batch, compared with what one request can hold.
 struct RequestSize {
-  std::size_t bytes;    // of the whole batch as it would be sent
-  std::size_t fitting;  // how many of the statements, from the first, go into one request
+  std::size_t bytes;    // the size of the whole batch on the wire
+  std::size_t fitting;  // how many statements, counted from the first, fit into one request
 };
 
-// How many bytes of fields a request has room for.
+// The largest size of a request's fields, in bytes.
 constexpr std::size_t kRequestRoom = 0x100000 - 269 - 1;
 
 [[nodiscard]] RequestSize MeasureBatch(std::string_view database,

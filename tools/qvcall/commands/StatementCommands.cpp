@@ -16,16 +16,16 @@
 namespace qv::tool {
 namespace {
 
-// The user's own folder for kept answers, in the place where caches belong; its parents exist
-// afterwards when they can be made. None when the environment names no such place.
+// Returns the user's own folder for stored answers, and creates its parents. Returns nullopt if the
+// environment names no place for caches.
 std::optional<std::string> DefaultCacheFolder() {
   const std::string caches = CachesOfUser();
   if (caches.empty()) return std::nullopt;
-  MakeLocalFolders(caches);  // the cache itself says when it cannot use the folder
+  MakeLocalFolders(caches);  // the cache reports if it cannot use the folder
   return JoinLocal(caches, "qvcall");
 }
 
-// Runs the text by the call that the command stands for.
+// Runs the text by the call of the command.
 int RunText(const QueryOptions& options, const char* database, const CString& text,
             CRvoDbRes& rows) {
   const auto call =
@@ -33,29 +33,31 @@ int RunText(const QueryOptions& options, const char* database, const CString& te
   return call(&text, &rows, database, options.use_cache ? 1 : 0);
 }
 
-// An empty query has the library load the server's settings, or its kept ones while it is offline,
-// and send nothing else. A procedure does not load them, and without them nothing is kept.
+// Makes the library load the server's settings, or the stored ones while it is offline: an empty
+// query does so and sends nothing else. A procedure call does not load them, and without them no
+// answer is stored.
 void LoadSettings(const Session& session) {
   const CString nothing;
   CRvoDbRes no_rows;
   (void)CRvoDatabase::SelectSQL(&nothing, &no_rows, session.Database(), 1);
 }
 
-// Goes offline by choice. The server's kept settings must allow keeping answers, or the text itself
-// would go to the server after all.
+// Goes offline by choice. The stored settings of the server must allow storing answers; otherwise
+// the library would send the text to the server.
 bool GoOffline(const Session& session, std::ostream& err) {
   if (CRvoServer::SetCacheState(cache_state::kOfflineByChoice) != 1) {
-    fmt::print(err,
-               "qvcall: {} counts as a web server, by ServerType in the QvNetClient.ini beside the "
-               "library or because nobody answered there, and web servers have no offline work\n",
-               session.Address());
+    fmt::print(
+        err,
+        "qvcall: {} counts as a web server, by ServerType in the QvNetClient.ini beside the "
+        "library or because nobody answered there, and web servers do not support offline work\n",
+        session.Address());
     return false;
   }
   LoadSettings(session);
   if (CRvoDatabase::GetServerIsSetCatche() != 1) {
     fmt::print(err,
                "qvcall: the cache folder holds no answers of this server, or the server does "
-               "not allow keeping them; run this with --cache while it can be reached\n");
+               "not allow storing them; run this with --cache while it can be reached\n");
     return false;
   }
   return true;
@@ -63,7 +65,7 @@ bool GoOffline(const Session& session, std::ostream& err) {
 
 bool PrepareCache(const Session& session, const QueryOptions& options, std::ostream& err) {
   if (session.Way() == Route::kWeb && !options.offline) {
-    fmt::print(err, "--cache is not used: a web server has no offline work\n");
+    fmt::print(err, "--cache is not used: a web server does not support offline work\n");
     return true;
   }
   std::optional<std::string> folder = options.cache_folder;
@@ -75,17 +77,17 @@ bool PrepareCache(const Session& session, const QueryOptions& options, std::ostr
   if (CRvoServer::SetCachePath(folder->c_str()) != 1) {
     fmt::print(err, "qvcall: the cache folder {} cannot be used; check that it can be written\n",
                *folder);
-    // A cache that fails costs no answer that the server can give.
+    // Without the cache, the server can still answer.
     return !options.offline;
   }
   if (options.offline) return GoOffline(session, err);
-  // Only a failed contact tells the library that it is offline, and then it answers from the cache.
+  // The library answers from the cache only after an attempt to reach the server has failed.
   (void)session.Probe();
   LoadSettings(session);
   return true;
 }
 
-// Fills `rows`; the connection is not kept while somebody pages through them.
+// Fills `rows`. The connection is closed before the rows are printed, which may take long.
 bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, const std::string& sql,
            CRvoDbRes& rows, std::ostream& err) {
   Session session(connection, options.database);
@@ -97,7 +99,7 @@ bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, con
     session.PrintFailure(options.call, code, err);
     return false;
   }
-  // An answer from the server would have brought the client back online.
+  // After an answer from the server, the client would be online.
   if (options.use_cache && CRvoServer::GetCacheState(1) != cache_state::kOnline) {
     fmt::print(err, "answered from the cache: {}\n",
                options.offline ? "working offline" : "the server cannot be reached");

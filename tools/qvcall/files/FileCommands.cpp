@@ -50,7 +50,7 @@ int Run(const ConnectionOptions& connection, const MovePath& command, std::ostre
         std::ostream& err) {
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
-  // Files and folders are renamed by the same request.
+  // The same request renames files and folders.
   if (CRvoFile::RenOneFile(command.source.c_str(), command.target.c_str()) == 1) {
     fmt::print(err, "done\n");
     return kDone;

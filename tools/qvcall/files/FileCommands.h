@@ -6,8 +6,10 @@
 
 namespace qv::tool {
 
-// Show, move, copy and remove what is in the server's store. Each gives the exit status; `err`
-// hears what went wrong.
+// The functions below run one command each and return the exit status. Failures and remarks are
+// printed to `err`.
+
+// Show, move, copy and remove files in the server's store.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const ShowPath& command,
                       std::ostream& out, std::ostream& err);
 [[nodiscard]] int Run(const ConnectionOptions& connection, const MovePath& command,
@@ -17,8 +19,7 @@ namespace qv::tool {
 [[nodiscard]] int Run(const ConnectionOptions& connection, const RemoveFiles& command,
                       std::ostream& out, std::ostream& err);
 
-// List, make and remove folders of the server's store. Each gives the exit status; `err` hears what
-// went wrong.
+// List, create and remove folders in the server's store.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const ListFolder& command,
                       std::ostream& out, std::ostream& err);
 [[nodiscard]] int Run(const ConnectionOptions& connection, const MakeFolders& command,
@@ -26,17 +27,16 @@ namespace qv::tool {
 [[nodiscard]] int Run(const ConnectionOptions& connection, const RemoveFolders& command,
                       std::ostream& out, std::ostream& err);
 
-// Send files to the server's store, and fetch them. A file that fails does not keep the next from
-// being moved, and leaves what was there under its name as it was. Each gives the exit status;
-// `err` hears how it goes.
+// Send files to the server's store, and fetch files from it. After a file has failed, the remaining
+// files are still transferred. A file that failed leaves an existing file of its name unchanged.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const PutFiles& command,
                       std::ostream& out, std::ostream& err);
 [[nodiscard]] int Run(const ConnectionOptions& connection, const GetFiles& command,
                       std::ostream& out, std::ostream& err);
 
-// Send, fetch and show files that the server keeps under a number and a name. What was moved is
-// compared by its checksum, where the server has one; a local file that was there before only gives
-// way to a good one. Each gives the exit status; `err` hears how it goes.
+// Send, fetch and show files that the server stores under a number and a name. Transferred files
+// are compared with the server's checksum, if there is one. An existing local file is replaced only
+// by a file that passed the comparison.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const PutById& command,
                       std::ostream& out, std::ostream& err);
 [[nodiscard]] int Run(const ConnectionOptions& connection, const GetById& command,

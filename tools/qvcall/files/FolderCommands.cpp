@@ -20,7 +20,7 @@ class Listing {
     ++folders_;
     Write("folder", folder.modified, Visible(folder.name) + '\\');
   }
-  // False when `out` takes no more.
+  // Returns false if writing to `out` failed.
   bool Add(const ServerFile& file) {
     ++files_;
     Write(std::to_string(file.size), file.modified, Visible(file.name));
@@ -45,14 +45,15 @@ class Listing {
   std::size_t files_ = 0;
 };
 
-// A server lists too many folders as none, but they show where their own folder is listed.
+// A server lists no folders if there are too many, but the entry of the folder that holds them says
+// that it has some.
 bool HidesFolders(const std::string& path) {
   if (path.empty()) return false;
   const auto folder = FindFolder(path);
   return folder && folder->has_folders;
 }
 
-// Lists what is in the folder; false when not all of it came.
+// Lists the contents of the folder. Returns false if the listing is incomplete.
 bool ListInside(const ListFolder& command, Listing& listing) {
   const auto add = [&](const ServerFile& file) { return listing.Add(file); };
   if (!command.pattern.empty()) return ForEachFile(command.path, command.pattern, add);
@@ -62,8 +63,8 @@ bool ListInside(const ListFolder& command, Listing& listing) {
   return has_all_files && has_all_folders && !(folders.empty() && HidesFolders(command.path));
 }
 
-// An empty folder and none at all look the same from inside, and so does a store that the token is
-// not good for.
+// Whether the folder exists. An empty listing does not tell: a missing folder, and a store that the
+// token gives no access to, look the same.
 bool IsThere(const ListFolder& command, const Session& session, Listing& listing) {
   if (command.path.empty()) return session.Probe();
   if (command.pattern.empty()) {
@@ -102,7 +103,7 @@ int Run(const ConnectionOptions& connection, const ListFolder& command, std::ost
   if (!out.flush()) return kFailed;
   fmt::print(err, "{}\n", listing.Count());
   if (is_whole) return kDone;
-  fmt::print(err, "qvcall: not all of it could be listed\n");
+  fmt::print(err, "qvcall: the listing is incomplete\n");
   return kFailed;
 }
 

@@ -22,7 +22,7 @@
 namespace qv::tool {
 namespace {
 
-// The CRC-32 of a local file; none when it cannot be read.
+// Returns the CRC-32 of a local file, or nullopt if it cannot be read.
 std::optional<std::uint32_t> ChecksumOf(const std::string& file) {
   std::ifstream in(file, std::ios::binary);
   if (!in) return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<std::uint32_t> ChecksumOf(const std::string& file) {
   return static_cast<std::uint32_t>(sum);
 }
 
-// The CRC-32 that a server wrote as hexadecimal digits, at most eight; none when it is none.
+// Parses a CRC-32 that a server wrote as at most eight hexadecimal digits.
 std::optional<std::uint32_t> ReadChecksum(std::string_view text) {
   return text.size() <= 8 ? text::ParseNumber<std::uint32_t>(text, 16) : std::nullopt;
 }
@@ -43,7 +43,7 @@ std::optional<std::uint32_t> ReadChecksum(std::string_view text) {
 struct ServerChecksum {
   CString text;
   int size = 0;
-  CString reason;  // when there is none
+  CString reason;  // why there is no checksum
 };
 
 // Whether the server has a checksum of the file.
@@ -54,25 +54,25 @@ bool AskChecksum(const NumberedFile& file, ServerChecksum& sum) {
 
 constexpr std::string_view kSame = "checksum ok";
 
-// Compares a local file with the server's: kSame, a remark that it could not be done, or nothing
-// when they differ.
+// Compares a local file with the server's. Returns kSame, a remark that they could not be compared,
+// or nullopt if they differ.
 std::optional<std::string> Compare(const std::string& local, const NumberedFile& file) {
   ServerChecksum sum;
   if (!AskChecksum(file, sum)) return "the server has no checksum";
   const auto theirs = ReadChecksum(sum.text.View());
-  if (!theirs) return "the server's checksum is of another kind";
+  if (!theirs) return "the server's checksum has an unknown format";
   if (ChecksumOf(local) != theirs) return std::nullopt;
   return std::string(kSame);
 }
 
-// Where a file goes for which the user named a file, or a folder that is there.
+// Returns the path of the local file. The user may have given an existing folder instead.
 std::string PlaceOf(const GetById& command) {
   const bool is_folder =
       KindOf(command.local) == LocalKind::kFolder && IsLocalName(command.file.name);
   return is_folder ? JoinLocal(command.local, command.file.name) : command.local;
 }
 
-// Gives the remark on the checksum; none when it failed, which the report was told.
+// Returns the remark on the checksum, or nullopt after a failure, which was reported.
 std::optional<std::string> Fetch(const GetById& command, const PartFolder& parts,
                                  TransferProgress& progress, TransferReport& report) {
   const NumberedFile& file = command.file;
@@ -87,7 +87,7 @@ std::optional<std::string> Fetch(const GetById& command, const PartFolder& parts
   const std::uint64_t bytes = SizeOf(parts.File());
   std::optional<std::string> remark = Compare(parts.File(), file);
   if (!remark) {
-    report.Fail(file.name, "came with another checksum than the server's, and was not kept");
+    report.Fail(file.name, "arrived with a checksum other than the server's, and was discarded");
     return std::nullopt;
   }
   if (const std::string reason = parts.MoveTo(PlaceOf(command)); !reason.empty()) {
@@ -113,8 +113,8 @@ Rows Described(const NumberedFile& file) {
   CString reason;
   const bool has_path =
       CRvoIdFileEx::GetIDFileSavePath(file.name.c_str(), file.id, path, reason) >= 1;
-  rows.push_back(
-      {"kept as", has_path ? std::string(path.View()) : "not told: " + std::string(reason.View())});
+  rows.push_back({"stored as",
+                  has_path ? std::string(path.View()) : "unknown: " + std::string(reason.View())});
   return rows;
 }
 
@@ -127,7 +127,7 @@ int Run(const ConnectionOptions& connection, const PutById& command, std::ostrea
   TransferReport report(session, err);
   if (KindOf(command.local) != LocalKind::kFile || !std::ifstream(command.local) ||
       command.local.size() > kLongestLocalPath) {
-    report.Fail(command.local, "is no file that can be read");
+    report.Fail(command.local, "is not a readable file");
     return report.Finish();
   }
   const NumberedFile& file = command.file;
@@ -146,7 +146,7 @@ int Run(const ConnectionOptions& connection, const PutById& command, std::ostrea
     report.Done(bytes);
   } else {
     report.Fail(command.local,
-                "the server has another checksum for it; it may have been changed "
+                "the server has a different checksum for it; the file may have changed "
                 "meanwhile: send it again");
   }
   return report.Finish(remark.value_or(""));
@@ -160,11 +160,11 @@ int Run(const ConnectionOptions& connection, const GetById& command, std::ostrea
   TransferReport report(session, err);
   TransferProgress progress(err, [&parts] { parts.Remove(); });
   if (!parts.Make()) {
-    fmt::print(err, "qvcall: {} is in no folder that can be written\n", Visible(command.local));
+    fmt::print(err, "qvcall: the folder of {} cannot be written\n", Visible(command.local));
     return kFailed;
   }
   const std::optional<std::string> remark = Fetch(command, parts, progress, report);
-  parts.Remove();  // before interrupts end the program at once again
+  parts.Remove();  // while an interrupt still runs the clean-up
   return report.Finish(remark.value_or(""));
 }
 

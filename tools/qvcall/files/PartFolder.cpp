@@ -30,7 +30,7 @@ bool PartFolder::Make() {
   return is_made_;
 }
 
-// The transport makes files that only their owner reads.
+// The transport creates files that only their owner can read.
 std::string PartFolder::MoveTo(const std::string& place) const {
   return MoveLocalFile(file_, usual_, place);
 }
@@ -38,7 +38,8 @@ std::string PartFolder::MoveTo(const std::string& place) const {
 void PartFolder::Remove() {
   const std::lock_guard lock(mutex_);
   is_over_ = true;
-  // What is made in the folder while it is emptied keeps it alive; that happens once at most.
+  // A file that is created while the folder is emptied makes the removal fail; that happens at most
+  // once.
   for (int attempt = 0; is_made_ && attempt < 8; ++attempt) {
     is_made_ = !RemoveLocalFolder(folder_);
   }

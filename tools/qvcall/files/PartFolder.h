@@ -5,41 +5,41 @@
 
 namespace qv::tool {
 
-// A folder of our own in which files come into being that are wanted beside it: whatever goes wrong
-// with one, a file that has its name already stays as it is.
+// A temporary folder in which files are downloaded before they are moved beside it. So a download
+// that fails leaves an existing file of that name unchanged.
 class PartFolder {
  public:
-  // Of a name in `folder` that nothing else has. It is not there before Make(), so that whoever
-  // removes it at an interrupt can be ready by then.
+  // Chooses an unused name in `folder`. Make() creates the folder later, so that a handler that
+  // removes it on an interrupt can be installed first.
   explicit PartFolder(const std::string& folder);
   ~PartFolder() { Remove(); }
   PartFolder(const PartFolder&) = delete;
   PartFolder& operator=(const PartFolder&) = delete;
 
-  // False when it cannot be made, when the way to it is too long for the library, or after
-  // Remove().
+  // Creates the folder. Returns false if that fails, if the path is too long for the library, or
+  // after Remove().
   [[nodiscard]] bool Make();
 
-  // Where the next file is to come into being.
+  // The path to download the next file to.
   [[nodiscard]] const std::string& File() const { return file_; }
-  // Gives that file its place, in which a file may stand, with the permissions that new files get
-  // here. The reason when it cannot be, else empty.
+  // Moves that file to `place`, replacing an existing file, and gives it the permissions of a new
+  // file. Returns an error text, empty on success.
   [[nodiscard]] std::string MoveTo(const std::string& place) const;
-  // Removes the folder with what is in it, for good. Any thread, also while a file is written
-  // there.
+  // Removes the folder with its contents for good. Any thread may call this, even while a file is
+  // being written there.
   void Remove();
 
  private:
   const std::string folder_;
   const std::string file_;
-  const std::string usual_;  // a file as any program makes them here
+  const std::string usual_;  // an empty file with the default permissions
 
-  std::mutex mutex_;  // of what follows
+  std::mutex mutex_;  // guards the members below
   bool is_made_ = false;
   bool is_over_ = false;
 };
 
-// The library cuts longer paths.
+// The library truncates longer paths.
 constexpr std::size_t kLongestLocalPath = 1024;
 
 }  // namespace qv::tool

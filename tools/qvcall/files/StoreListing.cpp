@@ -13,7 +13,7 @@
 namespace qv::tool {
 namespace {
 
-// As many as a reply has room for, with a margin.
+// A reply has room for some more records than this.
 constexpr int kPage = 4000;
 
 ServerFile FileOf(const CZelkorSvrFileInfo& record) {
@@ -34,7 +34,7 @@ SubStore SubStoreOf(const CZelkorSvrSubStoreInfo& record) {
           records::Number(record, records::sub_store::kFree)};
 }
 
-// An array that is freed here, its records as `read` takes them.
+// Converts the records of an array with `read`, and frees the array.
 template <class Record, class Read>
 auto Taken(Record* array, int count, Read read) {
   const std::unique_ptr<Record[]> records(array);
@@ -43,26 +43,26 @@ auto Taken(Record* array, int count, Read read) {
   return taken;
 }
 
-// Records that did not come are all zeros.
+// Records that are missing from an incomplete reply are all zeros.
 template <class Entry>
 std::size_t TakeNamelessOut(std::vector<Entry>& entries) {
   return std::erase_if(entries, [](const Entry& entry) { return entry.name.empty(); });
 }
 
-// An answer that was lost on its way looks like an empty folder, whose files nobody would miss:
-// only what is empty twice is.
+// Asks again after an empty answer: a reply that was lost looks like an empty folder, and its files
+// would be left out silently.
 bool AskUntilSomeCame(const std::function<bool()>& ask) {
   return ask() || (CRvoServer::GetIsNetworkBad(1) == 0 && ask());
 }
 
-// How many records of a page were taken; none when something is wrong with it.
+// Returns how many records of a page were taken, 0 if the page is invalid or `take` returned false.
 int TakePage(const CQvRvoBuf& page, const std::function<bool(const ServerFile&)>& take) {
   CZelkorSvrFileInfo record;
   const int records = static_cast<int>(std::min<std::size_t>(page.m_size / sizeof record, kPage));
   for (int i = 0; i < records; ++i) {
     std::memcpy(&record, page.m_bytes + static_cast<std::size_t>(i) * sizeof record, sizeof record);
     const ServerFile file = FileOf(record);
-    // A page that did not come whole is all zeros.
+    // An incomplete page is all zeros.
     if (file.name.empty() || !take(file)) return 0;
   }
   return records;
@@ -102,7 +102,7 @@ bool ForEachFile(const std::string& path, const std::string& pattern,
       return CRvoFolderEx::GetMatchFilesInFolderEx(path.c_str(), pattern.c_str(), count, 0, 0, from,
                                                    from + kPage - 1, &page) == 1;
     });
-    // Files may go while they are listed.
+    // Files may be removed while they are listed.
     if (!came) return from == 0 ? count == 0 : count > 0 && count <= from;
     const int taken = TakePage(page, take);
     if (taken == 0) return false;
@@ -122,7 +122,7 @@ std::optional<ServerFolder> FindFolder(const std::string& path) {
   for (ServerFolder& folder : FoldersIn(std::string(FolderOf(path))).folders) {
     if (folder.name == LastPart(path)) return std::move(folder);
   }
-  // A folder may have too many beside it for the server to list them.
+  // The folder may not be listed because it is one of too many.
   const bool has_folders = !FoldersIn(path).folders.empty();
   const bool has_files = !ForEachFile(path, kEveryFile, [](const ServerFile&) { return false; });
   if (!has_folders && !has_files) return std::nullopt;

@@ -1,5 +1,5 @@
-// What there is in a server's store. Names are as they came, and a server may name things as it
-// likes. What was not delivered looks like nothing: CRvoServer::GetIsNetworkBad() tells them apart.
+// Lists a server's store. Names are not validated: a server may send any bytes. A request that was
+// not delivered looks like an empty result; CRvoServer::GetIsNetworkBad() tells them apart.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ struct ServerFile {
 
 struct ServerFolder {
   std::string name;
-  std::int64_t modified;  // likewise; negative when it is not known
-  bool has_folders;       // as far as is known
+  std::int64_t modified;  // seconds since 1970, UTC; negative if unknown
+  bool has_folders;       // false if unknown
 };
 
 struct SubStore {
@@ -28,25 +28,25 @@ struct SubStore {
   std::uint64_t free;  // bytes
 };
 
-// The topmost folders whose names match.
+// Returns the topmost folders whose names match.
 [[nodiscard]] std::vector<SubStore> SubStoresLike(const std::string& pattern);
 
 struct FolderList {
   std::vector<ServerFolder> folders;
-  bool is_whole;  // false when a part of them did not come
+  bool is_whole;  // false if a part of the listing is missing
 };
 
-// The folders in a folder, by name. Here and below the empty path, which cannot be sent, leaves it
-// to the server to take the store itself.
+// Returns the folders in a folder, sorted by name. Here and below, the empty path means the store
+// itself: it is not sent, and servers take the store then.
 [[nodiscard]] FolderList FoldersIn(const std::string& path);
 
-// Hands over each file of a folder whose name matches, by name, as the server's pages of them come.
-// False when they did not all come, or when `take` wants no more.
+// Passes each file of a folder whose name matches to `take`, sorted by name, page by page as the
+// server sends them. Returns false if files are missing, or if `take` returned false to stop.
 [[nodiscard]] bool ForEachFile(const std::string& path, const std::string& pattern,
                                const std::function<bool(const ServerFile&)>& take);
 constexpr const char kEveryFile[] = "*.*";
 
-// What stands under that path, which is not empty.
+// Return the entry of that path, which must not be empty, or nullopt.
 [[nodiscard]] std::optional<ServerFile> FindFile(const std::string& path);
 [[nodiscard]] std::optional<ServerFolder> FindFolder(const std::string& path);
 

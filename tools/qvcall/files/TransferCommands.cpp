@@ -45,13 +45,13 @@ void Send(const Files& files, TransferReport& report, std::ostream& err) {
   }
 }
 
-// Or each file would be sent for nothing.
+// Checked first, so that no file is sent in vain.
 bool IsThere(const std::string& server_folder, const Session& session, std::ostream& err) {
   if (server_folder.empty() || FindFolder(server_folder)) return true;
   if (!session.Probe()) {
     session.PrintRefusal(Call::kLook, {}, err);
   } else {
-    fmt::print(err, "qvcall: {}: the server has no such folder; make it with `qvcall mkdir`\n",
+    fmt::print(err, "qvcall: {}: the server has no such folder; create it with `qvcall mkdir`\n",
                Visible(server_folder));
   }
   return false;
@@ -66,7 +66,8 @@ void Fetch(const Files& files, const PartFolder& parts, TransferProgress& progre
     if (code != result::kSuccess) {
       report.Fail(file.server, Call::kDownload, code);
     } else if (const std::string reason = parts.MoveTo(file.local); !reason.empty()) {
-      report.Fail(file.server, fmt::format("cannot become {}: {}", Visible(file.local), reason));
+      report.Fail(file.server,
+                  fmt::format("cannot be moved to {}: {}", Visible(file.local), reason));
     } else {
       report.Done(file.bytes);
     }
@@ -93,15 +94,16 @@ int Run(const ConnectionOptions& connection, const GetFiles& command, std::ostre
   TransferReport report(session, err);
   TransferProgress progress(err, [&parts] { parts.Remove(); });
   if (!parts.Make()) {
-    fmt::print(err, "qvcall: {} is no folder that can be written\n", Visible(command.local_folder));
+    fmt::print(err, "qvcall: {} is not a folder that can be written\n",
+               Visible(command.local_folder));
     return kFailed;
   }
   const Files files = PlanDownload(command, report);
-  // Nothing is also what a server shows without a good token.
+  // A server shows an empty store to a client without a valid token.
   if (files.empty() && !session.Probe())
     report.Fail(session.Address(), Call::kDownload, result::kTransferRefused);
   Fetch(files, parts, progress, report);
-  parts.Remove();  // before interrupts end the program at once again
+  parts.Remove();  // while an interrupt still runs the clean-up
   return report.Finish();
 }
 

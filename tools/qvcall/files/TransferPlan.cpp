@@ -13,7 +13,7 @@
 namespace qv::tool {
 namespace {
 
-// Another name would be sent, or one with wildcards.
+// Such a name would be sent with other characters, or with wildcards.
 constexpr std::string_view kUnsayable =
     "has a name with characters that the system's code page lacks; give it another name";
 
@@ -25,10 +25,11 @@ class UploadPlan {
   void Add(const std::string& local, const std::string& server_folder) {
     const std::optional<std::string> name = LocalNameOf(local);
     if (!name) return report_.Fail(local, kUnsayable);
-    if (!IsPlainName(*name)) return report_.Fail(local, "has a name that the server cannot take");
+    if (!IsPlainName(*name))
+      return report_.Fail(local, "has a name that the server does not accept");
     const std::string server = target_.join(server_folder, *name);
     if (server.size() > target_.longest_path || local.size() > target_.longest_local_path) {
-      return report_.Fail(local, "has too long a path");
+      return report_.Fail(local, "has a path that is too long");
     }
     AddNamed(local, server);
   }
@@ -43,9 +44,9 @@ class UploadPlan {
     } else if (kind == LocalKind::kNone) {
       report_.Fail(local, "there is no such file");
     } else if (kind == LocalKind::kOther) {
-      report_.Fail(local, "is no file that can be sent");
+      report_.Fail(local, "is not a file that can be sent");
     } else if (!recursive_) {
-      report_.Fail(local, "is a folder, which is only sent with -r");
+      report_.Fail(local, "is a folder, which is sent only with -r");
     } else if (target_.make_folder(local, server)) {
       AddInside(local, server);
     }
@@ -75,12 +76,12 @@ bool MakeFolder(const std::string& local, const std::string& server, TransferRep
   if (CRvoServer::GetIsNetworkBad(1) == 1) {
     report.Fail(local, Call::kUpload, result::kNotDelivered);
   } else {
-    report.Fail(local, "the server has no folder for it and makes none");
+    report.Fail(local, "the server has no folder for it and does not create one");
   }
   return false;
 }
 
-// Files and folders; a server may go on for ever.
+// Limits files and folders together, because a hostile server could list them without end.
 constexpr std::size_t kMostEntries = 1'000'000;
 
 class DownloadPlan {
@@ -98,7 +99,7 @@ class DownloadPlan {
     } else if (const auto folder = FindFolder(server); !folder) {
       report_.Fail(server, Call::kDownload, result::kDownloadFailed);
     } else if (!recursive_) {
-      report_.Fail(server, "is a folder, which is only fetched with -r");
+      report_.Fail(server, "is a folder, which is fetched only with -r");
     } else {
       AddFolder(server, JoinLocal(local_folder, name), folder->has_folders);
     }
@@ -110,16 +111,17 @@ class DownloadPlan {
   bool CanBeTaken(const std::string& server, std::string_view name) {
     if (++entries_ > kMostEntries) {
       if (entries_ == kMostEntries + 1) {
-        report_.Fail(server, "and what follows is left out, being too many files and folders");
+        report_.Fail(server,
+                     "this and all that follows is left out: there are too many files and folders");
       }
       return false;
     }
     if (!IsLocalName(name)) {
-      report_.Fail(server, "has a name that no file shall have here");
+      report_.Fail(server, "has a name that is not allowed for a local file");
       return false;
     }
     if (server.size() > kLongestServerPath) {
-      report_.Fail(server, "has too long a path to be asked for");
+      report_.Fail(server, "has a path that is too long to request");
       return false;
     }
     return true;
@@ -129,10 +131,10 @@ class DownloadPlan {
     files_.push_back({local, server, bytes});
   }
 
-  // A link would lead out of the folder that the user gave.
+  // A link could lead out of the folder that the user gave.
   void AddFolder(const std::string& server, const std::string& local, bool has_folders) {
     if (!MakeLocalFolder(local) && (KindOf(local) != LocalKind::kFolder || IsLinkToFolder(local))) {
-      return report_.Fail(server, "there is no place for a folder at " + Visible(local));
+      return report_.Fail(server, "no folder can be created at " + Visible(local));
     }
     AddInside(server, local, has_folders);
   }
@@ -144,10 +146,11 @@ class DownloadPlan {
       return entries_ <= kMostEntries;
     });
     const auto [folders, has_all_folders] = FoldersIn(server);
-    // A server lists too many as none.
+    // A server lists no folders if there are too many.
     const bool hides_folders = has_folders && folders.empty();
     if (!is_whole || !has_all_folders || hides_folders || CRvoServer::GetIsNetworkBad(1) == 1) {
-      report_.Fail(server.empty() ? "the store" : server, "not all that is in it could be listed");
+      report_.Fail(server.empty() ? "the store" : server,
+                   "its contents could not be listed completely");
     }
     for (const ServerFolder& folder : folders) {
       const std::string path = JoinServerPath(server, folder.name);
@@ -172,7 +175,7 @@ std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
   std::erase_if(files, [&](const FileTransfer& file) {
     const std::string& path = file.*place;
     if (taken.insert(place == &FileTransfer::local ? PathKey(path) : path).second) return false;
-    report.Fail(file.*source, "would replace a file before it, and is left out");
+    report.Fail(file.*source, "would replace an earlier file, and is left out");
     return true;
   });
   return files;

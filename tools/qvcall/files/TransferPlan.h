@@ -1,4 +1,4 @@
-// Which files a command moves. What a plan leaves out, it tells the report.
+// Decides which files a command transfers. Files that are left out are reported as failures.
 #pragma once
 
 #include <cstddef>
@@ -16,35 +16,37 @@ namespace qv::tool {
 struct FileTransfer {
   std::string local;
   std::string server;
-  std::uint64_t bytes;  // as far as is known
+  std::uint64_t bytes;  // 0 if unknown
 };
 
-// What a plan must know of the place that files are sent to.
+// The rules of the place that files are sent to.
 struct UploadTarget {
   std::string (*join)(std::string_view folder, std::string_view name);
   std::size_t longest_path;
   std::size_t longest_local_path;
-  // Makes a folder for what is in a local one. False when that failed and the report knows.
+  // Creates a folder for the contents of a local one. Returns false after a failure, which it has
+  // reported.
   std::function<bool(const std::string& local, const std::string& folder)> make_folder;
 };
 
-// The files that are sent to a folder of such a place; folders and what is in them if `recursive`.
+// Returns the files to send to a folder of such a place; folders with their contents if
+// `recursive`.
 [[nodiscard]] std::vector<FileTransfer> PlanUpload(const UploadTarget& target,
                                                    const std::vector<std::string>& local,
                                                    const std::string& folder, bool recursive,
                                                    TransferReport& report);
 
-// The files that a command sends. The folders that they go to are made on the server, where they
-// are not there yet.
+// Returns the files that a command sends. Missing target folders are created on the server.
 [[nodiscard]] std::vector<FileTransfer> PlanUpload(const PutFiles& command, TransferReport& report);
 
-// The files that a command fetches. The local folders that they go to are made. Whatever the server
-// calls its files and folders, none goes to a place outside the folder that the command names, nor
-// through a link that stands in it.
+// Returns the files that a command fetches, and creates their local folders. Whatever names the
+// server sends, no file is placed outside the folder that the command names, nor reached through a
+// link inside it.
 [[nodiscard]] std::vector<FileTransfer> PlanDownload(const GetFiles& command,
                                                      TransferReport& report);
 
-// Leaves out each file whose place one before it takes already: the last would win unseen.
+// Leaves out each file whose place an earlier one takes already: it would silently replace that
+// one.
 [[nodiscard]] std::vector<FileTransfer> WithoutDoubles(std::vector<FileTransfer> files,
                                                        std::string FileTransfer::*source,
                                                        std::string FileTransfer::*place,

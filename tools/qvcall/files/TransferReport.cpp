@@ -11,7 +11,7 @@ namespace qv::tool {
 
 namespace {
 
-// Nobody reads more, and what a server names so is as much as it likes.
+// A hostile server could cause any number of failures.
 constexpr std::size_t kMostNamedAgain = 1000;
 
 }  // namespace
@@ -29,7 +29,7 @@ void TransferReport::Fail(std::string_view subject, std::string_view reason) {
 void TransferReport::Fail(std::string_view subject, Call call, int code) {
   const ReturnCode words = ExplainResult(call, session_.Way(), code);
   Fail(subject, fmt::format("{} (result {})", words.meaning, code));
-  // Once for all files that one thing keeps from being moved.
+  // The same advice is printed once for consecutive files.
   if (std::exchange(last_advice_, words.advice) == words.advice) return;
   fmt::print(err_, "  {}\n", words.advice);
 }

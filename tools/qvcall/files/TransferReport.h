@@ -11,19 +11,19 @@
 
 namespace qv::tool {
 
-// Says how it goes with each of several files, and at the end how it went with all.
+// Prints the failures of several transfers as they happen, and a summary at the end.
 class TransferReport {
  public:
-  // Both outlive it.
+  // Both arguments must outlive the report.
   TransferReport(const Session& session, std::ostream& err) : session_(session), err_(err) {}
 
-  // `bytes` is none when nobody knows how many they were.
+  // `bytes` is nullopt if it is not known.
   void Done(std::optional<std::uint64_t> bytes, std::size_t files = 1);
-  // The reason is ours, or a call's result.
+  // The reason is given as text, or as the result of a call.
   void Fail(std::string_view subject, std::string_view reason);
   void Fail(std::string_view subject, Call call, int code);
   [[nodiscard]] bool HasFailures() const { return !failed_.empty(); }
-  // Sums up, with a remark on what went well, and gives the exit status.
+  // Prints the summary, with a remark on the successes, and returns the exit status.
   [[nodiscard]] int Finish(std::string_view remark = {}) const;
 
  private:
@@ -33,7 +33,7 @@ class TransferReport {
   std::optional<std::uint64_t> bytes_ = 0;
   std::string_view last_advice_;
   std::size_t failures_ = 0;
-  std::vector<std::string> failed_;  // the first of them
+  std::vector<std::string> failed_;  // the first of the failures
 };
 
 }  // namespace qv::tool

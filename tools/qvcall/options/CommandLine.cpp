@@ -10,7 +10,7 @@
 namespace qv::tool {
 namespace {
 
-constexpr int kLongestTimeout = 3600000;  // an hour; the transports take no more
+constexpr int kLongestTimeout = 3600000;  // an hour; the transports accept no more
 
 const std::map<std::string, Format> kFormats = {
     {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
@@ -22,38 +22,39 @@ void AddServer(CLI::App& app, ConnectionOptions& connection) {
       ->check(NotEmpty())
       ->capture_default_str();
   app.add_option("--port", connection.port,
-                 "Port of the server; needed unless --direct, ftp or cloud")
+                 "Port of the server; required except with --direct, ftp and cloud")
       ->envname("QVCALL_PORT")
       ->check(CLI::Range(1, 65535));
   app.add_flag("--web", connection.web,
-               "Talk HTTP. Without it, ServerType in the QvNetClient.ini beside the library says "
-               "what to talk");
+               "Use HTTP. Without it, ServerType in the QvNetClient.ini beside the library selects "
+               "the transport");
   app.add_option("--http-port", connection.http_port, "Port that --web uses; --port without it")
       ->envname("QVCALL_HTTP_PORT")
       ->check(CLI::Range(1, 65535));
   app.add_option("--token", connection.token,
-                 "Access token; the environment does not show it to other users")
+                 "Access token; pass it in the environment to hide it from other users")
       ->envname("QVCALL_TOKEN")
       ->check(NotEmpty());
   app.add_option("--ca-file", connection.ca_file,
-                 "Authorities whose certificates are good for https:// and ftpes://, as PEM; the "
-                 "system's without it")
+                 "PEM file with the certificate authorities to trust for https:// and ftpes://; "
+                 "without it, the system's")
       ->check(ReadableFile());
   app.add_option("--timeout-ms", connection.timeout_ms,
-                 "Longest time to connect, and to wait without progress, in milliseconds")
+                 "Longest time to connect, and longest time without progress, in milliseconds")
       ->check(CLI::Range(1, kLongestTimeout));
 }
 
 void AddDirect(CLI::App& app, std::string& connection_text) {
   app.add_option("--direct", connection_text,
-                 "Work on the database of this ODBC connection text, without any server. It may "
-                 "hold a password: the environment does not show it to other users")
+                 "Use the database of this ODBC connection text, without a server. If it holds a "
+                 "password, pass it in the environment to hide it from other users")
       ->envname("QVCALL_DIRECT")
       ->check(NotEmpty())
       ->option_text("CONNSTR (Env:QVCALL_DIRECT)");
 }
 
-constexpr const char kDatabaseHelp[] = "Name of the database on the server; needed unless --direct";
+constexpr const char kDatabaseHelp[] =
+    "Name of the database on the server; required unless --direct is given";
 
 void AddDatabase(CLI::App& command, std::string& database, const char* help = kDatabaseHelp) {
   command.add_option("--db", database, help)->check(NotEmpty());
@@ -77,18 +78,19 @@ QueryCommand AddQuery(CLI::App& app, const char* name, const char* description,
       ->transform(CLI::CheckedTransformer(kFormats))
       ->option_text("table|csv|json [table]");
   command->footer(
-      "Binary cells become files in the temporary folder, which stay; the cells show their paths.");
+      "Binary cells are written to files in the temporary folder, which are not deleted; the cells "
+      "show their paths.");
   CLI::Option* cache =
       command
           ->add_option(
               "--cache", query.cache_folder,
-              "Keep answers in DIR and use them while the server cannot be reached. "
-              "Without DIR, a folder of the user's own; then write it behind the statement. "
-              "Not with --web or --direct")
+              "Store answers in DIR and use them while the server cannot be reached. "
+              "Without DIR, a folder of the user's own is used; then put --cache after the "
+              "statement. Not with --web or --direct")
           ->expected(0, 1)
           ->option_text("[DIR]");
   command->add_flag("--offline", query.offline,
-                    "Answer from the cache only, without any contact; implies --cache");
+                    "Answer from the cache only, without contacting the server; implies --cache");
   return {command, cache};
 }
 
@@ -99,7 +101,7 @@ void TakeQuery(const QueryCommand& from, QueryOptions& options, CommandLine& com
 }
 
 CLI::App* AddExec(CLI::App& app, ExecOptions& exec) {
-  CLI::App* command = app.add_subcommand("exec", "Run a statement that gives no rows");
+  CLI::App* command = app.add_subcommand("exec", "Run a statement that returns no rows");
   AddStatement(*command, exec.sql);
   AddDatabase(*command, exec.database);
   return command;
@@ -109,11 +111,12 @@ CLI::App* AddBatch(CLI::App& app, BatchOptions& batch) {
   CLI::App* command =
       app.add_subcommand("batch", "Run the statements of a file, all of them or none");
   command->add_option("file", batch.file, "The file; - is standard input")->required();
-  AddDatabase(*command, batch.database, "Name of the database on the server; needed");
+  AddDatabase(*command, batch.database, "Name of the database on the server; required");
   command->footer(
       "Statements end at each \";\" outside quotes, names in square brackets and comments.\n"
-      "A batch goes over the socket transport, with --web as well: to --port, or without one to "
-      "--http-port, for a server that takes both there. Not with --direct.");
+      "A batch always uses the socket transport, even with --web: it goes to --port, or without "
+      "one "
+      "to --http-port, for a server that accepts both there. Not with --direct.");
   return command;
 }
 
@@ -126,8 +129,8 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   QueryOptions call{.call = Call::kProcedure};
   ExecOptions exec;
   BatchOptions batch;
-  CLI::App app("Talks to a design-management server from the command line.", "qvcall");
-  app.allow_windows_style_options(false);  // a slash begins paths, on every system
+  CLI::App app("Command-line client of a design-management server.", "qvcall");
+  app.allow_windows_style_options(false);  // a slash begins a path on every system
   app.fallthrough()->require_subcommand(1);
   app.footer(
       "Exit status: 0 success, 1 a failed call, 2 wrong usage.\n"
@@ -136,7 +139,7 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
       "  qvcall --web --http-port 8080 query \"SELECT * FROM projects\" --db DESIGNDB\n"
       "  qvcall --direct \"Driver=SQLite3;Database=plans.db\" query \"SELECT * FROM projects\"\n"
       "  qvcall --port 4000 get -r drawings/structural .\n"
-      "Commands for files and the directory go over the socket transport, as batch does.");
+      "Commands for files and the directory use the socket transport, as batch does.");
   AddServer(app, parsed.command.connection);
   AddDirect(app, parsed.command.connection.direct);
   const QueryCommand query_command =

@@ -16,25 +16,25 @@ constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
-// What to talk to, and how.
+// The server or database to connect to, and how.
 struct ConnectionOptions {
   std::string server = "127.0.0.1";
   int port = 0;                     // 0: not given
-  int http_port = 0;                // likewise
-  bool web = false;                 // HTTP, whatever the library's configuration says
+  int http_port = 0;                // 0: not given
+  bool web = false;                 // HTTP, regardless of the library's configuration
   std::string token{};              // empty: none
   std::string ca_file{};            // empty: the system's
-  std::optional<int> timeout_ms{};  // none: the transport's own
-  std::string direct{};             // a connection text: its database, and no server
+  std::optional<int> timeout_ms{};  // nullopt: the transport's own
+  std::string direct{};             // ODBC connection text; if given, no server is used
 
-  // The port of the server, as it is talked to; 0 when it was not given.
+  // Returns the port that is used, 0 if none was given.
   [[nodiscard]] int Port() const { return web && http_port != 0 ? http_port : port; }
 };
 
 struct QueryOptions {
   Call call = Call::kQuery;  // or kProcedure
-  std::string sql{};         // "-": standard input has it
-  std::string database{};    // empty only in direct mode; so in the other commands
+  std::string sql{};         // "-": read it from standard input
+  std::string database{};    // empty only in direct mode, as in the other commands
   Format format = Format::kTable;
   bool use_cache = false;
   std::string cache_folder{};  // empty: the user's default folder
@@ -42,7 +42,7 @@ struct QueryOptions {
 };
 
 struct ExecOptions {
-  std::string sql;  // "-": standard input has it
+  std::string sql;  // "-": read it from standard input
   std::string database;
 };
 
@@ -53,7 +53,7 @@ struct BatchOptions {
 
 struct CommandLine {
   ConnectionOptions connection;
-  std::optional<QueryOptions> query{};  // at most one of these; none: ping
+  std::optional<QueryOptions> query{};  // at most one of these is set; none: ping
   std::optional<ExecOptions> exec{};
   std::optional<BatchOptions> batch{};
   std::optional<StoreCommand> store{};
@@ -62,10 +62,10 @@ struct CommandLine {
 
 struct ParsedCommandLine {
   CommandLine command;
-  std::optional<int> exit_status{};  // when the program is to end with it at once
+  std::optional<int> exit_status{};  // set if the program must exit with it at once
 };
 
-// Reads the command line and the environment. Help goes to `out`, what is wrong to `err`.
+// Parses the command line and the environment. Prints help to `out` and errors to `err`.
 [[nodiscard]] ParsedCommandLine ParseCommandLine(int argc, const char* const* argv,
                                                  std::ostream& out, std::ostream& err);
 

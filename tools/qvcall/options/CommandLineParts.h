@@ -1,4 +1,5 @@
-// The parts that the reader of the command line is made of.
+// The parts of the command-line parser: groups of subcommands, checks of single options, and rules
+// on their combination.
 #pragma once
 
 #include <CLI/App.hpp>
@@ -14,16 +15,16 @@
 
 namespace qv::tool {
 
-// Has `app` know the commands for files, folders, identifiers, the directory and the server itself;
-// parsing puts the one that was given into `taken`, which outlives it.
+// Adds the commands for files, folders, identifiers, the directory and the server itself to `app`.
+// Parsing stores the command that was given in `taken`, which must outlive `app`.
 void AddStoreCommands(CLI::App& app, std::optional<StoreCommand>& taken);
 
-// Has `app` know the commands for file servers and cloud stores; parsing puts the one that was
-// given into `taken`, which outlives it.
+// Adds the commands for file servers and cloud stores to `app`. Parsing stores the command that was
+// given in `taken`, which must outlive `app`.
 void AddQueueCommands(CLI::App& app, std::optional<QueueCommand>& taken);
 
-// What is wrong with options that are right each by itself, in one sentence; empty when they go
-// together.
+// Checks the combination of options that are each valid. Returns an error text, empty if there is
+// no conflict.
 [[nodiscard]] std::string_view BrokenRule(const CommandLine& command);
 
 inline CLI::Validator NotEmpty() {
@@ -33,7 +34,7 @@ inline CLI::Validator NotEmpty() {
           ""};
 }
 
-// Not the parser's own check, which takes narrow text for another encoding on some systems.
+// Used instead of CLI::ExistingFile, which assumes another encoding of narrow text on some systems.
 inline CLI::Validator ReadableFile() {
   return {[](const std::string& path) {
             return KindOf(path) == LocalKind::kNone || KindOf(path) == LocalKind::kFolder

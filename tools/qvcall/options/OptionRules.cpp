@@ -24,47 +24,48 @@ struct Rule {
   std::string_view words;
 };
 
-// In the order in which they are looked at: the first that is broken is told.
+// Checked in this order; only the first broken rule is reported.
 constexpr Rule kRules[] = {
     {[](const CommandLine& c) { return IsDirect(c) && c.connection.web; },
-     "--web talks to a server and --direct (or QVCALL_DIRECT) to a database without one: give only "
-     "one of them"},
+     "--web uses a server, and --direct (or QVCALL_DIRECT) a database without one: give only one "
+     "of "
+     "them"},
     {[](const CommandLine& c) { return IsDirect(c) && c.query && c.query->use_cache; },
-     "--cache and --offline keep answers of a server, and --direct (or QVCALL_DIRECT) talks to a "
-     "database without one: leave them away"},
+     "--cache and --offline store answers of a server, and --direct (or QVCALL_DIRECT) uses a "
+     "database without one: omit them"},
     {[](const CommandLine& c) { return IsDirect(c) && c.batch.has_value(); },
-     "a batch needs a server, and --direct (or QVCALL_DIRECT) talks to a database without one: run "
+     "a batch needs a server, and --direct (or QVCALL_DIRECT) uses a database without one: run "
      "its statements one by one with exec"},
     {[](const CommandLine& c) { return IsDirect(c) && (c.store || c.queue); },
-     "files, the directory and the log are a server's, and --direct (or QVCALL_DIRECT) talks to a "
-     "database without one: leave it away"},
+     "files, the directory and the log belong to a server, and --direct (or QVCALL_DIRECT) uses a "
+     "database without one: omit it"},
     {[](const CommandLine& c) { return IsDirect(c) && c.connection.timeout_ms.has_value(); },
-     "--timeout-ms limits the wait for a server, and --direct (or QVCALL_DIRECT) talks to a "
-     "database without one: set a limit in the connection text"},
+     "--timeout-ms limits the wait for a server, and --direct (or QVCALL_DIRECT) uses a database "
+     "without one: set a limit in the connection text"},
     {[](const CommandLine& c) { return !IsDirect(c) && NeedsDatabase(c); },
      "--db is required: the name of the database on the server"},
     {[](const CommandLine& c) { return c.connection.web && c.query && c.query->use_cache; },
-     "--cache and --offline do not go with --web: a web server has no offline work"},
+     "--cache and --offline cannot be used with --web: a web server does not support offline work"},
     {[](const CommandLine& c) { return c.queue && c.connection.web; },
-     "--web does not go with ftp and cloud, which only write to the server's log, over the socket "
-     "transport: leave it away, and give --port for the log"},
+     "--web cannot be used with ftp and cloud, which contact the server only to write to its log, "
+     "over the socket transport: omit it, and give --port for the log"},
     {[](const CommandLine& c) {
        return !c.queue && !c.connection.ca_file.empty() && !c.connection.web;
      },
-     "--ca-file goes only with --web: the socket transport does not encrypt"},
+     "--ca-file can only be used with --web: the socket transport does not encrypt"},
     {[](const CommandLine& c) {
        return !c.queue && !c.connection.ca_file.empty() && !IsEncrypted(c.connection);
      },
-     "--ca-file needs encryption to be used for: begin the name of the server with https://"},
+     "--ca-file has no effect without encryption: begin the name of the server with https://"},
     {[](const CommandLine& c) {
        return (c.batch || c.store) && c.connection.web && IsEncrypted(c.connection);
      },
-     "this command always goes over the socket transport, which does not encrypt: leave --web and "
-     "https:// away, and give --port"},
+     "this command always uses the socket transport, which does not encrypt: omit --web and "
+     "https://, and give --port"},
     {[](const CommandLine& c) {
        return !IsDirect(c) && c.connection.web && c.connection.Port() == 0;
      },
-     "--http-port or --port is required: the port on which the server talks HTTP"},
+     "--http-port or --port is required: the port on which the server speaks HTTP"},
     {[](const CommandLine& c) { return !IsDirect(c) && !c.queue && c.connection.Port() == 0; },
      "--port is required: the port of the server"},
 };

@@ -22,7 +22,7 @@ void TakeHost(std::string_view typed, QueueHost& host) {
   host.name = name;
   host.port = port ? text::ParseNumber<std::uint16_t>(*port).value_or(0) : 0;
   if (port && host.port == 0) {
-    throw CLI::ValidationError("--host", "the port is a number from 1 to 65535");
+    throw CLI::ValidationError("--host", "the port must be a number from 1 to 65535");
   }
 }
 
@@ -37,50 +37,50 @@ class QueueCommandLine {
   }
 
   void AddFtpOptions() {
-    AddHost("[ftp://|ftpes://]NAME[:PORT]",
-            "The file server; ftpes:// encrypts all that is said and moved");
-    AddLogin("USER", "Name of the user; without it, whoever may come without a name");
+    AddHost("[ftp://|ftpes://]NAME[:PORT]", "The file server; ftpes:// encrypts commands and data");
+    AddLogin("USER", "Name of the user; without it, an anonymous login");
     app_.add_flag("--active", host_->is_active,
-                  "Have the server open the connections for data, for one that cannot do without");
+                  "Let the server open the data connections, if it requires that");
     app_.add_flag("--text", host_->is_text,
-                  "Translate line ends; a broken transfer then begins anew");
+                  "Translate line ends; a broken transfer then starts over");
     AddRest("password");
   }
 
   void AddCloudOptions() {
-    AddHost("[https://|http://]NAME[:PORT]", "The cloud store, which has an interface as S3 does");
+    AddHost("[https://|http://]NAME[:PORT]",
+            "The cloud store, which must have an S3-compatible interface");
     AddLogin("KEY", "The access key")->required();
     app_.add_flag("--virtual-host", host_->has_virtual_host,
-                  "Name the bucket before the host, not before the path");
-    app_.add_option("--region", host_->region, "The region that the store says it is in")
+                  "Put the name of the bucket before the host, not before the path");
+    app_.add_option("--region", host_->region, "The region of the store")
         ->check(NotEmpty())
         ->option_text("NAME [us-east-1]");
     AddRest("secret key");
   }
 
   void AddCommands() {
-    // The last word is the folder that the others go to.
+    // The last argument is the target folder.
     auto [put, up] = Add<QueuePut>("put", "Send files to a folder of the server", [](auto& given) {
       given.folder = given.local.back();
       given.local.pop_back();
     });
     AddAll(put, up->local, "LOCAL... FOLDER",
-           "Local files, and the folder of the server that they go to, which is made as needed")
+           "Local files, and the target folder on the server, which is created if needed")
         ->expected(2, kAnyNumber);
-    put->add_flag("-r", up->recursive, "Send folders with all that is in them");
+    put->add_flag("-r", up->recursive, "Send folders with all their contents");
     auto [get, down] = Add<QueueGet>("get", "Fetch files into a local folder", [](auto& given) {
       given.local_folder = given.paths.back();
       given.paths.pop_back();
     });
     AddAll(get, down->paths, "PATH... LOCALFOLDER",
-           "Files on the server, and the local folder that they go to")
+           "Files on the server, and the local target folder")
         ->expected(2, kAnyNumber);
     get->footer("Folders cannot be fetched: name each file.");
     AddSourceAndTarget<QueueCopy>("cp", "Copy a file");
     AddSourceAndTarget<QueueMove>("mv", "Move or rename a file");
     auto [rm, remove] = Add<QueueRemove>("rm", "Remove files");
     AddAll(rm, remove->paths, "PATH...");
-    rm->add_flag("-r", remove->recursive, "Remove folders, with all that is in them");
+    rm->add_flag("-r", remove->recursive, "Remove folders with all their contents");
   }
 
  private:
@@ -106,22 +106,21 @@ class QueueCommandLine {
   void AddRest(const std::string& password) {
     app_.add_option("--password-file", host_->password_file,
                     "Take the " + password +
-                        " from the first line of FILE, or with - of standard input. Without it, "
-                        "the terminal asks")
+                        " from the first line of FILE, or of standard input if FILE is -. Without "
+                        "it, the terminal asks")
         ->check(NotEmpty())
         ->option_text("FILE");
     app_.add_option("--retries", host_->retries,
-                    "How many more times a transfer that broke is tried, from where it broke")
+                    "How often a broken transfer is retried; it is resumed where it broke")
         ->check(CLI::Range(0, kMostRetries))
         ->option_text("N [3]");
-    app_.footer("The options for the host may stand behind the command as well: `qvcall " +
-                app_.get_name() +
-                " --help` has them.\n"
-                "What fails is told at the end; with --port, the server's log is told as well.\n"
-                "--ca-file and --timeout-ms count for the transfers.");
+    app_.footer("The options for the host may also follow the command: `qvcall " + app_.get_name() +
+                " --help` lists them.\n"
+                "Failures are listed at the end and, with --port, written to the server's log.\n"
+                "--ca-file and --timeout-ms apply to the transfers.");
   }
 
-  // `finish` looks at what was given when all of it is there.
+  // `finish` completes the command after parsing.
   template <class Work, class Finish = decltype(kAsGiven)>
   Added<Work> Add(const char* name, const char* description, Finish finish = kAsGiven) {
     CLI::App* const added = app_.add_subcommand(name, description)->group("Commands");
@@ -147,15 +146,14 @@ class QueueCommandLine {
     auto [added, work] = Add<Work>(name, description);
     added->add_option("source", work->source)->required()->check(NotEmpty())->option_text("FROM");
     added
-        ->add_option("target", work->target,
-                     "The new path, or with a / at its end the folder to put it into")
+        ->add_option("target", work->target, "The new path, or the target folder if it ends with /")
         ->required()
         ->check(NotEmpty())
         ->option_text("TO");
   }
 
   CLI::App& app_;
-  // The parser fills these in, after this object's life.
+  // The parser fills these in after this object is destroyed.
   std::shared_ptr<QueueHost> host_;
   std::shared_ptr<std::string> typed_host_ = std::make_shared<std::string>();
   std::optional<QueueCommand>& taken_;

@@ -1,5 +1,5 @@
-// The commands that move files between this machine and a file server or a cloud store, in a queue.
-// Paths there are as the user wrote them.
+// The commands that transfer files between this machine and a file server or a cloud store in a
+// queue. Paths on the server are as the user wrote them.
 #pragma once
 
 #include <cstdint>
@@ -11,22 +11,21 @@
 
 namespace qv::tool {
 
-// Where the files are, and how to talk to it. What is only for one service is not used by the
-// other.
+// The server or store, and how to connect to it. Options of one service are ignored by the other.
 struct QueueHost {
   Service service = Service::kFtp;
   std::string name;               // with a scheme or without
-  std::uint16_t port = 0;         // 0: the usual one
-  std::string login;              // empty: whoever may come without a name
-  std::string password_file;      // empty: the user is asked; "-": standard input
-  int retries = 3;                // how many more times a broken transfer is tried
-  bool is_active = false;         // FTP: the server opens the connections for data
+  std::uint16_t port = 0;         // 0: the default
+  std::string login;              // empty: anonymous
+  std::string password_file;      // empty: ask the user; "-": standard input
+  int retries = 3;                // how often a broken transfer is retried
+  bool is_active = false;         // FTP: the server opens the data connections
   bool is_text = false;           // FTP: line ends are translated
   bool has_virtual_host = false;  // cloud: the bucket is part of the host's name
-  std::string region;             // cloud; empty: the component's own
+  std::string region;             // cloud; empty: the component's default
 };
 
-// `Put` and `Get` have a folder that the files go to.
+// Put and get transfer all files into one folder.
 struct QueuePut {
   std::vector<std::string> local;
   std::string folder;
@@ -50,7 +49,7 @@ struct QueueMove {
 
 struct QueueRemove {
   std::vector<std::string> paths;
-  bool recursive = false;  // they are folders
+  bool recursive = false;  // the paths are folders
 };
 
 struct QueueCommand {

@@ -12,14 +12,14 @@
 namespace qv::tool {
 namespace {
 
-// What the library sends of a text for the log.
+// The library truncates longer texts for the log.
 constexpr std::size_t kLongestLogText = 10238;
 // Longer than any path.
 constexpr std::size_t kLongestWord = 4096;
 constexpr int kAnyNumber = CLI::detail::expected_max_vector_size;
 
 constexpr const char kFiles[] = "Files and folders on the server";
-constexpr const char kNumbered[] = "Files that the server keeps under a number and a name";
+constexpr const char kNumbered[] = "Files that the server stores under a number and a name";
 constexpr const char kServer[] = "The server and its directory";
 
 CLI::Validator Length(std::size_t longest) {
@@ -32,7 +32,7 @@ CLI::Validator Length(std::size_t longest) {
           ""};
 }
 
-// The path as the server takes it. Thrown out here when it cannot be sent.
+// Returns the path if it can be sent to the server, and throws a ValidationError otherwise.
 std::string Taken(std::string path, bool may_be_store = false) {
   if (path.size() > kLongestServerPath) {
     throw CLI::ValidationError(path, "is longer than the " + std::to_string(kLongestServerPath) +
@@ -48,7 +48,7 @@ std::string TakenTyped(const std::string& typed, bool may_be_store = false) {
   return Taken(ServerPath(typed), may_be_store);
 }
 
-// As a path behind which nothing is to be added, or the path of a folder to put the source into.
+// Returns the target itself or, if it was written as a folder, the path of `source` in it.
 std::string TakenTarget(const std::string& typed, const std::string& source) {
   if (!EndsAsFolder(typed)) return TakenTyped(typed);
   return Taken(JoinServerPath(ServerPath(typed), LastPart(source)));
@@ -60,14 +60,14 @@ class StoreCommandLine {
 
   void AddFolderCommands() {
     auto [ls, list] =
-        Add<ListFolder>(kFiles, "ls", "List a folder; without PATH, the store",
+        Add<ListFolder>(kFiles, "ls", "List a folder; without PATH, the whole store",
                         [](auto& given) { given.path = TakenTyped(given.path, true); });
     ls->add_option("path", list->path, "A folder, or a file")->option_text("[PATH]");
     ls->add_option("pattern", list->pattern,
                    "Only files whose names match: * is any text, ? any character")
         ->option_text("[PATTERN]");
     ls->add_flag("-l", list->is_long, "With sizes, in bytes, and times");
-    AddPaths<MakeFolders>("mkdir", "Make folders");
+    AddPaths<MakeFolders>("mkdir", "Create folders");
     AddPaths<RemoveFolders>("rmdir", "Remove empty folders");
   }
 
@@ -75,22 +75,22 @@ class StoreCommandLine {
     AddPaths<RemoveFiles>("rm", "Remove files");
     AddSourceAndTarget<MovePath>("mv", "Move or rename a file or a folder");
     AddSourceAndTarget<CopyFile>("cp", "Copy a file");
-    auto [stat, show] = Add<ShowPath>(kFiles, "stat", "Show what a file or folder is",
-                                      [](auto& given) { given.path = TakenTyped(given.path); });
+    auto [stat, show] =
+        Add<ShowPath>(kFiles, "stat", "Show the kind, size and time of a file or folder",
+                      [](auto& given) { given.path = TakenTyped(given.path); });
     stat->add_option("path", show->path)->required()->option_text("PATH");
   }
 
   void AddTransferCommands() {
-    // The last word is the folder that the others go to.
+    // The last argument is the target folder.
     auto [put, up] =
         Add<PutFiles>(kFiles, "put", "Send files to a folder of the server", [](auto& given) {
           given.server_folder = TakenTyped(given.local.back(), true);
           given.local.pop_back();
         });
-    AddAll(put, up->local, "LOCAL... FOLDER",
-           "Local files, and the folder of the server that they go to")
+    AddAll(put, up->local, "LOCAL... FOLDER", "Local files, and the target folder on the server")
         ->expected(2, kAnyNumber);
-    put->add_flag("-r", up->recursive, "Send folders with all that is in them");
+    put->add_flag("-r", up->recursive, "Send folders with all their contents");
     auto [get, down] =
         Add<GetFiles>(kFiles, "get", "Fetch files into a local folder", [](auto& given) {
           given.local_folder = given.server.back();
@@ -98,22 +98,22 @@ class StoreCommandLine {
           for (std::string& path : given.server) path = TakenTyped(path, given.recursive);
         });
     AddAll(get, down->server, "PATH... LOCALFOLDER",
-           "Files on the server, and the local folder that they go to")
+           "Files on the server, and the local target folder")
         ->expected(2, kAnyNumber);
-    get->add_flag("-r", down->recursive, "Fetch folders with all that is in them");
+    get->add_flag("-r", down->recursive, "Fetch folders with all their contents");
   }
 
   void AddIdCommands() {
     auto [idput, up] = Add<PutById>(kNumbered, "idput", "Send a file", LocalIsNamed<PutById>);
     AddFile(idput, up->file);
-    idput->add_option("local", up->local, "The local file; NAME without it")
+    idput->add_option("local", up->local, "The local file; without it, NAME")
         ->option_text("[LOCAL]");
     auto [idget, down] = Add<GetById>(kNumbered, "idget", "Fetch a file", LocalIsNamed<GetById>);
     AddFile(idget, down->file);
-    idget->add_option("local", down->local, "The local file or folder; NAME without it")
+    idget->add_option("local", down->local, "The local file or folder; without it, NAME")
         ->option_text("[LOCAL]");
     auto [idstat, show] =
-        Add<ShowById>(kNumbered, "idstat", "Show what the server knows of a file");
+        Add<ShowById>(kNumbered, "idstat", "Show what the server knows about a file");
     AddFile(idstat, show->file);
   }
 
@@ -132,9 +132,9 @@ class StoreCommandLine {
         ->required()
         ->check(Length(kLongestLogText))
         ->option_text("TEXT");
-    log->add_option("--kind", line->kind, "A number that the server knows the meaning of")
+    log->add_option("--kind", line->kind, "A number whose meaning the server defines")
         ->option_text("N [0]");
-    Add<ShowServer>(kServer, "info", "Show what the server says of itself");
+    Add<ShowServer>(kServer, "info", "Show what the server reports about itself");
   }
 
  private:
@@ -146,7 +146,7 @@ class StoreCommandLine {
 
   static constexpr auto kAsGiven = [](auto&) {};
 
-  // `finish` looks at what was given when all of it is there.
+  // `finish` checks and completes the command after parsing.
   template <class Command, class Finish = decltype(kAsGiven)>
   Added<Command> Add(const char* group, const char* name, const char* description,
                      Finish finish = kAsGiven) {
@@ -184,7 +184,7 @@ class StoreCommandLine {
     added->add_option("source", command->source)->required()->option_text("FROM");
     added
         ->add_option("target", command->target,
-                     "The new path, or with a \\ or / at its end the folder to put it into")
+                     "The new path, or the target folder if it ends with \\ or /")
         ->required()
         ->option_text("TO");
   }
@@ -204,7 +204,8 @@ class StoreCommandLine {
   static void LocalIsNamed(Command& given) {
     if (!given.local.empty()) return;
     if (!IsLocalName(given.file.name)) {
-      throw CLI::ValidationError("LOCAL", "is needed, since NAME cannot be that of a local file");
+      throw CLI::ValidationError("LOCAL",
+                                 "is required, because NAME is not a valid name for a local file");
     }
     given.local = given.file.name;
   }

@@ -1,5 +1,5 @@
-// The commands that work on what a server keeps beside its databases, and their options. Paths on
-// the server are as ServerPath() gives them.
+// The commands for a server's files, directory and log, and their options. Paths on the server have
+// the form that ServerPath() returns.
 #pragma once
 
 #include <string>
@@ -52,7 +52,7 @@ struct GetFiles {
   bool recursive = false;
 };
 
-// A file that the server keeps under a number and a name.
+// A file that the server stores under a number and a name.
 struct NumberedFile {
   int id = 0;  // not negative
   std::string name;
@@ -65,7 +65,7 @@ struct PutById {
 
 struct GetById {
   NumberedFile file;
-  std::string local;  // a file, or a folder that is there
+  std::string local;  // a file, or an existing folder
 };
 
 struct ShowById {
@@ -82,7 +82,7 @@ struct ListUsers {
 
 struct WriteLog {
   std::string text;
-  int kind = 0;  // the server's
+  int kind = 0;  // its meaning is defined by the server
 };
 
 struct ShowServer {};

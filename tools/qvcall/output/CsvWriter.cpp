@@ -25,7 +25,7 @@ bool WriteLine(int columns, TextOfColumn text_of, std::string& line, std::ostrea
   for (int column = 0; column < columns; ++column) {
     const CString text = text_of(column);
     if (column != 0) line += ',';
-    // A lone empty cell would be an empty line, which readers skip.
+    // An empty cell that is alone would leave an empty line, which readers skip.
     AppendCell(text.View(), columns == 1 && text.IsEmpty(), line);
   }
   line += '\n';

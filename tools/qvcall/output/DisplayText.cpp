@@ -15,7 +15,7 @@ namespace {
 
 bool IsPlain(char ch) { return ch >= 0x20 && ch < 0x7f; }
 
-// A terminal would obey these, or show the characters around them in another order.
+// Whether a terminal would obey the character, or reorder the characters around it.
 bool IsHidden(char32_t character) {
   return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x61c ||
          character == 0x200e || character == 0x200f ||

@@ -1,5 +1,5 @@
-// How text looks on a terminal: how many cells it takes, and what is shown for bytes that a
-// terminal would not show or would obey.
+// Text as a terminal shows it: how many cells it takes, what replaces bytes that the terminal
+// cannot show or would obey, and columns.
 #pragma once
 
 #include <cstddef>
@@ -11,26 +11,28 @@
 
 namespace qv::tool {
 
-// 0 for marks that join the character before them, 2 for wide characters, else 1.
+// Returns how many cells a character takes: 0 for marks that combine with the character before
+// them, 2 for wide characters, else 1.
 [[nodiscard]] int CellsOf(char32_t character);
 
-// Appends `text` to `line` as it can be shown and returns the cells that it takes. Control
-// characters and those that turn the direction of writing are spelt out ("\n", "\x1b", "\u202e"),
-// an invalid byte becomes U+FFFD, or "?" where the system's encoding lacks that.
+// Appends `text` to `line` in a form that is safe to show and returns the cells that it takes.
+// Control characters and those that change the direction of writing are spelt out ("\n", "\x1b",
+// "\u202e"). An invalid byte becomes U+FFFD, or "?" if the system's encoding lacks that character.
 std::size_t AppendVisible(std::string_view text, std::string& line);
 
-// `text` as it can be shown.
+// Returns `text` in that form.
 [[nodiscard]] std::string Visible(std::string_view text);
 
-// `text` as it can be shown in that many cells, at least three; "..." ends what had to be cut.
+// Returns as much of `text`, in that form, as fits into `cells`, which is at least 3. A text that
+// was cut ends with "...".
 [[nodiscard]] std::string VisibleStart(std::string_view text, std::size_t cells);
 
-// Writes a line for each row, its cells aligned by display width, two blanks apart. Characters that
-// a terminal would obey are spelt out.
+// Writes a line for each row. The columns are aligned by display width and two blanks apart;
+// characters that a terminal would obey are spelt out.
 void WriteColumns(const std::vector<std::vector<std::string>>& rows, std::ostream& out);
 
-// A time in seconds since 1970 UTC, as the clocks of this place show it, always as long; "?" for
-// one beyond the years that people write with four digits.
+// Returns a time, given in seconds since 1970 UTC, as local date and time. The text has always the
+// same length; it is a padded "?" if the year would not have four digits.
 [[nodiscard]] std::string TimeText(std::int64_t seconds);
 
 }  // namespace qv::tool

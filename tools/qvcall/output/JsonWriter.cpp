@@ -17,8 +17,8 @@ std::string Quoted(std::string_view text) {
       .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-// The columns' names as they stand in every object, told apart after they were made valid: two
-// names that differ in invalid bytes only become one.
+// The quoted keys of every object. Names are made unique after invalid bytes were replaced, because
+// names that differ only in invalid bytes become equal then.
 std::vector<std::string> Keys(const CRvoDbRes& rows) {
   std::vector<std::string> keys;
   std::set<std::string> taken;

@@ -13,7 +13,7 @@ namespace qv::tool {
 namespace {
 
 template <class Enum>
-constexpr unsigned SetOf(std::initializer_list<Enum> members) {  // one bit for each
+constexpr unsigned SetOf(std::initializer_list<Enum> members) {  // one bit per member
   unsigned set = 0;
   for (const Enum member : members) set |= 1U << static_cast<unsigned>(member);
   return set;
@@ -46,9 +46,9 @@ constexpr Entry kEntries[] = {
     {kRows,
      kSocket,
      {result::kFailed,
-      "there is no answer: the client is offline and the cache does not hold this text, or the "
+      "there is no answer: the client is offline and the cache has no answer to this text, or the "
       "answer could not be read",
-      "run it with --cache while the server can be reached, so that its answer is kept; "
+      "run it with --cache while the server can be reached, so that its answer is stored; "
       "online, check that the temporary folder can be written and is not full"}},
     {kRows,
      kWeb,
@@ -57,7 +57,7 @@ constexpr Entry kEntries[] = {
       "those of the platform's web server"}},
     {kRows,
      kDirect,
-     {result::kFailed, "the database refused the text, or its answer could not be taken",
+     {result::kFailed, "the database refused the text, or its answer could not be read",
       "check the statement"}},
     {kExec,
      kServer,
@@ -75,7 +75,7 @@ constexpr Entry kEntries[] = {
     {kBatch,
      kServer,
      {result::kReplyUnreadable,
-      "the server refused the batch and does not say which statement it is about",
+      "the server refused the batch and does not say which statement caused it",
       "check the database name (--db), the access token (--token), and that host and port are "
       "those of the platform's server"}},
     {kRows,
@@ -85,18 +85,18 @@ constexpr Entry kEntries[] = {
       "log has its reason"}},
     {kRows,
      kServer,
-     {result::kUnpackFailed, "the compressed answer could not be unpacked",
+     {result::kUnpackFailed, "the compressed answer could not be decompressed",
       "check that the temporary folder is not full, or have compression switched off on the "
-      "server; a procedure that changes data has run, so look before running it again"}},
+      "server; a procedure that changes data has run, so check the data before running it again"}},
     {kBatch,
      kServer,
      {result::kBatchRefused, "the server refused the batch",
-      "check the statement named below, and the database name (--db) when none is; the server's "
+      "check the statement named below, or the database name (--db) if none is; the server's "
       "log has its reason"}},
     {kRows,
      kSocket,
      {result::kNotDelivered, "nothing reached the server",
-      "check --server and --port, and try `qvcall ping`; with --cache, an answer that was kept "
+      "check --server and --port, and try `qvcall ping`; with --cache, an answer that was stored "
       "earlier is used"}},
     {kRows,
      kWeb,
@@ -115,7 +115,8 @@ constexpr Entry kEntries[] = {
       "try `qvcall --web ping`; a request of more than 64 MB is not sent"}},
     {kBatch,
      kDirect,
-     {result::kNoLocalBatch, "a database without a server takes no batches, so nothing was run",
+     {result::kNoLocalBatch,
+      "a database without a server does not support batches, so nothing was run",
       "run the statements one by one with exec"}},
     {SetOf({Call::kQuery}),
      kServer,
@@ -125,49 +126,49 @@ constexpr Entry kEntries[] = {
     {kChanges,
      kServer,
      {result::kOutcomeUnknown,
-      "the request was sent, but no complete reply came; it may have been run or not",
-      "look at the data before running it again; allow long work more time with --timeout-ms"}},
+      "the request was sent, but no complete reply came; it may or may not have been run",
+      "check the data before running it again; allow long work more time with --timeout-ms"}},
     {SetOf({Call::kQuery}),
      kSocket,
      {result::kBadReply, "the reply was damaged, or did not fit",
-      "try again; if it stays, check the temporary folder and whether something on the way alters "
-      "the traffic"}},
+      "try again; if the failure persists, check the temporary folder and whether something on the "
+      "network alters the traffic"}},
     {kChanges,
      kSocket,
      {result::kBadReply,
-      "the reply was damaged, or did not fit; the request may have been run or not",
-      "look at the data before running it again; check whether something on the way alters the "
+      "the reply was damaged, or did not fit; the request may or may not have been run",
+      "check the data before running it again; check whether something on the network alters the "
       "traffic"}},
     {SetOf({Call::kQuery}),
      kWeb,
      {result::kBadReply,
       "the reply is not that of the platform's web server, was damaged, or did not fit",
-      "check --server and --http-port, the temporary folder, and whether something on the way "
+      "check --server and --http-port, the temporary folder, and whether something on the network "
       "alters the traffic"}},
     {kChanges,
      kWeb,
      {result::kBadReply,
       "the reply is not that of the platform's web server, was damaged, or did not fit; the "
       "request may have been run or not",
-      "check --server and --http-port, and look at the data before running it again"}},
+      "check --server and --http-port, and check the data before running it again"}},
     {kFiles, kSocket, {result::kSuccess, "the call succeeded", ""}},
     {SetOf({Call::kUpload}),
      kSocket,
-     {result::kTransferRefused, "the server did not take the file",
-      "check its name, that its folder is there and has no folder of that name, that the server's "
+     {result::kTransferRefused, "the server did not accept the file",
+      "check its name, that its folder exists and has no folder of that name, that the server's "
       "disk is not full, and the access token (--token); the server's log has its reason"}},
     {SetOf({Call::kRemove}),
      kSocket,
      {result::kTransferRefused, "the server did not remove it",
-      "see with `qvcall ls` whether there is such a file; folders are removed with rmdir"}},
+      "check with `qvcall ls` that the file exists; folders are removed with rmdir"}},
     {SetOf({Call::kDownload}),
      kSocket,
-     {result::kTransferRefused, "the server refused it",
+     {result::kTransferRefused, "the server refused the download",
       "check the name and the access token (--token)"}},
     {SetOf({Call::kDownload}),
      kSocket,
      {result::kDownloadFailed, "the server has no such file, or cannot send it",
-      "see with `qvcall ls` or `qvcall idstat` what there is"}},
+      "check with `qvcall ls` or `qvcall idstat` that it exists"}},
     {kFiles | kStore,
      kSocket,
      {result::kNotDelivered, "nothing reached the server",
@@ -175,56 +176,60 @@ constexpr Entry kEntries[] = {
     {SetOf({Call::kUpload}),
      kSocket,
      {result::kOutcomeUnknown,
-      "the file was sent, but no complete reply came; the server has it or what it had before",
+      "the file was sent, but no complete reply came; the server has either this file or what it "
+      "had before",
       "try again; give a slow server more time with --timeout-ms"}},
     {SetOf({Call::kDownload}),
      kSocket,
-     {result::kOutcomeUnknown, "the file did not come whole",
+     {result::kOutcomeUnknown, "the file did not arrive completely",
       "try again; give a slow server more time with --timeout-ms"}},
     {SetOf({Call::kRemove}),
      kSocket,
      {result::kOutcomeUnknown,
-      "the request was sent, but no complete reply came; the file may be gone or not",
-      "see with `qvcall ls`"}},
+      "the request was sent, but no complete reply came; the file may or may not have been removed",
+      "check with `qvcall ls`"}},
     {SetOf({Call::kDownload}),
      kSocket,
-     {result::kBadReply, "the file came damaged, or cannot be written here",
+     {result::kBadReply, "the file arrived damaged, or cannot be written here",
       "check that the folder can be written and is not full, and try again"}},
     {SetOf({Call::kUpload, Call::kRemove}),
      kSocket,
-     {result::kBadReply, "the reply was damaged; the server has done it or not",
-      "see with `qvcall stat`; check whether something on the way alters the traffic"}},
+     {result::kBadReply,
+      "the reply was damaged; the server may or may not have carried out the request",
+      "check with `qvcall stat`; check whether something on the network alters the traffic"}},
     {kStore, kSocket, {1, "the call succeeded", ""}},
     {SetOf({Call::kMakeFolder}),
      kSocket,
-     {0, "the folder was not made",
-      "there may be something of that name, or no folder to make it in: see with `qvcall ls`"}},
+     {0, "the folder was not created",
+      "something of that name may exist, or the folder above it may be missing: check with `qvcall "
+      "ls`"}},
     {SetOf({Call::kRemoveFolder}),
      kSocket,
      {0, "the folder was not removed",
-      "only folders that are there and empty are: see with `qvcall ls`"}},
+      "only existing, empty folders can be removed: check with `qvcall ls`"}},
     {SetOf({Call::kMove}),
      kSocket,
      {0, "it was not moved",
-      "there may be no such file or folder, or the new name be taken, or its folder missing: see "
-      "with `qvcall ls`"}},
+      "the file or folder may not exist, the new name may be taken, or its folder may be missing: "
+      "check with `qvcall ls`"}},
     {SetOf({Call::kCopy}),
      kSocket,
      {0, "it was not copied",
-      "there may be no such file, or no folder for the copy: see with `qvcall ls`; folders are not "
+      "the file, or the folder for the copy, may not exist: check with `qvcall ls`; folders are "
+      "not "
       "copied"}},
     {SetOf({Call::kLook}),
      kSocket,
-     {0, "the server has no such thing, or does not show it",
+     {0, "the server has no such entry, or does not show it",
       "check the name and the access token (--token); the server's log has its reason"}},
     {SetOf({Call::kLog}),
      kSocket,
-     {0, "the server did not take the line", "check the access token (--token)"}},
+     {0, "the server did not accept the line", "check the access token (--token)"}},
 };
 
-constexpr ReturnCode kOther{0, "the call failed with a result that has no words here",
-                            "when a transport library is not the one that came with this tool, "
-                            "look into its documentation"};
+constexpr ReturnCode kOther{0, "the call failed with a result that this tool does not know",
+                            "if a transport library is not the one that came with this tool, "
+                            "see its documentation"};
 
 }  // namespace
 

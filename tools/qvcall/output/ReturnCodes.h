@@ -1,4 +1,4 @@
-// What the results of the library's calls mean, in words.
+// Explains the results of the library's calls in words.
 #pragma once
 
 #include <iosfwd>
@@ -6,26 +6,26 @@
 
 namespace qv::tool {
 
-// The calls, by the commands that make them; the same number means something else for each.
+// The calls, by the commands that make them. The same number has a different meaning for each.
 enum class Call {
   kQuery,
   kProcedure,
   kExec,
   kBatch,
-  // These give 0 for success.
+  // These return 0 on success.
   kUpload,
   kDownload,
   kRemove,
-  // And these 1; 0 is all else.
+  // These return 1 on success and 0 otherwise.
   kMakeFolder,
   kRemoveFolder,
   kMove,
   kCopy,
-  kLook,  // all that only read
+  kLook,  // every call that only reads
   kLog,
 };
 
-// What a call went through; here, too, the same number means something else for each.
+// The transport of a call, or local mode. Here, too, the same number has different meanings.
 enum class Route { kSocket, kWeb, kDirect };
 
 struct ReturnCode {
@@ -34,10 +34,11 @@ struct ReturnCode {
   std::string_view advice;  // what the user can do; empty for success
 };
 
-// The words for a result of that call; every value has some.
+// Returns the explanation of a result of that call. Every value has one.
 [[nodiscard]] ReturnCode ExplainResult(Call call, Route route, int code);
 
-// Says them on `err`; `subject` is what the call was about, where that is not clear.
+// Prints the explanation to `err`. `subject` names the file or folder that the call was about, if
+// that is not obvious.
 void PrintFailure(Call call, Route route, int code, std::ostream& err,
                   std::string_view subject = {});
 

@@ -11,7 +11,7 @@
 namespace qv::tool {
 namespace {
 
-// One cell of a megabyte must not make every row a megabyte long.
+// Without a limit, one cell of a megabyte would make every row a megabyte long.
 constexpr std::size_t kWidestColumn = 256;
 
 class TableWriter {
@@ -35,8 +35,8 @@ class TableWriter {
     Widen(measured, rows_.GetFiledName(column).View());
     for (int row = 0; row < rows_.GetRecordCount(); ++row) {
       Widen(measured, rows_._str(row, column).View());
-      // Types are not told, but only numbers have a value here. A column of nothing but zeros looks
-      // the same on either side.
+      // The result set does not tell types, but only cells of numbers convert to a value other than
+      // 0. A column of nothing but zeros counts as text, which hardly shows.
       measured.is_number = measured.is_number || rows_._dabl(row, column) != 0.0;
     }
     return measured;

@@ -50,10 +50,10 @@ void ProgressBar::Clear() {
 }
 
 void ProgressBar::DrawUntilStopped(const std::stop_token& stop) {
-  std::mutex mutex;  // the wait wants one; there is nothing to guard
+  std::mutex mutex;  // the wait needs one, although there is nothing to guard
   std::unique_lock lock(mutex);
   do {
-    // The last cell stays free: some terminals go to the next line when it is written.
+    // The last cell stays empty: some terminals wrap when it is written.
     const std::size_t width = width_();
     const std::string line = ProgressLine(Now(), width > 0 ? width - 1 : 0);
     std::string ignored;
@@ -69,10 +69,10 @@ Progress ProgressBar::Now() {
   return now;
 }
 
-// Blanks take away what is left of the line before, as every terminal understands them.
+// Overwrites the rest of the previous line with blanks, which every terminal understands.
 void ProgressBar::Draw(std::string_view line, std::size_t cells) {
   const std::size_t more = drawn_cells_ - std::min(drawn_cells_, cells);
-  // In one piece, since standard error goes out with each.
+  // One write, because standard error is flushed after each.
   out_ << fmt::format("\r{}{:{}}", line, "", more) << std::flush;
   drawn_cells_ = cells;
 }

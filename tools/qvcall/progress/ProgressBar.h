@@ -15,26 +15,26 @@
 
 namespace qv::tool {
 
-// A line on a terminal that shows how far some work has come. A thread of its own draws it, at most
-// ten times a second, so that a slow terminal does not hold up the work, and time goes on while
-// nothing else does. Any thread may call the members.
+// A line on a terminal that shows the progress of some work. Its own thread draws it, at most ten
+// times a second, so that a slow terminal does not delay the work, and the time advances even if
+// the work does not. Any thread may call the members.
 class ProgressBar {
  public:
-  // Draws on `out`, which is a terminal that nobody else writes to until Clear(). `width` tells how
-  // many cells a line has now; the drawing thread calls it.
+  // Draws on `out`, which is a terminal that nobody else may write to until Clear(). `width`
+  // returns how many cells a line has at the moment; the drawing thread calls it.
   ProgressBar(std::ostream& out, std::function<std::size_t()> width);
   ~ProgressBar() { Clear(); }
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  // Starts a piece of work, the first or the next. `label` outlives the bar; `total` is in bytes,
-  // none when it is not known.
+  // Starts the first or the next piece of work. `label` must outlive the bar. `total` is in bytes,
+  // and nullopt if it is not known.
   void Begin(std::string_view label, std::optional<std::uint64_t> total);
-  // Says that `done` bytes of it are done.
+  // Reports that `done` bytes of it are done.
   void Advance(std::uint64_t done);
-  // Says where the same piece of work stands, also by another label; its time goes on.
+  // Reports the state of the same piece of work, possibly with another label; its time continues.
   void Update(const Progress& progress);
-  // Takes the line away. Nothing is drawn from then on.
+  // Erases the line. Nothing is drawn afterwards.
   void Clear();
 
  private:
@@ -47,13 +47,13 @@ class ProgressBar {
   std::ostream& out_;
   const std::function<std::size_t()> width_;
 
-  std::mutex mutex_;  // held for moments only, never while something is drawn
+  std::mutex mutex_;  // guards the next two; never held while something is drawn
   Progress progress_;
   Clock::time_point begin_;
 
-  std::mutex life_mutex_;  // of the thread
+  std::mutex life_mutex_;  // guards starting and stopping the thread
   bool cleared_ = false;
-  std::size_t drawn_cells_ = 0;  // by the thread, and by Clear() when that has ended
+  std::size_t drawn_cells_ = 0;  // used by the thread, and by Clear() after the thread has ended
   std::condition_variable_any stopped_;
   std::jthread thread_;
 };

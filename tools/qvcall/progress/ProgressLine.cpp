@@ -12,11 +12,11 @@
 namespace qv::tool {
 namespace {
 
-// A label shares no line that is narrower than this.
+// In a narrower line, not even the label is shown.
 constexpr std::size_t kFewestCells = 12;
 constexpr std::size_t kShortestBar = 10;
 constexpr std::size_t kLongestBar = 40;
-// A rate that was measured for less time than this says nothing about what is to come.
+// A rate that was measured over less time does not predict anything.
 constexpr std::chrono::seconds kTimeForARate{1};
 
 std::string Bytes(double count) {
@@ -40,7 +40,7 @@ std::optional<double> Share(const Progress& progress) {
   return static_cast<double>(progress.done) / static_cast<double>(*progress.total);
 }
 
-// What is known of the work, each piece empty when it is not.
+// The parts of the line after the bar. A part that is not known is empty.
 struct Details {
   std::string share;
   std::string bytes;
@@ -54,7 +54,7 @@ Details Describe(const Progress& progress) {
   const auto done = static_cast<double>(progress.done);
   const std::optional<double> share = Share(progress);
   details.time = Clock(seconds);
-  // Rounded down, so that all of it is there when it says so.
+  // Rounded down, so that 100 % means that everything is done.
   if (share) details.share = fmt::format("{:3.0f}%", std::floor(*share * 100));
   if (progress.total) {
     details.bytes = Bytes(done) + " of " + Bytes(static_cast<double>(*progress.total));
@@ -80,7 +80,7 @@ std::string Join(std::initializer_list<std::string_view> pieces) {
   return joined;
 }
 
-// As many of the details as fit.
+// Returns as many of the details as fit.
 std::string FittingDetails(const Details& from, std::size_t cells) {
   for (std::string joined :
        {Join({from.share, from.bytes, from.rate, from.time}),
@@ -106,7 +106,7 @@ std::string ProgressLine(const Progress& progress, std::size_t cells) {
   // A file may grow while it is sent.
   if (sane.total) sane.done = std::min(sane.done, *sane.total);
   const Details known = Describe(sane);
-  // The label gives way to the least that is to be said, but not more than half.
+  // The label leaves room for the share and the time, but keeps at least half of the line.
   const std::size_t least = std::min(Join({known.share, known.time}).size(), cells / 2);
   std::string line = VisibleStart(progress.label, cells - least);
   std::string ignored;

@@ -53,7 +53,7 @@ void TransferProgress::Report(std::uint64_t done, std::uint64_t total, int kind,
   auto& shown = *static_cast<TransferProgress*>(context);
   if (kind != NetworkProgress_File || shown.bar_ == nullptr) return;
   if (shown.total_ != total) {
-    // Not known before, or the file has changed since it was looked at.
+    // The total was not known before, or the file has changed since its size was read.
     shown.total_ = total;
     shown.bar_->Begin(shown.label_, total);
   }
@@ -61,7 +61,7 @@ void TransferProgress::Report(std::uint64_t done, std::uint64_t total, int kind,
 }
 
 void TransferProgress::ShowInterrupted() {
-  // For good: the program ends, and whatever else wants to be shown comes too late.
+  // Never unlocked: the program ends, and nothing may be shown after the message below.
   mutex_.lock();
   if (bar_ != nullptr) bar_->Clear();
   clean_up_();
@@ -75,19 +75,19 @@ struct BatchProgress::Shown {
 
   static void Report(std::uint64_t done, std::uint64_t total, int kind, void* context);
 
-  // Another maker's transport may have none.
+  // Null if the transport in use does not export it.
   decltype(NetworkTransSetProgress)* const set_listener =
       LoadedFunction<decltype(NetworkTransSetProgress)>("NetworkTransSetProgress");
   bool is_sent = false;
   ProgressBar bar;
-  InterruptWatch watch;  // before the bar has a thread, and gone before the bar is
+  InterruptWatch watch;  // made before the bar starts its thread, destroyed before the bar
 };
 
 BatchProgress::Shown::Shown(std::string_view sending, std::uint64_t bytes, std::ostream& err)
     : bar(err, TerminalWidth), watch([this, &err] {
         bar.Clear();
         fmt::print(err,
-                   "qvcall: interrupted; the batch may have been run or not: look at the data "
+                   "qvcall: interrupted; the batch may or may not have been run: check the data "
                    "before running it again\n");
         err.flush();
       }) {
@@ -104,7 +104,7 @@ BatchProgress::Shown::~Shown() {
   bar.Clear();
 }
 
-// The transport tells of the request first, then of the reply.
+// The transport reports the request first, then the reply.
 void BatchProgress::Shown::Report(std::uint64_t done, std::uint64_t total, int kind,
                                   void* context) {
   auto& shown = *static_cast<Shown*>(context);

@@ -16,20 +16,20 @@
 
 namespace qv::tool {
 
-// Shows, on a terminal, how far each of several files is that this thread moves over the socket
-// transport, and has an interrupted program leave nothing behind. One at a time; one thread calls
-// the members.
+// Shows the progress of each of several files that this thread transfers over the socket transport,
+// if standard error is a terminal, and cleans up when the program is interrupted. Only one may
+// exist at a time; one thread calls the members.
 class TransferProgress {
  public:
-  // `clean_up` is called, by another thread, before an interrupt ends the program; the thread that
-  // moves files may still be at it. `err` is standard error.
+  // Another thread calls `clean_up` before an interrupt ends the program; a transfer may still be
+  // running then. `err` is standard error.
   TransferProgress(std::ostream& err, std::function<void()> clean_up);
   ~TransferProgress();
   TransferProgress(const TransferProgress&) = delete;
   TransferProgress& operator=(const TransferProgress&) = delete;
 
-  // The file that is moved from now on, of which so many bytes are expected. Until End() nobody
-  // else writes to `err`.
+  // Starts showing a file of which that many bytes are expected. Nobody else may write to `err`
+  // until End().
   void Begin(std::string label, std::optional<std::uint64_t> bytes);
   void End();
 
@@ -39,23 +39,23 @@ class TransferProgress {
 
   std::ostream& err_;
   const std::function<void()> clean_up_;
-  // Null without a terminal; another maker's transport may have none.
+  // Null without a terminal, and if the transport in use does not export it.
   decltype(NetworkTransSetProgress)* const set_listener_;
 
-  std::mutex mutex_;  // of what the watch's thread reads too
+  std::mutex mutex_;  // guards the next two, which the watch's thread reads too
   std::string label_;
   std::unique_ptr<ProgressBar> bar_;  // null between files, and without a terminal
 
   std::optional<std::uint64_t> total_;
-  InterruptWatch watch_;  // the last, so that its words find the others
+  InterruptWatch watch_;  // last, because its callback uses the other members
 };
 
-// Shows, while it lives, how far a batch is that this thread sends over the socket transport: on
-// its way, then in the server's hands. Who interrupts it hears what that leaves open. Shows nothing
-// when standard error is no terminal.
+// While it lives, shows the progress of a batch that this thread sends over the socket transport:
+// first the bytes sent, then the wait for the server. An interrupt prints that the outcome is
+// unknown. Shows nothing if standard error is not a terminal.
 class BatchProgress {
  public:
-  // `sending` says what is sent, in `bytes`, and outlives this; `err` is standard error.
+  // `sending` is the label while `bytes` are sent, and must outlive this. `err` is standard error.
   BatchProgress(std::string_view sending, std::uint64_t bytes, std::ostream& err);
   ~BatchProgress();
   BatchProgress(const BatchProgress&) = delete;

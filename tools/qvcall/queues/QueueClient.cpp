@@ -6,7 +6,7 @@
 namespace qv::tool {
 namespace {
 
-// What both classes of the library have alike.
+// The calls that both classes of the library share.
 template <class Store>
 class ClientOf : public QueueClient {
  public:
@@ -35,7 +35,7 @@ class ClientOf : public QueueClient {
   }
 
  protected:
-  // The library takes all 16 bits in a signed number.
+  // The library takes the 16 bits of the port as a signed number.
   static short PortOf(const QueueHost& host) { return static_cast<short>(host.port); }
 
   Store store_;

@@ -1,5 +1,5 @@
-// The file server or the cloud store that queued files are moved to and from. All that differs
-// between the two stands behind this.
+// The connection to a file server or a cloud store, which hides the differences between the two,
+// and what its results mean.
 #pragma once
 
 #include <memory>
@@ -11,11 +11,12 @@
 
 namespace qv::tool {
 
-// As the library numbers them.
+// Numbered as in the library.
 enum class QueueKind : int { kUpload, kDownload, kCopy };
 
-// One connection; all calls on the thread that made it. Results are the component's, or
-// result::kNoComponent. A call that the component fails as such throws _com_error.
+// One connection. All calls must be made on the thread that created it. Results are those of the
+// component (QvTransferResult), or result::kNoComponent. Throws _com_error if the component fails
+// at the call level.
 class QueueClient {
  public:
   virtual ~QueueClient() = default;
@@ -24,19 +25,19 @@ class QueueClient {
   [[nodiscard]] virtual long Logout() = 0;
   [[nodiscard]] virtual long Add(QueueKind kind, const std::string& first,
                                  const std::string& second) = 0;
-  // `count` is how many files succeeded.
+  // Sets `count` to the number of files that succeeded.
   [[nodiscard]] virtual long Run(QueueKind kind, long retries, long& count) = 0;
-  // What the last run told the server's log of its failures.
+  // Returns what the last run wrote about its failures to the server's log.
   [[nodiscard]] virtual std::string FailInfo(QueueKind kind, long count) = 0;
   [[nodiscard]] virtual long Move(const std::string& from, const std::string& to) = 0;
   [[nodiscard]] virtual long RemoveFile(const std::string& path) = 0;
   [[nodiscard]] virtual long RemoveFolder(const std::string& path) = 0;
 };
 
-// Parameters count for clients that are made afterwards.
+// Parameters of the component apply to clients that are made after they were set.
 [[nodiscard]] std::unique_ptr<QueueClient> MakeQueueClient(Service service);
 
-// What the component's library offers beyond the contract; null when it does not.
+// The component's functions beyond the contract, null if it does not export them.
 struct QueueExtensions {
   decltype(QvCoFtpSetProgress)* set_progress;
   decltype(QvCoFtpSetParameter)* set_parameter;
@@ -44,8 +45,8 @@ struct QueueExtensions {
 
 [[nodiscard]] QueueExtensions ExtensionsOf(Service service);
 
-// The words for a result of any call; every value has some. A component of another maker may mean
-// something else by it.
+// Returns the explanation of a result of any call. Every value has one, but a component from
+// another vendor may give it a different meaning.
 [[nodiscard]] ReturnCode ExplainTransfer(Service service, long result);
 
 }  // namespace qv::tool

@@ -19,8 +19,8 @@ namespace {
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
-// The lines of the log's report. Behind a file that succeeded it repeats the one before, which is
-// for those who read the log.
+// Prints the lines of the log's report. After a file that succeeded, the report repeats the
+// previous line; such repetitions are left out here.
 void PrintFailInfo(std::string_view info, std::ostream& err) {
   std::string_view before;
   while (!info.empty()) {
@@ -33,7 +33,7 @@ void PrintFailInfo(std::string_view info, std::ostream& err) {
   }
 }
 
-// One command at one host, once that is logged into.
+// Runs one command at one host after the login.
 class QueueWork {
  public:
   QueueWork(const QueueHost& host, const Session& session, QueueClient& client,
@@ -53,7 +53,7 @@ class QueueWork {
 
   int operator()(const QueueGet& command) {
     if (KindOf(command.local_folder) != LocalKind::kFolder) {
-      fmt::print(err_, "qvcall: {} is no folder\n", Visible(command.local_folder));
+      fmt::print(err_, "qvcall: {} is not a folder\n", Visible(command.local_folder));
       return kFailed;
     }
     Pairs pairs;
@@ -70,20 +70,20 @@ class QueueWork {
 
   int operator()(const QueueMove& command) {
     const std::string target = QueueTarget(command.source, command.target);
-    return Told(client_.Move(command.source, target), command.source) ? Finish() : kFailed;
+    return Succeeded(client_.Move(command.source, target), command.source) ? Finish() : kFailed;
   }
 
   int operator()(const QueueRemove& command) {
     bool is_done = true;
     for (const std::string& path : command.paths) {
-      is_done &=
-          Told(command.recursive ? client_.RemoveFolder(path) : client_.RemoveFile(path), path);
+      is_done &= Succeeded(
+          command.recursive ? client_.RemoveFolder(path) : client_.RemoveFile(path), path);
     }
     return is_done ? Finish() : kFailed;
   }
 
-  // Says what a result means; whether it is success.
-  bool Told(long result, std::string_view subject) {
+  // Explains a failure on `err`. Returns true if the result is success.
+  bool Succeeded(long result, std::string_view subject) {
     if (result == result::kSuccess) return true;
     const ReturnCode words = ExplainTransfer(host_.service, result);
     fmt::print(err_, "qvcall: {}: {} (result {})\n  {}\n", Visible(subject), words.meaning, result,
@@ -101,7 +101,7 @@ class QueueWork {
     std::vector<std::string> names;
     for (const auto& [first, second] : pairs) {
       names.push_back(first);
-      // What cannot be moved is queued as well, and the run tells.
+      // A file that is rejected here makes the run fail, which is reported below.
       static_cast<void>(client_.Add(kind, first, second));
     }
     long count = 0;
@@ -109,13 +109,13 @@ class QueueWork {
     const long result = pairs.empty() ? result::kSuccess : client_.Run(kind, host_.retries, count);
     progress_.End();
     const auto moved = static_cast<std::size_t>(std::max(count, 0L));
-    // What was sent of a file says nothing of how much of it the server took.
+    // The bytes sent of a file that failed do not tell how many the server stored.
     const bool is_whole = moved == pairs.size();
     if (moved > 0) report_.Done(is_whole ? progress_.MovedBytes() : std::nullopt, moved);
     const std::string subject = pairs.size() == 1 ? names.front()
                                                   : fmt::format("{} of {} failed, the first",
                                                                 pairs.size() - moved, pairs.size());
-    if (Told(result, subject)) return report_.Finish();
+    if (Succeeded(result, subject)) return report_.Finish();
     PrintFailInfo(client_.FailInfo(kind, count), err_);
     if (moved > 0 || report_.HasFailures()) static_cast<void>(report_.Finish());
     return kFailed;
@@ -128,8 +128,8 @@ class QueueWork {
   std::ostream& err_;
 };
 
-// Hands over what the component is to know before it is made. The name of the first parameter that
-// it did not take, or null.
+// Sets the parameters of the component, which must happen before it is created. Returns the name of
+// the first parameter that it rejected, or null.
 const char* FirstRefused(const ConnectionOptions& connection, const QueueHost& host,
                          decltype(QvCoFtpSetParameter)* set) {
   std::vector<std::pair<const char*, std::string>> parameters;
@@ -146,22 +146,23 @@ const char* FirstRefused(const ConnectionOptions& connection, const QueueHost& h
   return nullptr;
 }
 
-// Whether the component takes what it is to know. Logging in without that would not be what the
-// user asked for.
+// Sets the parameters of the component. Returns false, with the reason on `err`, if it rejects one:
+// going on without it would not be what the user asked for.
 bool IsPrepared(const ConnectionOptions& connection, const QueueHost& host,
                 decltype(QvCoFtpSetParameter)* set, std::ostream& err) {
   const char* const refused = FirstRefused(connection, host, set);
   if (refused == nullptr) return true;
-  // Without a component there is nobody to refuse it, and the login tells so.
+  // Without a component, the login fails and says so.
   if (set == nullptr && MakeQueueClient(host.service)->Logout() == result::kNoComponent)
     return true;
-  fmt::print(err, "qvcall: the component does not take this value of its parameter {}\n", refused);
+  fmt::print(err, "qvcall: the component does not accept this value of its parameter {}\n",
+             refused);
   return false;
 }
 
 int Work(const QueueCommand& command, const std::string& password, QueueClient& client,
          QueueWork& work) {
-  if (!work.Told(client.Login(command.host, password), command.host.name)) return kFailed;
+  if (!work.Succeeded(client.Login(command.host, password), command.host.name)) return kFailed;
   return std::visit(work, command.work);
 }
 

@@ -14,13 +14,13 @@
 namespace qv::tool {
 namespace {
 
-// What every server takes at least, and more than a key of a cloud store may have.
+// Every server accepts this length, and the keys of cloud stores are no longer.
 constexpr std::size_t kLongestPath = 1024;
 constexpr std::size_t kLongestLocal = 4096;
 
 constexpr std::string_view kSeparators = "/\\";
 
-// The path stays as it was written in all else: a "/" before it means something to file servers.
+// Otherwise leaves the path as written: a leading "/" has a meaning on file servers.
 std::string JoinWithSlash(std::string_view folder, std::string_view name) {
   if (folder == ".") folder = {};
   std::string path(folder);
@@ -33,7 +33,7 @@ std::string_view NameIn(std::string_view path) {
   return last == std::string_view::npos ? path : path.substr(last + 1);
 }
 
-// A file that was named by mistake shall not be taken into memory.
+// Keeps a large file that was named by mistake out of memory.
 constexpr std::size_t kLongestPassword = 4096;
 
 std::optional<std::string> FirstLine(std::istream& in) {
@@ -51,9 +51,10 @@ std::optional<std::string> Asked(const QueueHost& host, std::ostream& err) {
   auto password = AskForSecret(fmt::format("{} of {} at {}: ", is_key ? "Secret key" : "Password",
                                            Visible(host.login), Visible(host.name)));
   if (!password) {
-    fmt::print(err,
-               "qvcall: there is no terminal to ask for the password on; name a file that has "
-               "it with --password-file\n");
+    fmt::print(
+        err,
+        "qvcall: there is no terminal to ask for the password; name a file that holds it with "
+        "--password-file\n");
   }
   return password;
 }
@@ -61,7 +62,7 @@ std::optional<std::string> Asked(const QueueHost& host, std::ostream& err) {
 }  // namespace
 
 std::vector<FileTransfer> PlanQueue(const QueuePut& command, TransferReport& report) {
-  // The component makes the folders that it needs.
+  // The component creates missing folders.
   const auto make_folder = [](const std::string&, const std::string&) { return true; };
   const UploadTarget target = {JoinWithSlash, kLongestPath, kLongestLocal, make_folder};
   return PlanUpload(target, command.local, command.folder, command.recursive, report);
@@ -74,7 +75,7 @@ std::vector<FileTransfer> PlanQueue(const QueueGet& command, TransferReport& rep
     if (name.empty()) {
       report.Fail(path, "is a folder; only files can be fetched, each by its path");
     } else if (!IsLocalName(name)) {
-      report.Fail(path, "has a name that no file shall have here");
+      report.Fail(path, "has a name that is not allowed for a local file");
     } else {
       files.push_back({JoinLocal(command.local_folder, name), path, 0});
     }

@@ -10,7 +10,7 @@
 namespace qv::tool {
 namespace {
 
-// For a run that was told to end: a server may keep it waiting.
+// How long to wait for a run that was told to stop, because its server may not answer.
 constexpr std::chrono::seconds kPatience{10};
 
 std::vector<std::string> LabelsOf(const std::vector<std::string>& paths) {
@@ -75,7 +75,7 @@ void QueueProgress::Take(const QvTransferProgress& progress) {
   if (bar_ == nullptr || place >= labels_.size()) return;
   Progress now = {.label = labels_[place], .done = before_ + file_done_, .total = total_};
   if (!total_) {
-    // Sizes are told one by one, so each file counts alike.
+    // Sizes become known one by one, so each file counts the same.
     const double of_file =
         file_total_ == 0 ? 0 : static_cast<double>(file_done_) / static_cast<double>(file_total_);
     now.share =
@@ -91,7 +91,7 @@ void QueueProgress::Interrupt() {
   if (bar_ != nullptr) bar_->Clear();
   fmt::print(err_, "qvcall: interrupted\n");
   err_.flush();
-  // For good: the program ends, and whatever else wants to be shown comes too late.
+  // Never unlocked: the program ends, and nothing may be shown after this.
   lock.release();
 }
 

@@ -16,24 +16,24 @@
 
 namespace qv::tool {
 
-// Shows, on a terminal, how far the run of a queue is, and has an interrupt end the run in order.
-// Made before the client whose runs it watches, and ended after it, so that what an interrupted run
-// left is put in order before the program ends by the interrupt. One at a time; one thread calls
-// the members.
+// Shows the progress of a queue's run, if standard error is a terminal, and turns an interrupt into
+// an orderly end of the run. Must be created before the client whose runs it watches and destroyed
+// after it, so that an interrupted run is cleaned up before the interrupt ends the program. Only
+// one may exist at a time; one thread calls the members.
 class QueueProgress {
  public:
-  // A component that cannot tell leaves `set_listener` null. `err` is standard error.
+  // `set_listener` is null if the component does not report progress. `err` is standard error.
   QueueProgress(std::ostream& err, decltype(QvCoFtpSetProgress)* set_listener);
   ~QueueProgress();
   QueueProgress(const QueueProgress&) = delete;
   QueueProgress& operator=(const QueueProgress&) = delete;
 
-  // A run of files with these paths begins, which have so many bytes together, if that is known.
-  // Until End() nobody else writes to `err`.
+  // Starts showing a run of files with these paths and that many bytes in all, if that is known.
+  // Nobody else may write to `err` until End().
   void Begin(const std::vector<std::string>& paths, std::optional<std::uint64_t> bytes);
   void End();
-  // How many bytes the files have of which all bytes were moved; none when the component did not
-  // tell.
+  // Returns the total size of the files that were transferred completely, or nullopt if the
+  // component does not report progress.
   [[nodiscard]] std::optional<std::uint64_t> MovedBytes() const;
 
  private:
@@ -44,7 +44,7 @@ class QueueProgress {
   std::ostream& err_;
   decltype(QvCoFtpSetProgress)* const set_listener_;
 
-  // Of the thread that runs the queue.
+  // Used only by the thread that runs the queue.
   std::vector<std::string> labels_;
   std::optional<std::uint64_t> total_;
   std::int32_t index_ = 0;
@@ -53,12 +53,12 @@ class QueueProgress {
   std::uint64_t file_total_ = 0;
 
   std::atomic<bool> is_stopped_ = false;
-  std::mutex mutex_;                  // of what the watch's thread reads too
+  std::mutex mutex_;                  // guards what the watch's thread uses too
   std::unique_ptr<ProgressBar> bar_;  // null without a terminal
   bool is_listening_ = false;
   bool is_over_ = false;
   std::condition_variable over_;
-  InterruptWatch watch_;  // the last, so that its words find the others
+  InterruptWatch watch_;  // last, because its callback uses the other members
 };
 
 }  // namespace qv::tool

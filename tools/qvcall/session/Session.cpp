@@ -37,14 +37,15 @@ Parameters Wanted(const ConnectionOptions& connection, Route route) {
   return parameters;
 }
 
-// Whether the transport of that route took a parameter. That of another maker may know none.
+// Sets a parameter of that route's transport. Returns false if it rejects the parameter; a
+// transport from another vendor may not have any.
 bool Take(Route route, const char* name, const std::string& value) {
   if (route == Route::kSocket) return CRvoServer::SetNetClientPara(name, value.c_str()) == 1;
   const auto set = LoadedFunction<decltype(HttpworkSetParameter)>("HttpworkSetParameter");
   return set != nullptr && set(name, value.c_str()) == 1;
 }
 
-// Hands all of them over. The name of the first that was not taken, or null.
+// Sets all parameters. Returns the name of the first that was rejected, or null.
 const char* FirstRefused(const ConnectionOptions& connection, Route route) {
   for (const auto& [name, value] : Wanted(connection, route)) {
     if (!Take(route, name, value)) return name;
@@ -52,7 +53,7 @@ const char* FirstRefused(const ConnectionOptions& connection, Route route) {
   return nullptr;
 }
 
-// The lines of a text as a terminal can show them, those behind the first with blanks before them.
+// Returns the lines of a text in a form that is safe to show. All lines but the first are indented.
 std::string Indented(std::string_view text) {
   std::string shown;
   while (!text.empty()) {
@@ -92,18 +93,18 @@ Session::~Session() {
 bool Session::Start(std::ostream& err) {
   if (!connection_.direct.empty()) return OpenDirect(err);
   if (port_ == 0) {
-    // Nobody is told anything, and nobody is probed for it.
+    // With a kind set, the library does not probe for one.
     CRvoServer::SetServerType(server_type::kSocket, "", 0);
     return true;
   }
   CRvoServer::SetConinfo(server_.c_str(), port_);
   const bool surely_web = connection_.web && calls_ == Calls::kByServerType;
-  // Before the route is looked for: that may be by a probe, for which a server may want the token.
+  // Set before FindRoute(), which may probe the server and need the token for it.
   const char* refused = surely_web ? nullptr : FirstRefused(connection_, Route::kSocket);
   if (!FindRoute(err)) return false;
   if (route_ == Route::kWeb) refused = FirstRefused(connection_, Route::kWeb);
   if (refused == nullptr) return true;
-  fmt::print(err, "qvcall: the {} transport does not take this value of its parameter {}\n",
+  fmt::print(err, "qvcall: the {} transport does not accept this value of its parameter {}\n",
              route_ == Route::kWeb ? "HTTP" : "socket", refused);
   return false;
 }
@@ -131,7 +132,7 @@ bool Session::Probe() const {
 bool Session::FindRoute(std::ostream& err) {
   const auto port = static_cast<unsigned long>(port_);
   if (calls_ == Calls::kOverSocket) {
-    // Some calls do nothing for a server of the other kind.
+    // Some calls do nothing if the server is of the other kind.
     CRvoServer::SetServerType(server_type::kSocket, server_.c_str(), port);
   } else {
     if (connection_.web) CRvoServer::SetServerType(server_type::kWeb, server_.c_str(), port);
@@ -140,18 +141,17 @@ bool Session::FindRoute(std::ostream& err) {
     if (type.CompareNoCase(server_type::kWeb) == 0) route_ = Route::kWeb;
   }
   if (route_ == Route::kWeb || !HasScheme(server_)) return true;
-  fmt::print(err,
-             "qvcall: {} is not the name of a server; one with a scheme goes only with --web\n",
+  fmt::print(err, "qvcall: {} is not the name of a server; a scheme is allowed only with --web\n",
              server_);
   return false;
 }
 
 bool Session::OpenDirect(std::ostream& err) {
   route_ = Route::kDirect;
-  // Or a procedure call would look for the kind of a server that is not there.
+  // Otherwise a procedure call would probe for the kind of a server that does not exist.
   CRvoServer::SetServerType(server_type::kSocket, "", 0);
   CRvoServer::UseLocalDB(1);
-  // The settings of a server are none of this database's business.
+  // There is no server whose settings could be loaded.
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   if (CRvoServer::OpenLocalDB(database_.c_str(), connection_.direct.c_str()) == 1) return true;
   fmt::print(err, "qvcall: the database cannot be opened; check the connection text (--direct)\n");
@@ -163,7 +163,7 @@ void Session::PrintDriverText(std::ostream& err) const {
   CString said;
   if (CRvoServer::GetLocalDBError(said) != 1) return;
   std::string_view text = said.View();
-  // Which database it is about is known.
+  // The name of the database is already known.
   if (const std::string prefix = database_ + ": "; text.substr(0, prefix.size()) == prefix) {
     text.remove_prefix(prefix.size());
   }

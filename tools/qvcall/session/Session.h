@@ -9,46 +9,45 @@
 
 namespace qv::tool {
 
-// The library, started for one command and stopped at the end; one at a time.
+// Starts the library for one command and stops it on destruction. Only one may exist at a time.
 class Session {
  public:
-  // What a command's calls go through.
+  // The transport of a command's calls.
   enum class Calls {
-    kByServerType,  // the transport for the server's kind, or a database in direct mode
-    kOverSocket,    // the socket transport, whatever the server's kind
+    kByServerType,  // that of the server's kind, or none in direct mode
+    kOverSocket,    // the socket transport, regardless of the server's kind
   };
 
-  // `connection` outlives the session. A database in direct mode is known as `database`.
+  // `connection` must outlive the session. In direct mode, the database gets the name `database`.
   Session(const ConnectionOptions& connection, std::string database,
           Calls calls = Calls::kByServerType);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // A connection without a port is none: calls come to nothing at once.
-  //
-  // Hands the token, the authorities and the deadlines to the transport that is used, or opens the
-  // database. False, with the reason on `err`, when one is not taken: going on without it would not
-  // be what the user asked for.
+  // Passes the token, the authorities and the deadlines to the transport that is used, or opens the
+  // database in direct mode. With port 0 no server is configured, and every call fails immediately.
+  // Returns false, with the reason on `err`, if one of them is rejected: going on without it would
+  // not be what the user asked for.
   [[nodiscard]] bool Start(std::ostream& err);
 
-  // Says on `err` what a call's result means, and in direct mode what the driver said. `subject` is
-  // the one of several things that it is about.
+  // Explains a call's result on `err`, in direct mode with the driver's message. `subject` names
+  // the file, folder or statement if there are several.
   void PrintFailure(Call call, int code, std::ostream& err, std::string_view subject = {}) const;
-  // The same for a call that only gives 0, whether the server refused it or was not reached.
+  // The same for a call that returns 0 both if the server refused it and if it was not reached.
   void PrintRefusal(Call call, std::string_view subject, std::ostream& err) const;
-  // Whether that is so because the last attempt did not even reach the server.
+  // Whether the last call failed because it did not reach the server.
   [[nodiscard]] bool IsUnreachable() const;
 
-  // What the calls go through; valid once the session is started.
+  // Returns the transport of the calls. Valid after Start().
   [[nodiscard]] Route Way() const { return route_; }
-  // The server as a user would write it.
+  // Returns the server in the form that users write.
   [[nodiscard]] std::string Address() const;
-  // The name under which calls find the database.
+  // Returns the name that calls use for the database.
   [[nodiscard]] const char* Database() const { return database_.c_str(); }
 
-  // Asks over the socket whether the server is there; also teaches the transport the state of the
-  // network.
+  // Checks over the socket whether the server answers. Also updates the transport's view of the
+  // network's state.
   [[nodiscard]] bool Probe() const;
 
  private:

@@ -1,5 +1,5 @@
-// The files and folders of this machine by their paths in narrow text, as the user writes them and
-// the library takes them.
+// Files and folders of this machine. Paths are narrow text, as the user writes them and the library
+// takes them.
 #pragma once
 
 #include <cstdint>
@@ -12,38 +12,38 @@ namespace qv::tool {
 
 enum class LocalKind { kNone, kFile, kFolder, kOther };
 
-// What is there, at the end of all links.
+// Returns the kind of what the path leads to, through links.
 [[nodiscard]] LocalKind KindOf(const std::string& path);
 [[nodiscard]] bool IsLinkToFolder(const std::string& path);
-// In bytes; 0 when nobody knows.
+// Returns the size in bytes, 0 if it is unknown.
 [[nodiscard]] std::uint64_t SizeOf(const std::string& file);
 
-// Whether a file or folder of that name, which a server may have chosen, is just that here:
-// nothing outside its folder, no device, no part of another file.
+// Whether a name, which a server may have chosen, is safe for a local file or folder: not a path
+// out of its folder, not a device, not a stream of another file.
 [[nodiscard]] bool IsLocalName(std::string_view name);
 
 [[nodiscard]] std::string JoinLocal(const std::string& folder, std::string_view name);
-// The folder that the path is in; "." when that is not said.
+// Returns the folder of the path, "." if the path has none.
 [[nodiscard]] std::string LocalFolderOf(const std::string& path);
-// What the path ends with once it is clear where it leads, as it is not for "..". None when narrow
-// text cannot say that.
+// Returns the last name of the path after "." and ".." were resolved, or nullopt if narrow text
+// cannot represent it.
 [[nodiscard]] std::optional<std::string> LocalNameOf(const std::string& path);
 
 struct LocalEntries {
   std::vector<std::string> paths;     // sorted
-  std::vector<std::string> nameless;  // those that narrow text cannot say, as nearly as it can
-  std::string error;                  // empty when that is all
+  std::vector<std::string> nameless;  // nearest texts of paths that narrow text cannot represent
+  std::string error;                  // empty if the listing is complete
 };
 [[nodiscard]] LocalEntries EntriesOf(const std::string& folder);
 
-// Makes the last folder of the path. False when it was there before, or cannot be made.
+// Creates the last folder of the path. Returns false if it exists or cannot be created.
 bool MakeLocalFolder(const std::string& path);
-// Makes those that are missing, too. Whoever uses the folder sees whether that could be.
+// Creates all missing folders of the path. A failure shows when the folder is used.
 void MakeLocalFolders(const std::string& path);
-// Removes the folder with all that is in it. False when something is left.
+// Removes the folder with its contents. Returns false if anything is left.
 [[nodiscard]] bool RemoveLocalFolder(const std::string& path);
-// Moves the file within its disk, to where a file may stand, and lets those have it who have
-// `like`. The reason when it cannot be, else empty.
+// Renames `file` to `place` on the same file system, replacing an existing file, and gives it the
+// permissions of `like`. Returns an error text, empty on success.
 [[nodiscard]] std::string MoveLocalFile(const std::string& file, const std::string& like,
                                         const std::string& place);
 

@@ -1,7 +1,7 @@
-// What the system knows of paths. Narrow text is in the system's own encoding, as the command line
-// brings it and the library takes it; std::filesystem reads it in another one on some systems. So
-// nothing makes paths of narrow text, or narrow text of paths, but what is declared here; all but
-// LocalFiles.cpp have no need to.
+// Conversions between paths and narrow text, and rules on paths that differ by system. Narrow text
+// is in the system's own encoding, which the command line and the library use, but std::filesystem
+// assumes another encoding on some systems. So only these functions convert, and only
+// LocalFiles.cpp and the sources for each system need them.
 #pragma once
 
 #include <filesystem>
@@ -12,23 +12,23 @@ namespace qv::tool {
 
 [[nodiscard]] std::filesystem::path PathFromNarrow(const std::string& path);
 
-// None when narrow text cannot say the path: what is nearest to it may name something else.
+// Returns nullopt if narrow text cannot represent the path: the nearest text may name another file.
 [[nodiscard]] std::optional<std::string> NarrowFromPath(const std::filesystem::path& path);
 
-// What is nearest to it, for people to read.
+// Returns the nearest text, for messages.
 [[nodiscard]] std::string ShownPath(const std::filesystem::path& path);
 
-// Whether the path itself leads elsewhere, whatever is there.
+// Whether the path itself is a link, even if it leads nowhere.
 [[nodiscard]] bool IsLink(const std::filesystem::path& path);
 
-// Whether a file that gets this name, which is a plain one, has it then: not a device that the
-// system sees in it, nor a name that the system cuts.
+// Whether a file that is created with this plain name gets exactly this name: the system takes some
+// names for devices and truncates others.
 [[nodiscard]] bool KeepsName(const std::string& name);
 
-// The same for all paths that differ only in what the system does not tell apart.
+// Returns a key that is equal for paths that the system treats as equal.
 [[nodiscard]] std::string PathKey(const std::string& path);
 
-// Lets those have the file who have `like`, which is beside it. As far as the system allows.
+// Gives `file` the permissions of `like`, which is in the same folder, as far as the system allows.
 void GiveRightsOf(const std::filesystem::path& like, const std::filesystem::path& file);
 
 }  // namespace qv::tool

@@ -8,14 +8,14 @@
 
 namespace qv::tool {
 
-// The first character of `text`, which is not empty. A byte that does not begin a character stands
-// for itself alone and is not valid.
+// Decodes the first character of `text`, which must not be empty. A byte that does not begin a
+// character is returned alone and marked as not valid.
 [[nodiscard]] text::DecodedChar DecodeNarrow(std::string_view text);
 
-// What is shown in place of such a byte.
+// Returns the text that is shown instead of such a byte.
 [[nodiscard]] std::string_view NoCharacter();
 
-// The same text in UTF-8; where narrow text is that already, as it is.
+// Converts to UTF-8. Returns `text` unchanged where narrow text is UTF-8.
 [[nodiscard]] std::string Utf8FromNarrow(std::string_view text);
 
 }  // namespace qv::tool

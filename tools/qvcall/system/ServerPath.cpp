@@ -38,7 +38,7 @@ std::string_view FolderOf(std::string_view path) {
   return end != std::string_view::npos ? path.substr(0, end) : std::string_view();
 }
 
-// A colon begins another drive, or another stream of a file.
+// A colon would name another drive, or another stream of a file.
 bool IsPlainName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          std::none_of(name.begin(), name.end(), [](char ch) {

@@ -1,5 +1,5 @@
-// How the files and folders of a server's store are named: parts with a "\" between them, without
-// one before the first or behind the last. The store itself is the empty path.
+// Paths in a server's store: names separated by "\", without one at the start or the end. The empty
+// path is the store itself.
 #pragma once
 
 #include <cstddef>
@@ -8,25 +8,25 @@
 
 namespace qv::tool {
 
-// What the library sends of a path, and of the name of a file under a number; it cuts longer ones,
-// and the rest may be the name of something else.
+// The library truncates longer paths, and longer names of files under a number, and the shortened
+// text could name another file.
 constexpr std::size_t kLongestServerPath = 255;
 constexpr std::size_t kLongestIdName = 251;
 
-// What a user wrote, who may have taken "/" for "\" and may have written one too many.
+// Converts a path as a user writes it, possibly with "/" and with superfluous separators.
 [[nodiscard]] std::string ServerPath(std::string_view typed);
 
-// Whether a user wrote the path of a folder to put something into: it ends as only those do.
+// Whether a user wrote the path as that of a folder, with a separator at its end.
 [[nodiscard]] bool EndsAsFolder(std::string_view typed);
 
 [[nodiscard]] std::string JoinServerPath(std::string_view folder, std::string_view name);
 
-// The part behind the last "\", and the path before that.
+// Return the name after the last "\", and the path before it.
 [[nodiscard]] std::string_view LastPart(std::string_view path);
 [[nodiscard]] std::string_view FolderOf(std::string_view path);
 
-// Whether this names something inside a folder, here as well as on the server: a server may name
-// its files as it likes, and nothing may be written outside the folder that a user gave.
+// Whether the name stays inside its folder, on this machine and on the server. A server can send
+// any names, and nothing may be written outside the folder that the user gave.
 [[nodiscard]] bool IsPlainName(std::string_view name);
 
 }  // namespace qv::tool

@@ -1,4 +1,5 @@
-// Where each system keeps what the tool looks for, and what messages call those places there.
+// Finds the user's caches and the functions of loaded libraries and components on each system, with
+// the words that messages use for them there.
 #pragma once
 
 #include <string>
@@ -6,26 +7,26 @@
 
 namespace qv::tool {
 
-// The services that queued files go to.
+// The services that files are queued for.
 enum class Service { kFtp, kCloud };
 
-// The folder for the caches of this user's programs; empty when the environment does not name it.
+// Returns the folder for the caches of this user's programs, empty if the environment names none.
 [[nodiscard]] std::string CachesOfUser();
-// Says that the environment does not.
+// Returns the words for that failure, to be followed by "a place for ...".
 [[nodiscard]] std::string_view NoCachesOfUser();
 
-// What to do when there is no component for the service.
+// Returns the advice for a missing component.
 [[nodiscard]] std::string_view AdviceOnMissing(Service service);
 
-// A function with C linkage that some library of this program offers under that name, or null.
+// Returns the function with C linkage and that name from a library of this program, or null.
 [[nodiscard]] void* FindLoadedFunction(const char* name);
 
-// The same of a component's library beside this program, which is loaded for it and stays;
-// `component` is its name without what the system puts around it. Null, too, where components are
-// not looked for there.
+// Returns such a function from a component's library beside this program, which is loaded and stays
+// loaded. `component` is its name without the system's prefix and suffix. Always returns null on
+// systems that do not look for components there.
 [[nodiscard]] void* FindComponentFunction(const char* component, const char* name);
 
-// These as pointers to functions of type `Function`.
+// Return these functions as pointers of type `Function`.
 template <class Function>
 [[nodiscard]] Function* LoadedFunction(const char* name) {
   return reinterpret_cast<Function*>(FindLoadedFunction(name));

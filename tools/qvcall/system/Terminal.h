@@ -1,4 +1,4 @@
-// The standard streams, the terminal and interrupts.
+// The program's standard streams, terminal and interrupts.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 namespace qv::tool {
 
-// Makes the standard streams carry bytes as they are, and a failed write to them an error, as long
-// as it lives. Before the first use of the streams; one at a time.
+// While it lives, the standard streams pass bytes unchanged, and a failed write is an error instead
+// of ending the program. Must be created before the streams are used. Only one may exist at a time.
 class Startup {
  public:
   Startup();
@@ -18,27 +18,27 @@ class Startup {
   Startup(const Startup&) = delete;
   Startup& operator=(const Startup&) = delete;
 
-  // Whether the program was given its arguments as they were written. Where narrow text cannot say
-  // them, it is given others, which may be the names of other files.
+  // Whether the program received its arguments unchanged. An argument that narrow text cannot
+  // represent is changed by the system, and may then name another file.
   [[nodiscard]] static bool HasWholeArguments();
 
  private:
-  unsigned code_page_before_ = 0;  // of the console; 0 when it was left as it is
+  unsigned code_page_before_ = 0;  // of the console; 0 if it was not changed
 };
 
-// How many cells a line of the terminal has that standard error goes to; 0 when it goes to none, or
-// to one that cannot go back to the start of a line.
+// Returns how many cells a line of the terminal on standard error has. Returns 0 if there is no
+// terminal, or if it cannot return to the start of a line.
 [[nodiscard]] std::size_t TerminalWidth();
 
-// Asks for a line on the terminal that the program was started from, wherever its input and output
-// go, and does not show what is typed. Nothing when there is no terminal, or no line comes. Before
-// any other thread is made, and while nobody else watches for interrupts.
+// Asks for a line on the terminal that the program was started from, even if its input and output
+// are redirected, and does not show what is typed. Returns nullopt if there is no terminal or no
+// line. Must be called before other threads are started, and while no InterruptWatch exists.
 [[nodiscard]] std::optional<std::string> AskForSecret(const std::string& question);
 
-// While it lives, a user's interrupt (or being told to end) runs `last_words` before the program
-// ends by it. They run on a thread of their own, so they may do whatever threads may. What the
-// program was started to ignore stays ignored. Made on the thread that starts the others, before
-// them; one at a time.
+// While it lives, an interrupt or a request to terminate runs `last_words` before it ends the
+// program. They run on a thread of their own, so they may do anything that a thread may. Signals
+// that the program was started to ignore stay ignored. Must be created on the main thread before it
+// starts other threads. Only one may exist at a time.
 class InterruptWatch {
  public:
   explicit InterruptWatch(std::function<void()> last_words);

@@ -10,8 +10,8 @@
 namespace qv::tool {
 namespace {
 
-// Wakes the watching thread when the watch is over. From anybody else it ends the program, as
-// always.
+// Wakes the watching thread when the watch is over. Sent by another process, it ends the program as
+// usual.
 constexpr int kWake = SIGUSR1;
 
 bool IsIgnored(int signal) {
@@ -29,7 +29,7 @@ sigset_t WatchedSignals() {
   return signals;
 }
 
-// As if nobody had watched, so that whoever waits for this process sees how it ended.
+// Ends the program by the signal itself, so that a waiting process sees how it ended.
 void EndBy(int signal) {
   std::signal(signal, SIG_DFL);
   sigset_t only;
@@ -50,7 +50,7 @@ struct InterruptWatch::State {
 InterruptWatch::InterruptWatch(std::function<void()> last_words)
     : state_(std::make_unique<State>()) {
   const sigset_t watched = WatchedSignals();
-  // Threads that are made later inherit this, and leave the signals to the one that waits.
+  // Threads that start later inherit the mask and leave the signals to the watching thread.
   pthread_sigmask(SIG_BLOCK, &watched, &state_->before);
   state_->thread = std::thread([watched, &over = state_->over, last_words = std::move(last_words)] {
     int signal = 0;

@@ -10,7 +10,8 @@
 namespace qv::tool {
 namespace {
 
-// A folder that the environment names; a relative one would depend on where the user stands.
+// Returns a folder that the environment names. A relative one is ignored, because it would depend
+// on the current folder.
 std::string FolderFrom(const char* variable) {
   const char* const value = std::getenv(variable);
   return value != nullptr && *value == '/' ? value : "";

@@ -20,7 +20,7 @@ bool IsDumb() {
   return kind == nullptr || std::string_view(kind) == "dumb";
 }
 
-// The terminal of the program, without the echo of what is typed.
+// The terminal that the program was started from, with echo switched off.
 class SilentTerminal {
  public:
   SilentTerminal() : file_(open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC)) {
@@ -38,7 +38,7 @@ class SilentTerminal {
   SilentTerminal(const SilentTerminal&) = delete;
   SilentTerminal& operator=(const SilentTerminal&) = delete;
 
-  // Any thread.
+  // Any thread may call this.
   void Restore() const {
     if (is_open_) tcsetattr(file_, TCSAFLUSH, &before_);
   }
@@ -61,8 +61,8 @@ class SilentTerminal {
 
 }  // namespace
 
-// A reader that went away shall be a failed write, so that the tool ends in order; so shall a limit
-// on the size of files.
+// A closed pipe and a limit on the size of files must make writes fail instead of ending the
+// program, so that it can clean up.
 Startup::Startup() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
@@ -82,7 +82,7 @@ std::size_t TerminalWidth() {
 
 std::optional<std::string> AskForSecret(const std::string& question) {
   const SilentTerminal terminal;
-  // Whoever is interrupted here gets back a terminal that shows what is typed.
+  // Restores the echo if the user interrupts the question.
   const InterruptWatch watch([&terminal] {
     terminal.Restore();
     terminal.Write("\n");

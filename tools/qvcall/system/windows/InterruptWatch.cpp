@@ -8,15 +8,15 @@
 namespace qv::tool {
 namespace {
 
-// The system calls a plain function, on a thread of its own; this is what it finds.
+// The system calls a plain function on a thread of its own, which finds the watch here.
 std::mutex watch_lock;
 const std::function<void()>* watch_words = nullptr;
 
 BOOL WINAPI OnInterrupt(DWORD) {
-  // Kept while the last words run: the watch that owns them must not end meanwhile.
+  // Held while the last words run, so that the watch that owns them is not destroyed meanwhile.
   const std::lock_guard<std::mutex> lock(watch_lock);
   if (watch_words != nullptr) std::exchange(watch_words, nullptr)->operator()();
-  return FALSE;  // the next one to ask is the system, which ends the program
+  return FALSE;  // lets the next handler, the system's, end the program
 }
 
 }  // namespace

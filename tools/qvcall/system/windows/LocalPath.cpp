@@ -24,7 +24,7 @@ std::wstring InCapitals(std::wstring text) {
 }  // namespace
 
 fs::path PathFromNarrow(const std::string& path) {
-  return WideFromNarrow(path).value_or(L"?");  // which no file is called
+  return WideFromNarrow(path).value_or(L"?");  // no file can have this name
 }
 
 std::optional<std::string> NarrowFromPath(const fs::path& path) {
@@ -33,8 +33,8 @@ std::optional<std::string> NarrowFromPath(const fs::path& path) {
 
 std::string ShownPath(const fs::path& path) { return NearestNarrow(path.native()); }
 
-// Not every file that the system treats apart is a link: those that are kept elsewhere until they
-// are read are not, and have tags of their own.
+// Not every reparse point is a link: files that are stored elsewhere until they are read have other
+// tags.
 bool IsLink(const fs::path& path) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
@@ -65,7 +65,7 @@ void GiveRightsOf(const fs::path& like, const fs::path& file) {
     return;
   }
   const std::unique_ptr<void, decltype(&::LocalFree)> kept(all, &::LocalFree);
-  // What came from the folder comes from there again.
+  // Rights inherited from the folder are inherited again.
   std::wstring name = file.native();
   ::SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT,
                           DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION,

@@ -9,7 +9,7 @@
 namespace qv::tool {
 namespace {
 
-// Older systems do not let a program choose, and take its text in their own code page.
+// Older systems do not let a program choose UTF-8 and use their own code page.
 bool IsUtf8() {
   static const bool is_utf8 = ::GetACP() == CP_UTF8;
   return is_utf8;
@@ -20,7 +20,7 @@ bool IsUtf8() {
 std::optional<std::wstring> WideFromNarrow(std::string_view text) {
   if (text.empty()) return std::wstring();
   if (text.size() > kLongestText) return std::nullopt;
-  std::wstring wide(text.size(), L'\0');  // no code page has more units than bytes
+  std::wstring wide(text.size(), L'\0');  // in no code page are there more units than bytes
   const int length = static_cast<int>(text.size());
   const int units =
       ::MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text.data(), length, wide.data(), length);
@@ -39,7 +39,7 @@ std::string NearestNarrow(std::wstring_view text) {
   return narrow;
 }
 
-// By the way back: not every code page can be asked for what it lacks.
+// Checked by converting back, because not every code page reports characters that it lacks.
 std::optional<std::string> NarrowFromWide(std::wstring_view text) {
   std::string narrow = NearestNarrow(text);
   if (WideFromNarrow(narrow) != text) return std::nullopt;

@@ -12,7 +12,7 @@
 
 namespace qv::tool {
 
-// Absolute, or it would depend on where the user stands.
+// A relative folder is ignored, because it would depend on the current folder.
 std::string CachesOfUser() {
   const char* const value = std::getenv("LOCALAPPDATA");
   const std::string caches = value != nullptr ? value : "";
@@ -42,7 +42,7 @@ void* FindLoadedFunction(const char* name) {
   return nullptr;
 }
 
-// Components are classes of the system here, and have no functions beside their contract.
+// Components are COM classes here and export no functions beyond their contract.
 void* FindComponentFunction(const char* /*component*/, const char* /*name*/) { return nullptr; }
 
 }  // namespace qv::tool

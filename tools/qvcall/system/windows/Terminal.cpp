@@ -20,13 +20,13 @@ bool IsConsole(DWORD which) {
   return ::GetConsoleMode(::GetStdHandle(which), &mode) != FALSE;
 }
 
-// A console shows and takes lines; in all else, line ends and the sign for the end of a text are
-// bytes like any other.
+// Switches a file or pipe to binary mode. Only a console needs line ends and the end-of-text sign
+// translated.
 void LeaveBytesAlone(std::FILE* stream) {
   if (::_isatty(::_fileno(stream)) == 0) ::_setmode(::_fileno(stream), _O_BINARY);
 }
 
-// The console that typed text comes from, without the echo of it.
+// The console that the program was started from, with echo switched off.
 class SilentConsole {
  public:
   SilentConsole()
@@ -42,13 +42,13 @@ class SilentConsole {
   SilentConsole(const SilentConsole&) = delete;
   SilentConsole& operator=(const SilentConsole&) = delete;
 
-  // Any thread.
+  // Any thread may call this.
   void Restore() const {
     if (is_open_) ::SetConsoleMode(input_, before_);
   }
   [[nodiscard]] bool IsOpen() const { return is_open_; }
   std::optional<std::string> ReadLine() const {
-    // Not as narrow text, which is in a code page of the console's own.
+    // Read as wide text, because narrow text would be in the console's own code page.
     std::wstring line;
     DWORD read = 0;
     for (wchar_t ch = 0; ::ReadConsoleW(input_, &ch, 1, &read, nullptr) != FALSE && read == 1;
@@ -71,7 +71,7 @@ class SilentConsole {
 Startup::Startup() {
   LeaveBytesAlone(stdin);
   LeaveBytesAlone(stdout);
-  // A console has a code page of its own, of older programs.
+  // A console has a code page of its own, for older programs.
   if (IsConsole(STD_OUTPUT_HANDLE) || IsConsole(STD_ERROR_HANDLE)) {
     code_page_before_ = ::GetConsoleOutputCP();
     ::SetConsoleOutputCP(::GetACP());
@@ -89,7 +89,7 @@ bool Startup::HasWholeArguments() {
   int count = 0;
   const std::unique_ptr<wchar_t*, decltype(&::LocalFree)> all(
       ::CommandLineToArgvW(::GetCommandLineW(), &count), &::LocalFree);
-  // The first is where the program stands.
+  // The first is the path of the program.
   for (int i = 1; all != nullptr && i < count; ++i) {
     if (!NarrowFromWide(all.get()[i])) return false;
   }
@@ -98,7 +98,7 @@ bool Startup::HasWholeArguments() {
 
 std::size_t TerminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO console{};
-  // Of no console, a file or a pipe, there is nothing to know.
+  // Fails if standard error is not a console.
   if (::GetConsoleScreenBufferInfo(::GetStdHandle(STD_ERROR_HANDLE), &console) == FALSE) return 0;
   const int width = console.srWindow.Right - console.srWindow.Left + 1;
   return width > 0 ? static_cast<std::size_t>(width) : 0;
@@ -106,10 +106,10 @@ std::size_t TerminalWidth() {
 
 std::optional<std::string> AskForSecret(const std::string& question) {
   const SilentConsole console;
-  // Whoever is interrupted here gets back a console that shows what is typed.
+  // Restores the echo if the user interrupts the question.
   const InterruptWatch watch([&console] { console.Restore(); });
   if (!console.IsOpen()) return std::nullopt;
-  // The console belongs to standard error here, which is shown even when output goes to a file.
+  // Standard error is the console here; it is shown even if output is redirected to a file.
   std::fputs(question.c_str(), stderr);
   auto line = console.ReadLine();
   std::fputs("\n", stderr);

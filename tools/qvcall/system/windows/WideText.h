@@ -1,4 +1,4 @@
-// Between narrow text, which is in the code page of the process, and the system's own.
+// Converts between narrow text, in the code page of the process, and the system's wide text.
 #pragma once
 
 #include <optional>
@@ -7,16 +7,16 @@
 
 namespace qv::tool {
 
-// The system counts in int, and narrow text may have four bytes for each unit.
+// The system counts in int, and narrow text can have four bytes per unit.
 constexpr std::size_t kLongestText = std::size_t{1} << 28;
 
-// None when that is no text of the code page.
+// Returns nullopt if `text` is not valid in the code page.
 [[nodiscard]] std::optional<std::wstring> WideFromNarrow(std::string_view text);
 
-// What is nearest to it in the code page: other characters stand for those that it lacks.
+// Returns the nearest text: characters that the code page lacks are replaced.
 [[nodiscard]] std::string NearestNarrow(std::wstring_view text);
 
-// None when the code page lacks any of it.
+// Returns nullopt if the code page lacks a character.
 [[nodiscard]] std::optional<std::string> NarrowFromWide(std::wstring_view text);
 
 }  // namespace qv::tool
