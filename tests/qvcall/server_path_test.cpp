@@ -24,7 +24,7 @@ TEST(ServerPath, HasOneBackslashBetweenItsParts) {
       {"图/梁 1.dwg", "图\\梁 1.dwg", false},
   };
   for (const auto& [typed, path, ends_as_folder] : cases) {
-    EXPECT_EQ(qv::tool::ServerPath(typed), path) << typed;
+    EXPECT_EQ(qv::tool::ToServerPath(typed), path) << typed;
     EXPECT_EQ(qv::tool::EndsAsFolder(typed), ends_as_folder) << typed;
   }
 }

@@ -45,13 +45,13 @@ std::string Taken(std::string path, bool may_be_store = false) {
 }
 
 std::string TakenTyped(const std::string& typed, bool may_be_store = false) {
-  return Taken(ServerPath(typed), may_be_store);
+  return Taken(ToServerPath(typed), may_be_store);
 }
 
 // Returns the target itself or, if it was written as a folder, the path of `source` in it.
 std::string TakenTarget(const std::string& typed, const std::string& source) {
   if (!EndsAsFolder(typed)) return TakenTyped(typed);
-  return Taken(JoinServerPath(ServerPath(typed), LastPart(source)));
+  return Taken(JoinServerPath(ToServerPath(typed), LastPart(source)));
 }
 
 class StoreCommandLine {

@@ -1,5 +1,5 @@
 // The commands for a server's files, directory and log, and their options. Paths on the server have
-// the form that ServerPath() returns.
+// the form that ToServerPath() returns.
 #pragma once
 
 #include <string>

@@ -11,7 +11,7 @@ constexpr std::string_view kSeparators = "\\/";
 
 }  // namespace
 
-std::string ServerPath(std::string_view typed) {
+std::string ToServerPath(std::string_view typed) {
   std::string path;
   while (!typed.empty()) {
     const std::string_view part = typed.substr(0, typed.find_first_of(kSeparators));

@@ -14,7 +14,7 @@ constexpr std::size_t kLongestServerPath = 255;
 constexpr std::size_t kLongestIdName = 251;
 
 // Converts a path as a user writes it, possibly with "/" and with superfluous separators.
-[[nodiscard]] std::string ServerPath(std::string_view typed);
+[[nodiscard]] std::string ToServerPath(std::string_view typed);
 
 // Whether a user wrote the path as that of a folder, with a separator at its end.
 [[nodiscard]] bool EndsAsFolder(std::string_view typed);
