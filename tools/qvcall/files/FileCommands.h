@@ -35,8 +35,8 @@ namespace qv::tool {
                       std::ostream& out, std::ostream& err);
 
 // Send, fetch and show files that the server stores under a number and a name. Transferred files
-// are compared with the server's checksum, if there is one. An existing local file is replaced only
-// by a file that passed the comparison.
+// are compared with the server's checksum, if there is one. An existing local file is not
+// replaced by a file that failed the comparison.
 [[nodiscard]] int Run(const ConnectionOptions& connection, const PutById& command,
                       std::ostream& out, std::ostream& err);
 [[nodiscard]] int Run(const ConnectionOptions& connection, const GetById& command,

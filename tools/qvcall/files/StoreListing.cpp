@@ -122,7 +122,7 @@ std::optional<ServerFolder> FindFolder(const std::string& path) {
   for (ServerFolder& folder : FoldersIn(std::string(FolderOf(path))).folders) {
     if (folder.name == LastPart(path)) return std::move(folder);
   }
-  // The folder may not be listed because it is one of too many.
+  // The server lists no folders if there are too many beside this one.
   const bool has_folders = !FoldersIn(path).folders.empty();
   const bool has_files = !ForEachFile(path, kEveryFile, [](const ServerFile&) { return false; });
   if (!has_folders && !has_files) return std::nullopt;

@@ -31,7 +31,7 @@ std::size_t AppendVisible(std::string_view text, std::string& line);
 // characters that a terminal would obey are spelt out.
 void WriteColumns(const std::vector<std::vector<std::string>>& rows, std::ostream& out);
 
-// Returns a time, given in seconds since 1970 UTC, as local date and time. The text has always the
+// Returns a time, given in seconds since 1970 UTC, as local date and time. The text always has the
 // same length; it is a padded "?" if the year would not have four digits.
 [[nodiscard]] std::string TimeText(std::int64_t seconds);
 

@@ -101,7 +101,7 @@ class QueueWork {
     std::vector<std::string> names;
     for (const auto& [first, second] : pairs) {
       names.push_back(first);
-      // A file that is rejected here makes the run fail, which is reported below.
+      // A file that cannot be transferred is queued as well, and the run reports it.
       static_cast<void>(client_.Add(kind, first, second));
     }
     long count = 0;

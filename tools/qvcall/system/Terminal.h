@@ -37,8 +37,8 @@ class Startup {
 
 // While it lives, an interrupt or a request to terminate runs `last_words` before it ends the
 // program. They run on a thread of their own, so they may do anything that a thread may. Signals
-// that the program was started to ignore stay ignored. Must be created on the main thread before it
-// starts other threads. Only one may exist at a time.
+// that the program was started to ignore stay ignored. Must be created by the thread that starts
+// the other threads, before it starts them. Only one may exist at a time.
 class InterruptWatch {
  public:
   explicit InterruptWatch(std::function<void()> last_words);
