@@ -114,9 +114,9 @@ CLI::App* AddBatch(CLI::App& app, BatchOptions& batch) {
   AddDatabase(*command, batch.database, "Name of the database on the server; required");
   command->footer(
       "Statements end at each \";\" outside quotes, names in square brackets and comments.\n"
-      "A batch always uses the socket transport, even with --web: it goes to --port, or without "
-      "one "
-      "to --http-port, for a server that accepts both there. Not with --direct.");
+      "A batch always uses the socket transport, even with --web: it goes to --port or, if "
+      "that is not given, to --http-port, where the server must then accept both. Not with "
+      "--direct.");
   return command;
 }
 

@@ -28,8 +28,7 @@ struct Rule {
 constexpr Rule kRules[] = {
     {[](const CommandLine& c) { return IsDirect(c) && c.connection.web; },
      "--web uses a server, and --direct (or QVCALL_DIRECT) a database without one: give only one "
-     "of "
-     "them"},
+     "of them"},
     {[](const CommandLine& c) { return IsDirect(c) && c.query && c.query->use_cache; },
      "--cache and --offline store answers of a server, and --direct (or QVCALL_DIRECT) uses a "
      "database without one: omit them"},

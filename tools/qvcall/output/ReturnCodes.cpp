@@ -216,8 +216,7 @@ constexpr Entry kEntries[] = {
      kSocket,
      {0, "it was not copied",
       "the file, or the folder for the copy, may not exist: check with `qvcall ls`; folders are "
-      "not "
-      "copied"}},
+      "not copied"}},
     {SetOf({Call::kLook}),
      kSocket,
      {0, "the server has no such entry, or does not show it",
