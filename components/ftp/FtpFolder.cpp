@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/text/Letters.h"
 #include "components/queue/RemotePath.h"
 
 namespace qv::components {
@@ -51,11 +52,10 @@ bool IsProperFolder(std::string_view path) {
 std::optional<std::string_view> BehindFacts(std::string_view line) {
   const std::size_t blank = line.find(' ');
   if (blank == std::string_view::npos) return std::nullopt;
-  std::string facts(line.substr(0, blank));
-  for (char& c : facts) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  const std::string_view facts = line.substr(0, blank);
   // The folder itself and the one above, which may go by any name.
   for (const char* const kind : {"type=cdir;", "type=pdir;"}) {
-    if (facts.find(kind) != std::string::npos) return ".";
+    if (text::FindIgnoringCase(facts, kind) != facts.npos) return ".";
   }
   return line.substr(blank + 1);
 }
@@ -133,7 +133,7 @@ std::optional<std::vector<std::string>> NamesInListing(const std::string& listin
     if (line.empty()) continue;
     const auto name = has_facts ? BehindFacts(line) : LastStep(line);
     if (!name || name->empty() || name->find('/') != std::string_view::npos) return std::nullopt;
-    if (HasControls(*name)) return std::nullopt;
+    if (text::HasControls(*name)) return std::nullopt;
     if (IsDots(*name)) continue;
     if (names.size() == most) return std::nullopt;
     names.emplace_back(*name);

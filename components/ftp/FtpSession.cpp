@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "base/text/Letters.h"
+#include "base/text/Percent.h"
 #include "components/queue/RemotePath.h"
 
 namespace qv::components {
@@ -67,26 +69,6 @@ bool LeavesOrder(CURLcode code) {
   }
 }
 
-bool IsUnreserved(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-         c == '.' || c == '_' || c == '~' || c == '/';
-}
-
-std::string Escaped(const std::string& path) {
-  constexpr const char* kDigits = "0123456789ABCDEF";
-  std::string escaped;
-  escaped.reserve(path.size());
-  for (const char c : path) {
-    if (IsUnreserved(c)) {
-      escaped += c;
-      continue;
-    }
-    const auto byte = static_cast<unsigned char>(c);
-    escaped += {'%', kDigits[byte >> 4], kDigits[byte & 0xF]};
-  }
-  return escaped;
-}
-
 curl_socket_t RefuseSocket(void*, curlsocktype, curl_sockaddr*) noexcept { return CURL_SOCKET_BAD; }
 
 }  // namespace
@@ -148,7 +130,7 @@ QvTransferResult FtpSession::LogInto(std::size_t server) {
   const char* home = nullptr;
   curl_easy_getinfo(handle_.Easy(), CURLINFO_FTP_ENTRY_PATH, &home);
   home_ = home != nullptr ? home : "";
-  if (!home_.starts_with('/') || HasControls(home_)) home_ = "/";
+  if (!home_.starts_with('/') || text::HasControls(home_)) home_ = "/";
   if (!home_.ends_with('/')) home_ += '/';
   return result == QvTransfer_Broken ? QvTransfer_CannotConnect : result;
 }
@@ -159,7 +141,7 @@ std::string FtpSession::Absolute(const std::string& path) const {
 
 void FtpSession::SetUp(CurlRequest& request, const std::string& path) const {
   const FtpServer& server = servers_[current_];
-  request.Set(CURLOPT_URL, (server.url + '/' + Escaped(path)).c_str());
+  request.Set(CURLOPT_URL, (server.url + '/' + text::PercentEncoded(path, "/")).c_str());
   request.Set(CURLOPT_PATH_AS_IS, 1L);
   request.Set(CURLOPT_PROTOCOLS_STR, "ftp");
   // Whole paths in every command, so that nothing depends on the folder that the server is in.

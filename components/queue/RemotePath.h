@@ -11,7 +11,4 @@ namespace qv::components {
 // could be taken for the end of a command.
 [[nodiscard]] std::optional<std::string> ServerPath(std::string_view text);
 
-// Whether a text has a byte below the blank, or DEL.
-[[nodiscard]] bool HasControls(std::string_view text);
-
 }  // namespace qv::components

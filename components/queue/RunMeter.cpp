@@ -1,8 +1,9 @@
 #include "RunMeter.h"
 
 #include <algorithm>
-#include <limits>
 #include <thread>
+
+#include "base/text/Numbers.h"
 
 namespace qv::components {
 
@@ -17,22 +18,19 @@ struct Listener {
 
 thread_local Listener listener;
 
-std::int32_t Saturated(std::size_t number) {
-  constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
-  return static_cast<std::int32_t>(std::min(number, kMost));
-}
-
 }  // namespace
 
 void SetRunCallback(QvTransferCallback callback, void* context) noexcept {
   listener = {callback, context};
 }
 
-RunMeter::RunMeter(std::size_t file_count) { progress_.file_count = Saturated(file_count); }
+RunMeter::RunMeter(std::size_t file_count) {
+  progress_.file_count = text::SaturatedTo32Bits(file_count);
+}
 
 void RunMeter::Begin(const std::string& file, std::size_t index) {
   progress_.file = file.c_str();
-  progress_.file_index = Saturated(index);
+  progress_.file_index = text::SaturatedTo32Bits(index);
   progress_.file_done = 0;
   progress_.file_total = 0;
   progress_.attempt = 1;

@@ -1,6 +1,7 @@
 #include "CloudParameters.h"
 
-#include <charconv>
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 
 namespace qv::components {
 
@@ -13,21 +14,15 @@ constexpr std::uint64_t kLeastPart = 5U << 20;
 constexpr std::uint64_t kLargestPart = std::uint64_t{5} << 30;
 
 bool SetPartBytes(Settings& to, const std::string& value) {
-  std::uint64_t bytes = 0;
-  const char* const end = value.data() + value.size();
-  const auto [stop, error] = std::from_chars(value.data(), end, bytes);
-  if (error != std::errc() || stop != end) return false;
-  if (bytes < kLeastPart || bytes > kLargestPart) return false;
-  to.part_bytes = bytes;
+  const auto bytes = text::ParseNumber<std::uint64_t>(value);
+  if (!bytes || *bytes < kLeastPart || *bytes > kLargestPart) return false;
+  to.part_bytes = *bytes;
   return true;
 }
 
 // It becomes part of a header.
 bool SetRegion(Settings& to, const std::string& value) {
-  const auto is_allowed = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '_';
-  };
+  const auto is_allowed = [](char c) { return text::IsLetterOrDigit(c) || c == '-' || c == '_'; };
   if (value.empty() || !std::all_of(value.begin(), value.end(), is_allowed)) return false;
   return wire::SetText(to.region, value);
 }

@@ -65,18 +65,6 @@ std::string Sha256Stream::Finish() {
 
 void Sha256Stream::Free::operator()(evp_md_ctx_st* context) const { EVP_MD_CTX_free(context); }
 
-std::string HexOf(std::string_view bytes) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const char byte : bytes) {
-    const auto value = static_cast<unsigned char>(byte);
-    text += kDigits[value >> 4];
-    text += kDigits[value & 15];
-  }
-  return text;
-}
-
 std::string Base64Of(std::string_view bytes) {
   // Four characters for three bytes, and the NUL that the encoder adds.
   std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');

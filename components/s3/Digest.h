@@ -33,8 +33,6 @@ class Sha256Stream {
   std::unique_ptr<evp_md_ctx_st, Free> context_;
 };
 
-// In lower case.
-[[nodiscard]] std::string HexOf(std::string_view bytes);
 [[nodiscard]] std::string Base64Of(std::string_view bytes);
 
 }  // namespace qv::components

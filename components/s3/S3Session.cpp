@@ -1,13 +1,13 @@
 #include "S3Session.h"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 #include "Digest.h"
 #include "S3Errors.h"
 #include "S3Xml.h"
 #include "base/platform/Platform.h"
+#include "base/text/Numbers.h"
 
 namespace qv::components {
 
@@ -28,13 +28,6 @@ std::string_view Header(CURL* easy, const char* name) {
   return code == CURLHE_OK ? std::string_view(found->value) : std::string_view();
 }
 
-std::optional<std::uint64_t> NumberIn(std::string_view text) {
-  std::uint64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 // A tag that can be sent back, and signed as it is. A weak one does not promise the same bytes.
 bool IsEtag(std::string_view text) {
   return text.size() >= 2 && text.size() <= 256 && text.front() == '"' && text.back() == '"' &&
@@ -44,7 +37,7 @@ bool IsEtag(std::string_view text) {
 S3Head HeadOf(CURL* easy, long status) {
   S3Head head{.status = status,
               .range = std::string(Header(easy, "Content-Range")),
-              .length = NumberIn(Header(easy, "Content-Length"))};
+              .length = text::ParseNumber<std::uint64_t>(Header(easy, "Content-Length"))};
   if (const std::string_view etag = Header(easy, "ETag"); IsEtag(etag)) head.etag = etag;
   return head;
 }
@@ -169,7 +162,7 @@ QvTransferResult HashOf(PartSource& part, TransferMeter& meter, std::string& has
     stream.Add({block.data(), *read});
     if (!meter.Moved(0, part.Length())) return QvTransfer_Stopped;
   }
-  hash = HexOf(stream.Finish());
+  hash = text::HexOf(stream.Finish());
   return part.Seek(0) ? QvTransfer_Success : QvTransfer_LocalFile;
 }
 
@@ -195,14 +188,14 @@ void SetUp(CurlRequest& request, const S3Wire& wire, std::uint64_t body_bytes) {
 }  // namespace
 
 S3Answer S3Session::Ask(const S3Request& request, std::string_view body) {
-  const std::optional<S3Wire> wire = Prepare(request, HexOf(Sha256(body)));
+  const std::optional<S3Wire> wire = Prepare(request, text::HexOf(Sha256(body)));
   if (!wire) return {.result = QvTransfer_BadArgument};
   return Exchange(*wire, body, settings_, nullptr);
 }
 
 S3Answer S3Session::AskAndWait(const S3Request& request, std::string_view body, std::uint64_t bytes,
                                TransferMeter& meter) {
-  const std::optional<S3Wire> wire = Prepare(request, HexOf(Sha256(body)));
+  const std::optional<S3Wire> wire = Prepare(request, text::HexOf(Sha256(body)));
   if (!wire) return {.result = QvTransfer_BadArgument};
   TransferSettings settings = settings_;
   settings.io_timeout += std::chrono::seconds(std::min(bytes / kServerSpeed, kLongestWait));
@@ -242,7 +235,7 @@ S3Answer S3Session::Send(const S3Request& request, LocalSource& source, std::uin
 }
 
 S3Answer S3Session::Receive(const S3Request& request, S3Receiver& receiver, TransferMeter& meter) {
-  const std::optional<S3Wire> wire = Prepare(request, HexOf(Sha256({})));
+  const std::optional<S3Wire> wire = Prepare(request, text::HexOf(Sha256({})));
   if (!wire) return {.result = QvTransfer_BadArgument};
   CurlRequest exchange(curl_, settings_);
   SetUp(exchange, *wire, 0);

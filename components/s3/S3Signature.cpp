@@ -7,6 +7,8 @@
 #include <chrono>
 
 #include "Digest.h"
+#include "base/text/Numbers.h"
+#include "base/text/Percent.h"
 
 namespace qv::components {
 
@@ -15,11 +17,6 @@ namespace {
 constexpr const char* kAlgorithm = "AWS4-HMAC-SHA256";
 constexpr const char* kScopeEnd = "aws4_request";
 constexpr const char* kService = "s3";
-
-bool IsUnreserved(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
-         c == '.' || c == '_' || c == '~';
-}
 
 // As in "20240131T235959Z", whose first eight characters are the day.
 std::string TimeText(std::int64_t now) {
@@ -54,25 +51,10 @@ std::string SigningKey(const S3Keys& keys, std::string_view day) {
 
 }  // namespace
 
-std::string UriEncode(std::string_view text, bool keep_slash) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string encoded;
-  encoded.reserve(text.size());
-  for (const char c : text) {
-    if (IsUnreserved(c) || (keep_slash && c == '/')) {
-      encoded += c;
-      continue;
-    }
-    const auto value = static_cast<unsigned char>(c);
-    encoded += {'%', kDigits[value >> 4], kDigits[value & 15]};
-  }
-  return encoded;
-}
-
 std::string CanonicalQuery(const TextPairs& query) {
   TextPairs pairs;
   for (const auto& [name, value] : query) {
-    pairs.emplace_back(UriEncode(name, false), UriEncode(value, false));
+    pairs.emplace_back(text::PercentEncoded(name), text::PercentEncoded(value));
   }
   // Of what is encoded: the order differs from that of the plain texts.
   std::sort(pairs.begin(), pairs.end());
@@ -94,8 +76,8 @@ void Sign(S3Wire& wire, const S3Keys& keys, const std::string& body_hash, std::i
                                             wire.query, headers.lines, headers.names, body_hash);
   const std::string scope = fmt::format("{}/{}/{}/{}", day, keys.region, kService, kScopeEnd);
   const std::string to_sign =
-      fmt::format("{}\n{}\n{}\n{}", kAlgorithm, time, scope, HexOf(Sha256(canonical)));
-  const std::string signature = HexOf(HmacSha256(SigningKey(keys, day), to_sign));
+      fmt::format("{}\n{}\n{}\n{}", kAlgorithm, time, scope, text::HexOf(Sha256(canonical)));
+  const std::string signature = text::HexOf(HmacSha256(SigningKey(keys, day), to_sign));
   wire.headers.emplace_back("authorization",
                             fmt::format("{} Credential={}/{}, SignedHeaders={}, Signature={}",
                                         kAlgorithm, keys.access, scope, headers.names, signature));

@@ -15,10 +15,6 @@ struct S3Keys {
   std::string region;
 };
 
-// Percent-encodes all but letters, digits and "-._~", as signatures want it; a slash stays when
-// `keep_slash`.
-[[nodiscard]] std::string UriEncode(std::string_view text, bool keep_slash);
-
 // Pairs as "name=value&...", encoded and in the order in which they are signed.
 [[nodiscard]] std::string CanonicalQuery(const TextPairs& query);
 

@@ -7,6 +7,7 @@
 #include "S3Folder.h"
 #include "S3Parts.h"
 #include "S3Xml.h"
+#include "base/text/Percent.h"
 
 namespace qv::components {
 
@@ -40,7 +41,8 @@ QvTransferResult TryKeys(S3Session& session) {
 
 // The headers by which a copy names its source, in the state that was looked at.
 TextPairs CopySource(const S3Path& from, const std::string& etag) {
-  TextPairs headers = {{"x-amz-copy-source", UriEncode(from.bucket + "/" + from.key, true)}};
+  TextPairs headers = {
+      {"x-amz-copy-source", text::PercentEncoded(from.bucket + "/" + from.key, "/")}};
   if (!etag.empty()) headers.emplace_back("x-amz-copy-source-if-match", etag);
   return headers;
 }

@@ -1,9 +1,11 @@
 #include "S3Xml.h"
 
 #include <algorithm>
-#include <charconv>
 #include <pugixml.hpp>
 #include <string_view>
+
+#include "base/text/Numbers.h"
+#include "base/text/Percent.h"
 
 namespace qv::components {
 
@@ -27,39 +29,6 @@ class Answer {
   pugi::xml_node root_;
 };
 
-template <class Number>
-std::optional<Number> NumberIn(const pugi::xml_node& node) {
-  const std::string_view text = node.child_value();
-  Number number{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-// As servers encode keys when they are asked to, with a plus for a blank among it.
-std::string UriDecode(std::string_view text) {
-  std::string decoded;
-  decoded.reserve(text.size());
-  for (std::size_t i = 0; i != text.size(); ++i) {
-    const bool is_code = text[i] == '%' && text.size() - i > 2 && HexValue(text[i + 1]) >= 0 &&
-                         HexValue(text[i + 2]) >= 0;
-    if (is_code) {
-      decoded += static_cast<char>(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
-      i += 2;
-    } else {
-      decoded += text[i] == '+' ? ' ' : text[i];
-    }
-  }
-  return decoded;
-}
-
 // What a page that is not the last names for the next one. Nothing, too, for a server that keeps it
 // to itself; its pages cannot be followed.
 std::optional<std::string> NextPage(const pugi::xml_node& root, const char* name) {
@@ -68,8 +37,8 @@ std::optional<std::string> NextPage(const pugi::xml_node& root, const char* name
 }
 
 std::optional<S3Part> PartIn(const pugi::xml_node& node) {
-  const auto number = NumberIn<int>(node.child("PartNumber"));
-  const auto bytes = NumberIn<std::uint64_t>(node.child("Size"));
+  const auto number = text::ParseNumber<int>(node.child_value("PartNumber"));
+  const auto bytes = text::ParseNumber<std::uint64_t>(node.child_value("Size"));
   S3Part part{.etag = node.child_value("ETag")};
   if (!number || !bytes || part.etag.empty()) return std::nullopt;
   part.number = *number;
@@ -119,7 +88,7 @@ std::optional<S3Listing> ReadListing(const std::string& xml) {
   S3Listing listing;
   for (const pugi::xml_node& object : root.children("Contents")) {
     const char* const key = object.child_value("Key");
-    listing.keys.push_back(is_encoded ? UriDecode(key) : key);
+    listing.keys.push_back(is_encoded ? text::PercentDecoded(key) : key);
   }
   listing.next = NextPage(root, "NextContinuationToken");
   return listing;

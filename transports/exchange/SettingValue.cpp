@@ -1,8 +1,8 @@
 #include "SettingValue.h"
 
-#include <charconv>
 #include <cstdint>
 
+#include "base/text/Numbers.h"
 #include "transports/frame/Frame.h"
 
 namespace qv::wire {
@@ -14,12 +14,9 @@ constexpr std::int64_t kLongestMilliseconds = 3'600'000;
 }  // namespace
 
 bool SetMilliseconds(std::chrono::milliseconds& target, const std::string& value) {
-  std::int64_t number = 0;
-  const char* const end = value.data() + value.size();
-  const auto [stop, error] = std::from_chars(value.data(), end, number);
-  if (error != std::errc() || stop != end) return false;
-  if (number < 1 || number > kLongestMilliseconds) return false;
-  target = std::chrono::milliseconds(number);
+  const auto number = text::ParseNumber<std::int64_t>(value);
+  if (!number || *number < 1 || *number > kLongestMilliseconds) return false;
+  target = std::chrono::milliseconds(*number);
   return true;
 }
 
