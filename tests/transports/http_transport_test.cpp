@@ -199,11 +199,8 @@ TEST_F(HttpTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
 TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
   ScriptedServer server(EchoHttp);
   const std::string with_port = "127.0.0.1:" + std::to_string(server.Port());
-  const std::string long_name(300, 'a');
   for (const char* const name : {"", "http://", "ftp://127.0.0.1", "http://http://127.0.0.1",
-                                 with_port.c_str(), "127.0.0.1/", "127.0.0.1?a", "127.0.0.1#a",
-                                 "user@127.0.0.1", "127.0.0.1 ", "127.0.0.1\r\nA: b", "%3127.0.0.1",
-                                 "[127.0.0.1]", "no-such-host.invalid", long_name.c_str()}) {
+                                 with_port.c_str(), "127.0.0.1\r\nA: b", "no-such-host.invalid"}) {
     EXPECT_EQ(HttpCall().Send(server.Port(), name), -1) << name;
   }
   EXPECT_EQ(HttpCall().Send(server.Port(), nullptr), -1);
