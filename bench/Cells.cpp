@@ -12,7 +12,7 @@ namespace qv {
 
 namespace {
 
-// The same in every column: an integer, or a text like the codes of the recordset files.
+// Every column has the same cell: an integer, or a text like the codes of the recordset files.
 Cells OneCell(std::uint8_t type) {
   Cells cells = CellsFor(type);
   if (auto* const integers = std::get_if<IntCells>(&cells)) integers->push_back(1234567);

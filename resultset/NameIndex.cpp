@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kWord = sizeof(std::uint64_t);
 
-// The bytes of a name that is shorter than a word.
+// Returns all bytes of a name that is shorter than a word, in some order.
 std::uint64_t LoadShort(std::string_view name) noexcept {
   std::uint32_t first = 0;
   std::uint32_t last = 0;
@@ -33,8 +33,8 @@ NameIndex::Ends::Ends(std::string_view name) noexcept
       head(size < kWord ? LoadShort(name) : LoadWord(name.data())),
       tail(size < kWord ? 0 : LoadWord(name.data() + size - kWord)) {}
 
-// Sets the bit of every byte that could tell the cases of a letter apart. That folds more than
-// letters, so a few more names collide.
+// Names that differ in case only have one hash, because the bit that tells the cases apart is set
+// in every byte. That folds other characters than letters too, so a few more names collide.
 std::uint64_t NameIndex::Ends::Hash() const noexcept {
   constexpr std::uint64_t kCaseBits = 0x2020202020202020;
   // Odd and with well mixed bits, so that every byte reaches the upper bits of the sum.

@@ -23,8 +23,9 @@ class NameIndex {
   [[nodiscard]] std::size_t Find(std::string_view name) const noexcept;
 
  private:
-  // Eight bytes of a folded name. The cases of a letter differ in one bit, which is set in
-  // `case_bits` where a letter stands: with it, either case of that letter equals the folded one.
+  // This holds eight bytes of a folded name. The cases of a letter differ in one bit, which is set
+  // in `case_bits` where a letter stands: with it, either case of that letter equals the folded
+  // one.
   struct FoldedWord {
     [[nodiscard]] bool Equals(std::uint64_t word) const noexcept {
       return (word | case_bits) == folded;
@@ -50,9 +51,9 @@ class NameIndex {
     std::uint64_t hash;
     std::size_t next;  // entry of the same chain, or kNotFound
   };
-  // The entries whose hashes begin with the same bits, in ascending order, so that the first of
-  // several equal names is met first. Entries are appended at the end, so that adding names stays
-  // fast even if somebody chose them to collide.
+  // A chain links the entries whose hashes begin with the same bits, in ascending order, so that
+  // the first of several equal names is met first. Entries are appended at the end, so that adding
+  // names stays fast even if somebody chose them to collide.
   struct Chain {
     std::size_t first = kNotFound;
     std::size_t last = kNotFound;

@@ -17,7 +17,7 @@
 namespace qv {
 namespace {
 
-// A column with one cell.
+// Appends a column with one cell.
 template <class Held, class Value>
 void AddColumn(CRvoDbRes& result, std::string_view name, const Value& value) {
   Held cells;
@@ -25,7 +25,7 @@ void AddColumn(CRvoDbRes& result, std::string_view name, const Value& value) {
   ResultTable::Of(result).AddColumn({.name = std::string(name), .cells = std::move(cells)});
 }
 
-// What the table must find, in the slow and obvious way.
+// Finds what the table must find, in the slow and obvious way.
 int FirstOf(const std::vector<std::string>& names, const std::string& wanted) {
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (text::ToLower(names[i]) == text::ToLower(wanted)) return static_cast<int>(i);
@@ -33,8 +33,8 @@ int FirstOf(const std::vector<std::string>& names, const std::string& wanted) {
   return -1;
 }
 
-// Characters that differ in the bit that tells the cases of a letter apart, but are no letters, and
-// few of them, so that many names are equal or nearly so.
+// The characters are few, so that many names are equal or nearly so, and some that are not letters
+// differ in the bit that tells the cases of a letter apart.
 std::string RandomName(std::mt19937& random) {
   constexpr std::string_view kCharacters = "aAzZ@`[{\xC1\xE1";
   std::string name(random() % 30, 'x');
