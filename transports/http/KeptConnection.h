@@ -21,8 +21,8 @@ class KeptConnection {
   // To be called when an exchange is over and still set up: notes which connection is kept.
   void NoteConnection();
 
+  [[nodiscard]] curl::CurlHandle& Handle() { return handle_; }
   [[nodiscard]] CURL* Easy() const { return handle_.Easy(); }
-  [[nodiscard]] CURLM* Multi() const { return handle_.Multi(); }
 
  private:
   std::string url_;
