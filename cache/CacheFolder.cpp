@@ -11,6 +11,7 @@
 #include "GzipFile.h"
 #include "QueryCache.h"
 #include "base/platform/Platform.h"
+#include "base/storage/FileNames.h"
 #include "base/text/Letters.h"
 #include "base/text/Numbers.h"
 
@@ -54,37 +55,27 @@ bool IsOld(const fs::path& path) {
   return !error && fs::file_time_type::clock::now() - written > kTemporaryLife;
 }
 
-bool CopyBytes(std::FILE* from, std::FILE* to) {
+// Copies a file to a new one at `target`, and finishes that.
+std::optional<storage::PartFile> CopyFile(const std::string& source, const std::string& target,
+                                          storage::Flush flush) {
+  const platform::FilePtr from(platform::OpenFile(source, platform::Opening::kRead));
+  if (from == nullptr) return std::nullopt;
+  storage::PartFile copy(target);
   std::array<char, 32768> buffer;
   std::size_t got = 0;
   do {
-    got = std::fread(buffer.data(), 1, buffer.size(), from);
-    if (std::fwrite(buffer.data(), 1, got, to) != got) return false;
+    got = std::fread(buffer.data(), 1, buffer.size(), from.get());
+    if (!copy.Write(std::string_view(buffer.data(), got))) return std::nullopt;
   } while (got == buffer.size());
-  return std::ferror(from) == 0;
+  if (std::ferror(from.get()) != 0 || !copy.Finish(flush)) return std::nullopt;
+  return copy;
 }
 
-enum class Flush { kNo, kYes };
-
-// Copies a file into a new private one, which is removed on failure.
-bool CopyFile(const std::string& source, const std::string& target, Flush flush) {
-  std::FILE* const from = platform::OpenFile(source, platform::Opening::kRead);
-  if (from == nullptr) return false;
-  std::FILE* const to = platform::CreatePrivateFile(target, platform::Create::kNew);
-  if (to == nullptr) {
-    std::fclose(from);
-    return false;
-  }
-  const bool copied = CopyBytes(from, to) && (flush == Flush::kNo || platform::FlushToDisk(to));
-  std::fclose(from);
-  const bool closed = std::fclose(to) == 0;
-  if (!copied || !closed) platform::RemoveFile(target);
-  return copied && closed;
-}
-
-std::string NewCopyPath(const std::string& folder) {
-  std::string path = folder.empty() ? folder : platform::WithSeparator(folder);
-  return path.append("TempClient_").append(platform::NewGuid()).append(".txt");
+// Copies a file for the caller, who deletes it.
+bool CopyForCaller(const std::string& source, const std::string& target) {
+  auto copy = CopyFile(source, target, storage::Flush::kNo);
+  if (copy) copy->Keep();
+  return copy.has_value();
 }
 
 }  // namespace
@@ -110,7 +101,8 @@ CacheFolder::CacheFolder(std::string path, std::unique_ptr<CacheIndex> index)
 
 std::optional<std::string> CacheFolder::Find(const std::string& key,
                                              const std::string& target_folder) {
-  std::string target = NewCopyPath(target_folder);
+  std::string target = target_folder.empty() ? "" : platform::WithSeparator(target_folder);
+  target += storage::NewAnswerName();
   // A missing file was most likely replaced after the look-up, so there is a new entry.
   for (const bool last : {false, true}) {
     const std::optional<CacheIndex::Entry> entry = LookUp(key);
@@ -138,7 +130,7 @@ CacheFolder::TakeOutResult CacheFolder::TakeOut(const CacheIndex::Entry& entry,
   const std::string source = path_ + entry.file;
   if (!IsFile(source)) return TakeOutResult::kGone;
   const int unpacked = packed ? GunzipFile(source, target) : kGunzipDone;
-  const bool done = packed ? unpacked == kGunzipDone : CopyFile(source, target, Flush::kNo);
+  const bool done = packed ? unpacked == kGunzipDone : CopyForCaller(source, target);
   if (done) return TakeOutResult::kDone;
   if (!IsFile(source)) return TakeOutResult::kGone;
   // Any other failure may concern the target, and says nothing about the entry.
@@ -153,22 +145,21 @@ void CacheFolder::Discard(const std::string& key, const CacheIndex::Entry& entry
 bool CacheFolder::Store(const std::string& key, const std::string& file, int flag) {
   if (flag != kCacheGzip && flag != kCachePlain) return false;
   const std::string stem = std::string(kPrefix) + platform::NewGuid();
-  const std::string temporary = path_ + stem + std::string(kTemporary);
-  if (!CopyFile(file, temporary, Flush::kYes)) return false;
+  auto copy = CopyFile(file, path_ + stem + std::string(kTemporary), storage::Flush::kYes);
+  if (!copy) return false;
   const CacheIndex::Entry entry{stem + std::string(kAnswer), flag};
-  if (Enter(key, entry, temporary)) return true;
-  platform::RemoveFile(temporary);
+  if (Enter(key, entry, *copy)) return true;
   RemoveAnswer(entry.file);
   return false;
 }
 
 bool CacheFolder::Enter(const std::string& key, const CacheIndex::Entry& entry,
-                        const std::string& temporary) {
+                        storage::PartFile& copy) {
   const std::lock_guard lock(mutex_);
   CacheIndex::Transaction transaction(*index_);
   if (!transaction.Begin()) return false;
   const std::optional<CacheIndex::Entry> old = index_->Find(key);
-  if (!platform::ReplaceByRename(temporary, path_ + entry.file)) return false;
+  if (!copy.MoveTo(path_ + entry.file)) return false;
   if (!index_->Put(key, entry) || !transaction.Commit()) return false;
   if (old) RemoveAnswer(old->file);
   return true;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "CacheIndex.h"
+#include "base/storage/PartFile.h"
 
 namespace qv {
 
@@ -33,7 +34,7 @@ class CacheFolder {
   [[nodiscard]] TakeOutResult TakeOut(const CacheIndex::Entry& entry, const std::string& target);
   void Discard(const std::string& key, const CacheIndex::Entry& entry);
   [[nodiscard]] bool Enter(const std::string& key, const CacheIndex::Entry& entry,
-                           const std::string& temporary);
+                           storage::PartFile& copy);
   // Removes a file if its name is an answer's.
   void RemoveAnswer(const std::string& name);
   [[nodiscard]] bool Sweep();

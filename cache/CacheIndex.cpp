@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 
 namespace qv {
@@ -67,8 +68,7 @@ bool HasWriteAheadLog(sqlite3* database) {
 
 // Creates the file privately; SQLite gives the journal the same rights.
 void CreatePrivately(const std::string& path) {
-  std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kNew);
-  if (file != nullptr) std::fclose(file);
+  const platform::FilePtr file(platform::CreatePrivateFile(path, platform::Create::kNew));
 }
 
 bool MoveAside(const std::string& path) {

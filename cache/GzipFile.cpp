@@ -3,9 +3,10 @@
 #include <zlib.h>
 
 #include <array>
-#include <cstdio>
+#include <string_view>
 
 #include "base/platform/Platform.h"
+#include "base/storage/OutputFile.h"
 
 namespace qv {
 
@@ -22,7 +23,7 @@ gzFile OpenPacked(const std::string& path) {
   return packed;
 }
 
-GunzipResult Unpack(gzFile source, std::FILE* target, std::uint64_t limit) {
+GunzipResult Unpack(gzFile source, storage::OutputFile& target, std::uint64_t limit) {
   // zlib would copy a file that is not gzip, or is empty, unchanged.
   if (gzdirect(source) != 0) return kGunzipUnreadable;
   std::array<char, kChunk> chunk;
@@ -33,7 +34,7 @@ GunzipResult Unpack(gzFile source, std::FILE* target, std::uint64_t limit) {
     const auto length = static_cast<std::size_t>(got);
     if (length > limit) return kGunzipUnreadable;
     limit -= length;
-    if (std::fwrite(chunk.data(), 1, length, target) != length) return kGunzipCutShort;
+    if (!target.Write(std::string_view(chunk.data(), length))) return kGunzipCutShort;
   }
 }
 
@@ -43,15 +44,15 @@ int GunzipFile(const std::string& source, const std::string& target, std::uint64
   if (source.size() >= kPathLimit) return kGunzipUnreadable;
   const gzFile packed = OpenPacked(source);
   if (packed == nullptr) return kGunzipCutShort;
-  std::FILE* const plain = platform::CreatePrivateFile(target, platform::Create::kAlways);
-  if (plain == nullptr) {
+  storage::OutputFile plain(target, platform::Create::kAlways);
+  if (!plain.IsOpen()) {
     gzclose(packed);
     return kGunzipNoTarget;
   }
   const GunzipResult result = Unpack(packed, plain, limit);
   // A truncated source reads like a complete one; only closing it tells.
   const bool ended = gzclose(packed) == Z_OK;
-  const bool kept = std::fclose(plain) == 0;
+  const bool kept = plain.Close();
   if (result != kGunzipDone) return result;
   if (!ended) return kGunzipUnreadable;
   return kept ? kGunzipDone : kGunzipCutShort;

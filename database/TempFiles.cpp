@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/platform/Platform.h"
+#include "base/storage/FileNames.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"
 
@@ -48,6 +49,6 @@ void CRvoDatabase::SetFileTempInfo(const char* path, const char* prefix, const c
 void CRvoDatabase::SetFileTempInfo(const char* path) { Assign(TempFiles().path, path); }
 
 CString CRvoDatabase::GetTempFileNameA() {
-  const std::string name = "TempClient_" + qv::platform::NewGuid() + ".txt";
+  const std::string name = qv::storage::NewAnswerName();
   return CString(std::string_view(name));
 }

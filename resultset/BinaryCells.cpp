@@ -4,10 +4,10 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 
 #include "ResultTable.h"
 #include "base/platform/Platform.h"
+#include "base/storage/OutputFile.h"
 #include "base/text/Letters.h"
 
 namespace qv {
@@ -22,9 +22,9 @@ std::string Text(const char (&field)[260]) {
   return std::string(whole.substr(0, whole.find('\0')));
 }
 
-bool WriteAndClose(std::FILE* file, std::span<const unsigned char> bytes) {
-  const std::size_t written = bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), file);
-  return std::fclose(file) == 0 && written == bytes.size();
+bool WriteAndClose(storage::OutputFile& file, std::span<const unsigned char> bytes) {
+  file.Write(bytes);
+  return file.Close();
 }
 
 // What the platform's writers and readers agree on: a character up to '9' counts from '0', any
@@ -67,10 +67,11 @@ std::string HexCells::WriteBytes(std::span<const unsigned char> bytes) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto number = static_cast<std::int32_t>(file_counter++);
     const std::string path = timed + std::to_string(number) + extension_;
-    std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kNew);
-    if (file == nullptr && errno == EEXIST) continue;
-    if (file != nullptr && WriteAndClose(file, bytes)) return path;
-    if (file != nullptr) platform::RemoveFile(path);
+    storage::OutputFile file(path, platform::Create::kNew);
+    const bool is_new = file.IsOpen();
+    if (!is_new && errno == EEXIST) continue;
+    if (is_new && WriteAndClose(file, bytes)) return path;
+    if (is_new) platform::RemoveFile(path);
     --file_counter;
     break;
   }
@@ -80,8 +81,8 @@ std::string HexCells::WriteBytes(std::span<const unsigned char> bytes) {
 std::string Base64Cells::Write(std::string_view text) {
   if (text.empty()) return {};
   const std::string path = base_ + extension_;
-  std::FILE* const file = platform::CreatePrivateFile(path, platform::Create::kAlways);
-  if (file == nullptr) return {};
+  storage::OutputFile file(path, platform::Create::kAlways);
+  if (!file.IsOpen()) return {};
   if (WriteAndClose(file, DecodeBase64(text))) return path;
   platform::RemoveFile(path);
   return {};

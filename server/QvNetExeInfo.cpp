@@ -1,22 +1,17 @@
 #include "qvnetcall/QvNetExeInfo.h"
 
 #include <cstdio>
-#include <memory>
 #include <string_view>
 
+#include "base/platform/Folder.h"
 #include "base/text/Numbers.h"
 
 namespace {
 
 constexpr int kLineBuffer = 300;
 
-struct Closer {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using TextFile = std::unique_ptr<std::FILE, Closer>;
-
-TextFile OpenText(const char* path, const char* mode) {
-  return TextFile(path != nullptr ? std::fopen(path, mode) : nullptr);
+qv::platform::FilePtr OpenText(const char* path, const char* mode) {
+  return qv::platform::FilePtr(path != nullptr ? std::fopen(path, mode) : nullptr);
 }
 
 class LineReader {
@@ -63,14 +58,14 @@ void ForEachMember(Info& info, Act act) {
 }  // namespace
 
 int CQvNetExeInfo::SaveData(const char* path) const {
-  const TextFile file = OpenText(path, "wt");
+  const qv::platform::FilePtr file = OpenText(path, "wt");
   if (file == nullptr) return 0;
   ForEachMember(*this, [&](const auto& member) { Write(file.get(), member); });
   return 1;
 }
 
 int CQvNetExeInfo::LoadData(const char* path) {
-  const TextFile file = OpenText(path, "rt");
+  const qv::platform::FilePtr file = OpenText(path, "rt");
   if (file == nullptr) return 0;
   LineReader lines(file.get());
   ForEachMember(*this, [&](auto& member) { lines.Read(member); });

@@ -95,8 +95,6 @@ bool RemoveFile(const std::string& path);
 
 // Flushes everything that was written to `file` to the disk.
 [[nodiscard]] bool FlushToDisk(std::FILE* file);
-// The same for a closed file. Fails for a link.
-[[nodiscard]] bool FlushFileToDisk(const std::string& path);
 
 // Makes writes beyond the process's file size limit fail from now on, instead of ending the
 // process.

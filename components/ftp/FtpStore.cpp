@@ -181,7 +181,6 @@ QvTransferResult FtpStore::Fetch(const std::string& remote, const std::string& l
   ContinuedTarget sink(*target, *tail);
   const FtpFileState got = session_.Get(transfer, sink, meter);
   if (sink.HasDiffered()) {
-    target->Discard();
     resume = {};
     return QvTransfer_Broken;
   }
@@ -191,7 +190,6 @@ QvTransferResult FtpStore::Fetch(const std::string& remote, const std::string& l
     if (is_text || !got.size || *got.size == target->Size()) {
       return target->Finish() ? QvTransfer_Success : QvTransfer_LocalFile;
     }
-    target->Discard();
     return QvTransfer_BadAnswer;
   }
   const bool is_kept = IsWorthKeeping(got.result) && !is_text && !resume.tag.empty();
@@ -199,7 +197,6 @@ QvTransferResult FtpStore::Fetch(const std::string& remote, const std::string& l
     resume.part = target->Part();
     resume.done = target->Size();
   } else {
-    target->Discard();
     resume = {};
   }
   return got.result;

@@ -1,11 +1,13 @@
 #include "LocalTarget.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "base/platform/Platform.h"
+#include "base/storage/FileNames.h"
 
 namespace qv::components {
 
@@ -27,64 +29,45 @@ bool MakeFolder(const fs::path& folder) {
 
 }  // namespace
 
-LocalTarget::LocalTarget(std::string path, std::string part, std::uint64_t size,
-                         platform::FilePtr file)
-    : path_(std::move(path)), part_(std::move(part)), size_(size), file_(std::move(file)) {}
+LocalTarget::LocalTarget(std::string path, storage::PartFile part, std::uint64_t size)
+    : path_(std::move(path)), part_(std::move(part)), size_(size) {}
 
 std::optional<LocalTarget> LocalTarget::Create(const std::string& path) {
-  const fs::path folder = fs::path(path).parent_path();
-  if (!IsFree(path) || !MakeFolder(folder)) return std::nullopt;
-  // Not made from the file's own name, which may be as long as a name can be.
-  std::string part = (folder / ("~" + platform::NewGuid() + ".part")).string();
-  platform::FilePtr file(platform::CreatePrivateFile(part, platform::Create::kNew));
-  if (file == nullptr) return std::nullopt;
-  return LocalTarget(path, std::move(part), 0, std::move(file));
+  if (!IsFree(path) || !MakeFolder(fs::path(path).parent_path())) return std::nullopt;
+  storage::PartFile part(storage::PartBeside(path));
+  if (!part.IsOpen()) return std::nullopt;
+  return LocalTarget(path, std::move(part), 0);
 }
 
 std::optional<LocalTarget> LocalTarget::Continue(const std::string& path, const std::string& part,
                                                  std::uint64_t size) {
-  std::error_code error;
-  const bool is_file = fs::is_regular_file(fs::symlink_status(part, error));
-  if (!is_file || fs::file_size(part, error) != size || error) return std::nullopt;
-  platform::FilePtr file(platform::OpenFile(part, platform::Opening::kChange));
-  if (file == nullptr || !platform::IsPrivate(file.get())) return std::nullopt;
-  if (std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
-  return LocalTarget(path, part, size, std::move(file));
+  storage::PartFile resumed = storage::PartFile::Resume(part, size);
+  if (!resumed.IsOpen()) return std::nullopt;
+  return LocalTarget(path, std::move(resumed), size);
 }
 
-std::optional<std::string> LocalTarget::Tail(std::size_t most) {
+std::optional<std::string> LocalTarget::Tail(std::size_t most) const {
   std::string tail(static_cast<std::size_t>(std::min<std::uint64_t>(most, size_)), '\0');
-  // One that was just begun cannot be read.
   if (tail.empty()) return tail;
-  std::FILE* const file = file_.get();
-  if (file == nullptr || std::fseek(file, -static_cast<long>(tail.size()), SEEK_END) != 0) {
-    return std::nullopt;
-  }
-  const bool is_read = std::fread(tail.data(), 1, tail.size(), file) == tail.size();
-  if (!is_read || std::fseek(file, 0, SEEK_END) != 0) return std::nullopt;
-  return tail;
+  const platform::FilePtr file(platform::OpenFile(Part(), platform::Opening::kRead));
+  const auto start = static_cast<long>(size_ - tail.size());
+  if (file == nullptr || std::fseek(file.get(), start, SEEK_SET) != 0) return std::nullopt;
+  const bool is_read = std::fread(tail.data(), 1, tail.size(), file.get()) == tail.size();
+  return is_read ? std::optional(tail) : std::nullopt;
 }
 
 bool LocalTarget::Write(std::span<const char> bytes) {
-  if (file_ == nullptr) return false;
-  if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) return false;
+  if (!part_.Write(std::string_view(bytes.data(), bytes.size()))) return false;
   size_ += bytes.size();
   return true;
 }
 
-bool LocalTarget::Finish() {
-  const bool is_written = file_ != nullptr && platform::FlushToDisk(file_.get());
-  if (is_written && Pause() && platform::ReplaceByRename(part_, path_)) return true;
-  Discard();
-  return false;
-}
+bool LocalTarget::Finish() { return part_.Finish(storage::Flush::kYes) && part_.MoveTo(path_); }
 
-// A full disk may only show when the last bytes leave the buffer.
-bool LocalTarget::Pause() { return file_ != nullptr && std::fclose(file_.release()) == 0; }
-
-void LocalTarget::Discard() {
-  file_.reset();
-  platform::RemoveFile(part_);
+bool LocalTarget::Pause() {
+  const bool is_written = part_.Finish(storage::Flush::kNo);
+  if (is_written) part_.Keep();
+  return is_written;
 }
 
 }  // namespace qv::components

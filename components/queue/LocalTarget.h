@@ -8,12 +8,12 @@
 #include <string>
 
 #include "BodySource.h"
-#include "base/platform/Folder.h"
+#include "base/storage/PartFile.h"
 
 namespace qv::components {
 
 // Written beside its final place, under a name that nobody else has, and given its own name when it
-// is whole. One thread. Destruction leaves the part where it is.
+// is whole and flushed to the disk. One thread. Destruction removes a part that was not paused.
 class LocalTarget final : public BodySink {
  public:
   // Begins a part for the file at `path`, and makes the folders above it that are missing. Nothing
@@ -24,26 +24,25 @@ class LocalTarget final : public BodySink {
                                                            const std::string& part,
                                                            std::uint64_t size);
 
-  [[nodiscard]] const std::string& Part() const { return part_; }
+  [[nodiscard]] const std::string& Part() const { return part_.Path(); }
   // Of the part, in bytes.
   [[nodiscard]] std::uint64_t Size() const { return size_; }
-  // What it ends with, `most` bytes of it at most. Nothing when that cannot be read.
-  [[nodiscard]] std::optional<std::string> Tail(std::size_t most);
+  // What the part ends with, `most` bytes of it at most; to be asked before the first Write.
+  // Nothing when that cannot be read.
+  [[nodiscard]] std::optional<std::string> Tail(std::size_t most) const;
   [[nodiscard]] bool Write(std::span<const char> bytes) override;
 
-  // Each ends the writing. False when something could not be written after all; Finish removes the
-  // part then.
+  // Each ends the writing. False when something could not be written after all.
   [[nodiscard]] bool Finish();
+  // Keeps the part, which Continue opens again.
   [[nodiscard]] bool Pause();
-  void Discard();
 
  private:
-  LocalTarget(std::string path, std::string part, std::uint64_t size, platform::FilePtr file);
+  LocalTarget(std::string path, storage::PartFile part, std::uint64_t size);
 
   std::string path_;
-  std::string part_;
+  storage::PartFile part_;
   std::uint64_t size_;
-  platform::FilePtr file_;
 };
 
 }  // namespace qv::components

@@ -84,7 +84,6 @@ QvTransferResult S3Download::Settle(const S3Answer& answer) {
 }
 
 void S3Download::Discard() {
-  if (target_) target_->Discard();
   target_.reset();
   resume_ = {};
 }

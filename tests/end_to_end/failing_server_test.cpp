@@ -1,35 +1,13 @@
 // Servers and disks that fail while a query is on its way: each gives its documented code and
 // leaves no file behind.
-#include <sys/resource.h>
-
-#include <csignal>
 #include <functional>
 
 #include "EndToEnd.h"
 #include "tests/support/ScriptedServer.h"
+#include "tests/support/posix/FullDisk.h"
 
 namespace qv {
 namespace {
-
-// While it lives, no file of this process grows over `bytes`, as on a full disk.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-  FullDisk(const FullDisk&) = delete;
-  FullDisk& operator=(const FullDisk&) = delete;
-
- private:
-  rlimit before_{};
-  void (*handler_)(int);
-};
 
 class FailingServer : public EndToEnd {
  protected:

@@ -97,7 +97,6 @@ TEST(Platform, CreatesFilesForTheirOwnerOnly) {
   const std::string final_name = folder.Write("final", "old");
   EXPECT_TRUE(ReplaceByRename(path, final_name));
   EXPECT_EQ(BytesOf(final_name), "content");
-  EXPECT_TRUE(FlushFileToDisk(final_name));
   EXPECT_TRUE(RemoveFile(final_name));
   EXPECT_FALSE(RemoveFile(final_name));
 }

@@ -1,8 +1,7 @@
-// The two ends of a file that travels: the one that is read and the one that comes into being.
+// A file as it is sent.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
@@ -12,7 +11,7 @@
 
 namespace qv::wire {
 
-// A file as it is sent: its length is fixed when it is opened.
+// Its length is fixed when it is opened.
 class OutgoingFile {
  public:
   // Nothing when there is no regular file at `path` that can be read.
@@ -28,29 +27,6 @@ class OutgoingFile {
  private:
   platform::FilePtr file_;
   std::uint64_t length_;
-};
-
-// A file as it is received: under a temporary name beside `path` until it is whole, and gone when
-// it never becomes so.
-class IncomingFile {
- public:
-  explicit IncomingFile(std::string path);
-  ~IncomingFile();
-  IncomingFile(const IncomingFile&) = delete;
-  IncomingFile& operator=(const IncomingFile&) = delete;
-
-  // False when the temporary file could not be made.
-  [[nodiscard]] bool IsOpen() const { return file_ != nullptr; }
-  [[nodiscard]] bool Write(Bytes bytes);
-  // Gives the file its name.
-  [[nodiscard]] bool Commit();
-
- private:
-  bool Close();
-
-  std::string path_;
-  std::string temporary_;
-  std::FILE* file_;
 };
 
 }  // namespace qv::wire

@@ -4,6 +4,8 @@
 #include <array>
 #include <vector>
 
+#include "base/storage/FileNames.h"
+#include "base/storage/PartFile.h"
 #include "message/LittleEndian.h"
 
 namespace qv::wire {
@@ -57,6 +59,11 @@ FrameStatus SendChunks(ByteStream& stream, OutgoingFile& file, const FileProgres
   }
   if (!stream.Write({EncodeChunk({0, checksum})})) return FrameStatus::kConnectionLost;
   return FrameStatus::kDone;
+}
+
+// The caller deletes an answer once it has read it, and does not wait for the disk before.
+storage::Flush FlushOf(const std::string& path) {
+  return storage::IsAnswerName(path) ? storage::Flush::kNo : storage::Flush::kYes;
 }
 
 // Hands the bytes of a file to `take`, piece by piece, each after its checksum held.
@@ -130,13 +137,14 @@ FrameStatus ReceiveMessage(ByteStream& stream, const IncomingMessage& message) {
 
 FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length, const std::string& path,
                         const FileProgress& progress) {
-  IncomingFile file(path);
+  storage::PartFile file(storage::PartBeside(path));
   if (!file.IsOpen()) return FrameStatus::kFileFailed;
   FrameStatus status =
       ReceiveChunks(stream, length, progress, [&](Bytes bytes) { return file.Write(bytes); });
   if (status == FrameStatus::kDone) status = stream.End();
   if (status != FrameStatus::kDone) return status;
-  return file.Commit() ? FrameStatus::kDone : FrameStatus::kFileFailed;
+  const bool is_there = file.Finish(FlushOf(path)) && file.MoveTo(path);
+  return is_there ? FrameStatus::kDone : FrameStatus::kFileFailed;
 }
 
 FrameStatus SkipFile(ByteStream& stream, std::uint64_t length) {

@@ -49,7 +49,8 @@ struct IncomingMessage {
 // Nothing in `message` may be trusted unless the result is kDone.
 [[nodiscard]] FrameStatus ReceiveMessage(ByteStream& stream, const IncomingMessage& message);
 // The file appears at `path`, readable by its owner only, when the last checksum held; until then
-// its bytes stand under a temporary name beside it, and after a failure nowhere.
+// it is a part beside it, and after a failure nothing is left of it. It is flushed to the disk
+// before it appears, unless its name is that of an answer (storage::IsAnswerName).
 [[nodiscard]] FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length,
                                       const std::string& path,
                                       const FileProgress& progress = nullptr);

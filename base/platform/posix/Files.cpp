@@ -124,14 +124,6 @@ bool ReplaceByRename(const std::string& from, const std::string& to) {
 
 bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0; }
 
-bool FlushFileToDisk(const std::string& path) {
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-  if (file < 0) return false;
-  const bool flushed = ::fsync(file) == 0;
-  ::close(file);
-  return flushed;
-}
-
 void SurviveFileLimits() { std::signal(SIGXFSZ, SIG_IGN); }
 
 }  // namespace qv::platform

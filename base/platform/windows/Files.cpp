@@ -159,11 +159,6 @@ bool FlushToDisk(std::FILE* file) {
   return std::fflush(file) == 0 && ::FlushFileBuffers(HandleOf(file)) != FALSE;
 }
 
-bool FlushFileToDisk(const std::string& path) {
-  const HandlePtr file = Open(path, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
-  return file != nullptr && IsOrdinaryFile(file.get()) && ::FlushFileBuffers(file.get()) != FALSE;
-}
-
 void SurviveFileLimits() {}  // Windows has no such limit.
 
 }  // namespace qv::platform

@@ -31,8 +31,6 @@ Outcome FileStore::Put(std::string_view path, const std::string& file) {
   std::optional<Place> place;
   if (Outcome found = Find(path, place); !found.Ok()) return found;
   if (place->name.size() > kLongestFileName) return BadName();
-  if (!platform::FlushFileToDisk(file))
-    return {ErrorCode::kStoreFailed, "the file could not be flushed (disk full?)"};
   const std::lock_guard lock(placing_);
   return PutFile(*place, file);
 }

@@ -23,8 +23,8 @@ class FileStore {
   FileStore(platform::Folder top, std::string incoming)
       : top_(std::move(top)), incoming_(std::move(incoming)) {}
 
-  // Moves the finished file at `file` into an existing folder and atomically replaces a file that
-  // is there.
+  // Moves the file at `file`, which is whole and on the disk, into an existing folder and
+  // atomically replaces a file that is there.
   Outcome Put(std::string_view path, const std::string& file);
   Outcome Open(std::string_view path, std::optional<platform::OpenedFile>& opened) const;
   Outcome Delete(std::string_view path);

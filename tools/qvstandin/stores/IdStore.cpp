@@ -30,8 +30,6 @@ std::string IdStore::FolderOf(std::int32_t id) {
 Outcome IdStore::Put(const IdName& target, const std::string& file) {
   std::optional<Place> place;
   if (Outcome found = Find(target, true, place); !found.Ok()) return found;
-  if (!platform::FlushFileToDisk(file))
-    return {ErrorCode::kStoreFailed, "the file could not be flushed (disk full?)"};
   return PutFile(*place, file);
 }
 

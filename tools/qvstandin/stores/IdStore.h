@@ -27,7 +27,8 @@ class IdStore {
   // for 1234567. The identifier must not be negative.
   [[nodiscard]] static std::string FolderOf(std::int32_t id);
 
-  // Moves the finished file at `file` to the target and atomically replaces a file that is there.
+  // Moves the file at `file`, which is whole and on the disk, to the target and atomically replaces
+  // a file that is there.
   Outcome Put(const IdName& target, const std::string& file);
   Outcome Open(const IdName& wanted, std::optional<platform::OpenedFile>& opened) const;
   Outcome Delete(const IdName& wanted);

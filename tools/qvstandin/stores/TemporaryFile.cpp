@@ -40,6 +40,6 @@ bool TemporaryFile::Write(std::string_view bytes) {
   return file_.Write(bytes);
 }
 
-bool TemporaryFile::Finish() { return Open() && file_.Close(); }
+bool TemporaryFile::Finish() { return Open() && file_.Close(storage::Flush::kYes); }
 
 }  // namespace qv::standin

@@ -24,6 +24,7 @@ class TemporaryFile : public ByteSink {
   [[nodiscard]] bool HasRoomFor(std::uint64_t bytes) const { return bytes <= room_; }
 
   bool Write(std::string_view bytes) override;
+  // Flushes the file to the disk, since the store promises its clients to keep it.
   bool Finish() override;
 
  private:
