@@ -34,7 +34,8 @@ inline CLI::Validator NotEmpty() {
           ""};
 }
 
-// Used instead of CLI::ExistingFile, which assumes another encoding of narrow text on some systems.
+// Used instead of the parser's own check, which assumes another encoding of narrow text on some
+// systems.
 inline CLI::Validator ReadableFile() {
   return {[](const std::string& path) {
             return KindOf(path) == LocalKind::kNone || KindOf(path) == LocalKind::kFolder
