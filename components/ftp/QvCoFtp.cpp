@@ -3,24 +3,24 @@
 #include <utility>
 
 #include "FtpStore.h"
+#include "base/text/ParameterSet.h"
 #include "components/queue/DeskComponent.h"
 #include "qvnetcall/transfer/Extensions.h"
-#include "transports/exchange/ParameterSet.h"
 
 namespace qv::components {
 
 namespace {
 
-constexpr wire::Parameter<TransferSettings> kParameters[] = {
-    wire::TextParameter<TransferSettings, &TransferSettings::ca_file>("ca_file"),
-    wire::MillisecondsParameter<TransferSettings, &TransferSettings::connect_timeout>(
+constexpr text::Parameter<TransferSettings> kParameters[] = {
+    text::TextParameter<TransferSettings, &TransferSettings::ca_file>("ca_file"),
+    text::MillisecondsParameter<TransferSettings, &TransferSettings::connect_timeout>(
         "connect_timeout_ms"),
-    wire::MillisecondsParameter<TransferSettings, &TransferSettings::io_timeout>("io_timeout_ms"),
+    text::MillisecondsParameter<TransferSettings, &TransferSettings::io_timeout>("io_timeout_ms"),
 };
 
 // Never destroyed: a host may still have threads in a call when its program ends.
-wire::ParameterSet<TransferSettings>& SharedParameters() {
-  static auto* const parameters = new wire::ParameterSet<TransferSettings>(kParameters);
+text::ParameterSet<TransferSettings>& SharedParameters() {
+  static auto* const parameters = new text::ParameterSet<TransferSettings>(kParameters);
   return *parameters;
 }
 

@@ -24,13 +24,13 @@ bool SetPartBytes(Settings& to, const std::string& value) {
 bool SetRegion(Settings& to, const std::string& value) {
   const auto is_allowed = [](char c) { return text::IsLetterOrDigit(c) || c == '-' || c == '_'; };
   if (value.empty() || !std::all_of(value.begin(), value.end(), is_allowed)) return false;
-  return wire::SetText(to.region, value);
+  return text::SetText(to.region, value);
 }
 
-constexpr wire::Parameter<Settings> kParameters[] = {
-    wire::TextParameter<Settings, &Settings::ca_file>("ca_file"),
-    wire::MillisecondsParameter<Settings, &Settings::connect_timeout>("connect_timeout_ms"),
-    wire::MillisecondsParameter<Settings, &Settings::io_timeout>("io_timeout_ms"),
+constexpr text::Parameter<Settings> kParameters[] = {
+    text::TextParameter<Settings, &Settings::ca_file>("ca_file"),
+    text::MillisecondsParameter<Settings, &Settings::connect_timeout>("connect_timeout_ms"),
+    text::MillisecondsParameter<Settings, &Settings::io_timeout>("io_timeout_ms"),
     {"region", [](const Settings& from) { return from.region; }, &SetRegion},
     {"part_bytes", [](const Settings& from) { return std::to_string(from.part_bytes); },
      &SetPartBytes},

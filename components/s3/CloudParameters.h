@@ -1,12 +1,12 @@
 // The parameters of the cloud component.
 #pragma once
 
+#include "base/text/ParameterSet.h"
 #include "components/queue/TransferSettings.h"
-#include "transports/exchange/ParameterSet.h"
 
 namespace qv::components {
 
-class CloudParameters : public wire::ParameterSet<TransferSettings> {
+class CloudParameters : public text::ParameterSet<TransferSettings> {
  public:
   CloudParameters();
 };

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-#include "transports/exchange/ParameterSet.h"
+#include "base/text/ParameterSet.h"
 
 namespace qv::wire {
 
@@ -20,7 +20,7 @@ struct HttpSettings {
 };
 
 // The names and values are those of qvnetcall/transport/HttpParameters.h.
-class HttpParameters : public ParameterSet<HttpSettings> {
+class HttpParameters : public text::ParameterSet<HttpSettings> {
  public:
   HttpParameters();
 };

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-#include "transports/exchange/ParameterSet.h"
+#include "base/text/ParameterSet.h"
 
 namespace qv::wire {
 
@@ -27,7 +27,7 @@ struct TransportSettings {
 //   retry_after_ms      1 to 3600000
 //   tls                 "0": this transport does not encrypt and says so rather than pretend
 //   ca_file             empty: only an encrypting transport would use it
-class Parameters : public ParameterSet<TransportSettings> {
+class Parameters : public text::ParameterSet<TransportSettings> {
  public:
   Parameters();
 };

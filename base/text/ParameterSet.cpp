@@ -1,11 +1,10 @@
-#include "SettingValue.h"
+#include "base/text/ParameterSet.h"
 
 #include <cstdint>
 
 #include "base/text/Numbers.h"
-#include "transports/frame/Frame.h"
 
-namespace qv::wire {
+namespace qv::text {
 
 namespace {
 
@@ -14,14 +13,14 @@ constexpr std::int64_t kLongestMilliseconds = 3'600'000;
 }  // namespace
 
 bool SetMilliseconds(std::chrono::milliseconds& target, const std::string& value) {
-  const auto number = text::ParseNumber<std::int64_t>(value);
+  const auto number = ParseNumber<std::int64_t>(value);
   if (!number || *number < 1 || *number > kLongestMilliseconds) return false;
   target = std::chrono::milliseconds(*number);
   return true;
 }
 
 bool SetText(std::string& target, const std::string& value) {
-  if (value.size() > kMaxToken) return false;
+  if (value.size() > kLongestParameter) return false;
   target = value;
   return true;
 }
@@ -32,4 +31,4 @@ bool SetSwitch(bool& target, const std::string& value) {
   return true;
 }
 
-}  // namespace qv::wire
+}  // namespace qv::text

@@ -2,14 +2,26 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
 #include <mutex>
 #include <optional>
 #include <span>
 #include <string>
 
-#include "SettingValue.h"
+namespace qv::text {
 
-namespace qv::wire {
+// The longest text that a parameter can have.
+inline constexpr std::size_t kLongestParameter = 4096;
+
+// Each gives false, and leaves `target` alone, for a value that it cannot have.
+
+// 1 to 3600000, in decimal digits and nothing else.
+[[nodiscard]] bool SetMilliseconds(std::chrono::milliseconds& target, const std::string& value);
+// At most kLongestParameter bytes.
+[[nodiscard]] bool SetText(std::string& target, const std::string& value);
+// "0" or "1".
+[[nodiscard]] bool SetSwitch(bool& target, const std::string& value);
 
 // One name, and how its text becomes a member of `Settings` and back.
 template <class Settings>
@@ -78,4 +90,4 @@ class ParameterSet {
   Settings settings_;
 };
 
-}  // namespace qv::wire
+}  // namespace qv::text
