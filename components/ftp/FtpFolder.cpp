@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/text/Letters.h"
-#include "components/queue/RemotePath.h"
+#include "components/queue/RemoteStore.h"
 
 namespace qv::components {
 

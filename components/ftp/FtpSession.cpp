@@ -3,13 +3,18 @@
 #include <new>
 #include <utility>
 
+#include "base/text/HostName.h"
 #include "base/text/Letters.h"
 #include "base/text/Percent.h"
-#include "components/queue/RemotePath.h"
+#include "components/queue/RemoteStore.h"
 
 namespace qv::components {
 
 namespace {
+
+constexpr std::string_view kPlain = "ftp://";
+constexpr std::string_view kSecure = "ftpes://";
+constexpr std::uint16_t kUsualPort = 21;
 
 // So many stretches without progress are what a listing may take in all.
 constexpr int kListingPatience = 20;
@@ -72,6 +77,19 @@ bool LeavesOrder(CURLcode code) {
 curl_socket_t RefuseSocket(void*, curlsocktype, curl_sockaddr*) noexcept { return CURL_SOCKET_BAD; }
 
 }  // namespace
+
+std::optional<FtpServer> MakeFtpServer(std::string_view host, std::uint16_t port,
+                                       std::string_view user, std::string_view password) {
+  const bool has_tls = text::TakeScheme(host, kSecure);
+  if (!has_tls) text::TakeScheme(host, kPlain);
+  const auto name = text::HostForUrl(host);
+  if (!name || text::HasControls(user) || text::HasControls(password)) return std::nullopt;
+  return FtpServer{
+      .url = std::string(kPlain) + *name + ':' + std::to_string(port != 0 ? port : kUsualPort),
+      .has_tls = has_tls,
+      .user = std::string(user),
+      .password = std::string(password)};
+}
 
 std::string FtpFileState::Tag() const {
   return size && written ? std::to_string(*size) + '-' + std::to_string(*written) : std::string();

@@ -6,8 +6,7 @@
 #include <string>
 
 #include "FtpSession.h"
-#include "components/queue/LocalSource.h"
-#include "components/queue/LocalTarget.h"
+#include "components/queue/LocalFile.h"
 #include "components/queue/RemoteStore.h"
 
 namespace qv::components {

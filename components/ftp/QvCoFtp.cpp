@@ -4,7 +4,7 @@
 
 #include "FtpStore.h"
 #include "base/text/ParameterSet.h"
-#include "components/queue/DeskComponent.h"
+#include "components/queue/TransferDesk.h"
 #include "qvnetcall/transfer/Extensions.h"
 
 namespace qv::components {

@@ -1,16 +1,25 @@
 // One request over a handle of libcurl, whose connections outlive it.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
-#include "BodySource.h"
-#include "TransferMeter.h"
-#include "TransferSettings.h"
+#include "TransferBody.h"
 #include "base/curl/Transfer.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv::components {
+
+// The parameters of the components; qvnetcall/transfer/Extensions.h says what they mean.
+struct TransferSettings {
+  std::string ca_file;
+  std::chrono::milliseconds connect_timeout{5000};
+  std::chrono::milliseconds io_timeout{30000};
+  // Cloud only.
+  std::string region = "us-east-1";
+  std::uint64_t part_bytes = std::uint64_t{16} << 20;
+};
 
 // Everything that is handed over outlives the request. One thread.
 class CurlRequest : private curl::Handler {

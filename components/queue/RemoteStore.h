@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
-#include "TransferMeter.h"
+#include "TransferBody.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv::components {
@@ -44,5 +46,9 @@ class RemoteStore {
   virtual QvTransferResult DeleteFile(const std::string& path) = 0;
   virtual QvTransferResult DeleteFolder(const std::string& path) = 0;
 };
+
+// The path with slashes for backslashes. Nothing when it is empty, or has control characters, which
+// could be taken for the end of a command.
+[[nodiscard]] std::optional<std::string> ServerPath(std::string_view text);
 
 }  // namespace qv::components

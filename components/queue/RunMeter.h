@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "TransferMeter.h"
+#include "TransferBody.h"
 #include "qvnetcall/transfer/Extensions.h"
 
 namespace qv::components {

@@ -1,6 +1,6 @@
 #include "TransferDesk.h"
 
-#include "RemotePath.h"
+#include "RemoteStore.h"
 
 namespace qv::components {
 

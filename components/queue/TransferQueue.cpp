@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "RemotePath.h"
+#include "RemoteStore.h"
 #include "base/platform/Platform.h"
 
 namespace qv::components {

@@ -1,13 +1,16 @@
 #include "qvnetcall/transfer/QvCoCSC.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <optional>
 
-#include "CloudParameters.h"
 #include "S3Endpoint.h"
 #include "S3Store.h"
-#include "components/queue/DeskComponent.h"
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
+#include "base/text/ParameterSet.h"
+#include "components/queue/TransferDesk.h"
 #include "qvnetcall/transfer/Extensions.h"
 
 namespace qv::components {
@@ -17,9 +20,38 @@ namespace {
 constexpr TransferKind kAllKinds[] = {TransferKind::kUpload, TransferKind::kDownload,
                                       TransferKind::kCopy};
 
-CloudParameters& Parameters() {
+using Settings = TransferSettings;
+
+// What servers take for a part that is not the last.
+constexpr std::uint64_t kLeastPart = 5U << 20;
+constexpr std::uint64_t kLargestPart = std::uint64_t{5} << 30;
+
+bool SetPartBytes(Settings& to, const std::string& value) {
+  const auto bytes = text::ParseNumber<std::uint64_t>(value);
+  if (!bytes || *bytes < kLeastPart || *bytes > kLargestPart) return false;
+  to.part_bytes = *bytes;
+  return true;
+}
+
+// It becomes part of a header.
+bool SetRegion(Settings& to, const std::string& value) {
+  const auto is_allowed = [](char c) { return text::IsLetterOrDigit(c) || c == '-' || c == '_'; };
+  if (value.empty() || !std::all_of(value.begin(), value.end(), is_allowed)) return false;
+  return text::SetText(to.region, value);
+}
+
+constexpr text::Parameter<Settings> kParameters[] = {
+    text::TextParameter<Settings, &Settings::ca_file>("ca_file"),
+    text::MillisecondsParameter<Settings, &Settings::connect_timeout>("connect_timeout_ms"),
+    text::MillisecondsParameter<Settings, &Settings::io_timeout>("io_timeout_ms"),
+    {"region", [](const Settings& from) { return from.region; }, &SetRegion},
+    {"part_bytes", [](const Settings& from) { return std::to_string(from.part_bytes); },
+     &SetPartBytes},
+};
+
+text::ParameterSet<Settings>& Parameters() {
   // Never destroyed: it may be asked for when the program is ending.
-  static auto* const parameters = new CloudParameters;
+  static auto* const parameters = new text::ParameterSet<Settings>(kParameters);
   return *parameters;
 }
 

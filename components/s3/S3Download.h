@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "S3Path.h"
+#include "S3Endpoint.h"
 #include "S3Session.h"
-#include "components/queue/LocalTarget.h"
+#include "components/queue/LocalFile.h"
 #include "components/queue/RemoteStore.h"
 
 namespace qv::components {

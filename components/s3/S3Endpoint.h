@@ -1,13 +1,53 @@
-// Where an S3 server is, and how requests to it are addressed.
+// Paths of a cloud store, requests about them, and the server that the requests go to.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "S3Request.h"
+#include <utility>
+#include <vector>
 
 namespace qv::components {
+
+// "bucket/key"; slashes at the start of what a caller writes are dropped.
+struct S3Path {
+  std::string bucket;
+  std::string key;
+
+  // One object; nothing when the text can name none.
+  [[nodiscard]] static std::optional<S3Path> OfObject(std::string_view path);
+  // The objects below a folder; the key ends with a slash. Nothing for a bare bucket, too, whose
+  // deletion would be a slip of the hand.
+  [[nodiscard]] static std::optional<S3Path> OfFolder(std::string_view path);
+
+  bool operator==(const S3Path&) const = default;
+};
+
+using TextPairs = std::vector<std::pair<std::string, std::string>>;
+
+// What a request is about. Nothing here is encoded.
+struct S3Request {
+  std::string method = "GET";
+  std::string bucket = {};  // empty: the service as such
+  std::string key = {};     // empty: the bucket as such
+  TextPairs query = {};
+  TextPairs headers = {};  // names in lower case; values without white space around or runs of it
+};
+
+// The same as it goes out: the path and the query encoded, the query's pairs in the order in which
+// they are signed, and nothing left that a server could read in another way.
+struct S3Wire {
+  std::string method;
+  std::string scheme;  // "http" or "https"
+  std::string host;  // as the header of that name has it, with the port unless it is the usual one
+  std::string path;
+  std::string query;
+  TextPairs headers;
+
+  [[nodiscard]] std::string Url() const {
+    return scheme + "://" + host + path + (query.empty() ? "" : "?" + query);
+  }
+};
 
 class S3Endpoint {
  public:

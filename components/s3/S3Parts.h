@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "S3Path.h"
+#include "S3Endpoint.h"
 #include "S3Session.h"
 #include "S3Xml.h"
 #include "components/queue/RemoteStore.h"

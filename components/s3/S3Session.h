@@ -9,12 +9,10 @@
 #include <utility>
 
 #include "S3Endpoint.h"
-#include "S3Request.h"
 #include "S3Signature.h"
 #include "components/queue/CurlRequest.h"
-#include "components/queue/LocalSource.h"
-#include "components/queue/TransferMeter.h"
-#include "components/queue/TransferSettings.h"
+#include "components/queue/LocalFile.h"
+#include "components/queue/TransferBody.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv::components {

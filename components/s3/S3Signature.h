@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "S3Request.h"
+#include "S3Endpoint.h"
 
 namespace qv::components {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "S3Path.h"
+#include "S3Endpoint.h"
 #include "S3Session.h"
 #include "components/queue/RemoteStore.h"
 

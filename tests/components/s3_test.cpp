@@ -5,7 +5,6 @@
 
 #include "components/s3/S3Endpoint.h"
 #include "components/s3/S3Parts.h"
-#include "components/s3/S3Path.h"
 #include "components/s3/S3Signature.h"
 #include "components/s3/S3Xml.h"
 

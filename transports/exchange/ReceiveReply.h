@@ -5,6 +5,8 @@
 #include <functional>
 
 #include "message/MsgContent.h"
+#include "qvnetcall/ResultCodes.h"
+#include "transports/frame/Frame.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv::wire {
@@ -21,5 +23,26 @@ struct ReplyProgress {
 // also stands for a file that nobody named a path for.
 [[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply,
                                        const ReplyProgress& progress = {});
+
+inline constexpr int kDelivered = result::kSuccess;
+using result::kBadReply;
+using result::kNotDelivered;
+using result::kOutcomeUnknown;
+
+// The result of a call whose request was sent and whose reply came to `reply`.
+[[nodiscard]] constexpr int ResultOf(FrameStatus reply) {
+  switch (reply) {
+    case FrameStatus::kDone:
+      return kDelivered;
+    case FrameStatus::kConnectionLost:
+      return kOutcomeUnknown;
+    case FrameStatus::kMalformed:
+    case FrameStatus::kBadChecksum:
+    case FrameStatus::kDoesNotFit:
+    case FrameStatus::kFileFailed:
+      break;
+  }
+  return kBadReply;
+}
 
 }  // namespace qv::wire

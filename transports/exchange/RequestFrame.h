@@ -6,6 +6,7 @@
 #include <string>
 
 #include "message/MsgContent.h"
+#include "transports/frame/Frame.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv::wire {
@@ -35,5 +36,9 @@ class RequestFrame {
   std::string token_;
   std::optional<OutgoingFile> file_;
 };
+
+// The fields that were appended and not read yet: in the block, or in the overflow store of a
+// message that spilled. They stay the message's. Nothing when there is no area to look at.
+[[nodiscard]] std::optional<Bytes> RequestPayload(const CMsgContent& request);
 
 }  // namespace qv::wire

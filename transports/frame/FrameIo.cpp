@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
+#include "base/platform/Platform.h"
 #include "base/storage/FileNames.h"
 #include "base/storage/PartFile.h"
 #include "message/LittleEndian.h"
@@ -149,6 +152,22 @@ FrameStatus ReceiveFile(ByteStream& stream, std::uint64_t length, const std::str
 
 FrameStatus SkipFile(ByteStream& stream, std::uint64_t length) {
   return ReceiveChunks(stream, length, nullptr, [](Bytes) { return true; });
+}
+
+std::optional<OutgoingFile> OutgoingFile::Open(const std::string& path) {
+  std::error_code error;
+  // Also keeps the sender from waiting for ever on a pipe.
+  const std::filesystem::path place = platform::PathFromNarrow(path);
+  if (!std::filesystem::is_regular_file(place, error)) return std::nullopt;
+  const std::uintmax_t length = std::filesystem::file_size(place, error);
+  if (error || length > kMaxFile) return std::nullopt;
+  platform::FilePtr file(platform::OpenFile(path, platform::Opening::kRead));
+  if (file == nullptr) return std::nullopt;
+  return OutgoingFile({std::move(file), length});
+}
+
+bool OutgoingFile::Read(WritableBytes bytes) {
+  return std::fread(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
 }
 
 }  // namespace qv::wire

@@ -4,13 +4,48 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <optional>
 #include <string>
+#include <utility>
 
-#include "ByteStream.h"
 #include "Frame.h"
-#include "FrameFile.h"
+#include "base/platform/Folder.h"
 
 namespace qv::wire {
+
+// Blocks for as long as its implementation allows a stretch without progress to last.
+class ByteStream {
+ public:
+  virtual ~ByteStream() = default;
+
+  // Fills `bytes`. False when the connection ended, failed or stood still before that.
+  [[nodiscard]] virtual bool Read(WritableBytes bytes) = 0;
+  // Writes all of `pieces`, back to back. False likewise.
+  [[nodiscard]] virtual bool Write(std::initializer_list<Bytes> pieces) = 0;
+  // Called behind the last byte of a frame, and before its file gets its name: whether the frame
+  // may end here. kMalformed when what carries it goes on, kConnectionLost when that cannot be
+  // told. A connection that carries one frame after the other has nothing to say about it.
+  [[nodiscard]] virtual FrameStatus End() { return FrameStatus::kDone; }
+};
+
+// Its length is fixed when it is opened.
+class OutgoingFile {
+ public:
+  // Nothing when there is no regular file at `path` that can be read.
+  [[nodiscard]] static std::optional<OutgoingFile> Open(const std::string& path);
+  // An opened one; it stands at its beginning.
+  explicit OutgoingFile(platform::OpenedFile opened)
+      : file_(std::move(opened.file)), length_(opened.size) {}
+
+  [[nodiscard]] std::uint64_t Length() const { return length_; }
+  // Fills `bytes` with what comes next. False when there is less.
+  [[nodiscard]] bool Read(WritableBytes bytes);
+
+ private:
+  platform::FilePtr file_;
+  std::uint64_t length_;
+};
 
 // Hears how many bytes of a file have been sent or received, out of how many.
 using FileProgress = std::function<void(std::uint64_t done, std::uint64_t total)>;

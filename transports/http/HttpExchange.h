@@ -6,10 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "HttpParameters.h"
+#include "HttpState.h"
 #include "HttpStream.h"
-#include "KeptConnection.h"
-#include "LoginTokens.h"
 #include "message/MsgContent.h"
 #include "transports/exchange/IdlePool.h"
 #include "transports/exchange/RequestFrame.h"

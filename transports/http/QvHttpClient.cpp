@@ -5,7 +5,7 @@
 
 #include "HttpExchange.h"
 #include "qvnetcall/transport/HttpParameters.h"
-#include "transports/exchange/Result.h"
+#include "transports/exchange/ReceiveReply.h"
 
 namespace qv::wire {
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "transports/exchange/ReceiveReply.h"
-#include "transports/exchange/Result.h"
 
 namespace qv::wire {
 

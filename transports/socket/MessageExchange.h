@@ -2,8 +2,8 @@
 #pragma once
 
 #include "NetworkHealth.h"
-#include "Parameters.h"
 #include "SocketConnection.h"
+#include "SocketParameters.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "transports/exchange/IdlePool.h"
 #include "transports/exchange/RequestFrame.h"
@@ -12,7 +12,7 @@ namespace qv::wire {
 
 // What the calls of a process share.
 struct Transport {
-  Parameters parameters;
+  SocketParameters parameters;
   IdlePool<SocketConnection> pool;
   NetworkHealth health;
 };
@@ -47,7 +47,7 @@ class MessageExchange {
   const CMsgContent& request_;
   CMsgContent& reply_;
   ProgressListener listener_;
-  TransportSettings settings_;
+  SocketSettings settings_;
   std::unique_ptr<SocketConnection> connection_;
 };
 

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <optional>
 
-#include "Resolve.h"
+#include "SocketConnection.h"
 
 namespace qv::wire {
 

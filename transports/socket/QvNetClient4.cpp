@@ -4,8 +4,8 @@
 #include <exception>
 
 #include "MessageExchange.h"
-#include "ParameterCommands.h"
-#include "transports/exchange/Result.h"
+#include "SocketParameters.h"
+#include "transports/exchange/ReceiveReply.h"
 
 namespace qv::wire {
 
@@ -38,7 +38,7 @@ int Deliver(const Peer& peer, const CMsgContent& request, CMsgContent& reply) {
 // Tries to reach the server again, when it is time for that.
 void ProbeBadNetwork() {
   Transport& transport = SharedTransport();
-  const TransportSettings settings = transport.parameters.Snapshot();
+  const SocketSettings settings = transport.parameters.Snapshot();
   const auto probe = transport.health.ClaimProbe(settings.retry_after);
   if (!probe) return;
   const auto timeout = std::min(settings.connect_timeout, kProbeTimeout);

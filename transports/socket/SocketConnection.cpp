@@ -1,6 +1,11 @@
 #include "SocketConnection.h"
 
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/address.hpp>
+#include <future>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace qv::wire {
@@ -11,6 +16,31 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
+using Endpoints = std::vector<tcp::endpoint>;
+
+Endpoints LookUp(const Peer& peer) {
+  asio::io_context context;
+  error_code error;
+  tcp::resolver resolver(context);
+  const auto found = resolver.resolve(peer.server, std::to_string(peer.port),
+                                      tcp::resolver::numeric_service, error);
+  return {found.begin(), found.end()};
+}
+
+// The peer's addresses in the order in which to try them; none when it has none, or when they were
+// not known by `deadline`.
+Endpoints Resolve(const Peer& peer, Clock::time_point deadline) {
+  if (peer.server.empty() || peer.port == 0 || peer.port > 0xFFFF) return {};
+  error_code not_numeric;
+  const auto address = asio::ip::make_address(peer.server, not_numeric);
+  if (!not_numeric) return {{address, static_cast<std::uint16_t>(peer.port)}};
+  // The system's lookup cannot be interrupted, so it gets a thread that can be left behind.
+  std::packaged_task<Endpoints()> lookup([peer] { return LookUp(peer); });
+  std::future<Endpoints> found = lookup.get_future();
+  std::thread(std::move(lookup)).detach();
+  if (found.wait_until(deadline) != std::future_status::ready) return {};
+  return found.get();
+}
 
 bool WouldBlock(const error_code& error) {
   return error == asio::error::would_block || error == asio::error::try_again ||

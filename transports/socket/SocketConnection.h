@@ -7,11 +7,20 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "Resolve.h"
-#include "transports/frame/ByteStream.h"
+#include "transports/frame/FrameIo.h"
 
 namespace qv::wire {
+
+// A server as calls name it.
+struct Peer {
+  std::string server;
+  std::uint32_t port = 0;
+
+  bool operator==(const Peer&) const = default;
+};
 
 // One thread at a time. Destruction closes.
 class SocketConnection final : public ByteStream {

@@ -8,7 +8,7 @@
 #include <functional>
 #include <vector>
 
-#include "transports/frame/ByteStream.h"
+#include "transports/frame/FrameIo.h"
 
 namespace qv::standin {
 

@@ -1,14 +1,31 @@
-#include "ParameterCommands.h"
+#include "SocketParameters.h"
 
 #include <cstring>
 #include <initializer_list>
 #include <string>
 
-#include "transports/exchange/RequestPayload.h"
+#include "transports/exchange/RequestFrame.h"
+#include "transports/frame/Frame.h"
 
 namespace qv::wire {
 
 namespace {
+
+static_assert(text::kLongestParameter <= kMaxToken, "a token that was taken can be sent");
+
+using Settings = SocketSettings;
+
+constexpr text::Parameter<Settings> kParameters[] = {
+    text::TextParameter<Settings, &Settings::display_messages>("dispmsg"),
+    text::TextParameter<Settings, &Settings::token>("token"),
+    text::MillisecondsParameter<Settings, &Settings::connect_timeout>("connect_timeout_ms"),
+    text::MillisecondsParameter<Settings, &Settings::io_timeout>("io_timeout_ms"),
+    text::MillisecondsParameter<Settings, &Settings::retry_after>("retry_after_ms"),
+    {"tls", [](const Settings&) { return std::string("0"); },
+     [](Settings&, const std::string& value) { return value == "0"; }},
+    {"ca_file", [](const Settings&) { return std::string(); },
+     [](Settings&, const std::string& value) { return value.empty(); }},
+};
 
 constexpr std::size_t kLengthWord = 4;
 
@@ -33,7 +50,7 @@ std::string Fields(std::initializer_list<std::string> texts) {
   return fields;
 }
 
-std::string Answer(Parameters& parameters, const CMsgContent& request) {
+std::string Answer(SocketParameters& parameters, const CMsgContent& request) {
   Bytes fields = RequestPayload(request).value_or(Bytes());
   const std::string name = TakeText(fields);
   if (request.Command() == kSetParameterCommand) {
@@ -45,7 +62,9 @@ std::string Answer(Parameters& parameters, const CMsgContent& request) {
 
 }  // namespace
 
-bool AnswerParameterCommand(Parameters& parameters, const CMsgContent& request,
+SocketParameters::SocketParameters() : ParameterSet(kParameters) {}
+
+bool AnswerParameterCommand(SocketParameters& parameters, const CMsgContent& request,
                             CMsgContent& reply) {
   const std::string fields = Answer(parameters, request);
   if (!reply.Queue().SetFilled(static_cast<std::uint32_t>(fields.size()))) return false;

@@ -1,4 +1,4 @@
-// Where the bytes of a transfer come from and go to.
+// The bytes of a transfer: where they come from and go to, and who hears how far it has come.
 #pragma once
 
 #include <cstddef>
@@ -27,6 +27,16 @@ class BodySink {
 
  protected:
   ~BodySink() = default;
+};
+
+// Hears how far the file that is being moved has come; false stops the transfer.
+class TransferMeter {
+ public:
+  // In bytes; `total` is 0 while unknown. As often as the transfer likes.
+  virtual bool Moved(std::uint64_t done, std::uint64_t total) = 0;
+
+ protected:
+  ~TransferMeter() = default;
 };
 
 }  // namespace qv::components

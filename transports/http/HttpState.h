@@ -1,12 +1,33 @@
-// The login tokens that servers handed out.
+// What all calls over HTTP share: the transport's own parameters, which hosts set by name, and the
+// login tokens that servers handed out.
 #pragma once
 
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/text/ParameterSet.h"
+
 namespace qv::wire {
+
+struct HttpSettings {
+  std::string token;
+  bool use_tls = false;
+  // Empty: the system's authorities.
+  std::string ca_file;
+  // Looking up the name, connecting and agreeing on TLS, together.
+  std::chrono::milliseconds connect_timeout{5000};
+  // How long a stretch without progress may be.
+  std::chrono::milliseconds io_timeout{30000};
+};
+
+// The names and values are those of qvnetcall/transport/HttpParameters.h.
+class HttpParameters : public text::ParameterSet<HttpSettings> {
+ public:
+  HttpParameters();
+};
 
 // Each is for the server that it came from, which its address stands for, and for no other. A
 // bounded number of servers is remembered, those that handed one out last. Any thread may use it at

@@ -1,4 +1,4 @@
-#include "RemotePath.h"
+#include "RemoteStore.h"
 
 #include <algorithm>
 
