@@ -2,12 +2,14 @@
 // files, whatever it speaks.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "TransferBody.h"
+#include "base/text/Letters.h"
 #include "qvnetcall/transfer/ResultCodes.h"
 
 namespace qv::components {
@@ -49,6 +51,11 @@ class RemoteStore {
 
 // The path with slashes for backslashes. Nothing when it is empty, or has control characters, which
 // could be taken for the end of a command.
-[[nodiscard]] std::optional<std::string> ServerPath(std::string_view text);
+[[nodiscard]] inline std::optional<std::string> RemotePath(std::string_view text) {
+  if (text.empty() || text::HasControls(text)) return std::nullopt;
+  std::string path(text);
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
 
 }  // namespace qv::components

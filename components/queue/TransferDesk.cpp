@@ -32,20 +32,20 @@ long TransferDesk::HasSucceeded(const char* first) const {
 }
 
 long TransferDesk::Rename(const char* from, const char* to) {
-  const auto old_path = ServerPath(from);
-  const auto new_path = ServerPath(to);
+  const auto old_path = RemotePath(from);
+  const auto new_path = RemotePath(to);
   if (!old_path || !new_path) return QvTransfer_BadArgument;
   return store_ != nullptr ? store_->Rename(*old_path, *new_path) : QvTransfer_NotLoggedIn;
 }
 
 long TransferDesk::DeleteFile(const char* path) {
-  const auto server_path = ServerPath(path);
+  const auto server_path = RemotePath(path);
   if (!server_path) return QvTransfer_BadArgument;
   return store_ != nullptr ? store_->DeleteFile(*server_path) : QvTransfer_NotLoggedIn;
 }
 
 long TransferDesk::DeleteFolder(const char* path) {
-  const auto server_path = ServerPath(path);
+  const auto server_path = RemotePath(path);
   if (!server_path) return QvTransfer_BadArgument;
   return store_ != nullptr ? store_->DeleteFolder(*server_path) : QvTransfer_NotLoggedIn;
 }

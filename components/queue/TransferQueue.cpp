@@ -30,7 +30,7 @@ bool EndsRun(QvTransferResult result) {
 
 // A path of the pair as it is used; nothing when it cannot be one.
 std::optional<std::string> Usable(const std::string& path, bool is_local) {
-  if (!is_local) return ServerPath(path);
+  if (!is_local) return RemotePath(path);
   return path.empty() ? std::nullopt : std::optional(path);
 }
 
@@ -113,7 +113,7 @@ void TransferQueue::Empty(RemoteStore* store) {
     if (kind_ == TransferKind::kDownload) {
       platform::RemoveFile(pair.resume.part);
     } else if (is_reachable) {
-      is_reachable = store->Abandon(ServerPath(pair.second).value_or(""), pair.resume);
+      is_reachable = store->Abandon(RemotePath(pair.second).value_or(""), pair.resume);
     }
   }
   pairs_.clear();
