@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "Commands.h"
+#include "CommandHandlers.h"
 
 namespace qv::standin {
 

@@ -1,4 +1,4 @@
-#include "Commands.h"
+#include "CommandHandlers.h"
 
 #include <algorithm>
 #include <limits>
