@@ -1,4 +1,4 @@
-// Connections that wait for the next call.
+// Idle connections that are kept for the next call.
 #pragma once
 
 #include <algorithm>
@@ -12,18 +12,19 @@
 
 namespace qv::wire {
 
-// A call has a connection to itself while it lasts, so there are as many to a server as threads
-// call it at once; between calls they lie here, a bounded number of them, whatever thread made
-// them, so that one call can close them all. Any thread may use the pool at any time.
+// A call uses a connection exclusively, so a server has as many connections as threads call it at
+// once. Between calls a bounded number of them is kept here, whichever thread opened them, so that
+// Clear() can close them all. Thread-safe.
 //
-// A connection tells by Server() where it leads to, and by IsQuiet() whether it lies idle as it
-// should: not closed by the server, and nothing unread.
+// Connection::Server() returns the server that it leads to. Connection::IsQuiet() returns whether
+// it is still usable: the server has neither closed it nor sent anything that was not read.
 template <class Connection>
 class IdlePool {
  public:
   IdlePool() { idle_.reserve(kMaxIdle); }
 
-  // The connection to `server` that was used last and is still in order; null when there is none.
+  // Removes and returns the most recently used connection to `server` that is still usable, or null
+  // if there is none.
   template <class Server>
   [[nodiscard]] std::unique_ptr<Connection> Take(const Server& server) {
     for (;;) {
@@ -34,8 +35,8 @@ class IdlePool {
     }
   }
 
-  // Keeps a connection whose exchange is over. `generation` is what Generation() gave before the
-  // exchange: a connection from before the last Clear is closed.
+  // Keeps a connection after an exchange. `generation` is the value of Generation() before the
+  // exchange; if Clear() was called since, the connection is closed instead.
   void Give(std::unique_ptr<Connection> connection, std::uint64_t generation) {
     Idle oldest;  // closed outside the lock
     const std::lock_guard lock(mutex_);
@@ -52,7 +53,7 @@ class IdlePool {
     return generation_;
   }
 
-  // Closes all that lie here, and has those that are lent closed when they come back.
+  // Closes all idle connections. Those in use are closed when they are given back.
   void Clear() {
     {
       const std::lock_guard lock(mutex_);
@@ -66,7 +67,7 @@ class IdlePool {
   using Clock = std::chrono::steady_clock;
 
   static constexpr std::size_t kMaxIdle = 16;
-  // Something on the way may have forgotten an older connection without telling either side.
+  // A firewall on the way may have dropped an older connection without telling either side.
   static constexpr std::chrono::seconds kMaxIdleTime{60};
 
   struct Idle {
@@ -74,7 +75,7 @@ class IdlePool {
     Clock::time_point since;
   };
 
-  // Takes the last entry for `server` out.
+  // Removes and returns the last entry for `server`.
   template <class Server>
   Idle Remove(const Server& server) {
     const std::lock_guard lock(mutex_);

@@ -30,7 +30,7 @@ FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply, const ReplyProg
   if (status != FrameStatus::kDone) return status;
   if (header.file_length && path.empty()) return FrameStatus::kDoesNotFit;
 
-  // What stands in the reply's area is seen only once SetFilled has said so.
+  // The bytes in the reply's area do not become fields before SetFilled.
   std::array<unsigned char, kFrameBlockSize> block{};
   const WritableBytes payload(queue.Area(), static_cast<std::size_t>(header.payload_length));
   status = ReceiveInto(stream, {.token = {}, .block = block, .payload = payload}, header, path,

@@ -1,4 +1,4 @@
-// The way of a reply from a stream into the message that waits for it.
+// Receives a reply from a stream into the message that the caller passed.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +11,16 @@
 
 namespace qv::wire {
 
-// Who hears of a reply's progress; either may be empty.
+// Called with the progress of a reply; either may be empty.
 struct ReplyProgress {
-  // The fields are here: so many bytes of payload.
+  // Called once, when the fields have arrived, with their number of bytes.
   std::function<void(std::uint64_t payload)> message = nullptr;
   FileProgress file = nullptr;
 };
 
-// Receives a reply, and its file to the path that `reply` names. After anything but kDone `reply`
-// holds no fields, no part of the file is left, and the stream is of no further use. kDoesNotFit
-// also stands for a file that nobody named a path for.
+// Receives a reply, and its file to the path that `reply` names. If the result is not kDone,
+// `reply` holds no fields, nothing of the file is left, and the stream must not be used again.
+// Returns kDoesNotFit also for a file if `reply` names no path.
 [[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply,
                                        const ReplyProgress& progress = {});
 
@@ -29,7 +29,8 @@ using result::kBadReply;
 using result::kNotDelivered;
 using result::kOutcomeUnknown;
 
-// The result of a call whose request was sent and whose reply came to `reply`.
+// Returns the result of a call whose request was sent and whose reply was received with this
+// status.
 [[nodiscard]] constexpr int ResultOf(FrameStatus reply) {
   switch (reply) {
     case FrameStatus::kDone:

@@ -1,4 +1,4 @@
-// A request that was looked over and can be sent.
+// A validated request that can be sent.
 #pragma once
 
 #include <cstdint>
@@ -11,18 +11,18 @@
 
 namespace qv::wire {
 
-// Refers to the request, which outlives it.
+// Refers to the request, which must outlive it.
 class RequestFrame {
  public:
-  // Nothing when the call cannot be made: an unbound request or reply, a payload above the limit,
-  // or a file that cannot be opened.
+  // Returns nothing if the call cannot be made: the request or the reply is unbound, the payload
+  // exceeds the limit, or the file cannot be opened.
   [[nodiscard]] static std::optional<RequestFrame> Prepare(const CMsgContent& request,
                                                            CMsgContent& reply, std::string token);
 
-  // The bytes that Send writes.
+  // The number of bytes that Send writes.
   [[nodiscard]] std::uint64_t Length() const;
   [[nodiscard]] std::uint64_t PayloadLength() const { return payload_.size(); }
-  // May be called again as long as the call before it wrote nothing.
+  // May be called again if the previous call wrote nothing.
   [[nodiscard]] FrameStatus Send(ByteStream& stream, const FileProgress& progress = nullptr);
 
  private:
@@ -37,8 +37,8 @@ class RequestFrame {
   std::optional<OutgoingFile> file_;
 };
 
-// The fields that were appended and not read yet: in the block, or in the overflow store of a
-// message that spilled. They stay the message's. Nothing when there is no area to look at.
+// Returns the fields that were appended and not read yet, from the block or from the overflow store
+// of a spilled message, which owns them. Returns nothing if the message has no area.
 [[nodiscard]] std::optional<Bytes> RequestPayload(const CMsgContent& request);
 
 }  // namespace qv::wire

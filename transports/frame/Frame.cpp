@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint32_t kVersion = 1;
 constexpr std::uint64_t kNoFile = std::numeric_limits<std::uint64_t>::max();
 
-// Where a header's fields stand.
+// Offsets of the header's fields.
 constexpr std::size_t kMagicAt = 0;
 constexpr std::size_t kVersionAndKindAt = 4;
 constexpr std::size_t kPayloadLengthAt = 8;
@@ -25,7 +25,7 @@ constexpr std::size_t kTokenLengthAt = 24;
 constexpr std::size_t kHeaderChecksumAt = 28;
 static_assert(kHeaderChecksumAt + kFrameChecksumSize == kFrameHeaderSize);
 
-// The version is the low half of its word, the kind the high one.
+// The version is in the low half of this word, the kind in the high half.
 std::uint32_t VersionAndKind(FrameKind kind) {
   return kVersion | static_cast<std::uint32_t>(kind) << 16;
 }
@@ -48,7 +48,7 @@ std::uint64_t FrameLength(const FrameHeader& header) {
 }
 
 std::uint32_t Crc32(std::uint32_t start, Bytes bytes) {
-  // Without bytes there may be no pointer either, which the function takes for a request to reset.
+  // An empty span may have a null pointer, which crc32 takes as a request to reset.
   if (bytes.empty()) return start;
   return static_cast<std::uint32_t>(::crc32_z(start, bytes.data(), bytes.size()));
 }

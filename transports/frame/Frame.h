@@ -1,14 +1,14 @@
-// The bytes of a frame: one message on its way between a client and a server, with the file that
-// travels with it. docs/wire-protocol.md describes them; here they are encoded, decoded and checked
-// without touching a socket or a file.
+// The encoding of a frame: one message between a client and a server, with the file that it
+// carries. docs/wire-protocol.md describes the format. The code here encodes, decodes and validates
+// without any socket or file.
 //
 // A frame is
-//   the header (kFrameHeaderSize bytes), with a checksum of its own,
+//   the header (kFrameHeaderSize bytes), with its own checksum,
 //   the token (only in a request, often empty),
 //   the message's header block (kFrameBlockSize bytes),
-//   the payload: the message's fields as they stand,
+//   the payload: the message's fields unchanged,
 //   the body checksum: CRC-32 of token, block and payload,
-//   and, when a file travels, its chunks: a chunk header and 1 to kMaxChunk bytes each, closed by a
+//   and, if there is a file, its chunks: a chunk header and 1 to kMaxChunk bytes each, ended by a
 //   chunk header of length 0.
 #pragma once
 
@@ -23,7 +23,7 @@ namespace qv::wire {
 using Bytes = std::span<const unsigned char>;
 using WritableBytes = std::span<unsigned char>;
 
-// What a frame begins with: "QvN4".
+// The first bytes of a frame: "QvN4".
 inline constexpr std::array<unsigned char, 4> kFrameMagic{'Q', 'v', 'N', '4'};
 
 inline constexpr std::size_t kFrameHeaderSize = 32;
@@ -34,18 +34,18 @@ inline constexpr std::size_t kChunkHeaderSize = 8;
 inline constexpr std::uint64_t kMaxPayload = 64ULL << 20;
 inline constexpr std::uint32_t kMaxToken = 4096;
 inline constexpr std::uint32_t kMaxChunk = 1U << 20;
-// What a sender puts into one chunk.
+// The number of bytes that a sender puts into one chunk.
 inline constexpr std::uint32_t kChunkSize = 64U << 10;
 inline constexpr std::uint64_t kMaxFile = std::numeric_limits<std::int64_t>::max();
 
-// What became of a frame, or of a part of one.
+// The outcome of sending or receiving a frame or a part of one.
 enum class FrameStatus {
   kDone,
-  kConnectionLost,  // the stream ended, failed or stood still for too long
-  kMalformed,       // no frame, or a field of it is out of its limits
+  kConnectionLost,  // the stream ended, failed or made no progress for too long
+  kMalformed,       // not a frame, or a field is out of its limits
   kBadChecksum,
-  kDoesNotFit,  // a frame, but larger than what its receiver has room for
-  kFileFailed,  // the local file could not be read, or not be written
+  kDoesNotFit,  // a valid frame that is larger than its receiver allows
+  kFileFailed,  // the local file could not be read or written
 };
 
 enum class FrameKind : std::uint16_t { kRequest = 0, kReply = 1 };
@@ -54,16 +54,17 @@ struct FrameHeader {
   FrameKind kind = FrameKind::kRequest;
   std::uint32_t token_length = 0;
   std::uint64_t payload_length = 0;
-  // Nothing when no file travels.
+  // Nothing if there is no file.
   std::optional<std::uint64_t> file_length;
 
   bool operator==(const FrameHeader&) const = default;
 };
 
-// How long the frame with this header is that SendFrame sends, its file's chunks included.
+// Returns the length of the frame that SendFrame sends with this header, including the chunks of
+// its file.
 [[nodiscard]] std::uint64_t FrameLength(const FrameHeader& header);
 
-// What a receiver accepts; it can ask for less than the format allows.
+// The largest frame that a receiver accepts. It may be less than the format allows.
 struct FrameLimits {
   std::uint64_t payload = kMaxPayload;
   std::uint64_t file = kMaxFile;
@@ -71,17 +72,18 @@ struct FrameLimits {
 
 [[nodiscard]] std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& header);
 
-// Checks everything that a header can be checked for, before anything is allocated for what
-// follows. Fills `header` only when the result is kDone. kDoesNotFit: right, but above `limits`.
+// Validates a header completely, so that nothing needs to be allocated before. Fills `header` only
+// if the result is kDone. Returns kDoesNotFit for a valid header that exceeds `limits`.
 [[nodiscard]] FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes,
                                        FrameKind expected, const FrameLimits& limits,
                                        FrameHeader& header);
 
-// The CRC-32 of what `start` is the CRC-32 of, followed by `bytes`; 0 is that of no bytes.
+// Continues a CRC-32: returns the checksum of the bytes that `start` is the checksum of, followed
+// by `bytes`. Start with 0.
 [[nodiscard]] std::uint32_t Crc32(std::uint32_t start, Bytes bytes);
 
-// A chunk carries the checksum of the whole file up to its own end, so a chunk that is damaged,
-// missing, doubled or out of order is found at once. The last one has no bytes.
+// Each chunk carries the checksum of the whole file up to its end, so a chunk that is damaged,
+// missing, repeated or out of order is detected at once. The last chunk is empty.
 struct ChunkHeader {
   std::uint32_t length = 0;
   std::uint32_t checksum = 0;
@@ -89,8 +91,8 @@ struct ChunkHeader {
 
 [[nodiscard]] std::array<unsigned char, kChunkHeaderSize> EncodeChunk(const ChunkHeader& chunk);
 
-// `remaining` is what the file has left; a chunk must not be longer, and the empty one stands
-// behind the last byte.
+// `remaining` is the number of bytes that the file still lacks. A chunk must not be longer than
+// that, and the empty chunk must follow the last byte.
 [[nodiscard]] FrameStatus DecodeChunk(std::span<const unsigned char, kChunkHeaderSize> bytes,
                                       std::uint64_t remaining, ChunkHeader& chunk);
 

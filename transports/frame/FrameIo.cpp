@@ -15,7 +15,7 @@ namespace qv::wire {
 
 namespace {
 
-// Listeners hear of every so many bytes, and of the last.
+// Progress is reported each time so many bytes have been moved, and at the end.
 constexpr std::uint64_t kProgressStep = 1ULL << 20;
 
 class ProgressReport {
@@ -64,12 +64,12 @@ FrameStatus SendChunks(ByteStream& stream, OutgoingFile& file, const FileProgres
   return FrameStatus::kDone;
 }
 
-// The caller deletes an answer once it has read it, and does not wait for the disk before.
+// An answer is deleted as soon as it has been read, so waiting for the disk would be wasted.
 storage::Flush FlushOf(const std::string& path) {
   return storage::IsAnswerName(path) ? storage::Flush::kNo : storage::Flush::kYes;
 }
 
-// Hands the bytes of a file to `take`, piece by piece, each after its checksum held.
+// Passes the bytes of a file to `take` chunk by chunk, each after its checksum was verified.
 FrameStatus ReceiveChunks(ByteStream& stream, std::uint64_t length, const FileProgress& progress,
                           const std::function<bool(Bytes)>& take) {
   std::vector<unsigned char> buffer;
@@ -156,7 +156,7 @@ FrameStatus SkipFile(ByteStream& stream, std::uint64_t length) {
 
 std::optional<OutgoingFile> OutgoingFile::Open(const std::string& path) {
   std::error_code error;
-  // Also keeps the sender from waiting for ever on a pipe.
+  // This also keeps the sender from waiting forever on a pipe.
   const std::filesystem::path place = platform::PathFromNarrow(path);
   if (!std::filesystem::is_regular_file(place, error)) return std::nullopt;
   const std::uintmax_t length = std::filesystem::file_size(place, error);

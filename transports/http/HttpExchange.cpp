@@ -33,10 +33,10 @@ std::optional<std::string> Build(bool is_https, const std::string& host, std::ui
   return std::string(text);
 }
 
-// The address to which frames for a server are posted. `server` is a host name or an address,
-// "http://" or "https://" may stand before it; it is https as well when `use_tls` says so. The same
-// server has the same text however it is spelt in upper and lower case, so this also tells servers
-// apart. Nothing when `server` is more than that (a path, a port, a user), or `port` is none.
+// Returns the address to which frames for a server are posted. `server` is a host name or an IP
+// address, optionally after "http://" or "https://"; `use_tls` selects https too. Upper and lower
+// case make no difference, so the address also identifies the server. Returns nothing if `server`
+// contains anything else (a path, a port, a user) or `port` is out of range.
 std::optional<std::string> CallUrl(std::string_view server, std::uint32_t port, bool use_tls) {
   if (port == 0 || port > 0xFFFF) return std::nullopt;
   const bool is_https = text::TakeScheme(server, kHttps);
@@ -50,7 +50,7 @@ std::optional<std::string> CallUrl(std::string_view server, std::uint32_t port, 
 int HttpExchange::Run(const char* server, std::uint32_t port, bool compress) {
   const auto url = CallUrl(server != nullptr ? server : "", port, settings_.use_tls);
   std::optional<RequestFrame> frame = RequestFrame::Prepare(request_, reply_, settings_.token);
-  // A file can be so long that a frame around it has no length that could be announced.
+  // A file can be so large that the length of its frame does not fit into a Content-Length.
   if (!url || !frame || frame->Length() > kMaxFile) return kNotDelivered;
   const std::uint64_t generation = transport_.pool.Generation();
   connection_ = transport_.pool.Take(*url);
@@ -73,8 +73,8 @@ int HttpExchange::Interrupted() const {
 int HttpExchange::Talk(RequestFrame& frame) {
   FrameStatus status = frame.Send(*stream_);
   if (!stream_->HasBegun()) return kNotDelivered;
-  // A request that did not get out leaves the outcome open, its own file's failure included, unless
-  // the server has refused it meanwhile.
+  // If the request was not sent completely, even because its own file failed, the outcome is
+  // unknown, unless the server has refused it in the meantime.
   if (status != FrameStatus::kDone) return ResultOf(stream_->Failure());
   status = ReceiveReply(*stream_, reply_);
   return ResultOf(status == FrameStatus::kConnectionLost ? stream_->Failure() : status);

@@ -1,4 +1,4 @@
-// A request on its way to the server, and the reply on its way back.
+// One call over HTTP: sends the request and receives the reply.
 #pragma once
 
 #include <cstdint>
@@ -14,14 +14,14 @@
 
 namespace qv::wire {
 
-// What the calls of a process share.
+// The state that all calls of a process share.
 struct HttpTransport {
   HttpParameters parameters;
   IdlePool<KeptConnection> pool;
   LoginTokens tokens;
 };
 
-// One call. The transport and the messages are the caller's and outlive it.
+// The transport and the messages belong to the caller and must outlive this object.
 class HttpExchange {
  public:
   HttpExchange(HttpTransport& transport, const CMsgContent& request, CMsgContent& reply)
@@ -30,12 +30,13 @@ class HttpExchange {
         reply_(reply),
         settings_(transport.parameters.Snapshot()) {}
 
-  // Throws std::exception when memory is short; Interrupted() is the result then.
+  // Returns the result of the call. Throws std::exception if memory runs out; the result is that of
+  // Interrupted() then.
   [[nodiscard]] int Run(const char* server, std::uint32_t port, bool compress);
   [[nodiscard]] int Interrupted() const;
 
  private:
-  // Sends the request and receives the reply, over the connection.
+  // Sends the request and receives the reply over stream_.
   [[nodiscard]] int Talk(RequestFrame& frame);
 
   HttpTransport& transport_;

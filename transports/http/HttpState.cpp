@@ -44,7 +44,7 @@ void LoginTokens::Keep(const std::string& url, std::string_view token) noexcept 
     if (entries_.size() == kMaxServers) entries_.erase(entries_.begin());
     entries_.push_back(std::move(entry));
   } catch (const std::bad_alloc&) {
-    // The server can do without, or asks for a new login.
+    // Without the token the server accepts the request or demands a new login.
   }
 }
 

@@ -1,5 +1,5 @@
-// What all calls over HTTP share: the transport's own parameters, which hosts set by name, and the
-// login tokens that servers handed out.
+// State of the HTTP transport: its parameters, which hosts set by name, and the login tokens that
+// servers issued.
 #pragma once
 
 #include <chrono>
@@ -15,35 +15,34 @@ namespace qv::wire {
 struct HttpSettings {
   std::string token;
   bool use_tls = false;
-  // Empty: the system's authorities.
+  // Empty for the system's authorities.
   std::string ca_file;
-  // Looking up the name, connecting and agreeing on TLS, together.
+  // For name lookup, connecting and the TLS handshake together.
   std::chrono::milliseconds connect_timeout{5000};
-  // How long a stretch without progress may be.
+  // The longest time without progress.
   std::chrono::milliseconds io_timeout{30000};
 };
 
-// The names and values are those of qvnetcall/transport/HttpParameters.h.
+// qvnetcall/transport/HttpParameters.h documents the names and values.
 class HttpParameters : public text::ParameterSet<HttpSettings> {
  public:
   HttpParameters();
 };
 
-// Each is for the server that it came from, which its address stands for, and for no other. A
-// bounded number of servers is remembered, those that handed one out last. Any thread may use it at
-// any time.
+// A token is sent only to the server that issued it, which is identified by its address. Tokens of
+// a bounded number of servers are kept, the most recent ones. Thread-safe.
 class LoginTokens {
  public:
   LoginTokens();
 
-  // Whether a text can be a login token: 1 to 255 visible ASCII characters.
+  // Returns true for 1 to 255 visible ASCII characters.
   [[nodiscard]] static bool IsToken(std::string_view text);
 
-  // A token that there is no memory for is forgotten.
+  // Does nothing if memory runs out.
   void Keep(const std::string& url, std::string_view token) noexcept;
-  // Empty when that server handed out none.
+  // Returns an empty text if that server has issued none.
   [[nodiscard]] std::string Of(const std::string& url) const;
-  // What any server handed out last; empty when none did.
+  // Returns the token that was issued last by any server, or an empty text.
   [[nodiscard]] std::string Last() const;
   void Clear();
 
@@ -54,7 +53,7 @@ class LoginTokens {
   };
 
   mutable std::mutex mutex_;
-  // In the order in which the tokens came.
+  // Ordered by the time at which the token was received.
   std::vector<Entry> entries_;
 };
 

@@ -9,7 +9,7 @@ namespace {
 constexpr const char* kTokenHeader = "Qv-Login-Token";
 constexpr const char* kCodingHeader = "Transfer-Encoding";
 
-// A header of the final answer; null when it has fewer than `index` + 1 of that name.
+// Returns a header of the final answer, or null if there are fewer than `index` + 1 of that name.
 const curl_header* Header(CURL* easy, const char* name, std::size_t index = 0) {
   curl_header* found = nullptr;
   const CURLHcode code = curl_easy_header(easy, name, index, CURLH_HEADER, -1, &found);
@@ -48,7 +48,7 @@ void HttpStream::SetUp(const HttpRequest& request) {
     transfer_.AddLine(CURLOPT_HTTPHEADER, line);
   };
   add_header("Content-Type: application/octet-stream");
-  // No round trip for the permission to send.
+  // Saves the round trip of asking for permission to send.
   add_header("Expect:");
   if (request.compress) add_header("Qv-Compress: 1");
   if (!request.login_token.empty()) {
@@ -86,17 +86,17 @@ FrameStatus HttpStream::End() {
 FrameStatus HttpStream::Failure() const {
   switch (transfer_.Outcome().value_or(CURLE_OPERATION_TIMEDOUT)) {
     case CURLE_OK:
-      // Without a length of its own a body is over when the connection is, for whatever reason.
+      // A body without a length ends with the connection, whatever the reason.
       return Header(connection_.Easy(), "Content-Length") ||
                      Header(connection_.Easy(), kCodingHeader)
                  ? FrameStatus::kMalformed
                  : FrameStatus::kConnectionLost;
     case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_WEIRD_SERVER_REPLY:
-    case CURLE_WRITE_ERROR:  // a line that was not taken
+    case CURLE_WRITE_ERROR:  // TakeLine refused a header, or there were too many
       return FrameStatus::kMalformed;
     case CURLE_OUT_OF_MEMORY:
-      // Also what libcurl says of a header line that is longer than it takes.
+      // libcurl also reports a header line that exceeds its limit in this way.
       return has_all_headers_ ? FrameStatus::kConnectionLost : FrameStatus::kMalformed;
     default:
       return FrameStatus::kConnectionLost;
@@ -125,7 +125,7 @@ bool HttpStream::TakeLine(std::span<const char> line) {
   const bool is_last = !line.empty() && (line[0] == '\r' || line[0] == '\n');
   if (!is_last || has_all_headers_) return true;
   const long status = transfer_.AnswerCode();
-  // What is only on the way to an answer; but after 101 another protocol would follow.
+  // Interim answers are skipped, except 101, which switches to another protocol.
   if (status >= 100 && status < 200 && status != 101) return true;
   has_all_headers_ = true;
   has_status_200_ = status == 200;
@@ -133,7 +133,7 @@ bool HttpStream::TakeLine(std::span<const char> line) {
 }
 
 bool HttpStream::IsFrameAhead() {
-  // Packed for the transfer, which nobody asked for, a little could become very much.
+  // Transfer compression was not requested, and could expand a small answer enormously.
   const curl_header* const coding = Header(connection_.Easy(), kCodingHeader);
   return coding == nullptr || (coding->amount == 1 && curl_strequal(coding->value, "chunked"));
 }

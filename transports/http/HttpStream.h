@@ -1,4 +1,4 @@
-// One HTTP exchange as a stream: what is written is the request's body, what is read the reply's.
+// One HTTP exchange as a stream: writes go to the request's body, reads come from the reply's.
 #pragma once
 
 #include <array>
@@ -15,19 +15,21 @@
 
 namespace qv::wire {
 
-// A connection to one server that is kept open between calls. One thread at a time. Destruction
-// closes.
+// A connection to one server that is kept open between calls. Use from one thread at a time. The
+// destructor closes it.
 class KeptConnection {
  public:
-  // Throws std::bad_alloc when there can be none.
+  // Throws std::bad_alloc if libcurl gives no handle.
   explicit KeptConnection(const std::string& url) : url_(url) {}
 
-  // The address that it is for.
+  // The address that the connection leads to.
   [[nodiscard]] const std::string& Server() const { return url_; }
-  // Whether the connection, if there is any yet, lies idle as it should. libcurl looks for one that
-  // was closed, but would take what a server sent unasked for the answer to the next request.
+  // Returns true if there is no connection yet, or if it is idle and nothing unread has arrived.
+  // libcurl notices a closed connection itself, but would take unsolicited bytes for the answer to
+  // the next request.
   [[nodiscard]] bool IsQuiet() const;
-  // To be called when an exchange is over and still set up: notes which connection is kept.
+  // Records which connection libcurl keeps. Call it after an exchange, before its stream is
+  // destroyed.
   void NoteConnection();
 
   [[nodiscard]] curl::CurlHandle& Handle() { return handle_; }
@@ -36,27 +38,27 @@ class KeptConnection {
  private:
   std::string url_;
   curl::CurlHandle handle_;
-  // The multi handle's; CURL_SOCKET_BAD when the server closed it.
+  // Owned by the multi handle. CURL_SOCKET_BAD if the server closed it.
   curl_socket_t socket_ = CURL_SOCKET_BAD;
 };
 
-// What a request says beside its body.
+// The properties of a request besides its body.
 struct HttpRequest {
-  // The bytes of the body.
+  // Length of the body in bytes.
   std::uint64_t length = 0;
-  // A login token for this server; may be empty.
+  // The login token for this server, or empty.
   std::string login_token;
-  // Whether packed answers are welcome.
+  // Whether the server may compress the answer.
   bool compress = false;
 };
 
-// libcurl runs the exchange on the caller's thread, and only inside Write, Read and End; between
-// them it is paused, so neither body is ever held in memory. All of the request is to be written
-// before anything is read. One thread at a time.
+// libcurl runs the exchange on the caller's thread, and only inside Write, Read and End. Between
+// them it is paused, so neither body is ever held in memory. Write the whole request before the
+// first Read. Use from one thread at a time.
 class HttpStream final : public ByteStream, private curl::Handler {
  public:
-  // Uses `connection` until it is destroyed; after anything but a kDone of End the connection is of
-  // no further use.
+  // Uses `connection` exclusively until destroyed. Reuse the connection only after End() returned
+  // kDone.
   HttpStream(KeptConnection& connection, const HttpSettings& settings, const HttpRequest& request);
   HttpStream(const HttpStream&) = delete;
   HttpStream& operator=(const HttpStream&) = delete;
@@ -65,13 +67,13 @@ class HttpStream final : public ByteStream, private curl::Handler {
   [[nodiscard]] bool Write(std::initializer_list<Bytes> pieces) override;
   [[nodiscard]] FrameStatus End() override;
 
-  // Whether a byte of the request may have reached the server.
+  // Returns true if a byte of the request may have reached the server.
   [[nodiscard]] bool HasBegun() const { return transfer_.HasBegun(); }
-  // After a Read or Write that failed: kMalformed when the server's answer is none that a frame
-  // could come in, or is over before its frame is; else kConnectionLost.
+  // The reason why Read or Write failed: kMalformed if the server's answer cannot carry a frame, or
+  // ended before its frame did; otherwise kConnectionLost.
   [[nodiscard]] FrameStatus Failure() const;
-  // What the server handed out with an answer of status 200; empty when it did not. Valid until
-  // destruction.
+  // The token that the server issued with an answer of status 200, or empty. Valid until this
+  // object is destroyed.
   [[nodiscard]] std::string_view LoginToken() const;
 
  private:
@@ -80,19 +82,19 @@ class HttpStream final : public ByteStream, private curl::Handler {
   curl::Next Send(std::span<char> room, std::size_t& count) override;
   bool TakeLine(std::span<const char> line) override;
   curl::Next TakeBody(std::span<const char> bytes) override;
-  // Whether the headers of the final answer announce a body that frames come in.
+  // Returns true if the headers of the final answer announce a body that can carry a frame.
   bool IsFrameAhead();
 
   KeptConnection& connection_;
   curl::Transfer transfer_;
 
-  // What is still to be taken by libcurl.
+  // The pieces that libcurl has not taken yet.
   std::vector<Bytes> pieces_;
   std::size_t next_piece_ = 0;
-  // Where the bytes that Read waits for go.
+  // Destination of the bytes that Read waits for.
   WritableBytes target_;
-  // What came with them and is for the next Read. Because receiving pauses while there is any, one
-  // helping is all that it ever holds.
+  // Bytes that arrived with them and belong to the next Read. Receiving is paused while there are
+  // any, so one delivery by libcurl is the most that they ever hold.
   std::array<unsigned char, CURL_MAX_WRITE_SIZE> surplus_;
   WritableBytes unread_;
 

@@ -11,7 +11,7 @@ namespace qv::wire {
 
 namespace {
 
-// Never destroyed: a host may still have threads in a call when its program ends.
+// Never destroyed, because threads of the host may still be in a call when the program ends.
 HttpTransport& SharedTransport() {
   static auto* const transport = new HttpTransport;
   return *transport;

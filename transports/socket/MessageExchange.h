@@ -1,4 +1,4 @@
-// A request on its way to the server, and the reply on its way back.
+// One call over a socket: sends the request and receives the reply.
 #pragma once
 
 #include "NetworkHealth.h"
@@ -10,7 +10,7 @@
 
 namespace qv::wire {
 
-// What the calls of a process share.
+// The state that all calls of a process share.
 struct Transport {
   SocketParameters parameters;
   IdlePool<SocketConnection> pool;
@@ -22,19 +22,20 @@ struct ProgressListener {
   void* context = nullptr;
 };
 
-// One call. The transport and the messages are the caller's and outlive it.
+// The transport and the messages belong to the caller and must outlive this object.
 class MessageExchange {
  public:
   MessageExchange(Transport& transport, Peer peer, const CMsgContent& request, CMsgContent& reply,
                   ProgressListener listener);
 
-  // Throws std::exception when memory or threads are short; Interrupted() is the result then.
+  // Returns the result of the call. Throws std::exception if memory or threads run out; the result
+  // is that of Interrupted() then.
   [[nodiscard]] int Run();
   [[nodiscard]] int Interrupted() const;
 
  private:
-  // Gets a connection and sends the request over it. A connection that failed before it took a byte
-  // is replaced once; after that nothing is ever sent again.
+  // Obtains a connection and sends the request. If a kept connection fails before it has taken a
+  // byte, a new one is tried once. Once a byte was written, nothing is sent again.
   [[nodiscard]] int Send(RequestFrame& frame);
   [[nodiscard]] FrameStatus SendOver(std::unique_ptr<SocketConnection> connection,
                                      RequestFrame& frame);

@@ -1,4 +1,4 @@
-// Whether the network is taken to be bad, so that the host works offline for a while.
+// Whether the network counts as bad, so that the host works offline for a while.
 #pragma once
 
 #include <atomic>
@@ -11,26 +11,28 @@
 
 namespace qv::wire {
 
-// Any thread may use it at any time.
+// Thread-safe.
 class NetworkHealth {
  public:
   [[nodiscard]] bool IsBad() const { return is_bad_; }
-  // A message was delivered.
+  // Reports that a message was delivered.
   void Delivered();
   void ConnectFailed(const Peer& peer);
   void Declare(bool bad);
-  // Names the server that a probe would go to.
+  // Sets the server that a probe would go to.
   void Remember(const Peer& peer);
 
-  // The right to try one probe of a bad network.
+  // Permission to probe a bad network once.
   struct Probe {
     Peer peer;
     std::uint64_t change;
   };
-  // Gives it at most once in `retry_after`, counted from when the network became bad or was probed
-  // last; nothing as well while the network is good or no server is known.
+  // Grants a probe at most once per `retry_after`, counted from the moment when the network became
+  // bad or was last probed. Returns nothing in between, and while the network is good or no server
+  // is known.
   [[nodiscard]] std::optional<Probe> ClaimProbe(std::chrono::milliseconds retry_after);
-  // The probe found the server. What was learned since it was claimed counts for more.
+  // Reports that the probe reached the server. Ignored if anything was reported since the probe was
+  // claimed.
   void ProbeSucceeded(const Probe& probe);
 
  private:
@@ -40,7 +42,7 @@ class NetworkHealth {
   std::mutex mutex_;
   Peer peer_;
   std::chrono::steady_clock::time_point last_attempt_;
-  // Counts what was said about the network.
+  // Incremented by every report about the network.
   std::uint64_t change_ = 0;
 };
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kProbeTimeout{1000};
 
-// Never destroyed: a host may still have threads in a call when its program ends.
+// Never destroyed, because threads of the host may still be in a call when the program ends.
 Transport& SharedTransport() {
   static auto* const transport = new Transport;
   return *transport;
@@ -35,7 +35,7 @@ int Deliver(const Peer& peer, const CMsgContent& request, CMsgContent& reply) {
   }
 }
 
-// Tries to reach the server again, when it is time for that.
+// Tries to reach the server again if a probe is due.
 void ProbeBadNetwork() {
   Transport& transport = SharedTransport();
   const SocketSettings settings = transport.parameters.Snapshot();
@@ -51,7 +51,7 @@ void ProbeBadNetwork() {
 
 extern "C" {
 
-// Everything is made when it is first needed.
+// Everything is created on first use.
 void NetworkTransInit() {}
 
 void NetworkTransFini() { qv::wire::SharedTransport().pool.Clear(); }
@@ -69,7 +69,7 @@ int NetworkIsBadState(int n) {
   try {
     if (n == 0 && qv::wire::SharedTransport().health.IsBad()) qv::wire::ProbeBadNetwork();
   } catch (const std::exception&) {
-    // Without memory or threads for a probe the network stays what it was.
+    // If memory or threads run out, the state of the network does not change.
   }
   return qv::wire::SharedTransport().health.IsBad() ? 1 : 0;
 }

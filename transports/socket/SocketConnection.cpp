@@ -27,14 +27,14 @@ Endpoints LookUp(const Peer& peer) {
   return {found.begin(), found.end()};
 }
 
-// The peer's addresses in the order in which to try them; none when it has none, or when they were
-// not known by `deadline`.
+// Returns the peer's addresses in the order in which to try them. Returns none if there are none,
+// or if the lookup takes longer than `deadline`.
 Endpoints Resolve(const Peer& peer, Clock::time_point deadline) {
   if (peer.server.empty() || peer.port == 0 || peer.port > 0xFFFF) return {};
   error_code not_numeric;
   const auto address = asio::ip::make_address(peer.server, not_numeric);
   if (!not_numeric) return {{address, static_cast<std::uint16_t>(peer.port)}};
-  // The system's lookup cannot be interrupted, so it gets a thread that can be left behind.
+  // The system's lookup cannot be interrupted, so it runs on a thread that can be abandoned.
   std::packaged_task<Endpoints()> lookup([peer] { return LookUp(peer); });
   std::future<Endpoints> found = lookup.get_future();
   std::thread(std::move(lookup)).detach();
@@ -56,7 +56,7 @@ std::vector<asio::const_buffer> Buffers(std::initializer_list<Bytes> pieces) {
   return buffers;
 }
 
-// Drops the first `count` bytes.
+// Removes the first `count` bytes.
 void Advance(std::vector<asio::const_buffer>& buffers, std::size_t count) {
   auto first = buffers.begin();
   for (; first != buffers.end() && count >= first->size(); ++first) count -= first->size();
@@ -81,7 +81,7 @@ bool SocketConnection::Connect(const tcp::endpoint& endpoint, Clock::time_point 
   socket_.async_connect(endpoint, [&](const error_code& error) { outcome = error; });
   if (!Finish(outcome, deadline)) return false;
   error_code error;
-  // A request is one write and then silence: nothing is gained by waiting for more of it.
+  // A request is a single write, so delaying it to collect more bytes gains nothing.
   socket_.set_option(tcp::no_delay(true), error);
   socket_.non_blocking(true, error);
   return !error;
@@ -134,7 +134,7 @@ bool SocketConnection::Finish(const std::optional<error_code>& outcome,
   context_.restart();
   context_.run_until(deadline);
   if (!outcome) {
-    // The handler still refers to the caller's variables: closing makes it run now.
+    // The handler still refers to the caller's variables. Closing the socket makes it run now.
     error_code ignored;
     socket_.close(ignored);
     context_.restart();

@@ -1,4 +1,4 @@
-// One connection to a server, with deadlines.
+// A connection to a server, with deadlines.
 #pragma once
 
 #include <boost/asio/io_context.hpp>
@@ -14,7 +14,7 @@
 
 namespace qv::wire {
 
-// A server as calls name it.
+// A server as the caller named it.
 struct Peer {
   std::string server;
   std::uint32_t port = 0;
@@ -22,18 +22,20 @@ struct Peer {
   bool operator==(const Peer&) const = default;
 };
 
-// One thread at a time. Destruction closes.
+// Use from one thread at a time. The destructor closes the connection.
 class SocketConnection final : public ByteStream {
  public:
-  // Looks the server up and tries its addresses, all within `timeout`. Null when none answered.
+  // Looks the server up and tries its addresses, all within `timeout`. Returns null if none
+  // answered.
   [[nodiscard]] static std::unique_ptr<SocketConnection> Open(const Peer& peer,
                                                               std::chrono::milliseconds timeout);
 
-  // Starts the next exchange; no stretch without progress in it may be longer than `io_timeout`.
+  // Starts the next exchange. `io_timeout` limits each period without progress.
   void Begin(std::chrono::milliseconds io_timeout);
-  // Whether a byte of this exchange was handed to the system, and so may reach the server.
+  // Returns true if a byte of this exchange was passed to the system and may reach the server.
   [[nodiscard]] bool HasWritten() const { return has_written_; }
-  // Whether the connection lies idle as it should: not closed by the server, and nothing unread.
+  // Returns true if the connection is still usable: the server has not closed it, and nothing
+  // unread has arrived.
   [[nodiscard]] bool IsQuiet();
   [[nodiscard]] const Peer& Server() const { return peer_; }
 
@@ -47,9 +49,9 @@ class SocketConnection final : public ByteStream {
 
   bool Connect(const boost::asio::ip::tcp::endpoint& endpoint,
                std::chrono::steady_clock::time_point deadline);
-  // Waits until the socket is ready. False when it is not within the deadline.
+  // Waits until the socket is ready. Returns false if the deadline passes first.
   bool WaitFor(Socket::wait_type readiness);
-  // Runs what was started until `outcome` is there; gives it up, and the socket, at `deadline`.
+  // Runs the operation that was started until `outcome` is set. Closes the socket at `deadline`.
   bool Finish(const std::optional<boost::system::error_code>& outcome,
               std::chrono::steady_clock::time_point deadline);
 

@@ -29,7 +29,7 @@ constexpr text::Parameter<Settings> kParameters[] = {
 
 constexpr std::size_t kLengthWord = 4;
 
-// Takes the next text off `fields`; an empty one when there is none.
+// Removes and returns the next text of `fields`, or an empty one if there is none.
 std::string TakeText(Bytes& fields) {
   if (fields.size() < CFIFOClass::kFieldOverhead) return {};
   const std::uint64_t length = LoadU32(fields.data());
