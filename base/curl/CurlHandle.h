@@ -1,4 +1,4 @@
-// A handle of libcurl, with the connection that it keeps open between requests.
+// A libcurl handle with the connection that it keeps open between requests.
 #pragma once
 
 #include <curl/curl.h>
@@ -7,10 +7,10 @@
 
 namespace qv::curl {
 
-// One thread at a time. Destruction closes.
+// Use from one thread at a time. The destructor closes the connection.
 class CurlHandle {
  public:
-  // The first one makes libcurl ready. Throws std::bad_alloc when there can be none.
+  // The first handle initializes libcurl. Throws std::bad_alloc if libcurl gives none.
   CurlHandle();
 
   [[nodiscard]] CURL* Easy() const { return easy_.get(); }
@@ -25,7 +25,7 @@ class CurlHandle {
     }
   };
 
-  // Owns the connection, so it outlives the transfer.
+  // Owns the connection, so it must outlive the transfer.
   std::unique_ptr<CURLM, Free<curl_multi_cleanup>> multi_;
   std::unique_ptr<CURL, Free<curl_easy_cleanup>> easy_;
 };

@@ -7,7 +7,7 @@ namespace qv::curl {
 
 namespace {
 
-// All lines together with which a server answers one request.
+// Limit for all lines together with which a server answers one request.
 constexpr std::size_t kMaxLineBytes = 64U << 10;
 constexpr std::chrono::milliseconds kShortestWait{1};
 constexpr std::chrono::milliseconds kLongestWait{100};
@@ -23,9 +23,9 @@ Transfer::Transfer(CurlHandle& handle, Handler& handler, const Deadlines& deadli
       handler_(handler),
       deadlines_(deadlines),
       sending_(sending) {
-  // The connection stays, which is what the handle is kept for.
+  // The connection stays open, which is the purpose of the handle.
   curl_easy_reset(easy_);
-  // A host may have signal handlers of its own, and a slow name lookup is left behind.
+  // A host may have signal handlers of its own, and a slow name lookup must not be waited for.
   Set(CURLOPT_NOSIGNAL, 1L);
   Set(CURLOPT_QUICK_EXIT, 1L);
   Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(deadlines_.connect.count()));
@@ -35,13 +35,13 @@ Transfer::Transfer(CurlHandle& handle, Handler& handler, const Deadlines& deadli
 
 Transfer::~Transfer() {
   if (is_added_) curl_multi_remove_handle(handle_.Multi(), easy_);
-  // The options still point to members.
+  // The options still refer to members.
   curl_easy_reset(easy_);
 }
 
 void Transfer::SetUpTrust(const std::string& ca_file) {
-  // The server is the company's own: what the environment says about proxies is meant for the web,
-  // and would show passwords and files to another machine.
+  // The server is the company's own. Proxy settings in the environment are meant for the web, and
+  // would expose passwords and files to another machine.
   Set(CURLOPT_FOLLOWLOCATION, 0L);
   Set(CURLOPT_PROXY, "");
   Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
@@ -163,8 +163,8 @@ std::size_t Transfer::OnBody(char* bytes, std::size_t size, std::size_t count,
   return next == Next::kGoOn ? size * count : 0;
 }
 
-// libcurl asks whenever it is driven, whatever happens, and while it waits by itself, as it does
-// for the last words of some servers.
+// libcurl calls this whenever it is driven, and also while it waits by itself, as it does for the
+// final answer of an FTP server.
 int Transfer::OnProgress(void* self, curl_off_t to_receive, curl_off_t received, curl_off_t,
                          curl_off_t sent) noexcept {
   auto& transfer = *static_cast<Transfer*>(self);
@@ -210,8 +210,8 @@ void Transfer::Perform() {
   if (thrown_) std::rethrow_exception(thrown_);
 }
 
-// In short steps at first: an answer may have come before libcurl looked for one, and then it has
-// nothing to wait for.
+// Waits in short steps at first, because an answer may have arrived before libcurl looked for it,
+// so that nothing would end a longer wait.
 void Transfer::Wait() {
   if (outcome_) return;
   int ready = 0;

@@ -16,31 +16,32 @@
 
 namespace qv::curl {
 
-// What the owner of a transfer answers when it is handed bytes, or asked for some.
+// What a handler answers when it is given bytes or asked for some.
 enum class Next { kGoOn, kPause, kFail };
 
-// Bytes of bodies that were moved so far.
+// The number of bytes of the bodies that were moved so far.
 struct Progress {
   std::uint64_t sent = 0;
   std::uint64_t received = 0;
-  std::uint64_t to_receive = 0;  // in all; 0 if unknown
+  std::uint64_t to_receive = 0;  // total; 0 if unknown
 };
 
-// What the owner of a transfer does with its bytes. Only called while Transfer::RunUntil runs, on
-// the same thread. An exception ends the transfer and leaves RunUntil.
+// Handles the bytes of a transfer. Only called by Transfer::RunUntil, on its thread. An exception
+// ends the transfer and is passed on by RunUntil.
 class Handler {
  public:
-  // Puts the next bytes of the request's body into `room` and their number into `count`; none are
-  // the end of the body. kPause holds the body back until the next RunUntil.
+  // Puts the next bytes of the request's body into `room` and their number into `count`, which is 0
+  // at first and stays 0 at the end. kPause suspends sending until the next RunUntil.
   virtual Next Send(std::span<char> room, std::size_t& count) = 0;
-  // Makes the next Send begin `offset` bytes after the beginning of the body.
+  // Makes the next Send start `offset` bytes after the beginning of the body. Returns false if that
+  // is impossible.
   virtual bool Rewind(std::uint64_t) { return false; }
-  // Takes a line that the server sends apart from a body. False ends the transfer.
+  // Takes a line that the server sends outside a body. Returning false ends the transfer.
   virtual bool TakeLine(std::span<const char>) { return true; }
-  // Takes bytes of the answer's body, all or none. kPause has them offered again in the next
-  // RunUntil.
+  // Takes bytes of the answer's body, all or none. After kPause, the same bytes are offered again
+  // in the next RunUntil.
   virtual Next TakeBody(std::span<const char> bytes) = 0;
-  // Asked several times a second. False ends the transfer.
+  // Called several times per second. Returning false ends the transfer.
   virtual bool GoesOn(const Progress&) { return true; }
 
  protected:
@@ -48,23 +49,23 @@ class Handler {
 };
 
 struct Deadlines {
-  // For looking up the name, connecting and agreeing on TLS, together.
+  // For name lookup, connecting and the TLS handshake together.
   std::chrono::milliseconds connect;
-  // For every stretch in which nothing is moved.
+  // For each period in which nothing is moved.
   std::chrono::milliseconds progress;
 };
 
-// The constructor sets up what every transfer has in common: deadlines, trust, and nothing from the
-// environment. A name lookup that hangs is left behind, on a thread of its own. One thread at a
-// time.
+// The constructor sets what all transfers have in common: deadlines, the verification of
+// certificates, and no settings from the environment. A name lookup that hangs is abandoned;
+// libcurl runs it on a thread of its own. Use from one thread at a time.
 class Transfer {
  public:
-  // If the server closes a kept connection under a request, libcurl connects and sends it again;
-  // kOnce forbids that, for requests that the server may have acted on.
+  // If the server closes a kept connection under a request, libcurl would connect again and repeat
+  // the request. kOnce forbids that, because the server may have acted on it.
   enum class Sending { kOnce, kAgain };
 
-  // Uses `handle` and `handler` until it is destroyed; the handle has no options then. Certificates
-  // are verified by the authorities in `ca_file` (in PEM; empty: the system's).
+  // Uses `handle` and `handler` until destroyed, and leaves the handle without options. `ca_file`
+  // holds the authorities for certificates in PEM; empty for those of the system.
   Transfer(CurlHandle& handle, Handler& handler, const Deadlines& deadlines,
            const std::string& ca_file, Sending sending);
   ~Transfer();
@@ -77,14 +78,14 @@ class Transfer {
     const CURLcode set = curl_easy_setopt(easy_, option, value);
     if (set_up_ == CURLE_OK) set_up_ = set;
   }
-  // Adds a line to an option that takes a list; one such option per transfer.
+  // Adds a line to an option that takes a list. A transfer can have one such option.
   void AddLine(CURLoption option, const std::string& line);
-  // Returns whether every option was taken. A text can be longer than libcurl takes.
+  // Returns false if an option was refused, as libcurl refuses very long texts.
   [[nodiscard]] bool IsSetUp() const { return set_up_ == CURLE_OK; }
 
-  // Runs the transfer, or goes on with it, until `is_done` holds; between calls it is paused as far
-  // as the handler asked for it. Returns false if it ended or stood still before that. Throws
-  // std::bad_alloc, and what the handler throws.
+  // Starts or resumes the transfer and runs it until `is_done` returns true. Returns false if the
+  // transfer ended before that; Outcome() tells how. Throws std::bad_alloc and whatever the handler
+  // throws.
   template <class Condition>
   bool RunUntil(const Condition& is_done) {
     if (is_done()) return true;
@@ -95,12 +96,13 @@ class Transfer {
     return false;
   }
 
-  // Whether a server stood ready for the request, so that a byte of it may have arrived.
+  // Returns true if a server was ready for the request, so that it may have received a byte.
   [[nodiscard]] bool HasBegun() const { return attempts_ != 0; }
-  // How the transfer ended; nothing while it has not. A deadline that passed, and a handler that
-  // ended it, are CURLE_ABORTED_BY_CALLBACK or CURLE_WRITE_ERROR.
+  // How the transfer ended, or nothing while it has not. A deadline that passed is
+  // CURLE_ABORTED_BY_CALLBACK or CURLE_OPERATION_TIMEDOUT. If the handler ended it, this is
+  // CURLE_ABORTED_BY_CALLBACK or CURLE_WRITE_ERROR.
   [[nodiscard]] std::optional<CURLcode> Outcome() const { return outcome_; }
-  // The code that the server answered with in its protocol; 0 if there was none.
+  // The status code of the last answer in the protocol of the server, or 0.
   [[nodiscard]] long AnswerCode() const;
 
  private:
@@ -109,7 +111,7 @@ class Transfer {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
   };
 
-  // What libcurl calls; `self` is the transfer.
+  // Callbacks of libcurl; `self` is the transfer.
   static int OnLookup(void*, void*, void* self) noexcept;
   static int OnSocket(void* self, curl_socket_t, curlsocktype purpose) noexcept;
   static int OnReady(void* self, char*, char*, int, int) noexcept;
@@ -123,7 +125,7 @@ class Transfer {
   void SetUpTrust(const std::string& ca_file);
   void SetUpCallbacks();
   void BeginToConnect();
-  // Has the handler act; false if it threw.
+  // Calls `act` with the handler. Returns false if it threw.
   template <class Act>
   bool Try(const Act& act) noexcept;
   [[nodiscard]] bool IsInTime(std::uint64_t moved);

@@ -1,4 +1,4 @@
-// A transport's parameters: settings that hosts read and write by name.
+// Parameters: settings that hosts read and write by name, as texts.
 #pragma once
 
 #include <algorithm>
@@ -11,19 +11,19 @@
 
 namespace qv::text {
 
-// The longest text that a parameter can have.
+// The longest value of a text parameter, in bytes.
 inline constexpr std::size_t kLongestParameter = 4096;
 
-// Each gives false, and leaves `target` alone, for a value that it cannot have.
+// Each returns false, and leaves `target` unchanged, if `value` is not allowed.
 
-// 1 to 3600000, in decimal digits and nothing else.
+// Allows 1 to 3600000, in decimal digits.
 [[nodiscard]] bool SetMilliseconds(std::chrono::milliseconds& target, const std::string& value);
-// At most kLongestParameter bytes.
+// Allows at most kLongestParameter bytes.
 [[nodiscard]] bool SetText(std::string& target, const std::string& value);
-// "0" or "1".
+// Allows "0" and "1".
 [[nodiscard]] bool SetSwitch(bool& target, const std::string& value);
 
-// One name, and how its text becomes a member of `Settings` and back.
+// The name of a parameter, and how a member of `Settings` is converted to text and back.
 template <class Settings>
 struct Parameter {
   const char* name;
@@ -49,14 +49,14 @@ constexpr Parameter<Settings> SwitchParameter(const char* name) {
           [](Settings& to, const std::string& v) { return SetSwitch(to.*kMember, v); }};
 }
 
-// Any thread may use it at any time.
+// Thread-safe.
 template <class Settings>
 class ParameterSet {
  public:
-  // `table` outlives the set.
+  // `table` must outlive the set.
   explicit ParameterSet(std::span<const Parameter<Settings>> table) : table_(table) {}
 
-  // Nothing for an unknown name.
+  // Returns nothing for an unknown name.
   [[nodiscard]] std::optional<std::string> Get(const std::string& name) const {
     const Parameter<Settings>* const parameter = Find(name);
     if (parameter == nullptr) return std::nullopt;
@@ -64,7 +64,7 @@ class ParameterSet {
     return parameter->get(settings_);
   }
 
-  // False, and no change, for an unknown name or a value that it cannot have.
+  // Returns false, and changes nothing, for an unknown name or a value that is not allowed.
   [[nodiscard]] bool Set(const std::string& name, const std::string& value) {
     const Parameter<Settings>* const parameter = Find(name);
     if (parameter == nullptr) return false;
@@ -72,7 +72,7 @@ class ParameterSet {
     return parameter->set(settings_, value);
   }
 
-  // The values as one exchange uses them.
+  // A copy of the values, for one exchange.
   [[nodiscard]] Settings Snapshot() const {
     const std::lock_guard lock(mutex_);
     return settings_;

@@ -11,8 +11,8 @@ namespace qv::components {
 
 namespace {
 
-// What a server may say of all folders together before it is taken for one that means no good. The
-// names in a folder are kept while those below it are listed.
+// Limits for the listings of all folders together; a server that exceeds them is considered
+// hostile. The names in a folder stay in memory while the folders below it are listed.
 constexpr std::size_t kMostListed = 128U << 20;
 constexpr std::size_t kMostEntries = 1'000'000;
 constexpr int kDeepest = 64;
@@ -35,7 +35,7 @@ class ListingText final : public BodySink {
 
 bool IsDots(std::string_view name) { return name == "." || name == ".."; }
 
-// Whether a path stays below where it begins, and is more than that.
+// Returns true if a path names something below its start: it has a name, and no "." or "..".
 bool IsProperFolder(std::string_view path) {
   bool has_name = false;
   while (!path.empty()) {
@@ -48,19 +48,19 @@ bool IsProperFolder(std::string_view path) {
   return has_name;
 }
 
-// The name that follows the facts. Nothing when there are none.
+// Returns the name that follows the facts, or nothing if there are none.
 std::optional<std::string_view> BehindFacts(std::string_view line) {
   const std::size_t blank = line.find(' ');
   if (blank == std::string_view::npos) return std::nullopt;
   const std::string_view facts = line.substr(0, blank);
-  // The folder itself and the one above, which may go by any name.
+  // The folder itself and the one above may have any name in such a line.
   for (const char* const kind : {"type=cdir;", "type=pdir;"}) {
     if (text::FindIgnoringCase(facts, kind) != facts.npos) return ".";
   }
   return line.substr(blank + 1);
 }
 
-// What follows the last slash: some servers put the folder before each name.
+// Returns what follows the last slash, since some servers put the folder before each name.
 std::string_view LastStep(std::string_view line) { return line.substr(line.rfind('/') + 1); }
 
 class Removal {
@@ -79,8 +79,8 @@ class Removal {
   }
 
  private:
-  // As a file first, whatever the listing says: a link to a folder is one to this command, and a
-  // folder to all others.
+  // Tries to delete it as a file first, whatever the listing says: DELE removes a link to a folder,
+  // while all other commands follow it.
   QvTransferResult RemoveEntry(const std::string& path, int depth) {
     const QvTransferResult result = session_.Command("DELE " + path).result;
     if (result != QvTransfer_Refused) return result;
@@ -95,7 +95,7 @@ class Removal {
       if (answer.result != QvTransfer_Refused || !is_unknown) return answer.result;
     }
     const FtpAnswer answer = Listing(folder, "NLST", names);
-    // So some servers say that there is nothing in it.
+    // Some servers report an empty folder in this way.
     const bool is_empty = answer.code == 550 && answer.result == QvTransfer_Refused;
     return is_empty ? QvTransfer_Success : answer.result;
   }

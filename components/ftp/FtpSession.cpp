@@ -16,16 +16,16 @@ constexpr std::string_view kPlain = "ftp://";
 constexpr std::string_view kSecure = "ftpes://";
 constexpr std::uint16_t kUsualPort = 21;
 
-// So many stretches without progress are what a listing may take in all.
+// The time limit of a listing, in multiples of the time limit without progress.
 constexpr int kListingPatience = 20;
 
-// What a server's refusal of a command means.
+// Returns the result for an error code of the server.
 QvTransferResult Refusal(long code) {
   switch (code) {
-    case 421:  // it closes the connection
+    case 421:  // the server closes the connection
     case 425:  // no data connection
     case 426:  // the data connection broke
-    case 451:  // a mishap of its own
+    case 451:  // a local error of the server
       return QvTransfer_Broken;
     default:
       return QvTransfer_Refused;
@@ -47,10 +47,10 @@ QvTransferResult Judge(const CurlRequest& request, QvTransferResult result) {
     case CURLE_REMOTE_DISK_FULL:
       return QvTransfer_Refused;
     case CURLE_PARTIAL_FILE:
-    // Over TLS this is also what becomes of a transfer that the server refuses.
+    // Over TLS, a transfer that the server refuses ends in this way as well.
     case CURLE_FTP_WEIRD_PASV_REPLY:
       return code >= 400 ? Refusal(code) : result;
-    // The file is not what it was, so the next try begins anew.
+    // The file has changed, so the next attempt starts over.
     case CURLE_BAD_DOWNLOAD_RESUME:
     case CURLE_FTP_COULDNT_USE_REST:
       return QvTransfer_Broken;
@@ -59,8 +59,8 @@ QvTransferResult Judge(const CurlRequest& request, QvTransferResult result) {
   }
 }
 
-// Whether the next answer is sure to be that to the next command. After a data connection that did
-// not come about, or was given up, it may still be one to a command before.
+// Returns true if the next answer certainly belongs to the next command. After a data connection
+// that failed or was aborted, it may still belong to an earlier command.
 bool LeavesOrder(CURLcode code) {
   switch (code) {
     case CURLE_OK:
@@ -110,8 +110,8 @@ void FtpSession::Add(FtpServer server) { servers_.push_back(std::move(server)); 
 void FtpSession::Quit() noexcept {
   try {
     if (is_open_) {
-      // The farewell is libcurl's when it closes the connection. Left to the end of the handle, it
-      // would wait for the server's answer beyond every deadline.
+      // libcurl sends QUIT when it closes the connection. If that were left to the destructor of
+      // the handle, it would wait for the answer without any deadline.
       CurlRequest request(handle_, settings_);
       SetUp(request, "/");
       request.Set(CURLOPT_NOBODY, 1L);
@@ -120,7 +120,7 @@ void FtpSession::Quit() noexcept {
       static_cast<void>(request.Perform());
     }
   } catch (const std::bad_alloc&) {
-    // The server notices by itself.
+    // The server notices the end of the connection.
   }
   is_open_ = false;
   servers_.clear();
@@ -141,7 +141,7 @@ QvTransferResult FtpSession::LogInto(std::size_t server) {
   CurlRequest request(handle_, settings_);
   SetUp(request, "/");
   request.Set(CURLOPT_NOBODY, 1L);
-  // One that was kept is only in doubt, and closed when this one takes its place.
+  // The state of a kept connection is uncertain. It is closed when this one replaces it.
   request.Set(CURLOPT_FRESH_CONNECT, 1L);
   const QvTransferResult result = request.Perform();
   is_open_ = result == QvTransfer_Success;
@@ -162,7 +162,7 @@ void FtpSession::SetUp(CurlRequest& request, const std::string& path) const {
   request.Set(CURLOPT_URL, (server.url + '/' + text::PercentEncoded(path, "/")).c_str());
   request.Set(CURLOPT_PATH_AS_IS, 1L);
   request.Set(CURLOPT_PROTOCOLS_STR, "ftp");
-  // Whole paths in every command, so that nothing depends on the folder that the server is in.
+  // Uses whole paths in every command, so that nothing depends on the current folder of the server.
   request.Set(CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_NOCWD));
   if (!server.user.empty()) {
     request.Set(CURLOPT_USERNAME, server.user.c_str());
@@ -171,19 +171,21 @@ void FtpSession::SetUp(CurlRequest& request, const std::string& path) const {
   if (server.has_tls) {
     request.Set(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
     request.Set(CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
-    // Later versions let a server speak up after the greeting. When that meets a data connection
-    // which is closed already, the end of an upload is lost, and neither side learns of it.
+    // With later versions, a server sends session tickets after the handshake. If the data
+    // connection is already closed then, the end of an upload is lost without an error on either
+    // side.
     constexpr long kLowest = CURL_SSLVERSION_TLSv1_2;
     constexpr long kHighest = CURL_SSLVERSION_MAX_TLSv1_2;
     request.Set(CURLOPT_SSLVERSION, kLowest | kHighest);
   }
-  // A data connection to the server that was logged into, whatever address it names.
+  // Opens data connections to the server of the login, whatever address it announces.
   request.Set(CURLOPT_FTP_SKIP_PASV_IP, 1L);
-  // libcurl 7.88 agrees on no TLS over those that come from the server, and sends files readably.
+  // libcurl 7.88 negotiates no TLS on connections that the server opens, and would send files
+  // unencrypted.
   if (!is_passive_ && !server.has_tls) request.Set(CURLOPT_FTPPORT, "-");
   const auto connecting = static_cast<long>(settings_.connect_timeout.count());
   const auto waiting = static_cast<long>(settings_.io_timeout.count());
-  // To libcurl, logging in is part of connecting.
+  // libcurl counts the login as part of connecting.
   request.Set(CURLOPT_CONNECTTIMEOUT_MS, connecting + waiting);
   request.Set(CURLOPT_ACCEPTTIMEOUT_MS, connecting);
   request.Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, waiting / 1000 + 1);
@@ -191,7 +193,7 @@ void FtpSession::SetUp(CurlRequest& request, const std::string& path) const {
 
 QvTransferResult FtpSession::Perform(CurlRequest& request) {
   QvTransferResult result = Judge(request, request.Perform());
-  // The server was there a moment ago.
+  // The server was reachable a moment ago.
   if (result == QvTransfer_CannotConnect) result = QvTransfer_Broken;
   is_open_ = LeavesOrder(request.Code()) && result != QvTransfer_Broken;
   return result;
@@ -246,7 +248,7 @@ QvTransferResult FtpSession::Put(const FtpTransfer& transfer, BodySource& source
   request.Set(CURLOPT_UPLOAD, 1L);
   request.Set(CURLOPT_TRANSFERTEXT, transfer.is_text ? 1L : 0L);
   request.Set(CURLOPT_CRLF, transfer.is_text ? 1L : 0L);
-  // Text grows on its way.
+  // Converted text may be longer than the file.
   const auto size = transfer.is_text ? curl_off_t{-1} : static_cast<curl_off_t>(transfer.size);
   request.Set(CURLOPT_INFILESIZE_LARGE, size);
   request.Set(CURLOPT_RESUME_FROM_LARGE, static_cast<curl_off_t>(transfer.offset));
@@ -261,7 +263,7 @@ FtpAnswer FtpSession::Command(const std::string& line) {
   CurlRequest request(handle_, settings_);
   SetUp(request, "/");
   request.Set(CURLOPT_NOBODY, 1L);
-  // The star keeps libcurl from closing the connection when the command is refused.
+  // The asterisk keeps libcurl from closing the connection if the command is refused.
   request.AddLine(CURLOPT_QUOTE, '*' + line);
   const QvTransferResult result = Perform(request);
   if (result != QvTransfer_Success) return {result, 0};
@@ -277,7 +279,7 @@ FtpAnswer FtpSession::List(const std::string& folder, const char* command, BodyS
   if (reached != QvTransfer_Success) return {reached, 0};
   CurlRequest request(handle_, settings_);
   SetUp(request, folder.ends_with('/') ? folder : folder + '/');
-  // Names with blanks or stars are safer in the command for the folder than in that for a listing.
+  // Names with blanks or asterisks are safer in CWD than in the listing command.
   request.Set(CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_SINGLECWD));
   request.Set(CURLOPT_CUSTOMREQUEST, command);
   const auto deadline = kListingPatience * settings_.io_timeout;
@@ -286,7 +288,7 @@ FtpAnswer FtpSession::List(const std::string& folder, const char* command, BodyS
   const QvTransferResult result = Perform(request);
   const long code = request.AnswerCode();
   if (code != 550) return {result, code};
-  // Said of the folder, or only of the listing.
+  // The error is about the folder or only about the listing.
   const bool is_folder = request.Code() == CURLE_FTP_COULDNT_RETR_FILE;
   return {is_folder ? QvTransfer_Refused : QvTransfer_NotFound, code};
 }

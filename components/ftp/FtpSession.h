@@ -1,4 +1,4 @@
-// The connection to a server, and the single steps that are taken over it.
+// A session with an FTP server, and the single operations in it.
 #pragma once
 
 #include <cstdint>
@@ -11,47 +11,46 @@
 
 namespace qv::components {
 
-// A server that files are moved to and from.
+// An FTP server and how to log into it.
 struct FtpServer {
   std::string url;  // without a path
   bool has_tls = false;
-  std::string user;  // empty: whoever may come without a name
+  std::string user;  // empty for an anonymous login
   std::string password;
 };
 
-// `host` is a name or an address, before which "ftp://" may stand, or "ftpes://" for TLS; port 0 is
-// the usual one. Nothing when a text cannot be what it is for.
+// Parses a server. `host` is a name or an address, optionally after "ftp://", or after "ftpes://"
+// for TLS. Port 0 is the default port. Returns nothing if a text is invalid.
 [[nodiscard]] std::optional<FtpServer> MakeFtpServer(std::string_view host, std::uint16_t port,
                                                      std::string_view user,
                                                      std::string_view password);
 
-// What a server says of a file; nothing where it does not.
+// What a server reports about a file. Members that it does not report are empty.
 struct FtpFileState {
   QvTransferResult result = QvTransfer_Success;
   std::optional<std::uint64_t> size;
   std::optional<std::int64_t> written;  // seconds since 1970
 
-  // Differs when the file does; empty when that cannot be told.
+  // Returns a text that changes with the file, or an empty text if the server reports too little.
   [[nodiscard]] std::string Tag() const;
 };
 
-// How the server answered one command. The code is 0 when it did not.
+// The answer to one command. The code is 0 if there was none.
 struct FtpAnswer {
   QvTransferResult result = QvTransfer_Success;
   long code = 0;
 };
 
-// How a file is moved.
+// The parameters of a transfer.
 struct FtpTransfer {
   std::string path;
-  std::uint64_t offset = 0;  // where in the file it begins
-  std::uint64_t size = 0;    // of the file when it is uploaded
-  bool is_text = false;      // lines end as each side ends them
+  std::uint64_t offset = 0;  // position in the file at which it starts
+  std::uint64_t size = 0;    // size of an uploaded file
+  bool is_text = false;      // convert line ends
 };
 
-// One thread. Paths are the server's, absolute and without control characters. But for Open, Add,
-// Quit and Reach, everything wants a Reach that succeeded before it, since the last Broken at
-// least.
+// Use from one thread. Paths are absolute server paths without control characters. Call Reach()
+// successfully first, and again after any QvTransfer_Broken. Exempt: Open, Add, Quit.
 class FtpSession {
  public:
   explicit FtpSession(const TransferSettings& settings);
@@ -59,27 +58,28 @@ class FtpSession {
   FtpSession(const FtpSession&) = delete;
   FtpSession& operator=(const FtpSession&) = delete;
 
-  // Logs into this server, and forgets the others; when it does not succeed, this one too.
+  // Logs into this server and forgets all others. If that fails, forgets this one as well.
   [[nodiscard]] QvTransferResult Open(FtpServer server);
-  // One more server, for when those before it cannot be reached.
+  // Adds a server that is tried if those before it cannot be reached.
   void Add(FtpServer server);
   // Logs out and forgets all servers.
   void Quit() noexcept;
-  // Whether data connections are made from here (else from the server). With TLS they always are.
+  // Sets whether data connections are opened from here or by the server. With TLS they are always
+  // opened from here.
   void SetPassive(bool is_passive) { is_passive_ = is_passive; }
 
-  // Sees to it that a server is there and logged into.
+  // Connects and logs in unless the session is open already.
   [[nodiscard]] QvTransferResult Reach();
-  // A path as it is from the server's root; others begin where the login led.
+  // Returns `path` as an absolute path. A relative path starts at the login folder.
   [[nodiscard]] std::string Absolute(const std::string& path) const;
 
   [[nodiscard]] FtpFileState Look(const std::string& path);
   [[nodiscard]] FtpFileState Get(const FtpTransfer& transfer, BodySink& sink, TransferMeter& meter);
   [[nodiscard]] QvTransferResult Put(const FtpTransfer& transfer, BodySource& source,
                                      TransferMeter& meter);
-  // Sends a command as it stands.
+  // Sends a command unchanged.
   [[nodiscard]] FtpAnswer Command(const std::string& line);
-  // Sends the command for a listing of a folder; NotFound when there is no such folder.
+  // Sends a listing command for a folder. Returns NotFound if the folder does not exist.
   [[nodiscard]] FtpAnswer List(const std::string& folder, const char* command, BodySink& sink);
 
  private:

@@ -10,10 +10,11 @@ namespace qv::components {
 
 namespace {
 
-// Of the end of a part, with what the server has there.
+// The number of bytes at the end of a part that are compared with the server's file before it is
+// resumed.
 constexpr std::size_t kCompared = 16U << 10;
 
-// What a later try can go on after.
+// Returns true if a later attempt can resume after this result.
 bool IsWorthKeeping(QvTransferResult result) {
   return result == QvTransfer_Broken || result == QvTransfer_CannotConnect ||
          result == QvTransfer_Stopped;
@@ -21,16 +22,17 @@ bool IsWorthKeeping(QvTransferResult result) {
 
 std::string UniqueName() { return platform::NewGuid().substr(1, 36); }
 
-// With the slash at its end.
+// Returns the folder with a slash at the end.
 std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
 
-// Beside `path`. Not hidden: some servers refuse names that begin with a dot.
+// Returns a unique path beside `path`. The name does not start with a dot, since some servers
+// refuse such names.
 std::string PartBeside(const std::string& path) {
   return FolderOf(path) + "qv-" + UniqueName() + ".part";
 }
 
-// Lets a download go on with a part only if the server begins with what the part ends with. There
-// are servers that promise to begin there, and begin anew.
+// Resumes a part only if the server starts with the bytes that the part ends with. Some servers
+// accept the position and start at the beginning anyway.
 class ContinuedTarget final : public BodySink {
  public:
   ContinuedTarget(LocalTarget& target, std::string tail)
@@ -51,7 +53,7 @@ class ContinuedTarget final : public BodySink {
   bool has_differed_ = false;
 };
 
-// One of the two ways that a copied file goes.
+// Maps the progress of one half of a copy, the download or the upload, to the whole.
 class HalfWay final : public TransferMeter {
  public:
   HalfWay(TransferMeter& whole, bool is_second) : whole_(whole), is_second_(is_second) {}
@@ -65,7 +67,7 @@ class HalfWay final : public TransferMeter {
   bool is_second_;
 };
 
-// A file of the system's temporary folder that goes with this object.
+// A file in the system's temporary folder that is removed with this object.
 struct ScratchFile {
   const std::string path = platform::TempFolder() + "qv-" + UniqueName() + ".copy";
 
@@ -115,11 +117,11 @@ QvTransferResult FtpStore::FillPart(LocalSource& source, bool is_text, Resume& r
   resume.tag = source.State();
   QvTransferResult result = QvTransfer_Success;
   if (transfer.offset == 0 || transfer.offset < transfer.size) {
-    // To be refused is dear over TLS, where it costs the connection.
+    // Over TLS, a refused upload costs the connection.
     const bool is_new = !folders_.contains(FolderOf(resume.part));
     if (is_new && transfer.offset == 0) static_cast<void>(MakeFolders(resume.part));
     result = session_.Put(transfer, source, meter);
-    // Somebody may have removed the folder meanwhile.
+    // The folder may have been removed in the meantime.
     const bool is_refused = result == QvTransfer_Refused && !is_new && transfer.offset == 0;
     if (is_refused && MakeFolders(resume.part)) result = session_.Put(transfer, source, meter);
   }
@@ -128,8 +130,7 @@ QvTransferResult FtpStore::FillPart(LocalSource& source, bool is_text, Resume& r
   if (IsWorthKeeping(part.result)) return part.result;
   if (part.result != QvTransfer_Success) return QvTransfer_BadAnswer;
   if (!part.size || *part.size == source.Size()) return QvTransfer_Success;
-  // A part that is too short is gone on with. Of one that is too long, or that the server should
-  // have appended to, nothing can be said.
+  // Too short: resume it. Too long, or a failed append: its content is unknown, so start over.
   if (*part.size > source.Size() || transfer.offset != 0) resume.tag.clear();
   return QvTransfer_Broken;
 }
@@ -144,8 +145,8 @@ bool FtpStore::MakeFolders(const std::string& path) {
   return is_any_new;
 }
 
-// Servers differ in whether a name that is taken is replaced. What has it is moved out of the way,
-// not deleted, since the server may have refused for another reason. Only a file has a size.
+// Not every server replaces an existing file. The old file is moved aside, not deleted, since the
+// server may have refused for another reason. Only files have a size.
 QvTransferResult FtpStore::Replace(const std::string& from, const std::string& to) {
   const QvTransferResult result = Rename(from, to);
   if (result != QvTransfer_Refused) return result;

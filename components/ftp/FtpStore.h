@@ -11,22 +11,23 @@
 
 namespace qv::components {
 
-// Uploads are written beside their place on the server, under a name that nobody else uses, and
-// renamed when they are whole.
+// Uploads are written beside their target on the server, under a unique name, and renamed when they
+// are complete.
 class FtpStore final : public RemoteStore {
  public:
   explicit FtpStore(const TransferSettings& settings) : session_(settings) {}
 
   [[nodiscard]] FtpSession& Session() { return session_; }
-  // Lines of uploads and downloads end as each side ends them; there is no going on with a broken
-  // one then, since no size means anything.
+  // Converts line ends in uploads and downloads. Interrupted transfers cannot be resumed then,
+  // because sizes do not match.
   void SetText(bool is_text) { is_text_ = is_text; }
 
   QvTransferResult Upload(const std::string& local, const std::string& remote, Resume& resume,
                           TransferMeter& meter) override;
   QvTransferResult Download(const std::string& remote, const std::string& local, Resume& resume,
                             TransferMeter& meter) override;
-  // By way of this machine, since the protocol has no command for it. Every try begins anew.
+  // Copies through this machine, since the protocol has no command for it. Every attempt starts
+  // over.
   QvTransferResult Copy(const std::string& from, const std::string& to, Resume& resume,
                         TransferMeter& meter) override;
   bool Abandon(const std::string& remote, const Resume& resume) override;
@@ -40,17 +41,17 @@ class FtpStore final : public RemoteStore {
                         Resume& resume, TransferMeter& meter);
   QvTransferResult Fetch(const std::string& remote, const std::string& local, bool is_text,
                          Resume& resume, TransferMeter& meter);
-  // Opens what a broken download left, if it is still good for anything.
+  // Opens the part of an interrupted download if it can be resumed.
   QvTransferResult GoOn(const FtpTransfer& transfer, const std::string& local, Resume& resume,
                         std::optional<LocalTarget>& target);
   QvTransferResult FillPart(LocalSource& source, bool is_text, Resume& resume,
                             TransferMeter& meter);
-  // Makes the folders above a file; whether there were any to be made.
+  // Creates the folders above a file. Returns true if any was missing.
   [[nodiscard]] bool MakeFolders(const std::string& path);
   QvTransferResult Replace(const std::string& from, const std::string& to);
 
   FtpSession session_;
-  // Those that are there already, as far as is known.
+  // Folders that are known to exist.
   std::set<std::string> folders_;
   bool is_text_ = false;
 };

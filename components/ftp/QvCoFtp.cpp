@@ -18,7 +18,7 @@ constexpr text::Parameter<TransferSettings> kParameters[] = {
     text::MillisecondsParameter<TransferSettings, &TransferSettings::io_timeout>("io_timeout_ms"),
 };
 
-// Never destroyed: a host may still have threads in a call when its program ends.
+// Never destroyed, because threads of the host may still be in a call when the program ends.
 text::ParameterSet<TransferSettings>& SharedParameters() {
   static auto* const parameters = new text::ParameterSet<TransferSettings>(kParameters);
   return *parameters;
@@ -80,7 +80,7 @@ class FtpComponent final : public DeskComponent<IQvCoFtp> {
   TransferDesk& Desk() override { return desk_; }
 
   FtpStore store_;
-  // After the store, which it uses to the end.
+  // Declared after the store, which its destructor uses.
   TransferDesk desk_;
 };
 

@@ -7,7 +7,7 @@ namespace qv::components {
 
 namespace {
 
-// A server says a little of a file even if only that was asked.
+// libcurl delivers a server's few words about a file as a body, even if no body was requested.
 constexpr std::size_t kMostDropped = 64U << 10;
 
 bool IsMistrust(CURLcode code) {
@@ -60,9 +60,10 @@ void CurlRequest::ReportTo(TransferMeter& meter, std::uint64_t base, std::uint64
 
 QvTransferResult CurlRequest::Perform() {
   static_cast<void>(transfer_.RunUntil([] { return false; }));
-  // A text that is longer than libcurl takes, which may be one that a server made up.
+  // An option was refused because its text exceeds a limit of libcurl. The text may have come from
+  // a server.
   if (!transfer_.IsSetUp()) return QvTransfer_BadArgument;
-  // It is also what libcurl says of a line that is longer than it takes.
+  // Once a server was reached, this may also be a line that exceeds a limit of libcurl.
   if (Code() == CURLE_OUT_OF_MEMORY && !transfer_.HasBegun()) throw std::bad_alloc();
   return Result();
 }

@@ -1,4 +1,4 @@
-// One request over a handle of libcurl, whose connections outlive it.
+// One request of a component over a libcurl handle, which keeps its connections between requests.
 #pragma once
 
 #include <chrono>
@@ -11,25 +11,25 @@
 
 namespace qv::components {
 
-// The parameters of the components; qvnetcall/transfer/Extensions.h says what they mean.
+// The parameters of the components. qvnetcall/transfer/Extensions.h documents them.
 struct TransferSettings {
   std::string ca_file;
   std::chrono::milliseconds connect_timeout{5000};
   std::chrono::milliseconds io_timeout{30000};
-  // Cloud only.
+  // Used by the cloud component only.
   std::string region = "us-east-1";
   std::uint64_t part_bytes = std::uint64_t{16} << 20;
 };
 
-// Everything that is handed over outlives the request. One thread.
+// All objects that are passed in must outlive the request. Use from one thread.
 class CurlRequest : private curl::Handler {
  public:
-  // `handle` is the request's until it is destroyed, and without any option again then.
+  // Uses `handle` exclusively until destroyed, and leaves it without options.
   CurlRequest(curl::CurlHandle& handle, const TransferSettings& settings);
   CurlRequest(const CurlRequest&) = delete;
   CurlRequest& operator=(const CurlRequest&) = delete;
 
-  // As of curl::Transfer.
+  // Documented on curl::Transfer.
   template <class Value>
   void Set(CURLoption option, Value value) {
     transfer_.Set(option, value);
@@ -37,17 +37,18 @@ class CurlRequest : private curl::Handler {
   void AddLine(CURLoption option, const std::string& line) { transfer_.AddLine(option, line); }
 
   void Send(BodySource& source) { source_ = &source; }
-  // What is received goes to `sink`; without one it is dropped, and there must not be much of it.
+  // Passes the received body to `sink`. Without a sink a small body is discarded, and a large one
+  // fails.
   void Receive(BodySink& sink) { sink_ = &sink; }
-  // Hears of this request's bytes, on top of `base` that were moved before; `total` is 0 when the
-  // request is to find it out.
+  // Reports progress to `meter`: the bytes of this request plus the `base` bytes that were moved
+  // before. Pass 0 for `total` if the server knows it.
   void ReportTo(TransferMeter& meter, std::uint64_t base, std::uint64_t total);
 
-  // Runs it, once. Success says nothing of what a server answered in the words of its protocol.
-  // Throws std::bad_alloc.
+  // Runs the request. Call it once. Success only means that an answer arrived, not that it is a
+  // good one. Throws std::bad_alloc.
   [[nodiscard]] QvTransferResult Perform();
 
-  // What became of it, once it has run. The answer's code is 0 when there was none.
+  // The outcome after Perform(). AnswerCode() is 0 if there was no answer.
   [[nodiscard]] CURLcode Code() const { return transfer_.Outcome().value_or(CURLE_OK); }
   [[nodiscard]] long AnswerCode() const { return transfer_.AnswerCode(); }
 

@@ -16,7 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Whether a file can be given this path: there is none, or it is replaced.
+// Returns true if a file can be put at this path: nothing is there, or a regular file that will be
+// replaced.
 bool IsFree(const fs::path& path) {
   std::error_code error;
   const fs::file_type type = fs::status(path, error).type();
@@ -33,7 +34,7 @@ bool MakeFolder(const fs::path& folder) {
 std::optional<LocalSource> LocalSource::Open(const std::string& path) {
   namespace fs = std::filesystem;
   std::error_code error;
-  // Also keeps the run from waiting for ever on a pipe.
+  // This also keeps the run from waiting forever on a pipe.
   if (!fs::is_regular_file(path, error)) return std::nullopt;
   const std::uintmax_t size = fs::file_size(path, error);
   if (error || size > std::uintmax_t{std::numeric_limits<std::int64_t>::max()}) return std::nullopt;
@@ -50,7 +51,7 @@ std::optional<std::size_t> LocalSource::Read(std::span<char> room) {
   const std::uint64_t left = size_ - position_;
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(room.size(), left));
   const std::size_t read = std::fread(room.data(), 1, wanted, file_.get());
-  // A file that was cut meanwhile is not the one that was announced.
+  // If the file was truncated in the meantime, it is shorter than announced.
   if (read == 0 && wanted != 0) return std::nullopt;
   position_ += read;
   return read;

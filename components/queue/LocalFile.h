@@ -14,15 +14,15 @@
 
 namespace qv::components {
 
-// One thread. Its size is what it was when it was opened; what is written behind that meanwhile is
-// not part of it.
+// Use from one thread. The size is fixed when the file is opened; bytes that are appended later are
+// ignored.
 class LocalSource final : public BodySource {
  public:
-  // Nothing when there is no ordinary file at `path` that can be read; links to one are followed.
+  // Returns nothing if `path` is not a readable regular file. Links are followed.
   [[nodiscard]] static std::optional<LocalSource> Open(const std::string& path);
 
   [[nodiscard]] std::uint64_t Size() const { return size_; }
-  // Differs when the file was written to between two openings.
+  // A text that changes if the file is written to.
   [[nodiscard]] const std::string& State() const { return state_; }
 
   [[nodiscard]] std::optional<std::size_t> Read(std::span<char> room) override;
@@ -38,29 +38,30 @@ class LocalSource final : public BodySource {
   std::string state_;
 };
 
-// Written beside its final place, under a name that nobody else has, and given its own name when it
-// is whole and flushed to the disk. One thread. Destruction removes a part that was not paused.
+// Written to a part with a unique name beside its final place. When it is complete, it is flushed
+// to the disk and moved there. Use from one thread. The destructor removes a part that was not
+// paused.
 class LocalTarget final : public BodySink {
  public:
-  // Begins a part for the file at `path`, and makes the folders above it that are missing. Nothing
-  // when that cannot be, or something that is no ordinary file stands there.
+  // Starts a part for the file at `path` and creates missing folders above it. Returns nothing if
+  // that fails, or if `path` exists and is not a regular file.
   [[nodiscard]] static std::optional<LocalTarget> Create(const std::string& path);
-  // Goes on with a part behind its end. Nothing when it is not `size` bytes long any more.
+  // Resumes a part at its end. Returns nothing if it is no longer `size` bytes long.
   [[nodiscard]] static std::optional<LocalTarget> Continue(const std::string& path,
                                                            const std::string& part,
                                                            std::uint64_t size);
 
   [[nodiscard]] const std::string& Part() const { return part_.Path(); }
-  // Of the part, in bytes.
+  // Size of the part in bytes.
   [[nodiscard]] std::uint64_t Size() const { return size_; }
-  // What the part ends with, `most` bytes of it at most; to be asked before the first Write.
-  // Nothing when that cannot be read.
+  // Returns the last bytes of the part, at most `most`. Call it before the first Write. Returns
+  // nothing if they cannot be read.
   [[nodiscard]] std::optional<std::string> Tail(std::size_t most) const;
   [[nodiscard]] bool Write(std::span<const char> bytes) override;
 
-  // Each ends the writing. False when something could not be written after all.
+  // Flushes the part and moves it to its place. Returns false if any byte could not be written.
   [[nodiscard]] bool Finish();
-  // Keeps the part, which Continue opens again.
+  // Keeps the part, so that Continue can resume it. Returns false likewise.
   [[nodiscard]] bool Pause();
 
  private:

@@ -1,5 +1,4 @@
-// What the two components that are built here have in common: a place on the network that holds
-// files, whatever it speaks.
+// The interface between the queue and a protocol: a store of files on the network.
 #pragma once
 
 #include <algorithm>
@@ -14,22 +13,21 @@
 
 namespace qv::components {
 
-// What one try of a transfer left behind for the next one. What `tag` and `done` mean is the
-// store's.
+// What a failed attempt left for the next one. The store defines the meaning of `tag` and `done`.
 struct Resume {
-  std::string part;        // what holds the bytes: of a download, the path of a local file
-  std::string tag;         // which state of the source they belong to
-  std::uint64_t done = 0;  // bytes that need not be moved again
+  std::string part;        // where the bytes are; for a download, the path of a local file
+  std::string tag;         // the state of the source that they belong to
+  std::uint64_t done = 0;  // number of bytes that need not be moved again
 
   [[nodiscard]] bool IsEmpty() const { return part.empty(); }
 };
 
-// Objects are used by one thread. Every member makes one try; QvTransfer_Broken is the result that
-// is worth another. Server paths have slashes, whatever the caller wrote. A file never stands half
-// written under its final name, on either side.
+// Use from one thread. Every call makes one attempt; QvTransfer_Broken means that another one may
+// succeed. Server paths use slashes. A file never appears incomplete under its final name, on
+// either side.
 //
-// A transfer that does not succeed may leave something in `resume`, for the next try of the same
-// file or until it is abandoned; it leaves nothing behind that `resume` does not name.
+// A transfer that fails may record in `resume` what it left for the next attempt with the same
+// file. It leaves nothing else.
 class RemoteStore {
  public:
   virtual ~RemoteStore() = default;
@@ -40,8 +38,9 @@ class RemoteStore {
                                     Resume& resume, TransferMeter& meter) = 0;
   virtual QvTransferResult Copy(const std::string& from, const std::string& to, Resume& resume,
                                 TransferMeter& meter) = 0;
-  // Removes what broken tries left on the server of an upload or a copy that will not be tried
-  // again. False when the server cannot be reached, so that there is no use in asking for more.
+  // Removes what failed attempts of an upload or a copy left on the server. Call it if there will
+  // be no further attempt. Returns false if the server cannot be reached, so that further calls are
+  // pointless.
   virtual bool Abandon(const std::string& remote, const Resume& resume) = 0;
 
   virtual QvTransferResult Rename(const std::string& from, const std::string& to) = 0;
@@ -49,8 +48,8 @@ class RemoteStore {
   virtual QvTransferResult DeleteFolder(const std::string& path) = 0;
 };
 
-// The path with slashes for backslashes. Nothing when it is empty, or has control characters, which
-// could be taken for the end of a command.
+// Returns the path with backslashes replaced by slashes. Returns nothing if it is empty or contains
+// control characters, which could end a command.
 [[nodiscard]] inline std::optional<std::string> RemotePath(std::string_view text) {
   if (text.empty() || text::HasControls(text)) return std::nullopt;
   std::string path(text);

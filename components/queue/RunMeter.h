@@ -1,4 +1,4 @@
-// Brings the progress of a run to whoever asked for it on this thread.
+// Reports the progress of a run to the callback of its thread.
 #pragma once
 
 #include <chrono>
@@ -10,24 +10,23 @@
 
 namespace qv::components {
 
-// Has `callback` called by the runs of this thread from now on; null ends it.
+// Sets the callback for all runs of this thread; null removes it.
 void SetRunCallback(QvTransferCallback callback, void* context) noexcept;
 
-// One run, on one thread. Once the callback has stopped it, it stays stopped, and the callback is
-// not called again.
+// Belongs to one run on one thread. Once the callback has stopped the run, it is not called again.
 class RunMeter final : public TransferMeter {
  public:
   explicit RunMeter(std::size_t file_count);
 
-  // A file's turn begins. `file` outlives it.
+  // Starts a file. `file` must stay valid until End().
   void Begin(const std::string& file, std::size_t index);
-  // The same file is tried again.
+  // Counts another attempt with the same file.
   void TryAgain();
   bool Moved(std::uint64_t done, std::uint64_t total) override;
-  // The file's turn is over; when it `succeeded`, all of it has been moved.
+  // Ends the file. If it `succeeded`, all of it counts as moved.
   void End(bool succeeded);
 
-  // Waits; false when the run was stopped meanwhile.
+  // Waits, and keeps reporting. Returns false if the run was stopped.
   [[nodiscard]] bool Wait(std::chrono::milliseconds duration);
   [[nodiscard]] bool IsStopped() const { return is_stopped_; }
 

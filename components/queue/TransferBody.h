@@ -1,4 +1,5 @@
-// The bytes of a transfer: where they come from and go to, and who hears how far it has come.
+// The ends of a transfer: where its bytes come from, where they go, and who is told about its
+// progress.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +11,11 @@ namespace qv::components {
 
 class BodySource {
  public:
-  // Puts what comes next into `room` and says how much that is; 0 at the end. Nothing when it
+  // Puts the next bytes into `room` and returns their number, 0 at the end. Returns nothing if they
   // cannot be read.
   [[nodiscard]] virtual std::optional<std::size_t> Read(std::span<char> room) = 0;
-  // Makes the next Read begin at `offset`, in bytes from the beginning.
+  // Makes the next Read start `offset` bytes after the beginning. Returns false if that is
+  // impossible.
   [[nodiscard]] virtual bool Seek(std::uint64_t offset) = 0;
 
  protected:
@@ -22,17 +24,17 @@ class BodySource {
 
 class BodySink {
  public:
-  // Takes all of `bytes`, or says false.
+  // Returns false unless it took all of `bytes`.
   [[nodiscard]] virtual bool Write(std::span<const char> bytes) = 0;
 
  protected:
   ~BodySink() = default;
 };
 
-// Hears how far the file that is being moved has come; false stops the transfer.
+// Is told how much of the current file has been moved. Returning false stops the transfer.
 class TransferMeter {
  public:
-  // In bytes; `total` is 0 while unknown. As often as the transfer likes.
+  // In bytes; `total` is 0 while it is unknown. Called at any rate.
   virtual bool Moved(std::uint64_t done, std::uint64_t total) = 0;
 
  protected:

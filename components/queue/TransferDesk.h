@@ -1,4 +1,4 @@
-// What the calls to a component come to, whichever component it is.
+// The calls to a component, independent of its protocol.
 #pragma once
 
 #include <exception>
@@ -11,7 +11,7 @@
 
 namespace qv::components {
 
-// What a call that works with memory comes to: no exception leaves a component.
+// Runs `call` and turns an exception into a result, since no exception may leave a component.
 template <class Call>
 [[nodiscard]] HRESULT Guarded(const Call& call) noexcept {
   constexpr auto kOutOfMemory = static_cast<HRESULT>(0x8007000EU);
@@ -26,26 +26,26 @@ template <class Call>
   }
 }
 
-// Three queues, and the store that they are for. One thread.
+// The three queues of a component and the store that they use. Use from one thread.
 class TransferDesk {
  public:
   TransferDesk() = default;
-  // Cleans up what broken tries left.
+  // Removes what failed attempts left.
   ~TransferDesk();
   TransferDesk(const TransferDesk&) = delete;
   TransferDesk& operator=(const TransferDesk&) = delete;
 
-  // The store from now on: the caller's, and null when there is none. Queues that the old one has
-  // left something of are to be emptied before.
+  // Sets the store, which the caller owns; null for none. Empty the queues first if transfers with
+  // the previous store failed.
   void Use(RemoteStore* store) { store_ = store; }
 
   void Add(TransferKind kind, const char* first, const char* second);
-  // Gives how many files succeeded.
+  // Returns the number of files that succeeded.
   long Run(TransferKind kind, long option);
   void Empty(TransferKind kind) { Queue(kind).Empty(store_); }
-  // How the last add or run went.
+  // The result of the last Add() or Run().
   [[nodiscard]] long LastResult() const { return last_result_; }
-  // 1 for a file that succeeded in the last run, else 0.
+  // Returns 1 for a file that succeeded in the last run, otherwise 0.
   [[nodiscard]] long HasSucceeded(const char* first) const;
 
   [[nodiscard]] long Rename(const char* from, const char* to);
@@ -63,7 +63,7 @@ class TransferDesk {
   QvTransferResult last_result_ = QvTransfer_Success;
 };
 
-// The calls that both components take in the same words. `Contract` is IQvCoFtp or IQvCoCSC.
+// The calls that IQvCoFtp and IQvCoCSC, one of which is `Contract`, have in common.
 template <class Contract>
 class DeskComponent : public Contract {
  public:
@@ -102,11 +102,11 @@ class DeskComponent : public Contract {
  protected:
   virtual ~DeskComponent() = default;
 
-  // Runs a queue, as UploadFile and DownloadFile do, whose arguments differ.
+  // Runs a queue, for UploadFile and DownloadFile, whose arguments differ.
   HRESULT Run(TransferKind kind, long option, long* count) {
     return Guarded([&] { *count = Desk().Run(kind, option); });
   }
-  // The component's own, beside the store that it uses to the end.
+  // A member of the component, declared after the store, which it uses in its destructor.
   virtual TransferDesk& Desk() = 0;
 };
 

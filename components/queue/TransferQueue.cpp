@@ -14,7 +14,7 @@ constexpr long kMostTries = 100;
 constexpr std::chrono::milliseconds kFirstWait{100};
 constexpr std::chrono::milliseconds kLongestWait{5000};
 
-// What would become of every other file as well.
+// Returns true if every other file would fail in the same way.
 bool EndsRun(QvTransferResult result) {
   switch (result) {
     case QvTransfer_NotLoggedIn:
@@ -28,7 +28,7 @@ bool EndsRun(QvTransferResult result) {
   }
 }
 
-// A path of the pair as it is used; nothing when it cannot be one.
+// Returns the path in the form in which it is used, or nothing if it is not valid.
 std::optional<std::string> Usable(const std::string& path, bool is_local) {
   if (!is_local) return RemotePath(path);
   return path.empty() ? std::nullopt : std::optional(path);
@@ -80,7 +80,7 @@ QvTransferResult TransferQueue::Move(RemoteStore* store, Pair& pair, long tries_
     wait = wait.count() == 0 ? kFirstWait : std::min(2 * wait, kLongestWait);
     meter.TryAgain();
     result = TryOnce(*store, pair, meter);
-    // A server that breaks off and is then away for a while has broken off.
+    // CannotConnect right after Broken is the same outage, so it is retried too.
     has_broken = result == QvTransfer_Broken || result == QvTransfer_CannotConnect;
   }
   return result;

@@ -1,4 +1,4 @@
-// Files that wait to be moved in one direction, and the runs that move them.
+// A queue of files that are moved in one direction.
 #pragma once
 
 #include <string>
@@ -13,28 +13,28 @@ namespace qv::components {
 enum class TransferKind { kUpload, kDownload, kCopy };
 
 struct RunOutcome {
-  // That of the first file that did not succeed.
+  // The result of the first file that failed.
   QvTransferResult result = QvTransfer_Success;
-  // How many files of the queue have succeeded, in this run or before.
+  // The number of files that have succeeded, in this run or an earlier one.
   long count = 0;
 };
 
-// One thread. Of a pair, the first path is where the file comes from and the second where it goes.
-// The stores are the caller's; null when there is none.
+// Use from one thread. The first path of a pair is the source and the second the target. The caller
+// owns the stores; null means that there is none.
 class TransferQueue {
  public:
   explicit TransferQueue(TransferKind kind) : kind_(kind) {}
 
-  // After a run in which everything succeeded, it begins a new queue. A pair that cannot be moved
-  // is queued as well, since whoever lists the queue has it too: its runs fail.
+  // Starts a new queue if everything succeeded in the last run. A pair with an invalid path is
+  // queued as well, because the host counts it too; it fails in every run.
   QvTransferResult Add(const std::string& first, const std::string& second);
-  // Moves the files that have not succeeded yet. A file whose transfer breaks is tried up to
-  // `option` times more (0 to 100), and goes on where it stopped, in a later run too. A server that
-  // cannot be had at all ends the run.
+  // Moves the files that have not succeeded yet. An interrupted transfer is tried again up to
+  // `option` times (0 to 100) and resumes where it stopped, in a later run as well. A server that
+  // cannot be reached ends the run.
   RunOutcome Run(RemoteStore* store, long option);
-  // Whether all files of the last run that came from there succeeded.
+  // Returns true if all files of the last run with this source succeeded.
   [[nodiscard]] bool HasSucceeded(const std::string& first) const;
-  // Forgets everything, and cleans up what broken tries left.
+  // Clears the queue and removes what failed attempts left.
   void Empty(RemoteStore* store);
 
  private:
@@ -50,7 +50,7 @@ class TransferQueue {
 
   TransferKind kind_;
   std::vector<Pair> pairs_;
-  // By first path, of the last run.
+  // Results of the last run by source path.
   std::unordered_map<std::string, bool> outcomes_;
   bool is_done_ = false;
 };

@@ -66,7 +66,7 @@ std::string Sha256Stream::Finish() {
 void Sha256Stream::Free::operator()(evp_md_ctx_st* context) const { EVP_MD_CTX_free(context); }
 
 std::string Base64Of(std::string_view bytes) {
-  // Four characters for three bytes, and the NUL that the encoder adds.
+  // Four characters for three bytes, plus the NUL that the encoder appends.
   std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');
   const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), Unsigned(bytes),
                                      static_cast<int>(bytes.size()));

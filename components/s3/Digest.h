@@ -1,4 +1,4 @@
-// Checksums and their texts.
+// Digests and Base64.
 #pragma once
 
 #include <cstdint>
@@ -10,20 +10,20 @@ struct evp_md_ctx_st;
 
 namespace qv::components {
 
-// Digests are raw bytes. All of this throws std::bad_alloc when the library behind it has no memory
-// left, and nothing else.
+// Digests are raw bytes. All functions throw std::bad_alloc, and nothing else, if OpenSSL runs out
+// of memory.
 
 [[nodiscard]] std::string HmacSha256(std::string_view key, std::string_view text);
 [[nodiscard]] std::string Sha256(std::string_view text);
-// Empty on a system that allows no MD5.
+// Returns an empty text if the system does not allow MD5.
 [[nodiscard]] std::string Md5(std::string_view text);
 
-// Of text that comes in pieces.
+// The digest of a text that is passed in pieces.
 class Sha256Stream {
  public:
   Sha256Stream();
   void Add(std::string_view piece);
-  // Once, at the end.
+  // Call it once, at the end.
   [[nodiscard]] std::string Finish();
 
  private:

@@ -22,7 +22,7 @@ constexpr TransferKind kAllKinds[] = {TransferKind::kUpload, TransferKind::kDown
 
 using Settings = TransferSettings;
 
-// What servers take for a part that is not the last.
+// The sizes that servers accept for a part that is not the last.
 constexpr std::uint64_t kLeastPart = 5U << 20;
 constexpr std::uint64_t kLargestPart = std::uint64_t{5} << 30;
 
@@ -33,7 +33,7 @@ bool SetPartBytes(Settings& to, const std::string& value) {
   return true;
 }
 
-// It becomes part of a header.
+// The region becomes part of a header.
 bool SetRegion(Settings& to, const std::string& value) {
   const auto is_allowed = [](char c) { return text::IsLetterOrDigit(c) || c == '-' || c == '_'; };
   if (value.empty() || !std::all_of(value.begin(), value.end(), is_allowed)) return false;
@@ -50,7 +50,7 @@ constexpr text::Parameter<Settings> kParameters[] = {
 };
 
 text::ParameterSet<Settings>& Parameters() {
-  // Never destroyed: it may be asked for when the program is ending.
+  // Never destroyed, because it may still be used while the program ends.
   static auto* const parameters = new text::ParameterSet<Settings>(kParameters);
   return *parameters;
 }
@@ -82,7 +82,7 @@ class CloudComponent final : public DeskComponent<IQvCoCSC> {
   TransferDesk& Desk() override { return desk_; }
 
   const TransferSettings settings_ = Parameters().Snapshot();
-  // Outlives the desk, which cleans up there.
+  // Declared before the desk, whose destructor uses it.
   std::unique_ptr<S3Store> store_;
   TransferDesk desk_;
 };
@@ -90,7 +90,7 @@ class CloudComponent final : public DeskComponent<IQvCoCSC> {
 QvTransferResult CloudComponent::LogIn(const char* host, short port, const char* user,
                                        const char* password, long extra) {
   Leave();
-  // Ports above 32767 come as negative numbers.
+  // Ports above 32767 are passed as negative numbers.
   const auto endpoint = S3Endpoint::Parse(host, static_cast<std::uint16_t>(port), extra);
   if (!endpoint) return QvTransfer_BadArgument;
   auto result = QvTransfer_Success;

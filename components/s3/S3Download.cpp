@@ -25,7 +25,7 @@ void S3Download::ContinuePart() {
 }
 
 QvTransferResult S3Download::Begin(const S3Head& head) {
-  // Without a length there is no telling whether all of it came.
+  // Without a length it is impossible to tell whether everything arrived.
   if (!head.length) return QvTransfer_BadAnswer;
   return head.status == 206 ? BeginRest(head) : BeginWhole(head);
 }
@@ -40,7 +40,7 @@ QvTransferResult S3Download::BeginRest(const S3Head& head) {
 }
 
 QvTransferResult S3Download::BeginWhole(const S3Head& head) {
-  // A server may not know how to give the rest alone.
+  // A server that does not support ranges sends the whole object.
   Discard();
   target_ = LocalTarget::Create(local_);
   if (!target_) return QvTransfer_LocalFile;
@@ -49,7 +49,7 @@ QvTransferResult S3Download::BeginWhole(const S3Head& head) {
   return QvTransfer_Success;
 }
 
-// What a server says of the length need not bound what it sends.
+// A server may send more than it announced.
 QvTransferResult S3Download::Write(std::span<const char> bytes) {
   if (bytes.size() > total_ - target_->Size()) return QvTransfer_BadAnswer;
   return target_->Write(bytes) ? QvTransfer_Success : QvTransfer_LocalFile;
@@ -71,7 +71,7 @@ QvTransferResult S3Download::Settle(const S3Answer& answer) {
   if (result == QvTransfer_Success) return result;
   const bool is_worth_more = result == QvTransfer_Broken || result == QvTransfer_Stopped ||
                              result == QvTransfer_CannotConnect;
-  // The object is not any more what the part was taken from.
+  // The object has changed since the part was downloaded.
   const bool has_changed = status == 412 || status == 416;
   if (!is_worth_more || has_changed || resume_.tag.empty() || !target_) {
     Discard();

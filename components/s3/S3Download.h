@@ -1,4 +1,4 @@
-// One try to bring an object into a local file.
+// One attempt to download an object into a local file.
 #pragma once
 
 #include <optional>
@@ -11,10 +11,11 @@
 
 namespace qv::components {
 
-// Of `Resume`, the tag is the object's ETag; without one nothing is resumed. Used once.
+// The tag of `Resume` is the ETag of the object; a download without one cannot be resumed. Each
+// object runs once.
 class S3Download final : private S3Receiver, private TransferMeter {
  public:
-  // All is the caller's.
+  // Refers to all arguments, which the caller owns.
   S3Download(S3Session& session, const S3Path& object, const std::string& local, Resume& resume,
              TransferMeter& meter)
       : session_(session), object_(object), local_(local), resume_(resume), meter_(meter) {}
@@ -24,14 +25,14 @@ class S3Download final : private S3Receiver, private TransferMeter {
  private:
   QvTransferResult Begin(const S3Head& head) override;
   QvTransferResult Write(std::span<const char> bytes) override;
-  // Tells what the file has, whatever was on the wire.
+  // Reports the size of the file instead of the bytes that were received.
   bool Moved(std::uint64_t done, std::uint64_t total) override;
 
   void ContinuePart();
   [[nodiscard]] QvTransferResult BeginRest(const S3Head& head);
   [[nodiscard]] QvTransferResult BeginWhole(const S3Head& head);
   [[nodiscard]] QvTransferResult Settle(const S3Answer& answer);
-  // Forgets what is there of the file.
+  // Removes the part.
   void Discard();
 
   S3Session& session_;
@@ -40,7 +41,7 @@ class S3Download final : private S3Receiver, private TransferMeter {
   Resume& resume_;
   TransferMeter& meter_;
   std::optional<LocalTarget> target_;
-  // Of the object; 0 before it is known.
+  // Size of the object; 0 while it is unknown.
   std::uint64_t total_ = 0;
 };
 

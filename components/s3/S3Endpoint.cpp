@@ -33,7 +33,7 @@ constexpr long kBucketInHost = 1;
 
 bool IsLowerOrDigit(char c) { return text::IsLowerLetter(c) || text::IsDigit(c); }
 
-// Old buckets may have names that new ones cannot have any more.
+// Old buckets may have names that are no longer allowed for new ones.
 bool IsBucketInPath(std::string_view bucket) {
   const auto is_allowed = [](char c) {
     return text::IsLetterOrDigit(c) || c == '-' || c == '.' || c == '_';

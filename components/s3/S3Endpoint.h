@@ -1,4 +1,4 @@
-// Paths of a cloud store, requests about them, and the server that the requests go to.
+// Paths in a cloud store, requests, and the server that they go to.
 #pragma once
 
 #include <optional>
@@ -9,15 +9,15 @@
 
 namespace qv::components {
 
-// "bucket/key"; slashes at the start of what a caller writes are dropped.
+// "bucket/key"; leading slashes are ignored.
 struct S3Path {
   std::string bucket;
   std::string key;
 
-  // One object; nothing when the text can name none.
+  // The path of one object. Returns nothing if the text is not valid.
   [[nodiscard]] static std::optional<S3Path> OfObject(std::string_view path);
-  // The objects below a folder; the key ends with a slash. Nothing for a bare bucket, too, whose
-  // deletion would be a slip of the hand.
+  // The path of a folder; its key ends with a slash. Also returns nothing for a bare bucket, since
+  // deleting that would be an accident.
   [[nodiscard]] static std::optional<S3Path> OfFolder(std::string_view path);
 
   bool operator==(const S3Path&) const = default;
@@ -25,21 +25,21 @@ struct S3Path {
 
 using TextPairs = std::vector<std::pair<std::string, std::string>>;
 
-// What a request is about. Nothing here is encoded.
+// A request before it is addressed. Nothing is encoded.
 struct S3Request {
   std::string method = "GET";
-  std::string bucket = {};  // empty: the service as such
-  std::string key = {};     // empty: the bucket as such
+  std::string bucket = {};  // empty for the service itself
+  std::string key = {};     // empty for the bucket itself
   TextPairs query = {};
-  TextPairs headers = {};  // names in lower case; values without white space around or runs of it
+  TextPairs headers = {};  // lower-case names; values without extra white space
 };
 
-// The same as it goes out: the path and the query encoded, the query's pairs in the order in which
-// they are signed, and nothing left that a server could read in another way.
+// The request as it is sent: path and query are encoded, and the query is in the order in which it
+// is signed, so that the server cannot interpret it differently.
 struct S3Wire {
   std::string method;
   std::string scheme;  // "http" or "https"
-  std::string host;  // as the header of that name has it, with the port unless it is the usual one
+  std::string host;    // the Host header: with the port unless it is the default
   std::string path;
   std::string query;
   TextPairs headers;
@@ -51,19 +51,20 @@ struct S3Wire {
 
 class S3Endpoint {
  public:
-  // `host` is a name or an address, with "http://" or "https://" before it if it likes; without,
-  // it is https, whatever the port. Port 0 is the scheme's own. Of `style`, 0 has buckets in the
-  // path and 1 in the host name. Nothing when it is no such thing.
+  // Parses a server. `host` is a name or an address, optionally after "http://" or "https://";
+  // https is the default, whatever the port. Port 0 is the default of the scheme. `style` 0 puts
+  // the bucket into the path and 1 into the host name. Returns nothing if an argument is invalid.
   [[nodiscard]] static std::optional<S3Endpoint> Parse(std::string_view host, std::uint16_t port,
                                                        long style);
 
-  // `request` with an address, unsigned. Nothing when its bucket cannot be part of one.
+  // Returns `request` with an address, unsigned. Returns nothing if its bucket cannot be part of an
+  // address.
   [[nodiscard]] std::optional<S3Wire> Address(const S3Request& request) const;
 
  private:
   std::string scheme_;
   std::string host_;
-  std::string port_;  // as it is appended to a host: empty or ":9000"
+  std::string port_;  // what is appended to the host: empty, or as in ":9000"
   bool is_bucket_in_host_ = false;
 };
 

@@ -12,21 +12,21 @@ struct CodeResult {
   QvTransferResult result;
 };
 
-// Those that say more than the status that they come with.
+// Codes that say more than the status.
 constexpr std::array kCodes = {
     CodeResult{"InvalidAccessKeyId", QvTransfer_LoginRefused},
     CodeResult{"SignatureDoesNotMatch", QvTransfer_LoginRefused},
     CodeResult{"ExpiredToken", QvTransfer_LoginRefused},
     CodeResult{"InvalidToken", QvTransfer_LoginRefused},
     CodeResult{"NotSignedUp", QvTransfer_LoginRefused},
-    // A login that is refused for the clock of this machine, as one is for a ticket that is over.
+    // Clock skew: refused like an expired credential.
     CodeResult{"RequestTimeTooSkewed", QvTransfer_LoginRefused},
     CodeResult{"NoSuchKey", QvTransfer_NotFound},
     CodeResult{"NoSuchBucket", QvTransfer_NotFound},
-    // The object is another one than at the try before; the next one starts with it.
+    // The object has changed since the last attempt; the next one starts with the new object.
     CodeResult{"PreconditionFailed", QvTransfer_Broken},
     CodeResult{"InvalidRange", QvTransfer_Broken},
-    // Damaged on the way.
+    // Damaged in transit.
     CodeResult{"BadDigest", QvTransfer_Broken},
     CodeResult{"IncompleteBody", QvTransfer_Broken},
     CodeResult{"XAmzContentSHA256Mismatch", QvTransfer_Broken},
@@ -59,7 +59,7 @@ QvTransferResult ResultOfStatus(long status) {
       break;
   }
   if (status >= 500 && status < 600) return QvTransfer_Broken;
-  // A redirection is none that could be followed: it leads to where another signature is needed.
+  // Redirects cannot be followed: the new host needs a new signature.
   if (status >= 300 && status < 500) return QvTransfer_Refused;
   return QvTransfer_BadAnswer;
 }

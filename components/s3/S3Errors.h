@@ -1,4 +1,4 @@
-// What the errors of an S3 server mean for a transfer.
+// Maps the errors of an S3 server to results.
 #pragma once
 
 #include <string_view>
@@ -7,8 +7,8 @@
 
 namespace qv::components {
 
-// `code` is that of the answer's body and may be empty, as it is when there was none to have a
-// body. Success only for a status from 200 to 299 without a code.
+// `code` is the error code in the body of the answer, or empty if there is none. Returns Success
+// only for a status from 200 to 299 without a code.
 [[nodiscard]] QvTransferResult ResultOfError(long status, std::string_view code);
 
 }  // namespace qv::components

@@ -9,10 +9,10 @@ namespace {
 
 constexpr std::uint64_t kMaxParts = 10000;
 constexpr std::uint64_t kMebibyte = 1U << 20;
-// Far more than the parts need; a server that goes on for ever is not believed.
+// Far more pages than the parts need. A server that sends more is malfunctioning.
 constexpr int kMaxPages = 1000;
 
-// Places what a part reports in the whole.
+// Maps the progress of a part to the whole object.
 class PartMeter final : public TransferMeter {
  public:
   PartMeter(TransferMeter& whole, std::uint64_t before, std::uint64_t total)
@@ -94,7 +94,7 @@ bool S3Parts::IsResumed(QvTransferResult& result) {
   }
   resume_.done = 0;
   result = TakeStock();
-  // Servers clear away what lies about for too long.
+  // Servers remove unfinished uploads after some time.
   if (result != QvTransfer_NotFound) return true;
   resume_ = {};
   return false;
@@ -117,7 +117,7 @@ QvTransferResult S3Parts::TakeStock() {
 }
 
 void S3Parts::Keep(const S3Part& part) {
-  // One of another length is sent again, which replaces it.
+  // A part of another length is replaced by sending it again.
   if (part.number < 1 || part.number > plan_.Count()) return;
   if (part.bytes != plan_.Length(part.number)) return;
   S3Part& kept = parts_[static_cast<std::size_t>(part.number - 1)];
@@ -133,7 +133,8 @@ QvTransferResult S3Parts::MoveRest(const Move& move, TransferMeter& meter) {
     PartMeter part_meter(meter, resume_.done, plan_.total);
     const std::uint64_t length = plan_.Length(number);
     const S3Answer answer = move(std::move(request), plan_.Start(number), length, part_meter);
-    // Of a part, what is not found is the upload, or the source, which the next try looks up.
+    // If a part is not found, either the upload or the source is missing. The next attempt looks up
+    // the source.
     if (answer.code == "NoSuchUpload") resume_ = {};
     if (!answer.IsFine()) return answer.result;
     if (answer.head.etag.empty()) return QvTransfer_BadAnswer;
@@ -146,7 +147,7 @@ QvTransferResult S3Parts::Complete(TransferMeter& meter) {
   PartMeter at_the_end(meter, plan_.total, plan_.total);
   const S3Answer answer =
       session_.AskAndWait(RequestFor("POST"), CompletionXml(parts_), plan_.total, at_the_end);
-  // Then the parts are no more what they were.
+  // The parts on the server are no longer those that were sent.
   if (answer.code == "InvalidPart" || answer.code == "NoSuchUpload") {
     static_cast<void>(Abandon(session_, target_, resume_));
     resume_ = {};

@@ -1,4 +1,4 @@
-// Objects that are too large for one request: they are put together from parts.
+// Multipart uploads and copies, for objects that are too large for one request.
 #pragma once
 
 #include <cstdint>
@@ -14,41 +14,41 @@
 
 namespace qv::components {
 
-// How an object is divided.
+// How an object is divided into parts.
 struct PartPlan {
   std::uint64_t total = 0;
   std::uint64_t part_bytes = 1;
 
-  // Parts of `part_bytes`, or of more when there would be too many of them.
+  // Uses parts of `part_bytes`, or larger ones if there would be too many.
   [[nodiscard]] static PartPlan For(std::uint64_t total, std::uint64_t part_bytes);
 
   [[nodiscard]] int Count() const;
-  // Of part `number`, from 1.
+  // The position and size of part `number`, counted from 1.
   [[nodiscard]] std::uint64_t Start(int number) const;
   [[nodiscard]] std::uint64_t Length(int number) const;
 };
 
-// One try to build an object. What a broken one left at the server is used by the next: `Resume`
-// carries the server's name for the upload as its part.
+// One attempt at a multipart upload or copy. The next attempt uses the parts that a failed one left
+// on the server; `Resume::part` is the server's identifier of the upload.
 class S3Parts {
  public:
-  // Moves one part; `request` is complete but for what it carries.
+  // Moves one part. `request` lacks only its content.
   using Move = std::function<S3Answer(S3Request request, std::uint64_t start, std::uint64_t length,
                                       TransferMeter& meter)>;
 
-  // `source` says which state of which source is moved, and becomes the tag of `resume`.
+  // `source` identifies the source and its state. It becomes the tag of `resume`.
   S3Parts(S3Session& session, const S3Path& target, const PartPlan& plan, std::string source,
           Resume& resume);
 
   [[nodiscard]] QvTransferResult Run(const Move& move, TransferMeter& meter);
 
-  // Gives up what broken tries left, and says how that went.
+  // Removes what failed attempts left on the server. Returns the result of that request.
   [[nodiscard]] static QvTransferResult Abandon(S3Session& session, const S3Path& target,
                                                 const Resume& resume);
 
  private:
   [[nodiscard]] QvTransferResult Begin();
-  // Goes on with the upload that `resume_` names. False when it is not there any more.
+  // Resumes the upload that `resume_` names. Returns false if it no longer exists.
   [[nodiscard]] bool IsResumed(QvTransferResult& result);
   [[nodiscard]] QvTransferResult TakeStock();
   void Keep(const S3Part& part);
@@ -61,7 +61,7 @@ class S3Parts {
   const PartPlan plan_;
   const std::string source_;
   Resume& resume_;
-  // By number; those that the server does not have yet have no ETag.
+  // By number. Parts that the server does not have yet have no ETag.
   std::vector<S3Part> parts_;
 };
 

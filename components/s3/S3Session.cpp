@@ -13,13 +13,13 @@ namespace qv::components {
 
 namespace {
 
-// A page of a listing with a thousand keys of the longest kind fits in, encoded.
+// Large enough for a page of a listing with a thousand keys of maximum length, encoded.
 constexpr std::size_t kMaxBody = 4U << 20;
 constexpr std::size_t kHashBlock = 256U << 10;
-// What a server is trusted to copy, or to put together, in a second.
+// The number of bytes per second that a server is expected to copy or to assemble.
 constexpr std::uint64_t kServerSpeed = 8U << 20;
 constexpr std::uint64_t kLongestWait = 24 * 60 * 60;
-// So many stretches without progress are what an answer may take in all, however slowly it comes.
+// The time limit of an answer, in multiples of the time limit without progress.
 constexpr int kAnswerPatience = 20;
 
 std::string_view Header(CURL* easy, const char* name) {
@@ -28,7 +28,8 @@ std::string_view Header(CURL* easy, const char* name) {
   return code == CURLHE_OK ? std::string_view(found->value) : std::string_view();
 }
 
-// A tag that can be sent back, and signed as it is. A weak one does not promise the same bytes.
+// Returns true for a strong ETag that can be sent back and signed unchanged. A weak one does not
+// guarantee the same bytes.
 bool IsEtag(std::string_view text) {
   return text.size() >= 2 && text.size() <= 256 && text.front() == '"' && text.back() == '"' &&
          std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
@@ -42,7 +43,7 @@ S3Head HeadOf(CURL* easy, long status) {
   return head;
 }
 
-// Gives an object to its receiver, and keeps what a server says instead of one.
+// Passes an object to its receiver, and keeps any other body.
 class AnswerSink final : public BodySink {
  public:
   AnswerSink(CURL* easy, const CurlRequest& request, S3Receiver* receiver)
@@ -63,7 +64,7 @@ class AnswerSink final : public BodySink {
     return true;
   }
 
-  // All that came, after the request came to an end by `outcome`.
+  // Returns the answer after the request ended with `outcome`.
   S3Answer Finish(QvTransferResult outcome) {
     if (outcome == QvTransfer_Success) Begin();
     if (answer_.result != QvTransfer_Success) return std::move(answer_);
@@ -111,7 +112,7 @@ class TextSource final : public BodySource {
   std::size_t position_ = 0;
 };
 
-// A stretch of a file.
+// A part of a file.
 class PartSource final : public BodySource {
  public:
   PartSource(LocalSource& file, std::uint64_t start, std::uint64_t length)
@@ -121,7 +122,7 @@ class PartSource final : public BodySource {
   std::optional<std::size_t> Read(std::span<char> room) override {
     const std::uint64_t wanted = std::min<std::uint64_t>(room.size(), length_ - position_);
     const auto read = file_.Read(room.first(static_cast<std::size_t>(wanted)));
-    // What has become shorter cannot be sent as it was announced.
+    // The file became shorter than announced.
     if (!read || (*read == 0 && wanted != 0)) return std::nullopt;
     position_ += *read;
     return read;
@@ -139,7 +140,7 @@ class PartSource final : public BodySource {
   std::uint64_t position_ = 0;
 };
 
-// What goes over the wire meanwhile is none of the object's bytes.
+// The bytes on the wire are not those of the object, so they are not reported.
 class WaitMeter final : public TransferMeter {
  public:
   WaitMeter(TransferMeter& meter, std::uint64_t total) : meter_(meter), total_(total) {}
@@ -150,7 +151,7 @@ class WaitMeter final : public TransferMeter {
   std::uint64_t total_;
 };
 
-// The hash of all of `part`, in hexadecimal, or why there is none.
+// Computes the hash of all of `part` in hexadecimal.
 QvTransferResult HashOf(PartSource& part, TransferMeter& meter, std::string& hash) {
   if (!part.Seek(0)) return QvTransfer_LocalFile;
   Sha256Stream stream;
@@ -170,14 +171,14 @@ void SetUp(CurlRequest& request, const S3Wire& wire, std::uint64_t body_bytes) {
   request.Set(CURLOPT_PROTOCOLS_STR, "http,https");
   request.Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   request.Set(CURLOPT_URL, wire.Url().c_str());
-  // As it was signed; a key may have dots where a path has none.
+  // Sends the path as it was signed: "." and ".." are ordinary names in a key.
   request.Set(CURLOPT_PATH_AS_IS, 1L);
   request.Set(CURLOPT_CUSTOMREQUEST, wire.method.c_str());
   if (wire.method == "HEAD") request.Set(CURLOPT_NOBODY, 1L);
   if (wire.method == "PUT" || wire.method == "POST") {
     request.Set(CURLOPT_UPLOAD, 1L);
     request.Set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(body_bytes));
-    // No round trip for the permission to send.
+    // Saves the round trip of asking for permission to send.
     request.AddLine(CURLOPT_HTTPHEADER, "Expect:");
   }
   for (const auto& [name, value] : wire.headers) {

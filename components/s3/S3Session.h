@@ -1,4 +1,4 @@
-// Requests to one S3 server, and what it says to them.
+// Requests to an S3 server and its answers.
 #pragma once
 
 #include <chrono>
@@ -17,28 +17,28 @@
 
 namespace qv::components {
 
-// What a server answered with, before the body.
+// The status and headers of an answer.
 struct S3Head {
-  long status = 0;                      // 0 when no answer came
-  std::string etag = {};                // empty, too, when it is none that could be sent back
-  std::string range = {};               // which part of the object the body is, if it is one
-  std::optional<std::uint64_t> length;  // of the body, or of what the body would be
+  long status = 0;                      // 0 if there was no answer
+  std::string etag = {};                // also empty if it is not a strong ETag
+  std::string range = {};               // the part of the object that the body holds, if it is one
+  std::optional<std::uint64_t> length;  // length of the body, or of the body that a GET would have
 };
 
 struct S3Answer {
   QvTransferResult result = QvTransfer_BadAnswer;
   S3Head head = {};
-  std::string body = {};  // unless it went to a receiver
-  std::string code = {};  // of an error, of which the body may speak whatever the status
+  std::string body = {};  // empty if it was passed to a receiver
+  std::string code = {};  // the error code in the body, whatever the status is
 
   [[nodiscard]] bool IsFine() const { return result == QvTransfer_Success; }
 };
 
-// Takes the body of an answer that has the object in it.
+// Receives the body of an answer that contains an object.
 class S3Receiver {
  public:
-  // What these say, unless Success, becomes the result. Begin is called once, before the first
-  // byte, and also when there is none.
+  // Any result but Success ends the request with that result. Begin is called once, before the
+  // first byte, even if the body is empty.
   [[nodiscard]] virtual QvTransferResult Begin(const S3Head& head) = 0;
   [[nodiscard]] virtual QvTransferResult Write(std::span<const char> bytes) = 0;
 
@@ -46,29 +46,31 @@ class S3Receiver {
   ~S3Receiver() = default;
 };
 
-// One thread. Throws std::bad_alloc only.
+// Use from one thread. Throws only std::bad_alloc.
 class S3Session {
  public:
   S3Session(S3Endpoint endpoint, S3Keys keys, TransferSettings settings)
       : endpoint_(std::move(endpoint)), keys_(std::move(keys)), settings_(std::move(settings)) {}
 
-  // All in memory, the answer within limits.
+  // Keeps request and answer in memory. The size of the answer is limited.
   [[nodiscard]] S3Answer Ask(const S3Request& request, std::string_view body = {});
-  // The same for what has the server move `bytes` on its own, which takes its time. `meter` can
-  // stop it.
+  // The same for a request that makes the server move `bytes` itself, which takes longer. `meter`
+  // can stop it.
   [[nodiscard]] S3Answer AskAndWait(const S3Request& request, std::string_view body,
                                     std::uint64_t bytes, TransferMeter& meter);
-  // Sends `length` bytes of a file from `start` on, and tells `meter` how many of them it has.
+  // Sends `length` bytes of a file from `start` on, and reports to `meter` how many of them were
+  // sent.
   [[nodiscard]] S3Answer Send(const S3Request& request, LocalSource& source, std::uint64_t start,
                               std::uint64_t length, TransferMeter& meter);
-  // `meter` is told what this request moves, also of an answer that has no object in it.
+  // Passes an object to `receiver`. `meter` is told about the bytes of every answer, even without
+  // an object.
   [[nodiscard]] S3Answer Receive(const S3Request& request, S3Receiver& receiver,
                                  TransferMeter& meter);
 
   [[nodiscard]] const TransferSettings& Settings() const { return settings_; }
 
  private:
-  // The request with an address and a signature; nothing when it can have none.
+  // Returns the request with address and signature, or nothing if it cannot be addressed.
   [[nodiscard]] std::optional<S3Wire> Prepare(const S3Request& request,
                                               const std::string& body_hash) const;
   [[nodiscard]] S3Answer Exchange(const S3Wire& wire, std::string_view body,
@@ -77,7 +79,7 @@ class S3Session {
   S3Endpoint endpoint_;
   S3Keys keys_;
   TransferSettings settings_;
-  // Its connections serve one request after the other.
+  // Keeps its connections between requests.
   curl::CurlHandle curl_;
 };
 

@@ -18,7 +18,7 @@ constexpr const char* kAlgorithm = "AWS4-HMAC-SHA256";
 constexpr const char* kScopeEnd = "aws4_request";
 constexpr const char* kService = "s3";
 
-// As in "20240131T235959Z", whose first eight characters are the day.
+// Returns the time as in "20240131T235959Z"; the first eight characters are the day.
 std::string TimeText(std::int64_t now) {
   using std::chrono::sys_seconds;
   return fmt::format("{:%Y%m%dT%H%M%SZ}", sys_seconds(std::chrono::seconds(now)));
@@ -56,7 +56,7 @@ std::string CanonicalQuery(const TextPairs& query) {
   for (const auto& [name, value] : query) {
     pairs.emplace_back(text::PercentEncoded(name), text::PercentEncoded(value));
   }
-  // Of what is encoded: the order differs from that of the plain texts.
+  // Sorts the encoded pairs, whose order differs from that of the plain ones.
   std::sort(pairs.begin(), pairs.end());
   std::string text;
   for (const auto& [name, value] : pairs) {

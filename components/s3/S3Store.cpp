@@ -16,12 +16,12 @@ namespace qv::components {
 
 namespace {
 
-// As many as one deletion may name.
+// The number of keys in one listing and in one deletion.
 constexpr std::size_t kPage = 1000;
-// A hundred million objects. A server that goes on for ever is not believed.
+// Enough for a hundred million objects. A server that sends more is malfunctioning.
 constexpr int kMaxPages = 100000;
 
-// Nothing outside the folder is ever deleted, whatever a listing has in it.
+// Never deletes anything outside the folder, whatever a listing contains.
 bool IsPageOf(const std::vector<std::string>& keys, const S3Path& folder) {
   return keys.size() <= kPage && std::all_of(keys.begin(), keys.end(), [&](const auto& key) {
            return key.starts_with(folder.key);
@@ -37,7 +37,7 @@ QvTransferResult DeleteMany(S3Session& session, const std::string& bucket,
   if (keys.empty()) return QvTransfer_Success;
   const std::string body = DeletionXml(keys);
   S3Request request{.method = "POST", .bucket = bucket, .query = {{"delete", ""}}};
-  // Servers want it here, beside the hash that is signed.
+  // Servers require this header in addition to the hash that is signed.
   const std::string digest = Md5(body);
   if (!digest.empty()) request.headers.emplace_back("content-md5", Base64Of(digest));
   request.headers.emplace_back("content-type", "application/xml");
@@ -46,9 +46,9 @@ QvTransferResult DeleteMany(S3Session& session, const std::string& bucket,
   const auto errors = ReadDeleteErrors(answer.body);
   if (!errors) return QvTransfer_BadAnswer;
   for (const std::string& code : *errors) {
-    // What has no better reason is refused.
+    // A code without a better result counts as refused.
     const QvTransferResult result = ResultOfError(403, code);
-    // What somebody else deleted meanwhile is gone as well.
+    // An object that was deleted by somebody else in the meantime is no failure.
     if (result != QvTransfer_NotFound) return result;
   }
   return QvTransfer_Success;
@@ -72,13 +72,12 @@ S3Request ListingRequest(const S3Path& folder) {
           .query = {{"list-type", "2"},
                     {"prefix", folder.key},
                     {"max-keys", std::to_string(kPage)},
-                    // Keys may have characters that XML has not.
+                    // Keys may contain characters that XML does not allow.
                     {"encoding-type", "url"}}};
 }
 
-// Deletes the objects below a folder, which the server itself knows nothing of, as far as it goes:
-// what cannot be deleted is told at the end, by the first that could not. NotFound when there was
-// none.
+// Deletes all objects below a folder, which the server does not know as such. Continues after a
+// failure and returns the first one. Returns NotFound if there were no objects.
 QvTransferResult DeleteBelow(S3Session& session, const S3Path& folder) {
   QvTransferResult first = QvTransfer_Success;
   S3Request request = ListingRequest(folder);
@@ -93,7 +92,7 @@ QvTransferResult DeleteBelow(S3Session& session, const S3Path& folder) {
     const QvTransferResult result = DeletePage(session, folder.bucket, listing->keys);
     if (first == QvTransfer_Success) first = result;
     if (!listing->next) return has_objects ? first : QvTransfer_NotFound;
-    // There would be no end to it.
+    // The listing would never end.
     if (*listing->next == token) return QvTransfer_BadAnswer;
     token = *listing->next;
     request = ListingRequest(folder);
@@ -102,7 +101,7 @@ QvTransferResult DeleteBelow(S3Session& session, const S3Path& folder) {
   return QvTransfer_BadAnswer;
 }
 
-// For what nobody watches.
+// Ignores progress.
 class NoMeter final : public TransferMeter {
  public:
   bool Moved(std::uint64_t, std::uint64_t) override { return true; }
@@ -114,7 +113,7 @@ bool IsVisible(std::string_view text) {
   });
 }
 
-// What good keys may not be able to do.
+// Returns true for an answer that valid keys get if they may not list buckets.
 bool IsOnlyTheList(const S3Answer& answer) {
   return answer.code == "AccessDenied" || answer.code == "MethodNotAllowed" ||
          answer.code == "NotImplemented";
@@ -128,7 +127,7 @@ QvTransferResult TryKeys(S3Session& session) {
   return is_list ? QvTransfer_Success : QvTransfer_BadAnswer;
 }
 
-// The headers by which a copy names its source, in the state that was looked at.
+// Returns the headers that name the source of a copy, and the state of it that was looked at.
 TextPairs CopySource(const S3Path& from, const std::string& etag) {
   TextPairs headers = {
       {"x-amz-copy-source", text::PercentEncoded(from.bucket + "/" + from.key, "/")}};
@@ -156,7 +155,7 @@ QvTransferResult S3Store::Upload(const std::string& local, const std::string& re
   std::optional<LocalSource> source = LocalSource::Open(local);
   if (!source) return QvTransfer_LocalFile;
   if (source->Size() <= limits_.single_upload) {
-    // What a longer file of that name left is of no use any more.
+    // Parts of an earlier, longer file of that name are useless now.
     Forget(*target, resume);
     const S3Request request{.method = "PUT", .bucket = target->bucket, .key = target->key};
     return session_.Send(request, *source, 0, source->Size(), meter).result;
@@ -237,7 +236,8 @@ QvTransferResult S3Store::Rename(const std::string& from, const std::string& to)
 QvTransferResult S3Store::DeleteFile(const std::string& path) {
   const std::optional<S3Path> object = S3Path::OfObject(path);
   if (!object) return QvTransfer_BadArgument;
-  // To delete what is not there is a success as well. Keys that may not look may still delete.
+  // Deleting a missing object succeeds too, hence the look-up. Keys without permission to look may
+  // still delete.
   const QvTransferResult result = AskFor(*object, "HEAD").result;
   if (result != QvTransfer_Success && result != QvTransfer_Refused) return result;
   return AskFor(*object, "DELETE").result;

@@ -1,4 +1,4 @@
-// A store that speaks the S3 protocol.
+// A store on a server that speaks the S3 protocol.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace qv::components {
 
-// Sizes in bytes from which one request is too few.
+// Sizes in bytes above which an object is moved in parts, and the size of the parts of a copy.
 struct S3Limits {
   std::uint64_t single_upload = std::uint64_t{64} << 20;
   std::uint64_t single_copy = std::uint64_t{5} << 30;
@@ -21,8 +21,8 @@ struct S3Limits {
 
 class S3Store final : public RemoteStore {
  public:
-  // The server as S3Endpoint takes it. Null, and a `result` that says why, when there is none or
-  // it will not have the keys.
+  // Checks that the server is reachable and accepts the keys. Otherwise returns null and sets
+  // `result` to the reason.
   [[nodiscard]] static std::unique_ptr<S3Store> LogIn(const S3Endpoint& endpoint,
                                                       const S3Keys& keys,
                                                       const TransferSettings& settings,
@@ -50,7 +50,7 @@ class S3Store final : public RemoteStore {
   [[nodiscard]] QvTransferResult CopyInParts(const S3Path& to, const TextPairs& source,
                                              std::uint64_t bytes, Resume& resume,
                                              TransferMeter& meter);
-  // Removes what tries left that nobody goes on with.
+  // Removes what failed attempts left, since they will not be resumed.
   void Forget(const S3Path& target, Resume& resume);
 
   S3Session session_;

@@ -11,8 +11,8 @@ namespace qv::components {
 
 namespace {
 
-// The parser knows no document types and so expands no entities of a server's making; it takes
-// memory in proportion to the text, whatever stands in it.
+// The parser ignores document types, so it expands no entities that a server defines. Its memory
+// use is proportional to the text, whatever it contains.
 class Answer {
  public:
   Answer(const std::string& xml, const char* root) {
@@ -29,8 +29,8 @@ class Answer {
   pugi::xml_node root_;
 };
 
-// What a page that is not the last names for the next one. Nothing, too, for a server that keeps it
-// to itself; its pages cannot be followed.
+// Returns the marker for the next page, or nothing on the last page. The marker is empty if the
+// server omits it.
 std::optional<std::string> NextPage(const pugi::xml_node& root, const char* name) {
   if (std::string_view(root.child_value("IsTruncated")) != "true") return std::nullopt;
   return root.child_value(name);

@@ -1,4 +1,4 @@
-// The XML that an S3 server and its clients exchange. Whoever receives it bounds its length.
+// The XML that an S3 server and its clients exchange. The caller limits its length.
 #pragma once
 
 #include <cstdint>
@@ -9,18 +9,18 @@
 
 namespace qv::components {
 
-// Each reader gives nothing when the text is something else than it looks for.
+// Each reader returns nothing if the text is not what it expects.
 
-// The code of an error, as in "NoSuchKey".
+// Returns the code of an error, as in "NoSuchKey".
 [[nodiscard]] std::optional<std::string> ReadErrorCode(const std::string& xml);
 
-// The text of the element `name` right below the root, which is `root`.
+// Returns the text of the element `name` directly below the root element, which must be `root`.
 [[nodiscard]] std::optional<std::string> ReadText(const std::string& xml, const char* root,
                                                   const char* name);
 
 struct S3Listing {
   std::vector<std::string> keys;
-  // What the next page is asked for by; nothing after the last.
+  // The marker to request the next page with; nothing on the last page.
   std::optional<std::string> next;
 };
 [[nodiscard]] std::optional<S3Listing> ReadListing(const std::string& xml);
@@ -36,10 +36,10 @@ struct S3PartListing {
 };
 [[nodiscard]] std::optional<S3PartListing> ReadParts(const std::string& xml);
 
-// The error codes of the objects that a deletion of many did not delete.
+// Returns the error codes of the objects that could not be deleted.
 [[nodiscard]] std::optional<std::vector<std::string>> ReadDeleteErrors(const std::string& xml);
 
-// Whether XML can hold a key at all: of the control characters it cannot.
+// Returns true if XML can contain the key, that is, unless it has control characters.
 [[nodiscard]] bool CanStandInXml(const std::string& key);
 
 [[nodiscard]] std::string DeletionXml(const std::vector<std::string>& keys);
