@@ -23,7 +23,8 @@ class Startup {
   [[nodiscard]] static bool HasWholeArguments();
 
  private:
-  unsigned code_page_before_ = 0;  // of the console; 0 if it was not changed
+  // The code page of the console. 0 if it was not changed, as it never is where there is none.
+  [[maybe_unused]] unsigned code_page_before_ = 0;
 };
 
 // Returns how many cells a line of the terminal on standard error has. Returns 0 if there is no
