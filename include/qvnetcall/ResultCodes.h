@@ -34,6 +34,38 @@ inline constexpr int kFileSucceeded = 1;   // only of IsOperatorFileSuc
 
 }  // namespace qv::result
 
+// Why a call failed, as CRvoServer::GetLastErrorClass gives it and as the replacement transports
+// carry it. A result says what a host may do next; a class says what went wrong. New classes may be
+// added; treat one that you do not know as kInternal.
+namespace qv::error {
+
+enum Class : int {
+  kNone = 0,  // the call did not fail, or nobody gave a reason
+
+  // The server gives these.
+  kSyntax = 1,           // the statement cannot be parsed
+  kUnknownObject = 2,    // no such table, column, procedure, function, file or record
+  kUnknownDatabase = 3,  // the server has no database of this name
+  kNotAllowed = 4,       // the server does not permit this call or statement
+  kConstraint = 5,       // a key, a check or another rule of the data would be violated
+  kTimeLimit = 6,        // the call exceeded the server's time limit
+  kBusy = 7,             // the server, or what the call needs there, has no place left
+  kTooLarge = 8,         // the request or the answer exceeds a limit
+  kBadToken = 9,         // the access token or the login token is missing or wrong
+  kInternal = 10,        // any other failure of the server
+
+  // This side gives these.
+  kCannotConnect = 20,   // no connection, or TLS could not be negotiated
+  kNoProgress = 21,      // nothing arrived or was accepted for the whole time limit
+  kConnectionLost = 22,  // the connection ended or failed in the middle of the call
+  kBadReply = 23,        // the reply makes no sense, or cannot be stored
+  kCancelled = 24,       // CRvoCancel, or a progress call, cancelled the call
+  kOffline = 25,         // offline, and the cache has no answer
+  kLocal = 26            // a file, a database or an argument on this side
+};
+
+}  // namespace qv::error
+
 // What CRvoServer::SetCacheState takes and CRvoServer::GetCacheState returns.
 namespace qv::cache_state {
 
