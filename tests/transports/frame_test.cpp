@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <filesystem>
+#include <utility>
 
 #include "message/LittleEndian.h"
 #include "tests/support/TempFolder.h"
@@ -44,6 +46,22 @@ std::string GoldenReply() {
              "0000000086a61036");
 }
 
+constexpr const char* kGoldenHello =
+    "51764e34020002000000000000000000ffffffffffffffff00000000a7bfb75f";
+constexpr const char* kGoldenProgress =
+    "51764e3402000300dc05000000000000ffffffffffffffff000000002920ec1b";
+constexpr const char* kGoldenBusy =
+    "51764e34020004000000000000000000ffffffffffffffff1d000000656a358f"
+    "070000003634206f6620363420706c61636573206172652074616b656ef6e6769f";
+
+std::string GoldenReplyWithReason() {
+  return FromHex(
+             "51764e34020001000c00000000000000"
+             "ffffffffffffffff180000007c505420"
+             "020000006e6f2073756368207461626c653a207061727473") +
+         std::string(kFrameBlockSize, '\0') + FromHex("070000004641494c5552450061f0816e");
+}
+
 WholeFrame Receive(const std::string& frame, FrameKind kind, const std::string& path) {
   MemoryStream stream;
   stream.unread = frame;
@@ -65,6 +83,49 @@ TEST(Frame, WritesTheDocumentedBytes) {
   EXPECT_EQ(SendWhole(reply, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file),
             FrameStatus::kDone);
   EXPECT_EQ(reply.written, GoldenReply());
+}
+
+TEST(Frame, WritesTheDocumentedBytesOfVersion2) {
+  MemoryStream hello;
+  EXPECT_TRUE(SendHello(hello));
+  EXPECT_EQ(hello.written, FromHex(kGoldenHello));
+  MemoryStream progress;
+  EXPECT_TRUE(SendProgress(progress, std::chrono::milliseconds(1500)));
+  EXPECT_EQ(progress.written, FromHex(kGoldenProgress));
+  MemoryStream busy;
+  EXPECT_TRUE(SendBusy(busy, {error::kBusy, "64 of 64 places are taken"}));
+  EXPECT_EQ(busy.written, FromHex(kGoldenBusy));
+  MemoryStream reply;
+  const auto reason = EncodeReason({error::kUnknownObject, "no such table: parts"});
+  EXPECT_EQ(SendWhole(reply, FrameKind::kReplyWithReason,
+                      {.token = {reason.begin(), reason.end()}, .payload = Field("FAILURE")}),
+            FrameStatus::kDone);
+  EXPECT_EQ(reply.written, GoldenReplyWithReason());
+}
+
+FrameStatus ReceiveBusyOf(const std::string& frame, Reason& reason) {
+  MemoryStream stream;
+  stream.unread = frame;
+  FrameHeader header;
+  const FrameStatus status = ReceiveHeader(stream, kAnswersToHello, {}, header);
+  return status == FrameStatus::kDone && header.kind == FrameKind::kBusy
+             ? ReceiveBusy(stream, header, reason)
+             : status;
+}
+
+TEST(Frame, ReadsVersion2BackAndNoticesDamage) {
+  const WholeFrame reply = Receive(GoldenReplyWithReason(), FrameKind::kReplyWithReason, "");
+  EXPECT_EQ(reply.status, FrameStatus::kDone);
+  EXPECT_EQ(DecodeReason(BytesOfText(reply.token)),
+            (Reason{error::kUnknownObject, "no such table: parts"}));
+  const std::string busy = FromHex(kGoldenBusy);
+  Reason reason;
+  EXPECT_EQ(ReceiveBusyOf(busy, reason), FrameStatus::kDone);
+  EXPECT_EQ(reason, (Reason{error::kBusy, "64 of 64 places are taken"}));
+  for (std::size_t at = 0; at < busy.size(); ++at) {
+    EXPECT_EQ(ReceiveBusyOf(busy.substr(0, at), reason), FrameStatus::kConnectionLost) << at;
+    EXPECT_NE(ReceiveBusyOf(Damaged(busy, at), reason), FrameStatus::kDone) << at;
+  }
 }
 
 TEST(Frame, ItsLengthIsKnownBeforehand) {
@@ -118,7 +179,7 @@ FrameStatus DecodeWith(std::size_t at, std::uint64_t value, FrameKind kind) {
   StoreU64(&bytes[at], value);
   StoreU32(&bytes[28], Crc32(0, Bytes(bytes).first(28)));
   FrameHeader header;
-  return DecodeHeader(bytes, kind, {.payload = 1000, .file = 5000}, header);
+  return DecodeHeader(bytes, {&kind, 1}, {.payload = 1000, .file = 5000}, header);
 }
 
 TEST(Frame, ChecksLengthsBeforeAnythingElse) {
@@ -147,6 +208,81 @@ TEST(Frame, ChecksLengthsBeforeAnythingElse) {
         << one.at << ' ' << one.value;
   }
   EXPECT_EQ(DecodeWith(20, 0x00000001FFFFFFFF, FrameKind::kReply), FrameStatus::kMalformed);
+}
+
+TEST(Frame, ChecksWhatTheFramesOfVersion2MayHold) {
+  // No file, and token lengths in the upper half of the word at 20.
+  const auto token = [](std::uint64_t length) { return length << 32 | 0xFFFFFFFF; };
+  const struct {
+    FrameKind kind;
+    std::size_t at;
+    std::uint64_t value;
+    FrameStatus status;
+  } cases[] = {
+      {FrameKind::kReplyWithReason, 20, token(0), FrameStatus::kDone},
+      {FrameKind::kReplyWithReason, 20, token(3), FrameStatus::kMalformed},
+      {FrameKind::kReplyWithReason, 20, token(4), FrameStatus::kDone},
+      {FrameKind::kReplyWithReason, 20, token(1004), FrameStatus::kDone},
+      {FrameKind::kReplyWithReason, 20, token(1005), FrameStatus::kMalformed},
+      {FrameKind::kReplyWithReason, 8, 1001, FrameStatus::kDoesNotFit},
+      {FrameKind::kReplyWithReason, 16, 5001, FrameStatus::kDoesNotFit},
+      {FrameKind::kHello, 8, 0, FrameStatus::kDone},
+      {FrameKind::kHello, 8, 1, FrameStatus::kMalformed},
+      {FrameKind::kHello, 16, 0, FrameStatus::kMalformed},
+      {FrameKind::kHello, 20, token(4), FrameStatus::kMalformed},
+      {FrameKind::kProgress, 8, 0xFFFFFFFFFFFFFFFF, FrameStatus::kDone},
+      {FrameKind::kProgress, 16, 0, FrameStatus::kMalformed},
+      {FrameKind::kProgress, 20, token(1), FrameStatus::kMalformed},
+      {FrameKind::kBusy, 20, token(1004), FrameStatus::kDone},
+      {FrameKind::kBusy, 20, token(1005), FrameStatus::kMalformed},
+      {FrameKind::kBusy, 20, token(0xFFFFFFFF), FrameStatus::kMalformed},
+      {FrameKind::kBusy, 8, 1, FrameStatus::kMalformed},
+      {FrameKind::kBusy, 16, 1, FrameStatus::kMalformed},
+  };
+  for (const auto& one : cases) {
+    EXPECT_EQ(DecodeWith(one.at, one.value, one.kind), one.status)
+        << std::hex << static_cast<std::uint32_t>(one.kind) << ' ' << one.at << ' ' << one.value;
+  }
+  const auto hello = EncodeHeader(
+      {.kind = FrameKind::kHello, .token_length = 0, .payload_length = 0, .file_length = {}});
+  FrameHeader header;
+  EXPECT_EQ(DecodeHeader(hello, kAnswersToRequest, {}, header), FrameStatus::kMalformed);
+  EXPECT_EQ(DecodeHeader(hello, kFirstFromClient, {}, header), FrameStatus::kDone);
+  EXPECT_EQ(header.kind, FrameKind::kHello);
+  auto request = EncodeHeader({.token_length = 0, .payload_length = 0, .file_length = {}});
+  StoreU32(&request[4], 2);  // no request has version 2
+  StoreU32(&request[28], Crc32(0, Bytes(request).first(28)));
+  EXPECT_EQ(DecodeHeader(request, kFirstFromClient, {}, header), FrameStatus::kMalformed);
+}
+
+TEST(Frame, AReasonIsValidWhateverItsBytesAre) {
+  const std::string longest(kMaxReasonText, 'x');
+  const std::pair<std::string, std::string> texts[] = {
+      {"", ""},
+      {"near \"form\": syntax error", "near \"form\": syntax error"},
+      {"a\r\n\tb\x1b[31m\x7f", "a   b [31m "},
+      {std::string("a\0b", 3), "a b"},
+      {"\xC2\x85\xE2\x80\xA8\xE2\x80\xAE.", "   ."},
+      {"\xE8\xB0\x83", "\xE8\xB0\x83"},
+      {"\xE8\xB0", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {longest + "y", longest},
+      {longest.substr(2) + "\xE8\xB0\x83", longest.substr(2)},
+      {std::string(100'000, '\xFF'), std::string(ReasonText(std::string(333, '\xFF')))},
+  };
+  for (const auto& [given, clean] : texts) EXPECT_EQ(ReasonText(given), clean);
+
+  const std::pair<std::uint32_t, error::Class> classes[] = {
+      {0, error::kInternal},  {1, error::kSyntax},         {10, error::kInternal},
+      {11, error::kInternal}, {24, error::kInternal},      {0xFFFFFFFF, error::kInternal},
+      {7, error::kBusy},      {3, error::kUnknownDatabase}};
+  for (const auto& [number, error_class] : classes) {
+    unsigned char bytes[5] = {0, 0, 0, 0, '\n'};
+    StoreU32(bytes, number);
+    EXPECT_EQ(DecodeReason(bytes), (Reason{error_class, " "})) << number;
+  }
+  EXPECT_EQ(DecodeReason({}), Reason());
+  EXPECT_TRUE(EncodeReason({}).empty());
+  EXPECT_EQ(EncodeReason({error::kSyntax, longest + "y"}).size(), 4 + kMaxReasonText);
 }
 
 TEST(Frame, ChunksStayWithinTheFile) {

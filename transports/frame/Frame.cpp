@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Reason.h"
 #include "message/LittleEndian.h"
 #include "message/MsgContentBase.h"
 
@@ -13,7 +14,6 @@ static_assert(kFrameBlockSize == MessageBlock::kPayload);
 
 namespace {
 
-constexpr std::uint32_t kVersion = 1;
 constexpr std::uint64_t kNoFile = std::numeric_limits<std::uint64_t>::max();
 
 // Offsets of the header's fields.
@@ -25,15 +25,37 @@ constexpr std::size_t kTokenLengthAt = 24;
 constexpr std::size_t kHeaderChecksumAt = 28;
 static_assert(kHeaderChecksumAt + kFrameChecksumSize == kFrameHeaderSize);
 
-// The version is in the low half of this word, the kind in the high half.
-std::uint32_t VersionAndKind(FrameKind kind) {
-  return kVersion | static_cast<std::uint32_t>(kind) << 16;
+bool IsMessage(FrameKind kind) {
+  return kind == FrameKind::kRequest || kind == FrameKind::kReply ||
+         kind == FrameKind::kReplyWithReason;
+}
+
+bool IsTokenLength(FrameKind kind, std::uint32_t length) {
+  switch (kind) {
+    case FrameKind::kRequest:
+      return length <= kMaxToken;
+    case FrameKind::kReplyWithReason:
+    case FrameKind::kBusy:
+      return IsReasonLength(length);
+    case FrameKind::kReply:
+    case FrameKind::kHello:
+    case FrameKind::kProgress:
+      break;
+  }
+  return length == 0;
 }
 
 bool IsWithinFormat(const FrameHeader& header) {
-  if (header.payload_length > kMaxPayload) return false;
-  if (header.file_length && *header.file_length > kMaxFile) return false;
-  return header.token_length <= (header.kind == FrameKind::kRequest ? kMaxToken : 0);
+  if (!IsTokenLength(header.kind, header.token_length)) return false;
+  if (IsMessage(header.kind)) {
+    return header.payload_length <= kMaxPayload && header.file_length.value_or(0) <= kMaxFile;
+  }
+  return !header.file_length && (header.payload_length == 0 || header.kind == FrameKind::kProgress);
+}
+
+bool IsWithin(const FrameLimits& limits, const FrameHeader& header) {
+  return !IsMessage(header.kind) ||
+         (header.payload_length <= limits.payload && header.file_length.value_or(0) <= limits.file);
 }
 
 }  // namespace
@@ -56,7 +78,7 @@ std::uint32_t Crc32(std::uint32_t start, Bytes bytes) {
 std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& header) {
   std::array<unsigned char, kFrameHeaderSize> bytes{};
   std::ranges::copy(kFrameMagic, &bytes[kMagicAt]);
-  StoreU32(&bytes[kVersionAndKindAt], VersionAndKind(header.kind));
+  StoreU32(&bytes[kVersionAndKindAt], static_cast<std::uint32_t>(header.kind));
   StoreU64(&bytes[kPayloadLengthAt], header.payload_length);
   StoreU64(&bytes[kFileLengthAt], header.file_length.value_or(kNoFile));
   StoreU32(&bytes[kTokenLengthAt], header.token_length);
@@ -64,25 +86,23 @@ std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& head
   return bytes;
 }
 
-FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes, FrameKind expected,
-                         const FrameLimits& limits, FrameHeader& header) {
+FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes,
+                         FrameKinds expected, const FrameLimits& limits, FrameHeader& header) {
   if (!std::ranges::equal(bytes.subspan<kMagicAt, kFrameMagic.size()>(), kFrameMagic)) {
     return FrameStatus::kMalformed;
   }
   if (LoadU32(&bytes[kHeaderChecksumAt]) != Crc32(0, bytes.first(kHeaderChecksumAt))) {
     return FrameStatus::kBadChecksum;
   }
-  if (LoadU32(&bytes[kVersionAndKindAt]) != VersionAndKind(expected))
-    return FrameStatus::kMalformed;
-  FrameHeader decoded{.kind = expected,
+  const auto kind = static_cast<FrameKind>(LoadU32(&bytes[kVersionAndKindAt]));
+  if (std::ranges::find(expected, kind) == expected.end()) return FrameStatus::kMalformed;
+  FrameHeader decoded{.kind = kind,
                       .token_length = LoadU32(&bytes[kTokenLengthAt]),
                       .payload_length = LoadU64(&bytes[kPayloadLengthAt]),
                       .file_length = LoadU64(&bytes[kFileLengthAt])};
   if (decoded.file_length == kNoFile) decoded.file_length.reset();
   if (!IsWithinFormat(decoded)) return FrameStatus::kMalformed;
-  if (decoded.payload_length > limits.payload || decoded.file_length.value_or(0) > limits.file) {
-    return FrameStatus::kDoesNotFit;
-  }
+  if (!IsWithin(limits, decoded)) return FrameStatus::kDoesNotFit;
   header = decoded;
   return FrameStatus::kDone;
 }

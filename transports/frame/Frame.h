@@ -2,14 +2,16 @@
 // carries. docs/wire-protocol.md describes the format. The code here encodes, decodes and validates
 // without any socket or file.
 //
-// A frame is
+// The frame of a request or a reply is
 //   the header (kFrameHeaderSize bytes), with its own checksum,
-//   the token (only in a request, often empty),
+//   the token of a request, or the reason of a reply of version 2; often empty,
 //   the message's header block (kFrameBlockSize bytes),
 //   the payload: the message's fields unchanged,
-//   the body checksum: CRC-32 of token, block and payload,
+//   the body checksum: CRC-32 of token or reason, block and payload,
 //   and, if there is a file, its chunks: a chunk header and 1 to kMaxChunk bytes each, ended by a
 //   chunk header of length 0.
+// The frames hello and progress are a header alone. The frame busy is a header, a reason and the
+// CRC-32 of the reason.
 #pragma once
 
 #include <array>
@@ -48,11 +50,30 @@ enum class FrameStatus {
   kFileFailed,  // the local file could not be read or written
 };
 
-enum class FrameKind : std::uint16_t { kRequest = 0, kReply = 1 };
+// The values are those of the header's word: the version is in the low half, the kind in the high
+// half. Only a client that has said hello, or asked for version 2 over HTTP, is sent frames of
+// version 2.
+enum class FrameKind : std::uint32_t {
+  kRequest = 0x0000'0001,
+  kReply = 0x0001'0001,
+  kReplyWithReason = 0x0001'0002,
+  kHello = 0x0002'0002,     // the first frame of a client that knows version 2, and its answer
+  kProgress = 0x0003'0002,  // the server is still at work
+  kBusy = 0x0004'0002,      // in place of the answer to a hello: the server has no place left
+};
+
+// What a receiver takes next.
+using FrameKinds = std::span<const FrameKind>;
+inline constexpr FrameKind kFirstFromClient[] = {FrameKind::kRequest, FrameKind::kHello};
+inline constexpr FrameKind kAnswersToHello[] = {FrameKind::kHello, FrameKind::kBusy};
+inline constexpr FrameKind kAnswersToRequest[] = {FrameKind::kReply, FrameKind::kReplyWithReason,
+                                                  FrameKind::kProgress};
 
 struct FrameHeader {
   FrameKind kind = FrameKind::kRequest;
+  // The length of the token, or, in version 2, of the reason as EncodeReason writes it.
   std::uint32_t token_length = 0;
+  // Of kProgress: how long the server has been at work, in milliseconds; any number.
   std::uint64_t payload_length = 0;
   // Nothing if there is no file.
   std::optional<std::uint64_t> file_length;
@@ -73,9 +94,10 @@ struct FrameLimits {
 [[nodiscard]] std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& header);
 
 // Validates a header completely, so that nothing needs to be allocated before. Fills `header` only
-// if the result is kDone. Returns kDoesNotFit for a valid header that exceeds `limits`.
+// if the result is kDone. Returns kMalformed for a kind that is not among `expected`, and
+// kDoesNotFit for a valid header that exceeds `limits`.
 [[nodiscard]] FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes,
-                                       FrameKind expected, const FrameLimits& limits,
+                                       FrameKinds expected, const FrameLimits& limits,
                                        FrameHeader& header);
 
 // Continues a CRC-32: returns the checksum of the bytes that `start` is the checksum of, followed

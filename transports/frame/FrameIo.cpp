@@ -44,6 +44,11 @@ std::array<unsigned char, kFrameChecksumSize> BodyChecksum(Bytes token, Bytes bl
   return bytes;
 }
 
+bool SendHeader(ByteStream& stream, FrameKind kind, std::uint64_t number) {
+  return stream.Write({EncodeHeader(
+      {.kind = kind, .token_length = 0, .payload_length = number, .file_length = {}})});
+}
+
 FrameStatus SendChunks(ByteStream& stream, OutgoingFile& file, const FileProgress& progress) {
   std::vector<unsigned char> buffer(
       static_cast<std::size_t>(std::min<std::uint64_t>(file.Length(), kChunkSize)));
@@ -121,7 +126,37 @@ FrameStatus SendFrame(ByteStream& stream, const OutgoingMessage& message, Outgoi
   return file != nullptr ? SendChunks(stream, *file, progress) : FrameStatus::kDone;
 }
 
+bool SendHello(ByteStream& stream) { return SendHeader(stream, FrameKind::kHello, 0); }
+
+bool SendProgress(ByteStream& stream, std::chrono::milliseconds at_work) {
+  return SendHeader(stream, FrameKind::kProgress,
+                    static_cast<std::uint64_t>(std::max<std::int64_t>(at_work.count(), 0)));
+}
+
+bool SendBusy(ByteStream& stream, const Reason& reason) {
+  const std::vector<unsigned char> encoded = EncodeReason(reason);
+  const auto header = EncodeHeader({.kind = FrameKind::kBusy,
+                                    .token_length = static_cast<std::uint32_t>(encoded.size()),
+                                    .payload_length = 0,
+                                    .file_length = {}});
+  return stream.Write({header, encoded, BodyChecksum(encoded, {}, {})});
+}
+
+FrameStatus ReceiveBusy(ByteStream& stream, const FrameHeader& header, Reason& reason) {
+  std::vector<unsigned char> encoded(header.token_length);
+  std::array<unsigned char, kFrameChecksumSize> checksum{};
+  if (!stream.Read(encoded) || !stream.Read(checksum)) return FrameStatus::kConnectionLost;
+  if (checksum != BodyChecksum(encoded, {}, {})) return FrameStatus::kBadChecksum;
+  reason = DecodeReason(encoded);
+  return FrameStatus::kDone;
+}
+
 FrameStatus ReceiveHeader(ByteStream& stream, FrameKind expected, const FrameLimits& limits,
+                          FrameHeader& header) {
+  return ReceiveHeader(stream, FrameKinds(&expected, 1), limits, header);
+}
+
+FrameStatus ReceiveHeader(ByteStream& stream, FrameKinds expected, const FrameLimits& limits,
                           FrameHeader& header) {
   std::array<unsigned char, kFrameHeaderSize> bytes{};
   if (!stream.Read(bytes)) return FrameStatus::kConnectionLost;

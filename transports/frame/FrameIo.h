@@ -2,6 +2,7 @@
 // use does not depend on the length of a file.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "Frame.h"
+#include "Reason.h"
 #include "base/platform/Folder.h"
 
 namespace qv::wire {
@@ -52,7 +54,9 @@ using FileProgress = std::function<void(std::uint64_t done, std::uint64_t total)
 
 // A message to send. Refers to the caller's bytes.
 struct OutgoingMessage {
+  // kRequest, kReply or kReplyWithReason.
   FrameKind kind = FrameKind::kRequest;
+  // The token of a request, the reason of kReplyWithReason as EncodeReason gives it, else empty.
   Bytes token;
   // kFrameBlockSize bytes.
   Bytes block;
@@ -60,7 +64,7 @@ struct OutgoingMessage {
 };
 
 // The buffers for the parts of a received message. Each has exactly the length that the header
-// states.
+// states. The token of kReplyWithReason is the reason, which DecodeReason reads.
 struct IncomingMessage {
   WritableBytes token;
   WritableBytes block;
@@ -77,11 +81,23 @@ struct IncomingMessage {
                                     OutgoingFile* file = nullptr,
                                     const FileProgress& progress = nullptr);
 
-// A frame is received in three steps: the header, which states how large the message is, the
+// Send the other frames of version 2. Return false if the stream failed; it must not be used again
+// then.
+[[nodiscard]] bool SendHello(ByteStream& stream);
+[[nodiscard]] bool SendProgress(ByteStream& stream, std::chrono::milliseconds at_work);
+[[nodiscard]] bool SendBusy(ByteStream& stream, const Reason& reason);
+
+// A message is received in three steps: the header, which states how large the message is, the
 // message, and, if header.file_length is set, the file, which is received or skipped. After any
 // failure the stream must not be used again.
+[[nodiscard]] FrameStatus ReceiveHeader(ByteStream& stream, FrameKinds expected,
+                                        const FrameLimits& limits, FrameHeader& header);
+// The same if only one kind is expected.
 [[nodiscard]] FrameStatus ReceiveHeader(ByteStream& stream, FrameKind expected,
                                         const FrameLimits& limits, FrameHeader& header);
+// Receives what follows a header of kBusy. Fills `reason` only if the result is kDone.
+[[nodiscard]] FrameStatus ReceiveBusy(ByteStream& stream, const FrameHeader& header,
+                                      Reason& reason);
 // The contents of `message` are valid only if the result is kDone.
 [[nodiscard]] FrameStatus ReceiveMessage(ByteStream& stream, const IncomingMessage& message);
 // Receives the file into a part beside `path`, readable by its owner only, and moves it to `path`
