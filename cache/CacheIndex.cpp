@@ -54,7 +54,8 @@ bool MayOpen(const std::string& path) {
 // second one would drop its POSIX locks), and before the first query, which would create the -wal
 // file.
 bool HasWriteAheadLog(sqlite3* database) {
-  constexpr std::string_view kMagic("SQLite format 3", 16);
+  using std::string_view_literals::operator""sv;
+  constexpr std::string_view kMagic = "SQLite format 3\0"sv;
   constexpr std::size_t kWriteVersion = 18;
   constexpr std::size_t kReadVersion = 19;
   std::array<char, kReadVersion + 1> head{};

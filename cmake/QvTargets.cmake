@@ -79,7 +79,7 @@ endfunction()
 # qv_speaks_utf8(<program>): makes UTF-8 the narrow code page of a program, as it is off Windows.
 function(qv_speaks_utf8 target)
   if(WIN32)
-    target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/Utf8.rc)
+    target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/Utf8.rc)
   endif()
 endfunction()
 

@@ -25,7 +25,7 @@ void Assign(char (&field)[260], const char* text) {
 
 // Runs when the library is loaded. The module's state, which is first used here, records the
 // module's file before that.
-[[maybe_unused]] const bool started = [] {
+[[maybe_unused]] const bool kStarted = [] {
   CRvoDatabase::Ini();
   return true;
 }();

@@ -66,7 +66,7 @@ std::string HexCells::WriteBytes(std::span<const unsigned char> bytes) {
   constexpr int kAttempts = 10000;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto number = static_cast<std::int32_t>(file_counter++);
-    const std::string path = timed + std::to_string(number) + extension_;
+    std::string path = timed + std::to_string(number) + extension_;
     storage::OutputFile file(path, platform::Create::kNew);
     const bool is_new = file.IsOpen();
     if (!is_new && errno == EEXIST) continue;
@@ -80,7 +80,7 @@ std::string HexCells::WriteBytes(std::span<const unsigned char> bytes) {
 
 std::string Base64Cells::Write(std::string_view text) {
   if (text.empty()) return {};
-  const std::string path = base_ + extension_;
+  std::string path = base_ + extension_;
   storage::OutputFile file(path, platform::Create::kAlways);
   if (!file.IsOpen()) return {};
   if (WriteAndClose(file, DecodeBase64(text))) return path;

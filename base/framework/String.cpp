@@ -1,6 +1,7 @@
 #include "qvnetcall/framework/String.h"
 
 #include <algorithm>
+#include <compare>
 #include <cstdarg>
 #include <cstdio>
 
@@ -25,7 +26,8 @@ constexpr int Position(std::size_t place) noexcept {
 }
 
 constexpr int Sign(std::strong_ordering order) noexcept {
-  return order < 0 ? -1 : (order > 0 ? 1 : 0);
+  if (std::is_lt(order)) return -1;
+  return std::is_gt(order) ? 1 : 0;
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace qv::odbc {
 namespace {
 
 // The most that one call fetches of a cell.
-constexpr std::size_t kPieceBytes = 64 * 1024;
+constexpr std::size_t kPieceBytes = 64U << 10;
 
 ColumnKind KindOf(SQLSMALLINT type) {
   switch (type) {

@@ -18,7 +18,7 @@ constexpr std::size_t kMaxBody = 4U << 20;
 constexpr std::size_t kHashBlock = 256U << 10;
 // The number of bytes per second that a server is expected to copy or to assemble.
 constexpr std::uint64_t kServerSpeed = 8U << 20;
-constexpr std::uint64_t kLongestWait = 24 * 60 * 60;
+constexpr std::uint64_t kLongestWait = 86'400;  // one day
 // The time limit of an answer, in multiples of the time limit without progress.
 constexpr int kAnswerPatience = 20;
 

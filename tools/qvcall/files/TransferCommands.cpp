@@ -22,7 +22,7 @@ namespace {
 using Files = std::vector<FileTransfer>;
 
 std::string Label(const Files& files, const FileTransfer& file) {
-  const std::string name(LastPart(file.server));
+  std::string name(LastPart(file.server));
   if (files.size() == 1) return name;
   return fmt::format("{} of {}: {}", &file - files.data() + 1, files.size(), name);
 }

@@ -78,6 +78,13 @@ void List(Services& services, Request& request, Reply& reply, std::uint64_t kind
   if (!bytes.empty()) reply.fields.Bytes(bytes);
 }
 
+// Calls a search of the directory with the text that the request holds.
+template <auto kFind>
+Outcome ForText(Directory& directory, FieldReader& fields, Directory::Entries& found) {
+  const auto text = fields.View();
+  return text ? (directory.*kFind)(*text, kMostRecords, found) : FieldMissing();
+}
+
 // Returns the users in a list that "," or ";" separate, without their domains and surrounding
 // blanks.
 std::vector<std::string_view> UsersIn(std::string_view list) {
@@ -97,11 +104,7 @@ std::vector<std::string_view> UsersIn(std::string_view list) {
 }  // namespace
 
 void ListGroups(Services& services, Request& request, Reply& reply) {
-  List(services, request, reply, records::directory::kGroup,
-       [](Directory& directory, FieldReader& fields, Directory::Entries& found) {
-         const auto pattern = fields.View();
-         return pattern ? directory.FindGroups(*pattern, kMostRecords, found) : FieldMissing();
-       });
+  List(services, request, reply, records::directory::kGroup, ForText<&Directory::FindGroups>);
 }
 
 void ListUsers(Services& services, Request& request, Reply& reply) {
@@ -112,11 +115,7 @@ void ListUsers(Services& services, Request& request, Reply& reply) {
 }
 
 void ListGroupUsers(Services& services, Request& request, Reply& reply) {
-  List(services, request, reply, records::directory::kUser,
-       [](Directory& directory, FieldReader& fields, Directory::Entries& found) {
-         const auto group = fields.View();
-         return group ? directory.FindUsersOf(*group, kMostRecords, found) : FieldMissing();
-       });
+  List(services, request, reply, records::directory::kUser, ForText<&Directory::FindUsersOf>);
 }
 
 void MakeDepartment(Services& services, Request& request, Reply& reply) {
