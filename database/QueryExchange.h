@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "AnswerFile.h"
 #include "message/MsgContent.h"
 #include "server/Exchange.h"
 
@@ -27,51 +28,8 @@ class QueryExchange : public Exchange {
   [[nodiscard]] int SendBy(bool web, int compress) { return web ? SendOverWeb(compress) : Send(); }
 };
 
-}  // namespace qv
-
-class CRvoDbRes;
-
-namespace qv {
-
 // Returns the query cache's key for an answer: the server, the database and the text.
 [[nodiscard]] std::string CacheKey(const char* database, const CString& sql);
-
-// The file of one answer, and the gzip file that it was unpacked from. Both are in the folder of
-// temporary files and stay there until Delete: on some paths of a call, what a transport wrote must
-// remain.
-class AnswerFile {
- public:
-  AnswerFile() = default;
-  // Returns a new name for a file that does not exist yet.
-  static AnswerFile New();
-  // Takes an existing file.
-  explicit AnswerFile(std::string path) : path_(std::move(path)) {}
-
-  // The path that a reader reads, and that a transport writes.
-  [[nodiscard]] const std::string& Path() const { return path_; }
-  // The gzip file of a compressed answer; empty if the answer came plain.
-  [[nodiscard]] const std::string& CompressedPath() const { return compressed_path_; }
-
-  // Writes the reply's next field to the file. An incomplete file is removed, so that nothing takes
-  // it for an answer.
-  void TakeFrom(CMsgContent& reply) const;
-  // Unpacks the file beside itself; Path then returns the result. Returns false on failure; Delete
-  // removes both files.
-  [[nodiscard]] bool Unpack();
-  // Reads the file in the dialect of the server's type. Returns false if it is not a recordset.
-  [[nodiscard]] bool ReadInto(CRvoDbRes& result, bool web) const;
-  void Delete() const;
-
- private:
-  std::string path_;
-  std::string compressed_path_;
-};
-
-// Deletes an answer's files at the end of a block, also after an exception.
-struct DeleteAtExit {
-  const AnswerFile& file;
-  ~DeleteAtExit() { file.Delete(); }
-};
 
 // Which answers a call accepts.
 enum class Accept { kPlain, kPlainOrCompressed };

@@ -1,32 +1,14 @@
 #include "TransferQueue.h"
 
-#include <algorithm>
 #include <optional>
 
 #include "RemoteStore.h"
+#include "Retries.h"
 #include "base/platform/Platform.h"
 
 namespace qv::components {
 
 namespace {
-
-constexpr long kMostTries = 100;
-constexpr std::chrono::milliseconds kFirstWait{100};
-constexpr std::chrono::milliseconds kLongestWait{5000};
-
-// Returns true if every other file would fail in the same way.
-bool EndsRun(QvTransferResult result) {
-  switch (result) {
-    case QvTransfer_NotLoggedIn:
-    case QvTransfer_CannotConnect:
-    case QvTransfer_LoginRefused:
-    case QvTransfer_NotTrusted:
-    case QvTransfer_Stopped:
-      return true;
-    default:
-      return false;
-  }
-}
 
 // Returns the path in the form in which it is used, or nothing if it is not valid.
 std::optional<std::string> Usable(const std::string& path, bool is_local) {
@@ -46,7 +28,6 @@ QvTransferResult TransferQueue::Add(const std::string& first, const std::string&
 }
 
 RunOutcome TransferQueue::Run(RemoteStore* store, long option) {
-  const long more_tries = std::clamp(option, 0L, kMostTries);
   RunMeter meter(pairs_.size());
   RunOutcome outcome;
   bool goes_on = true;
@@ -55,7 +36,7 @@ RunOutcome TransferQueue::Run(RemoteStore* store, long option) {
     Pair& pair = pairs_[i];
     if (!pair.has_succeeded && goes_on) {
       meter.Begin(pair.first, i);
-      const QvTransferResult result = Move(store, pair, more_tries, meter);
+      const QvTransferResult result = Move(store, pair, option, meter);
       pair.has_succeeded = result == QvTransfer_Success;
       meter.End(pair.has_succeeded);
       if (outcome.result == QvTransfer_Success) outcome.result = result;
@@ -68,20 +49,16 @@ RunOutcome TransferQueue::Run(RemoteStore* store, long option) {
   return outcome;
 }
 
-QvTransferResult TransferQueue::Move(RemoteStore* store, Pair& pair, long tries_left,
+QvTransferResult TransferQueue::Move(RemoteStore* store, Pair& pair, long option,
                                      RunMeter& meter) const {
   if (store == nullptr) return QvTransfer_NotLoggedIn;
   if (meter.IsStopped()) return QvTransfer_Stopped;
+  Retries retries(option);
   QvTransferResult result = TryOnce(*store, pair, meter);
-  bool has_broken = result == QvTransfer_Broken;
-  std::chrono::milliseconds wait{0};
-  for (; has_broken && tries_left > 0; --tries_left) {
-    if (!meter.Wait(wait)) return QvTransfer_Stopped;
-    wait = wait.count() == 0 ? kFirstWait : std::min(2 * wait, kLongestWait);
+  while (retries.AnotherAfter(result)) {
+    if (!meter.Wait(retries.NextPause())) return QvTransfer_Stopped;
     meter.TryAgain();
     result = TryOnce(*store, pair, meter);
-    // CannotConnect right after Broken is the same outage, so it is retried too.
-    has_broken = result == QvTransfer_Broken || result == QvTransfer_CannotConnect;
   }
   return result;
 }

@@ -45,7 +45,7 @@ class TransferQueue {
     bool has_succeeded = false;
   };
 
-  QvTransferResult Move(RemoteStore* store, Pair& pair, long tries_left, RunMeter& meter) const;
+  QvTransferResult Move(RemoteStore* store, Pair& pair, long option, RunMeter& meter) const;
   QvTransferResult TryOnce(RemoteStore& store, Pair& pair, RunMeter& meter) const;
 
   TransferKind kind_;
