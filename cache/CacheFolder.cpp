@@ -10,6 +10,7 @@
 
 #include "GzipFile.h"
 #include "QueryCache.h"
+#include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 #include "base/storage/FileNames.h"
 #include "base/text/Letters.h"
@@ -120,6 +121,16 @@ std::optional<std::string> CacheFolder::Find(const std::string& key,
 std::optional<CacheIndex::Entry> CacheFolder::LookUp(const std::string& key) {
   const std::lock_guard lock(mutex_);
   return index_->Find(key);
+}
+
+// An answer's file is written once, by Store().
+std::optional<std::int64_t> CacheFolder::StoredAt(const std::string& key) {
+  const std::optional<CacheIndex::Entry> entry = LookUp(key);
+  if (!entry || !IsName(entry->file, kAnswer)) return std::nullopt;
+  const auto folder = platform::Folder::Open(path_);
+  const auto file = folder ? folder->Look(entry->file) : std::nullopt;
+  if (!file || file->kind != platform::EntryKind::kFile) return std::nullopt;
+  return file->modified;
 }
 
 CacheFolder::TakeOutResult CacheFolder::TakeOut(const CacheIndex::Entry& entry,

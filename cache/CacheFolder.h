@@ -1,6 +1,7 @@
 // A folder of cached answers with its index.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -23,6 +24,7 @@ class CacheFolder {
   // These do what QueryCache declares.
   [[nodiscard]] std::optional<std::string> Find(const std::string& key,
                                                 const std::string& target_folder);
+  [[nodiscard]] std::optional<std::int64_t> StoredAt(const std::string& key);
   [[nodiscard]] bool Store(const std::string& key, const std::string& file, int flag);
   [[nodiscard]] bool Clear();
 

@@ -24,6 +24,12 @@ std::optional<std::string> QueryCache::Find(const std::string& key,
   return folder->Find(key, target_folder);
 }
 
+std::optional<std::int64_t> QueryCache::StoredAt(const std::string& key) const {
+  const std::shared_ptr<CacheFolder> folder = Folder();
+  if (folder == nullptr) return std::nullopt;
+  return folder->StoredAt(key);
+}
+
 bool QueryCache::Store(const std::string& key, const std::string& file, int flag) {
   const std::shared_ptr<CacheFolder> folder = Folder();
   return folder != nullptr && folder->Store(key, file, flag);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -43,6 +44,10 @@ class QueryCache {
   // no answer, if it turns out to be damaged (it is then removed), or if the copy cannot be made.
   [[nodiscard]] std::optional<std::string> Find(const std::string& key,
                                                 const std::string& target_folder) const;
+
+  // Returns when the answer to `key` was stored, in seconds since 1970 UTC, or nothing if there is
+  // no answer.
+  [[nodiscard]] std::optional<std::int64_t> StoredAt(const std::string& key) const;
 
   // Stores a copy of `file`, whose format is `flag` (a CacheFlag), under `key`, replacing the
   // earlier one. Returns false on failure and then keeps the earlier one.

@@ -51,6 +51,10 @@ int CRvoDatabase::ExecuteSP(const CString* sql, CRvoDbRes* result, const char* d
                       *result);
 }
 
+long long CRvoDatabase::GetStoredAnswerTime(const CString* sql, const char* database) {
+  return ModuleState::Get().cache.StoredAt(qv::CacheKey(database, *sql)).value_or(0);
+}
+
 int CRvoDatabase::ReadFromXmlFile(const char* path, CRvoDbRes* res,
                                   const tagTEMPFILEINFO& temp_files) {
   return qv::ReadRowsetFile(path, *res, temp_files) ? 1 : 0;

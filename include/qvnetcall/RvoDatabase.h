@@ -55,6 +55,12 @@ class QVNETCALL_API CRvoDatabase {
   static int SelectSQL(const CString* sql, CRvoDbRes* res, const char* database, int use_cache);
   static int ExecuteSP(const CString* sql, CRvoDbRes* result, const char* database, int use_cache);
 
+  // Returns when the answer to a query or a procedure call was stored in the query cache, in
+  // seconds since 1970 UTC, or 0 if the cache has no answer to that text. Thus a host can show how
+  // old an answer is that it was given offline. Sends nothing. Not part of the platform's
+  // interface: an extension of this library.
+  static long long GetStoredAnswerTime(const CString* sql, const char* database);
+
   // Runs one statement, which returns no rows, on the server's database of that name. Returns one
   // of (names in qv::result)
   // - 0 (kSuccess): the server ran the statement;

@@ -98,6 +98,19 @@ TEST_F(QueryCacheTest, KeepsTheNewestAnswerOfEachKey) {
   EXPECT_EQ(Files().size(), 0u);
 }
 
+TEST_F(QueryCacheTest, KnowsWhenAnAnswerWasStored) {
+  ASSERT_TRUE(Store("key", "text"));
+  const std::chrono::sys_seconds long_ago{std::chrono::seconds(1'500'000'000)};
+  fs::last_write_time(fs::path(path_) / *Files().begin(),
+                      std::chrono::file_clock::from_sys(long_ago));
+  EXPECT_EQ(cache_.StoredAt("key"), 1'500'000'000);
+  EXPECT_EQ(cache_.StoredAt("other"), std::nullopt);
+  Sql("update qv_tp_sqlindex set file_name = '../answer'");
+  EXPECT_EQ(cache_.StoredAt("key"), std::nullopt);
+  EXPECT_TRUE(cache_.SetPath(""));
+  EXPECT_EQ(cache_.StoredAt("key"), std::nullopt);
+}
+
 TEST_F(QueryCacheTest, TakesKeysOfAnyBytes) {
   const std::string long_key(3'000'000, 'x');
   const std::string with_nuls[] = {std::string("a\0b", 3), std::string("a\0c", 3)};

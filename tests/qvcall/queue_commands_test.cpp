@@ -1,11 +1,8 @@
 // Runs the program itself, with the components beside it, against servers that the tests start.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <pty.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -55,25 +52,15 @@ class QueueCommands : public testing::TestWithParam<Place> {
     return words;
   }
   // Returns the exit status; the output is in `output_`.
-  int Run(const Words& words) {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    const pid_t pid = Spawn(words, ends[1], true, folder_.Path().string());
-    close(ends[1]);
-    return Collect(pid, ends[0]);
-  }
+  int Run(const Words& words) { return Keep(RunToEnd(words, folder_.Path().string())); }
   int Call(Words more) {
     more.insert(more.begin(), {"--password-file", "password"});
     return Run(Command(more));
   }
-  int Collect(pid_t pid, int from) {
-    output_.clear();
-    for (char ch = 0; read(from, &ch, 1) == 1;) output_ += ch;
-    close(from);
+  int Keep(const Ended& ended) {
+    output_ = ended.output;
     EXPECT_THAT(output_, Not(HasSubstr(place_.password)));
-    int status = -1;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return ended.status;
   }
 
   const Place place_;
@@ -154,7 +141,7 @@ TEST_F(QueueCommandsAtFtp, AskForThePasswordWithoutShowingIt) {
   ASSERT_EQ(asked, question);
   const std::string typed = place_.password + std::string("\n");
   ASSERT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
-  EXPECT_EQ(Collect(pid, terminal), 0) << output_;
+  EXPECT_EQ(Keep(WaitFor(pid, terminal)), 0) << output_;
   EXPECT_EQ(BytesOf(Here("server/a")), "bytes");
 }
 

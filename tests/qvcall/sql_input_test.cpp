@@ -5,7 +5,18 @@
 #include <string>
 #include <vector>
 
+#include "tools/qvcall/commands/AnswerCache.h"
+
 namespace {
+
+TEST(AnswerCache, HasAFolderForEachServerAndTellsAges) {
+  EXPECT_EQ(qv::tool::CacheFolderName("Plans.Example", 4000), "4000@plans.example");
+  EXPECT_EQ(qv::tool::CacheFolderName("::1/..\\", 1), "1@%3a%3a1%2f..%5c");
+  const std::pair<int, const char*> ages[] = {
+      {-5, "0 seconds"}, {1, "1 second"},     {59, "59 seconds"}, {60, "1 minute"},
+      {7199, "1 hour"},  {86399, "23 hours"}, {200'000, "2 days"}};
+  for (const auto& [seconds, age] : ages) EXPECT_EQ(qv::tool::AgeText(seconds), age);
+}
 
 TEST(SqlSplitter, SplitsOnlyBetweenStatements) {
   // Each expected statement follows its line number.

@@ -53,16 +53,11 @@ std::vector<std::string> AsServerUser(std::vector<std::string> command) {
   return words;
 }
 
-// Runs a program to its end. Prints its output if it failed.
-bool RunToEnd(const std::vector<std::string>& words, const std::string& folder) {
-  const std::string output = folder + "/output";
-  const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  const pid_t pid = Spawn(words, file, true, folder);
-  close(file);
-  int status = -1;
-  if (pid > 0) waitpid(pid, &status, 0);
-  if (status != 0) ADD_FAILURE() << words.back() << ": " << BytesOf(output);
-  return status == 0;
+// Runs a program to its end. The test fails with its output if it failed.
+bool Succeeds(const std::vector<std::string>& words, const std::string& folder) {
+  const Ended ended = RunToEnd(words, folder);
+  if (ended.status != 0) ADD_FAILURE() << words.back() << ": " << ended.output;
+  return ended.status == 0;
 }
 
 }  // namespace
@@ -97,7 +92,7 @@ bool PostgresServer::MakeCluster() {
       if (chown(path.c_str(), user->pw_uid, user->pw_gid) != 0) return false;
     }
   }
-  return RunToEnd(AsServerUser({programs_ + "initdb", "--username=tester", "--pwfile=password",
+  return Succeeds(AsServerUser({programs_ + "initdb", "--username=tester", "--pwfile=password",
                                 "--auth=scram-sha-256", "--encoding=UTF8", "--locale=C.UTF-8",
                                 "--no-sync", "data"}),
                   folder);
@@ -155,7 +150,7 @@ bool PostgresServer::Run(std::vector<std::string> psql_arguments) const {
                                  "--quiet",
                                  "--set=ON_ERROR_STOP=1"};
   words.insert(words.end(), psql_arguments.begin(), psql_arguments.end());
-  return RunToEnd(words, folder_.Path().string());
+  return Succeeds(words, folder_.Path().string());
 }
 
 }  // namespace qv

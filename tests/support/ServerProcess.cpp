@@ -30,6 +30,33 @@ pid_t Spawn(std::vector<std::string> words, int output, bool with_errors,
   return pid;
 }
 
+std::string ReadToEnd(int output) {
+  std::string all;
+  std::array<char, 4096> piece;
+  // A terminal whose other end is closed reports an error.
+  for (ssize_t got = 0; (got = read(output, piece.data(), piece.size())) > 0;) {
+    all.append(piece.data(), static_cast<std::size_t>(got));
+  }
+  close(output);
+  return all;
+}
+
+Ended WaitFor(pid_t pid, int output) {
+  Ended ended{-1, ReadToEnd(output)};
+  int status = -1;
+  if (pid > 0) waitpid(pid, &status, 0);
+  if (pid > 0 && WIFEXITED(status)) ended.status = WEXITSTATUS(status);
+  return ended;
+}
+
+Ended RunToEnd(const std::vector<std::string>& words, const std::string& folder) {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return {-1, "no pipe"};
+  const pid_t pid = Spawn(words, ends[1], true, folder);
+  close(ends[1]);
+  return WaitFor(pid, ends[0]);
+}
+
 ServerProcess::ServerProcess(const std::vector<std::string>& command) {
   std::array<int, 2> pipe_ends{};
   if (pipe2(pipe_ends.data(), O_CLOEXEC) != 0) return;

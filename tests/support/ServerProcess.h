@@ -15,6 +15,18 @@ namespace qv {
 pid_t Spawn(std::vector<std::string> words, int output, bool with_errors,
             const std::string& folder = "");
 
+// Returns all that can be read from `output`, which is then closed.
+std::string ReadToEnd(int output);
+
+struct Ended {
+  int status;  // -1 if a signal ended the program, or it could not be started
+  std::string output;
+};
+// Waits for a program whose output comes from `output`, which is then closed.
+Ended WaitFor(pid_t pid, int output);
+// Runs a program like Spawn, to its end, with its errors in its output.
+Ended RunToEnd(const std::vector<std::string>& words, const std::string& folder = "");
+
 // A server that the constructor starts and the destructor kills.
 class ServerProcess {
  public:

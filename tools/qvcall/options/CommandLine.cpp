@@ -79,13 +79,15 @@ QueryCommand AddQuery(CLI::App& app, const char* name, const char* description,
       ->option_text("table|csv|json [table]");
   command->footer(
       "Binary cells are written to files in the temporary folder, which are not deleted; the cells "
-      "show their paths.");
+      "show their paths. Over HTTP, all of them are written to the same file, one after the "
+      "other.");
   CLI::Option* cache =
       command
           ->add_option(
               "--cache", query.cache_folder,
-              "Store answers in DIR and use them while the server cannot be reached. "
-              "Without DIR, a folder of the user's own is used; then put --cache after the "
+              "Store answers in DIR, in a folder for each server and port, and use them while the "
+              "server cannot be reached. Without DIR, a folder of the user's own is used; then put "
+              "--cache after the "
               "statement. Not with --web or --direct")
           ->expected(0, 1)
           ->option_text("[DIR]");

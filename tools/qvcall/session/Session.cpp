@@ -12,6 +12,7 @@
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
 #include "tools/qvcall/output/DisplayText.h"
+#include "tools/qvcall/system/LocalFiles.h"
 #include "tools/qvcall/system/SystemPlaces.h"
 
 namespace qv::tool {
@@ -51,6 +52,17 @@ const char* FirstRefused(const ConnectionOptions& connection, Route route) {
     if (!Take(route, name, value)) return name;
   }
   return nullptr;
+}
+
+// Returns the file of an embedded database if it does not exist, else an empty text. The driver of
+// such databases would create an empty one, in which nothing is found.
+std::string MissingFile(const text::ConnectionText& connection) {
+  const std::string* const driver = connection.ValueOf("driver");
+  const std::string* const file = connection.ValueOf("database");
+  if (driver == nullptr || file == nullptr || file->empty()) return {};
+  const bool is_embedded = text::ToLower(*driver).find("sqlite") != std::string::npos;
+  const bool is_path = file->front() != ':' && file->rfind("file:", 0) != 0;  // no special name
+  return is_embedded && is_path && KindOf(*file) == LocalKind::kNone ? *file : std::string();
 }
 
 // Returns the lines of a text in a form that is safe to show. All lines but the first are indented.
@@ -148,6 +160,12 @@ bool Session::FindRoute(std::ostream& err) {
 
 bool Session::OpenDirect(std::ostream& err) {
   route_ = Route::kDirect;
+  const std::string missing = MissingFile(text::ConnectionText(connection_.direct));
+  if (!missing.empty()) {
+    fmt::print(err, "qvcall: {}: there is no such file; check the connection text (--direct)\n",
+               Visible(missing));
+    return false;
+  }
   // Otherwise a procedure call would probe for the kind of a server that does not exist.
   CRvoServer::SetServerType(server_type::kSocket, "", 0);
   CRvoServer::UseLocalDB(1);

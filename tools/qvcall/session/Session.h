@@ -43,6 +43,9 @@ class Session {
   [[nodiscard]] Route Way() const { return route_; }
   // Returns the server in the form that users write.
   [[nodiscard]] std::string Address() const;
+  // Return the name and the port by which the library knows the server.
+  [[nodiscard]] const std::string& Server() const { return server_; }
+  [[nodiscard]] int Port() const { return port_; }
   // Returns the name that calls use for the database.
   [[nodiscard]] const char* Database() const { return database_.c_str(); }
 
