@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Compares the documents with the tree.
 
-docs/commands.md must list the codes that the library sends and the stand-in answers, with the files that hold them, and
-every path that a document names must exist. Usage: check_documents.py [TOP]. Prints one line for each difference; exits
-1 if there is any.
+docs/commands.md must list the codes that the library sends and the stand-in answers, with the files that hold them;
+every path that a document names must exist; the README's code must be that of an example. Usage:
+check_documents.py [TOP]. Prints one line for each difference; exits 1 if there is any.
 """
 import pathlib
 import re
@@ -62,6 +62,15 @@ def check_paths(top):
                 yield f"{document.relative_to(top)} names {path}, which does not exist"
 
 
+def check_code(top):
+    """What the README shows as C++."""
+    examples = [path.read_text() for path in (top / "examples").glob("*.cpp")]
+    blocks = re.findall(r"^```cpp\n(.*?)^```", (top / "README.md").read_text(), re.DOTALL | re.MULTILINE)
+    for block in blocks or ["(nothing)"]:
+        if not any(block in example for example in examples):
+            yield f"README.md shows code that is in no example: {block[:60]!r}"
+
+
 def check_commands(top):
     sent = sent_codes(top)
     answered = {int(code): name
@@ -90,7 +99,7 @@ def check_commands(top):
 
 def main():
     top = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ".")
-    findings = sorted({*check_commands(top), *check_paths(top)})
+    findings = sorted({*check_commands(top), *check_paths(top), *check_code(top)})
     print("\n".join(findings))
     return 1 if findings else 0
 
