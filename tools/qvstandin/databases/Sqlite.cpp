@@ -120,6 +120,7 @@ Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit) {
 std::vector<Column> ColumnsOf(sqlite3_stmt* statement, bool has_row) {
   std::vector<Column> columns;
   const int count = sqlite3_column_count(statement);
+  columns.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) columns.push_back(ColumnAt(statement, i, has_row));
   return columns;
 }
