@@ -13,6 +13,7 @@
 #include "ServerFixture.h"
 #include "tests/support/PostgresServer.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvstandin/recordsets/AnswerSpool.h"
 #include "tools/qvstandin/recordsets/RecordsetWriter.h"
 
 namespace qv::standin {
@@ -162,6 +163,44 @@ TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
   EXPECT_THAT(std::vector(row.begin() + 7, row.end()),
               ElementsAre("-", "-", testing::_, "", "", ""));
   EXPECT_THAT(kept.rows[2], testing::Contains("-").Times(12));
+}
+
+// Keeps the whole answer in memory.
+class WrittenSink : public AnswerSpool {
+ public:
+  WrittenSink() : AnswerSpool("", 1 << 20, 1 << 20) {}
+};
+
+TEST_P(DatabasesTest, LoseNoDigitAndNoNull) {
+  const Outcome made =
+      Execute({"create table t (i integer, l bigint, d double precision, n numeric(30, 4), x text,"
+               " at timestamp, y blob)",
+               "insert into t values (0, 9223372036854775807, 0.1, 12345678901234.5678, '',"
+               " '2024-02-29 23:59:58.125', cast('' as blob))",
+               "insert into t values (7, 0, 1e300, 1, 'x', '2024-02-29 00:00:00', null)",
+               "insert into t values (null, null, 1e-9, null, null, null, null)",
+               "insert into t values (8, 5, -0.30000000000000004, 2, 'y', null, null)"});
+  ASSERT_TRUE(made.Ok()) << made.text;
+  const auto written = [this](const std::string& sql) {
+    WrittenSink sink;
+    RowsetWriter writer(sink);
+    const Outcome outcome = With([&](Database& database) { return database.Query(sql, writer); });
+    EXPECT_TRUE(outcome.Ok() && writer.Finish()) << outcome.text;
+    return sink.Bytes();
+  };
+  const std::string file = written("select * from t order by d");
+  EXPECT_THAT(file, HasSubstr("<z:row d='1e-09'/>"));
+  EXPECT_THAT(file, HasSubstr("d='1e+300'"));
+  EXPECT_THAT(file, HasSubstr("<z:row i='0' l='9223372036854775807' d='0.1' n='12345678901234."));
+  EXPECT_THAT(file, HasSubstr(" x='' at='2024-02-29T23:59:58.125' y=''/>"));
+  if (GetParam() != std::string_view(kSqliteByOdbc)) {  // whose driver rounds to 15 digits
+    EXPECT_THAT(file, HasSubstr("l='5' d='-0.30000000000000004' n='2"));
+    // SQLite keeps decimals as doubles.
+    EXPECT_THAT(file, HasSubstr(IsPostgres() ? "1234.5678'" : "1234.568'"));
+  }
+  EXPECT_THAT(written("select sum(l) s, count(*) c from t where l < 9"), HasSubstr(" s='5' c='2'"));
+  EXPECT_THAT(written("select sum(l - 1) as s from t where l > 9"),
+              HasSubstr(" s='9223372036854775806'"));
 }
 
 TEST_P(DatabasesTest, GiveManyRowsAndLongTextsWhole) {

@@ -89,7 +89,11 @@ TEST(DatabaseName, NeverLeadsOutOfTheFolder) {
   EXPECT_FALSE(IsDatabaseName(std::string(65, 'a')));
 }
 
-TEST(GzipStream, MakesAFileThatUnpacksToWhatWasWritten) {
+class GzipStreamTest : public testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Heads, GzipStreamTest, testing::Bool());
+
+TEST_P(GzipStreamTest, MakesAFileThatUnpacksToWhatWasWritten) {
+  const bool replaced = GetParam();
   const TempFolder folder;
   std::string text;
   for (int i = 0; i < 40000; ++i) text += std::to_string(i * 7919 % 10007);
@@ -97,7 +101,11 @@ TEST(GzipStream, MakesAFileThatUnpacksToWhatWasWritten) {
   {
     AnswerSpool file(folder.Path().string() + "/", 1000, 1 << 20);
     GzipStream gzip(file);
-    ASSERT_TRUE(gzip.Write(text.substr(0, 10)) && gzip.Write(text.substr(10)) && gzip.Finish());
+    const std::string head = text.substr(0, 300);
+    ASSERT_TRUE(gzip.WriteHead(replaced ? "<another head>" : head));
+    ASSERT_TRUE(gzip.Write(text.substr(300, 10)) && gzip.Write(text.substr(310)));
+    ASSERT_TRUE(!replaced || gzip.ReplaceHead(head));
+    ASSERT_TRUE(gzip.Finish());
     ASSERT_FALSE(file.InMemory());
     path = file.Path();
     EXPECT_EQ(std::filesystem::file_size(path), file.Size());
@@ -123,6 +131,21 @@ TEST(AnswerSpool, RefusesWhatIsTooLargeOrHasNoFolder) {
   AnswerSpool lost(folder.Path().string() + "/missing/", 1, 8);
   EXPECT_FALSE(lost.Write("12"));
   EXPECT_FALSE(lost.Write("12"));
+}
+
+TEST(AnswerSpool, ReplacesItsHeadInMemoryAndOnTheDisk) {
+  const TempFolder folder;
+  for (const std::size_t kept : {100, 4}) {
+    AnswerSpool spool(folder.Path().string() + "/", kept, 12);
+    ASSERT_TRUE(spool.WriteHead("ab") && spool.Write("1234") && spool.ReplaceHead("abcdef"));
+    ASSERT_TRUE(spool.Finish());
+    EXPECT_EQ(spool.InMemory() ? spool.Bytes() : BytesOf(spool.Path()), "abcdef1234");
+    EXPECT_EQ(spool.Size(), 10U);
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+  AnswerSpool small(folder.Path().string() + "/", 4, 8);
+  ASSERT_TRUE(small.WriteHead("ab") && small.Write("123456"));
+  EXPECT_FALSE(small.ReplaceHead("abc"));
 }
 
 TEST(ServerLog, KeepsATextOnOneLine) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <vector>
@@ -12,8 +13,16 @@
 namespace qv::standin {
 namespace {
 
-class TextSink : public ByteSink {
+class TextSink : public AnswerSink {
  public:
+  bool WriteHead(std::string_view head) override {
+    head_ = head.size();
+    return Write(head);
+  }
+  bool ReplaceHead(std::string_view head) override {
+    text.replace(0, head_, head);
+    return true;
+  }
   bool Write(std::string_view bytes) override {
     text += bytes;
     return true;
@@ -21,6 +30,9 @@ class TextSink : public ByteSink {
   bool Finish() override { return true; }
 
   std::string text;
+
+ private:
+  std::size_t head_ = 0;
 };
 
 template <typename Writer = RowsetWriter>
@@ -99,14 +111,70 @@ TEST(RowsetWriter, WritesValuesAsTheirColumnShowsThem) {
       {ColumnKind::kSingle, static_cast<double>(0.1F), "0.1"},
       {ColumnKind::kSingle, 1e300, "1e+300"},
       {ColumnKind::kDate, "2024-02-29", "2024-02-29T00:00:00"},
-      {ColumnKind::kDateTime, "2024-02-29 23:59:01.5", "2024-02-29T23:59:01"},
-      {ColumnKind::kDateTime, "29.2.2024 at noon here", ""},
+      {ColumnKind::kSingle, 0.1, "0.1"},
+      {ColumnKind::kSingle, 0.123456789012, "0.123456789012"},
+      {ColumnKind::kDateTime, "2024-02-29 23:59:01.500", "2024-02-29T23:59:01.5"},
+      {ColumnKind::kDateTime, "2024-02-29T23:59:01.000+02", "2024-02-29T23:59:01"},
+      {ColumnKind::kDateTime, "2024-02-29 12:30", "2024-02-29T12:30:00"},
+      {ColumnKind::kDateTime, "0044-03-15 12:00:00 BC", "0044-03-15 12:00:00 BC"},
+      {ColumnKind::kDateTime, "29.2.2024 at noon here", "29.2.2024 at noon here"},
+      {ColumnKind::kInt64, 1e15, "1000000000000000"},
       {ColumnKind::kBinary, Binary{std::string_view("\x00\xff'", 3)}, "00ff27"},
       {ColumnKind::kText, std::monostate(), ""}};
   for (const Case& c : cases) {
     const std::string file = Written({{"c", c.kind}}, {{c.cell}});
     const std::string row = c.attribute.empty() ? "<z:row/>" : "<z:row c='" + c.attribute + "'/>";
     EXPECT_NE(file.find(row), std::string::npos) << row << "\n" << file;
+  }
+}
+
+TEST(RecordsetWriters, DeclareAKindThatHoldsEveryValue) {
+  using Kind = ColumnKind;
+  constexpr std::int64_t kBig = std::numeric_limits<std::int64_t>::max();
+  struct Case {
+    Kind declared;
+    std::vector<Cell> cells;
+    int type;
+  };
+  const std::vector<Case> cases{
+      {Kind::kInt32, {std::int64_t{2147483647}, std::int64_t{-2147483647 - 1}}, 3},
+      {Kind::kInt32, {std::int64_t{1}, std::int64_t{2147483648}, Cell()}, 20},
+      {Kind::kInt16, {std::int64_t{40000}}, 3},
+      {Kind::kUint8, {std::int64_t{-1}}, 2},
+      {Kind::kUint8, {std::int64_t{255}}, 17},
+      {Kind::kInt64, {std::int64_t{1}, 0.5}, 5},
+      {Kind::kInt64, {std::int64_t{1}, 2.0}, 20},
+      {Kind::kInt64, {kBig, 0.5}, 200},
+      {Kind::kInt32, {"some text"}, 200},
+      {Kind::kInt32, {Binary{"x"}}, 200},
+      {Kind::kDouble, {0.1, 1e300, 1e-9}, 5},
+      {Kind::kDouble, {std::int64_t{1} << 53}, 5},
+      {Kind::kDouble, {(std::int64_t{1} << 53) + 1, std::int64_t{1}}, 20},
+      {Kind::kDouble, {kBig, 0.5}, 200},
+      {Kind::kDouble, {"12.5000000000", "-133844670540", "1e300", "0.000", "NaN"}, 5},
+      {Kind::kDouble, {"12345678901234.5", "0.10000000000000001"}, 200},
+      {Kind::kDouble, {"12345678901234.5678"}, 200},
+      {Kind::kDouble, {"133844670540", "9223372036854775807"}, 20},
+      {Kind::kDouble, {"9223372036854775808", "1"}, 5},
+      {Kind::kDouble, {"9223372036854775809"}, 200},
+      {Kind::kDouble, {"1" + std::string(400, '0')}, 200},
+      {Kind::kDouble, {"no number"}, 200},
+      {Kind::kBoolean, {std::int64_t{2}, "false"}, 11},
+      {Kind::kBoolean, {"perhaps"}, 200},
+      {Kind::kDateTime, {"2024-02-29 23:59:01.5", Cell()}, 135},
+      {Kind::kDateTime, {std::int64_t{1700000000}}, 200},
+      {Kind::kDateTime, {"2024-02-29 at noon"}, 200}};
+  for (const Case& c : cases) {
+    std::vector<std::vector<Cell>> rows;
+    for (const Cell& cell : c.cells) rows.push_back({cell});
+    const std::string file = Written({{"c", c.declared, 7}}, rows);
+    ReferenceTable table;
+    ASSERT_TRUE(ReadRowsetByReference(file, table)) << file;
+    EXPECT_EQ(table.columns[0].type, c.type) << file;
+    EXPECT_EQ(table.columns[0].cells.size(), rows.size()) << file;
+    ReferenceTable other;
+    ASSERT_TRUE(ReadSchemaByReference(Written<SchemaWriter>({{"c", c.declared, 7}}, rows), other));
+    EXPECT_EQ(other.columns[0].type, c.type) << file;
   }
 }
 

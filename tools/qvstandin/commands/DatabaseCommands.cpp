@@ -16,7 +16,7 @@ constexpr std::uint64_t kLargestInReply = (1U << 20) - 1024;
 
 using Source = std::function<Outcome(Database&, const std::string& text, RowSink&)>;
 
-std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, ByteSink& target) {
+std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, AnswerSink& target) {
   if (dialect == Dialect::kSchema) return std::make_unique<SchemaWriter>(target);
   return std::make_unique<RowsetWriter>(target);
 }
@@ -30,7 +30,7 @@ struct RowAnswer {
   std::int32_t count = 0;
 };
 
-Outcome Write(RowAnswer& rows, ByteSink& target) {
+Outcome Write(RowAnswer& rows, AnswerSink& target) {
   const auto writer = WriterFor(rows.form.dialect, target);
   Outcome outcome = rows.source(rows.database, rows.text, *writer);
   if (outcome.Ok() && !writer->Finish())

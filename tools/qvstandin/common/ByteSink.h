@@ -16,6 +16,16 @@ class ByteSink {
   [[nodiscard]] virtual bool Finish() = 0;
 };
 
+// A destination whose first bytes can still change after others were written.
+class AnswerSink : public ByteSink {
+ public:
+  // Writes the first bytes. Call it once, before Write(). Returns what Write() returns.
+  [[nodiscard]] virtual bool WriteHead(std::string_view head) = 0;
+  // Replaces what WriteHead() wrote. Call it at most once, right before Finish(). It may copy
+  // everything that was written. Returns false if that fails; the sink is then useless.
+  [[nodiscard]] virtual bool ReplaceHead(std::string_view head) = 0;
+};
+
 // Computes the checksum of the bytes that are written to it.
 class Checksum : public ByteSink {
  public:

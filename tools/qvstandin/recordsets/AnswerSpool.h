@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "base/storage/OutputFile.h"
 #include "tools/qvstandin/common/ByteSink.h"
@@ -12,7 +14,7 @@
 namespace qv::standin {
 
 // Keeps an answer in memory while it is small, and in a file otherwise.
-class AnswerSpool : public ByteSink {
+class AnswerSpool : public AnswerSink {
  public:
   // The extension of these files.
   static constexpr const char* kExtension = ".answer";
@@ -24,7 +26,9 @@ class AnswerSpool : public ByteSink {
   AnswerSpool(const AnswerSpool&) = delete;
   AnswerSpool& operator=(const AnswerSpool&) = delete;
 
+  bool WriteHead(std::string_view head) override;
   bool Write(std::string_view bytes) override;
+  bool ReplaceHead(std::string_view head) override;
   bool Finish() override;
 
   [[nodiscard]] std::uint64_t Size() const { return size_; }
@@ -36,34 +40,66 @@ class AnswerSpool : public ByteSink {
 
  private:
   [[nodiscard]] bool MoveToDisk();
+  // Creates the file of the answer.
+  [[nodiscard]] bool CreateFile();
+  // Copies what follows the head from the file at `path`.
+  [[nodiscard]] bool CopyBody(const std::string& path);
 
   std::string folder_;
   std::uint64_t memory_limit_;
   std::uint64_t size_limit_;
   std::uint64_t size_ = 0;
+  std::size_t head_size_ = 0;
   std::string bytes_;
   std::string path_;
   storage::OutputFile file_;
 };
 
-// Compresses what is written to it into one gzip member.
-class GzipStream : public ByteSink {
+// Compresses what is written to it into one gzip member. The head is compressed by itself, so that
+// it can be replaced without the rest.
+class GzipStream : public AnswerSink {
  public:
   // The compressed bytes go to `target`, which outlives this object. Finish() finishes it as well.
-  explicit GzipStream(ByteSink& target);
+  explicit GzipStream(AnswerSink& target);
   ~GzipStream() override;
   GzipStream(const GzipStream&) = delete;
   GzipStream& operator=(const GzipStream&) = delete;
 
+  bool WriteHead(std::string_view head) override;
   bool Write(std::string_view bytes) override;
+  bool ReplaceHead(std::string_view head) override;
   bool Finish() override;
 
  private:
-  [[nodiscard]] bool Deflate(std::string_view bytes, int flush);
+  // One deflate stream.
+  class Deflater {
+   public:
+    Deflater();
+    ~Deflater();
+    Deflater(const Deflater&) = delete;
+    Deflater& operator=(const Deflater&) = delete;
 
-  ByteSink& target_;
-  z_stream stream_{};
-  bool ready_;
+    // Gives the packed bytes to `take`, which returns whether to go on.
+    template <typename Take>
+    [[nodiscard]] bool Run(std::string_view bytes, int flush, const Take& take);
+
+   private:
+    z_stream stream_{};
+    bool ready_;
+  };
+
+  // Returns the gzip header and the packed head, or nothing without memory.
+  [[nodiscard]] static std::string PackHead(Deflater& deflater, std::string_view head);
+
+  AnswerSink& target_;
+  Deflater deflater_;
+  // The unpacked bytes in parts whose sizes zlib can count on every system. The first is the head.
+  struct Part {
+    uLong checksum = 0;
+    std::size_t size = 0;
+  };
+  static void AddTo(Part& part, std::string_view bytes);
+  std::vector<Part> parts_;
 };
 
 }  // namespace qv::standin

@@ -1,16 +1,23 @@
-#include "RecordsetWriter.h"
+#include "CellForm.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <optional>
+
+#include "base/text/Letters.h"
 
 namespace qv::standin {
 
 namespace {
 
 constexpr std::string_view kDateShape = "0000-00-00";
+// Of a time that is missing, the zeros are what it means.
 constexpr std::string_view kTimeShape = "00:00:00";
+constexpr std::string_view kShortTimeShape = "00:00";
+constexpr std::size_t kLongestFraction = 10;  // a point and nine digits
 
 void AppendEscaped(std::string_view text, std::string& out) {
   for (std::size_t start = 0; start < text.size();) {
@@ -80,21 +87,59 @@ bool HasShape(std::string_view text, std::string_view shape) {
   return true;
 }
 
-bool AppendDate(std::string_view text, std::string& out) {
-  if (!HasShape(text, kDateShape)) return false;
-  std::string_view time = text.substr(kDateShape.size());
-  if (!time.empty()) time.remove_prefix(1);
-  out += text.substr(0, kDateShape.size());
+// The parts of a date's text. `time` and `fraction` may be empty.
+struct DateParts {
+  std::string_view date;
+  std::string_view time;
+  std::string_view fraction;  // of a second, with its point
+  bool is_whole = true;       // nothing of the text is missing here
+};
+
+std::string_view TakeFraction(std::string_view& rest) {
+  if (!rest.starts_with('.')) return {};
+  std::size_t end = 1;
+  while (end < rest.size() && text::IsDigit(rest[end])) ++end;
+  std::string_view fraction = rest.substr(0, end);
+  rest.remove_prefix(end);
+  while (fraction.ends_with('0')) fraction.remove_suffix(1);
+  return fraction.size() > 1 ? fraction.substr(0, kLongestFraction) : std::string_view();
+}
+
+std::optional<DateParts> SplitDate(std::string_view text) {
+  if (!HasShape(text, kDateShape)) return std::nullopt;
+  DateParts parts{.date = text.substr(0, kDateShape.size()), .time = {}, .fraction = {}};
+  std::string_view rest = text.substr(kDateShape.size());
+  if (rest.empty()) return parts;
+  const bool is_parted = rest.front() == ' ' || rest.front() == 'T';
+  rest.remove_prefix(1);
+  for (const std::string_view shape : {kTimeShape, kShortTimeShape}) {
+    if (!is_parted || !parts.time.empty() || !HasShape(rest, shape)) continue;
+    parts.time = rest.substr(0, shape.size());
+    rest.remove_prefix(shape.size());
+  }
+  if (parts.time.size() == kTimeShape.size()) parts.fraction = TakeFraction(rest);
+  // The engine has converted the time to the session's zone, which it may name.
+  const bool is_zone = rest.starts_with('+') || rest.starts_with('-') || rest == "Z";
+  parts.is_whole =
+      is_parted && !parts.time.empty() && (rest.empty() || (is_zone && !rest.ends_with("BC")));
+  return parts;
+}
+
+void AppendDate(std::string_view text, std::string& out) {
+  const auto parts = SplitDate(text);
+  if (!parts || !parts->is_whole) return AppendEscaped(text, out);
+  out += parts->date;
   out += 'T';
-  out += HasShape(time, kTimeShape) ? time.substr(0, kTimeShape.size()) : kTimeShape;
-  return true;
+  out += parts->time;
+  out += kTimeShape.substr(parts->time.size());
+  out += parts->fraction;
 }
 
 bool IsTrue(const Cell& cell) {
   if (const auto* number = std::get_if<std::int64_t>(&cell)) return *number != 0;
   if (const auto* number = std::get_if<double>(&cell)) return *number != 0;
   const auto* text = std::get_if<std::string_view>(&cell);
-  return text != nullptr && (*text == "true" || *text == "True" || *text == "1");
+  return text != nullptr && (*text == "1" || text::EqualIgnoringCase(*text, "true"));
 }
 
 void AppendText(const Cell& cell, std::string& out) {
@@ -107,6 +152,17 @@ void AppendText(const Cell& cell, std::string& out) {
   } else if (const auto* decimal = std::get_if<double>(&cell)) {
     AppendNumber(*decimal, out);
   }
+}
+
+void AppendTruth(const Cell& cell, std::string& out) { out += IsTrue(cell) ? "True" : "False"; }
+
+// Readers of integers end at the first character that is no digit, as in 1e+15.
+void AppendInteger(const Cell& cell, std::string& out) {
+  constexpr double kLargest = 1ULL << 53;
+  const auto* const value = std::get_if<double>(&cell);
+  const bool is_whole =
+      value != nullptr && std::trunc(*value) == *value && std::abs(*value) <= kLargest;
+  is_whole ? AppendNumber(static_cast<std::int64_t>(*value), out) : AppendText(cell, out);
 }
 
 void AppendBytes(BinaryForm form, std::string_view bytes, std::string& out) {
@@ -125,9 +181,12 @@ void AppendBinary(BinaryForm form, const Cell& cell, std::string& out) {
   }
 }
 
+// Engines that declare such a column may keep doubles in it.
 void AppendSingle(const Cell& cell, std::string& out) {
   const auto* value = std::get_if<double>(&cell);
-  if (value != nullptr && std::abs(*value) <= std::numeric_limits<float>::max()) {
+  const bool fits = value != nullptr && std::abs(*value) <= std::numeric_limits<float>::max() &&
+                    static_cast<double>(static_cast<float>(*value)) == *value;
+  if (fits) {
     AppendNumber(static_cast<float>(*value), out);
   } else {
     AppendText(cell, out);
@@ -136,20 +195,39 @@ void AppendSingle(const Cell& cell, std::string& out) {
 
 }  // namespace
 
+bool IsDate(const Cell& cell) {
+  const auto* const text = std::get_if<std::string_view>(&cell);
+  const auto parts = text != nullptr ? SplitDate(*text) : std::nullopt;
+  return parts && parts->is_whole;
+}
+
+bool IsTruthValue(const Cell& cell) {
+  const auto* const text = std::get_if<std::string_view>(&cell);
+  if (text == nullptr) return !std::holds_alternative<Binary>(cell);
+  return *text == "1" || *text == "0" || text::EqualIgnoringCase(*text, "true") ||
+         text::EqualIgnoringCase(*text, "false");
+}
+
 bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::string& out) {
   if (std::holds_alternative<std::monostate>(cell)) return false;
+  const auto* const text = std::get_if<std::string_view>(&cell);
   switch (kind) {
     case ColumnKind::kBoolean:
-      out += IsTrue(cell) ? "True" : "False";
+      IsTruthValue(cell) ? AppendTruth(cell, out) : AppendText(cell, out);
+      return true;
+    case ColumnKind::kUint8:
+    case ColumnKind::kInt16:
+    case ColumnKind::kInt32:
+    case ColumnKind::kInt64:
+      AppendInteger(cell, out);
       return true;
     case ColumnKind::kSingle:
       AppendSingle(cell, out);
       return true;
     case ColumnKind::kDate:
-    case ColumnKind::kDateTime: {
-      const auto* text = std::get_if<std::string_view>(&cell);
-      return text != nullptr && AppendDate(*text, out);
-    }
+    case ColumnKind::kDateTime:
+      text != nullptr ? AppendDate(*text, out) : AppendText(cell, out);
+      return true;
     case ColumnKind::kBinary:
       AppendBinary(binary, cell, out);
       return true;

@@ -39,18 +39,19 @@ std::vector<std::string> HarmlessNames(const std::vector<Column>& columns) {
 }  // namespace
 
 bool RecordsetWriter::Begin(const std::vector<Column>& columns) {
-  layout_ = LayoutOf(columns, HarmlessNames(columns));
-  for (const Column& column : columns) kinds_.push_back(column.kind);
-  buffer_ = layout_.head;
-  return Flush();
+  columns_ = columns;
+  layout_ = LayoutOf(columns_, HarmlessNames(columns_));
+  for (const Column& column : columns_) fits_.emplace_back(column.kind);
+  return target_.WriteHead(layout_.head);
 }
 
 bool RecordsetWriter::Row(const std::vector<Cell>& cells) {
   buffer_ += layout_.row_opening;
-  for (std::size_t i = 0; i < cells.size() && i < kinds_.size(); ++i) {
+  for (std::size_t i = 0; i < cells.size() && i < columns_.size(); ++i) {
     const std::size_t before = buffer_.size();
     buffer_ += layout_.cell_openings[i];
-    if (AppendCellText(kinds_[i], layout_.binary, cells[i], buffer_)) {
+    fits_[i].Add(cells[i]);
+    if (AppendCellText(columns_[i].kind, layout_.binary, cells[i], buffer_)) {
       buffer_ += layout_.cell_closings[i];
     } else {
       buffer_.resize(before);
@@ -64,7 +65,19 @@ bool RecordsetWriter::Row(const std::vector<Cell>& cells) {
 
 bool RecordsetWriter::Finish() {
   buffer_ += layout_.tail;
-  return Flush() && target_.Finish();
+  return Flush() && FitColumns() && target_.Finish();
+}
+
+bool RecordsetWriter::FitColumns() {
+  bool is_changed = false;
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    const ColumnKind fitted = fits_[i].Fitted();
+    if (fitted == columns_[i].kind) continue;
+    is_changed = true;
+    columns_[i].kind = fitted;
+    columns_[i].length = 0;
+  }
+  return !is_changed || target_.ReplaceHead(LayoutOf(columns_, HarmlessNames(columns_)).head);
 }
 
 bool RecordsetWriter::Flush() {

@@ -5,27 +5,22 @@
 #include <string>
 #include <vector>
 
+#include "CellForm.h"
+#include "ColumnFit.h"
 #include "tools/qvstandin/common/ByteSink.h"
 #include "tools/qvstandin/databases/Database.h"
 
 namespace qv::standin {
-
-enum class BinaryForm {
-  kHex,  // lower-case digits
-  kBase64,
-};
-
-// Appends the text of a cell in a column of this kind, with < > ' & " as entities. Returns false
-// and appends nothing if the cell has no text: it is null or an invalid date.
-[[nodiscard]] bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell,
-                                  std::string& out);
 
 // What the writers of both dialects share. The rows are streamed through one buffer.
 //
 // Clients find cells by fixed markers. So values contain the five characters that could end them as
 // entities, and names contain none: blanks, control characters and ' " = / < > & become "_". A
 // column without a name becomes "column<position>", and a duplicate name gets the suffix "_2",
-// "_3", ... NUL bytes in texts are dropped. A row omits cells that are null or invalid dates.
+// "_3", ... NUL bytes in texts are dropped. A row omits cells that are null.
+//
+// A column keeps its declared kind if that holds all values that came. Otherwise the head, which
+// declares the kinds, is replaced at the end.
 class RecordsetWriter : public RowSink {
  public:
   bool Begin(const std::vector<Column>& columns) override;
@@ -47,18 +42,21 @@ class RecordsetWriter : public RowSink {
     std::vector<std::string> cell_closings;
   };
 
-  explicit RecordsetWriter(ByteSink& target) : target_(target) {}
+  explicit RecordsetWriter(AnswerSink& target) : target_(target) {}
 
   [[nodiscard]] virtual Layout LayoutOf(const std::vector<Column>& columns,
                                         const std::vector<std::string>& names) const = 0;
 
  private:
   [[nodiscard]] bool Flush();
+  // Declares the kinds that hold all values. Returns false if the head cannot be replaced.
+  [[nodiscard]] bool FitColumns();
 
-  ByteSink& target_;
+  AnswerSink& target_;
   std::string buffer_;
   Layout layout_;
-  std::vector<ColumnKind> kinds_;
+  std::vector<Column> columns_;
+  std::vector<ColumnFit> fits_;  // one for each column
   std::int32_t row_count_ = 0;
 };
 
@@ -67,7 +65,7 @@ class RecordsetWriter : public RowSink {
 class RowsetWriter : public RecordsetWriter {
  public:
   // The text goes to `target`, which outlives this object.
-  explicit RowsetWriter(ByteSink& target) : RecordsetWriter(target) {}
+  explicit RowsetWriter(AnswerSink& target) : RecordsetWriter(target) {}
 
  private:
   Layout LayoutOf(const std::vector<Column>& columns,
@@ -78,7 +76,7 @@ class RowsetWriter : public RecordsetWriter {
 class SchemaWriter : public RecordsetWriter {
  public:
   // The text goes to `target`, which outlives this object.
-  explicit SchemaWriter(ByteSink& target) : RecordsetWriter(target) {}
+  explicit SchemaWriter(AnswerSink& target) : RecordsetWriter(target) {}
 
  private:
   Layout LayoutOf(const std::vector<Column>& columns,
