@@ -168,9 +168,9 @@ long CRvoCloudStorage::DeleteServerPath(CString path) {
   return qv::LogUnlessZero(result, "CSCDelPath Fail %s. Res:%ld.", path, result);
 }
 
-long CRvoCloudStorage::RenameServerFile(CString oldPath, CString newPath) {
-  const long result = qv::Ask(client_->Get(), &IQvCoCSC::RenameServerFile, oldPath, newPath);
-  return qv::LogUnlessZero(result, "CSCRenFile Fail %s->%s. Res:%ld.", oldPath, newPath, result);
+long CRvoCloudStorage::RenameServerFile(CString old_path, CString new_path) {
+  const long result = qv::Ask(client_->Get(), &IQvCoCSC::RenameServerFile, old_path, new_path);
+  return qv::LogUnlessZero(result, "CSCRenFile Fail %s->%s. Res:%ld.", old_path, new_path, result);
 }
 
 // Kept on purpose: 1, which means success, is logged too, and the text does not contain the result.

@@ -116,9 +116,9 @@ long CRvoFtp::DeleteServerPath(CString path) {
   return qv::LogUnlessZero(result, "FtpDelPath Fail %s", path);
 }
 
-long CRvoFtp::RenameServerFile(CString oldPath, CString newPath) {
-  const long result = qv::Ask(client_.Get(), &IQvCoFtp::RenameServerFile, oldPath, newPath);
-  return qv::LogUnlessZero(result, "FtpRenFile Fail %s->%s", oldPath, newPath);
+long CRvoFtp::RenameServerFile(CString old_path, CString new_path) {
+  const long result = qv::Ask(client_.Get(), &IQvCoFtp::RenameServerFile, old_path, new_path);
+  return qv::LogUnlessZero(result, "FtpRenFile Fail %s->%s", old_path, new_path);
 }
 
 // Kept on purpose: 1, which means success, is logged too.
