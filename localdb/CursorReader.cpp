@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/text/Numbers.h"
-#include "resultset/CellText.h"
 #include "resultset/CellValue.h"
 
 namespace qv {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "CellText.h"
 #include "CellValue.h"
 #include "FileText.h"
 #include "base/text/Numbers.h"

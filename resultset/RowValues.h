@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "ByteScan.h"
-#include "Column.h"
+#include "ResultTable.h"
 
 namespace qv {
 

@@ -6,7 +6,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "CellText.h"
+#include "CellValue.h"
 #include "ResultTable.h"
 #include "base/text/Letters.h"
 #include "base/text/Numbers.h"

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "qvnetcall/framework/InvalidArgException.h"
-#include "resultset/CellText.h"
 #include "resultset/CellValue.h"
 #include "resultset/ResultTable.h"
 
