@@ -14,9 +14,11 @@ namespace qv {
 
 namespace {
 
-void AddCell(Checksum& checksum, std::int32_t value) { checksum.AddInteger(value); }
+void AddCell(Checksum& checksum, std::int64_t value) {
+  checksum.AddInteger(static_cast<std::int32_t>(value));
+}
 void AddCell(Checksum& checksum, double value) { checksum.AddDouble(value); }
-void AddCell(Checksum& checksum, const COleDateTime& value) { checksum.AddDate(value.m_dt); }
+void AddCell(Checksum& checksum, const DateCell& value) { checksum.AddDate(value.Date().m_dt); }
 void AddCell(Checksum& checksum, std::string_view value) { checksum.AddText(value); }
 
 Summary Sum(CRvoDbRes& result) {

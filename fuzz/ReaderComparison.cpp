@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -54,6 +55,36 @@ long RoundedUp(double value) {
   using Limits = std::numeric_limits<std::int32_t>;
   if (std::isnan(value)) return 0;
   return static_cast<long>(std::fmin(std::fmax(std::ceil(value), Limits::min()), Limits::max()));
+}
+
+// The length of the shortest text from which a finite number is read, in digits only or with an
+// exponent.
+std::size_t ShortestLength(double value) {
+  int decimals = 0;
+  std::string text = Printed("%.0e", value);
+  while (std::strtod(text.c_str(), nullptr) != value) {
+    text = Printed(("%." + std::to_string(++decimals) + "e").c_str(), value);
+  }
+  const int exponent = std::atoi(text.substr(text.find('e') + 1).c_str());
+  const int after_point = std::max(0, decimals - exponent);
+  const std::string plain = Printed(("%." + std::to_string(after_point) + "f").c_str(), value);
+  return std::min(text.size(), plain.size());
+}
+
+// What is wrong with the exact text of a number; empty if nothing is.
+std::string FaultOfExactText(double value, const std::string& text) {
+  if (std::isnan(value)) return text == "nan" ? "" : "not nan";
+  if (std::isinf(value)) return text == (value > 0 ? "inf" : "-inf") ? "" : "not infinite";
+  const double read = std::strtod(text.c_str(), nullptr);
+  if (read != value || std::signbit(read) != std::signbit(value)) return "another number";
+  return text.size() == ShortestLength(value) ? "" : "not the shortest";
+}
+
+std::int64_t RoundedUpTo64(double value) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  if (std::isnan(value)) return 0;
+  if (value >= 0x1p63) return Limits::max();
+  return value <= -0x1p63 ? Limits::min() : static_cast<std::int64_t>(std::ceil(value));
 }
 
 struct ExpectedOf {
@@ -113,11 +144,12 @@ class Comparison {
     const std::string where = "column " + std::to_string(index);
     const Column& read = ResultTable::Of(result_).Columns()[static_cast<std::size_t>(index)];
     Check(where + " name", read.name, column.name);
-    Check(where + " type", static_cast<int>(read.type), column.type);
+    Check(where + " type", result_.GetFieldType(index), column.type);
     Check(where + " declared length", read.declared_length, column.declared_length);
     widest_path_ = column.display_length;
     for (std::size_t row = 0; row < column.cells.size() && !Differs(); ++row) {
       Compare(static_cast<int>(row), index, column.cells[row]);
+      CompareExact(static_cast<int>(row), index, column);
     }
     column.display_length = widest_path_;
     Check(where + " display length", result_.GetFiledLength(index),
@@ -138,6 +170,23 @@ class Comparison {
     if (!SameReal(result_._dabl(row, index), expected.real)) {
       Check(where + " real", Printed("%a", result_._dabl(row, index)),
             Printed("%a", expected.real));
+    }
+  }
+
+  void CompareExact(int row, int index, const ReferenceColumn& column) {
+    const std::string where = "row " + std::to_string(row) + " column " + std::to_string(index);
+    const ReferenceExact& exact = column.exact[static_cast<std::size_t>(row)];
+    const std::string text(result_._text(row, index).View());
+    Check(where + " is null", result_.IsNull(row, index), exact.is_null);
+    const auto* const real = std::get_if<double>(&column.cells[static_cast<std::size_t>(row)]);
+    if (column.type == 205) {
+      Check(where + " exact path", text, std::string(result_._str(row, index).View()));
+    } else if (real == nullptr || exact.is_null) {
+      Check(where + " exact text", text, exact.text);
+      Check(where + " exact integer", result_._int64(row, index), exact.integer);
+    } else {
+      Check(where + " exact text " + text, FaultOfExactText(*real, text), std::string());
+      Check(where + " exact integer", result_._int64(row, index), RoundedUpTo64(*real));
     }
   }
 

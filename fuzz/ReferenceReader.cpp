@@ -66,9 +66,25 @@ Values ReadAttributes(const std::string& text, std::size_t& at, std::size_t end,
   return values;
 }
 
-// Reads the child elements of a row between `at` and `end`.
-Values ReadChildren(const std::string& text, std::size_t at, std::size_t end) {
+struct Row {
   Values values;
+  // The names of elements without a value, which are not null for all that.
+  std::vector<std::string> empty_elements;
+};
+
+// The name of an element that is "<name/>" or, if the next tag follows at once, starts with
+// "<name>"; else an empty text.
+std::string NameOfEmpty(const std::string& tag, bool next_follows) {
+  if (tag.empty()) return "";
+  if (tag.back() != '/') return next_follows && tag[0] != '/' ? tag : "";
+  const std::size_t last = tag.find_last_not_of(' ', tag.size() - 2);
+  return tag.size() == 1 || last == std::string::npos ? "" : tag.substr(0, last + 1);
+}
+
+// Reads the child elements of a row between `at` and `end`.
+Row ReadChildren(const std::string& text, std::size_t at, std::size_t end) {
+  Row row;
+  Values& values = row.values;
   std::string name;
   while (at < end) {
     const char c = text[at++];
@@ -77,16 +93,18 @@ Values ReadChildren(const std::string& text, std::size_t at, std::size_t end) {
     } else if (c != '>') {
       name += c;
     } else if (at < end && text[at] == '<') {
+      row.empty_elements.push_back(NameOfEmpty(name, true));
       name.clear();
       ++at;
     } else {
+      row.empty_elements.push_back(NameOfEmpty(name, false));
       const std::size_t next = std::min(text.find('<', at), end);
       values.emplace_back(name, text.substr(at, next - at));
       name.clear();
       at = next;
     }
   }
-  return values;
+  return row;
 }
 
 std::string DecodedText(const std::string& raw) {
@@ -219,16 +237,79 @@ ReferenceCell Cell(ReferenceColumn& column, const std::string& text, BinaryDecod
   }
 }
 
-void AppendRow(ReferenceTable& table, const Values& values, BinaryDecoder decode) {
+bool IsDigits(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// A date's fields with zeros before them, and the milliseconds if there are any.
+std::string ExactDate(const std::string& text) {
+  if (text.size() == 10) {
+    const bool is_date = text[4] == '-' && text[7] == '-' && IsDigits(text.substr(0, 4)) &&
+                         IsDigits(text.substr(5, 2)) && IsDigits(text.substr(8, 2));
+    return is_date ? text : "";
+  }
+  if (text.size() < 19) return "";
+  const ReferenceDate date = DateFields(text);
+  bool is_written_in_digits = true;
+  for (const auto& [start, length] : {std::pair(0, 4), {5, 2}, {8, 2}, {11, 2}, {14, 2}, {17, 2}}) {
+    const std::string field =
+        text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length));
+    is_written_in_digits = is_written_in_digits && IsDigits(field);
+  }
+  if (!is_written_in_digits && !IsOnCalendar(date)) return "";
+  char exact[80];
+  std::snprintf(exact, sizeof exact, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month,
+                date.day, date.hour, date.minute, date.second);
+  if (text.size() == 19 || text[19] != '.') return exact;
+  const std::string rest = text.substr(20, 3);
+  std::string digits = rest.substr(0, rest.find_first_not_of("0123456789"));
+  digits.resize(3, '0');
+  return digits == "000" ? exact : std::string(exact) + "." + digits;
+}
+
+ReferenceExact Exact(int type, const std::string& text, bool is_null) {
+  if (is_null) return {true, 0, ""};
+  const long long integer = std::strtoll(text.c_str(), nullptr, 10);
+  switch (type) {
+    case 11:
+      return {false, IsTrue(text) ? 1 : 0, IsTrue(text) ? "1" : "0"};
+    case 2:
+    case 3:
+    case 17:
+    case 20:
+      return {false, integer, std::to_string(integer)};
+    case 7:
+    case 135:
+      return {false, 0, ExactDate(text)};
+    case 5:
+    case 205:
+      return {false, 0, ""};
+    default: {
+      const std::string value = DecodedText(text);
+      return {false, std::strtoll(value.c_str(), nullptr, 10), value};
+    }
+  }
+}
+
+void AppendRow(ReferenceTable& table, const Row& row, BinaryDecoder decode) {
+  const Values& values = row.values;
   for (ReferenceColumn& column : table.columns) {
-    column.cells.push_back(Cell(column, ValueOf(values, column.name), decode));
+    const std::string text = ValueOf(values, column.name);
+    const auto& empty = row.empty_elements;
+    const bool is_null = !Has(values, column.name) &&
+                         std::find(empty.begin(), empty.end(), column.name) == empty.end();
+    column.exact.push_back(Exact(column.type, text, is_null));
+    column.cells.push_back(Cell(column, text, decode));
     const auto* binary = std::get_if<ReferenceBinary>(&column.cells.back());
     if (binary != nullptr && binary->bytes) table.last_binary = binary->bytes;
   }
 }
 
 void EmptyColumns(ReferenceTable& table) {
-  for (ReferenceColumn& column : table.columns) column.cells.clear();
+  for (ReferenceColumn& column : table.columns) {
+    column.cells.clear();
+    column.exact.clear();
+  }
 }
 
 int RowsetType(const Values& values) {
@@ -272,7 +353,7 @@ void DefineRowsetColumns(const std::string& text, std::size_t at, std::size_t en
     at = close;
     if (ValueOf(values, "name").empty()) continue;
     ReferenceColumn column{
-        .name = ValueOf(values, "name"), .type = RowsetType(values), .cells = {}};
+        .name = ValueOf(values, "name"), .type = RowsetType(values), .cells = {}, .exact = {}};
     if (Has(values, "dt:maxLength")) {
       column.declared_length = DecimalByReference(ValueOf(values, "dt:maxLength"));
     }
@@ -293,7 +374,8 @@ void DefineSchemaColumns(const std::string& text, std::size_t at, std::size_t en
     if (ValueOf(values, "name").empty()) continue;
     table.columns.push_back({.name = ValueOf(values, "name"),
                              .type = SchemaType(ValueOf(values, "type")),
-                             .cells = {}});
+                             .cells = {},
+                             .exact = {}});
   }
 }
 
@@ -354,8 +436,7 @@ bool ReadRowsetByReference(const std::string& file, ReferenceTable& table) {
   const std::string opening = "<z:row";
   while ((at = text.find(opening, at)) != std::string::npos) {
     at += opening.size();
-    const Values values = ReadAttributes(text, at, text.size(), true);
-    AppendRow(table, values, DecodedHex);
+    AppendRow(table, {ReadAttributes(text, at, text.size(), true), {}}, DecodedHex);
   }
   return true;
 }

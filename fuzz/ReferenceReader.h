@@ -23,6 +23,14 @@ struct ReferenceBinary {
 using ReferenceCell =
     std::variant<std::int32_t, double, std::optional<ReferenceDate>, std::string, ReferenceBinary>;
 
+// What the extensions give for a cell. `integer` is not kept for doubles, and `text` for doubles
+// and binary cells.
+struct ReferenceExact {
+  bool is_null = false;
+  std::int64_t integer = 0;
+  std::string text;
+};
+
 struct ReferenceColumn {
   std::string name;
   std::int32_t declared_length = 0;
@@ -30,6 +38,7 @@ struct ReferenceColumn {
   std::size_t display_length = 0;
   int type = 0;
   std::vector<ReferenceCell> cells;
+  std::vector<ReferenceExact> exact;  // one for each of the cells
 };
 
 struct ReferenceTable {

@@ -53,11 +53,14 @@ std::uint8_t TypeOf(ColumnKind kind) {
   return kTypeVarChar;
 }
 
-void AppendNeutral(Cells& cells, std::size_t count) {
-  const auto append = [count](auto& held) {
-    for (std::size_t i = 0; i < count; ++i) held.push_back({});
+void AppendNulls(Column& column, std::size_t count) {
+  const auto append = [&](auto& held) {
+    for (std::size_t row = 0; row < count; ++row) {
+      held.push_back({});
+      column.nulls.Add(row);
+    }
   };
-  std::visit(append, cells);
+  std::visit(append, column.cells);
 }
 
 }  // namespace
@@ -104,9 +107,10 @@ bool CursorReader::Read() {
 bool CursorReader::AppendRow() {
   for (std::size_t i = 0; i < targets_.size(); ++i) {
     Target& target = targets_[i];
-    const auto length = (this->*target.append)(i, target.column.cells);
-    if (!length) return false;
-    target.longest = std::max(target.longest, *length);
+    const auto [state, length] = (this->*target.append)(i, target.column.cells);
+    if (state == CellState::kFailed) return false;
+    if (state == CellState::kNull) target.column.nulls.Add(rows_);
+    target.longest = std::max(target.longest, length);
     // Misfits are not failures, and there may be many diagnostics of them.
     diagnostics_.clear();
   }
@@ -115,8 +119,8 @@ bool CursorReader::AppendRow() {
 
 void CursorReader::MoveTo(ResultTable& table) {
   for (Column& column : table.Columns()) {
-    column.cells = CellsFor(column.type);
-    AppendNeutral(column.cells, rows_);
+    column.RebuildCells();
+    AppendNulls(column, rows_);
   }
   for (Target& target : targets_) {
     target.column.display_length = text::SaturatedTo32Bits(target.longest);
@@ -125,67 +129,67 @@ void CursorReader::MoveTo(ResultTable& table) {
   targets_.clear();
 }
 
-std::optional<std::size_t> CursorReader::AppendBoolean(std::size_t index, Cells& cells) {
+CursorReader::Appended CursorReader::AppendBoolean(std::size_t index, Cells& cells) {
   bool value = false;
   const CellState state = statement_.ReadBoolean(index, value, diagnostics_);
-  if (state == CellState::kFailed) return std::nullopt;
+  if (state == CellState::kFailed) return {state};
   if (state == CellState::kMisfit) {
     const std::string_view text = MisfitText(index);
     value = ParseBoolean(text) != 0 || text::DecimalToInt32(text) != 0;
   }
   std::get<IntCells>(cells).push_back(value ? 1 : 0);
-  return 1;
+  return {state, 1};
 }
 
-std::optional<std::size_t> CursorReader::AppendInteger(std::size_t index, Cells& cells) {
+CursorReader::Appended CursorReader::AppendInteger(std::size_t index, Cells& cells) {
   std::int64_t value = 0;
   const CellState state = statement_.ReadInteger(index, value, diagnostics_);
-  if (state == CellState::kFailed) return std::nullopt;
-  if (state == CellState::kMisfit) value = text::DecimalToInt32(MisfitText(index));
-  const std::int32_t held = text::SaturatedTo32Bits(value);
-  std::get<IntCells>(cells).push_back(held);
-  return static_cast<std::size_t>(DecimalLength(held));
+  if (state == CellState::kFailed) return {state};
+  if (state == CellState::kMisfit) value = text::DecimalToInt64(MisfitText(index));
+  std::get<IntCells>(cells).push_back(value);
+  return {state, static_cast<std::size_t>(DecimalLength(text::SaturatedTo32Bits(value)))};
 }
 
-std::optional<std::size_t> CursorReader::AppendDouble(std::size_t index, Cells& cells) {
+CursorReader::Appended CursorReader::AppendDouble(std::size_t index, Cells& cells) {
   double value = 0.0;
   const CellState state = statement_.ReadDouble(index, value, diagnostics_);
-  if (state == CellState::kFailed) return std::nullopt;
+  if (state == CellState::kFailed) return {state};
   if (state == CellState::kMisfit) value = ParseDouble(MisfitText(index));
   std::get<DoubleCells>(cells).push_back(value);
-  return static_cast<std::size_t>(FixedLength(value));
+  return {state, static_cast<std::size_t>(FixedLength(value))};
 }
 
-std::optional<std::size_t> CursorReader::AppendDate(std::size_t index, Cells& cells) {
+CursorReader::Appended CursorReader::AppendDate(std::size_t index, Cells& cells) {
   odbc::Timestamp time;
   DateValue value;
   const CellState state = statement_.ReadTimestamp(index, time, diagnostics_);
-  if (state == CellState::kFailed) return std::nullopt;
+  if (state == CellState::kFailed) return {state};
   if (state == CellState::kMisfit) value = ParseDate(MisfitText(index));
   if (state == CellState::kValue) {
-    value = MakeDate({time.year, time.month, time.day, time.hour, time.minute, time.second});
+    value = MakeDate({time.year, time.month, time.day, time.hour, time.minute, time.second},
+                     time.millisecond);
   }
   std::get<DateCells>(cells).push_back(value.date);
-  return static_cast<std::size_t>(value.display_length);
+  return {state, static_cast<std::size_t>(value.display_length)};
 }
 
-std::optional<std::size_t> CursorReader::AppendPlainText(std::size_t index, Cells& cells) {
+CursorReader::Appended CursorReader::AppendPlainText(std::size_t index, Cells& cells) {
   const CellState state = statement_.ReadText(index, text_, diagnostics_);
-  if (state == CellState::kFailed) return std::nullopt;
+  if (state == CellState::kFailed) return {state};
   if (state != CellState::kValue) text_.clear();
-  return AppendText(std::get<TextCells>(cells), PaddedText(), /*may_have_entities=*/false);
+  auto& texts = std::get<TextCells>(cells);
+  return {state, AppendText(texts, PaddedText(), /*may_have_entities=*/false)};
 }
 
-std::optional<std::size_t> CursorReader::AppendBinary(std::size_t index, Cells& cells) {
+CursorReader::Appended CursorReader::AppendBinary(std::size_t index, Cells& cells) {
   bytes_.clear();
-  std::string path;
-  if (files_) {
-    const CellState state = statement_.ReadBytes(index, bytes_, diagnostics_);
-    if (state == CellState::kFailed) return std::nullopt;
-    if (state == CellState::kValue && !bytes_.empty()) path = files_->WriteBytes(bytes_);
-  }
+  const CellState state = files_ ? statement_.ReadBytes(index, bytes_, diagnostics_)
+                                 : statement_.ReadNothing(index, diagnostics_);
+  if (state == CellState::kFailed) return {state};
+  const bool has_bytes = state == CellState::kValue && !bytes_.empty();
+  const std::string path = has_bytes ? files_->WriteBytes(bytes_) : std::string();
   std::get<TextCells>(cells).push_back(path);
-  return path.size();
+  return {state, path.size()};
 }
 
 std::string_view CursorReader::MisfitText(std::size_t index) {

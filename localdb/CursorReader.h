@@ -31,14 +31,19 @@ class CursorReader {
   // reason in the diagnostics if reading breaks off.
   [[nodiscard]] bool Read();
 
-  // Appends the columns that were read to `table`, whose own columns get the same number of neutral
+  // Appends the columns that were read to `table`, whose own columns get the same number of null
   // cells. If it is not called, the destructor removes the files of binary cells.
   void MoveTo(ResultTable& table);
 
  private:
-  // Appends the row's cell of the column at `index` and returns the length of its text, or nothing
-  // if the row cannot be read further.
-  using Append = std::optional<std::size_t> (CursorReader::*)(std::size_t index, Cells& cells);
+  struct Appended {
+    odbc::CellState state;
+    std::size_t length = 0;  // of the cell's text
+  };
+
+  // Appends the row's cell of the column at `index`. If the state is kFailed, it has appended
+  // nothing, and the row cannot be read further.
+  using Append = Appended (CursorReader::*)(std::size_t index, Cells& cells);
 
   struct Target {
     Append append;
@@ -49,12 +54,12 @@ class CursorReader {
   [[nodiscard]] static Target TargetFor(const odbc::Column& column);
   [[nodiscard]] static Append AppenderFor(const Column& column);
   [[nodiscard]] bool AppendRow();
-  std::optional<std::size_t> AppendBoolean(std::size_t index, Cells& cells);
-  std::optional<std::size_t> AppendInteger(std::size_t index, Cells& cells);
-  std::optional<std::size_t> AppendDouble(std::size_t index, Cells& cells);
-  std::optional<std::size_t> AppendDate(std::size_t index, Cells& cells);
-  std::optional<std::size_t> AppendPlainText(std::size_t index, Cells& cells);
-  std::optional<std::size_t> AppendBinary(std::size_t index, Cells& cells);
+  Appended AppendBoolean(std::size_t index, Cells& cells);
+  Appended AppendInteger(std::size_t index, Cells& cells);
+  Appended AppendDouble(std::size_t index, Cells& cells);
+  Appended AppendDate(std::size_t index, Cells& cells);
+  Appended AppendPlainText(std::size_t index, Cells& cells);
+  Appended AppendBinary(std::size_t index, Cells& cells);
 
   // Returns the text of a cell that did not fit its type, or an empty text if it cannot be read.
   // Valid until the next call.

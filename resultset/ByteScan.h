@@ -1,4 +1,4 @@
-// Exact and fast search for bytes and markers in text.
+// Exact and fast search for bytes and markers in text, and eight digits at a time.
 #pragma once
 
 // What the one compiler calls by its name, the other has in everything for 64 bits.
@@ -21,6 +21,23 @@ inline std::uint64_t LoadWord(const char* p) {
   std::uint64_t word;
   std::memcpy(&word, p, sizeof word);
   return word;
+}
+
+// Returns true if all eight bytes of a word are decimal digits.
+inline bool AreDigits(std::uint64_t word) {
+  constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
+  constexpr std::uint64_t kSixes = 0x0606060606060606u;
+  constexpr std::uint64_t kThrees = 0x3030303030303030u;
+  // Adding six carries out of the low half of a byte that is above '9'.
+  return (word & kHighHalves) == kThrees && ((word + kSixes) & kHighHalves) == kThrees;
+}
+
+// Returns the number that eight digits in a word represent, the first byte being the highest:
+// neighbours are joined to numbers of two, four and eight digits.
+inline std::uint64_t EightDigits(std::uint64_t word) {
+  word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 0x100 + 1) >> 8;
+  word = (word & 0x00FF00FF00FF00FFu) * (100 * 0x10000 + 1) >> 16;
+  return (word & 0x0000FFFF0000FFFFu) * (10000ull * 0x100000000 + 1) >> 32;
 }
 
 // How many bytes scans may read after the end of what they scan.

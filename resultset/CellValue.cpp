@@ -42,71 +42,6 @@ std::optional<double> ParseUnsigned(std::string_view text) {
   return value;
 }
 
-// Returns true if all eight bytes of a word are decimal digits.
-bool AreDigits(std::uint64_t word) {
-  constexpr std::uint64_t kHighHalves = 0xF0F0F0F0F0F0F0F0u;
-  constexpr std::uint64_t kSixes = 0x0606060606060606u;
-  constexpr std::uint64_t kThrees = 0x3030303030303030u;
-  // Adding six carries out of the low half of a byte that is above '9'.
-  return (word & kHighHalves) == kThrees && ((word + kSixes) & kHighHalves) == kThrees;
-}
-
-// Returns the number that eight digits in a word represent, the first byte being the highest:
-// neighbours are joined to numbers of two, four and eight digits.
-std::uint64_t EightDigits(std::uint64_t word) {
-  word = (word & 0x0F0F0F0F0F0F0F0Fu) * (10 * 0x100 + 1) >> 8;
-  word = (word & 0x00FF00FF00FF00FFu) * (100 * 0x10000 + 1) >> 16;
-  return (word & 0x0000FFFF0000FFFFu) * (10000ull * 0x100000000 + 1) >> 32;
-}
-
-constexpr std::int32_t kDateSeparators = 5;
-
-// Where each field starts; the year has four characters, the others two.
-constexpr std::array<std::size_t, 6> kFieldStarts = {0, 5, 8, 11, 14, 17};
-
-// Reads fields that consist of digits, as dates usually do. Returns false if they do not. The
-// characters between them do not matter.
-bool ReadDigits(const char* text, DateFields& fields) {
-  // Zeros replace the separators: "YYYY-MM-" and "DD HH:MM" become numbers of eight digits.
-  const std::uint64_t date = (LoadWord(text) & 0x00FFFF00FFFFFFFFu) | 0x3000003000000000u;
-  const std::uint64_t time = (LoadWord(text + 8) & 0xFFFF00FFFF00FFFFu) | 0x0000300000300000u;
-  const std::uint32_t tens = text::DigitValue(text[17]);
-  const std::uint32_t ones = text::DigitValue(text[18]);
-  if (!AreDigits(date) || !AreDigits(time) || tens > 9 || ones > 9) return false;
-  const auto year_month = static_cast<std::int32_t>(EightDigits(date));
-  const auto day_time = static_cast<std::int32_t>(EightDigits(time));
-  fields = {year_month / 10000, year_month / 10 % 100,
-            day_time / 1000000, day_time / 1000 % 100,
-            day_time % 100,     static_cast<std::int32_t>(tens * 10 + ones)};
-  return true;
-}
-
-// Reads the number at the start of each field.
-void ReadNumbers(std::string_view text, DateFields& fields) {
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    fields[i] = text::DecimalToInt32(text.substr(kFieldStarts[i], i == 0 ? 4 : 2));
-  }
-}
-
-// Returns the length of the fields without padding, including the separators.
-std::int32_t LengthOfNumbers(const DateFields& fields) {
-  std::int32_t length = kDateSeparators;
-  for (const std::int32_t field : fields) length += DecimalLength(field);
-  return length;
-}
-
-// The same for fields that consist of digits: the year has up to four, the others up to two.
-std::int32_t LengthOfDigits(const DateFields& fields) {
-  const std::int32_t year = fields[0];
-  std::int32_t length = kDateSeparators + 6 + (year > 9) + (year > 99) + (year > 999);
-  for (std::size_t i = 1; i < fields.size(); ++i) length += fields[i] > 9;
-  return length;
-}
-
-COleDateTime DateOf(const DateFields& fields) {
-  return {fields[0], fields[1], fields[2], fields[3], fields[4], fields[5]};
-}
-
 // Returns the character of "&#x", two digits and ";" at `p`, or 0. At least six bytes must be
 // readable.
 char DecodeEntity(const char* p) {
@@ -139,6 +74,14 @@ std::size_t DecodeEntities(const char* p, const char* end, char* out) {
     p += meaning != '\0' ? kEntityLength : 1;
   }
   return static_cast<std::size_t>(out - start);
+}
+
+// The shortest text from which the same number is read.
+template <class Number>
+CString ShortestText(Number number) {
+  std::array<char, 32> text;
+  const char* const end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+  return CString(std::string_view(text.data(), static_cast<std::size_t>(end - text.data())));
 }
 
 constexpr std::int32_t kFractionLength = 7;  // the point and six decimals
@@ -180,26 +123,22 @@ double ParseDouble(std::string_view text) {
   return negative ? -*value : *value;
 }
 
-DateValue MakeDate(const DateFields& fields) { return {DateOf(fields), LengthOfNumbers(fields)}; }
-
-DateValue ParseDate(std::string_view text) {
-  constexpr std::size_t kDateLength = 19;
-  if (text.size() < kDateLength) return {};
-  DateFields fields;
-  if (ReadDigits(text.data(), fields)) return {DateOf(fields), LengthOfDigits(fields)};
-  ReadNumbers(text, fields);
-  return MakeDate(fields);
-}
-
-std::int32_t ParseInteger(std::string_view text) {
+std::int64_t ParseInteger(std::string_view text) {
   constexpr std::uint64_t kZeros = 0x3030303030303030u;
-  if (text.empty() || text.size() > sizeof(std::uint64_t)) return text::DecimalToInt32(text);
-  // The digits move to the end of the word, behind zeros.
-  const unsigned unused = 64 - static_cast<unsigned>(text.size()) * 8;
+  constexpr std::uint64_t kHundredMillion = 100'000'000;
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  if (text.empty() || text.size() > 2 * kWord) return text::DecimalToInt64(text);
+  const bool is_long = text.size() > kWord;
+  // The first digits move to the end of the word, behind zeros; after them follow none or eight.
+  const unsigned digits = static_cast<unsigned>(is_long ? text.size() - kWord : text.size());
+  const unsigned unused = 64 - digits * 8;
   const std::uint64_t zeros = unused == 0 ? 0 : kZeros >> (64 - unused);
-  const std::uint64_t word = LoadWord(text.data()) << unused | zeros;
-  if (!AreDigits(word)) return text::DecimalToInt32(text);
-  return static_cast<std::int32_t>(EightDigits(word));
+  const std::uint64_t head = LoadWord(text.data()) << unused | zeros;
+  if (!AreDigits(head)) return text::DecimalToInt64(text);
+  if (!is_long) return static_cast<std::int64_t>(EightDigits(head));
+  const std::uint64_t tail = LoadWord(text.data() + digits);
+  if (!AreDigits(tail)) return text::DecimalToInt64(text);
+  return static_cast<std::int64_t>(EightDigits(head) * kHundredMillion + EightDigits(tail));
 }
 
 std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities) {
@@ -215,11 +154,7 @@ std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_en
   return length;
 }
 
-CString CellText(std::int32_t value) {
-  std::array<char, 11> text;
-  const char* const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
-  return CString(std::string_view(text.data(), static_cast<std::size_t>(end - text.data())));
-}
+CString CellText(std::int32_t value) { return ShortestText(value); }
 
 CString CellText(double value) {
   FixedText text;
@@ -230,6 +165,13 @@ CString CellText(double value) {
 CString CellText(const COleDateTime& value) {
   if (value.m_dt == 0.0) return {};
   return value.Format("%Y-%m-%d %H:%M:%S");
+}
+
+CString ExactText(std::int64_t value) { return ShortestText(value); }
+
+CString ExactText(double value) {
+  // Systems differ in the texts of those that are not positive.
+  return std::isnan(value) ? CString("nan") : ShortestText(value);
 }
 
 std::int32_t FixedLength(double value) {

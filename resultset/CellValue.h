@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "Cells.h"
+#include "DateCell.h"
 #include "qvnetcall/framework/OleDateTime.h"
 #include "qvnetcall/framework/String.h"
 
@@ -19,27 +20,11 @@ namespace qv {
 // skipped. Returns 0.0 if there is no number, and infinity if it is too large.
 [[nodiscard]] double ParseDouble(std::string_view text);
 
-struct DateValue {
-  COleDateTime date;
-  // The length of the date without padding, "%d-%d-%d %d-%d-%d"; 0 if there is none.
-  std::int32_t display_length = 0;
-};
-
-// Year, month, day, hour, minute, second.
-using DateFields = std::array<std::int32_t, 6>;
-
-// Returns 0.0 for a date that does not exist.
-[[nodiscard]] DateValue MakeDate(const DateFields& fields);
-
-// Parses a date and time at fixed positions of a text of at least 19 characters. Returns 0.0 for a
-// shorter text and for a date that does not exist.
-[[nodiscard]] DateValue ParseDate(std::string_view text);
-
 // How many bytes ParseInteger and AppendText may read after the text.
 constexpr std::size_t kValueSlack = TextCells::kCopyStep;
 
-// As DecimalToInt32.
-[[nodiscard]] std::int32_t ParseInteger(std::string_view text);
+// As DecimalToInt64.
+[[nodiscard]] std::int64_t ParseInteger(std::string_view text);
 
 // Appends a text without leading and trailing white space and, if it may have entities, with these
 // decoded. Returns the length that was appended.
@@ -47,11 +32,18 @@ std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_en
 
 // The text forms of values, and their lengths for display.
 
-// "%d", "%f", "%Y-%m-%d %H:%M:%S" (empty for a date of exactly 0.0), and text as it is.
+// As the platform's calls give them: "%d", "%f", and "%Y-%m-%d %H:%M:%S", which is empty for a date
+// of exactly 0.0.
 [[nodiscard]] CString CellText(std::int32_t value);
 [[nodiscard]] CString CellText(double value);
 [[nodiscard]] CString CellText(const COleDateTime& value);
-[[nodiscard]] inline CString CellText(std::string_view text) { return CString(text); }
+
+// Integers with all digits, doubles as the shortest text that reads back as the same double, dates
+// as DateCell has them, and text as it is.
+[[nodiscard]] CString ExactText(std::int64_t value);
+[[nodiscard]] CString ExactText(double value);
+[[nodiscard]] inline CString ExactText(DateCell value) { return value.Text(); }
+[[nodiscard]] inline CString ExactText(std::string_view text) { return CString(text); }
 
 // Returns the length of "%d" of `value`.
 [[nodiscard]] constexpr std::int32_t DecimalLength(std::int32_t value) {

@@ -1,4 +1,4 @@
-// Growing arrays of plain values and of texts, for cells.
+// The cells of a column, in growing arrays; and which of them are null.
 #pragma once
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <map>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include <utility>
 
 #include "base/platform/Platform.h"
+#include "base/text/Numbers.h"
 
 namespace qv {
 
@@ -93,6 +95,51 @@ class GrowArray {
   std::unique_ptr<T, Freed> data_;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
+};
+
+// Integers. The calls that the platform knows give them within 32 bits.
+class IntCells : public GrowArray<std::int64_t> {
+ public:
+  [[nodiscard]] std::int32_t In32Bits(std::size_t row) const {
+    const auto sum = sums_.empty() ? sums_.end() : sums_.find(row);
+    return sum != sums_.end() ? sum->second : text::SaturatedTo32Bits((*this)[row]);
+  }
+
+  // Replaces a cell by a sum that is `in_32_bits` to those calls, which add 32-bit numbers and let
+  // the sum wrap.
+  void SetSum(std::size_t row, std::int64_t sum, std::int32_t in_32_bits) {
+    sums_[row] = in_32_bits;
+    (*this)[row] = sum;
+  }
+
+ private:
+  std::map<std::size_t, std::int32_t> sums_;  // as those calls give them, by row
+};
+
+// The rows of a column that have no value: a bit each, and no memory after the last of them.
+class NullRows {
+ public:
+  [[nodiscard]] bool Has(std::size_t row) const {
+    return row / kBits < words_.size() && (words_[row / kBits] >> row % kBits & 1) != 0;
+  }
+  void Add(std::size_t row) {
+    const std::size_t word = row / kBits;
+    if (word >= words_.size()) AddWords(word + 1 - words_.size());
+    words_[word] |= std::uint64_t{1} << row % kBits;
+  }
+  void Remove(std::size_t row) {
+    if (row / kBits < words_.size()) words_[row / kBits] &= ~(std::uint64_t{1} << row % kBits);
+  }
+  void Clear() { words_.Shrink(0); }
+
+ private:
+  static constexpr std::size_t kBits = 64;
+
+  void AddWords(std::size_t count) {
+    std::memset(words_.Extend(count), 0, count * sizeof(std::uint64_t));
+  }
+
+  GrowArray<std::uint64_t> words_;
 };
 
 // The texts of a column's cells, all in one buffer.

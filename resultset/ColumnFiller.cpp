@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "CellValue.h"
+#include "DateCell.h"
 #include "FileText.h"
 #include "base/text/Numbers.h"
 
@@ -50,12 +51,15 @@ bool ColumnFiller::AppendRow(bool may_have_entities) {
   row_.may_have_entities = may_have_entities;
   row_.taken = row_bytes_;
   for (Sink& sink : sinks_) {
-    const std::size_t length = sink.append(sink.cells, values_.InSlot(sink.slot), row_);
+    const std::string_view text = values_.InSlot(sink.slot);
+    if (text.data() == nullptr) sink.column->nulls.Add(rows_);
+    const std::size_t length = sink.append(sink.cells, text, row_);
     sink.longest = std::max(sink.longest, length);
     row_.taken += length;
     if (row_.taken > budget_) return false;
   }
   budget_ -= row_.taken;
+  ++rows_;
   return true;
 }
 
@@ -74,9 +78,9 @@ std::size_t ColumnFiller::AppendBoolean(void* cells, std::string_view text, Row&
 }
 
 std::size_t ColumnFiller::AppendInteger(void* cells, std::string_view text, Row&) {
-  const std::int32_t value = ParseInteger(text);
+  const std::int64_t value = ParseInteger(text);
   static_cast<IntCells*>(cells)->push_back(value);
-  return static_cast<std::size_t>(DecimalLength(value));
+  return static_cast<std::size_t>(DecimalLength(text::SaturatedTo32Bits(value)));
 }
 
 std::size_t ColumnFiller::AppendDouble(void* cells, std::string_view text, Row&) {

@@ -26,10 +26,10 @@ class ColumnFiller {
   ColumnFiller(const ColumnFiller&) = delete;
   ColumnFiller& operator=(const ColumnFiller&) = delete;
 
-  // Appends one cell to each column. The texts are in a FileText, so that some bytes after them may
-  // be read. `may_have_entities` is false if no text contains an ampersand. Returns false if the
-  // cells take more memory than any honest file of that size needs: many columns times many rows,
-  // all empty or all of one name.
+  // Appends one cell to each column; cells without a value are null. The texts are in a FileText,
+  // so that some bytes after them may be read. `may_have_entities` is false if no text contains an
+  // ampersand. Returns false if the cells take more memory than any honest file of that size needs:
+  // many columns times many rows, all empty or all of one name.
   [[nodiscard]] bool AppendRow(bool may_have_entities);
 
   // Reserves memory for the remaining rows after `done` bytes of rows out of `total` were appended,
@@ -67,6 +67,7 @@ class ColumnFiller {
   const RowValues& values_;
   std::vector<Sink> sinks_;
   Row row_;
+  std::size_t rows_ = 0;
   std::size_t row_bytes_;  // of a row's cells, without their texts
   std::size_t budget_;
 };

@@ -37,7 +37,23 @@ std::size_t Column::Rows() const {
 }
 
 CString Column::Text(std::size_t row) const {
-  return std::visit([row](const auto& held) { return CellText(held[row]); }, cells);
+  if (const auto* const ints = std::get_if<IntCells>(&cells)) return CellText(ints->In32Bits(row));
+  if (const auto* const dates = std::get_if<DateCells>(&cells)) {
+    return CellText((*dates)[row].Date());
+  }
+  if (const auto* const doubles = std::get_if<DoubleCells>(&cells))
+    return CellText((*doubles)[row]);
+  return CString(std::get<TextCells>(cells)[row]);
+}
+
+CString Column::ExactText(std::size_t row) const {
+  if (nulls.Has(row)) return {};
+  return std::visit([row](const auto& held) { return qv::ExactText(held[row]); }, cells);
+}
+
+void Column::RebuildCells() {
+  cells = CellsFor(type);
+  nulls.Clear();
 }
 
 Column& ResultTable::AddColumn(Column column) {
@@ -77,7 +93,7 @@ const Column* ResultTable::ColumnAt(std::int32_t index) const {
 }
 
 void ResultTable::RebuildCells() {
-  for (Column& column : columns_) column.cells = CellsFor(column.type);
+  for (Column& column : columns_) column.RebuildCells();
 }
 
 }  // namespace qv

@@ -9,31 +9,31 @@
 #include <vector>
 
 #include "Cells.h"
+#include "DateCell.h"
 #include "NameIndex.h"
 #include "qvnetcall/RvoDbRes.h"
-#include "qvnetcall/framework/OleDateTime.h"
 #include "qvnetcall/framework/String.h"
 
 namespace qv {
 
 // The type codes that the readers distinguish; every other code is text.
 enum TypeCode : std::uint8_t {
-  kTypeNone = 0,
-  kTypeSmallInt = 2,
-  kTypeInteger = 3,
-  kTypeSingle = 4,  // stored as text
-  kTypeDouble = 5,
-  kTypeDate = 7,
-  kTypeBoolean = 11,
-  kTypeUnsignedTinyInt = 17,
-  kTypeBigInt = 20,  // stored in 32 bits
-  kTypeChar = 129,
-  kTypeNumeric = 131,  // stored as text
-  kTypeTimeStamp = 135,
-  kTypeVarChar = 200,
-  kTypeLongVarChar = 201,
-  kTypeVarWChar = 202,
-  kTypeLongVarBinary = 205,
+  kTypeNone = field_type::kUnknown,
+  kTypeSmallInt = field_type::kSmallInt,
+  kTypeInteger = field_type::kInteger,
+  kTypeSingle = field_type::kSingle,  // stored as text
+  kTypeDouble = field_type::kDouble,
+  kTypeDate = field_type::kDate,
+  kTypeBoolean = field_type::kBoolean,
+  kTypeUnsignedTinyInt = field_type::kUnsignedTinyInt,
+  kTypeBigInt = field_type::kBigInt,
+  kTypeChar = field_type::kChar,
+  kTypeNumeric = field_type::kNumeric,  // stored as text
+  kTypeTimeStamp = field_type::kTimeStamp,
+  kTypeVarChar = field_type::kVarChar,
+  kTypeLongVarChar = field_type::kLongVarChar,
+  kTypeVarWChar = field_type::kVarWChar,
+  kTypeLongVarBinary = field_type::kLongVarBinary,
 };
 
 // A dialect's name of a type.
@@ -45,9 +45,8 @@ struct NamedType {
 // Returns the type of that name, or kTypeNone if it is not among `types`.
 [[nodiscard]] std::uint8_t FindType(std::span<const NamedType> types, std::string_view name);
 
-using IntCells = GrowArray<std::int32_t>;
 using DoubleCells = GrowArray<double>;
-using DateCells = GrowArray<COleDateTime>;
+using DateCells = GrowArray<DateCell>;
 using Cells = std::variant<TextCells, IntCells, DoubleCells, DateCells>;
 
 // Returns empty cells of the kind that a type code needs.
@@ -59,10 +58,16 @@ struct Column {
   std::int32_t display_length = 0;
   std::uint8_t type = kTypeNone;
   Cells cells{};
+  NullRows nulls{};
 
   [[nodiscard]] std::size_t Rows() const;
-  // Returns the text form of an existing cell.
+  // Returns the text form of an existing cell, as the platform's calls give it.
   [[nodiscard]] CString Text(std::size_t row) const;
+  // Returns it without loss; empty if the cell is null.
+  [[nodiscard]] CString ExactText(std::size_t row) const;
+
+  // Gives the column new, empty cells of the kind that its type code needs.
+  void RebuildCells();
 };
 
 class ResultTable {
@@ -93,7 +98,7 @@ class ResultTable {
   // Returns the column at `index`, or null.
   [[nodiscard]] const Column* ColumnAt(std::int32_t index) const;
 
-  // Gives every column new, empty cells of the kind that its type code needs.
+  // Gives every column new, empty cells.
   void RebuildCells();
 
  private:

@@ -1,6 +1,7 @@
 #include "RowValues.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qv {
 
@@ -36,6 +37,7 @@ RowValues::RowValues(std::span<const Column> columns, char closing) {
     names_.push_back(CanBeCompared(column.name) ? MakeName(closed_names_.back()) : kNeverMet);
   }
   values_.resize(names_.size());
+  empty_values_.resize(names_.size());
   names_.resize(names_.size() + kLookAhead, kNeverMet);
 }
 
@@ -54,6 +56,22 @@ void RowValues::Put(std::string_view name, std::string_view value) {
   if (found == slot_of_name_.end()) return;
   expected_ = found->second;
   PutExpected(value);
+}
+
+void RowValues::PutEmpty(std::string_view name, const char* at) {
+  const auto found = slot_of_name_.find(name);
+  if (found == slot_of_name_.end()) return;
+  expected_ = found->second;
+  PutExpectedEmpty(at);
+}
+
+void RowValues::End() {
+  if (!has_empty_) return;
+  for (std::size_t slot = 0; slot < values_.size(); ++slot) {
+    const char* const at = std::exchange(empty_values_[slot], nullptr);
+    if (at != nullptr && values_[slot].data() == nullptr) values_[slot] = {at, 0};
+  }
+  has_empty_ = false;
 }
 
 }  // namespace qv

@@ -14,8 +14,9 @@
 
 namespace qv {
 
-// Rows usually name their values in the order of the columns, with gaps: the expected name and a
-// few after it are compared before any look-up.
+// A row either has no value for a name or one that may be empty. Rows usually name their values in
+// the order of the columns, with gaps: the expected name and a few after it are compared before any
+// look-up.
 class RowValues {
  public:
   // `closing` is the character after a name in this dialect.
@@ -36,7 +37,18 @@ class RowValues {
     ++expected_;
   }
 
-  // The slot of a column's values, and the value in it; empty if the row has none.
+  // Records that the row has the name, with an empty value. Any other value of the name counts,
+  // also one that follows. `at` is the value's place.
+  void PutEmpty(std::string_view name, const char* at);
+  void PutExpectedEmpty(const char* at) {
+    empty_values_[expected_++] = at;
+    has_empty_ = true;
+  }
+  // Ends a row in which PutEmpty was used.
+  void End();
+
+  // The slot of a column's values, and the value in it; empty if the row has none, and then without
+  // a place.
   [[nodiscard]] std::size_t SlotOf(std::size_t column) const { return slots_[column]; }
   [[nodiscard]] std::string_view InSlot(std::size_t slot) const { return values_[slot]; }
 
@@ -76,6 +88,8 @@ class RowValues {
   std::vector<Name> names_;
   std::map<std::string_view, std::size_t> slot_of_name_;  // ordered, so that no names collide
   std::vector<std::string_view> values_;                  // by slot
+  std::vector<const char*> empty_values_;                 // by slot; null if there is none
+  bool has_empty_ = false;
   std::size_t expected_ = 0;
 };
 

@@ -110,6 +110,7 @@ class RowWalker {
       ReadChildren(start, end, values);
       behind = end + empty_close_.MarkerLength();
     }
+    values.End();
     position_ = behind;
     may_have_entities_ = ampersands_.Find(start) < behind;
     next_row_ = FindTag(text_, opening_, behind);
@@ -137,7 +138,7 @@ class RowWalker {
 
   // Records the values of the children between `start` and the row's closing tag or `limit`,
   // whichever comes first, and returns that position. "<" starts a name, ">" ends it and starts its
-  // value, which extends to the next "<".
+  // value, which extends to the next "<". An empty element only says that its column is not null.
   std::size_t ReadChildren(std::size_t start, std::size_t limit, RowValues& values) const {
     const char* p = text_.data() + start;
     const char* const end = text_.data() + limit;
@@ -150,14 +151,26 @@ class RowWalker {
       } else if (*p == '>') {
         const char* const value = p + 1;
         const bool is_pair = value < end && *value == '<';
+        const std::string_view tag(name, Distance(name, p));
         p = is_pair ? value : FindByte(value, end, '<');
-        if (!is_pair) values.Put({name, Distance(name, value - 1)}, {value, Distance(value, p)});
+        if (!is_pair) values.Put(tag, {value, Distance(value, p)});
+        NoteEmpty(tag, is_pair, value, values);
         name = p;
       } else {
         ++p;
       }
     }
     return static_cast<std::size_t>(p - text_.data());
+  }
+
+  // Notes the element whose tag has the text `tag` if it is empty: "<name/>", with blanks before
+  // the slash or without, or "<name></name>", of which `is_pair` says that a "<" follows the tag.
+  static void NoteEmpty(std::string_view tag, bool is_pair, const char* value, RowValues& values) {
+    const bool is_closed = tag.ends_with('/');
+    if (tag.empty() || (!is_closed && (!is_pair || tag.starts_with('/')))) return;
+    if (is_closed) tag.remove_suffix(1);
+    while (is_closed && tag.ends_with(' ')) tag.remove_suffix(1);
+    values.PutEmpty(tag, value);
   }
 
   // Takes the children from the "<" at `p` as long as they come as expected, "<name>value</name>".
@@ -168,9 +181,13 @@ class RowWalker {
       if (length == 0) return p;
       const char* const name = p + 1;
       const char* const value = name + length + 1;
-      if (value >= end || *value == '<') return p;
+      if (value >= end || (*value == '<' && !plain_names_)) return p;
       const char* const value_end = FindByte(value, end, '<');
-      values.PutExpected({value, Distance(value, value_end)});
+      if (value_end != value) {
+        values.PutExpected({value, Distance(value, value_end)});
+      } else {
+        values.PutExpectedEmpty(value);
+      }
       p = BehindClosing(value_end, end, length, values);
     }
     return p;

@@ -224,7 +224,10 @@ CellState Statement::ReadTimestamp(std::size_t column, Timestamp& value, Diagnos
   SQL_TIMESTAMP_STRUCT read{};
   const CellState state = ReadFixed(column, SQL_C_TYPE_TIMESTAMP, read, diagnostics);
   if (state == CellState::kValue) {
-    value = {read.year, read.month, read.day, read.hour, read.minute, read.second};
+    constexpr std::int32_t kNanosecondsEach = 1'000'000;
+    const auto millisecond = static_cast<std::int32_t>(read.fraction / kNanosecondsEach);
+    value = {read.year,   read.month,  read.day,          read.hour,
+             read.minute, read.second, millisecond % 1000};
   }
   return state;
 }
@@ -241,6 +244,11 @@ CellState Statement::ReadText(std::size_t column, std::string& text, Diagnostics
 CellState Statement::ReadBytes(std::size_t column, std::vector<unsigned char>& bytes,
                                Diagnostics& diagnostics) {
   return ReadPieces<unsigned char>(column, bytes, diagnostics);
+}
+
+CellState Statement::ReadNothing(std::size_t column, Diagnostics& diagnostics) {
+  unsigned char first = 0;  // the rest of the cell is left where it is
+  return ReadFixed(column, SQL_C_BINARY, first, diagnostics);
 }
 
 template <class Value>

@@ -49,6 +49,7 @@ struct Timestamp {
   std::int32_t hour = 0;
   std::int32_t minute = 0;
   std::int32_t second = 0;
+  std::int32_t millisecond = 0;
 };
 
 using Argument = std::optional<std::string>;
@@ -98,6 +99,9 @@ class Statement {
   [[nodiscard]] CellState ReadText(std::size_t column, std::string& text, Diagnostics& diagnostics);
   [[nodiscard]] CellState ReadBytes(std::size_t column, std::vector<unsigned char>& bytes,
                                     Diagnostics& diagnostics);
+
+  // Finds out whether the cell is null, without reading it: the result is kValue or kNull.
+  [[nodiscard]] CellState ReadNothing(std::size_t column, Diagnostics& diagnostics);
 
   // May be called from any thread while the statement exists. Makes the running execution or fetch
   // end with a failure, as far as the driver can, and every later call to the database fail.

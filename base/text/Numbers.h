@@ -30,22 +30,25 @@ constexpr std::uint32_t DigitValue(char c) { return static_cast<std::uint32_t>(c
 
 // Returns the number that `text` starts with, as the platform reads numbers: leading white space is
 // skipped, a sign and digits are read, and the first other character ends the number. Returns 0 if
-// there is no number, and the nearest limit if 32 bits do not hold it.
-constexpr std::int32_t DecimalToInt32(std::string_view text) {
+// there is no number, and the nearest limit if 64 bits do not hold it.
+constexpr std::int64_t DecimalToInt64(std::string_view text) {
   const char* p = text.data();
   const char* const end = p + text.size();
   while (p != end && IsSpace(*p)) ++p;
   const bool negative = p != end && *p == '-';
   if (p != end && (*p == '-' || *p == '+')) ++p;
-  // Nine digits always fit; those after them may not.
-  constexpr int kSafeDigits = 9;
-  std::uint32_t safe = 0;
-  for (int i = 0; i < kSafeDigits && p != end && IsDigit(*p); ++i, ++p)
-    safe = safe * 10 + DigitValue(*p);
-  const std::int64_t limit = std::numeric_limits<std::int32_t>::max() + std::int64_t{negative};
-  std::int64_t value = safe;
-  for (; p != end && IsDigit(*p); ++p) value = std::min(value * 10 + DigitValue(*p), limit);
-  return static_cast<std::int32_t>(negative ? -value : value);
+  const std::uint64_t limit = std::uint64_t{std::numeric_limits<std::int64_t>::max()} + negative;
+  std::uint64_t value = 0;
+  for (; p != end && IsDigit(*p); ++p) {
+    const std::uint64_t digit = DigitValue(*p);
+    value = value > (limit - digit) / 10 ? limit : value * 10 + digit;
+  }
+  return static_cast<std::int64_t>(negative ? 0 - value : value);
+}
+
+// The same, with the nearest limit if 32 bits do not hold the number.
+constexpr std::int32_t DecimalToInt32(std::string_view text) {
+  return SaturatedTo32Bits(DecimalToInt64(text));
 }
 
 // Returns the number that `text` is from its first to its last character, in digits of `base` and,

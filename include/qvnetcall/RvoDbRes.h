@@ -1,6 +1,7 @@
 // The result set: what a query returns to its caller.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "qvnetcall/Export.h"
@@ -14,8 +15,39 @@ namespace qv {
 class ResultTable;
 }
 
-// A table in memory with typed columns and a cursor. Each column holds 32-bit integers, doubles,
-// dates or text, depending on its type code. Row and column indexes start at 0. Field names match
+// What CRvoDbRes::GetFieldType returns. A column of any other type is text, too.
+namespace qv::field_type {
+
+inline constexpr int kNoField = -1;  // there is no such column
+inline constexpr int kUnknown = 0;   // text
+// Integers.
+inline constexpr int kSmallInt = 2;
+inline constexpr int kInteger = 3;
+inline constexpr int kBoolean = 11;  // 1 or 0
+inline constexpr int kUnsignedTinyInt = 17;
+inline constexpr int kBigInt = 20;
+// Doubles.
+inline constexpr int kDouble = 5;
+// Dates.
+inline constexpr int kDate = 7;
+inline constexpr int kTimeStamp = 135;
+// Numbers that are kept as text.
+inline constexpr int kSingle = 4;
+inline constexpr int kNumeric = 131;
+// Text.
+inline constexpr int kChar = 129;
+inline constexpr int kVarChar = 200;
+inline constexpr int kLongVarChar = 201;
+inline constexpr int kVarWChar = 202;
+// Paths of files that hold binary values.
+inline constexpr int kLongVarBinary = 205;
+
+}  // namespace qv::field_type
+
+// A table in memory with typed columns and a cursor. Each column holds integers, doubles, dates or
+// text, depending on its type code. The calls that the platform knows limit integers to 32 bits and
+// cannot tell a missing value from a zero; those marked as extensions give what the server sent.
+// Row and column indexes start at 0. Field names match
 // regardless of the case of ASCII letters; if several columns have the same name, the first one is
 // meant. A result set belongs to one caller and one thread; nothing is locked.
 //
@@ -63,6 +95,29 @@ class QVNETCALL_API CRvoDbRes {
   double _dabl(int row, int column) const;
   double _dabl(int row, const CString& field) const;
 
+  // The calls from here to the next empty line are not part of the platform's interface: they are
+  // extensions of this library.
+  //
+  // Returns the type code of a column, one of qv::field_type or another code of a text;
+  // qv::field_type::kNoField if there is no such column.
+  int GetFieldType(int column) const;
+  int GetFieldType(const CString& field) const;
+  // Return true if a cell has no value: the row has no attribute or element for it, or the database
+  // says that it is null. An empty text is a value. A row that was added has values; a text that
+  // replaced a null one is a value unless it is empty. Return true outside the table and for an
+  // unknown name.
+  bool IsNull(int row, int column) const;
+  bool IsNull(int row, const CString& field) const;
+  // Return a cell as an integer, like _int, but limited to 64 bits.
+  std::int64_t _int64(int row, int column) const;
+  std::int64_t _int64(int row, const CString& field) const;
+  // Return a cell as text without loss: integers with all digits; doubles as the shortest text that
+  // reads back as the same double; dates as "YYYY-MM-DD HH:MM:SS", followed by ".mmm" if there is a
+  // fraction of a second, whose further digits are left out as a time zone is; text as it is.
+  // Return an empty text for a null cell, outside the table and for an unknown name.
+  CString _text(int row, int column) const;
+  CString _text(int row, const CString& field) const;
+
   // Returns a column's name. Throws CInvalidArgException if there is no such column.
   CString GetFiledName(int column) const;
   // Returns the length in bytes of the longest text among a column's values, as measured while
@@ -77,8 +132,9 @@ class QVNETCALL_API CRvoDbRes {
   // Appends a row of zeros and empty texts; dates become 1970-01-01 00:00:00 UTC in local time.
   void AddOneRow();
   // Writes into the last row the sums of all rows above it, for those of `fields` that are columns
-  // of integers or doubles; sums of integers wrap at 32 bits. The last row is overwritten, so
-  // append it first. Throws CInvalidArgException if there is something to sum and the table has no
+  // of integers or doubles; null cells count as 0. Sums of integers wrap at 32 bits, while _int64
+  // and _text give the whole sum, limited to 64 bits. The last row is overwritten, so append it
+  // first. Throws CInvalidArgException if there is something to sum and the table has no
   // rows.
   void AddSumInfo(const CStringArray& fields);
   // Replaces each cell of a text column by what `texts` has for it. A cell that is not a key takes

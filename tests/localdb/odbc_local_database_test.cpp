@@ -103,6 +103,44 @@ TEST_F(DirectAccess, GivesColumnsAsTheReadersDo) {
   }
 }
 
+TEST_F(DirectAccess, GivesExactCellsAndNulls) {
+  const struct {
+    const char* declared;
+    const char* value;
+    const char* text;
+  } cases[] = {
+      {"bigint", "9223372036854775807", "9223372036854775807"},
+      {"bigint", "-9223372036854775807 - 1", "-9223372036854775808"},
+      {"integer", "133844670540", "133844670540"},
+      {"integer", "'99999999999 apples'", "99999999999"},
+      {"boolean", "0", "0"},
+      {"double", "0.1", "0.1"},
+      {"double", "1e-9", "1e-09"},
+      {"double", "1e300", "1e+300"},
+      {"double", "-123456789.012345", "-123456789.012345"},  // this driver gives 15 digits
+      {"timestamp", "'2024-02-09 13:14:15.678'", "2024-02-09 13:14:15.678"},
+      {"date", "'2024-02-09'", "2024-02-09 00:00:00"},
+      {"numeric(18,4)", "'12345678901.5678'", "12345678901.5678"},
+      {"varchar(20)", "''", ""},
+      {"blob", "x''", ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.declared) + " " + c.value);
+    Run("drop table if exists T");
+    Run(std::string("create table T (Id int, C ") + c.declared + ")");
+    Run(std::string("insert into T values (1, ") + c.value + "), (2, null)");
+    CRvoDbRes rows;
+    Query("select C from T order by Id", rows);
+    EXPECT_FALSE(rows.IsNull(0, "C"));
+    EXPECT_EQ(rows._text(0, "C"), c.text);
+    EXPECT_TRUE(rows.IsNull(1, "C"));
+    EXPECT_EQ(rows._text(1, "C"), "");
+    Query("select 'x' as Later", rows);
+    EXPECT_TRUE(rows.IsNull(0, "C"));
+    EXPECT_FALSE(rows.IsNull(0, "Later"));
+  }
+}
+
 TEST_F(DirectAccess, GivesTextOfAnyLengthAndColumnsWithoutRows) {
   std::string text;
   while (text.size() < 300000) text += "中\U0001F600é";
@@ -158,6 +196,8 @@ TEST_F(DirectAccess, WritesBinaryCellsToFiles) {
   CRvoDbRes without;
   Query("select B, Id from T order by Id", without);
   EXPECT_EQ(without._str(0, 0), "");
+  EXPECT_FALSE(without.IsNull(0, 0) || without.IsNull(1, 0) || without.IsNull(2, 0));
+  EXPECT_TRUE(without.IsNull(3, 0));
   EXPECT_EQ(without._str(1, 1), "2");
   EXPECT_EQ(BlobFiles(), 2u);
 }

@@ -86,7 +86,7 @@ TEST(FieldNames, CostNoAllocationButTheReturnedText) {
   }
   AddColumn<IntCells>(result, "CI_NumberOfThisRow", -123456789);
   AddColumn<DoubleCells>(result, "CI_WeightInTonnes", 123456789.5);
-  AddColumn<DateCells>(result, "CI_TimeOfLastChange", COleDateTime(45000.25));
+  AddColumn<DateCells>(result, "CI_TimeOfLastChange", DateCell::Of(COleDateTime(45000.25)));
   AddColumn<TextCells>(result, "CI_TitleOfThisDocument", std::string(100, 't'));
   for (const char* const name : {"ci_numberOfThisRow", "CI_WEIGHTINTONNES", "CI_TimeOfLastChange",
                                  "ci_titleofthisdocument", "ci_titleofthatdocument"}) {

@@ -51,6 +51,16 @@ Rows RowsOf(const CRvoDbRes& result) {
   return rows;
 }
 
+// The exact texts of a row's cells, parted by bars.
+std::string ExactRow(const CRvoDbRes& result, int row) {
+  std::string text;
+  for (int column = 0; column < result.GetFieldCount(); ++column) {
+    text += column > 0 ? "|" : "";
+    text += result.IsNull(row, column) ? "null" : result._text(row, column).GetString();
+  }
+  return text;
+}
+
 std::string Repeated(const std::string& text, std::size_t count) {
   std::string all;
   for (; count > 0; --count) all += text;
@@ -263,7 +273,46 @@ TEST_F(ReadersTest, ASecondReplyJoinsTheFirst) {
   ASSERT_TRUE(Schema(SchemaHead("<xs:element name='b'/>") + "<T><a>7</a><b>8</b></T>", result));
   EXPECT_EQ(RowsOf(result), Rows{"7|8"});
   EXPECT_EQ(result["A"] + result["B"], "78");
+  ASSERT_TRUE(Rowset(RowsetHead({"name='c'"}) + "<z:row b='9'/><z:row/>", result));
+  EXPECT_EQ(ExactRow(result, 0), "null|9|null");
+  EXPECT_EQ(ExactRow(result, 1), "null|null|null");
   EXPECT_EQ(result.GetFiledLength(0), 5);
+}
+
+TEST_F(ReadersTest, CellsThatTheFileLeavesOutAreNull) {
+  CRvoDbRes rowset;
+  ASSERT_TRUE(Rowset(RowsetHead({"name='n' dt:type='i8'", "name='d' dt:type='float'", "name='s'",
+                                 "name='t' dt:type='dateTime'", "name='b' dt:type='bin.hex'",
+                                 "name='f' dt:type='boolean'"}) +
+                         "<z:row n='' d='' s='' t='' b='' f=''/><z:row/>"
+                         "<z:row f='False' s=' ' n='0' d='1e300' n='5'/><z:row n='1' d=2/>",
+                     rowset));
+  EXPECT_EQ(ExactRow(rowset, 0), "0|0||||0");
+  EXPECT_EQ(ExactRow(rowset, 1), "null|null|null|null|null|null");
+  EXPECT_EQ(ExactRow(rowset, 2), "0|1e+300||null|null|0");
+  EXPECT_EQ(ExactRow(rowset, 3), "1|null|null|null|null|null");
+}
+
+TEST_F(ReadersTest, EmptyElementsAreNotNull) {
+  const RowsCase cases[] = {
+      {"in one line", "<T><a></a><b></b></T>", {"0|"}},
+      {"closed at once", "<T><a/><b/></T>", {"0|"}},
+      {"with blanks", "<T>\n <a />\n <b  />\n</T>", {"0|"}},
+      {"before and behind", "<T><b/><a>1</a></T><T><a>1</a><b/></T>", {"1|", "1|"}},
+      {"a value later", "<T><b/><b>x</b><a></a><a>2</a></T>", {"2|x"}},
+      {"a value before", "<T><b>x</b><b/></T>", {"null|x"}},
+      {"not in the next row", "<T><a/></T><T><b></b></T><T/>", {"0|null", "null|", "null|null"}},
+      {"attributes belong to the name", "<T><a x='1'/><b x='1'></b></T>", {"null|null"}},
+      {"closing tags are none", "<T></a><c></c></b></T>", {"null|null"}},
+  };
+  for (const RowsCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    CRvoDbRes result;
+    ASSERT_TRUE(Schema(SchemaHead(kIntColumn + "<xs:element name='b'/>") + c.body, result));
+    Rows rows;
+    for (int row = 0; row < result.GetRecordCount(); ++row) rows.push_back(ExactRow(result, row));
+    EXPECT_EQ(rows, c.rows);
+  }
 }
 
 TEST_F(ReadersTest, RowsetBinaryCellsGetAFileEach) {

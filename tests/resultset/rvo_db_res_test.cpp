@@ -30,7 +30,7 @@ void Fill(CRvoDbRes& result, const std::vector<TypedColumn>& columns) {
     Column& column =
         table.AddColumn({.name = typed.name, .type = typed.type, .cells = CellsFor(typed.type)});
     for (const std::string& text : typed.cells) {
-      if (auto* ints = std::get_if<IntCells>(&column.cells)) ints->push_back(std::stoi(text));
+      if (auto* ints = std::get_if<IntCells>(&column.cells)) ints->push_back(ParseInteger(text));
       if (auto* doubles = std::get_if<DoubleCells>(&column.cells)) {
         doubles->push_back(ParseDouble(text));
       }
@@ -188,6 +188,157 @@ TEST(RvoDbRes, ReplacesIntegersWithoutCarryingOver) {
   EXPECT_EQ(ResultTable::Of(result).Columns()[0].type, 202);
   EXPECT_EQ(ResultTable::Of(result).Columns()[0].declared_length, 9);
   EXPECT_EQ(result.GetFiledLength(0), 3);
+}
+
+Strings ExactTexts(const CRvoDbRes& result, const char* field) {
+  Strings texts;
+  for (int row = 0; row < result.GetRecordCount(); ++row) {
+    texts.emplace_back(result.IsNull(row, field) ? "null" : result._text(row, field).GetString());
+  }
+  return texts;
+}
+
+TEST(RvoDbRes, GivesWhatTheServerSaidBesideThePlatformsForm) {
+  const struct {
+    int type;
+    const char* value;
+    const char* text;
+    std::int64_t integer;
+    const char* platforms_text;
+  } cases[] = {
+      {20, "9223372036854775807", "9223372036854775807", INT64_MAX, "2147483647"},
+      {20, "-9223372036854775809", "-9223372036854775808", INT64_MIN, "-2147483648"},
+      {3, "2147483648", "2147483648", 2147483648, "2147483647"},
+      {3, "1234567890123456", "1234567890123456", 1234567890123456, "2147483647"},
+      {17, "12345678901x2345", "12345678901", 12345678901, "2147483647"},
+      {5, "0.1", "0.1", 1, "0.100000"},
+      {5, "1e-9", "1e-09", 1, "0.000000"},
+      {5, "-0", "-0", 0, "-0.000000"},
+      {5, "9007199254740993", "9007199254740992", 9007199254740992, "9007199254740992.000000"},
+      {5, "-1e19", "-1e+19", INT64_MIN, "-10000000000000000000.000000"},
+      {5, "9223372036854775807", "9223372036854775808", INT64_MAX, "9223372036854775808.000000"},
+      {5, "nan", "nan", 0, "nan"},
+      {135, "2024-02-29T23:59:59.9876+08:00", "2024-02-29 23:59:59.987", 0, "2024-02-29 23:59:59"},
+      {135, "2024-02-29 23:59:59.05", "2024-02-29 23:59:59.050", 0, "2024-02-29 23:59:59"},
+      {7, "2024-02-29 00:00:00.000", "2024-02-29 00:00:00", 0, "2024-02-29 00:00:00"},
+      {7, "1899-12-30 00:00:00", "1899-12-30 00:00:00", 0, ""},
+      {7, "0001-01-01 00:00:00", "0001-01-01 00:00:00", 0, ""},
+      {7, "2023-02-29 25:00:00", "2023-02-29 25:00:00", 0, ""},
+      {7, "2024-02-29", "2024-02-29", 0, ""},
+      {7, "abcd-ef-gh ij:kl:mn", "", 0, ""},
+      {7, "2024- 1- 2 03:04:05", "2024-01-02 03:04:05", 0, "2024-01-02 03:04:05"},
+      {200, "99999999999 files", "99999999999 files", 99999999999, "99999999999 files"},
+      {131, "12345678901234.5678", "12345678901234.5678", 12345678901234, "12345678901234.5678"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.value);
+    CRvoDbRes result;
+    Fill(result, {{"c", static_cast<std::uint8_t>(c.type), {c.value}}});
+    EXPECT_EQ(result.GetFieldType("C"), c.type);
+    EXPECT_EQ(result._text(0, 0), c.text);
+    EXPECT_EQ(result._int64(0, 0), c.integer);
+    EXPECT_EQ(result._str(0, 0), c.platforms_text);
+  }
+}
+
+TEST(RvoDbRes, KeepsThePlatformsStatusOfDates) {
+  CRvoDbRes result;
+  Fill(result,
+       {{"t",
+         7,
+         {"", "1899-12-30 00:00:00", "2023-02-29 00:00:00", "abcd-ef-gh ij:kl:mn", "2024-02-29"}}});
+  const int statuses[] = {COleDateTime::valid, COleDateTime::valid, COleDateTime::invalid,
+                          COleDateTime::invalid, COleDateTime::valid};
+  for (int row = 0; row < result.GetRecordCount(); ++row) {
+    EXPECT_EQ(result._time(row, 0).GetStatus(), statuses[row]) << row;
+    EXPECT_EQ(result._time(row, 0).m_dt, 0.0) << row;
+  }
+}
+
+TEST(RvoDbRes, IsNullOutsideTheTable) {
+  CRvoDbRes result;
+  Fill(result, {{"n", 3, {"1"}}});
+  const std::pair<int, int> places[] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}};
+  for (const auto& [row, column] : places) {
+    EXPECT_TRUE(result.IsNull(row, column));
+    EXPECT_TRUE(result._text(row, column).IsEmpty());
+    EXPECT_EQ(result._int64(row, column), 0);
+  }
+  EXPECT_FALSE(result.IsNull(0, 0));
+  EXPECT_TRUE(result.IsNull(0, "unknown"));
+  EXPECT_EQ(result.GetFieldType(1), field_type::kNoField);
+  EXPECT_EQ(result.GetFieldType("unknown"), field_type::kNoField);
+}
+
+TEST(RvoDbRes, SumsExactlyAndAsThePlatformDoes) {
+  CRvoDbRes result;
+  Fill(result, {{"n", 20, {"9223372036854775807", "5", "-9223372036854775807"}},
+                {"most", 20, {"9223372036854775807", "9223372036854775807", "7"}},
+                {"d", 5, {"0.5", "0", "1"}}});
+  for (Column& column : ResultTable::Of(result).Columns()) column.nulls.Add(1);
+  CStringArray fields;
+  for (const char* const name : {"n", "most", "d"}) fields.Add(name);
+  result.AddOneRow();
+  result.AddSumInfo(fields);
+  const std::string largest = "9223372036854775807";
+  EXPECT_EQ(ExactTexts(result, "n"), (Strings{largest, "null", "-" + largest, "5"}));
+  EXPECT_EQ(result._int(3, "n"), 4);  // the largest, 5 and the smallest number of 32 bits
+  EXPECT_EQ(result._str(3, "n"), "4");
+  EXPECT_EQ(result._dabl(3, "n"), 4.0);
+  EXPECT_EQ(result._int64(3, "most"), INT64_MAX);
+  EXPECT_EQ(ExactTexts(result, "d"), (Strings{"0.5", "null", "1", "1.5"}));
+  // A sum is a value like others for the next one.
+  result.AddOneRow();
+  result.AddSumInfo(fields);
+  EXPECT_EQ(result._int64(4, "n"), 10);
+  EXPECT_EQ(result._int(4, "n"), 8);
+}
+
+TEST(RvoDbRes, KnowsWhichCellsAreNullAfterChanges) {
+  CMapStringToString texts;
+  texts.SetAt("A", "Alpha");
+  CMap<long, long, CString, CString> names;
+  names.SetAt(0, "none");
+  names.SetAt(2147483647, "huge");
+  CRvoDbRes result;
+  Fill(result, {{"s", 200, {"", "A", "", "B"}},
+                {"n", 20, {"", "4294967296", "", "7"}},
+                {"m", 3, {"", "1", "", "2"}},
+                {"t", 7, {"", "2024-02-29 00:00:00", "", ""}}});
+  for (Column& column : ResultTable::Of(result).Columns()) {
+    column.nulls.Add(0);
+    column.nulls.Add(2);
+  }
+  EXPECT_EQ(ExactTexts(result, "s"), (Strings{"null", "A", "null", "B"}));
+  EXPECT_EQ(ExactTexts(result, "n"), (Strings{"null", "4294967296", "null", "7"}));
+  EXPECT_EQ(result._int(0, "n"), 0);
+  result.ReplaceStrByFieldName("s", &texts);
+  EXPECT_EQ(ExactTexts(result, "s"), (Strings{"null", "Alpha", "Alpha", "Alpha"}));
+  result.ReplaceIntByFieldName("n", &names);
+  EXPECT_EQ(ExactTexts(result, "n"), (Strings{"none", "huge", "none", ""}));
+  EXPECT_EQ(result.GetFieldType("n"), field_type::kVarWChar);
+  result.DelOneColumn("n");
+  EXPECT_EQ(ExactTexts(result, "m"), (Strings{"null", "1", "null", "2"}));
+  result.AddOneRow();
+  const int added = result.GetRecordCount() - 1;
+  for (int column = 0; column < result.GetFieldCount(); ++column) {
+    EXPECT_FALSE(result.IsNull(added, column)) << column;
+  }
+  EXPECT_EQ(result._text(added, "m"), "0");
+  EXPECT_EQ(result._text(added, "t"), result._str(added, "t"));
+}
+
+TEST(NullRows, TakeABitEach) {
+  NullRows nulls;
+  for (std::size_t row = 0; row < 1000; row += 7) nulls.Add(row);
+  nulls.Remove(63);
+  nulls.Remove(100000);
+  for (std::size_t row = 0; row < 2000; ++row) {
+    EXPECT_EQ(nulls.Has(row), row < 1000 && row % 7 == 0 && row != 63) << row;
+  }
+  nulls.Clear();
+  nulls.Add(500);
+  EXPECT_FALSE(nulls.Has(7) || nulls.Has(497));  // what was there before is gone
 }
 
 TEST(RvoDbRes, RemovesColumns) {
