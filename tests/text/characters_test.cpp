@@ -54,6 +54,13 @@ TEST(Numbers, OfThePlatformSaturate) {
     EXPECT_EQ(DecimalToInt32(most), INT32_MAX) << most;
     EXPECT_LE(DecimalToInt32("-" + std::string(most)), -INT32_MAX) << most;
   }
+  EXPECT_EQ(DecimalToInt64(" -9223372036854775808x"), INT64_MIN);
+  for (const char* const most : {"9223372036854775807", "9223372036854775808",
+                                 "18446744073709551616", "99999999999999999999999"}) {
+    EXPECT_EQ(DecimalToInt64(most), INT64_MAX) << most;
+    EXPECT_LE(DecimalToInt64("-" + std::string(most)), -INT64_MAX) << most;
+  }
+  EXPECT_EQ(DecimalToInt64("-9223372036854775806"), -9223372036854775806);
   EXPECT_EQ(SaturatedTo32Bits(UINT64_MAX), INT32_MAX);
   EXPECT_EQ(SaturatedTo32Bits(INT64_MIN), INT32_MIN);
   EXPECT_EQ(SaturatedTo32Bits(std::int64_t{-5}), -5);
