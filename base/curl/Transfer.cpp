@@ -10,7 +10,6 @@ namespace {
 // Limit for all lines together with which a server answers one request.
 constexpr std::size_t kMaxLineBytes = 64U << 10;
 constexpr std::chrono::milliseconds kShortestWait{1};
-constexpr std::chrono::milliseconds kLongestWait{100};
 
 std::uint64_t Bytes(curl_off_t count) { return count > 0 ? static_cast<std::uint64_t>(count) : 0; }
 
@@ -28,6 +27,7 @@ Transfer::Transfer(CurlHandle& handle, Handler& handler, const Deadlines& deadli
   // A host may have signal handlers of its own, and a slow name lookup must not be waited for.
   Set(CURLOPT_NOSIGNAL, 1L);
   Set(CURLOPT_QUICK_EXIT, 1L);
+  Set(CURLOPT_ERRORBUFFER, error_text_.data());
   Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(deadlines_.connect.count()));
   SetUpTrust(ca_file);
   SetUpCallbacks();
@@ -79,6 +79,12 @@ void Transfer::AddLine(CURLoption option, const std::string& line) {
   static_cast<void>(lines_.release());
   lines_.reset(longer);
   Set(option, longer);
+}
+
+std::string_view Transfer::ErrorText() const {
+  const std::string_view said = error_text_.data();
+  if (!said.empty() || !outcome_) return said;
+  return curl_easy_strerror(*outcome_);
 }
 
 long Transfer::AnswerCode() const {
@@ -171,6 +177,7 @@ int Transfer::OnProgress(void* self, curl_off_t to_receive, curl_off_t received,
   const Progress progress{
       .sent = Bytes(sent), .received = Bytes(received), .to_receive = Bytes(to_receive)};
   bool goes_on = transfer.IsInTime(progress.sent + progress.received);
+  if (!goes_on) transfer.is_too_late_ = true;
   if (goes_on) transfer.Try([&](Handler& handler) { goes_on = handler.GoesOn(progress); });
   return goes_on && !transfer.thrown_ ? 0 : 1;
 }
@@ -219,7 +226,7 @@ void Transfer::Wait() {
   if (curl_multi_poll(handle_.Multi(), nullptr, 0, wait, &ready) != CURLM_OK) {
     throw std::bad_alloc();
   }
-  wait_ = ready != 0 ? kShortestWait : std::min(2 * wait_, kLongestWait);
+  wait_ = ready != 0 ? kShortestWait : std::min(2 * wait_, handler_.LongestWait());
 }
 
 }  // namespace qv::curl

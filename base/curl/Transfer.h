@@ -3,6 +3,7 @@
 
 #include <curl/curl.h>
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "CurlHandle.h"
 
@@ -41,8 +43,13 @@ class Handler {
   // Takes bytes of the answer's body, all or none. After kPause, the same bytes are offered again
   // in the next RunUntil.
   virtual Next TakeBody(std::span<const char> bytes) = 0;
-  // Called several times per second. Returning false ends the transfer.
+  // Called several times per second, and at least once per LongestWait(). Returning false ends the
+  // transfer.
   virtual bool GoesOn(const Progress&) { return true; }
+  // The longest time for which the transfer may wait without asking GoesOn.
+  [[nodiscard]] virtual std::chrono::milliseconds LongestWait() const {
+    return std::chrono::milliseconds(100);
+  }
 
  protected:
   ~Handler() = default;
@@ -102,6 +109,13 @@ class Transfer {
   // CURLE_ABORTED_BY_CALLBACK or CURLE_OPERATION_TIMEDOUT. If the handler ended it, this is
   // CURLE_ABORTED_BY_CALLBACK or CURLE_WRITE_ERROR.
   [[nodiscard]] std::optional<CURLcode> Outcome() const { return outcome_; }
+  // Returns true if a deadline passed, and whether that happened before the connection stood.
+  [[nodiscard]] bool IsTooLate() const {
+    return is_too_late_ || outcome_ == CURLE_OPERATION_TIMEDOUT;
+  }
+  [[nodiscard]] bool IsConnecting() const { return is_connecting_; }
+  // What libcurl says about a transfer that failed, which is more than the outcome alone.
+  [[nodiscard]] std::string_view ErrorText() const;
   // The status code of the last answer in the protocol of the server, or 0.
   [[nodiscard]] long AnswerCode() const;
 
@@ -144,9 +158,11 @@ class Transfer {
   CURLcode set_up_ = CURLE_OK;
   bool is_added_ = false;
   bool is_connecting_ = false;
+  bool is_too_late_ = false;
   int attempts_ = 0;
   std::optional<CURLcode> outcome_;
   std::exception_ptr thrown_;
+  std::array<char, CURL_ERROR_SIZE> error_text_{};
 
   std::size_t line_bytes_ = 0;
   std::uint64_t moved_ = 0;

@@ -36,6 +36,15 @@ struct DecodedChar {
 // characters, and steps over them, in text that need not be well-formed.
 constexpr bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
+// Returns whether `character` is not to be shown, because a terminal, a log or a reader could take
+// it for more than text: a control of ASCII or Latin-1, a separator of lines or paragraphs, or one
+// that changes the direction of the text after it.
+constexpr bool IsControlCharacter(char32_t character) {
+  return character < 0x20 || (character >= 0x7F && character < 0xA0) ||
+         (character >= 0x2028 && character <= 0x202E) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
 // Appends `character`, or U+FFFD if there is no such character.
 void AppendUtf8(char32_t character, std::string& text);
 

@@ -42,6 +42,14 @@ void ServerSide::WaitForEnd() {
 }
 
 bool ServerSide::Receive(WholeFrame& request, const std::string& file_path) {
+  request = ReceiveWhole(*this, wire::kFirstFromClient, file_path);
+  while (request.kind == wire::FrameKind::kHello && wire::SendHello(*this)) {
+    request = ReceiveWhole(*this, wire::kFirstFromClient, file_path);
+  }
+  return request.status == wire::FrameStatus::kDone && request.kind == wire::FrameKind::kRequest;
+}
+
+bool ServerSide::ReceiveAsOldServer(WholeFrame& request, const std::string& file_path) {
   request = ReceiveWhole(*this, wire::FrameKind::kRequest, file_path);
   return request.status == wire::FrameStatus::kDone;
 }

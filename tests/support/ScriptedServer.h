@@ -24,8 +24,11 @@ class ServerSide final : public wire::ByteStream {
   bool Read(wire::WritableBytes bytes) override;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;
 
-  // Returns false if the client disconnected. A file of the request is stored as `file_path`.
+  // Returns false if the client disconnected. A file of the request is stored as `file_path`. Says
+  // hello to a client that does.
   bool Receive(WholeFrame& request, const std::string& file_path = "");
+  // The same as a server that knows only version 1, which takes a hello for a malformed frame.
+  bool ReceiveAsOldServer(WholeFrame& request, const std::string& file_path = "");
   bool Reply(const std::string& payload, wire::OutgoingFile* file = nullptr);
   // Returns when the client disconnects or the server ends.
   void WaitForEnd();

@@ -22,10 +22,20 @@ bool MemoryStream::Write(std::initializer_list<wire::Bytes> pieces) {
   return true;
 }
 
-WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKind kind, const std::string& path) {
+WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKind expected,
+                        const std::string& path) {
+  return ReceiveWhole(stream, wire::FrameKinds(&expected, 1), path);
+}
+
+WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKinds expected,
+                        const std::string& path) {
   wire::FrameHeader header;
-  WholeFrame frame{.status = wire::ReceiveHeader(stream, kind, {}, header)};
+  WholeFrame frame{.status = wire::ReceiveHeader(stream, expected, {}, header)};
   if (frame.status != wire::FrameStatus::kDone) return frame;
+  frame.kind = header.kind;
+  if (frame.kind == wire::FrameKind::kHello || frame.kind == wire::FrameKind::kProgress) {
+    return frame;
+  }
   const auto room = [](std::string& text, std::uint64_t size) {
     text.resize(static_cast<std::size_t>(size));
     return wire::WritableBytes(reinterpret_cast<unsigned char*>(text.data()), text.size());

@@ -22,13 +22,16 @@ struct MemoryStream final : wire::ByteStream {
 
 struct WholeFrame {
   wire::FrameStatus status = wire::FrameStatus::kDone;
+  wire::FrameKind kind = wire::FrameKind::kRequest;
   std::string token = {};
   std::string block = std::string(wire::kFrameBlockSize, '\0');
   std::string payload = {};
 };
 
-// A file of the frame is stored as `path`.
-WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKind kind,
+// A file of the frame is stored as `path`. The frames hello and progress are a header alone.
+WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKinds expected,
+                        const std::string& path = "");
+WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKind expected,
                         const std::string& path = "");
 wire::FrameStatus SendWhole(wire::ByteStream& stream, wire::FrameKind kind, const WholeFrame& frame,
                             wire::OutgoingFile* file = nullptr);

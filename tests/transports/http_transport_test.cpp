@@ -60,7 +60,9 @@ TEST_F(HttpTransport, PostsTheWholeRequest) {
   EXPECT_EQ(seen.frame.payload, Field("first") + Field(big));
   EXPECT_THAT(seen.head, testing::StartsWith("POST /qvcall HTTP/1.1\r\n"));
   EXPECT_THAT(seen.head, HasSubstr("\r\nContent-Type: application/octet-stream\r\n"));
-  for (const char* const absent : {"Expect", "Encoding", "Cookie", "Authorization", "Qv-"}) {
+  EXPECT_THAT(seen.head, HasSubstr("\r\nQv-Frame: 2\r\n"));
+  for (const char* const absent :
+       {"Expect", "Encoding", "Cookie", "Authorization", "Qv-Compress", "Qv-Login"}) {
     EXPECT_THAT(seen.head, Not(HasSubstr(absent)));
   }
   EXPECT_EQ(HttpCall().Send(server.Port(), kHttpHost, 1), 0);

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 
+#include "ThreadCall.h"
 #include "message/MsgContent.h"
 #include "qvnetcall/ResultCodes.h"
 #include "transports/frame/Frame.h"
@@ -11,18 +11,19 @@
 
 namespace qv::wire {
 
-// Called with the progress of a reply; either may be empty.
-struct ReplyProgress {
-  // Called once, when the fields have arrived, with their number of bytes.
-  std::function<void(std::uint64_t payload)> message = nullptr;
-  FileProgress file = nullptr;
-};
+// Receives a reply, and its file to the path that `reply` names, and passes its progress to
+// `listener`. `expected` is kAnswersToRequest, or kReply alone from a server of version 1. Sets
+// `error` to what the server gave as reason, or, if the result is neither kDone nor
+// kConnectionLost, to what is wrong with the reply. If the result is not kDone, `reply` holds no
+// fields, nothing of the file is left, and the stream must not be used again. Returns kDoesNotFit
+// also for a file if `reply` names no path.
+[[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, FrameKinds expected, CMsgContent& reply,
+                                       const ProgressListener& listener, CallError& error);
 
-// Receives a reply, and its file to the path that `reply` names. If the result is not kDone,
-// `reply` holds no fields, nothing of the file is left, and the stream must not be used again.
-// Returns kDoesNotFit also for a file if `reply` names no path.
-[[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, CMsgContent& reply,
-                                       const ReplyProgress& progress = {});
+// Passes the progress of a file to `listener`; null if there is none. `listener` outlives it.
+[[nodiscard]] FileProgress FileListener(const ProgressListener& listener);
+// Reports that the fields of a message have been sent or received.
+void ReportMessage(const ProgressListener& listener, std::uint64_t payload_length);
 
 inline constexpr int kDelivered = result::kSuccess;
 using result::kBadReply;

@@ -15,14 +15,25 @@ bool HasRoom(CMsgContent& reply) { return reply.IsBound() && reply.Queue().IsVal
 }  // namespace
 
 std::optional<RequestFrame> RequestFrame::Prepare(const CMsgContent& request, CMsgContent& reply,
-                                                  std::string token) {
+                                                  std::string token, CallError& error) {
   const std::optional<Bytes> payload = RequestPayload(request);
-  if (!request.IsBound() || !payload || !HasRoom(reply)) return std::nullopt;
-  if (payload->size() > kMaxPayload) return std::nullopt;
+  if (!request.IsBound() || !payload || !HasRoom(reply)) {
+    error = {error::kLocal, "the block of the request or the reply is too small or missing"};
+    return std::nullopt;
+  }
+  if (payload->size() > kMaxPayload) {
+    error = {error::kLocal, "the request has " + std::to_string(payload->size()) +
+                                " bytes of fields, and at most " + std::to_string(kMaxPayload) +
+                                " can be sent"};
+    return std::nullopt;
+  }
   RequestFrame frame(request, *payload, std::move(token));
   if (*request.FileName() != '\0') {
     frame.file_ = OutgoingFile::Open(request.FileName());
-    if (!frame.file_) return std::nullopt;
+    if (!frame.file_) {
+      error = {error::kLocal, std::string("cannot read the file ") + request.FileName()};
+      return std::nullopt;
+    }
   }
   return frame;
 }

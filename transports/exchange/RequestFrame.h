@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "ThreadCall.h"
 #include "message/MsgContent.h"
 #include "transports/frame/Frame.h"
 #include "transports/frame/FrameIo.h"
@@ -14,10 +15,11 @@ namespace qv::wire {
 // Refers to the request, which must outlive it.
 class RequestFrame {
  public:
-  // Returns nothing if the call cannot be made: the request or the reply is unbound, the payload
-  // exceeds the limit, or the file cannot be opened.
+  // Returns nothing, and sets `error`, if the call cannot be made: the request or the reply is
+  // unbound, the payload exceeds the limit, or the file cannot be opened.
   [[nodiscard]] static std::optional<RequestFrame> Prepare(const CMsgContent& request,
-                                                           CMsgContent& reply, std::string token);
+                                                           CMsgContent& reply, std::string token,
+                                                           CallError& error);
 
   // The number of bytes that Send writes.
   [[nodiscard]] std::uint64_t Length() const;

@@ -9,14 +9,6 @@ namespace {
 
 constexpr std::size_t kClassSize = 4;
 
-// The controls of ASCII, those of Latin-1, the two separators of lines and paragraphs, and what
-// reverses the direction of the text that follows it.
-bool IsControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0) ||
-         (character >= 0x2028 && character <= 0x202E) ||
-         (character >= 0x2066 && character <= 0x2069);
-}
-
 error::Class ServersClass(std::uint32_t number) {
   const bool is_known = number >= error::kSyntax && number <= error::kInternal;
   return is_known ? static_cast<error::Class>(number) : error::kInternal;
@@ -28,9 +20,10 @@ std::string ReasonText(std::string_view text) {
   std::string clean;
   while (!text.empty()) {
     const text::DecodedChar next = text::DecodeUtf8(text);
-    const std::string_view wanted = !next.valid             ? text::kReplacement
-                                    : IsControl(next.value) ? std::string_view(" ")
-                                                            : text.substr(0, next.bytes);
+    const std::string_view wanted = !next.valid ? text::kReplacement
+                                    : text::IsControlCharacter(next.value)
+                                        ? std::string_view(" ")
+                                        : text.substr(0, next.bytes);
     if (clean.size() + wanted.size() > kMaxReasonText) break;
     clean += wanted;
     text.remove_prefix(next.bytes);

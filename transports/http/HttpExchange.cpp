@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "base/text/HostName.h"
+#include "transports/exchange/CallError.h"
 #include "transports/exchange/ReceiveReply.h"
+#include "transports/exchange/Waiting.h"
 
 namespace qv::wire {
 
@@ -48,19 +50,41 @@ std::optional<std::string> CallUrl(std::string_view server, std::uint32_t port, 
 }  // namespace
 
 int HttpExchange::Run(const char* server, std::uint32_t port, bool compress) {
-  const auto url = CallUrl(server != nullptr ? server : "", port, settings_.use_tls);
-  std::optional<RequestFrame> frame = RequestFrame::Prepare(request_, reply_, settings_.token);
+  const std::string name = server != nullptr ? server : "";
+  peer_ = NameOf(name, port);
+  const auto url = CallUrl(name, port, settings_.use_tls);
+  if (!url) {
+    error_ =
+        CannotConnect(peer_, settings_.connect_timeout, "this is not a server's name and port");
+    return kNotDelivered;
+  }
+  const Clock::time_point deadline = Clock::now() + settings_.connect_timeout;
+  int result = TryOnce(*url, compress);
+  if (is_busy_ && PauseWhileBusy(deadline, cancel_)) result = TryOnce(*url, compress);
+  return result;
+}
+
+int HttpExchange::TryOnce(const std::string& url, bool compress) {
+  is_busy_ = false;
+  std::optional<RequestFrame> frame =
+      RequestFrame::Prepare(request_, reply_, settings_.token, error_);
+  if (!frame) return kNotDelivered;
   // A file can be so large that the length of its frame does not fit into a Content-Length.
-  if (!url || !frame || frame->Length() > kMaxFile) return kNotDelivered;
+  if (frame->Length() > kMaxFile) {
+    error_ = {error::kLocal, "the file is too large for HTTP"};
+    return kNotDelivered;
+  }
   const std::uint64_t generation = transport_.pool.Generation();
-  connection_ = transport_.pool.Take(*url);
-  if (!connection_) connection_ = std::make_unique<KeptConnection>(*url);
-  const HttpRequest request{
-      .length = frame->Length(), .login_token = transport_.tokens.Of(*url), .compress = compress};
+  connection_ = transport_.pool.Take(url);
+  if (!connection_) connection_ = std::make_unique<KeptConnection>(url);
+  const HttpRequest request{.length = frame->Length(),
+                            .login_token = transport_.tokens.Of(url),
+                            .compress = compress,
+                            .cancel = cancel_};
   stream_.emplace(*connection_, settings_, request);
   const int result = Talk(*frame);
   const std::string_view token = stream_->LoginToken();
-  if (LoginTokens::IsToken(token)) transport_.tokens.Keep(*url, token);
+  if (LoginTokens::IsToken(token)) transport_.tokens.Keep(url, token);
   stream_.reset();
   if (result == kDelivered) transport_.pool.Give(std::move(connection_), generation);
   return result;
@@ -71,13 +95,33 @@ int HttpExchange::Interrupted() const {
 }
 
 int HttpExchange::Talk(RequestFrame& frame) {
-  FrameStatus status = frame.Send(*stream_);
-  if (!stream_->HasBegun()) return kNotDelivered;
-  // If the request was not sent completely, even because its own file failed, the outcome is
-  // unknown, unless the server has refused it in the meantime.
-  if (status != FrameStatus::kDone) return ResultOf(stream_->Failure());
-  status = ReceiveReply(*stream_, reply_);
-  return ResultOf(status == FrameStatus::kConnectionLost ? stream_->Failure() : status);
+  FrameStatus status = frame.Send(*stream_, FileListener(listener_));
+  if (!stream_->HasBegun()) return Fail(kNotDelivered);
+  if (status == FrameStatus::kFileFailed && !stream_->HasEnded()) {
+    error_ = {error::kLocal, std::string("cannot read all of the file ") + request_.FileName()};
+    return kOutcomeUnknown;
+  }
+  // If the request was not sent completely, the outcome is unknown, unless the server has refused
+  // it in the meantime.
+  if (status != FrameStatus::kDone) return Fail(ResultOf(stream_->Failure()));
+  ReportMessage(listener_, frame.PayloadLength());
+  status = ReceiveReply(*stream_, kAnswersToRequest, reply_, listener_, error_);
+  if (status != FrameStatus::kConnectionLost) return ResultOf(status);
+  return Fail(ResultOf(stream_->Failure()));
+}
+
+int HttpExchange::Fail(int result) {
+  if (stream_->IsCancelled()) {
+    error_ = Cancelled();
+    return stream_->HasBegun() ? kOutcomeUnknown : kNotDelivered;
+  }
+  is_busy_ = stream_->IsBusy();
+  if (is_busy_) {
+    error_ = Busy({});
+    return kNotDelivered;
+  }
+  error_ = stream_->Error(peer_);
+  return result;
 }
 
 }  // namespace qv::wire

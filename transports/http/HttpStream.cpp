@@ -1,6 +1,11 @@
 #include "HttpStream.h"
 
 #include <algorithm>
+#include <string>
+#include <system_error>
+
+#include "transports/exchange/CallError.h"
+#include "transports/exchange/Waiting.h"
 
 namespace qv::wire {
 
@@ -8,6 +13,8 @@ namespace {
 
 constexpr const char* kTokenHeader = "Qv-Login-Token";
 constexpr const char* kCodingHeader = "Transfer-Encoding";
+constexpr const char* kBusyHeader = "Qv-Busy";
+constexpr long kServiceUnavailable = 503;
 
 // Returns a header of the final answer, or null if there are fewer than `index` + 1 of that name.
 const curl_header* Header(CURL* easy, const char* name, std::size_t index = 0) {
@@ -33,6 +40,8 @@ void KeptConnection::NoteConnection() {
 HttpStream::HttpStream(KeptConnection& connection, const HttpSettings& settings,
                        const HttpRequest& request)
     : connection_(connection),
+      settings_(settings),
+      cancel_(request.cancel),
       transfer_(connection.Handle(), *this, {settings.connect_timeout, settings.io_timeout},
                 settings.ca_file, curl::Transfer::Sending::kOnce) {
   SetUp(request);
@@ -50,6 +59,7 @@ void HttpStream::SetUp(const HttpRequest& request) {
   add_header("Content-Type: application/octet-stream");
   // Saves the round trip of asking for permission to send.
   add_header("Expect:");
+  add_header("Qv-Frame: 2");
   if (request.compress) add_header("Qv-Compress: 1");
   if (!request.login_token.empty()) {
     add_header(kTokenHeader + std::string(": ") + request.login_token);
@@ -57,6 +67,7 @@ void HttpStream::SetUp(const HttpRequest& request) {
 }
 
 bool HttpStream::Write(std::initializer_list<Bytes> pieces) {
+  if (AskForCancel()) return false;
   pieces_ = pieces;
   next_piece_ = 0;
   const bool is_written = transfer_.RunUntil([this] { return next_piece_ == pieces_.size(); });
@@ -66,6 +77,7 @@ bool HttpStream::Write(std::initializer_list<Bytes> pieces) {
 }
 
 bool HttpStream::Read(WritableBytes bytes) {
+  if (AskForCancel()) return false;
   const std::size_t at_hand = std::min(unread_.size(), bytes.size());
   std::copy_n(unread_.begin(), at_hand, bytes.begin());
   unread_ = unread_.subspan(at_hand);
@@ -103,6 +115,39 @@ FrameStatus HttpStream::Failure() const {
   }
 }
 
+CallError HttpStream::Error(std::string_view peer) const {
+  if (is_cancelled_) return Cancelled();
+  const std::string said(transfer_.ErrorText());
+  if (!HasBegun()) return CannotConnect(peer, settings_.connect_timeout, WhyNotConnected());
+  if (transfer_.IsTooLate()) return NoProgress(settings_.io_timeout);
+  if (has_all_headers_ && !has_status_200_) {
+    return {error::kBadReply,
+            "the server answered with HTTP status " + std::to_string(transfer_.AnswerCode())};
+  }
+  if (Failure() == FrameStatus::kConnectionLost) return ConnectionLost(peer, said);
+  if (transfer_.Outcome() == CURLE_OK) {
+    return {error::kBadReply, "the reply ends before its frame does"};
+  }
+  return {error::kBadReply, "the reply is malformed: " + said};
+}
+
+std::string_view HttpStream::WhyNotConnected() const {
+  if (transfer_.IsTooLate()) return "no answer";
+  long number = 0;
+  curl_easy_getinfo(connection_.Easy(), CURLINFO_OS_ERRNO, &number);
+  const std::error_code error(static_cast<int>(number), std::system_category());
+  return error == std::errc::connection_refused ? "connection refused" : transfer_.ErrorText();
+}
+
+std::chrono::milliseconds HttpStream::LongestWait() const {
+  return cancel_.IsSet() ? kCancelSlice : curl::Handler::LongestWait();
+}
+
+bool HttpStream::AskForCancel() {
+  if (!is_cancelled_) is_cancelled_ = cancel_.Ask();
+  return is_cancelled_;
+}
+
 std::string_view HttpStream::LoginToken() const {
   const curl_header* header = has_status_200_ ? Header(connection_.Easy(), kTokenHeader) : nullptr;
   if (header != nullptr) header = Header(connection_.Easy(), kTokenHeader, header->amount - 1);
@@ -129,6 +174,9 @@ bool HttpStream::TakeLine(std::span<const char> line) {
   if (status >= 100 && status < 200 && status != 101) return true;
   has_all_headers_ = true;
   has_status_200_ = status == 200;
+  const curl_header* const busy =
+      status == kServiceUnavailable ? Header(connection_.Easy(), kBusyHeader) : nullptr;
+  is_busy_ = busy != nullptr && std::string_view(busy->value) == "1";
   return has_status_200_ && IsFrameAhead();
 }
 

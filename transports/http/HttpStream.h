@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -11,6 +12,7 @@
 #include "HttpState.h"
 #include "base/curl/CurlHandle.h"
 #include "base/curl/Transfer.h"
+#include "transports/exchange/ThreadCall.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv::wire {
@@ -50,6 +52,7 @@ struct HttpRequest {
   std::string login_token;
   // Whether the server may compress the answer.
   bool compress = false;
+  CancelQuestion cancel = {};
 };
 
 // libcurl runs the exchange on the caller's thread, and only inside Write, Read and End. Between
@@ -58,7 +61,7 @@ struct HttpRequest {
 class HttpStream final : public ByteStream, private curl::Handler {
  public:
   // Uses `connection` exclusively until destroyed. Reuse the connection only after End() returned
-  // kDone.
+  // kDone. `settings` outlives this object.
   HttpStream(KeptConnection& connection, const HttpSettings& settings, const HttpRequest& request);
   HttpStream(const HttpStream&) = delete;
   HttpStream& operator=(const HttpStream&) = delete;
@@ -72,6 +75,14 @@ class HttpStream final : public ByteStream, private curl::Handler {
   // The reason why Read or Write failed: kMalformed if the server's answer cannot carry a frame, or
   // ended before its frame did; otherwise kConnectionLost.
   [[nodiscard]] FrameStatus Failure() const;
+  // Why Read, Write or End failed. `peer` is the server as texts name it.
+  [[nodiscard]] CallError Error(std::string_view peer) const;
+  // Returns true if the server refused the request because it has no place left, so that it did
+  // not act on it.
+  [[nodiscard]] bool IsBusy() const { return is_busy_; }
+  // Returns true if the exchange is over, because it failed or because the answer ended.
+  [[nodiscard]] bool HasEnded() const { return transfer_.Outcome().has_value(); }
+  [[nodiscard]] bool IsCancelled() const { return is_cancelled_; }
   // The token that the server issued with an answer of status 200, or empty. Valid until this
   // object is destroyed.
   [[nodiscard]] std::string_view LoginToken() const;
@@ -82,10 +93,17 @@ class HttpStream final : public ByteStream, private curl::Handler {
   curl::Next Send(std::span<char> room, std::size_t& count) override;
   bool TakeLine(std::span<const char> line) override;
   curl::Next TakeBody(std::span<const char> bytes) override;
+  bool GoesOn(const curl::Progress&) override { return !AskForCancel(); }
+  [[nodiscard]] std::chrono::milliseconds LongestWait() const override;
+  [[nodiscard]] std::string_view WhyNotConnected() const;
+  // Asks whether the call is cancelled, and keeps the answer.
+  bool AskForCancel();
   // Returns true if the headers of the final answer announce a body that can carry a frame.
   bool IsFrameAhead();
 
   KeptConnection& connection_;
+  const HttpSettings& settings_;
+  const CancelQuestion cancel_;
   curl::Transfer transfer_;
 
   // The pieces that libcurl has not taken yet.
@@ -100,6 +118,8 @@ class HttpStream final : public ByteStream, private curl::Handler {
 
   bool has_all_headers_ = false;
   bool has_status_200_ = false;
+  bool is_busy_ = false;
+  bool is_cancelled_ = false;
 };
 
 }  // namespace qv::wire

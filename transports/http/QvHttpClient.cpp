@@ -4,8 +4,11 @@
 #include <exception>
 
 #include "HttpExchange.h"
+#include "qvnetcall/transport/CallControl.h"
 #include "qvnetcall/transport/HttpParameters.h"
+#include "qvnetcall/transport/NetworkProgress.h"
 #include "transports/exchange/ReceiveReply.h"
+#include "transports/exchange/ThreadCall.h"
 
 namespace qv::wire {
 
@@ -19,10 +22,14 @@ HttpTransport& SharedTransport() {
 
 int Deliver(const char* server, std::uint32_t port, const CMsgContent& request, CMsgContent& reply,
             bool compress) {
-  HttpExchange exchange(SharedTransport(), request, reply);
+  ThreadCall& thread = ThisThread();
+  HttpExchange exchange(SharedTransport(), request, reply, thread);
   try {
-    return exchange.Run(server, port, compress);
+    const int result = exchange.Run(server, port, compress);
+    thread.Keep(exchange.Error());
+    return result;
   } catch (const std::exception&) {
+    thread.KeepOutOfMemory();
     return exchange.Interrupted();
   }
 }
@@ -45,6 +52,7 @@ int HttpworkTransMsg(const char* server, std::uint32_t port, CMsgContent& reques
   try {
     return qv::wire::Deliver(server, port, request, reply, compress != 0);
   } catch (const std::exception&) {
+    qv::wire::ThisThread().KeepOutOfMemory();
     return qv::wire::kNotDelivered;
   }
 }
@@ -59,6 +67,18 @@ int HttpworkLoginToken(char* token) {
   } catch (const std::exception&) {
     return 0;
   }
+}
+
+void HttpworkTransSetProgress(NetworkProgress callback, void* context) {
+  qv::wire::ThisThread().progress = {callback, context};
+}
+
+void HttpworkTransSetCancel(int (*is_cancelled)(void*), void* context) {
+  qv::wire::ThisThread().cancel = {is_cancelled, context};
+}
+
+int HttpworkTransLastError(char* text, int size) {
+  return qv::wire::ThisThread().CopyError(text, size);
 }
 
 int HttpworkSetParameter(const char* name, const char* value) {

@@ -2,23 +2,30 @@
 
 #include <utility>
 
+#include "transports/exchange/CallError.h"
 #include "transports/exchange/ReceiveReply.h"
 
 namespace qv::wire {
 
 MessageExchange::MessageExchange(Transport& transport, Peer peer, const CMsgContent& request,
-                                 CMsgContent& reply, ProgressListener listener)
+                                 CMsgContent& reply, const ThreadCall& thread)
     : transport_(transport),
       peer_(std::move(peer)),
       request_(request),
       reply_(reply),
-      listener_(listener),
+      listener_(thread.progress),
+      cancel_(thread.cancel),
       settings_(transport.parameters.Snapshot()) {}
 
 int MessageExchange::Run() {
-  std::optional<RequestFrame> frame = RequestFrame::Prepare(request_, reply_, settings_.token);
+  std::optional<RequestFrame> frame =
+      RequestFrame::Prepare(request_, reply_, settings_.token, error_);
   if (!frame) return kNotDelivered;
   transport_.health.Remember(peer_);
+  if (cancel_.Ask()) {
+    error_ = Cancelled();
+    return kNotDelivered;
+  }
   const std::uint64_t generation = transport_.pool.Generation();
   if (const int sent = Send(*frame); sent != kDelivered) return sent;
   const int received = Receive();
@@ -36,42 +43,43 @@ int MessageExchange::Interrupted() const {
 int MessageExchange::Send(RequestFrame& frame) {
   FrameStatus status = FrameStatus::kConnectionLost;
   if (auto kept = transport_.pool.Take(peer_)) status = SendOver(std::move(kept), frame);
-  if (status != FrameStatus::kDone && Interrupted() == kNotDelivered) {
-    auto opened = SocketConnection::Open(peer_, settings_.connect_timeout);
-    if (opened) status = SendOver(std::move(opened), frame);
+  if (status != FrameStatus::kDone && Interrupted() == kNotDelivered &&
+      error_.error_class != error::kCancelled) {
+    Connector connector(transport_.old_servers, peer_, settings_.connect_timeout, cancel_);
+    if (auto opened = connector.Open(error_)) status = SendOver(std::move(opened), frame);
   }
   if (status == FrameStatus::kDone) {
-    ReportMessage(frame.PayloadLength());
+    ReportMessage(listener_, frame.PayloadLength());
     return kDelivered;
   }
-  if (Interrupted() == kNotDelivered) transport_.health.ConnectFailed(peer_);
+  const bool is_down = error_.error_class == error::kCannotConnect ||
+                       error_.error_class == error::kConnectionLost ||
+                       error_.error_class == error::kNoProgress;
+  if (is_down && Interrupted() == kNotDelivered) transport_.health.ConnectFailed(peer_);
   return Interrupted();
 }
 
 FrameStatus MessageExchange::SendOver(std::unique_ptr<SocketConnection> connection,
                                       RequestFrame& frame) {
   connection_ = std::move(connection);
-  connection_->Begin(settings_.io_timeout);
-  return frame.Send(*connection_, FileListener());
+  connection_->Begin(settings_.io_timeout, cancel_);
+  error_ = {};
+  const FrameStatus status = frame.Send(*connection_, FileListener(listener_));
+  if (status == FrameStatus::kFileFailed) {
+    error_ = {error::kLocal, std::string("cannot read all of the file ") + request_.FileName()};
+  } else if (status != FrameStatus::kDone) {
+    error_ = connection_->Error();
+  }
+  return status;
 }
 
 int MessageExchange::Receive() {
-  const ReplyProgress progress{.message = [this](std::uint64_t length) { ReportMessage(length); },
-                               .file = FileListener()};
-  return ResultOf(ReceiveReply(*connection_, reply_, progress));
-}
-
-FileProgress MessageExchange::FileListener() const {
-  if (listener_.callback == nullptr) return nullptr;
-  return [listener = listener_](std::uint64_t done, std::uint64_t total) {
-    listener.callback(done, total, NetworkProgress_File, listener.context);
-  };
-}
-
-void MessageExchange::ReportMessage(std::uint64_t payload_length) const {
-  if (listener_.callback == nullptr) return;
-  const std::uint64_t length = payload_length + kFrameBlockSize;
-  listener_.callback(length, length, NetworkProgress_Message, listener_.context);
+  const FrameKind old_reply[] = {FrameKind::kReply};
+  const FrameKinds expected =
+      connection_->TakesVersion2() ? FrameKinds(kAnswersToRequest) : FrameKinds(old_reply);
+  const FrameStatus status = ReceiveReply(*connection_, expected, reply_, listener_, error_);
+  if (status == FrameStatus::kConnectionLost) error_ = connection_->Error();
+  return ResultOf(status);
 }
 
 }  // namespace qv::wire

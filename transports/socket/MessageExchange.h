@@ -1,10 +1,10 @@
 // One call over a socket: sends the request and receives the reply.
 #pragma once
 
+#include "Connector.h"
 #include "NetworkHealth.h"
 #include "SocketConnection.h"
 #include "SocketParameters.h"
-#include "qvnetcall/transport/NetworkProgress.h"
 #include "transports/exchange/IdlePool.h"
 #include "transports/exchange/RequestFrame.h"
 
@@ -15,23 +15,21 @@ struct Transport {
   SocketParameters parameters;
   IdlePool<SocketConnection> pool;
   NetworkHealth health;
-};
-
-struct ProgressListener {
-  NetworkProgress callback = nullptr;
-  void* context = nullptr;
+  OldServers old_servers;
 };
 
 // The transport and the messages belong to the caller and must outlive this object.
 class MessageExchange {
  public:
   MessageExchange(Transport& transport, Peer peer, const CMsgContent& request, CMsgContent& reply,
-                  ProgressListener listener);
+                  const ThreadCall& thread);
 
   // Returns the result of the call. Throws std::exception if memory or threads run out; the result
   // is that of Interrupted() then.
   [[nodiscard]] int Run();
   [[nodiscard]] int Interrupted() const;
+  // The reason that the server gave, or why the call failed; valid after Run.
+  [[nodiscard]] const CallError& Error() const { return error_; }
 
  private:
   // Obtains a connection and sends the request. If a kept connection fails before it has taken a
@@ -40,15 +38,15 @@ class MessageExchange {
   [[nodiscard]] FrameStatus SendOver(std::unique_ptr<SocketConnection> connection,
                                      RequestFrame& frame);
   [[nodiscard]] int Receive();
-  [[nodiscard]] FileProgress FileListener() const;
-  void ReportMessage(std::uint64_t payload_length) const;
 
   Transport& transport_;
   Peer peer_;
   const CMsgContent& request_;
   CMsgContent& reply_;
-  ProgressListener listener_;
+  const ProgressListener listener_;
+  const CancelQuestion cancel_;
   SocketSettings settings_;
+  CallError error_;
   std::unique_ptr<SocketConnection> connection_;
 };
 

@@ -5,6 +5,8 @@
 
 #include "MessageExchange.h"
 #include "SocketParameters.h"
+#include "qvnetcall/transport/CallControl.h"
+#include "qvnetcall/transport/NetworkProgress.h"
 #include "transports/exchange/ReceiveReply.h"
 
 namespace qv::wire {
@@ -19,18 +21,20 @@ Transport& SharedTransport() {
   return *transport;
 }
 
-thread_local ProgressListener thread_listener;
-
 int Deliver(const Peer& peer, const CMsgContent& request, CMsgContent& reply) {
   Transport& transport = SharedTransport();
   if (IsParameterCommand(request.Command())) {
     if (!reply.IsBound()) return kNotDelivered;
     return AnswerParameterCommand(transport.parameters, request, reply) ? kDelivered : kBadReply;
   }
-  MessageExchange exchange(transport, peer, request, reply, thread_listener);
+  ThreadCall& thread = ThisThread();
+  MessageExchange exchange(transport, peer, request, reply, thread);
   try {
-    return exchange.Run();
+    const int result = exchange.Run();
+    thread.Keep(exchange.Error());
+    return result;
   } catch (const std::exception&) {
+    thread.KeepOutOfMemory();
     return exchange.Interrupted();
   }
 }
@@ -42,7 +46,12 @@ void ProbeBadNetwork() {
   const auto probe = transport.health.ClaimProbe(settings.retry_after);
   if (!probe) return;
   const auto timeout = std::min(settings.connect_timeout, kProbeTimeout);
-  if (SocketConnection::Open(probe->peer, timeout)) transport.health.ProbeSucceeded(*probe);
+  const SocketConnection::Patience patience{SocketConnection::Clock::now() + timeout,
+                                            ThisThread().cancel};
+  std::string why_not;
+  if (SocketConnection::Open(probe->peer, patience, why_not)) {
+    transport.health.ProbeSucceeded(*probe);
+  }
 }
 
 }  // namespace
@@ -54,13 +63,17 @@ extern "C" {
 // Everything is created on first use.
 void NetworkTransInit() {}
 
-void NetworkTransFini() { qv::wire::SharedTransport().pool.Clear(); }
+void NetworkTransFini() {
+  qv::wire::SharedTransport().pool.Clear();
+  qv::wire::SharedTransport().old_servers.Clear();
+}
 
 int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                     CMsgContent& reply) {
   try {
     return qv::wire::Deliver({server != nullptr ? server : "", port}, request, reply);
   } catch (const std::exception&) {
+    qv::wire::ThisThread().KeepOutOfMemory();
     return qv::wire::kNotDelivered;
   }
 }
@@ -77,6 +90,14 @@ int NetworkIsBadState(int n) {
 void NetworkBadState(int bad) { qv::wire::SharedTransport().health.Declare(bad != 0); }
 
 void NetworkTransSetProgress(NetworkProgress callback, void* context) {
-  qv::wire::thread_listener = {callback, context};
+  qv::wire::ThisThread().progress = {callback, context};
+}
+
+void NetworkTransSetCancel(int (*is_cancelled)(void*), void* context) {
+  qv::wire::ThisThread().cancel = {is_cancelled, context};
+}
+
+int NetworkTransLastError(char* text, int size) {
+  return qv::wire::ThisThread().CopyError(text, size);
 }
 }

@@ -1,12 +1,17 @@
 #include "SocketConnection.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/error.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/address.hpp>
 #include <future>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "transports/exchange/CallError.h"
+#include "transports/exchange/Waiting.h"
 
 namespace qv::wire {
 
@@ -18,28 +23,68 @@ using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
 using Endpoints = std::vector<tcp::endpoint>;
 
-Endpoints LookUp(const Peer& peer) {
-  asio::io_context context;
+struct Addresses {
+  Endpoints endpoints;
   error_code error;
+};
+
+Addresses LookUp(const Peer& peer) {
+  asio::io_context context;
+  Addresses addresses;
   tcp::resolver resolver(context);
   const auto found = resolver.resolve(peer.server, std::to_string(peer.port),
-                                      tcp::resolver::numeric_service, error);
-  return {found.begin(), found.end()};
+                                      tcp::resolver::numeric_service, addresses.error);
+  addresses.endpoints.assign(found.begin(), found.end());
+  return addresses;
 }
 
-// Returns the peer's addresses in the order in which to try them. Returns none if there are none,
-// or if the lookup takes longer than `deadline`.
-Endpoints Resolve(const Peer& peer, Clock::time_point deadline) {
-  if (peer.server.empty() || peer.port == 0 || peer.port > 0xFFFF) return {};
+// The same words on every system for what happens every day.
+std::string TextOf(const error_code& error) {
+  if (error == asio::error::connection_refused) return "connection refused";
+  if (error == asio::error::host_not_found || error == asio::error::no_data) return "no such host";
+  if (error == asio::error::host_not_found_try_again) return "the host's name cannot be looked up";
+  if (error == asio::error::host_unreachable || error == asio::error::network_unreachable) {
+    return "no route to the host";
+  }
+  if (error == asio::error::timed_out) return "no answer";
+  if (error == asio::error::connection_reset || error == asio::error::connection_aborted ||
+      error == asio::error::broken_pipe) {
+    return "the connection was reset";
+  }
+  if (error == asio::error::eof) return "the server closed it";
+  return error.message();
+}
+
+template <class Result>
+bool IsReady(std::future<Result>& future, const SocketConnection::Patience& patience) {
+  if (!patience.cancel.IsSet()) {
+    return future.wait_until(patience.deadline) == std::future_status::ready;
+  }
+  while (!patience.cancel.Ask() && Clock::now() < patience.deadline) {
+    if (future.wait_for(kCancelSlice) == std::future_status::ready) return true;
+  }
+  return false;
+}
+
+// Returns the peer's addresses in the order in which to try them. Returns none, and sets `why`, if
+// there are none or the lookup takes too long.
+Endpoints Resolve(const Peer& peer, const SocketConnection::Patience& patience, std::string& why) {
+  if (peer.server.empty() || peer.port == 0 || peer.port > 0xFFFF) {
+    why = peer.server.empty() ? "no server is set" : "no such port";
+    return {};
+  }
   error_code not_numeric;
   const auto address = asio::ip::make_address(peer.server, not_numeric);
   if (!not_numeric) return {{address, static_cast<std::uint16_t>(peer.port)}};
   // The system's lookup cannot be interrupted, so it runs on a thread that can be abandoned.
-  std::packaged_task<Endpoints()> lookup([peer] { return LookUp(peer); });
-  std::future<Endpoints> found = lookup.get_future();
+  std::packaged_task<Addresses()> lookup([peer] { return LookUp(peer); });
+  std::future<Addresses> found = lookup.get_future();
   std::thread(std::move(lookup)).detach();
-  if (found.wait_until(deadline) != std::future_status::ready) return {};
-  return found.get();
+  why = "the host's name was not looked up in time";
+  if (!IsReady(found, patience)) return {};
+  Addresses addresses = found.get();
+  if (addresses.endpoints.empty()) why = TextOf(addresses.error);
+  return std::move(addresses.endpoints);
 }
 
 bool WouldBlock(const error_code& error) {
@@ -66,30 +111,39 @@ void Advance(std::vector<asio::const_buffer>& buffers, std::size_t count) {
 
 }  // namespace
 
-std::unique_ptr<SocketConnection> SocketConnection::Open(const Peer& peer,
-                                                         std::chrono::milliseconds timeout) {
-  const Clock::time_point deadline = Clock::now() + timeout;
-  for (const tcp::endpoint& endpoint : Resolve(peer, deadline)) {
+std::unique_ptr<SocketConnection> SocketConnection::Open(const Peer& peer, const Patience& patience,
+                                                         std::string& why) {
+  for (const tcp::endpoint& endpoint : Resolve(peer, patience, why)) {
     std::unique_ptr<SocketConnection> connection(new SocketConnection(peer));
-    if (connection->Connect(endpoint, deadline)) return connection;
+    if (connection->Connect(endpoint, patience)) return connection;
+    why = connection->trouble_ == Trouble::kLost ? TextOf(connection->error_) : "no answer";
   }
+  if (patience.cancel.Ask()) why.clear();
   return nullptr;
 }
 
-bool SocketConnection::Connect(const tcp::endpoint& endpoint, Clock::time_point deadline) {
+bool SocketConnection::Connect(const tcp::endpoint& endpoint, const Patience& patience) {
+  cancel_ = patience.cancel;
   std::optional<error_code> outcome;
   socket_.async_connect(endpoint, [&](const error_code& error) { outcome = error; });
-  if (!Finish(outcome, deadline)) return false;
+  if (!Finish(outcome, patience.deadline)) return false;
   error_code error;
   // A request is a single write, so delaying it to collect more bytes gains nothing.
   socket_.set_option(tcp::no_delay(true), error);
   socket_.non_blocking(true, error);
-  return !error;
+  return !error || Fail(error);
 }
 
-void SocketConnection::Begin(std::chrono::milliseconds io_timeout) {
+void SocketConnection::Begin(std::chrono::milliseconds io_timeout, const CancelQuestion& cancel) {
   io_timeout_ = io_timeout;
+  deadline_ = Clock::time_point::max();
+  cancel_ = cancel;
   has_written_ = false;
+}
+
+void SocketConnection::BeginHandshake(const Patience& patience) {
+  Begin(std::chrono::hours(1), patience.cancel);
+  deadline_ = patience.deadline;
 }
 
 bool SocketConnection::IsQuiet() {
@@ -101,11 +155,11 @@ bool SocketConnection::IsQuiet() {
 
 bool SocketConnection::Read(WritableBytes bytes) {
   while (!bytes.empty()) {
+    if (IsCancelled()) return false;
     error_code error;
     const std::size_t count = socket_.read_some(asio::buffer(bytes.data(), bytes.size()), error);
     bytes = bytes.subspan(count);
-    if (!error) continue;
-    if (!WouldBlock(error) || !WaitFor(Socket::wait_read)) return false;
+    if (error && !WaitFor(Socket::wait_read, error)) return false;
   }
   return true;
 }
@@ -113,35 +167,70 @@ bool SocketConnection::Read(WritableBytes bytes) {
 bool SocketConnection::Write(std::initializer_list<Bytes> pieces) {
   std::vector<asio::const_buffer> buffers = Buffers(pieces);
   while (!buffers.empty()) {
+    if (IsCancelled()) return false;
     error_code error;
     const std::size_t count = socket_.write_some(buffers, error);
     has_written_ = has_written_ || count != 0;
     Advance(buffers, count);
-    if (!error) continue;
-    if (!WouldBlock(error) || !WaitFor(Socket::wait_write)) return false;
+    if (error && !WaitFor(Socket::wait_write, error)) return false;
   }
   return true;
 }
 
-bool SocketConnection::WaitFor(Socket::wait_type readiness) {
+bool SocketConnection::WaitFor(Socket::wait_type readiness, const error_code& error) {
+  if (!WouldBlock(error)) return Fail(error);
   std::optional<error_code> outcome;
-  socket_.async_wait(readiness, [&](const error_code& error) { outcome = error; });
-  return Finish(outcome, Clock::now() + io_timeout_);
+  socket_.async_wait(readiness, [&](const error_code& done) { outcome = done; });
+  return Finish(outcome, std::min(Clock::now() + io_timeout_, deadline_));
 }
 
 bool SocketConnection::Finish(const std::optional<error_code>& outcome,
                               Clock::time_point deadline) {
+  RunUntil(outcome, deadline);
+  if (outcome) return !*outcome || Fail(*outcome);
+  if (trouble_ == Trouble::kNone) trouble_ = Trouble::kTooLate;
+  // The handler still refers to the caller's variables. Closing the socket makes it run now.
+  error_code ignored;
+  socket_.close(ignored);
   context_.restart();
-  context_.run_until(deadline);
-  if (!outcome) {
-    // The handler still refers to the caller's variables. Closing the socket makes it run now.
-    error_code ignored;
-    socket_.close(ignored);
-    context_.restart();
-    context_.run();
-    return false;
+  context_.run();
+  return false;
+}
+
+void SocketConnection::RunUntil(const std::optional<error_code>& outcome,
+                                Clock::time_point deadline) {
+  context_.restart();
+  if (!cancel_.IsSet()) {
+    context_.run_until(deadline);
+    return;
   }
-  return !*outcome;
+  while (!outcome && !IsCancelled() && Clock::now() < deadline) {
+    context_.run_until(std::min(deadline, Clock::now() + kCancelSlice));
+  }
+}
+
+bool SocketConnection::IsCancelled() {
+  if (trouble_ != Trouble::kCancelled && cancel_.Ask()) trouble_ = Trouble::kCancelled;
+  return trouble_ == Trouble::kCancelled;
+}
+
+bool SocketConnection::Fail(const error_code& error) {
+  trouble_ = Trouble::kLost;
+  error_ = error;
+  return false;
+}
+
+CallError SocketConnection::Error() const {
+  switch (trouble_) {
+    case Trouble::kTooLate:
+      return NoProgress(io_timeout_);
+    case Trouble::kCancelled:
+      return Cancelled();
+    case Trouble::kLost:
+    case Trouble::kNone:
+      break;
+  }
+  return ConnectionLost(NameOf(peer_.server, peer_.port), TextOf(error_));
 }
 
 }  // namespace qv::wire

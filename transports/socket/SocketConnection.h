@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "transports/exchange/ThreadCall.h"
 #include "transports/frame/FrameIo.h"
 
 namespace qv::wire {
@@ -25,13 +26,23 @@ struct Peer {
 // Use from one thread at a time. The destructor closes the connection.
 class SocketConnection final : public ByteStream {
  public:
-  // Looks the server up and tries its addresses, all within `timeout`. Returns null if none
-  // answered.
+  using Clock = std::chrono::steady_clock;
+
+  // How long an attempt to connect may take, and who may end it earlier.
+  struct Patience {
+    Clock::time_point deadline;
+    CancelQuestion cancel;
+  };
+  // Looks the server up and tries its addresses. Returns null if none answered, and sets `why`,
+  // which is empty if the attempt was cancelled.
   [[nodiscard]] static std::unique_ptr<SocketConnection> Open(const Peer& peer,
-                                                              std::chrono::milliseconds timeout);
+                                                              const Patience& patience,
+                                                              std::string& why);
 
   // Starts the next exchange. `io_timeout` limits each period without progress.
-  void Begin(std::chrono::milliseconds io_timeout);
+  void Begin(std::chrono::milliseconds io_timeout, const CancelQuestion& cancel);
+  // Starts the handshake after Open, which must be over at the deadline.
+  void BeginHandshake(const Patience& patience);
   // Returns true if a byte of this exchange was passed to the system and may reach the server.
   [[nodiscard]] bool HasWritten() const { return has_written_; }
   // Returns true if the connection is still usable: the server has not closed it, and nothing
@@ -39,27 +50,46 @@ class SocketConnection final : public ByteStream {
   [[nodiscard]] bool IsQuiet();
   [[nodiscard]] const Peer& Server() const { return peer_; }
 
+  // Whether the server answered a hello, so that it may send frames of version 2.
+  [[nodiscard]] bool TakesVersion2() const { return takes_version_2_; }
+  void SetTakesVersion2() { takes_version_2_ = true; }
+
   [[nodiscard]] bool Read(WritableBytes bytes) override;
   [[nodiscard]] bool Write(std::initializer_list<Bytes> pieces) override;
+
+  // Why Read or Write failed.
+  enum class Trouble { kNone, kTooLate, kCancelled, kLost };
+  [[nodiscard]] Trouble LastTrouble() const { return trouble_; }
+  [[nodiscard]] CallError Error() const;
 
  private:
   using Socket = boost::asio::ip::tcp::socket;
 
   explicit SocketConnection(const Peer& peer) : peer_(peer) {}
 
-  bool Connect(const boost::asio::ip::tcp::endpoint& endpoint,
-               std::chrono::steady_clock::time_point deadline);
-  // Waits until the socket is ready. Returns false if the deadline passes first.
-  bool WaitFor(Socket::wait_type readiness);
-  // Runs the operation that was started until `outcome` is set. Closes the socket at `deadline`.
-  bool Finish(const std::optional<boost::system::error_code>& outcome,
-              std::chrono::steady_clock::time_point deadline);
+  bool Connect(const boost::asio::ip::tcp::endpoint& endpoint, const Patience& patience);
+  // Waits until the socket is ready after `error`. Returns false if the deadline passes first, the
+  // call is cancelled, or `error` says more than that the socket is not ready.
+  bool WaitFor(Socket::wait_type readiness, const boost::system::error_code& error);
+  // Runs the operation that was started until `outcome` is set. Closes the socket at `deadline`, or
+  // when the call is cancelled.
+  bool Finish(const std::optional<boost::system::error_code>& outcome, Clock::time_point deadline);
+  void RunUntil(const std::optional<boost::system::error_code>& outcome,
+                Clock::time_point deadline);
+  // Returns true, and notes it, if the call is cancelled.
+  bool IsCancelled();
+  bool Fail(const boost::system::error_code& error);
 
   Peer peer_;
   boost::asio::io_context context_{1};
   Socket socket_{context_};
   std::chrono::milliseconds io_timeout_{0};
+  Clock::time_point deadline_ = Clock::time_point::max();
+  CancelQuestion cancel_;
+  bool takes_version_2_ = false;
   bool has_written_ = false;
+  Trouble trouble_ = Trouble::kNone;
+  boost::system::error_code error_;
 };
 
 }  // namespace qv::wire

@@ -1,0 +1,223 @@
+#include <boost/asio/steady_timer.hpp>
+
+#include "BothTransports.h"
+
+namespace qv::wire {
+namespace {
+
+using testing::HasSubstr;
+
+TEST_P(BothTransports, GiveTheReasonOfTheServerInOneReplyAndNoneAfterTheNext) {
+  const std::string with_reason = ReplyWithReason({error::kSyntax, "near \"form\": syntax error"});
+  ScriptedServer server([&](ServerSide& side) {
+    for (int count = 0; Receive(side); ++count) {
+      Answer(side, count % 2 == 0 ? with_reason : PlainReply());
+    }
+  });
+  TransportCall first;
+  EXPECT_EQ(Send(first, server.Port()), 0);
+  EXPECT_EQ(first.Answer(), "FAILURE");
+  EXPECT_EQ(ErrorClass(), error::kSyntax);
+  EXPECT_EQ(ErrorText(), "near \"form\": syntax error");
+  char small[5] = "xxxx";
+  EXPECT_EQ(GetParam().last_error(small, sizeof small), error::kSyntax);
+  EXPECT_STREQ(small, "near");
+  EXPECT_EQ(GetParam().last_error(small, 0), error::kSyntax);
+  std::thread([&] { EXPECT_EQ(ErrorClass(), error::kNone) << "each thread has its own"; }).join();
+  TransportCall second;
+  EXPECT_EQ(Send(second, server.Port()), 0);
+  EXPECT_EQ(ErrorClass(), error::kNone);
+  EXPECT_EQ(ErrorText(), "");
+  EXPECT_EQ(server.Connections(), 1);
+}
+
+TEST_P(BothTransports, SayWhatIsWrongWithAReply) {
+  const std::string file = ReplyWithFile();
+  const std::string reason = ReplyWithReason({error::kBusy, "locked"});
+  const struct {
+    std::string frames;
+    std::string path;  // where the reply's file goes
+    int result;
+    int error_class;
+    const char* text;
+  } cases[] = {
+      {Damaged(PlainReply("x"), 40), "", -3, error::kBadReply, "bad checksum in the reply"},
+      {Damaged(reason, 37), "", -3, error::kBadReply, "bad checksum in the reply"},
+      {Damaged(file, 100'000), "f", -3, error::kBadReply, "bad checksum in the file of the reply"},
+      {file, "", -3, error::kBadReply, "the reply brings a file that was not asked for"},
+      {file, "missing/f", -3, error::kLocal, "missing/f"},
+      {HeaderOnly(FrameKind::kReply, 5000), "", -3, error::kBadReply, "larger than the memory"},
+      {HeaderOnly(FrameKind::kRequest, 0), "", -3, error::kBadReply, "the reply is malformed"},
+      {HeaderOnly(FrameKind::kHello, 0), "", -3, error::kBadReply, "the reply is malformed"},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.text);
+    ScriptedServer server(Answering(one.frames));
+    TransportCall call;
+    if (!one.path.empty()) {
+      call.reply.SetFileName((folder_.Path() / one.path).string().c_str(), 0);
+    }
+    EXPECT_EQ(Send(call, server.Port()), one.result);
+    EXPECT_EQ(ErrorClass(), one.error_class);
+    EXPECT_THAT(ErrorText(), HasSubstr(one.text));
+  }
+}
+
+TEST_P(BothTransports, SayWhyNoReplyCame) {
+  GetParam().set_parameter("connect_timeout_ms", "2000");
+  GetParam().set_parameter("io_timeout_ms", "50");
+  std::uint16_t dead = 0;
+  {
+    ScriptedServer gone([](ServerSide&) {});
+    dead = gone.Port();
+  }
+  TransportCall refused;
+  EXPECT_EQ(Send(refused, dead), -1);
+  EXPECT_EQ(ErrorClass(), error::kCannotConnect);
+  EXPECT_EQ(ErrorText(), "cannot connect to 127.0.0.1:" + std::to_string(dead) +
+                             " within 2 s: connection refused");
+
+  ScriptedServer silent([&](ServerSide& side) {
+    while (Receive(side)) {
+    }
+  });
+  TransportCall unanswered;
+  EXPECT_EQ(Send(unanswered, silent.Port()), -2);
+  EXPECT_EQ(ErrorClass(), error::kNoProgress);
+  EXPECT_EQ(ErrorText(), "no progress for 50 ms");
+
+  ScriptedServer leaving([&](ServerSide& side) { Receive(side); });
+  TransportCall cut;
+  EXPECT_EQ(Send(cut, leaving.Port()), -2);
+  EXPECT_EQ(ErrorClass(), error::kConnectionLost);
+  EXPECT_THAT(ErrorText(), HasSubstr(":" + std::to_string(leaving.Port()) + " was lost"));
+
+  const FullListener full;
+  GetParam().set_parameter("connect_timeout_ms", "50");
+  TransportCall ignored;
+  EXPECT_EQ(Send(ignored, full.Port()), -1);
+  EXPECT_EQ(ErrorClass(), error::kCannotConnect);
+  EXPECT_THAT(ErrorText(), HasSubstr("within 50 ms: no answer"));
+
+  TransportCall without_file;
+  without_file.request.SetFileName("no/such/file", 1);
+  EXPECT_EQ(Send(without_file, full.Port()), -1);
+  EXPECT_EQ(ErrorClass(), error::kLocal);
+  EXPECT_EQ(ErrorText(), "cannot read the file no/such/file");
+}
+
+TEST_P(BothTransports, TryABusyServerOnceMore) {
+  for (const int refusals : {1, 2}) {
+    std::atomic<int> refused{0};
+    ScriptedServer server([&](ServerSide& side) {
+      if (refused < refusals) {
+        ++refused;
+        GetParam().say_busy(side);
+      } else {
+        Answering(PlainReply(Field("done")))(side);
+      }
+    });
+    TransportCall call;
+    call.request.SetFileName(folder_.Write("sent", "content").c_str(), 1);
+    EXPECT_EQ(Send(call, server.Port()), refusals == 1 ? 0 : -1);
+    EXPECT_EQ(call.Answer(), refusals == 1 ? "done" : "");
+    EXPECT_EQ(ErrorClass(), refusals == 1 ? error::kNone : error::kBusy);
+    EXPECT_THAT(ErrorText(), HasSubstr(refusals == 1 ? "" : "the server is busy"));
+    EXPECT_EQ(server.Connections(), 2);
+    EXPECT_EQ(NetworkIsBadState(1), 0);
+  }
+}
+
+TEST_P(BothTransports, AServerThatReportsProgressIsWaitedForAsLongAsItTakes) {
+  GetParam().set_parameter("io_timeout_ms", "400");
+  ScriptedServer server([&](ServerSide& side) {
+    while (Receive(side)) {
+      const std::string answer = GetParam().answer("");
+      const bool is_http = !answer.empty();
+      const auto write = [&](const std::string& frame) {
+        char length[20];
+        std::snprintf(length, sizeof length, "%zx\r\n", frame.size());
+        return side.Write({BytesOfText(is_http ? length + frame + "\r\n" : frame)});
+      };
+      if (is_http) {
+        side.Write({BytesOfText("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n")});
+      }
+      boost::asio::io_context pace;
+      boost::asio::steady_timer next(pace);
+      for (int count = 1; count <= 6; ++count) {
+        next.expires_after(std::chrono::milliseconds(100));
+        next.wait();
+        MemoryStream frame;
+        static_cast<void>(SendProgress(frame, std::chrono::milliseconds(count * 100)));
+        if (!write(frame.written)) return;
+      }
+      write(PlainReply(Field("done")));
+      if (is_http) side.Write({BytesOfText("0\r\n\r\n")});
+    }
+  });
+  std::vector<std::uint64_t> at_work;
+  GetParam().set_progress(
+      [](std::uint64_t done, std::uint64_t total, int kind, void* context) {
+        if (kind != NetworkProgress_Working) return;
+        EXPECT_EQ(done, total);
+        static_cast<decltype(at_work)*>(context)->push_back(done);
+      },
+      &at_work);
+  TransportCall call;
+  EXPECT_EQ(Send(call, server.Port()), 0);
+  EXPECT_EQ(call.Answer(), "done");
+  EXPECT_THAT(at_work, testing::ElementsAre(100, 200, 300, 400, 500, 600));
+}
+
+INSTANTIATE_TEST_SUITE_P(Reasons, BothTransports, testing::ValuesIn(kChannels));
+
+TEST(OldServer, IsSpokenToInVersion1AfterOneHello) {
+  NetworkBadState(0);
+  std::atomic<int> requests{0};
+  ScriptedServer server([&](ServerSide& side) {
+    WholeFrame request;
+    if (!side.ReceiveAsOldServer(request)) return;
+    ++requests;
+    side.Reply(request.payload);
+  });
+  for (const char* const text : {"one", "two", "three"}) {
+    TransportCall call;
+    call.request.AddString(text, nullptr);
+    EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), call.request, call.reply), 0);
+    EXPECT_EQ(call.Answer(), text);
+    server.WaitForFinished(1 + requests);  // so that the connection is not kept
+  }
+  EXPECT_EQ(requests, 3);
+  EXPECT_EQ(server.Connections(), 4) << "one hello, and one connection for each request";
+  NetworkTransFini();
+  TransportCall again;
+  EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), again.request, again.reply), 0);
+  EXPECT_EQ(server.Connections(), 6) << "the server may be another one by now";
+}
+
+TEST(OldServer, IsNotToSendFramesThatItDoesNotKnow) {
+  ScriptedServer server([](ServerSide& side) {
+    WholeFrame request;
+    if (side.ReceiveAsOldServer(request)) {
+      side.Write({BytesOfText(ReplyWithReason({error::kSyntax, "no"}))});
+    }
+  });
+  TransportCall call;
+  EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), call.request, call.reply), -3);
+  EXPECT_EQ(NetworkTransLastError(nullptr, 0), error::kBadReply);
+  NetworkTransFini();
+}
+
+TEST(Hello, IsAnsweredWithinTheConnectDeadlineOrNotAtAll) {
+  SetSocketParameter("connect_timeout_ms", "100");
+  ScriptedServer deaf([](ServerSide& side) { side.WaitForEnd(); });
+  TransportCall call;
+  EXPECT_EQ(NetworkTransMsg("127.0.0.1", deaf.Port(), call.request, call.reply), -1);
+  EXPECT_EQ(NetworkTransLastError(nullptr, 0), error::kCannotConnect);
+  SetSocketParameter("connect_timeout_ms", "5000");
+  NetworkBadState(0);
+  NetworkTransFini();
+}
+
+}  // namespace
+}  // namespace qv::wire

@@ -1,0 +1,68 @@
+// Opens connections: connects, says hello, and finds out which version the server speaks.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "SocketConnection.h"
+
+namespace qv::wire {
+
+// The servers that closed the connection on a hello, so that they are spoken to in version 1. Each
+// is forgotten after a while, because servers are replaced. Thread-safe.
+class OldServers {
+ public:
+  [[nodiscard]] bool Has(const Peer& peer) const;
+  void Add(const Peer& peer);
+  void Forget(const Peer& peer);
+  void Clear();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::size_t kMost = 64;
+  static constexpr std::chrono::minutes kRemembered{5};
+
+  struct Entry {
+    Peer peer;
+    Clock::time_point since;
+  };
+
+  mutable std::mutex mutex_;
+  std::vector<Entry> entries_;
+};
+
+// Opens one connection; use it once.
+class Connector {
+ public:
+  // The arguments must outlive this object.
+  Connector(OldServers& old_servers, const Peer& peer, std::chrono::milliseconds timeout,
+            const CancelQuestion& cancel)
+      : old_servers_(old_servers),
+        peer_(peer),
+        timeout_(timeout),
+        patience_{SocketConnection::Clock::now() + timeout, cancel} {}
+
+  // Returns a connection that is ready for a request. Returns null and sets `error` if there is
+  // none within the timeout: kCannotConnect, kBusy (after a second try) or kCancelled. No byte of a
+  // request was sent then.
+  [[nodiscard]] std::unique_ptr<SocketConnection> Open(CallError& error);
+
+ private:
+  enum class Greeting { kDone, kOld, kBusy, kFailed };
+
+  [[nodiscard]] std::unique_ptr<SocketConnection> Connect(CallError& error);
+  // Connects and says hello, unless the server is known to be old.
+  [[nodiscard]] Greeting TryOnce(std::unique_ptr<SocketConnection>& connection, CallError& error);
+  [[nodiscard]] Greeting SayHello(SocketConnection& connection, CallError& error) const;
+  [[nodiscard]] CallError Failed(const std::string& why) const;
+
+  OldServers& old_servers_;
+  const Peer& peer_;
+  const std::chrono::milliseconds timeout_;
+  const SocketConnection::Patience patience_;
+};
+
+}  // namespace qv::wire
