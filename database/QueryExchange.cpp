@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "server/Exchange.h"
 #include "server/ModuleState.h"
@@ -32,15 +33,21 @@ int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
   std::int32_t number = 0;  // an error code, or a number of the server; unused
   if (!compressed && status != kStatusSuccess) {
     reply.GetData(&number, sizeof number, nullptr);
+    call::SetErrorIfNone(error::kInternal, "the server refused the query without a reason (" +
+                                               std::to_string(number) + ")");
     return result::kQueryRefused;
   }
   int err = 0;
   reply.GetData(&number, sizeof number, &err);
   const CString storage = reply.GetString(&err);
-  if (err != 0) return result::kReplyUnreadable;
+  if (err != 0) {
+    call::SetErrorIfNone(error::kBadReply, "the reply lacks fields that belong to it");
+    return result::kReplyUnreadable;
+  }
   if (storage == kInReply) file.TakeFrom(reply);
   if (!compressed || file.Unpack()) return result::kSuccess;
   file.Delete();
+  call::SetErrorIfNone(error::kBadReply, "the compressed answer cannot be unpacked");
   return result::kUnpackFailed;
 }
 

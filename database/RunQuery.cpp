@@ -3,7 +3,10 @@
 #include <optional>
 #include <string>
 
+#include "LocalErrors.h"
 #include "QueryExchange.h"
+#include "base/call/CancelFlag.h"
+#include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/RvoServer.h"
@@ -40,18 +43,30 @@ void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
 }  // namespace
 
 int RunQuery(const Query& query, CRvoDbRes& result) {
+  call::ClearError();
   const std::string key = CacheKey(query.database, query.sql);
   AnswerFile file;
   if (query.from_cache) {
     const auto cached =
         Cache().Find(key, static_cast<const char*>(CRvoDatabase::GetTempFilePath()));
-    if (!cached) return result::kFailed;
+    if (!cached) {
+      call::SetError(error::kOffline, "offline, and the cache has no answer to this query");
+      return result::kFailed;
+    }
     file = AnswerFile(*cached);
   } else if (const int failed = AskServer(query, file); failed != 0) {
     return failed;
   }
   const DeleteAtExit deletion{file};
-  if (!file.ReadInto(result, query.web)) return result::kFailed;
+  // The answer may be large, and nobody waits for it any more.
+  if (call::IsCancelled()) {
+    call::SetCancelled();
+    return result::kOutcomeUnknown;
+  }
+  if (!file.ReadInto(result, query.web)) {
+    call::SetErrorIfNone(error::kBadReply, "the answer cannot be read");
+    return result::kFailed;
+  }
   if (MayKeep(query)) KeepAnswer(key, file, query.keep);
   return result::kSuccess;
 }
@@ -76,23 +91,48 @@ class CallConnection {
   bool is_open_;
 };
 
+void KeepLocalError(const CString& sql, const LocalDatabase& local) {
+  const std::string said = local.LastError();
+  if (call::IsCancelled()) {
+    call::SetCancelled();
+  } else if (sql.IsEmpty()) {
+    call::SetError(error::kLocal, "the statement is empty");
+  } else {
+    call::SetError(ClassOfLocalError(said), said.empty() ? "the database gave no reason" : said);
+  }
+}
+
 // Runs `act` on the local database object.
 template <class Act>
-int RunLocally(const char* database, Act act) {
+int RunLocally(const CString& sql, const char* database, Act act) {
+  if (call::IsCancelled()) {
+    call::SetCancelled();
+    return result::kFailed;
+  }
   const CallConnection connection(database);
   // Even if it did not open, the host may have opened a connection of that name.
-  return act(*ModuleState::Get().local_database);
+  LocalDatabase& local = *ModuleState::Get().local_database;
+  const int result = act(local);
+  call::ClearError();
+  if (result != result::kSuccess) KeepLocalError(sql, local);
+  return result;
 }
 
 }  // namespace
 
+int FailForEmptyText() {
+  call::SetError(error::kLocal, "the statement is empty");
+  return result::kFailed;
+}
+
 int SelectLocally(const CString& sql, CRvoDbRes& result, const char* database) {
-  return RunLocally(database,
+  return RunLocally(sql, database,
                     [&](LocalDatabase& local) { return local.Select(sql, result, database); });
 }
 
 int ExecuteLocally(const CString& sql, const char* database) {
-  return RunLocally(database, [&](LocalDatabase& local) { return local.Execute(sql, database); });
+  return RunLocally(sql, database,
+                    [&](LocalDatabase& local) { return local.Execute(sql, database); });
 }
 
 }  // namespace qv

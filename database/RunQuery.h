@@ -45,6 +45,9 @@ class CString;
 
 namespace qv {
 
+// What every call returns for an empty text, which is not sent.
+[[nodiscard]] int FailForEmptyText();
+
 // Run a query, or a statement without rows, on the local database of that name. Open and close the
 // connection unless the host manages it. Return 0, or 1 on failure.
 [[nodiscard]] int SelectLocally(const CString& sql, CRvoDbRes& result, const char* database);

@@ -1,6 +1,5 @@
 // The calls of CRvoDatabase that fill a result set: from the server, or from a file.
 #include "RunQuery.h"
-#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "resultset/RecordsetReaders.h"
 #include "server/ModuleState.h"
@@ -13,7 +12,7 @@ int CRvoDatabase::SelectSQL(const CString* sql, CRvoDbRes* res, const char* data
   const bool web = qv::IsWebServer();
   UpdateServerIsCompressInfo();
   if (ModuleState::Get().use_local_database != 0) return qv::SelectLocally(*sql, *res, database);
-  if (sql->IsEmpty()) return qv::result::kFailed;
+  if (sql->IsEmpty()) return qv::FailForEmptyText();
   // The state of the network is checked whether or not the cache may be used.
   const bool offline = IsCanUseOffCache(1) != 0;
   // A web server is asked to compress by its transport, never by the command.
@@ -38,7 +37,7 @@ int CRvoDatabase::ExecuteSP(const CString* sql, CRvoDbRes* result, const char* d
   if (ModuleState::Get().use_local_database != 0) {
     return qv::SelectLocally(*sql, *result, database);
   }
-  if (sql->IsEmpty()) return qv::result::kFailed;
+  if (sql->IsEmpty()) return qv::FailForEmptyText();
   const bool offline = IsCanUseOffCache(1) != 0;
   return qv::RunQuery({.command = qv::kCommandProcedure,
                        .sql = *sql,

@@ -1,7 +1,9 @@
 // The calls of CRvoDatabase that return no rows: one statement, and a batch.
 #include <cstdint>
+#include <string>
 
 #include "RunQuery.h"
+#include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "server/ModuleState.h"
@@ -20,21 +22,29 @@ constexpr std::uint32_t kCommandBatch = 310;
 
 int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
   if (ModuleState::Get().use_local_database != 0) return qv::ExecuteLocally(*sql, database);
-  if (sql->IsEmpty()) return result::kFailed;
+  if (sql->IsEmpty()) return qv::FailForEmptyText();
   // Offline, a statement is refused, not queued for later.
-  if (IsCanUseOffCache(1) != 0) return result::kFailed;
+  if (IsCanUseOffCache(1) != 0) {
+    qv::call::SetError(qv::error::kOffline, "offline: the statement was not sent");
+    return result::kFailed;
+  }
   qv::QueryExchange exchange(qv::kCommandStatement, database, *sql);
   if (const int result = exchange.SendBy(qv::IsWebServer(), /*compress=*/0); result != 0) {
     return result;
   }
-  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? result::kSuccess
-                                                                   : result::kFailed;
+  if (exchange.Reply().GetString(nullptr) == qv::kStatusSuccess) return result::kSuccess;
+  qv::call::SetErrorIfNone(qv::error::kInternal,
+                           "the server refused the statement without a reason");
+  return result::kFailed;
 }
 
 // Unlike the calls for one text, a batch always goes over the socket, whatever the server's type,
 // empty or not, offline or not: hosts rely on its reaching the server.
 int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database) {
-  if (ModuleState::Get().use_local_database != 0) return result::kNoLocalBatch;
+  if (ModuleState::Get().use_local_database != 0) {
+    qv::call::SetError(qv::error::kLocal, "local mode does not support batches");
+    return result::kNoLocalBatch;
+  }
   qv::Exchange exchange(kCommandBatch, qv::kDatabaseBlock, qv::kDatabaseBlock);
   CMsgContent& request = exchange.Request();
   const std::int32_t count = sqls->GetSize();
@@ -51,7 +61,13 @@ int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database
   std::uint32_t position = 0;
   exchange.Reply().GetData(&code, sizeof code, &err);
   exchange.Reply().GetData(&position, sizeof position, &err);
-  if (err != 0) return result::kReplyUnreadable;
+  if (err != 0) {
+    qv::call::SetErrorIfNone(qv::error::kBadReply, "the reply lacks fields that belong to it");
+    return result::kReplyUnreadable;
+  }
+  qv::call::SetErrorIfNone(qv::error::kInternal, "the server refused statement " +
+                                                     std::to_string(position) +
+                                                     " of the batch without a reason");
   // Not clamped: the sum wraps around as the server's number does.
   return static_cast<std::int32_t>(result::kBatchRefused + position);
 }

@@ -1,5 +1,6 @@
 #include "TransferCall.h"
 
+#include "base/call/LastError.h"
 #include "base/platform/Platform.h"
 #include "qvnetcall/ResultCodes.h"
 
@@ -12,12 +13,24 @@ constexpr const char kStatusFailure[] = "FAILURE";
 // The transport reads a request's file from, or writes a reply's file to, the given path.
 constexpr unsigned char kHasFile = 1;
 
+// Returns the result of a call that the server refused.
+int Refused(int result) {
+  call::SetErrorIfNone(error::kInternal, "the server refused the call without a reason");
+  return result;
+}
+
 }  // namespace
+
+bool NetworkIsHeldForBad() {
+  if (ModuleState::Get().cache.State() != cache_state::kNetworkBad) return false;
+  call::SetError(error::kOffline, "offline because the network is bad: nothing was sent");
+  return true;
+}
 
 int TransferCall::Send() {
   if (const int result = exchange_.Send(); result != 0) return result;
   return exchange_.Reply().GetString(nullptr) == kStatusSuccess ? result::kSuccess
-                                                                : result::kTransferRefused;
+                                                                : Refused(result::kTransferRefused);
 }
 
 int TransferCall::Upload(const char* local_file) {
@@ -35,7 +48,7 @@ int TransferCall::Download(const char* local_file) {
   if (status == kStatusSuccess) return result::kSuccess;
   // The path that the transport used, which may be cut.
   if (*reply.FileName() != '\0') platform::RemoveFile(reply.FileName());
-  return status == kStatusFailure ? result::kDownloadFailed : result::kTransferRefused;
+  return Refused(status == kStatusFailure ? result::kDownloadFailed : result::kTransferRefused);
 }
 
 }  // namespace qv

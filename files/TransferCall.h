@@ -12,9 +12,8 @@ namespace qv {
 // Returns true while the client is offline because the network is bad. Only the stored state
 // counts: neither the network nor the server's type is checked, and calls go on while the client is
 // offline by choice.
-[[nodiscard]] inline bool NetworkIsHeldForBad() {
-  return ModuleState::Get().cache.State() == cache_state::kNetworkBad;
-}
+// Sets the error of this thread if so, because the results of the calls do not tell.
+[[nodiscard]] bool NetworkIsHeldForBad();
 
 constexpr std::uint32_t kTransferBlock = 1024;
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "CancelWatch.h"
 #include "CursorReader.h"
 #include "base/platform/ThreadSlot.h"
 #include "qvnetcall/RvoDbRes.h"
@@ -112,8 +113,13 @@ int OdbcLocalDatabase::Run(const CString& sql, const char* database, const Work&
     return kFailed;
   }
   odbc::Diagnostics diagnostics;
-  const std::lock_guard lock(entry->mutex);
+  const auto lock = CancelWatch::Lock(entry->mutex);
+  if (!lock) {
+    LastFailure() = {std::string(OrEmpty(database)), "cancelled"};
+    return kFailed;
+  }
   odbc::Statement statement(*entry->connection);
+  const CancelWatch watch(statement);
   const bool done = statement.Execute(sql.View(), diagnostics) && work(statement, diagnostics);
   LastFailure() = {};
   if (!done) LastFailure() = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};

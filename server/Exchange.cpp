@@ -1,6 +1,10 @@
 #include "Exchange.h"
 
 #include "ModuleState.h"
+#include "TransportExtensions.h"
+#include "base/call/CancelFlag.h"
+#include "base/call/LastError.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 
@@ -20,12 +24,32 @@ int Exchange::Send() {
 }
 
 int Exchange::SendTo(const char* server, std::uint32_t port) {
-  return NetworkTransMsg(server, port, request_, reply_);
+  // Asking the transport for its parameters is part of other calls, whose errors stay.
+  if (IsForTransport()) return NetworkTransMsg(server, port, request_, reply_);
+  if (IsCancelledBefore()) return result::kNotDelivered;
+  const int result = NetworkTransMsg(server, port, request_, reply_);
+  KeepTransportError(Transport::kSocket, result);
+  return result;
 }
 
 int Exchange::SendOverWeb(int compress) {
+  if (IsCancelledBefore()) return result::kNotDelivered;
   const ModuleState& state = ModuleState::Get();
-  return HttpworkTransMsg(state.server_name.c_str(), state.server_port, request_, reply_, compress);
+  const int result =
+      HttpworkTransMsg(state.server_name.c_str(), state.server_port, request_, reply_, compress);
+  KeepTransportError(Transport::kHttp, result);
+  return result;
+}
+
+bool Exchange::IsForTransport() const {
+  return request_.Command() == kGetTransportParameter ||
+         request_.Command() == kSetTransportParameter;
+}
+
+bool Exchange::IsCancelledBefore() {
+  if (!call::IsCancelled()) return false;
+  call::SetCancelled();
+  return true;
 }
 
 }  // namespace qv

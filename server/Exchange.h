@@ -11,6 +11,10 @@ namespace qv {
 constexpr const char kStatusSuccess[] = "SUCCESS";
 constexpr const char kStatusSuccessCompress[] = "SUCCESS_COMPRESS";
 
+// The transport answers these commands itself.
+constexpr std::uint32_t kGetTransportParameter = 0xFFFFFFFF;  // name; reply: "1" when known, value
+constexpr std::uint32_t kSetTransportParameter = 0xFFFFFFFE;  // name, value; reply: "1" when set
+
 // Owns both messages and their blocks. Build the request, send it, read the reply; once each.
 class Exchange {
  public:
@@ -22,7 +26,8 @@ class Exchange {
   void AddNumber(std::int32_t number) { request_.AddData(&number, sizeof number, nullptr); }
   CMsgContent& Reply() { return reply_; }
 
-  // Sends over the socket transport to the module's server and returns the transport's result.
+  // Sends over the socket transport to the module's server and returns the transport's result. This
+  // and the next two functions set the error of this thread, or clear it.
   [[nodiscard]] int Send();
   // The same, to another server.
   [[nodiscard]] int SendTo(const char* server, std::uint32_t port);
@@ -30,6 +35,10 @@ class Exchange {
   [[nodiscard]] int SendOverWeb(int compress);
 
  private:
+  [[nodiscard]] bool IsForTransport() const;
+  // Returns true, and sets the error, if the call is cancelled already.
+  [[nodiscard]] static bool IsCancelledBefore();
+
   CAutoBuf request_block_;
   CAutoBuf reply_block_;
   CMsgContent request_;

@@ -7,6 +7,7 @@
 #include "Exchange.h"
 #include "ModuleState.h"
 #include "ServerType.h"
+#include "base/call/LastError.h"
 #include "base/platform/Platform.h"
 #include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
@@ -22,9 +23,7 @@ using qv::cache_state::kOnline;
 namespace {
 
 // Command codes with their fields.
-constexpr std::uint32_t kCheckLink = 3;              // no fields; reply: status
-constexpr std::uint32_t kGetParameter = 0xFFFFFFFF;  // name; reply: "1" when known, value
-constexpr std::uint32_t kSetParameter = 0xFFFFFFFE;  // name, value; reply: "1" when set
+constexpr std::uint32_t kCheckLink = 3;  // no fields; reply: status
 
 constexpr std::uint32_t kLinkBlock = 1024;
 
@@ -105,14 +104,14 @@ int CRvoServer::CheckServerLink(CString server, unsigned long port) {
 // The two calls for parameters accept only 0 as delivered, while other calls accept everything but
 // "not delivered".
 int CRvoServer::SetNetClientPara(CString name, CString value) {
-  Exchange exchange(kSetParameter, kLinkBlock, kLinkBlock);
+  Exchange exchange(qv::kSetTransportParameter, kLinkBlock, kLinkBlock);
   exchange.Request().AddString(name, nullptr);
   exchange.Request().AddString(value, nullptr);
   return exchange.Send() == 0 && FlagIsSet(exchange.Reply()) ? 1 : 0;
 }
 
 int CRvoServer::GetNetClientPara(CString name, CString& value) {
-  Exchange exchange(kGetParameter, kLinkBlock, kLinkBlock);
+  Exchange exchange(qv::kGetTransportParameter, kLinkBlock, kLinkBlock);
   exchange.Request().AddString(name, nullptr);
   if (exchange.Send() != 0 || !FlagIsSet(exchange.Reply())) return 0;
   // An empty text is never sent as a field, so a missing field is an empty value.
@@ -131,11 +130,21 @@ CString CRvoServer::QvURL(CString a, int n, CString b) {
 }
 
 int CRvoServer::OpenLocalDB(CString database, CString connection) {
-  return ModuleState::Get().local_database->Open(database, connection);
+  qv::LocalDatabase& local = *ModuleState::Get().local_database;
+  const int is_open = local.Open(database, connection);
+  qv::call::ClearError();
+  if (is_open == 0) qv::call::SetError(qv::error::kLocal, local.LastError());
+  return is_open;
 }
 
 int CRvoServer::CloseLocalDB(CString database) {
   return ModuleState::Get().local_database->Close(database);
+}
+
+int CRvoServer::GetLastErrorClass() { return qv::call::LastError().error_class; }
+
+CString CRvoServer::GetLastErrorText() {
+  return CString(std::string_view(qv::call::LastError().text));
 }
 
 int CRvoServer::GetLocalDBError(CString& text) {

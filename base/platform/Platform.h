@@ -45,6 +45,11 @@ void CloseLibrary(void* library);
 // Returns a function with C linkage of a loaded library, or null.
 [[nodiscard]] void* FindFunction(void* library, const char* name);
 
+// Returns a function with C linkage of the library or program that `neighbour`, a function of that
+// one, comes from, or null. `library` is the name of the library without prefix and extension, for
+// systems on which the address of an imported function does not tell.
+[[nodiscard]] void* FindFunctionBeside(const char* library, void* neighbour, const char* name);
+
 // Returns the value of `key` in `section` of the INI file at `path`. Names ignore case, and the
 // first of several entries counts. White space and one pair of quotes around the value are removed.
 // Returns nothing if the file, the section or the key is missing; an empty value is an empty text.

@@ -5,6 +5,7 @@
 #include "qvnetcall/QvRvoBuf.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoAd.h"
+#include "qvnetcall/RvoCancel.h"
 #include "qvnetcall/RvoCloudStorage.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/RvoDbRes.h"

@@ -42,7 +42,7 @@ namespace qv::error {
 enum Class : int {
   kNone = 0,  // the call did not fail, or nobody gave a reason
 
-  // The server gives these.
+  // The server gives these, and in direct access the database.
   kSyntax = 1,           // the statement cannot be parsed
   kUnknownObject = 2,    // no such table, column, procedure, function, file or record
   kUnknownDatabase = 3,  // the server has no database of this name

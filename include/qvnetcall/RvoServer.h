@@ -86,6 +86,18 @@ class QVNETCALL_API CRvoServer {
   // statement. Returns 1, or 0 and an empty text if there is nothing to say. Not part of the
   // platform's interface: an extension of this library.
   static int GetLocalDBError(CString& text);
+  // Returns the class of the reason (names in qv::error) for which this thread's last call failed,
+  // or was refused by the server; 0 (kNone) if it did neither. Calls on the server and on local
+  // databases set it, CRvoFtp's and CRvoCloudStorage's do not; each replaces it, and so does
+  // success. A call that is skipped while the network is bad has the class kOffline, whatever it
+  // returns. Reading it, and calls that only look at or set the state of this library, leave it as
+  // it is. Not part of the platform's interface: an extension of this library.
+  static int GetLastErrorClass();
+  // Returns the reason itself, for users and logs: in the code page of the program, at most 1000
+  // bytes, without control characters; empty if there is none. It may quote the statement. A server
+  // that knows no reasons, and a transport that does not pass them on, leave only what this library
+  // can say. Not part of the platform's interface: an extension of this library.
+  static CString GetLastErrorText();
   // If `on` is not 0, the database calls work on a local database instead of the server; batches
   // are the exception (CRvoDatabase::ExecuteMultiSQL). Calls on different databases run in
   // parallel; calls on the same one wait for each other. Set-up. Returns 1.

@@ -50,6 +50,22 @@ void CloseLibrary(void* library) { ::dlclose(library); }
 
 void* FindFunction(void* library, const char* name) { return ::dlsym(library, name); }
 
+void* FindFunctionBeside(const char* /*library*/, void* neighbour, const char* name) {
+  Dl_info home{};
+  if (::dladdr(neighbour, &home) == 0) return nullptr;
+  // A program is found under no path of its own; its symbols are those that everybody sees.
+  void* library = ::dlopen(home.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
+  if (library == nullptr) library = ::dlopen(nullptr, RTLD_LAZY);
+  if (library == nullptr) return nullptr;
+  void* const found = ::dlsym(library, name);
+  ::dlclose(library);
+  // The search goes on in the libraries that this one needs.
+  Dl_info place{};
+  const bool is_beside =
+      found != nullptr && ::dladdr(found, &place) != 0 && place.dli_fbase == home.dli_fbase;
+  return is_beside ? found : nullptr;
+}
+
 void PreferLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t bytes) {
 #if defined(MADV_HUGEPAGE)
   // The system takes advice for whole pages only: those inside the range.

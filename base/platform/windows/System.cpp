@@ -38,6 +38,12 @@ void* FindFunction(void* library, const char* name) {
   return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
+// The address of an imported function may be that of a jump in this module.
+void* FindFunctionBeside(const char* library, void* /*neighbour*/, const char* name) {
+  const HMODULE module = ::GetModuleHandleA((std::string(library) + ".dll").c_str());
+  return module != nullptr ? reinterpret_cast<void*>(::GetProcAddress(module, name)) : nullptr;
+}
+
 // Windows has no such advice: large pages need a privilege.
 void PreferLargePages(void*, std::size_t) {}
 
