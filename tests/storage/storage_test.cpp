@@ -90,7 +90,7 @@ TEST(Storage, APartThatWasKeptIsResumed) {
     ASSERT_TRUE(part.Finish(Flush::kNo));
     part.Keep();
   }
-  for (const std::uint64_t wrong_size : {0, 6, 8}) {
+  for (const std::uint64_t wrong_size : {0U, 6U, 8U}) {
     EXPECT_FALSE(PartFile::Resume(path, wrong_size).IsOpen());
   }
   EXPECT_FALSE(PartFile::Resume(folder.At("missing"), 0).IsOpen());
