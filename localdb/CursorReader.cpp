@@ -1,6 +1,7 @@
 #include "CursorReader.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "base/text/Numbers.h"
@@ -69,7 +70,14 @@ CursorReader::CursorReader(odbc::Statement& statement, const tagTEMPFILEINFO& fi
                            odbc::Diagnostics& diagnostics)
     : statement_(statement), diagnostics_(diagnostics) {
   if (files.path[0] != '\0') files_.emplace(files);
-  for (const odbc::Column& column : statement.Columns()) targets_.push_back(TargetFor(column));
+  // Without this, one cell could take more than all are allowed before it is counted.
+  statement.LimitCells(static_cast<std::size_t>(
+      std::min<std::uint64_t>(budget_.Limit(), std::numeric_limits<std::size_t>::max())));
+  for (const odbc::Column& column : statement.Columns()) {
+    targets_.push_back(TargetFor(column));
+    row_bytes_ += CellBytes(targets_.back().column.cells);
+  }
+  row_bytes_ += (targets_.size() + 7) / 8;
 }
 
 CursorReader::~CursorReader() {
@@ -104,7 +112,14 @@ bool CursorReader::Read() {
   }
 }
 
+bool CursorReader::Take(std::size_t bytes) {
+  if (budget_.Take(bytes)) return true;
+  diagnostics_.push_back({odbc::kResultTooLarge, 0, BeyondLimitText(budget_.Limit())});
+  return false;
+}
+
 bool CursorReader::AppendRow() {
+  if (!Take(row_bytes_)) return false;
   for (std::size_t i = 0; i < targets_.size(); ++i) {
     Target& target = targets_[i];
     const auto [state, length] = (this->*target.append)(i, target.column.cells);
@@ -177,6 +192,7 @@ CursorReader::Appended CursorReader::AppendPlainText(std::size_t index, Cells& c
   const CellState state = statement_.ReadText(index, text_, diagnostics_);
   if (state == CellState::kFailed) return {state};
   if (state != CellState::kValue) text_.clear();
+  if (!Take(text_.size())) return {CellState::kFailed};
   auto& texts = std::get<TextCells>(cells);
   return {state, AppendText(texts, PaddedText(), /*may_have_entities=*/false)};
 }
@@ -186,6 +202,7 @@ CursorReader::Appended CursorReader::AppendBinary(std::size_t index, Cells& cell
   const CellState state = files_ ? statement_.ReadBytes(index, bytes_, diagnostics_)
                                  : statement_.ReadNothing(index, diagnostics_);
   if (state == CellState::kFailed) return {state};
+  if (files_ && !bytes_.empty() && !Take(files_->MostPathBytes())) return {CellState::kFailed};
   const bool has_bytes = state == CellState::kValue && !bytes_.empty();
   const std::string path = has_bytes ? files_->WriteBytes(bytes_) : std::string();
   std::get<TextCells>(cells).push_back(path);

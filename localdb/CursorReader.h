@@ -10,6 +10,7 @@
 #include "base/odbc/Statement.h"
 #include "qvnetcall/TempFileInfo.h"
 #include "resultset/BinaryCells.h"
+#include "resultset/Reading.h"
 #include "resultset/ResultTable.h"
 
 namespace qv {
@@ -28,7 +29,8 @@ class CursorReader {
   CursorReader& operator=(const CursorReader&) = delete;
 
   // Reads every row of the statement's current result, which has columns. Returns false with the
-  // reason in the diagnostics if reading breaks off.
+  // reason in the diagnostics if reading breaks off, or if the cells would take more memory than
+  // ResultLimit().
   [[nodiscard]] bool Read();
 
   // Appends the columns that were read to `table`, whose own columns get the same number of null
@@ -54,6 +56,8 @@ class CursorReader {
   [[nodiscard]] static Target TargetFor(const odbc::Column& column);
   [[nodiscard]] static Append AppenderFor(const Column& column);
   [[nodiscard]] bool AppendRow();
+  // Returns false with a diagnostic if the cells may not take so much more memory.
+  [[nodiscard]] bool Take(std::size_t bytes);
   Appended AppendBoolean(std::size_t index, Cells& cells);
   Appended AppendInteger(std::size_t index, Cells& cells);
   Appended AppendDouble(std::size_t index, Cells& cells);
@@ -69,6 +73,8 @@ class CursorReader {
   odbc::Statement& statement_;
   odbc::Diagnostics& diagnostics_;
   std::optional<HexCells> files_;
+  ResultBudget budget_;
+  std::size_t row_bytes_ = 0;  // of a row's cells and null bits, without texts
   std::vector<Target> targets_;
   std::size_t rows_ = 0;
   std::string text_;

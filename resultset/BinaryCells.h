@@ -22,6 +22,12 @@ class BinaryCells {
   // `text` is empty or the file cannot be written.
   [[nodiscard]] virtual std::string Write(std::string_view text) = 0;
 
+  // The length that no path exceeds.
+  [[nodiscard]] std::size_t MostPathBytes() const {
+    constexpr std::size_t kMostNumberBytes = 44;  // time and counter
+    return base_.size() + extension_.size() + kMostNumberBytes;
+  }
+
  protected:
   explicit BinaryCells(const tagTEMPFILEINFO& files);
 

@@ -11,34 +11,24 @@ namespace qv {
 
 static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack);
 
-namespace {
-
-// The memory that the cells of a file may take: enough for results with hundreds of empty columns,
-// but never a multiple of the file that grows with it.
-constexpr std::size_t kLeastBudget = std::size_t{64} << 20;
-constexpr std::size_t kBudgetPerByte = 32;
-
-// The memory of one cell, without its text.
-std::size_t CellBytes(const Column& column) {
-  return std::visit([](const auto& cells) { return cells.kCellBytes; }, column.cells);
+ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary)
+    : values_(values), row_{binary, false}, row_bytes_((table.Columns().size() + 7) / 8) {
+  sinks_.reserve(table.Columns().size());
+  for (Column& column : table.Columns()) sinks_.push_back(SinkFor(column, sinks_.size()));
 }
 
-}  // namespace
-
-ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary,
-                           std::size_t file_bytes)
-    : values_(values),
-      row_{binary, false, 0},
-      row_bytes_(0),
-      budget_(kLeastBudget + file_bytes * kBudgetPerByte) {
-  sinks_.reserve(table.Columns().size());
-  for (Column& column : table.Columns()) {
-    void* const cells =
-        std::visit([](auto& held) { return static_cast<void*>(&held); }, column.cells);
-    const auto longest = static_cast<std::size_t>(column.display_length);
-    sinks_.push_back({AppenderFor(column), cells, values.SlotOf(sinks_.size()), longest, &column});
-    row_bytes_ += CellBytes(column);
-  }
+ColumnFiller::Sink ColumnFiller::SinkFor(Column& column, std::size_t index) {
+  row_bytes_ += CellBytes(column.cells);
+  void* const cells =
+      std::visit([](auto& held) { return static_cast<void*>(&held); }, column.cells);
+  const bool is_binary = column.type == kTypeLongVarBinary;
+  return {.append = AppenderFor(column),
+          .cells = cells,
+          .slot = values_.SlotOf(index),
+          .longest = static_cast<std::size_t>(column.display_length),
+          .column = &column,
+          .holds_text = std::holds_alternative<TextCells>(column.cells),
+          .path_bytes = is_binary ? row_.binary.MostPathBytes() : 0};
 }
 
 ColumnFiller::~ColumnFiller() {
@@ -49,16 +39,15 @@ ColumnFiller::~ColumnFiller() {
 
 bool ColumnFiller::AppendRow(bool may_have_entities) {
   row_.may_have_entities = may_have_entities;
-  row_.taken = row_bytes_;
+  if (!budget_.Take(row_bytes_)) return false;
   for (Sink& sink : sinks_) {
     const std::string_view text = values_.InSlot(sink.slot);
     if (text.data() == nullptr) sink.column->nulls.Add(rows_);
+    const bool takes_text = sink.holds_text && !text.empty();
+    if (takes_text && !budget_.Take(text.size() + sink.path_bytes)) return false;
     const std::size_t length = sink.append(sink.cells, text, row_);
     sink.longest = std::max(sink.longest, length);
-    row_.taken += length;
-    if (row_.taken > budget_) return false;
   }
-  budget_ -= row_.taken;
   ++rows_;
   return true;
 }
@@ -98,7 +87,6 @@ std::size_t ColumnFiller::AppendDate(void* cells, std::string_view text, Row&) {
 std::size_t ColumnFiller::AppendBinary(void* cells, std::string_view text, Row& row) {
   const std::string path = row.binary.Write(text);
   static_cast<TextCells*>(cells)->push_back(path);
-  row.taken += text.size();
   return path.size();
 }
 
@@ -116,6 +104,7 @@ void ColumnFiller::ReserveAfter(std::size_t done, std::size_t total) {
   const auto add_bytes = [&](const auto& cells) { bytes += static_cast<double>(cells.Bytes()); };
   for (const Sink& sink : sinks_) std::visit(add_bytes, sink.column->cells);
   if (bytes * factor > kMostPerByte * static_cast<double>(total)) return;
+  if (bytes * factor > static_cast<double>(budget_.Limit())) return;
   const auto reserve = [&](auto& cells) { cells.ReserveTimes(factor); };
   for (const Sink& sink : sinks_) std::visit(reserve, sink.column->cells);
 }

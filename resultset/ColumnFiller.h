@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "BinaryCells.h"
+#include "Reading.h"
 #include "ResultTable.h"
 #include "RowValues.h"
 
@@ -18,18 +19,16 @@ constexpr std::size_t kRowsBeforeReserve = 256;
 // lengths; the destructor stores them in the columns.
 class ColumnFiller {
  public:
-  // All three must outlive the filler, and `table` must keep its columns meanwhile. The rows come
-  // from a file of `file_bytes`.
-  ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary,
-               std::size_t file_bytes);
+  // All three must outlive the filler, and `table` must keep its columns meanwhile.
+  ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary);
   ~ColumnFiller();
   ColumnFiller(const ColumnFiller&) = delete;
   ColumnFiller& operator=(const ColumnFiller&) = delete;
 
   // Appends one cell to each column; cells without a value are null. The texts are in a FileText,
   // so that some bytes after them may be read. `may_have_entities` is false if no text contains an
-  // ampersand. Returns false if the cells take more memory than any honest file of that size needs:
-  // many columns times many rows, all empty or all of one name.
+  // ampersand. Returns false before the cells, with the values of binary ones, take more memory
+  // than ResultLimit() allows; the row is then incomplete.
   [[nodiscard]] bool AppendRow(bool may_have_entities);
 
   // Reserves memory for the remaining rows after `done` bytes of rows out of `total` were appended,
@@ -41,7 +40,6 @@ class ColumnFiller {
   struct Row {
     BinaryCells& binary;
     bool may_have_entities;
-    std::size_t taken;  // bytes of the cells so far, and of their files
   };
 
   // Appends one cell and returns the length of its text.
@@ -62,14 +60,18 @@ class ColumnFiller {
     std::size_t slot;
     std::size_t longest;
     Column* column;
+    bool holds_text;
+    std::size_t path_bytes;  // at most, of a value that becomes a file
   };
+
+  [[nodiscard]] Sink SinkFor(Column& column, std::size_t index);
 
   const RowValues& values_;
   std::vector<Sink> sinks_;
   Row row_;
   std::size_t rows_ = 0;
-  std::size_t row_bytes_;  // of a row's cells, without their texts
-  std::size_t budget_;
+  std::size_t row_bytes_;  // of a row's cells and null bits, without texts
+  ResultBudget budget_;
 };
 
 }  // namespace qv

@@ -32,6 +32,10 @@ Cells CellsFor(std::uint8_t type) {
   }
 }
 
+std::size_t CellBytes(const Cells& cells) {
+  return std::visit([](const auto& held) { return held.kCellBytes; }, cells);
+}
+
 std::size_t Column::Rows() const {
   return std::visit([](const auto& held) { return held.size(); }, cells);
 }

@@ -52,6 +52,9 @@ using Cells = std::variant<TextCells, IntCells, DoubleCells, DateCells>;
 // Returns empty cells of the kind that a type code needs.
 [[nodiscard]] Cells CellsFor(std::uint8_t type);
 
+// Returns the memory of one cell, without its text and its null bit.
+[[nodiscard]] std::size_t CellBytes(const Cells& cells);
+
 struct Column {
   std::string name;  // as it was declared
   std::int32_t declared_length = 0;

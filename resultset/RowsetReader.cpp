@@ -101,7 +101,7 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
 
 bool ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   RowValues values(table.Columns(), '=');
-  ColumnFiller filler(table, values, binary, text.size());
+  ColumnFiller filler(table, values, binary);
   ForwardFinder ampersands(text, "&");
   const char* const end = text.data() + text.size();
   std::size_t rows = 0;
@@ -116,28 +116,31 @@ bool ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   return true;
 }
 
-}  // namespace
-
-bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
-  FileText& file = KeptFileText();
-  if (!file.Load(path)) return false;
-  const std::string_view text = file.View();
+Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
   const std::size_t opening = text.find(kElementType);
-  if (opening == kNone) return false;
+  if (opening == kNone) return Reading::kUnreadable;
   const std::size_t closing = text.find(kElementTypeEnd, opening + kElementType.size());
-  if (closing == kNone) return false;
+  if (closing == kNone) return Reading::kUnreadable;
 
-  ResultTable& table = ResultTable::Of(result);
   DefineColumns(text.substr(opening, closing - opening), table);
   table.RebuildCells();
 
   const std::size_t data = text.find(kData, opening);
-  if (data == kNone) return false;
+  if (data == kNone) return Reading::kUnreadable;
   HexCells binary(files);
-  if (ReadRows(text.substr(data), table, binary)) return true;
+  if (ReadRows(text.substr(data), table, binary)) return Reading::kDone;
   RemoveBinaryFiles(table);
   table.RebuildCells();
-  return false;
+  return Reading::kTooLarge;
+}
+
+}  // namespace
+
+bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
+  FileText& file = KeptFileText();
+  const bool is_loaded = file.Load(path);
+  return NoteReading(is_loaded ? ReadRowset(file.View(), ResultTable::Of(result), files)
+                               : Reading::kUnreadable);
 }
 
 }  // namespace qv

@@ -218,40 +218,49 @@ class RowWalker {
   bool may_have_entities_ = false;
 };
 
+// Reads the rows that start after `start`. Returns what ReadSchema does.
+Reading ReadRows(std::string_view text, std::string_view tag, std::size_t start, ResultTable& table,
+                 BinaryCells& binary) {
+  RowValues values(table.Columns(), '>');
+  const bool plain_names = !values.HasNameWith("/") && !values.HasNameWith(tag);
+  RowWalker rows(text, tag, start, plain_names);
+  if (!rows.HasRow()) return Reading::kDone;
+  if (!rows.HasClosing()) return Reading::kUnreadable;
+  ColumnFiller filler(table, values, binary);
+  for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
+    if (!filler.AppendRow(rows.MayHaveEntities())) return Reading::kTooLarge;
+    if (count == kRowsBeforeReserve) filler.ReserveAfter(rows.Position(), text.size());
+  }
+  return Reading::kDone;
+}
+
+Reading ReadSchema(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
+  const std::size_t schema = text.find(kSchema);
+  if (schema == kNone) return Reading::kUnreadable;
+  if (text.find(kSchemaEnd, schema + kSchema.size()) == kNone) return Reading::kUnreadable;
+  const std::string_view tag = RowTag(text);
+  if (tag.empty() || tag.size() > kMaxTag) return Reading::kUnreadable;
+  const std::size_t sequence = text.find(kSequence);
+  const std::size_t sequence_end = text.find(kSequenceEnd);
+  if (sequence == kNone || sequence_end == kNone) return Reading::kUnreadable;
+
+  DefineColumns(text, sequence, sequence_end, table);
+  table.RebuildCells();
+  Base64Cells binary(files);
+  const Reading reading = ReadRows(text, tag, sequence, table, binary);
+  if (reading != Reading::kTooLarge) return reading;
+  RemoveBinaryFiles(table);
+  table.RebuildCells();
+  return reading;
+}
+
 }  // namespace
 
 bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
   FileText& file = KeptFileText();
-  if (!file.Load(path)) return false;
-  const std::string_view text = file.View();
-  const std::size_t schema = text.find(kSchema);
-  if (schema == kNone || text.find(kSchemaEnd, schema + kSchema.size()) == kNone) return false;
-  const std::string_view tag = RowTag(text);
-  if (tag.empty() || tag.size() > kMaxTag) return false;
-  const std::size_t sequence = text.find(kSequence);
-  const std::size_t sequence_end = text.find(kSequenceEnd);
-  if (sequence == kNone || sequence_end == kNone) return false;
-
-  ResultTable& table = ResultTable::Of(result);
-  DefineColumns(text, sequence, sequence_end, table);
-  table.RebuildCells();
-
-  RowValues values(table.Columns(), '>');
-  const bool plain_names = !values.HasNameWith("/") && !values.HasNameWith(tag);
-  RowWalker rows(text, tag, sequence, plain_names);
-  if (!rows.HasRow()) return true;
-  if (!rows.HasClosing()) return false;
-  Base64Cells binary(files);
-  ColumnFiller filler(table, values, binary, text.size());
-  for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
-    if (!filler.AppendRow(rows.MayHaveEntities())) {
-      RemoveBinaryFiles(table);
-      table.RebuildCells();
-      return false;
-    }
-    if (count == kRowsBeforeReserve) filler.ReserveAfter(rows.Position(), text.size());
-  }
-  return true;
+  const bool is_loaded = file.Load(path);
+  return NoteReading(is_loaded ? ReadSchema(file.View(), ResultTable::Of(result), files)
+                               : Reading::kUnreadable);
 }
 
 }  // namespace qv

@@ -1,6 +1,7 @@
 #include "ModuleState.h"
 
 #include "base/platform/Platform.h"
+#include "resultset/Reading.h"
 
 namespace qv {
 
@@ -27,6 +28,7 @@ void ModuleState::Reset() {
   settings.default_display_compress = 0;
   settings.default_display_domain = 0;
   cache.Reset();
+  SetResultLimit(0);
 }
 
 std::string ModuleFolder(std::size_t max_path) {

@@ -13,6 +13,7 @@
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "qvnetcall/transport/QvNetClient4.h"
+#include "resultset/Reading.h"
 
 using qv::Exchange;
 using qv::ModuleState;
@@ -185,3 +186,9 @@ int CRvoServer::SetCachePath(const char* path) {
 }
 
 int CRvoServer::ClearCurCache() { return ModuleState::Get().cache.Clear() ? 1 : 0; }
+
+int CRvoServer::SetResultLimit(long long bytes) {
+  if (bytes < 0) return 0;
+  qv::SetResultLimit(static_cast<std::uint64_t>(bytes));
+  return 1;
+}

@@ -8,8 +8,9 @@
 namespace qv::odbc {
 
 // States that this room adds to those of the driver and the driver manager.
-constexpr const char kNotText[] = "22021";      // the given text is not valid in the code page
-constexpr const char kCellTooLong[] = "22001";  // a cell exceeds the connection's limit
+constexpr const char kNotText[] = "22021";         // the given text is not valid in the code page
+constexpr const char kCellTooLong[] = "22001";     // a cell exceeds the connection's limit
+constexpr const char kResultTooLarge[] = "HY001";  // the rows exceed the limit on their memory
 constexpr const char kCancelled[] = "HY008";
 constexpr const char kTextTooLong[] = "HY090";  // the driver manager cannot take that much
 constexpr const char kNoReason[] = "HY000";     // the driver gave no reason

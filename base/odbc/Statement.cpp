@@ -111,7 +111,9 @@ struct Statement::Piece {
 };
 
 Statement::Statement(Connection& connection)
-    : connection_(connection), memory_(kPieceBytes / sizeof(char16_t)) {
+    : connection_(connection),
+      cell_bytes_(connection.limits_.cell_bytes),
+      memory_(kPieceBytes / sizeof(char16_t)) {
   // Without a handle every call fails with a diagnostic.
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.connection_, &statement_))) {
     statement_ = nullptr;
@@ -279,8 +281,10 @@ CellState Statement::ReadPieces(std::size_t column, Whole& whole, Diagnostics& d
     const std::size_t length = has_more ? piece.FullLength() : piece.LastLength(indicator);
     whole.insert(whole.end(), piece.units, piece.units + length);
     if (!has_more) return CellState::kValue;
-    if (whole.size() * sizeof(Unit) <= connection_.limits_.cell_bytes) continue;
-    diagnostics.push_back({kCellTooLong, 0, "a cell is longer than is allowed"});
+    if (whole.size() * sizeof(Unit) <= cell_bytes_) continue;
+    const std::string most = std::to_string(cell_bytes_);
+    diagnostics.push_back(
+        {kCellTooLong, 0, "a cell takes more than the limit of " + most + " bytes"});
     return CellState::kFailed;
   }
 }

@@ -1,6 +1,7 @@
 // A statement and its rows.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <mutex>
@@ -100,6 +101,9 @@ class Statement {
   [[nodiscard]] CellState ReadBytes(std::size_t column, std::vector<unsigned char>& bytes,
                                     Diagnostics& diagnostics);
 
+  // Fails for cells of more than `bytes`, as for those of more than the connection's limit.
+  void LimitCells(std::size_t bytes) { cell_bytes_ = std::min(cell_bytes_, bytes); }
+
   // Finds out whether the cell is null, without reading it: the result is kValue or kNull.
   [[nodiscard]] CellState ReadNothing(std::size_t column, Diagnostics& diagnostics);
 
@@ -126,6 +130,7 @@ class Statement {
 
   const Connection& connection_;
   void* statement_ = nullptr;  // a handle of the driver manager
+  std::size_t cell_bytes_;
   std::vector<Column> columns_;
   // A cancelled statement loses its diagnostics in the driver manager, so Cancel waits while they
   // are read.

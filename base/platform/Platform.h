@@ -108,6 +108,9 @@ void SurviveFileLimits();
 // Asks for large pages for `bytes` of untouched memory at `start`. This only affects speed.
 void PreferLargePages(void* start, std::size_t bytes);
 
+// Returns the bytes of memory that the machine has, or 0 if the system does not say.
+[[nodiscard]] std::uint64_t PhysicalMemory();
+
 // Converts text in the platform's narrow code page (UTF-8 off Windows) to UTF-16, independently of
 // the locale. Returns nothing if the text is not valid in that code page.
 [[nodiscard]] std::optional<std::u16string> WideFromNarrow(std::string_view text);

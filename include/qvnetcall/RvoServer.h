@@ -121,4 +121,11 @@ class QVNETCALL_API CRvoServer {
   static int SetCachePath(const char* path);
   // Removes every answer that is kept. Returns 1, or 0 if that fails or no folder is set.
   static int ClearCurCache();
+
+  // Limits the memory that the cells of one answer may take, in bytes. It is half of the machine's
+  // memory at first; 0 goes back to that. A query whose answer would take more fails like one whose
+  // answer cannot be read, before the memory is taken. Any thread may call this; a read that runs
+  // keeps the limit that it started with. Not part of the platform's interface: an extension of
+  // this library. Returns 1, or 0 for a negative number, which changes nothing.
+  static int SetResultLimit(long long bytes);
 };

@@ -11,6 +11,7 @@
 
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/framework/String.h"
+#include "resultset/Reading.h"
 #include "resultset/ResultTable.h"
 #include "tests/support/TempFolder.h"
 
@@ -224,6 +225,28 @@ TEST_F(DirectAccess, LeavesNothingOfAQueryThatFails) {
   ASSERT_EQ(rows.GetFieldCount(), 2);
   EXPECT_EQ(rows._int(1, "Kept"), 0);
   EXPECT_EQ(rows._str(1, "Later"), "9");
+}
+
+TEST_F(DirectAccess, ReadsNoMoreThanTheLimit) {
+  Run("create table T (N int, S text, B blob)");
+  Run("with recursive C(N) as (select 1 union all select N + 1 from C where N < 1000) "
+      "insert into T select N, 'text', x'01' from C");
+  const char* const queries[] = {"select N from T", "select S from T", "select B from T",
+                                 "select replace(hex(zeroblob(5000)), '00', 'x') as S"};
+  for (const char* const query : queries) {
+    SCOPED_TRACE(query);
+    SetResultLimit(4000);
+    CRvoDbRes rows;
+    EXPECT_EQ(database_.Select(query, rows, "DESIGN"), 1);
+    EXPECT_EQ(rows.GetFieldCount(), 0);
+    EXPECT_THAT(database_.LastError(), HasSubstr("limit of 4000 bytes"));
+    EXPECT_EQ(BlobFiles(), 0u);
+    SetResultLimit(0);
+    Query(query, rows);
+    EXPECT_GT(rows.GetRecordCount(), 0);
+    std::filesystem::remove_all(Blobs());
+    std::filesystem::create_directory(Blobs());
+  }
 }
 
 TEST_F(DirectAccess, KeepsConnectionsByName) {

@@ -129,6 +129,7 @@ TEST(Platform, KnowsWhereItIs) {
   // The library under test is part of this program.
   EXPECT_EQ(ProgramFolder(),
             std::filesystem::canonical(ModuleFile()).parent_path().string() + kSeparator);
+  EXPECT_GT(PhysicalMemory(), std::uint64_t{64} << 20);
 }
 
 struct Noted {

@@ -1,12 +1,14 @@
 // The two readers on files made by hand: what the formats make easy to get wrong.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "resultset/RecordsetReaders.h"
 #include "tests/support/TempFolder.h"
@@ -400,27 +402,81 @@ TEST_F(ReadersTest, LargeHostileFilesComeBack) {
   }
 }
 
-TEST_F(ReadersTest, CellsOutOfAllProportionAreRefused) {
-  const auto columns = [](int count, const std::string& name) {
-    std::vector<std::string> all = {"name='image' dt:type='bin.hex'"};
-    for (int i = 0; i < count; ++i) {
-      all.push_back("name='" + name + (name.empty() ? std::to_string(i) : "") + "'");
-    }
-    return RowsetHead(all);
-  };
-  CRvoDbRes empty_cells, one_name, wide;
-  EXPECT_FALSE(
-      Rowset(columns(4000, "") + "<z:row image='4a'/>" + Repeated("<z:row/>", 30000), empty_cells));
-  const std::string long_value = "<z:row a='" + std::string(100000, 'x') + "'/>";
-  EXPECT_FALSE(Rowset(columns(4000, "a") + long_value, one_name));
-  EXPECT_EQ(empty_cells.GetFieldCount(), 4001);
-  EXPECT_EQ(empty_cells.GetRecordCount() + one_name.GetRecordCount(), 0);  // nothing is held on to
-  const std::filesystem::directory_iterator files(folder_.Path());
-  EXPECT_EQ(std::distance(begin(files), end(files)), 1);  // nor on the disk
-  // Hundreds of columns without values are nothing unusual.
-  EXPECT_TRUE(Rowset(columns(300, "") + Repeated("<z:row/>", 30000), wide));
-  EXPECT_EQ(wide.GetRecordCount(), 30000);
+// Sets the limit for the rest of a test.
+class Limited {
+ public:
+  explicit Limited(std::uint64_t bytes) { SetResultLimit(bytes); }
+  ~Limited() { SetResultLimit(0); }
+  Limited(const Limited&) = delete;
+  Limited& operator=(const Limited&) = delete;
+};
 
+std::string Columns(int count, const std::string& name, const std::string& type = "") {
+  Rows all = {"name='image' dt:type='bin.hex'"};
+  for (int i = 0; i < count; ++i) {
+    all.push_back("name='" + name + (name.empty() ? std::to_string(i) : "") + "'" + type);
+  }
+  return RowsetHead(all);
+}
+
+TEST_F(ReadersTest, AnswersBeyondTheLimitAreRefused) {
+  const Limited limited(50000);
+  const std::string long_value = "<z:row a='" + std::string(10000, 'x') + "'/>";
+  const std::pair<const char*, std::string> refused[] = {
+      {"empty cells", Columns(400, "") + "<z:row image='4a'/>" + Repeated("<z:row/>", 500)},
+      {"columns of one name", Columns(400, "a") + long_value},
+      {"files of one value", RowsetHead(Rows(400, "name='a' dt:type='bin.hex'")) + long_value},
+      {"paths",
+       RowsetHead(Rows(400, "name='a' dt:type='bin.hex'")) + Repeated("<z:row a='4a'/>", 1000)},
+  };
+  for (const auto& [what, file] : refused) {
+    SCOPED_TRACE(what);
+    CRvoDbRes result;
+    EXPECT_FALSE(Rowset(file, result));
+    EXPECT_GE(result.GetFieldCount(), 400);
+    EXPECT_EQ(result.GetRecordCount(), 0);  // nothing is held on to
+    const std::filesystem::directory_iterator files(folder_.Path());
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1);  // nor on the disk
+    EXPECT_EQ(LastReadFailure().error_class, error::kTooLarge);
+    EXPECT_NE(LastReadFailure().text.find(" 50000 bytes"), std::string::npos);
+  }
+  CRvoDbRes schema;
+  const std::string rows = Repeated("<T><a>1</a></T>", 30000);
+  EXPECT_FALSE(Schema(SchemaHead(kIntColumn) + rows, schema));
+  EXPECT_EQ(schema.GetRecordCount(), 0);
+
+  CRvoDbRes other;
+  EXPECT_FALSE(Rowset("", other));
+  EXPECT_EQ(LastReadFailure().error_class, error::kBadReply);
+  EXPECT_TRUE(Rowset(Columns(30, "") + Repeated("<z:row/>", 1000), other));
+  EXPECT_EQ(LastReadFailure().error_class, error::kNone);
+}
+
+TEST_F(ReadersTest, TheLimitIsTheLastByte) {
+  const std::string file = RowsetHead({"name='a'", "name='n' dt:type='int'"}) +
+                           Repeated("<z:row a='12345' n='1'/>", 100);
+  constexpr std::uint64_t kBytes = 100 * (4 + 5 + 8 + 1);  // end, text, integer, null bits
+  for (const std::uint64_t limit : {kBytes, kBytes - 1}) {
+    const Limited limited(limit);
+    CRvoDbRes result;
+    EXPECT_EQ(Rowset(file, result), limit == kBytes);
+  }
+}
+
+TEST_F(ReadersTest, WideAndNearlyEmptyAnswersAreRead) {
+  constexpr int kRows = 30000;
+  std::string rows;
+  for (int i = 0; i < kRows; ++i) {
+    rows += "<z:row " + std::to_string(i % 300) + "='2024-02-29T01:02:03'/>";
+  }
+  CRvoDbRes result;
+  ASSERT_TRUE(Rowset(Columns(300, "", " dt:type='dateTime'") + rows, result));
+  ASSERT_EQ(result.GetRecordCount(), kRows);
+  EXPECT_EQ(result._text(299, 300), "2024-02-29 01:02:03");
+  EXPECT_TRUE(result.IsNull(298, 300));
+}
+
+TEST_F(ReadersTest, AnAbsurdTagIsRefused) {
   CRvoDbRes long_tag;
   const std::string tag(2000, 'T');
   EXPECT_FALSE(Schema("<xs:schema></xs:schema><xs:element name='" + tag +

@@ -179,5 +179,17 @@ TEST_F(RvoServer, KnowsNoLocalDatabaseThatItDidNotOpen) {
   EXPECT_EQ(state_.care_open_connection, 0);
 }
 
+TEST(RvoServer, LimitsAnswersUntilTheDefaultIsWantedBack) {
+  const std::uint64_t half_of_memory = ResultLimit();
+  EXPECT_EQ(CRvoServer::SetResultLimit(12345), 1);
+  EXPECT_EQ(CRvoServer::SetResultLimit(-1), 0);
+  EXPECT_EQ(ResultLimit(), 12345U);
+  ModuleState::Get().Reset();
+  EXPECT_EQ(ResultLimit(), half_of_memory);
+  EXPECT_EQ(CRvoServer::SetResultLimit(LLONG_MAX), 1);
+  EXPECT_EQ(CRvoServer::SetResultLimit(0), 1);
+  EXPECT_EQ(ResultLimit(), half_of_memory);
+}
+
 }  // namespace
 }  // namespace qv

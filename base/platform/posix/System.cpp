@@ -77,6 +77,13 @@ void PreferLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t
 #endif
 }
 
+std::uint64_t PhysicalMemory() {
+  const long pages = ::sysconf(_SC_PHYS_PAGES);
+  const long page = ::sysconf(_SC_PAGESIZE);
+  if (pages <= 0 || page <= 0) return 0;
+  return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(page);
+}
+
 std::optional<std::tm> LocalTime(std::time_t time) {
   ::tzset();  // Unlike localtime, localtime_r need not notice that TZ has changed.
   std::tm local{};

@@ -47,6 +47,12 @@ void* FindFunctionBeside(const char* library, void* /*neighbour*/, const char* n
 // Windows has no such advice: large pages need a privilege.
 void PreferLargePages(void*, std::size_t) {}
 
+std::uint64_t PhysicalMemory() {
+  MEMORYSTATUSEX status{};
+  status.dwLength = sizeof status;
+  return ::GlobalMemoryStatusEx(&status) != 0 ? status.ullTotalPhys : 0;
+}
+
 std::optional<std::tm> LocalTime(std::time_t time) {
   std::tm local{};
   if (::localtime_s(&local, &time) != 0) return std::nullopt;

@@ -1,0 +1,53 @@
+// What bounds the reading of an answer, and how it ended.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace qv {
+
+// The most bytes that the cells of one answer may take: half of the machine's memory unless
+// SetResultLimit set another number; 0 goes back to that. Any thread may call both; a read that
+// runs keeps the limit that it started with.
+[[nodiscard]] std::uint64_t ResultLimit();
+void SetResultLimit(std::uint64_t bytes);
+
+// The memory that is left for the cells of an answer.
+class ResultBudget {
+ public:
+  ResultBudget() : limit_(ResultLimit()), left_(limit_) {}
+
+  // Call this before the memory is taken. Returns false if less is left.
+  [[nodiscard]] bool Take(std::uint64_t bytes) {
+    if (bytes > left_) return false;
+    left_ -= bytes;
+    return true;
+  }
+
+  [[nodiscard]] std::uint64_t Limit() const { return limit_; }
+
+ private:
+  std::uint64_t limit_;
+  std::uint64_t left_;
+};
+
+// Returns the sentence that names the limit as the reason why an answer was not read.
+[[nodiscard]] std::string BeyondLimitText(std::uint64_t limit);
+
+enum class Reading {
+  kDone,
+  kUnreadable,  // the file cannot be loaded, or is no recordset
+  kTooLarge,    // its cells would take more than ResultLimit()
+};
+
+struct ReadFailure {
+  int error_class = 0;  // of qv::error
+  std::string text;
+};
+
+// Keeps how a read of the calling thread ended. Returns true for kDone.
+[[nodiscard]] bool NoteReading(Reading reading);
+// Returns why the calling thread's last read of a file failed; empty if it did not.
+[[nodiscard]] const ReadFailure& LastReadFailure();
+
+}  // namespace qv
