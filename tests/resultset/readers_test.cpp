@@ -448,7 +448,7 @@ TEST_F(ReadersTest, AnswersBeyondTheLimitAreRefused) {
   CRvoDbRes other;
   EXPECT_FALSE(Rowset("", other));
   EXPECT_EQ(LastReadFailure().error_class, error::kBadReply);
-  EXPECT_TRUE(Rowset(Columns(30, "") + Repeated("<z:row/>", 1000), other));
+  EXPECT_TRUE(Rowset(Columns(30, "") + Repeated("<z:row/>", 300), other));
   EXPECT_EQ(LastReadFailure().error_class, error::kNone);
 }
 

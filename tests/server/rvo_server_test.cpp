@@ -1,8 +1,12 @@
 #include "qvnetcall/RvoServer.h"
 
+#include <climits>
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "resultset/Reading.h"
+#include "server/ModuleState.h"
 #include "tests/support/ModuleTest.h"
 
 namespace qv {
@@ -179,7 +183,7 @@ TEST_F(RvoServer, KnowsNoLocalDatabaseThatItDidNotOpen) {
   EXPECT_EQ(state_.care_open_connection, 0);
 }
 
-TEST(RvoServer, LimitsAnswersUntilTheDefaultIsWantedBack) {
+TEST_F(RvoServer, LimitsAnswersUntilTheDefaultIsWantedBack) {
   const std::uint64_t half_of_memory = ResultLimit();
   EXPECT_EQ(CRvoServer::SetResultLimit(12345), 1);
   EXPECT_EQ(CRvoServer::SetResultLimit(-1), 0);
