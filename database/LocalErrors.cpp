@@ -21,8 +21,8 @@ constexpr Rule kStates[] = {{"42501", error::kNotAllowed},    {"42601", error::k
                             {"HYT", error::kTimeLimit},       {"57014", error::kTimeLimit},
                             {"40001", error::kBusy},          {"40P01", error::kBusy},
                             {"55P03", error::kBusy},          {"53", error::kTooLarge},
-                            {"22001", error::kTooLarge},      {"08", error::kCannotConnect},
-                            {"3D", error::kUnknownDatabase}};
+                            {"22001", error::kTooLarge},      {"HY001", error::kTooLarge},
+                            {"08", error::kCannotConnect},    {"3D", error::kUnknownDatabase}};
 
 constexpr Rule kWords[] = {
     {"syntax error", error::kSyntax},     {"incomplete input", error::kSyntax},

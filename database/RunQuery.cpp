@@ -65,7 +65,7 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
   }
   if (!file.ReadInto(result, query.web)) {
     call::SetErrorIfNone(error::kBadReply, "the answer cannot be read");
-    return result::kFailed;
+    return call::IsCancelled() ? result::kOutcomeUnknown : result::kFailed;
   }
   if (MayKeep(query)) KeepAnswer(key, file, query.keep);
   return result::kSuccess;

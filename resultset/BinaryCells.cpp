@@ -100,6 +100,11 @@ void RemoveBinaryFiles(const Column& column) {
   }
 }
 
+void DropRows(ResultTable& table) {
+  RemoveBinaryFiles(table);
+  table.RebuildCells();
+}
+
 std::vector<unsigned char> DecodeHex(std::string_view text) {
   std::vector<unsigned char> bytes;
   bytes.reserve(text.size() / 2);

@@ -55,6 +55,8 @@ class Base64Cells : public BinaryCells {
 // Removes the files that a table's cells name. For tables that no host will see.
 void RemoveBinaryFiles(const ResultTable& table);
 void RemoveBinaryFiles(const Column& column);
+// Removes a table's rows, and those files.
+void DropRows(ResultTable& table);
 
 // Decodes pairs of lower-case digits; skips a pair with any other character and an odd last digit.
 [[nodiscard]] std::vector<unsigned char> DecodeHex(std::string_view text);

@@ -15,6 +15,9 @@ namespace qv {
 // The number of rows from which the others are estimated.
 constexpr std::size_t kRowsBeforeReserve = 256;
 
+// Returns true every few rows, when it is time to see whether the call was cancelled.
+[[nodiscard]] constexpr bool IsTimeToLookUp(std::size_t rows) { return rows % 1024 == 0; }
+
 // Fills the columns of a table, whose cells were rebuilt, row by row. Measures the columns' display
 // lengths; the destructor stores them in the columns.
 class ColumnFiller {

@@ -2,8 +2,8 @@
 
 #include <atomic>
 
+#include "base/call/LastError.h"
 #include "base/platform/Platform.h"
-#include "base/platform/ThreadSlot.h"
 #include "qvnetcall/ResultCodes.h"
 
 namespace qv {
@@ -17,20 +17,6 @@ std::uint64_t DefaultLimit() {
   constexpr std::uint64_t kAssumedMemory = std::uint64_t{4} << 30;
   static const std::uint64_t memory = platform::PhysicalMemory();
   return (memory != 0 ? memory : kAssumedMemory) / 2;
-}
-
-ReadFailure& Failure() { return platform::OfThisThread<ReadFailure>(); }
-
-ReadFailure FailureOf(Reading reading) {
-  switch (reading) {
-    case Reading::kDone:
-      return {};
-    case Reading::kUnreadable:
-      return {error::kBadReply, "the answer cannot be read as a recordset"};
-    case Reading::kTooLarge:
-      return {error::kTooLarge, BeyondLimitText(ResultLimit())};
-  }
-  return {};
 }
 
 }  // namespace
@@ -47,10 +33,20 @@ std::string BeyondLimitText(std::uint64_t limit) {
 }
 
 bool NoteReading(Reading reading) {
-  Failure() = FailureOf(reading);
-  return reading == Reading::kDone;
+  switch (reading) {
+    case Reading::kDone:
+      return true;
+    case Reading::kUnreadable:
+      call::SetError(error::kBadReply, "the answer cannot be read as a recordset");
+      break;
+    case Reading::kTooLarge:
+      call::SetError(error::kTooLarge, BeyondLimitText(ResultLimit()));
+      break;
+    case Reading::kCancelled:
+      call::SetCancelled();
+      break;
+  }
+  return false;
 }
-
-const ReadFailure& LastReadFailure() { return Failure(); }
 
 }  // namespace qv

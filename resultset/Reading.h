@@ -38,16 +38,10 @@ enum class Reading {
   kDone,
   kUnreadable,  // the file cannot be loaded, or is no recordset
   kTooLarge,    // its cells would take more than ResultLimit()
+  kCancelled,   // the calling thread's call was cancelled
 };
 
-struct ReadFailure {
-  int error_class = 0;  // of qv::error
-  std::string text;
-};
-
-// Keeps how a read of the calling thread ended. Returns true for kDone.
+// Keeps why a read failed as the calling thread's error. Returns true for kDone.
 [[nodiscard]] bool NoteReading(Reading reading);
-// Returns why the calling thread's last read of a file failed; empty if it did not.
-[[nodiscard]] const ReadFailure& LastReadFailure();
 
 }  // namespace qv

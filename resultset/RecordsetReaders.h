@@ -1,7 +1,6 @@
 // The readers of the two dialects that servers answer queries in.
 #pragma once
 
-#include "Reading.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/TempFileInfo.h"
 
@@ -10,8 +9,8 @@ namespace qv {
 // Reads the rowset dialect, which socket servers answer with. Appends the file's columns to
 // `result` and fills every column with the file's rows; binary cells become files named by `files`.
 // Returns false if the file cannot be loaded, one of its three anchors is missing, or its cells
-// would take more memory than ResultLimit(); columns defined until then remain, without rows, and
-// LastReadFailure() says which it was. Any number
+// would take more memory than ResultLimit(), or if the call is cancelled; the reason becomes the
+// thread's error. Columns defined until then remain, without rows. Any number
 // of threads may read at once.
 [[nodiscard]] bool ReadRowsetFile(const char* path, CRvoDbRes& result,
                                   const tagTEMPFILEINFO& files);

@@ -5,6 +5,7 @@
 #include "AttributeScanner.h"
 #include "ColumnFiller.h"
 #include "FileText.h"
+#include "base/call/CancelFlag.h"
 #include "base/text/Numbers.h"
 
 namespace qv {
@@ -99,7 +100,7 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
   }
 }
 
-bool ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
+Reading ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   RowValues values(table.Columns(), '=');
   ColumnFiller filler(table, values, binary);
   ForwardFinder ampersands(text, "&");
@@ -109,11 +110,12 @@ bool ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
   while (position != kNone) {
     const char* const row_end = ReadRow(text.data() + position + kRow.size(), end, values);
     const auto behind = static_cast<std::size_t>(row_end - text.data());
-    if (!filler.AppendRow(ampersands.Find(position) < behind)) return false;
+    if (!filler.AppendRow(ampersands.Find(position) < behind)) return Reading::kTooLarge;
     if (++rows == kRowsBeforeReserve) filler.ReserveAfter(behind, text.size());
+    if (IsTimeToLookUp(rows) && call::IsCancelled()) return Reading::kCancelled;
     position = FindTag(text, kRow, behind);
   }
-  return true;
+  return Reading::kDone;
 }
 
 Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
@@ -128,10 +130,9 @@ Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEI
   const std::size_t data = text.find(kData, opening);
   if (data == kNone) return Reading::kUnreadable;
   HexCells binary(files);
-  if (ReadRows(text.substr(data), table, binary)) return Reading::kDone;
-  RemoveBinaryFiles(table);
-  table.RebuildCells();
-  return Reading::kTooLarge;
+  const Reading reading = ReadRows(text.substr(data), table, binary);
+  if (reading != Reading::kDone) DropRows(table);
+  return reading;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "AttributeScanner.h"
 #include "ColumnFiller.h"
 #include "FileText.h"
+#include "base/call/CancelFlag.h"
 
 namespace qv {
 
@@ -229,6 +230,7 @@ Reading ReadRows(std::string_view text, std::string_view tag, std::size_t start,
   ColumnFiller filler(table, values, binary);
   for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
     if (!filler.AppendRow(rows.MayHaveEntities())) return Reading::kTooLarge;
+    if (IsTimeToLookUp(count) && call::IsCancelled()) return Reading::kCancelled;
     if (count == kRowsBeforeReserve) filler.ReserveAfter(rows.Position(), text.size());
   }
   return Reading::kDone;
@@ -248,9 +250,7 @@ Reading ReadSchema(std::string_view text, ResultTable& table, const tagTEMPFILEI
   table.RebuildCells();
   Base64Cells binary(files);
   const Reading reading = ReadRows(text, tag, sequence, table, binary);
-  if (reading != Reading::kTooLarge) return reading;
-  RemoveBinaryFiles(table);
-  table.RebuildCells();
+  if (reading != Reading::kDone) DropRows(table);
   return reading;
 }
 

@@ -8,8 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "base/call/CancelFlag.h"
+#include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDbRes.h"
+#include "resultset/Reading.h"
 #include "resultset/RecordsetReaders.h"
 #include "tests/support/TempFolder.h"
 
@@ -437,8 +440,8 @@ TEST_F(ReadersTest, AnswersBeyondTheLimitAreRefused) {
     EXPECT_EQ(result.GetRecordCount(), 0);  // nothing is held on to
     const std::filesystem::directory_iterator files(folder_.Path());
     EXPECT_EQ(std::distance(begin(files), end(files)), 1);  // nor on the disk
-    EXPECT_EQ(LastReadFailure().error_class, error::kTooLarge);
-    EXPECT_NE(LastReadFailure().text.find(" 50000 bytes"), std::string::npos);
+    EXPECT_EQ(call::LastError().error_class, error::kTooLarge);
+    EXPECT_NE(call::LastError().text.find(" 50000 bytes"), std::string::npos);
   }
   CRvoDbRes schema;
   const std::string rows = Repeated("<T><a>1</a></T>", 30000);
@@ -447,9 +450,25 @@ TEST_F(ReadersTest, AnswersBeyondTheLimitAreRefused) {
 
   CRvoDbRes other;
   EXPECT_FALSE(Rowset("", other));
-  EXPECT_EQ(LastReadFailure().error_class, error::kBadReply);
+  EXPECT_EQ(call::LastError().error_class, error::kBadReply);
   EXPECT_TRUE(Rowset(Columns(30, "") + Repeated("<z:row/>", 300), other));
-  EXPECT_EQ(LastReadFailure().error_class, error::kNone);
+}
+
+TEST_F(ReadersTest, ACancelledCallReadsNoFurther) {
+  const std::string rowset = Columns(1, "") + Repeated("<z:row image='4a'/>", 3000);
+  const std::string schema = SchemaHead(kIntColumn) + Repeated("<T><a>1</a></T>", 3000);
+  call::CancelFlag flag;
+  flag = true;
+  call::SetCancelFlag(&flag);
+  CRvoDbRes from_rowset, from_schema;
+  EXPECT_FALSE(Rowset(rowset, from_rowset));
+  EXPECT_EQ(call::LastError().error_class, error::kCancelled);
+  EXPECT_FALSE(Schema(schema, from_schema));
+  call::SetCancelFlag(nullptr);
+  EXPECT_EQ(from_rowset.GetRecordCount() + from_schema.GetRecordCount(), 0);
+  const std::filesystem::directory_iterator files(folder_.Path());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+  EXPECT_TRUE(Rowset(rowset, from_rowset));
 }
 
 TEST_F(ReadersTest, TheLimitIsTheLastByte) {
