@@ -241,5 +241,20 @@ TEST_F(SelectSql, WorksOnALocalDatabaseWhenToldTo) {
   EXPECT_EQ(local.log, "open DESIGNDB conn;select DESIGNDB select 1;close DESIGNDB;");
 }
 
+TEST_F(SelectSql, SaysWhyAnAnswerWasNotRead) {
+  EXPECT_EQ(Select(), "from server");
+  CRvoServer::SetResultLimit(20);
+  EXPECT_EQ(Select(), "result 1");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kTooLarge);
+  EXPECT_EQ(CRvoServer::GetLastErrorText(),
+            "the answer takes more memory than the limit of 20 bytes");
+  CRvoServer::SetResultLimit(0);
+  EXPECT_EQ(Select(), "from server");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kNone);
+  answer_ = Memory("no recordset");
+  EXPECT_EQ(Select(), "result 1");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBadReply);
+}
+
 }  // namespace
 }  // namespace qv::test
