@@ -15,7 +15,7 @@ namespace qv {
 class ResultTable;
 }
 
-// What CRvoDbRes::GetFieldType returns. A column of any other type is text, too.
+// What CRvoDbRes::GetFieldType returns. Columns of any other type hold text.
 namespace qv::field_type {
 
 inline constexpr int kNoField = -1;  // there is no such column
@@ -47,9 +47,9 @@ inline constexpr int kLongVarBinary = 205;
 // A table in memory with typed columns and a cursor. Each column holds integers, doubles, dates or
 // text, depending on its type code. The calls that the platform knows limit integers to 32 bits and
 // cannot tell a missing value from a zero; those marked as extensions give what the server sent.
-// Row and column indexes start at 0. Field names match
-// regardless of the case of ASCII letters; if several columns have the same name, the first one is
-// meant. A result set belongs to one caller and one thread; nothing is locked.
+// Row and column indexes start at 0. Field names match regardless of the case of ASCII letters; if
+// several columns have the same name, the first one is meant. A result set belongs to one caller
+// and one thread; nothing is locked.
 //
 // Reading by row and column never fails: outside the table, or for an unknown name, it returns the
 // neutral value. CInvalidArgException is thrown, by value, only where a comment says so; otherwise
@@ -95,26 +95,27 @@ class QVNETCALL_API CRvoDbRes {
   double _dabl(int row, int column) const;
   double _dabl(int row, const CString& field) const;
 
-  // The calls from here to the next empty line are not part of the platform's interface: they are
-  // extensions of this library.
-  //
-  // Returns the type code of a column, one of qv::field_type or another code of a text;
+  // These eight calls are not part of the platform's interface: they are extensions of this
+  // library.
+
+  // Return the type code of a column, one of qv::field_type or another code of a text, or
   // qv::field_type::kNoField if there is no such column.
   int GetFieldType(int column) const;
   int GetFieldType(const CString& field) const;
   // Return true if a cell has no value: the row has no attribute or element for it, or the database
-  // says that it is null. An empty text is a value. A row that was added has values; a text that
-  // replaced a null one is a value unless it is empty. Return true outside the table and for an
-  // unknown name.
+  // says that it is null. An empty text is a value, and so are the zeros of an added row. A null
+  // cell whose text is replaced is null as long as its text is empty. Return true outside the table
+  // and for an unknown name.
   bool IsNull(int row, int column) const;
   bool IsNull(int row, const CString& field) const;
-  // Return a cell as an integer, like _int, but limited to 64 bits.
+  // Return a cell as an integer, as _int does, but limited to 64 bits.
   std::int64_t _int64(int row, int column) const;
   std::int64_t _int64(int row, const CString& field) const;
   // Return a cell as text without loss: integers with all digits; doubles as the shortest text that
-  // reads back as the same double; dates as "YYYY-MM-DD HH:MM:SS", followed by ".mmm" if there is a
-  // fraction of a second, whose further digits are left out as a time zone is; text as it is.
-  // Return an empty text for a null cell, outside the table and for an unknown name.
+  // reads back as the same double; text as it is. Dates become "YYYY-MM-DD HH:MM:SS", with ".mmm"
+  // if the server sent a fraction of a second that is not 0, or only "YYYY-MM-DD" if it sent no
+  // more; further digits and the time zone are left out, and so is a text that is no date. Return
+  // an empty text for a null cell, outside the table and for an unknown name.
   CString _text(int row, int column) const;
   CString _text(int row, const CString& field) const;
 
@@ -134,8 +135,7 @@ class QVNETCALL_API CRvoDbRes {
   // Writes into the last row the sums of all rows above it, for those of `fields` that are columns
   // of integers or doubles; null cells count as 0. Sums of integers wrap at 32 bits, while _int64
   // and _text give the whole sum, limited to 64 bits. The last row is overwritten, so append it
-  // first. Throws CInvalidArgException if there is something to sum and the table has no
-  // rows.
+  // first. Throws CInvalidArgException if there is something to sum and the table has no rows.
   void AddSumInfo(const CStringArray& fields);
   // Replaces each cell of a text column by what `texts` has for it. A cell that is not a key takes
   // the replacement of the nearest earlier row that had one, or else becomes empty. The column's
