@@ -265,6 +265,45 @@ TEST_P(DatabasesTest, QueryWithoutWriting) {
   EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("1")));
 }
 
+TEST_P(DatabasesTest, SayWhichKindOfFailureItIs) {
+  ASSERT_TRUE(Execute({"create table t (i integer primary key, x varchar(9) not null)",
+                       "insert into t values (1, 'a')"})
+                  .Ok());
+  const std::pair<const char*, error::Class> queries[] = {
+      {"select from from", error::kSyntax},
+      {"-- nothing", error::kSyntax},
+      {"select 1 +", error::kSyntax},
+      {"select * from nowhere", error::kUnknownObject},
+      {"select absent from t", error::kUnknownObject},
+      {"select absent(i) from t", error::kUnknownObject},
+      {"delete from t", error::kNotAllowed}};
+  for (const auto& [sql, expected] : queries) {
+    Kept kept;
+    const Outcome outcome = Query(sql, kept);
+    EXPECT_EQ(ClassOf(outcome), expected) << sql << ": " << outcome.text;
+    EXPECT_EQ(TextForClients(outcome), outcome.text);
+  }
+  const std::pair<const char*, error::Class> statements[] = {
+      {"insert into t values (1, 'b')", error::kConstraint},
+      {"insert into t values (2, null)", error::kConstraint},
+      {"create table t (i integer)", error::kConstraint},
+      {"insert into t (y) values (2)", error::kUnknownObject},
+      {"commit", error::kNotAllowed},
+      {"insert into", error::kSyntax}};
+  for (const auto& [sql, expected] : statements) {
+    const Outcome outcome = Execute({sql});
+    EXPECT_EQ(ClassOf(outcome), expected) << sql << ": " << outcome.text;
+  }
+  time_ = milliseconds(300);
+  Kept kept;
+  const Outcome late = Query(IsPostgres() ? "select pg_sleep(60)"
+                                          : "with recursive n(i) as (select 1 union all select i + "
+                                            "1 from n) select count(*) from n",
+                             kept);
+  EXPECT_EQ(ClassOf(late), error::kTimeLimit);
+  EXPECT_EQ(late.text, "the statement took longer than 300 ms");
+}
+
 TEST_P(DatabasesTest, StopWhenTheTimeIsUpOrTheClientIsGone) {
   const std::string slow = IsPostgres() ? "select pg_sleep(60)"
                                         : "with recursive n(i) as (select 1 union all select i + 1 "
@@ -389,6 +428,8 @@ TEST(OdbcDatabase, SaysWhyItCannotConnectWithoutTheText) {
     const std::string_view statement = "select 1";
     const Outcome outcome = OdbcDatabase(wrong, limit).Execute({&statement, 1}, failed);
     EXPECT_EQ(outcome.code, ErrorCode::kNoDatabase);
+    EXPECT_EQ(ClassOf(outcome), error::kInternal);
+    EXPECT_THAT(TextForClients(outcome), HasSubstr("cannot be reached"));
     EXPECT_EQ(failed, 0);
     EXPECT_THAT(outcome.text,
                 testing::AllOf(HasSubstr(reason), Not(HasSubstr("127.0.0.1")),

@@ -58,6 +58,8 @@ struct Reply {
   std::optional<platform::OpenedFile> stored;
   // For the server's record of requests.
   std::string database;
+  std::string statement;             // the beginning of it; empty if the request has none
+  std::optional<std::int32_t> rows;  // of an answer with rows
   Outcome outcome;
 };
 

@@ -21,6 +21,14 @@ std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, AnswerSink& target) 
   return std::make_unique<RowsetWriter>(target);
 }
 
+Outcome NoDatabase() { return {ErrorCode::kNoDatabase, "no such database"}; }
+
+// Returns as much of a statement as a log can hold.
+std::string Beginning(std::string_view statement) {
+  constexpr std::size_t kLongest = 1000;
+  return std::string(statement.substr(0, kLongest));
+}
+
 // Where the rows of an answer come from, and the form in which they are sent.
 struct RowAnswer {
   Database& database;
@@ -49,6 +57,7 @@ void AddAnswer(std::string_view status, std::int32_t rows, std::unique_ptr<Answe
                Reply& reply) {
   reply.fields.Text(status);
   reply.fields.Integer(rows);
+  reply.rows = rows;
   reply.fields.Text(answer->InMemory() ? kMemory : kFile);
   if (answer->InMemory()) {
     reply.fields.Bytes(answer->Bytes());
@@ -63,14 +72,19 @@ void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm f
   const auto text = name ? request.fields.Text() : std::nullopt;
   if (!text) return AddFailure(reply, {ErrorCode::kMalformedRequest, "a field is missing"});
   reply.database = *name;
+  reply.statement = Beginning(*text);
   const auto database = services.data.Open(*name, request.limit);
-  if (database == nullptr) return AddFailure(reply, {ErrorCode::kNoDatabase, "no such database"});
+  if (database == nullptr) return AddFailure(reply, NoDatabase());
 
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
   auto answer =
       std::make_unique<AnswerSpool>(services.data.AnswerFolder(), threshold, services.answer_limit);
   RowAnswer rows{*database, *text, source, form};
   Outcome outcome = WriteAnswer(rows, *answer);
+  if (outcome.code == ErrorCode::kAnswerLost && answer->IsTooLarge()) {
+    outcome.error_class = error::kTooLarge;
+    outcome.text = "the answer is larger than " + TextOfBytes(services.answer_limit);
+  }
   if (!outcome.Ok()) return AddFailure(reply, std::move(outcome));
   AddAnswer(form.packed ? kSuccessCompress : kSuccess, rows.count, std::move(answer), reply);
 }
@@ -82,14 +96,14 @@ Outcome Query(Database& database, const std::string& text, RowSink& sink) {
 Outcome CallOrQuery(Database& database, const std::string& text, RowSink& sink) {
   if (!IsProcedureCall(text)) return database.Query(text, sink);
   const auto call = ParseProcedureCall(text);
-  if (!call) return {ErrorCode::kSqlFailed, "the call cannot be read"};
+  if (!call) return {ErrorCode::kSqlFailed, "the call cannot be read", error::kSyntax};
   return database.Call(*call, sink);
 }
 
 Outcome Execute(Services& services, Request& request, const std::string& name,
                 std::span<const std::string_view> statements, std::int32_t& failed) {
   const auto database = services.data.Open(name, request.limit);
-  if (database == nullptr) return {ErrorCode::kNoDatabase, "no such database"};
+  if (database == nullptr) return NoDatabase();
   return database->Execute(statements, failed);
 }
 
@@ -101,7 +115,9 @@ Outcome ReadBatch(FieldReader& fields, std::vector<std::string_view>& statements
                   std::int32_t& failed) {
   const auto count = fields.Integer();
   if (!count || *count < 0) return {ErrorCode::kMalformedRequest, "the count is missing"};
-  if (*count > kMostStatements) return {ErrorCode::kNotPermitted, "too many statements"};
+  if (*count > kMostStatements) {
+    return {ErrorCode::kNotPermitted, "too many statements", error::kTooLarge};
+  }
   for (std::int32_t i = 0; i < *count; ++i) {
     const auto statement = fields.View();
     if (!statement) {
@@ -132,6 +148,7 @@ void RunStatement(Services& services, Request& request, Reply& reply) {
   const auto text = name ? request.fields.View() : std::nullopt;
   if (!text) return AddFailure(reply, {ErrorCode::kMalformedRequest, "a field is missing"});
   reply.database = *name;
+  reply.statement = Beginning(*text);
   std::int32_t failed = 0;
   Outcome outcome = Execute(services, request, *name, {&*text, 1}, failed);
   if (!outcome.Ok()) return AddFailure(reply, std::move(outcome));
@@ -145,6 +162,7 @@ void RunBatch(Services& services, Request& request, Reply& reply) {
     reply.database = *name;
     std::vector<std::string_view> statements;
     outcome = ReadBatch(request.fields, statements, failed);
+    if (!statements.empty()) reply.statement = Beginning(statements.front());
     if (outcome.Ok()) outcome = Execute(services, request, *name, statements, failed);
   }
   if (outcome.Ok()) {

@@ -41,7 +41,8 @@ template <class Result>
 Outcome Work(Services& services, Request& request,
              Outcome (*work)(Directory&, FieldReader&, Result&), Result& result) {
   const auto directory = services.data.OpenDirectory(request.limit);
-  if (directory == nullptr) return {ErrorCode::kNoDatabase, "the directory cannot be opened"};
+  if (directory == nullptr)
+    return {ErrorCode::kNoDatabase, "the directory cannot be opened", error::kInternal};
   return work(*directory, request.fields, result);
 }
 

@@ -62,7 +62,8 @@ Outcome SelectFolders(Services& services, std::string_view folder, std::string_v
 // Sends a listing entirely or not at all: a client could not recognise a partial one.
 void AnswerRecords(Reply& reply, std::size_t count, std::string_view records, std::uint64_t room) {
   if (records.size() > room) {
-    return Refuse(reply, {ErrorCode::kAnswerLost, "the listing is larger than a reply can hold"});
+    return Refuse(reply, {ErrorCode::kAnswerLost, "the listing is larger than a reply can hold",
+                          error::kTooLarge});
   }
   reply.fields.Text(std::to_string(count));
   if (count != 0) reply.fields.Bytes(records);

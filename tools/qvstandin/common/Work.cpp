@@ -1,5 +1,7 @@
 #include "Work.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -9,10 +11,104 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenQuestions{20};
 
+error::Class ClassOf(ErrorCode code) {
+  switch (code) {
+    case ErrorCode::kNone:
+      return error::kNone;
+    case ErrorCode::kMalformedRequest:
+      return error::kSyntax;
+    case ErrorCode::kAccessDenied:
+      return error::kBadToken;
+    case ErrorCode::kNoDatabase:
+      return error::kUnknownDatabase;
+    case ErrorCode::kUnknownCommand:
+    case ErrorCode::kNotPermitted:
+    case ErrorCode::kBadName:
+      return error::kNotAllowed;
+    case ErrorCode::kTimedOut:
+      return error::kTimeLimit;
+    case ErrorCode::kNoProcedure:
+    case ErrorCode::kNoFile:
+      return error::kUnknownObject;
+    case ErrorCode::kBusy:
+      return error::kBusy;
+    case ErrorCode::kStoreFailed:
+      return error::kConstraint;
+    case ErrorCode::kSqlFailed:
+    case ErrorCode::kStopped:
+    case ErrorCode::kAnswerLost:
+    case ErrorCode::kBadPack:
+      return error::kInternal;
+  }
+  return error::kInternal;
+}
+
 }  // namespace
 
+error::Class ClassOf(const Outcome& outcome) {
+  const bool is_by_code = outcome.Ok() || outcome.error_class == error::kNone;
+  return is_by_code ? ClassOf(outcome.code) : outcome.error_class;
+}
+
+std::string_view NameOf(error::Class error_class) {
+  switch (error_class) {
+    case error::kNone:
+      return "none";
+    case error::kSyntax:
+      return "syntax";
+    case error::kUnknownObject:
+      return "unknown-object";
+    case error::kUnknownDatabase:
+      return "unknown-database";
+    case error::kNotAllowed:
+      return "not-allowed";
+    case error::kConstraint:
+      return "constraint";
+    case error::kTimeLimit:
+      return "time-limit";
+    case error::kBusy:
+      return "busy";
+    case error::kTooLarge:
+      return "too-large";
+    case error::kBadToken:
+      return "bad-token";
+    default:
+      return "internal";
+  }
+}
+
+std::string TextForClients(const Outcome& outcome) {
+  if (outcome.Ok()) return {};
+  if (outcome.code == ErrorCode::kStopped) return "the server is stopping";
+  if (!outcome.is_private) return outcome.text;
+  switch (ClassOf(outcome)) {
+    case error::kUnknownDatabase:
+      return "no such database";
+    case error::kBusy:
+      return "the database has no place left";
+    default:
+      return "the database cannot be reached; the server's log says why";
+  }
+}
+
+std::string TextOf(std::chrono::milliseconds time) {
+  constexpr std::int64_t kSecond = 1000;
+  const std::int64_t count = time.count();
+  if (count % kSecond != 0) return fmt::format("{} ms", count);
+  return fmt::format("{} s", count / kSecond);
+}
+
+std::string TextOfBytes(std::uint64_t bytes) {
+  constexpr std::uint64_t kStep = 1024;
+  constexpr std::string_view kUnits[] = {"bytes", "KiB", "MiB", "GiB", "TiB"};
+  std::size_t unit = 0;
+  for (; bytes != 0 && bytes % kStep == 0 && unit + 1 < std::size(kUnits); ++unit) bytes /= kStep;
+  return fmt::format("{} {}", bytes, kUnits[unit]);
+}
+
 WorkLimit::WorkLimit(std::chrono::milliseconds time, std::function<bool()> abandoned)
-    : deadline_(Clock::now() + time),
+    : time_(time),
+      deadline_(time != kNoLimit ? Clock::now() + time : Clock::time_point::max()),
       next_question_(Clock::now() + kBetweenQuestions),
       abandoned_(std::move(abandoned)) {}
 
@@ -28,9 +124,15 @@ bool WorkLimit::IsOver() {
   return reason_ != ErrorCode::kNone;
 }
 
-std::chrono::milliseconds WorkLimit::TimeLeft() const {
+std::optional<std::chrono::milliseconds> WorkLimit::TimeLeft() const {
+  if (time_ == kNoLimit) return std::nullopt;
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
   return std::max(left, std::chrono::milliseconds(0));
+}
+
+Outcome WorkLimit::Failure(std::string_view what) const {
+  if (reason_ != ErrorCode::kTimedOut) return {reason_, "cut off"};
+  return {reason_, fmt::format("{} took longer than {}", what, TextOf(time_))};
 }
 
 }  // namespace qv::standin

@@ -7,6 +7,7 @@
 #include <deque>
 
 #include "ClientSql.h"
+#include "Sqlite.h"
 #include "base/platform/Platform.h"
 #include "base/text/Numbers.h"
 
@@ -18,8 +19,7 @@ using std::chrono_literals::operator""s;
 using std::chrono_literals::operator""h;
 
 constexpr std::chrono::milliseconds kLongestLogin = 15s;
-constexpr std::chrono::milliseconds kLongestStatement = 24h;  // to a driver
-constexpr std::size_t kLongestCell = std::size_t{64} << 20;
+constexpr std::chrono::milliseconds kMostForDrivers = 24h;
 constexpr std::size_t kLongestRemark = 200;
 
 constexpr const char* kFindRoutine =
@@ -34,28 +34,58 @@ constexpr const char* kPlainBackslashes = "SET LOCAL standard_conforming_strings
 struct KnownState {
   std::string_view state;  // the beginning of an SQLSTATE
   ErrorCode code;
+  error::Class error_class;
 };
 
+// The first that fits counts.
 constexpr std::array kKnownStates{
-    KnownState{"25006", ErrorCode::kNotPermitted},  // a write in a read-only transaction
-    KnownState{"42501", ErrorCode::kNotPermitted},  // insufficient privilege
-    KnownState{"40001", ErrorCode::kBusy},          // a serialization failure
-    KnownState{"40P01", ErrorCode::kBusy},          // a deadlock
-    KnownState{"55P03", ErrorCode::kBusy},          // a lock is not available
-    KnownState{"533", ErrorCode::kBusy},            // too many connections
-    KnownState{"HYT", ErrorCode::kTimedOut},        // the driver's time limit
-    KnownState{"57014", ErrorCode::kTimedOut},      // the engine's time limit
-    KnownState{"57P", ErrorCode::kNoDatabase},      // the engine stops or starts
-    KnownState{"08", ErrorCode::kNoDatabase},       // no connection
+    KnownState{"25006", ErrorCode::kNotPermitted, error::kNotAllowed},  // a write while reading
+    KnownState{"42501", ErrorCode::kNotPermitted, error::kNotAllowed},  // insufficient privilege
+    KnownState{"40001", ErrorCode::kBusy, error::kBusy},                // a serialization failure
+    KnownState{"40P01", ErrorCode::kBusy, error::kBusy},                // a deadlock
+    KnownState{"55P03", ErrorCode::kBusy, error::kBusy},                // a lock is not available
+    KnownState{"533", ErrorCode::kBusy, error::kBusy},                  // too many connections
+    KnownState{"HYT", ErrorCode::kTimedOut, error::kTimeLimit},         // the driver's time limit
+    KnownState{"57014", ErrorCode::kTimedOut, error::kTimeLimit},       // the engine's time limit
+    KnownState{"57P", ErrorCode::kNoDatabase, error::kInternal},  // the engine stops or starts
+    KnownState{"08", ErrorCode::kNoDatabase, error::kInternal},   // no connection
+    KnownState{"28", ErrorCode::kNoDatabase, error::kInternal},   // the engine refuses the login
+    KnownState{"3D000", ErrorCode::kNoDatabase, error::kUnknownDatabase},
+    KnownState{odbc::kCellTooLong, ErrorCode::kSqlFailed, error::kTooLarge},
+    KnownState{odbc::kTextTooLong, ErrorCode::kSqlFailed, error::kTooLarge},
+    KnownState{"54", ErrorCode::kSqlFailed, error::kTooLarge},          // a limit of the engine
+    KnownState{"53", ErrorCode::kSqlFailed, error::kTooLarge},          // no memory, no disk
+    KnownState{"42P01", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such table
+    KnownState{"42703", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such column
+    KnownState{"42883", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such function
+    KnownState{"42704", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such other object
+    KnownState{"3F000", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such schema
+    KnownState{"42S02", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such table
+    KnownState{"42S12", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such index
+    KnownState{"42S22", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such column
+    KnownState{"42S", ErrorCode::kSqlFailed, error::kConstraint},       // it exists already
+    KnownState{"42P07", ErrorCode::kSqlFailed, error::kConstraint},     // it exists already
+    KnownState{"42710", ErrorCode::kSqlFailed, error::kConstraint},     // it exists already
+    KnownState{"42701", ErrorCode::kSqlFailed, error::kConstraint},     // it exists already
+    KnownState{"42", ErrorCode::kSqlFailed, error::kSyntax},
+    KnownState{"07", ErrorCode::kSqlFailed, error::kSyntax},      // other arguments than wanted
+    KnownState{"22", ErrorCode::kSqlFailed, error::kConstraint},  // the type does not hold a value
+    KnownState{"23", ErrorCode::kSqlFailed, error::kConstraint},
+    KnownState{"2B", ErrorCode::kSqlFailed, error::kConstraint},  // other objects depend on it
+    KnownState{"44", ErrorCode::kSqlFailed, error::kConstraint},  // a view's check
+    KnownState{"P0", ErrorCode::kSqlFailed, error::kConstraint},  // a procedure raised it
 };
 
-ErrorCode CodeOf(const odbc::Diagnostics& said) {
+// Sets the code and the class of a failure by the first known state.
+void Classify(const odbc::Diagnostics& said, Outcome& outcome) {
   for (const odbc::Diagnostic& record : said) {
     for (const KnownState& known : kKnownStates) {
-      if (record.state.starts_with(known.state)) return known.code;
+      if (!record.state.starts_with(known.state)) continue;
+      outcome.code = known.code;
+      outcome.error_class = known.error_class;
+      return;
     }
   }
-  return ErrorCode::kSqlFailed;
 }
 
 std::uint32_t Seconds(std::chrono::milliseconds time) {
@@ -94,13 +124,25 @@ Outcome Guarded(std::string_view sql, GuardedText& guarded) {
   guarded.text = WithPlainTableNames(sql, text::kPostgreSql);
   Outcome outcome = GuardStatements(guarded.text, guarded.statements);
   if (!outcome.Ok() || !guarded.statements.empty()) return outcome;
-  return {ErrorCode::kSqlFailed, "there is no statement"};
+  return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax};
 }
 
 }  // namespace
 
-OdbcDatabase::OdbcDatabase(const std::string& connection_text, WorkLimit& limit)
-    : text_(connection_text), time_(limit.TimeLeft()), watch_(limit) {}
+OdbcDatabase::OdbcDatabase(const std::string& connection_text, WorkLimit& limit,
+                           std::size_t cell_limit)
+    : text_(connection_text), time_(limit.TimeLeft()), cell_limit_(cell_limit), watch_(limit) {}
+
+std::uint32_t OdbcDatabase::LongestLogin() const {
+  return Seconds(
+      std::clamp<std::chrono::milliseconds>(time_.value_or(kLongestLogin), 1s, kLongestLogin));
+}
+
+// The watch ends statements first; the driver's own limit is for drivers that cannot cancel.
+std::uint32_t OdbcDatabase::LongestStatement() const {
+  constexpr std::uint32_t kNoLimit = 0;
+  return time_ && *time_ < kMostForDrivers ? Seconds(*time_) + 1 : kNoLimit;
+}
 
 Outcome OdbcDatabase::Query(const std::string& sql, RowSink& sink) {
   GuardedText query;
@@ -166,19 +208,29 @@ Outcome OdbcDatabase::Begin(Work work) {
 
 Outcome OdbcDatabase::Connect(Work work) {
   if (watch_.IsOver()) return Failure();
-  // The watch ends statements first; the driver's own limit is for drivers that cannot cancel.
-  const odbc::Limits limits{
-      .login_seconds = Seconds(std::clamp<std::chrono::milliseconds>(time_, 1s, kLongestLogin)),
-      .query_seconds = Seconds(std::min<std::chrono::milliseconds>(time_, kLongestStatement)) + 1,
-      .reads_only = work == Work::kQuery,
-      .cell_bytes = kLongestCell};
+  const odbc::Limits limits{.login_seconds = LongestLogin(),
+                            .query_seconds = LongestStatement(),
+                            .reads_only = work == Work::kQuery,
+                            .cell_bytes = cell_limit_};
   // Statements rarely return rows, and the driver's cursor mode (UseDeclareFetch) rejects some of
   // them.
   const Fetching fetching = work == Work::kStatements ? Fetching::kAtOnce : Fetching::kInPieces;
   connection_ = odbc::Connection::Open(WithDriverSettings(text_, fetching), limits, said_);
   if (connection_ != nullptr) return {};
-  Outcome outcome = Failure();
+  return CannotConnect(Failure());
+}
+
+// Drivers give this failure few states. Their messages name hosts and users.
+Outcome OdbcDatabase::CannotConnect(Outcome outcome) {
+  if (outcome.code == ErrorCode::kStopped || outcome.code == ErrorCode::kTimedOut) return outcome;
+  const auto says = [&outcome](std::string_view part) {
+    return outcome.text.find(part) != std::string::npos;
+  };
   if (outcome.code == ErrorCode::kSqlFailed) outcome.code = ErrorCode::kNoDatabase;
+  if (outcome.code == ErrorCode::kNoDatabase) outcome.error_class = error::kInternal;
+  if (says("too many")) outcome.error_class = error::kBusy;
+  if (says("database ") && says("does not exist")) outcome.error_class = error::kUnknownDatabase;
+  outcome.is_private = true;
   return outcome;
 }
 
@@ -310,13 +362,18 @@ Outcome OdbcDatabase::End(Outcome outcome) {
 // The driver's message goes to the server's record on one short line, without the values of the
 // connection text.
 Outcome OdbcDatabase::Failure() {
-  const ErrorCode reason = watch_.Reason();
-  if (reason != ErrorCode::kNone) return {reason, "cut off"};
+  if (watch_.Reason() != ErrorCode::kNone) return watch_.Failure();
   std::string text =
       text_.WithoutSecrets(odbc::TextOf(said_), text::ConnectionText::Hide::kAllValues);
   std::ranges::replace_if(
       text, [](char ch) { return ch >= 0 && ch < ' '; }, ' ');
-  return {CodeOf(said_), text.substr(0, kLongestRemark)};
+  Outcome outcome{ErrorCode::kSqlFailed, text.substr(0, kLongestRemark)};
+  // Drivers without states give the engine's message.
+  outcome.error_class = is_postgres_ ? error::kInternal : ClassOfSqliteText(text);
+  Classify(said_, outcome);
+  if (outcome.code == ErrorCode::kTimedOut) outcome.text = "the statement took too long";
+  outcome.is_private = outcome.code == ErrorCode::kNoDatabase;
+  return outcome;
 }
 
 }  // namespace qv::standin

@@ -26,8 +26,12 @@ namespace qv::standin {
 // results, the first with columns is the answer.
 class OdbcDatabase : public Database {
  public:
+  // The longest value in bytes, unless the owner of the server sets another.
+  static constexpr std::size_t kLongestCell = std::size_t{64} << 20;
+
   // `limit` outlives the object. Nothing else may use it meanwhile.
-  OdbcDatabase(const std::string& connection_text, WorkLimit& limit);
+  OdbcDatabase(const std::string& connection_text, WorkLimit& limit,
+               std::size_t cell_limit = kLongestCell);
 
   Outcome Query(const std::string& sql, RowSink& sink) override;
   Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) override;
@@ -44,6 +48,10 @@ class OdbcDatabase : public Database {
   // Connects and begins the transaction.
   Outcome Begin(Work work);
   Outcome Connect(Work work);
+  static Outcome CannotConnect(Outcome outcome);
+  // In seconds; 0 means no limit.
+  [[nodiscard]] std::uint32_t LongestLogin() const;
+  [[nodiscard]] std::uint32_t LongestStatement() const;
   // Sets a savepoint, by which End() sees whether the transaction is still the same.
   Outcome Mark();
   // Asks PostgreSQL for the process ID of this connection's backend.
@@ -61,7 +69,8 @@ class OdbcDatabase : public Database {
   [[nodiscard]] Outcome Failure();
 
   const text::ConnectionText text_;
-  std::chrono::milliseconds time_;
+  const std::optional<std::chrono::milliseconds> time_;
+  const std::size_t cell_limit_;
   StatementWatch watch_;
   odbc::Diagnostics said_;
   std::unique_ptr<odbc::Connection> connection_;

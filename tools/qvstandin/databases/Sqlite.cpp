@@ -82,6 +82,34 @@ constexpr std::array kKnownTypes{
     KnownType{"text", ColumnKind::kLongText},     KnownType{"blob", ColumnKind::kBinary},
 };
 
+// The engine has one code for all statements that it cannot compile.
+struct KnownText {
+  std::string_view part;
+  error::Class error_class;
+};
+
+constexpr std::array kKnownTexts{
+    KnownText{"no such", error::kUnknownObject},
+    KnownText{"has no column", error::kUnknownObject},
+    KnownText{"already exists", error::kConstraint},
+    KnownText{"constraint failed", error::kConstraint},
+    KnownText{"integer overflow", error::kConstraint},
+    KnownText{"too long", error::kTooLarge},
+    KnownText{"too big", error::kTooLarge},
+    KnownText{"too many", error::kTooLarge},
+    KnownText{"too large", error::kTooLarge},
+    KnownText{"is locked", error::kBusy},
+    KnownText{"may not be modified", error::kNotAllowed},
+    KnownText{"prohibited", error::kNotAllowed},
+};
+
+// The message of the engine names no limit.
+std::string TooLong(sqlite3* connection) {
+  const int limit = sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, -1);
+  return "a value or the statement is longer than " +
+         TextOfBytes(static_cast<std::uint64_t>(limit));
+}
+
 }  // namespace
 
 SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit) {
@@ -104,17 +132,37 @@ SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit) {
 }
 
 Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit) {
-  const char* const text = sqlite3_errmsg(connection);
-  if (limit.Reason() != ErrorCode::kNone) return {limit.Reason(), "cut off"};
+  if (limit.Reason() != ErrorCode::kNone) return limit.Failure();
+  const std::string text = sqlite3_errmsg(connection);
   switch (code & 0xff) {
     case SQLITE_AUTH:
+    case SQLITE_READONLY:
       return {ErrorCode::kNotPermitted, text};
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       return {ErrorCode::kBusy, text};
+    case SQLITE_TOOBIG:
+      return {ErrorCode::kSqlFailed, TooLong(connection), error::kTooLarge};
+    case SQLITE_NOMEM:
+      return {ErrorCode::kSqlFailed, "the statement needs more memory than the server allows",
+              error::kTooLarge};
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+      return {ErrorCode::kSqlFailed, text, error::kConstraint};
+    case SQLITE_ERROR:
+    case SQLITE_RANGE:
+      return {ErrorCode::kSqlFailed, text, ClassOfSqliteText(text)};
     default:
-      return {ErrorCode::kSqlFailed, text};
+      return {ErrorCode::kSqlFailed, text, error::kInternal};
   }
+}
+
+error::Class ClassOfSqliteText(std::string_view text) {
+  const auto says = [text](const KnownText& known) {
+    return text.find(known.part) != std::string_view::npos;
+  };
+  const auto known = std::ranges::find_if(kKnownTexts, says);
+  return known != kKnownTexts.end() ? known->error_class : error::kSyntax;
 }
 
 std::vector<Column> ColumnsOf(sqlite3_stmt* statement, bool has_row) {

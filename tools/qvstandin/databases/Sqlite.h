@@ -28,6 +28,10 @@ using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteCloser>;
 // Describes the failure of the last call, whose result was `code`.
 [[nodiscard]] Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit);
 
+// Returns the class of a statement's failure by the engine's message, for callers who have no more
+// than that.
+[[nodiscard]] error::Class ClassOfSqliteText(std::string_view text);
+
 // Returns the columns of a statement by their declared types. A column without a known type gets
 // the type of its value in the current row, or is text if there is no row.
 [[nodiscard]] std::vector<Column> ColumnsOf(sqlite3_stmt* statement, bool has_row);

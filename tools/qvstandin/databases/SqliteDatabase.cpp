@@ -7,13 +7,11 @@
 #include <utility>
 
 #include "ClientSql.h"
+#include "base/text/Numbers.h"
 
 namespace qv::standin {
 
 namespace {
-
-// Bounds cells and results of functions, since a function cannot be interrupted.
-constexpr int kLongestCell = 1 << 20;
 
 bool IsRefusedFunction(const char* name) {
   constexpr std::array<std::string_view, 4> kRefused{"load_extension", "readfile", "writefile",
@@ -39,21 +37,22 @@ bool IsRefused(int action, const char* function) {
 
 }  // namespace
 
-std::unique_ptr<SqliteDatabase> SqliteDatabase::Open(const std::string& path, WorkLimit& limit) {
+std::unique_ptr<SqliteDatabase> SqliteDatabase::Open(const std::string& path, WorkLimit& limit,
+                                                     std::size_t cell_limit) {
   SqliteConnection connection = OpenSqlite(path, limit);
   if (connection == nullptr) return nullptr;
   std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(std::move(connection), limit));
-  return database->Confine() ? std::move(database) : nullptr;
+  return database->Confine(cell_limit) ? std::move(database) : nullptr;
 }
 
 SqliteDatabase::SqliteDatabase(SqliteConnection connection, WorkLimit& limit)
     : connection_(std::move(connection)), limit_(limit) {}
 
-bool SqliteDatabase::Confine() {
+bool SqliteDatabase::Confine(std::size_t cell_limit) {
   sqlite3* const connection = connection_.get();
   sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestCell);
+  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, text::SaturatedTo32Bits(cell_limit));
   sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
   const auto authorize = [](void* self, int action, const char*, const char* function, const char*,
                             const char*) {
@@ -70,7 +69,7 @@ Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
   const char* const end = rest + text.size();
   SqliteStatement statement;
   if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
-  if (statement == nullptr) return {ErrorCode::kSqlFailed, "there is no statement"};
+  if (statement == nullptr) return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax};
   if (HasMore(rest, end)) return {ErrorCode::kNotPermitted, "a query must be one statement"};
   if (sqlite3_stmt_readonly(statement.get()) == 0 || sqlite3_column_count(statement.get()) == 0) {
     return {ErrorCode::kNotPermitted, "a query must only read"};
@@ -128,7 +127,7 @@ Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSin
   const char* const end = rest + text.size();
   SqliteStatement statement;
   bool more = HasMore(rest, end);
-  if (!more) return {ErrorCode::kSqlFailed, "there is no statement"};
+  if (!more) return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax};
   while (more) {
     // Short statements end before SQLite calls the progress handler.
     if (limit_.IsOver()) return Failure(SQLITE_INTERRUPT);
@@ -164,7 +163,8 @@ Outcome SqliteDatabase::Deliver(sqlite3_stmt* statement, RowSink& sink) {
 Outcome SqliteDatabase::Bind(sqlite3_stmt* statement, Arguments arguments) {
   const auto wanted = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement));
   if (wanted > arguments.size()) {
-    return {ErrorCode::kSqlFailed, std::to_string(wanted) + " arguments are required"};
+    return {ErrorCode::kSqlFailed, std::to_string(wanted) + " arguments are required",
+            error::kSyntax};
   }
   for (std::size_t i = 0; i < wanted; ++i) {
     const int code = BindArgument(statement, static_cast<int>(i + 1), arguments[i]);

@@ -19,9 +19,14 @@ class SqliteDatabase : public Database {
   // The table of stored procedures: a name, and statements in which ?1, ?2, ... are the arguments.
   static constexpr const char* kProcedureTable = "StoredProcedures";
 
+  // The longest value in bytes, unless the owner of the server sets another. It bounds what a
+  // function can take, since functions cannot be interrupted.
+  static constexpr std::size_t kLongestCell = std::size_t{1} << 20;
+
   // Opens an existing file. Returns null if that fails. `limit` outlives the object.
   [[nodiscard]] static std::unique_ptr<SqliteDatabase> Open(const std::string& path,
-                                                            WorkLimit& limit);
+                                                            WorkLimit& limit,
+                                                            std::size_t cell_limit = kLongestCell);
 
   Outcome Query(const std::string& sql, RowSink& sink) override;
   Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) override;
@@ -32,7 +37,7 @@ class SqliteDatabase : public Database {
 
   SqliteDatabase(SqliteConnection connection, WorkLimit& limit);
 
-  [[nodiscard]] bool Confine();
+  [[nodiscard]] bool Confine(std::size_t cell_limit);
   // Prepares the next statement of a text that ends with the NUL at `end`; null after the last one.
   [[nodiscard]] int Prepare(const char*& text, const char* end, SqliteStatement& statement);
   [[nodiscard]] bool HasMore(const char* text, const char* end);

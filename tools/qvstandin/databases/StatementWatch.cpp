@@ -32,6 +32,11 @@ ErrorCode StatementWatch::Reason() {
   return limit_.Reason();
 }
 
+Outcome StatementWatch::Failure() {
+  const std::lock_guard lock(mutex_);
+  return limit_.Failure();
+}
+
 // Waits for a running cancellation, so that none reaches a statement that is gone.
 void StatementWatch::Set(Cancel cancel) {
   const std::lock_guard lock(mutex_);

@@ -26,6 +26,8 @@ class StatementWatch {
 
   [[nodiscard]] bool IsOver();
   [[nodiscard]] ErrorCode Reason();
+  // Returns the failure of work that is over.
+  [[nodiscard]] Outcome Failure();
 
   // While this object exists, `cancel` is called as soon as the work is over, and then repeatedly:
   // a database ignores a cancellation that comes just before the statement. One object at a time.

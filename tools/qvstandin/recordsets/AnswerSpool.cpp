@@ -40,7 +40,8 @@ AnswerSpool::~AnswerSpool() {
 }
 
 bool AnswerSpool::Write(std::string_view bytes) {
-  if (bytes.size() > size_limit_ - size_) return false;
+  is_too_large_ = bytes.size() > size_limit_ - size_;
+  if (is_too_large_) return false;
   size_ += bytes.size();
   if (path_.empty() && size_ <= memory_limit_) {
     bytes_ += bytes;
@@ -67,7 +68,8 @@ bool AnswerSpool::CreateFile() {
 
 bool AnswerSpool::ReplaceHead(std::string_view head) {
   const std::uint64_t body = size_ - head_size_;
-  if (head.size() > size_limit_ || body > size_limit_ - head.size()) return false;
+  is_too_large_ = head.size() > size_limit_ || body > size_limit_ - head.size();
+  if (is_too_large_) return false;
   size_ = body + head.size();
   if (InMemory()) {
     bytes_.replace(0, head_size_, head);

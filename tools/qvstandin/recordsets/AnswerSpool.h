@@ -32,6 +32,8 @@ class AnswerSpool : public AnswerSink {
   bool Finish() override;
 
   [[nodiscard]] std::uint64_t Size() const { return size_; }
+  // Returns whether the last Write() or ReplaceHead() failed because of `size_limit`.
+  [[nodiscard]] bool IsTooLarge() const { return is_too_large_; }
   [[nodiscard]] bool InMemory() const { return path_.empty(); }
   // Returns the whole answer if it is in memory.
   [[nodiscard]] const std::string& Bytes() const { return bytes_; }
@@ -50,6 +52,7 @@ class AnswerSpool : public AnswerSink {
   std::uint64_t size_limit_;
   std::uint64_t size_ = 0;
   std::size_t head_size_ = 0;
+  bool is_too_large_ = false;
   std::string bytes_;
   std::string path_;
   storage::OutputFile file_;

@@ -119,9 +119,11 @@ std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& lim
   if (!IsDatabaseName(name)) return nullptr;
   const DatabaseSettings* const settings = SettingsOf(name);
   if (settings != nullptr && !settings->odbc.empty()) {
-    return std::make_unique<OdbcDatabase>(settings->odbc, limit);
+    return std::make_unique<OdbcDatabase>(settings->odbc, limit,
+                                          cell_limit_.value_or(OdbcDatabase::kLongestCell));
   }
-  return SqliteDatabase::Open(DatabaseFile(name), limit);
+  return SqliteDatabase::Open(DatabaseFile(name), limit,
+                              cell_limit_.value_or(SqliteDatabase::kLongestCell));
 }
 
 std::unique_ptr<Directory> DataFolder::OpenDirectory(WorkLimit& limit) const {

@@ -29,6 +29,9 @@ class DataFolder {
   Outcome Prepare();
   // Unlocks the folder. Nothing may use it any more.
   void Release() { lock_.reset(); }
+  // Sets the longest value of an answer, in bytes, for databases that are opened from now on. Call
+  // it before other threads use this object.
+  void SetCellLimit(std::size_t bytes) { cell_limit_ = bytes; }
   // Sets whether clients are told to request compressed answers.
   Outcome SetCompression(bool on);
 
@@ -60,6 +63,7 @@ class DataFolder {
 
   std::string path_;
   DatabaseSettingsByName settings_;
+  std::optional<std::size_t> cell_limit_;  // empty: each engine's own
   std::optional<FileStore> files_;
   std::optional<IdStore> ids_;
   SqliteConnection lock_;  // an open transaction, which also ends with the process

@@ -107,10 +107,10 @@ Outcome FileStore::List(std::string_view folder, EntryKind kind, std::string_vie
     if (is_wanted) found.push_back(entry);
     return found.size() <= kMostListed && !limit.IsOver();
   });
-  if (limit.Reason() != ErrorCode::kNone) return {limit.Reason(), "cut off"};
+  if (limit.Reason() != ErrorCode::kNone) return limit.Failure("the call");
   if (found.size() > kMostListed)
-    return {ErrorCode::kAnswerLost, "there are too many entries to list"};
-  if (!is_whole) return {ErrorCode::kStoreFailed, "the folder cannot be read"};
+    return {ErrorCode::kAnswerLost, "there are too many entries to list", error::kTooLarge};
+  if (!is_whole) return {ErrorCode::kStoreFailed, "the folder cannot be read", error::kInternal};
   return {};
 }
 
@@ -127,7 +127,7 @@ Outcome FileStore::FindParents(std::string_view folder, const std::vector<Entry>
     };
     // A folder that has vanished or cannot be read counts as empty.
     if (inside && !inside->ForEach(visit) && limit.Reason() != ErrorCode::kNone) {
-      return {limit.Reason(), "cut off"};
+      return limit.Failure("the call");
     }
     are_parents.push_back(is_parent);
   }

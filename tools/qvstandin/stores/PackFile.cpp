@@ -83,18 +83,18 @@ bool MayUnpack(const zip_stat_t& about, std::uint64_t longest) {
 Outcome Unpack(zip_file_t* member, std::uint64_t left, ByteSink& target, WorkLimit& limit) {
   std::vector<char> buffer(kAtOnce);
   for (;;) {
-    if (limit.IsOver()) return {limit.Reason(), "cut off"};
+    if (limit.IsOver()) return limit.Failure("the call");
     const zip_int64_t got = zip_fread(member, buffer.data(), buffer.size());
     if (got == 0) break;
     const auto length = static_cast<std::uint64_t>(got);
     if (got < 0 || length > left) return Damaged("a damaged pack file");
     left -= length;
     if (!target.Write({buffer.data(), static_cast<std::size_t>(length)})) {
-      return {ErrorCode::kStoreFailed, "no room for the file"};
+      return {ErrorCode::kStoreFailed, "no room for the file", error::kInternal};
     }
   }
   if (left != 0) return Damaged("a damaged pack file");
-  if (!target.Finish()) return {ErrorCode::kStoreFailed, "no room for the file"};
+  if (!target.Finish()) return {ErrorCode::kStoreFailed, "no room for the file", error::kInternal};
   return {};
 }
 

@@ -34,16 +34,16 @@ Outcome RemoveFile(const Place& place) {
 Outcome ReadAll(platform::OpenedFile source, ByteSink& target, WorkLimit& limit) {
   std::vector<char> buffer(kAtOnce);
   for (;;) {
-    if (limit.IsOver()) return {limit.Reason(), "cut off"};
+    if (limit.IsOver()) return limit.Failure("the call");
     const std::size_t length = std::fread(buffer.data(), 1, buffer.size(), source.file.get());
     if (length == 0) break;
     if (!target.Write({buffer.data(), length})) {
-      return {ErrorCode::kStoreFailed, "no room for the copy"};
+      return {ErrorCode::kStoreFailed, "no room for the copy", error::kInternal};
     }
   }
   if (std::ferror(source.file.get()) != 0)
-    return {ErrorCode::kStoreFailed, "the file cannot be read"};
-  if (!target.Finish()) return {ErrorCode::kStoreFailed, "no room for the copy"};
+    return {ErrorCode::kStoreFailed, "the file cannot be read", error::kInternal};
+  if (!target.Finish()) return {ErrorCode::kStoreFailed, "no room for the copy", error::kInternal};
   return {};
 }
 
