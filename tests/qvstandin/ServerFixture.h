@@ -46,6 +46,7 @@ class RawClient {
     const wire::WritableBytes room(reinterpret_cast<unsigned char*>(bytes.data()), length);
     return stream_.Read(room) ? bytes : "";
   }
+  wire::ByteStream& Stream() { return stream_; }
   // Returns the reply's fields if a whole frame comes. Its file goes to `path`.
   std::vector<std::string> Fields(const std::string& path = {}) {
     const WholeFrame reply = ReceiveWhole(stream_, wire::FrameKind::kReply, path);

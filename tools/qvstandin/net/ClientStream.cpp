@@ -6,6 +6,7 @@
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace qv::standin {
@@ -27,6 +28,15 @@ ClientStream::ClientStream(Milliseconds io_timeout) : io_timeout_(io_timeout) {
 
 ClientStream::Deadline ClientStream::DeadlineFor(std::size_t bytes) const {
   return Clock::now() + io_timeout_ * (1 + static_cast<long long>(bytes >> 20));
+}
+
+void ClientStream::NotePeer() {
+  Error error;
+  const auto peer = socket_.remote_endpoint(error);
+  if (error) return;
+  const std::string address = peer.address().to_string();
+  const std::string host = peer.address().is_v6() ? "[" + address + "]" : address;
+  peer_name_ = host + ":" + std::to_string(peer.port());
 }
 
 bool ClientStream::Read(wire::WritableBytes bytes) {
@@ -70,11 +80,43 @@ void ClientStream::PutBack(wire::Bytes bytes) {
 
 bool ClientStream::Write(std::initializer_list<wire::Bytes> pieces) {
   std::vector<asio::const_buffer> buffers;
+  const std::vector<unsigned char> unsent = std::exchange(unsent_, {});
+  buffers.emplace_back(unsent.data(), unsent.size());
   for (const wire::Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
   const auto start = [&](Handler done) {
     asio::async_write(socket_, buffers, [done](const Error& error, std::size_t) { done(error); });
   };
   return Complete(start, DeadlineFor(asio::buffer_size(buffers)));
+}
+
+void ClientStream::WriteSoon(wire::Bytes bytes) {
+  if (unsent_.empty()) unsent_.assign(bytes.begin(), bytes.end());
+  // A connection that has ended is found by whoever asks for it.
+  const std::size_t length = WriteNow(unsent_).value_or(0);
+  unsent_.erase(unsent_.begin(), unsent_.begin() + static_cast<std::ptrdiff_t>(length));
+}
+
+std::optional<std::size_t> ClientStream::ReadNow(wire::WritableBytes bytes) {
+  Error error;
+  socket_.non_blocking(true, error);
+  const std::size_t length =
+      error ? 0 : socket_.receive(asio::buffer(bytes.data(), bytes.size()), 0, error);
+  if (error && error != asio::error::would_block) return std::nullopt;
+  return length;
+}
+
+std::optional<std::size_t> ClientStream::WriteNow(wire::Bytes bytes) {
+  Error error;
+  socket_.non_blocking(true, error);
+  const std::size_t length =
+      error ? 0 : socket_.send(asio::buffer(bytes.data(), bytes.size()), 0, error);
+  if (error && error != asio::error::would_block) return std::nullopt;
+  return length;
+}
+
+void ClientStream::EndSending() {
+  Error ignored;
+  socket_.shutdown(Socket::shutdown_send, ignored);
 }
 
 bool ClientStream::WaitForRequest(Milliseconds longest) {

@@ -6,6 +6,8 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <chrono>
 #include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "transports/frame/FrameIo.h"
@@ -27,6 +29,11 @@ class ClientStream : public wire::ByteStream {
   // Accept the connection into this socket before any other call.
   Socket& Peer() { return socket_; }
 
+  // Asks for the client's address. Call it once it is connected.
+  void NotePeer();
+  // Returns the client's address and port as "127.0.0.1:4000", or "-" if it is unknown.
+  [[nodiscard]] const std::string& PeerName() const { return peer_name_; }
+
   bool Read(wire::WritableBytes bytes) override;
   // Reads before `deadline`, which several reads can share.
   [[nodiscard]] bool Read(wire::WritableBytes bytes, Deadline deadline);
@@ -38,6 +45,15 @@ class ClientStream : public wire::ByteStream {
   // Returns the time by which a transfer of this many bytes that begins now must be complete.
   [[nodiscard]] Deadline DeadlineFor(std::size_t bytes) const;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;
+  // Sends bytes without waiting. What the system does not take now is sent before the next Write().
+  // Does nothing as long as bytes of an earlier call have not been sent.
+  void WriteSoon(wire::Bytes bytes);
+  // Read what has arrived and write what the system takes, without waiting. Return the number of
+  // bytes, 0 if there is nothing to do now, or nothing if the connection has ended.
+  [[nodiscard]] std::optional<std::size_t> ReadNow(wire::WritableBytes bytes);
+  [[nodiscard]] std::optional<std::size_t> WriteNow(wire::Bytes bytes);
+  // Ends the sending direction.
+  void EndSending();
   // Waits until the client sends something. Returns false if it disconnected or sent nothing for
   // `longest`.
   [[nodiscard]] bool WaitForRequest(Milliseconds longest);
@@ -62,10 +78,12 @@ class ClientStream : public wire::ByteStream {
   [[nodiscard]] std::size_t TakeAhead(wire::WritableBytes bytes);
 
   const Milliseconds io_timeout_;
+  std::string peer_name_ = "-";
   std::atomic<bool> closed_ = false;
   // Bytes received by IsGone() or returned by PutBack(). End-of-stream is reported only after they
   // are consumed.
   std::vector<unsigned char> ahead_;
+  std::vector<unsigned char> unsent_;  // by WriteSoon()
   boost::asio::io_context context_{1};
   Socket socket_{context_};
 };

@@ -21,12 +21,14 @@ std::string Remark(std::string_view text) {
 
 }  // namespace
 
-wire::FrameStatus FrameExchange::Receive(wire::ByteStream& stream, std::string_view login_token) {
+wire::FrameStatus FrameExchange::Receive(wire::ByteStream& stream, wire::FrameKinds expected,
+                                         std::string_view login_token) {
   const wire::FrameLimits limits{.payload = rules_.request_limit,
                                  .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
   wire::FrameHeader header;
-  wire::FrameStatus status = wire::ReceiveHeader(stream, wire::FrameKind::kRequest, limits, header);
-  if (status != wire::FrameStatus::kDone) return status;
+  wire::FrameStatus status = wire::ReceiveHeader(stream, expected, limits, header);
+  is_hello_ = header.kind == wire::FrameKind::kHello;
+  if (status != wire::FrameStatus::kDone || is_hello_) return status;
   token_.resize(header.token_length);
   payload_.resize(static_cast<std::size_t>(header.payload_length));
   status = wire::ReceiveMessage(stream, {token_, block_, payload_});
@@ -70,6 +72,9 @@ bool FrameExchange::Answer(AnswerForm form, const std::function<bool()>& abandon
   }
   payload_ = {};  // frees a large request before its reply is sent
   received_.reset();
+  if (takes_reasons_) {
+    reason_ = wire::EncodeReason({ClassOf(reply_.outcome), TextForClients(reply_.outcome)});
+  }
   Record();
   return OpenReplyFile();
 }
@@ -81,9 +86,13 @@ bool FrameExchange::OpenReplyFile() {
   return file_.has_value();
 }
 
+wire::FrameKind FrameExchange::ReplyKind() const {
+  return takes_reasons_ ? wire::FrameKind::kReplyWithReason : wire::FrameKind::kReply;
+}
+
 std::uint64_t FrameExchange::ReplyLength() const {
-  wire::FrameHeader header{.kind = wire::FrameKind::kReply,
-                           .token_length = 0,
+  wire::FrameHeader header{.kind = ReplyKind(),
+                           .token_length = static_cast<std::uint32_t>(reason_.size()),
                            .payload_length = reply_.fields.Payload().size(),
                            .file_length = {}};
   if (file_) header.file_length = file_->Length();
@@ -93,10 +102,8 @@ std::uint64_t FrameExchange::ReplyLength() const {
 bool FrameExchange::Send(wire::ByteStream& stream) {
   std::array<unsigned char, wire::kFrameBlockSize> block{};
   StoreU32(block.data(), command_);
-  const wire::OutgoingMessage message{.kind = wire::FrameKind::kReply,
-                                      .token = {},
-                                      .block = block,
-                                      .payload = reply_.fields.Payload()};
+  const wire::OutgoingMessage message{
+      .kind = ReplyKind(), .token = reason_, .block = block, .payload = reply_.fields.Payload()};
   return wire::SendFrame(stream, message, file_ ? &*file_ : nullptr) == wire::FrameStatus::kDone;
 }
 
@@ -111,7 +118,11 @@ void FrameExchange::Record() const {
        .database = Remark(subject),
        .outcome = reply_.outcome.Ok() ? "done" : Remark(reply_.outcome.text),
        .bytes = reply_.fields.Payload().size() + file_bytes,
-       .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_)});
+       .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_),
+       .error_class = ClassOf(reply_.outcome),
+       .peer = client_.PeerName(),
+       .statement = reply_.statement,
+       .rows = reply_.rows});
 }
 
 }  // namespace qv::standin

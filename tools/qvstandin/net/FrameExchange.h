@@ -20,13 +20,18 @@ namespace qv::standin {
 // succeeded.
 class FrameExchange {
  public:
-  // `services` and `rules` outlive the exchange.
-  FrameExchange(Services& services, const SessionRules& rules)
-      : services_(services), rules_(rules) {}
+  // All arguments outlive the exchange.
+  FrameExchange(ClientStream& client, Services& services, const SessionRules& rules)
+      : client_(client), services_(services), rules_(rules) {}
 
-  // `login_token` is the token that came outside the frame; empty if there was none.
-  [[nodiscard]] wire::FrameStatus Receive(wire::ByteStream& stream,
+  // Receives one of the `expected` frames, a request or a hello. `login_token` is the token that
+  // came outside the frame; empty if there was none.
+  [[nodiscard]] wire::FrameStatus Receive(wire::ByteStream& stream, wire::FrameKinds expected,
                                           std::string_view login_token = {});
+  // Returns whether a hello came, which is not executed.
+  [[nodiscard]] bool IsHello() const { return is_hello_; }
+  // Makes the reply one of version 2, with the reason of a failure. Call it before Answer().
+  void TakeReasons() { takes_reasons_ = true; }
   // Returns whether the request carried a valid token, or none is required.
   [[nodiscard]] bool IsAllowed() const { return is_allowed_; }
   // Executes the request, or refuses it if it is not allowed. Calls `abandoned` now and then, which
@@ -42,8 +47,10 @@ class FrameExchange {
   [[nodiscard]] bool ShowsToken(std::string_view login_token) const;
   [[nodiscard]] wire::FrameStatus ReceiveFile(wire::ByteStream& stream, std::uint64_t length);
   [[nodiscard]] bool OpenReplyFile();
+  [[nodiscard]] wire::FrameKind ReplyKind() const;
   void Record() const;
 
+  ClientStream& client_;
   Services& services_;
   const SessionRules& rules_;
   const Clock::time_point start_ = Clock::now();
@@ -51,9 +58,12 @@ class FrameExchange {
   std::array<unsigned char, wire::kFrameBlockSize> block_{};
   std::vector<unsigned char> payload_;
   std::uint32_t command_ = 0;
+  bool is_hello_ = false;
   bool is_allowed_ = false;
+  bool takes_reasons_ = false;
   std::optional<TemporaryFile> received_;
   Reply reply_;
+  std::vector<unsigned char> reason_;
   std::optional<wire::OutgoingFile> file_;
 };
 

@@ -25,23 +25,53 @@ bool SameSecret(std::string_view secret, std::string_view given) {
   return difference == 0;
 }
 
+std::optional<std::chrono::milliseconds> ProgressClock::IsDue() {
+  const Clock::time_point now = Clock::now();
+  if (now < next_) return std::nullopt;
+  next_ = now + std::chrono::seconds(1);
+  return std::chrono::duration_cast<std::chrono::milliseconds>(now - start_);
+}
+
+ProgressFrame ProgressOf(std::chrono::milliseconds at_work) {
+  return wire::EncodeHeader({.kind = wire::FrameKind::kProgress,
+                             .token_length = 0,
+                             .payload_length = static_cast<std::uint64_t>(at_work.count()),
+                             .file_length = {}});
+}
+
 void FrameSession::Serve() {
   std::chrono::milliseconds longest = rules_.first_timeout;
   while (stream_.WaitForRequest(longest) && ServeRequest()) longest = rules_.idle_timeout;
 }
 
 bool FrameSession::ServeRequest() {
-  FrameExchange exchange(services_, rules_);
-  const wire::FrameStatus status = exchange.Receive(stream_);
+  FrameExchange exchange(stream_, services_, rules_);
+  const wire::FrameKinds expected = wire::kFirstFromClient;
+  const wire::FrameStatus status = exchange.Receive(stream_, expected.first(is_new_ ? 2 : 1));
+  is_new_ = false;
   if (status != wire::FrameStatus::kDone) {
     const bool is_its_fault =
         status != wire::FrameStatus::kConnectionLost && status != wire::FrameStatus::kFileFailed;
     if (is_its_fault) rules_.on_malformed_frame();
     return false;
   }
+  if (exchange.IsHello()) {
+    takes_version_2_ = true;
+    return wire::SendHello(stream_);
+  }
+  return Answer(exchange);
+}
+
+bool FrameSession::Answer(FrameExchange& exchange) {
+  if (takes_version_2_) exchange.TakeReasons();
+  ProgressClock clock;
+  const auto is_abandoned = [&] {
+    const auto at_work = takes_version_2_ ? clock.IsDue() : std::nullopt;
+    if (at_work) stream_.WriteSoon(ProgressOf(*at_work));
+    return stream_.IsGone();
+  };
   const AnswerForm form{.dialect = Dialect::kRowset, .packed = false};
-  return exchange.Answer(form, [this] { return stream_.IsGone(); }) && exchange.Send(stream_) &&
-         exchange.IsAllowed();
+  return exchange.Answer(form, is_abandoned) && exchange.Send(stream_) && exchange.IsAllowed();
 }
 
 }  // namespace qv::standin

@@ -1,9 +1,11 @@
 // The rules that all sessions of a server share, and sessions over plain sockets.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +14,8 @@
 
 namespace qv::standin {
 
+class FrameExchange;
+
 // The server's record of one request.
 struct ServedCommand {
   std::uint32_t command;
@@ -19,6 +23,11 @@ struct ServedCommand {
   std::string outcome;   // "done", or why not
   std::uint64_t bytes;   // of the reply: its fields and its file
   std::chrono::milliseconds time;
+  error::Class error_class = error::kNone;
+  std::string peer = {};                  // the client's address and port
+  std::string statement = {};             // the beginning of it; it may contain passwords
+  std::optional<std::int32_t> rows = {};  // of an answer with rows
+  std::chrono::system_clock::time_point at = std::chrono::system_clock::now();
 };
 
 // What all sessions of a server have in common.
@@ -33,6 +42,23 @@ struct SessionRules {
   std::function<void(ServedCommand)> on_served;
   std::function<void()> on_malformed_frame;
 };
+
+// Says once per second that a request is being worked on.
+class ProgressClock {
+ public:
+  // Returns how long the work has taken, if it is time to say so.
+  [[nodiscard]] std::optional<std::chrono::milliseconds> IsDue();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  const Clock::time_point start_ = Clock::now();
+  Clock::time_point next_ = start_ + std::chrono::seconds(1);
+};
+
+// Returns a progress frame.
+using ProgressFrame = std::array<unsigned char, wire::kFrameHeaderSize>;
+[[nodiscard]] ProgressFrame ProgressOf(std::chrono::milliseconds at_work);
 
 // Returns an unpredictable token of 32 hexadecimal digits. Throws if the system has no random
 // numbers.
@@ -53,10 +79,13 @@ class FrameSession {
 
  private:
   [[nodiscard]] bool ServeRequest();
+  [[nodiscard]] bool Answer(FrameExchange& exchange);
 
   ClientStream& stream_;
   Services& services_;
   const SessionRules& rules_;
+  bool is_new_ = true;  // nothing was received yet
+  bool takes_version_2_ = false;
 };
 
 }  // namespace qv::standin

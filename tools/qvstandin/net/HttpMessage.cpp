@@ -1,5 +1,7 @@
 #include "HttpMessage.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/string.hpp>
@@ -10,6 +12,7 @@
 #include <sstream>
 #include <string_view>
 
+#include "base/text/Letters.h"
 #include "base/text/Numbers.h"
 
 namespace qv::standin {
@@ -26,6 +29,14 @@ using Error = boost::system::error_code;
 constexpr std::uint32_t kLongestHead = 8192;
 constexpr const char* kCompressField = "Qv-Compress";
 constexpr const char* kLoginTokenField = "Qv-Login-Token";
+constexpr const char* kFrameField = "Qv-Frame";
+constexpr const char* kBusyField = "Qv-Busy";
+constexpr std::string_view kFrameVersion2 = "2";
+constexpr std::string_view kLineEnd = "\r\n";
+
+wire::Bytes BytesIn(std::string_view text) {
+  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
 
 // Adapts the client's stream to the parser's interface.
 class HeadSource {
@@ -102,6 +113,8 @@ HttpRequestHead HeadOf(const Parser& parser) {
   head.expectation = ExpectationOf(request[http::field::expect]);
   head.keep_alive = parser.keep_alive() && request.version() == 11;
   head.takes_packed = request[kCompressField] == "1";
+  head.takes_chunks = request.version() == 11;
+  head.takes_version_2 = request[kFrameField] == kFrameVersion2;
   head.login_token = std::string(request[kLoginTokenField]);
   return head;
 }
@@ -139,7 +152,12 @@ std::string HeadText(const HttpReplyHead& head) {
   response.version(11);
   response.result(static_cast<unsigned>(head.status));
   response.set(http::field::content_type, head.type);
-  response.set(http::field::content_length, std::to_string(head.length));
+  if (head.is_chunked) {
+    response.set(http::field::transfer_encoding, "chunked");
+  } else {
+    response.set(http::field::content_length, std::to_string(head.length));
+  }
+  if (head.status == HttpStatus::kBusy) response.set(kBusyField, "1");
   if (!head.keep_alive) response.set(http::field::connection, "close");
   if (!head.allow.empty()) response.set(http::field::allow, head.allow);
   if (!head.login_token.empty()) response.set(kLoginTokenField, head.login_token);
@@ -150,6 +168,32 @@ std::string HeadText(const HttpReplyHead& head) {
 
 std::string ReasonFor(HttpStatus status) {
   return std::string(http::obsolete_reason(static_cast<http::status>(status)));
+}
+
+bool TakesVersion2(std::string_view head) {
+  for (std::size_t end = 0; (end = head.find(kLineEnd)) != std::string_view::npos;
+       head.remove_prefix(end + kLineEnd.size())) {
+    const std::string_view line = head.substr(0, end);
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    if (text::EqualIgnoringCase(line.substr(0, colon), kFrameField) &&
+        text::Trimmed(line.substr(std::min(colon + 1, line.size()))) == kFrameVersion2) {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::string Chunk(std::string_view bytes) {
+  return fmt::format("{:x}{}{}{}", bytes.size(), kLineEnd, bytes, kLineEnd);
+}
+
+bool ChunkedReply::Write(std::initializer_list<wire::Bytes> pieces) {
+  for (const wire::Bytes piece : pieces) {
+    if (piece.empty()) continue;
+    const std::string size = fmt::format("{:x}{}", piece.size(), kLineEnd);
+    if (!stream_.Write({BytesIn(size), piece, BytesIn(kLineEnd)})) return false;
+  }
+  return true;
 }
 
 bool HttpBody::Read(wire::WritableBytes bytes) {

@@ -24,6 +24,7 @@ enum class HttpStatus : unsigned {
   kCannotExpect = 417,
   kHeadTooLarge = 431,
   kFailed = 500,
+  kBusy = 503,
 };
 
 enum class HttpMethod { kGet, kHead, kPost, kOther };
@@ -39,6 +40,8 @@ struct HttpRequestHead {
   HttpExpectation expectation = HttpExpectation::kNothing;
   bool keep_alive = false;
   bool takes_packed = false;
+  bool takes_chunks = false;     // in the reply
+  bool takes_version_2 = false;  // frames with reasons, and progress
   std::string login_token;
 
   [[nodiscard]] bool HasBody() const { return is_chunked || length.value_or(0) != 0; }
@@ -53,6 +56,7 @@ struct HttpReplyHead {
   HttpStatus status = HttpStatus::kOk;
   std::string_view type = kBytesType;
   std::uint64_t length = 0;
+  bool is_chunked = false;  // instead of the length
   bool keep_alive = false;
   std::string_view allow = {};        // the methods, for kNotAllowed
   std::string_view login_token = {};  // empty: the client gets none
@@ -61,6 +65,26 @@ struct HttpReplyHead {
 [[nodiscard]] std::string HeadText(const HttpReplyHead& head);
 // Returns the reason phrase of a status.
 [[nodiscard]] std::string ReasonFor(HttpStatus status);
+
+// Returns whether a head, up to the end of its last line, asks for frames of version 2.
+[[nodiscard]] bool TakesVersion2(std::string_view head);
+
+// Returns `bytes` as one chunk of a reply. `bytes` is not empty.
+[[nodiscard]] std::string Chunk(std::string_view bytes);
+inline constexpr std::string_view kLastChunk = "0\r\n\r\n";
+
+// Writes each piece of a reply as a chunk.
+class ChunkedReply : public wire::ByteStream {
+ public:
+  // The stream outlives this object.
+  explicit ChunkedReply(ClientStream& stream) : stream_(stream) {}
+
+  bool Read(wire::WritableBytes bytes) override { return stream_.Read(bytes); }
+  bool Write(std::initializer_list<wire::Bytes> pieces) override;
+
+ private:
+  ClientStream& stream_;
+};
 
 // The body of a request, which holds a frame. Reading removes the chunk framing; writing goes to
 // the connection unchanged.

@@ -10,9 +10,14 @@ namespace {
 
 constexpr std::string_view kPage = "/";
 constexpr std::string_view kCall = "/qvcall";
+constexpr wire::FrameKind kOnlyRequests[] = {wire::FrameKind::kRequest};
 
 wire::Bytes BytesIn(std::string_view text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+std::string_view TextIn(wire::Bytes bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 // The server does not skip an unread body to find the next request.
@@ -61,8 +66,8 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
     return false;
   }
   HttpBody body(stream_, request);
-  FrameExchange exchange(services_, rules_);
-  const wire::FrameStatus received = exchange.Receive(body, request.login_token);
+  FrameExchange exchange(stream_, services_, rules_);
+  const wire::FrameStatus received = exchange.Receive(body, kOnlyRequests, request.login_token);
   const bool is_whole = received == wire::FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;
   if (received == wire::FrameStatus::kFileFailed) return Refuse(HttpStatus::kFailed, request);
@@ -70,15 +75,39 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
     const bool is_large = received == wire::FrameStatus::kDoesNotFit;
     return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest);
   }
-  const AnswerForm form{.dialect = Dialect::kSchema, .packed = request.takes_packed};
-  if (!exchange.Answer(form, [this] { return stream_.IsGone(); })) {
-    return Refuse(HttpStatus::kFailed, request);
-  }
-  HttpReplyHead reply{.length = exchange.ReplyLength()};
+  return Answer(request, exchange);
+}
+
+// Progress precedes the reply in a body whose length is not known then.
+bool HttpSession::Answer(const HttpRequestHead& request, FrameExchange& exchange) {
+  if (request.takes_version_2) exchange.TakeReasons();
+  HttpReplyHead reply{.is_chunked = true};
   if (exchange.IsAllowed()) {
     reply.keep_alive = request.keep_alive;
     reply.login_token = rules_.login_token;
   }
+  ProgressClock clock;
+  bool has_begun = false;
+  const auto is_abandoned = [&] {
+    const bool reports = request.takes_version_2 && request.takes_chunks;
+    const auto at_work = reports ? clock.IsDue() : std::nullopt;
+    if (at_work) {
+      const std::string head = has_begun ? std::string() : HeadText(reply);
+      stream_.WriteSoon(BytesIn(head + Chunk(TextIn(ProgressOf(*at_work)))));
+      has_begun = true;
+    }
+    return stream_.IsGone();
+  };
+  const AnswerForm form{.dialect = Dialect::kSchema, .packed = request.takes_packed};
+  const bool has_reply = exchange.Answer(form, is_abandoned);
+  if (has_begun) {
+    ChunkedReply body(stream_);
+    return has_reply && exchange.Send(body) && stream_.Write({BytesIn(kLastChunk)}) &&
+           reply.keep_alive;
+  }
+  if (!has_reply) return Refuse(HttpStatus::kFailed, request);
+  reply.is_chunked = false;
+  reply.length = exchange.ReplyLength();
   return stream_.Write({BytesIn(HeadText(reply))}) && exchange.Send(stream_) && reply.keep_alive;
 }
 

@@ -26,6 +26,7 @@ class HttpSession {
   [[nodiscard]] bool ServeRequest();
   [[nodiscard]] bool ServePage(const HttpRequestHead& request);
   [[nodiscard]] bool ServeCall(const HttpRequestHead& request);
+  [[nodiscard]] bool Answer(const HttpRequestHead& request, FrameExchange& exchange);
   [[nodiscard]] bool Refuse(HttpStatus status, const HttpRequestHead& request,
                             std::string_view allow = {});
   // Answers a request that cannot be parsed and counts it. Returns false.

@@ -40,7 +40,8 @@ StandIn::StandIn(StandInOptions options)
              .login_token = NewSecret(),
              .first_timeout = options_.io_timeout,
              .idle_timeout = options_.idle_timeout,
-             .statement_limit = options_.statement_limit,
+             .statement_limit = options_.statement_limit.count() != 0 ? options_.statement_limit
+                                                                      : WorkLimit::kNoLimit,
              .request_limit = options_.request_limit,
              .upload_limit = options_.upload_limit,
              .on_served = [this](ServedCommand served) { Remember(std::move(served)); },
@@ -51,6 +52,7 @@ StandIn::~StandIn() { Stop(); }
 bool StandIn::Start(std::string* error) {
   std::string ignored;
   std::string& why = error != nullptr ? *error : ignored;
+  if (options_.cell_limit) data_.SetCellLimit(*options_.cell_limit);
   Outcome prepared = data_.Prepare();
   if (prepared.Ok() && options_.compress) prepared = data_.SetCompression(*options_.compress);
   if (!prepared.Ok()) {
@@ -67,10 +69,26 @@ Listener::Admit StandIn::AdmitWho(Speech speech) {
   return [this, speech](std::unique_ptr<ClientStream> stream) { Admit(std::move(stream), speech); };
 }
 
-// A client above the limit is disconnected.
+void StandIn::Refuse(std::unique_ptr<ClientStream> stream, Speech speech) {
+  const std::size_t places = options_.connection_limit;
+  std::string text = std::to_string(clients_.size()) + " of " + std::to_string(places) +
+                     " places of the server are taken";
+  if (options_.on_served) {
+    options_.on_served({.command = 0,
+                        .database = {},
+                        .outcome = text,
+                        .bytes = 0,
+                        .time = {},
+                        .error_class = error::kBusy,
+                        .peer = stream->PeerName()});
+  }
+  refusals_.Add(std::move(stream), std::move(text), speech == Speech::kHttp);
+}
+
 void StandIn::Admit(std::unique_ptr<ClientStream> stream, Speech speech) {
   JoinFinished();
-  if (clients_.size() >= options_.connection_limit) return;
+  stream->NotePeer();
+  if (clients_.size() >= options_.connection_limit) return Refuse(std::move(stream), speech);
   Client& admitted = clients_.emplace_back(std::move(stream), speech);
   boost::system::error_code ignored;
   admitted.stream->Peer().set_option(asio::ip::tcp::no_delay(true), ignored);
@@ -109,6 +127,7 @@ void StandIn::Stop() {
   asio::post(context_, [this] {
     frames_.Close();
     http_.Close();
+    refusals_.Close();
   });
   accepting_.join();
   for (Client& client : clients_) client.stream->Close();

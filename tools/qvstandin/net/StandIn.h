@@ -19,6 +19,8 @@
 #include "ClientStream.h"
 #include "FrameSession.h"
 #include "Listener.h"
+#include "Refusals.h"
+#include "RequestLog.h"
 #include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
@@ -31,14 +33,16 @@ struct StandInOptions {
   std::string token;                       // empty: no token is required
   std::optional<bool> compress;            // empty: the settings are not changed
 
+  // Sizes are in bytes.
   std::uint32_t memory_threshold = 256U << 10;
   std::uint64_t request_limit = 16ULL << 20;
   std::uint64_t answer_limit = 8ULL << 30;
   std::uint64_t upload_limit = 8ULL << 30;
+  std::optional<std::size_t> cell_limit;  // of one value; empty: each engine's own
   std::size_t connection_limit = 64;
   std::chrono::milliseconds io_timeout{30'000};
   std::chrono::milliseconds idle_timeout{600'000};
-  std::chrono::milliseconds statement_limit{30'000};
+  std::chrono::milliseconds statement_limit{600'000};  // 0: none
   // Called for every request just before its reply is sent, on the thread that serves the client.
   std::function<void(const ServedCommand&)> on_served;
 };
@@ -83,6 +87,7 @@ class StandIn {
 
   [[nodiscard]] Listener::Admit AdmitWho(Speech speech);
   void Admit(std::unique_ptr<ClientStream> stream, Speech speech);
+  void Refuse(std::unique_ptr<ClientStream> stream, Speech speech);
   void Serve(Client& client);
   void JoinFinished();
   void Remember(ServedCommand served);
@@ -94,6 +99,7 @@ class StandIn {
   SessionRules rules_;
 
   boost::asio::io_context context_{1};
+  Refusals refusals_{context_};
   Listener frames_{context_, options_.io_timeout, AdmitWho(Speech::kFrames)};
   Listener http_{context_, options_.io_timeout, AdmitWho(Speech::kHttp)};
   std::thread accepting_;
@@ -109,6 +115,8 @@ class StandIn {
 
 namespace qv {
 
+using standin::RequestLog;
+using standin::RequestLogOptions;
 using standin::ServedCommand;
 using standin::StandIn;
 using standin::StandInOptions;
