@@ -1,0 +1,171 @@
+// The reasons for which calls fail, as hosts get them.
+#include <gmock/gmock.h>
+
+#include <cstdint>
+
+#include "EndToEnd.h"
+#include "tests/support/HttpSide.h"
+#include "tests/support/ScriptedServer.h"
+
+namespace qv {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class LastError : public EndToEnd {
+ protected:
+  LastError() { CRvoDatabase::m_NeedUpdateCompressState = 0; }
+  ~LastError() override { CRvoServer::UseLocalDB(0); }
+
+  static std::string Text() { return static_cast<const char*>(CRvoServer::GetLastErrorText()); }
+  static void ConnectTo(const ScriptedServer& server, bool web) {
+    CRvoServer::SetConinfo("127.0.0.1", server.Port());
+    CRvoServer::SetServerType(web ? "WEB_IIS" : "TCP_IP", "127.0.0.1", server.Port());
+  }
+  // Answers every request over sockets or HTTP with a reply that has `payload` and `reason`.
+  static ScriptedServer::Script Answering(bool web, const std::string& payload,
+                                          const wire::Reason& reason) {
+    const auto encoded = wire::EncodeReason(reason);
+    MemoryStream reply;
+    static_cast<void>(SendWhole(reply, wire::FrameKind::kReplyWithReason,
+                                {.token = {encoded.begin(), encoded.end()}, .payload = payload}));
+    return [web, answer = reply.written](ServerSide& side) {
+      WholeFrame request;
+      HttpRequestSeen web_request;
+      while (web ? ReceiveHttp(side, web_request) : side.Receive(request)) {
+        side.Write({BytesOfText(web ? HttpAnswer(answer) : answer)});
+      }
+    };
+  }
+};
+
+const std::string kRefused = Field("FAILURE") + Field({"\6\0\0\0", 4});
+
+TEST_F(LastError, IsTheServersForEveryKindOfCallAndEndsWithTheNext) {
+  const struct {
+    const char* what;
+    int (*call)();
+    int result;
+  } calls[] = {
+      {"query",
+       [] {
+         CRvoDbRes rows;
+         const CString sql("selekt 1");
+         return CRvoDatabase::SelectSQL(&sql, &rows, "DESIGNDB", 0);
+       },
+       3},
+      {"procedure",
+       [] {
+         CRvoDbRes rows;
+         const CString sql("exec none");
+         return CRvoDatabase::ExecuteSP(&sql, &rows, "DESIGNDB", 0);
+       },
+       3},
+      {"statement", [] { return Execute("selekt 1"); }, 1},
+  };
+  for (const bool web : {false, true}) {
+    const ScriptedServer server(
+        Answering(web, kRefused, {error::kSyntax, "near \"selekt\": syntax error"}));
+    const ScriptedServer content(Answering(web, Field("SUCCESS"), {}));
+    for (const auto& one : calls) {
+      SCOPED_TRACE(std::string(one.what) + (web ? " over the web" : ""));
+      ConnectTo(server, web);
+      EXPECT_EQ(one.call(), one.result);
+      EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kSyntax);
+      EXPECT_EQ(Text(), "near \"selekt\": syntax error");
+      std::thread([] { EXPECT_EQ(CRvoServer::GetLastErrorClass(), 0); }).join();
+      ConnectTo(content, web);
+      EXPECT_EQ(Execute("update x"), 0);
+      EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kNone);
+      EXPECT_EQ(Text(), "");
+    }
+  }
+}
+
+TEST_F(LastError, IsTheServersForFilesToo) {
+  const ScriptedServer server(
+      Answering(false, Field("FAILURE"), {error::kUnknownObject, "no such file: a.dwg"}));
+  ConnectTo(server, false);
+  const std::string local = (folder_.Path() / "a.dwg").string();
+  EXPECT_EQ(CRvoFile::DownLoadServerFile(local.c_str(), "a.dwg"), 2);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kUnknownObject);
+  EXPECT_EQ(CRvoFile::UpLoadFileToServer(local.c_str(), "a.dwg"), -1);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  EXPECT_EQ(Text(), "cannot read the file " + local);
+  EXPECT_EQ(ExecuteBatch({"x"}), 2);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kUnknownObject);
+}
+
+TEST_F(LastError, IsPlainWhateverTheServerSends) {
+  const std::string sent = "a\r\nb\x1b[31m\xFF " + std::string(5000, 'x');
+  const ScriptedServer server(Answering(false, kRefused, {static_cast<error::Class>(99), sent}));
+  ConnectTo(server, false);
+  EXPECT_EQ(Rows("x"), "result 3");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kInternal);
+  EXPECT_THAT(Text(), testing::StartsWith("a  b [31m"));
+  EXPECT_LE(Text().size(), 1000U);
+}
+
+TEST_F(LastError, IsTheLibrarysIfNobodyElseKnowsOne) {
+  // A server of version 1, which has no reasons.
+  const ScriptedServer old([](ServerSide& side) {
+    WholeFrame request;
+    while (side.ReceiveAsOldServer(request)) side.Reply(kRefused);
+  });
+  ConnectTo(old, false);
+  EXPECT_EQ(Rows("x"), "result 3");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kInternal);
+  EXPECT_EQ(Text(), "the server refused the query without a reason (6)");
+  EXPECT_EQ(Execute(""), 1);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  EXPECT_EQ(Text(), "the statement is empty");
+
+  const ScriptedServer strange(Answering(false, Field("SUCCESS"), {}));
+  ConnectTo(strange, false);
+  EXPECT_EQ(Rows("x"), "result 2");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBadReply);
+
+  CRvoDatabase::m_bServerSetCache = 1;
+  CRvoServer::SetCacheState(1);
+  EXPECT_EQ(Rows("x", 1), "result 1");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kOffline);
+  EXPECT_EQ(Text(), "offline, and the cache has no answer to this query");
+  EXPECT_EQ(Execute("x"), 1);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kOffline);
+  CRvoServer::SetCacheState(2);
+  EXPECT_EQ(CRvoFile::DeleteServerFile("a.dwg"), 0) << "offline, it counts as done";
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kOffline);
+  CRvoDatabase::m_bServerSetCache = 0;
+}
+
+TEST_F(LastError, IsTheDatabasesInDirectAccessAndAgreesWithTheOlderCall) {
+  CRvoServer::UseLocalDB(1);
+  EXPECT_EQ(CRvoServer::OpenLocalDB("DESIGNDB", "Driver=none"), 0);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  const std::string file = (folder_.Path() / "direct.sqlite").generic_string();
+  ASSERT_EQ(CRvoServer::OpenLocalDB("DESIGNDB", ("Driver=SQLite3;Database=" + file).c_str()), 1);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kNone);
+  EXPECT_EQ(Execute("create table t (a integer primary key)"), 0);
+  EXPECT_EQ(Execute("insert into t values (1)"), 0);
+  const std::pair<const char*, int> cases[] = {{"selekt 1", error::kSyntax},
+                                               {"select * from none", error::kUnknownObject},
+                                               {"select b from t", error::kUnknownObject},
+                                               {"insert into t values (1)", error::kConstraint},
+                                               {"", error::kLocal}};
+  for (const auto& [sql, error_class] : cases) {
+    EXPECT_EQ(Execute(sql), 1) << sql;
+    EXPECT_EQ(CRvoServer::GetLastErrorClass(), error_class) << sql << ": " << Text();
+    CString older;
+    EXPECT_EQ(CRvoServer::GetLocalDBError(older), 1);
+    EXPECT_TRUE(*sql == '\0' || Text() == static_cast<const char*>(older));
+  }
+  EXPECT_EQ(Rows("select a from t"), "1|\n");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kNone);
+  EXPECT_EQ(ExecuteBatch({"x"}), -1);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  CRvoServer::CloseLocalDB("DESIGNDB");
+}
+
+}  // namespace
+}  // namespace qv
