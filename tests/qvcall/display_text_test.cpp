@@ -44,14 +44,4 @@ TEST(DisplayWidth, CutsBetweenCharacters) {
   EXPECT_EQ(qv::tool::VisibleStart("a阀\u0301\n门阀门", 6), "a阀\u0301...");
 }
 
-TEST(DisplayWidth, KnowsTheEdgesOfItsRanges) {
-  const std::pair<char32_t, int> cases[] = {
-      {0x2ff, 1},  {0x300, 0},  {0x36f, 0},  {0x370, 1},   {0x10ff, 1},  {0x1100, 2},
-      {0x115f, 2}, {0x1160, 1}, {0x4e00, 2}, {0xd7a3, 2},  {0xfeff, 0},  {0xff60, 2},
-      {0xff61, 1}, {0xe000, 1}, {0xad, 1},   {0x3fffd, 1}, {0x10ffff, 1}};
-  for (const auto& [character, cells] : cases) {
-    EXPECT_EQ(qv::tool::CellsOf(character), cells) << std::hex << static_cast<unsigned>(character);
-  }
-}
-
 }  // namespace

@@ -1,6 +1,5 @@
 // Runs the program itself, with the components beside it, against servers that the tests start.
 #include <gmock/gmock.h>
-#include <pty.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -112,33 +111,13 @@ class QueueCommandsAtFtp : public QueueCommands {
   QueueCommandsAtFtp() : QueueCommands(kFtp) {}
 };
 
-// There are no terminals if the system's files for them are not mounted.
-bool HasTerminals() {
-  int near_end = -1;
-  int far_end = -1;
-  if (openpty(&near_end, &far_end, nullptr, nullptr, nullptr) != 0) return false;
-  close(near_end);
-  close(far_end);
-  return true;
-}
-
 TEST_F(QueueCommandsAtFtp, AskForThePasswordWithoutShowingIt) {
-  if (!HasTerminals()) GTEST_SKIP() << "no terminals here";
   folder_.Write("a", "bytes");
-  Words words = Command({"put", Here("a"), "."});
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
   int terminal = -1;
-  const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
-  if (pid == 0) {
-    execv(arguments[0], arguments.data());
-    _exit(127);
-  }
-  std::string asked;
+  const pid_t pid = SpawnOnTerminal(Command({"put", Here("a"), "."}), terminal);
+  if (pid < 0) GTEST_SKIP() << "no terminals here";
   const std::string question = "Password of tester at 127.0.0.1: ";
-  for (char ch = 0; !asked.ends_with(question) && read(terminal, &ch, 1) == 1;) asked += ch;
-  ASSERT_EQ(asked, question);
+  ASSERT_EQ(ReadUntil(terminal, question), question);
   const std::string typed = place_.password + std::string("\n");
   ASSERT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
   EXPECT_EQ(Keep(WaitFor(pid, terminal)), 0) << output_;

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/TempFolder.h"
@@ -26,20 +28,67 @@ std::string Column(const std::string& name, const std::string& type) {
          "'/></s:AttributeType>";
 }
 
-std::string Written(const CRvoDbRes& rows, Format format) {
+std::string Written(const CRvoDbRes& rows, Format format,
+                    std::optional<std::string> null_text = std::nullopt) {
   std::ostringstream out;
-  EXPECT_TRUE(qv::tool::WriteResult(rows, format, out));
+  EXPECT_TRUE(qv::tool::WriteResult(rows, {format, std::move(null_text)}, out));
   return out.str();
 }
 
-TEST(Writers, TableAlignsByCellsAndNumbersToTheRight) {
+constexpr const char kValues[] =
+    "<z:row i='9223372036854775807' d='1e-9' f='0.1' b='True' t='阀\n' "
+    "w='2026-02-28T23:59:59.120'/>"
+    "<z:row/><z:row i='0' d='1e300' f='.1' b='False' t='' w=''/>";
+
+// A column of each kind.
+std::string Columns() {
+  return Column("i", "i8") + Column("d", "float") + Column("f", "r4") + Column("b", "boolean") +
+         Column("t", "string") + Column("w", "dateTime");
+}
+
+TEST(Writers, GiveExactValuesAndTellNullFromNothing) {
+  CRvoDbRes rows;
+  Load(Columns(), kValues, rows);
+  EXPECT_EQ(Written(rows, Format::kTable),
+            "                  i |      d |    f |    b | t    | w\n"
+            "--------------------+--------+------+------+------+------------------------\n"
+            "9223372036854775807 |  1e-09 |  0.1 |    1 | 阀   | 2026-02-28 23:59:59.120\n"
+            "               NULL |   NULL | NULL | NULL | NULL | NULL\n"
+            "                  0 | 1e+300 |   .1 |    0 |      |\n");
+  EXPECT_EQ(Written(rows, Format::kCsv),
+            "i,d,f,b,t,w\n"
+            "9223372036854775807,1e-09,0.1,1,阀,2026-02-28 23:59:59.120\n"
+            ",,,,,\n"
+            "0,1e+300,.1,0,\"\",\"\"\n");
+  EXPECT_EQ(Written(rows, Format::kJson),
+            "[\n"
+            "{\"i\":9223372036854775807,\"d\":1e-09,\"f\":0.1,\"b\":true,\"t\":\"阀\","
+            "\"w\":\"2026-02-28 23:59:59.120\"},\n"
+            "{\"i\":null,\"d\":null,\"f\":null,\"b\":null,\"t\":null,\"w\":null},\n"
+            "{\"i\":0,\"d\":1e+300,\"f\":\".1\",\"b\":false,\"t\":\"\",\"w\":\"\"}\n"
+            "]\n");
+}
+
+TEST(Writers, JsonTakesNumbersOnlyAsItWritesThem) {
+  const std::pair<const char*, bool> cases[] = {
+      {"-0.5E+10", true}, {"10", true},  {"-", false},   {"01", false},  {"1.", false},
+      {"1e", false},      {"+1", false}, {"inf", false}, {"0x1", false}, {"1 2", false}};
+  for (const auto& [text, is_number] : cases) {
+    CRvoDbRes rows;
+    Load(Column("f", "r4"), std::string("<z:row f='") + text + "'/>", rows);
+    const auto json = nlohmann::json::parse(Written(rows, Format::kJson));
+    EXPECT_EQ(json[0]["f"].is_number(), is_number) << text;
+  }
+}
+
+TEST(Writers, TableAlignsByCells) {
   CRvoDbRes rows;
   Load(Column("名", "string") + Column("qty", "int") + Column("note", "string"),
-       "<z:row 名='阀门' qty='5' note='a\nb'/><z:row 名='pump 1' qty='-120' note=''/>", rows);
-  EXPECT_EQ(Written(rows, Format::kTable),
+       "<z:row 名='阀门' qty='0' note='a\nb'/><z:row 名='pump 1' qty='-120'/>", rows);
+  EXPECT_EQ(Written(rows, Format::kTable, ""),
             "名     |  qty | note\n"
             "-------+------+-----\n"
-            "阀门   |    5 | a\\nb\n"
+            "阀门   |    0 | a\\nb\n"
             "pump 1 | -120 |\n");
 }
 
@@ -57,10 +106,12 @@ TEST(Writers, CsvQuotesWhatNeedsIt) {
   CRvoDbRes rows;
   Load(Column("a,b", "string") + Column("c", "string"),
        "<z:row a,b='say \"hi\"' c='阀门'/><z:row a,b='two\nlines' c=''/>", rows);
-  EXPECT_EQ(Written(rows, Format::kCsv), "\"a,b\",c\n\"say \"\"hi\"\"\",阀门\n\"two\nlines\",\n");
+  EXPECT_EQ(Written(rows, Format::kCsv),
+            "\"a,b\",c\n\"say \"\"hi\"\"\",阀门\n\"two\nlines\",\"\"\n");
   CRvoDbRes lone;
-  Load(Column("a", "string"), "<z:row a=''/>", lone);
-  EXPECT_EQ(Written(lone, Format::kCsv), "a\n\"\"\n");
+  Load(Column("a", "string"), "<z:row a=''/><z:row/><z:row a='-'/>", lone);
+  EXPECT_EQ(Written(lone, Format::kCsv), "a\n\"\"\n\"\"\n-\n");
+  EXPECT_EQ(Written(lone, Format::kCsv, "-"), "a\n\"\"\n-\n\"-\"\n");
 }
 
 TEST(Writers, JsonIsValidWhateverTheBytesAndNames) {
@@ -89,7 +140,7 @@ TEST(Writers, ReportAnOutputThatTakesNothing) {
   Load(Column("a", "int"), "<z:row a='1'/>", rows);
   for (const Format format : {Format::kTable, Format::kCsv, Format::kJson}) {
     std::ostream nowhere(nullptr);
-    EXPECT_FALSE(qv::tool::WriteResult(rows, format, nowhere));
+    EXPECT_FALSE(qv::tool::WriteResult(rows, {format, {}}, nowhere));
   }
 }
 

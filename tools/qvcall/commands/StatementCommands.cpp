@@ -49,9 +49,9 @@ int Run(const ConnectionOptions& connection, const QueryOptions& options, std::i
   if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
   CRvoDbRes rows;
   if (!Fetch(connection, options, sql, rows, err)) return kFailed;
-  if (!WriteResult(rows, options.format, out)) return kFailed;
+  if (!WriteResult(rows, options.style, out)) return kFailed;
   if (!out.flush()) return kFailed;
-  if (options.format == Format::kTable) {
+  if (options.style.format == Format::kTable) {
     const int count = rows.GetRecordCount();
     fmt::print(err, "({} {})\n", count, count == 1 ? "row" : "rows");
   }

@@ -74,9 +74,14 @@ QueryCommand AddQuery(CLI::App& app, const char* name, const char* description,
   CLI::App* command = app.add_subcommand(name, description);
   AddStatement(*command, query.sql);
   AddDatabase(*command, query.database);
-  command->add_option("--format", query.format, "table, csv or json")
+  command->add_option("--format", query.style.format, "table, csv or json")
       ->transform(CLI::CheckedTransformer(kFormats))
       ->option_text("table|csv|json [table]");
+  command
+      ->add_option("--null", query.style.null_text,
+                   "What stands for null in a table and in csv; without it, NULL in a table and "
+                   "nothing in csv, where an empty text is \"\"")
+      ->option_text("TEXT");
   command->footer(
       "Binary cells are written to files in the temporary folder, which are not deleted; the cells "
       "show their paths. Over HTTP, all of them are written to the same file, one after the "

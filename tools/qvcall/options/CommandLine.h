@@ -35,7 +35,7 @@ struct QueryOptions {
   Call call = Call::kQuery;  // or kProcedure
   std::string sql{};         // "-": read it from standard input
   std::string database{};    // empty only in direct mode, as in the other commands
-  Format format = Format::kTable;
+  Style style{};
   bool use_cache = false;
   std::string cache_folder{};  // empty: the user's default folder
   bool offline = false;        // only together with use_cache

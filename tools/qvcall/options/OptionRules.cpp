@@ -45,6 +45,10 @@ constexpr Rule kRules[] = {
      "--db is required: the name of the database on the server"},
     {[](const CommandLine& c) { return c.connection.web && c.query && c.query->use_cache; },
      "--cache and --offline cannot be used with --web: a web server does not support offline work"},
+    {[](const CommandLine& c) {
+       return c.query && c.query->style.format == Format::kJson && c.query->style.null_text;
+     },
+     "--null cannot be used with --format json, which has a null of its own"},
     {[](const CommandLine& c) { return c.queue && c.connection.web; },
      "--web cannot be used with ftp and cloud, which contact the server only to write to its log, "
      "over the socket transport: omit it, and give --port for the log"},

@@ -7,8 +7,12 @@
 namespace qv::tool {
 namespace {
 
+bool NeedsQuotes(std::string_view text) {
+  return text.find_first_of(",\"\r\n") != std::string_view::npos;
+}
+
 void AppendCell(std::string_view text, bool quoted, std::string& line) {
-  if (!quoted && text.find_first_of(",\"\r\n") == std::string_view::npos) {
+  if (!quoted) {
     line += text;
     return;
   }
@@ -19,33 +23,56 @@ void AppendCell(std::string_view text, bool quoted, std::string& line) {
   line += '"';
 }
 
-template <typename TextOfColumn>
-bool WriteLine(int columns, TextOfColumn text_of, std::string& line, std::ostream& out) {
-  line.clear();
-  for (int column = 0; column < columns; ++column) {
-    const CString text = text_of(column);
-    if (column != 0) line += ',';
-    // An empty cell that is alone would leave an empty line, which readers skip.
-    AppendCell(text.View(), columns == 1 && text.IsEmpty(), line);
+class CsvWriter {
+ public:
+  CsvWriter(const CRvoDbRes& rows, const std::string& null_text, std::ostream& out)
+      : rows_(rows), columns_(rows.GetFieldCount()), null_text_(null_text), out_(out) {}
+
+  bool Write() {
+    for (int column = 0; column < columns_; ++column) {
+      Append(column, rows_.GetFiledName(column).View(), false);
+    }
+    if (!EndLine()) return false;
+    for (int row = 0; row < rows_.GetRecordCount(); ++row) {
+      for (int column = 0; column < columns_; ++column) {
+        const bool is_null = rows_.IsNull(row, column);
+        const CString text =
+            is_null ? CString(std::string_view(null_text_)) : rows_._text(row, column);
+        Append(column, text.View(), is_null);
+      }
+      if (!EndLine()) return false;
+    }
+    return true;
   }
-  line += '\n';
-  out << line;
-  return out.good();
-}
+
+ private:
+  void Append(int column, std::string_view text, bool is_null) {
+    if (column != 0) line_ += ',';
+    // An empty cell that is alone would leave an empty line.
+    const bool is_lone = columns_ == 1 && text.empty();
+    const bool looks_null = !is_null && text == null_text_;
+    AppendCell(text, is_lone || looks_null || NeedsQuotes(text), line_);
+  }
+
+  bool EndLine() {
+    line_ += '\n';
+    out_ << line_;
+    line_.clear();
+    return out_.good();
+  }
+
+  const CRvoDbRes& rows_;
+  const int columns_;
+  const std::string& null_text_;
+  std::ostream& out_;
+  std::string line_;
+};
 
 }  // namespace
 
-bool WriteCsv(const CRvoDbRes& rows, std::ostream& out) {
-  const int columns = rows.GetFieldCount();
-  if (columns == 0) return out.good();
-  std::string line;
-  const auto name_of = [&rows](int column) { return rows.GetFiledName(column); };
-  if (!WriteLine(columns, name_of, line, out)) return false;
-  for (int row = 0; row < rows.GetRecordCount(); ++row) {
-    const auto cell_of = [&rows, row](int column) { return rows._str(row, column); };
-    if (!WriteLine(columns, cell_of, line, out)) return false;
-  }
-  return true;
+bool WriteCsv(const CRvoDbRes& rows, const std::string& null_text, std::ostream& out) {
+  if (rows.GetFieldCount() == 0) return out.good();
+  return CsvWriter(rows, null_text, out).Write();
 }
 
 }  // namespace qv::tool

@@ -44,10 +44,6 @@ std::size_t AppendSpeltOut(char32_t character, std::string& line) {
 
 }  // namespace
 
-int CellsOf(char32_t character) {
-  return utf8proc_charwidth(static_cast<utf8proc_int32_t>(character));
-}
-
 std::size_t AppendVisible(std::string_view text, std::string& line) {
   std::size_t cells = 0;
   while (!text.empty()) {
@@ -66,7 +62,9 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
       cells += AppendSpeltOut(next.value, line);
     } else {
       line += text.substr(0, next.bytes);
-      cells += static_cast<std::size_t>(CellsOf(next.value));
+      // 0 for marks that combine with the character before them, and 2 for wide characters
+      cells +=
+          static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(next.value)));
     }
     text.remove_prefix(next.bytes);
   }

@@ -11,10 +11,6 @@
 
 namespace qv::tool {
 
-// Returns how many cells a character takes: 0 for marks that combine with the character before
-// them, 2 for wide characters, else 1.
-[[nodiscard]] int CellsOf(char32_t character);
-
 // Appends `text` to `line` in a form that is safe to show and returns the cells that it takes.
 // Control characters and those that change the direction of writing are spelt out ("\n", "\x1b",
 // "\u202e"). An invalid byte becomes U+FFFD, or "?" if the system's encoding lacks that character.

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "FieldTypes.h"
+#include "base/text/Letters.h"
 #include "tools/qvcall/system/NarrowText.h"
 
 namespace qv::tool {
@@ -33,10 +35,41 @@ std::vector<std::string> Keys(const CRvoDbRes& rows) {
   return keys;
 }
 
+// Whether `text` is a number as JSON writes it, so that it can stand there digit by digit.
+bool IsJsonNumber(std::string_view text) {
+  const auto skip_digits = [&text] {
+    const std::size_t before = text.size();
+    while (!text.empty() && text::IsDigit(text.front())) text.remove_prefix(1);
+    return before != text.size();
+  };
+  const auto skip_one_of = [&text](std::string_view wanted) {
+    const bool found = !text.empty() && wanted.find(text.front()) != std::string_view::npos;
+    if (found) text.remove_prefix(1);
+    return found;
+  };
+  skip_one_of("-");
+  if (!skip_one_of("0") && !skip_digits()) return false;
+  if (skip_one_of(".") && !skip_digits()) return false;
+  if (skip_one_of("eE") && (skip_one_of("+-"), !skip_digits())) return false;
+  return text.empty();
+}
+
+std::string Value(const CRvoDbRes& rows, int row, int column, int type) {
+  if (rows.IsNull(row, column)) return "null";
+  if (type == field_type::kBoolean) return rows._int64(row, column) != 0 ? "true" : "false";
+  const CString text = rows._text(row, column);
+  if (IsNumber(type) && IsJsonNumber(text.View())) return std::string(text.View());
+  return Quoted(text.View());
+}
+
 }  // namespace
 
 bool WriteJson(const CRvoDbRes& rows, std::ostream& out) {
   const std::vector<std::string> keys = Keys(rows);
+  std::vector<int> types;
+  for (int column = 0; column < rows.GetFieldCount(); ++column) {
+    types.push_back(rows.GetFieldType(column));
+  }
   std::string line = "[";
   for (int row = 0; row < rows.GetRecordCount(); ++row) {
     line += row == 0 ? "\n{" : ",\n{";
@@ -44,7 +77,7 @@ bool WriteJson(const CRvoDbRes& rows, std::ostream& out) {
       if (column != 0) line += ',';
       line += keys[column];
       line += ':';
-      line += Quoted(rows._str(row, static_cast<int>(column)).View());
+      line += Value(rows, row, static_cast<int>(column), types[column]);
     }
     line += '}';
     out << line;

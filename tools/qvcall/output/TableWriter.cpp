@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DisplayText.h"
+#include "FieldTypes.h"
 
 namespace qv::tool {
 namespace {
@@ -16,7 +17,8 @@ constexpr std::size_t kWidestColumn = 256;
 
 class TableWriter {
  public:
-  TableWriter(const CRvoDbRes& rows, std::ostream& out) : rows_(rows), out_(out) {
+  TableWriter(const CRvoDbRes& rows, const std::string& null_text, std::ostream& out)
+      : rows_(rows), null_text_(null_text), out_(out) {
     for (int column = 0; column < rows.GetFieldCount(); ++column) {
       columns_.push_back(Measured(column));
     }
@@ -33,13 +35,15 @@ class TableWriter {
   Column Measured(int column) {
     Column measured;
     Widen(measured, rows_.GetFiledName(column).View());
+    measured.is_number = IsNumber(rows_.GetFieldType(column));
     for (int row = 0; row < rows_.GetRecordCount(); ++row) {
-      Widen(measured, rows_._str(row, column).View());
-      // The result set does not tell types, but only cells of numbers convert to a value other than
-      // 0. A column of nothing but zeros counts as text, which hardly shows.
-      measured.is_number = measured.is_number || rows_._dabl(row, column) != 0.0;
+      Widen(measured, CellText(row, column).View());
     }
     return measured;
+  }
+
+  CString CellText(int row, int column) const {
+    return rows_.IsNull(row, column) ? CString(null_text_.c_str()) : rows_._text(row, column);
   }
 
   void Widen(Column& column, std::string_view text) {
@@ -65,7 +69,7 @@ class TableWriter {
   bool WriteRows() {
     for (int row = 0; row < rows_.GetRecordCount(); ++row) {
       for (std::size_t column = 0; column < columns_.size(); ++column) {
-        AppendCell(column, rows_._str(row, static_cast<int>(column)).View());
+        AppendCell(column, CellText(row, static_cast<int>(column)).View());
       }
       if (!EndLine()) return false;
     }
@@ -94,6 +98,7 @@ class TableWriter {
   }
 
   const CRvoDbRes& rows_;
+  const std::string& null_text_;
   std::ostream& out_;
   std::vector<Column> columns_;
   std::string line_;
@@ -102,9 +107,9 @@ class TableWriter {
 
 }  // namespace
 
-bool WriteTable(const CRvoDbRes& rows, std::ostream& out) {
+bool WriteTable(const CRvoDbRes& rows, const std::string& null_text, std::ostream& out) {
   if (rows.GetFieldCount() == 0) return out.good();
-  return TableWriter(rows, out).Write();
+  return TableWriter(rows, null_text, out).Write();
 }
 
 }  // namespace qv::tool
