@@ -16,7 +16,8 @@ int RunBatch(std::initializer_list<const char*> statements) {
     std::printf("all %d statements were run\n", static_cast<int>(batch.GetSize()));
   } else if (result > qv::result::kBatchRefused) {
     // The server counts from 1. It has undone the statements before this one.
-    std::printf("statement %d was refused, so none was run\n", result - qv::result::kBatchRefused);
+    std::printf("statement %d was refused, so none was run: %s\n",
+                result - qv::result::kBatchRefused, CRvoServer::GetLastErrorText().GetString());
   } else if (result == qv::result::kNotDelivered) {
     std::printf("the server was not reached, so none was run\n");
   } else {

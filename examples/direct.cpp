@@ -14,9 +14,7 @@ constexpr const char kPlans[] = "PLANS";
 // Says why the driver refused the last call.
 bool Done(int result) {
   if (result == qv::result::kSuccess) return true;
-  CString reason;
-  CRvoServer::GetLocalDBError(reason);
-  std::fprintf(stderr, "failed: %s\n", reason.GetString());
+  std::fprintf(stderr, "failed: %s\n", CRvoServer::GetLastErrorText().GetString());
   return false;
 }
 
@@ -30,8 +28,8 @@ bool Print(const char* query) {
   const CString sql = query;
   if (!Done(CRvoDatabase::SelectSQL(&sql, &rows, kPlans, 0))) return false;
   for (int row = 0; row < rows.GetRecordCount(); ++row) {
-    std::printf("%ld: %s, scale %g\n", rows._int(row, "id"), rows._str(row, "name").GetString(),
-                rows._dabl(row, "scale"));
+    std::printf("%ld: %s, scale %s\n", rows._int(row, "id"), rows._text(row, "name").GetString(),
+                rows._text(row, "scale").GetString());
   }
   return true;
 }

@@ -26,7 +26,7 @@ void List(const char* folder) {
 // declared.
 bool Done(const char* step, int result) {
   if (result == qv::result::kSuccess) return true;
-  std::fprintf(stderr, "%s: result %d\n", step, result);
+  std::fprintf(stderr, "%s: %s\n", step, CRvoServer::GetLastErrorText().GetString());
   return false;
 }
 

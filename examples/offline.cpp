@@ -15,7 +15,7 @@ int PrintNumberOfProjects() {
   CRvoDbRes rows;
   const int result = CRvoDatabase::SelectSQL(&sql, &rows, "DESIGNDB", 1);
   if (result != qv::result::kSuccess) {
-    std::fprintf(stderr, "no answer: result %d\n", result);
+    std::fprintf(stderr, "no answer: %s\n", CRvoServer::GetLastErrorText().GetString());
     return result;
   }
   // 1: report the state, and do not try to reach the server.

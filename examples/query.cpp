@@ -14,12 +14,17 @@ int main(int argc, char** argv) {
   CRvoServer::SetConinfo(argv[1], std::atol(argv[2]));
 
   CRvoDbRes rows;
-  const CString sql = "select number, title, revision from documents where project_id = 1";
+  const CString sql = "select number, title, size_bytes from documents where project_id = 1";
   const int result = CRvoDatabase::SelectSQL(&sql, &rows, "DESIGNDB", 0);
-  if (result != qv::result::kSuccess) std::fprintf(stderr, "the query failed: %d\n", result);
-  for (int more = rows.MoveFirst(); more == 1; more = rows.MoveNext()) {
-    std::printf("%s, revision %s: %s\n", rows["number"].GetString(), rows["revision"].GetString(),
-                rows["title"].GetString());
+  if (result != qv::result::kSuccess) {
+    const CString reason = CRvoServer::GetLastErrorText();
+    std::fprintf(stderr, "the query failed: %s\n", reason.GetString());
+  }
+  for (int row = 0; row < rows.GetRecordCount(); ++row) {
+    // _text gives every digit; of a null cell it gives an empty text.
+    const CString size = rows.IsNull(row, "size_bytes") ? "?" : rows._text(row, "size_bytes");
+    std::printf("%s: %s, %s bytes\n", rows._text(row, "number").GetString(),
+                rows._text(row, "title").GetString(), size.GetString());
   }
 
   CRvoServer::FinitNet();

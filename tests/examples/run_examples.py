@@ -13,15 +13,15 @@ import tempfile
 
 # Arguments of each example, and what it prints. {port} and {folder} are those of the server.
 EXAMPLES = [
-    ("query 127.0.0.1 {port}", r"(D\d{5}-\w\w, revision \d: .* \"A&B\"\n){50}"),
-    ("batch 127.0.0.1 {port}", r"all 2 statements were run\nstatement 2 was refused, so none was run\n"
+    ("query 127.0.0.1 {port}", r"(D\d{5}-\w\w: .* \"A&B\", (\?|\d+) bytes\n){50}"),
+    ("batch 127.0.0.1 {port}", r"all 2 statements were run\nstatement 2 was refused, so none was run: .*no_such_table.*\n"
                                r"the priority of the first project is 1\n"),
     ("files 127.0.0.1 {port} pier.dwg", r"plans\\pier.dwg: 12 bytes\nfetched as pier.dwg.copy\n"),
     ("offline 127.0.0.1 {port} answers", r"24 projects, says the server\n"
                                          r"24 projects, says an answer that is 0 minutes old\n"),
     ("direct Driver=SQLite3;Database=plans.db", r"1: Pier 3, scale 0.02\n2: 总平面图, scale 0.001\n"),
-    ("direct Driver=none", r"failed: PLANS: .*\n"),
-    ("query 127.0.0.1 1", r"the query failed: -1\n"),
+    ("direct Driver=none", r"failed: .*none.*\n"),
+    ("query 127.0.0.1 1", r"the query failed: .*127.0.0.1:1.*\n"),
 ]
 FAILING = {"direct Driver=none", "query 127.0.0.1 1"}
 
