@@ -262,6 +262,36 @@ TEST(ReturnCodes, KnowWhichCallsGiveNoughtForSuccess) {
   }
 }
 
+TEST(Failures, SayTheReasonAndAHintWhereItHelps) {
+  using qv::tool::Call;
+  using namespace qv::result;
+  const std::string doubt = "it may or may not have been run";
+  const struct {
+    Call call;
+    Route route;
+    int code;
+    qv::tool::Reason reason;
+    std::string what;
+    std::string hint;  // a part of it; empty: none
+  } cases[] = {
+      {Call::kQuery, Route::kSocket, kQueryRefused, {qv::error::kSyntax, "a\x1b"}, "a\\x1b", ""},
+      {Call::kExec, Route::kSocket, kFailed, {qv::error::kBadToken, "no"}, "no", "--token"},
+      {Call::kExec, Route::kWeb, kNotDelivered, {qv::error::kBusy, "full"}, "full", "try again"},
+      {Call::kQuery, Route::kWeb, kNotDelivered, {qv::error::kCannotConnect, "c"}, "c", "--http-"},
+      {Call::kQuery, Route::kSocket, kOutcomeUnknown, {qv::error::kCancelled, "c"}, "c", ""},
+      {Call::kBatch, Route::kSocket, kOutcomeUnknown, {qv::error::kCancelled, "c"}, "c", doubt},
+      {Call::kExec, Route::kSocket, kOutcomeUnknown, {qv::error::kNoProgress, "n"}, "n", doubt},
+      {Call::kQuery, Route::kSocket, kOutcomeUnknown, {qv::error::kNoProgress, "n"}, "n", "again"},
+      {Call::kExec, Route::kDirect, kFailed, {}, "the database refused the statement", "check"},
+  };
+  for (const auto& [call, route, code, reason, what, hint] : cases) {
+    const qv::tool::Failure failure = qv::tool::DescribeFailure(call, route, code, reason);
+    EXPECT_EQ(failure.what, what + " (result " + std::to_string(code) + ")");
+    EXPECT_EQ(failure.hint.empty(), hint.empty()) << what << failure.hint;
+    EXPECT_NE(failure.hint.find(hint), std::string::npos) << failure.hint;
+  }
+}
+
 TEST(ReturnCodes, SpeakOfServersAndOfflineWorkOnlyWhereTheyAre) {
   for (const qv::tool::Call call :
        {qv::tool::Call::kQuery, qv::tool::Call::kProcedure, qv::tool::Call::kExec}) {

@@ -177,5 +177,29 @@ TEST_F(ExactValues, ComeFromPostgreSql) {
   ExpectExactValues();
 }
 
+// Takes minutes if nobody cancels it.
+constexpr const char kSlow[] =
+    "with recursive n (i) as (select 1 union all select i + 1 from n where i < 2000000000) "
+    "select count(*) from n";
+
+TEST_F(ExactValues, AreNotWaitedForAfterAnInterrupt) {
+  { const ServerProcess makes_samples({QV_STANDIN, "--data", Here("data"), "--port", "0"}); }
+  Serve("Driver=SQLite3;Database=" + Here("data/db/DESIGNDB.sqlite"), "varchar(40)", "blob",
+        "x'00ff'");
+  for (Words way : ways_) {
+    way.insert(way.begin(), {QV_QVCALL, "query", kSlow});
+    int terminal = -1;
+    const pid_t pid = SpawnOnTerminal(way, terminal);
+    if (pid < 0) GTEST_SKIP() << "no terminals here";
+    const std::string shown = ReadUntil(terminal, "  0:01");
+    EXPECT_THAT(shown, AnyOf(HasSubstr("Waiting"), HasSubstr("The server is at work")));
+    const std::string interrupt = "\x03";
+    ASSERT_EQ(write(terminal, interrupt.data(), 1), 1);
+    const Ended ended = WaitFor(pid, terminal);
+    EXPECT_THAT(ended.output, AllOf(HasSubstr("qvcall: "), HasSubstr("cancelled")));
+    EXPECT_EQ(ended.status, -SIGINT);
+  }
+}
+
 }  // namespace
 }  // namespace qv

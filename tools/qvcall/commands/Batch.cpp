@@ -13,7 +13,7 @@
 #include "qvnetcall/QvNetCall4.h"
 #include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/output/ReturnCodes.h"
-#include "tools/qvcall/progress/TransferProgress.h"
+#include "tools/qvcall/progress/CallProgress.h"
 #include "tools/qvcall/session/Session.h"
 
 namespace qv::tool {
@@ -80,12 +80,13 @@ Statements StatementsOf(std::string_view script, std::ostream& err) {
   return statements;
 }
 
-int Send(const Statements& statements, const char* database, std::ostream& err) {
+int Send(const Statements& statements, const char* database, CallProgress& progress) {
   CStringArray texts;
   for (const ScriptStatement& statement : statements) texts.Add(CString(statement.text));
-  const std::string sending = "Sending " + Counted(statements.size());
-  const BatchProgress progress(sending, MeasureBatch(database, statements).bytes, err);
-  return CRvoDatabase::ExecuteMultiSQL(&texts, database);
+  progress.Begin("Sending " + Counted(statements.size()), MeasureBatch(database, statements).bytes);
+  const int code = CRvoDatabase::ExecuteMultiSQL(&texts, database);
+  progress.End();
+  return code;
 }
 
 }  // namespace
@@ -101,9 +102,10 @@ int Run(const ConnectionOptions& connection, const BatchOptions& options, std::i
   const Statements statements = StatementsOf(*script, err);
   if (statements.empty()) return kUsage;
   if (!Fits(statements, options.database, err)) return kFailed;
+  CallProgress progress(err);
   Session session(connection, options.database, Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
-  const int code = Send(statements, session.Database(), err);
+  const int code = Send(statements, session.Database(), progress);
   if (code != result::kSuccess) {
     session.PrintFailure(Call::kBatch, code, err);
     if (code >= result::kBatchRefused) {

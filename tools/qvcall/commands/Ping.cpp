@@ -3,25 +3,35 @@
 #include <fmt/ostream.h>
 
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/session/Session.h"
 
 namespace qv::tool {
 namespace {
 
-int PingSocket(const Session& session, std::ostream& out, std::ostream& err) {
-  if (session.Probe()) {
-    fmt::print(out, "{} answers\n", session.Address());
-    return kDone;
-  }
-  if (CRvoServer::GetIsNetworkBad(1) == 1) {
-    fmt::print(err, "qvcall: {} cannot be reached; check --server and --port\n", session.Address());
-  } else {
-    fmt::print(err,
-               "qvcall: {} can be reached, but does not answer like the platform's server; "
-               "check --port and --token\n",
-               session.Address());
-  }
+// Prints the reason of the failure, or without one what `meaning` says of the server.
+int Fail(const Session& session, std::string_view meaning, std::string_view advice,
+         std::ostream& err) {
+  const Reason reason = session.LastReason();
+  fmt::print(
+      err, "qvcall: {}\n  {}\n",
+      reason.text.empty() ? fmt::format("{} {}", session.Address(), meaning) : Visible(reason.text),
+      reason.error_class == error::kBadToken ? "check --token" : advice);
   return kFailed;
+}
+
+int Answers(const Session& session, std::ostream& out) {
+  fmt::print(out, "{} answers\n", session.Address());
+  return kDone;
+}
+
+int PingSocket(const Session& session, std::ostream& out, std::ostream& err) {
+  if (session.Probe()) return Answers(session, out);
+  if (session.IsUnreachable()) {
+    return Fail(session, "cannot be reached", "check --server and --port", err);
+  }
+  return Fail(session, "can be reached, but does not answer like the platform's server",
+              "check --port and --token", err);
 }
 
 // The library checks links only over sockets; over HTTP, a small query serves the same purpose.
@@ -29,27 +39,20 @@ int PingWeb(const Session& session, std::ostream& out, std::ostream& err) {
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   const CString sql("select 1");
   CRvoDbRes rows;
-  const int code = CRvoDatabase::SelectSQL(&sql, &rows, "PLATDB", 0);
-  if (code == result::kSuccess) {
-    fmt::print(out, "{} answers\n", session.Address());
-    return kDone;
+  switch (CRvoDatabase::SelectSQL(&sql, &rows, "PLATDB", 0)) {
+    case result::kSuccess:
+      return Answers(session, out);
+    case result::kNotDelivered:
+      return Fail(session, "cannot be reached",
+                  "check --server and --http-port and, for https://, the server's certificate and "
+                  "--ca-file",
+                  err);
+    case result::kQueryRefused:
+      return Fail(session, "can be reached, but refuses a small query", "check --token", err);
+    default:
+      return Fail(session, "can be reached, but does not answer like the platform's web server",
+                  "check --http-port", err);
   }
-  if (code == result::kNotDelivered) {
-    fmt::print(
-        err,
-        "qvcall: {} cannot be reached; check --server and --http-port and, for https://, the "
-        "server's certificate and --ca-file\n",
-        session.Address());
-  } else if (code == result::kQueryRefused) {
-    fmt::print(err, "qvcall: {} can be reached, but refuses a small query; check --token\n",
-               session.Address());
-  } else {
-    fmt::print(err,
-               "qvcall: {} can be reached, but does not answer like the platform's web server; "
-               "check --http-port\n",
-               session.Address());
-  }
-  return kFailed;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "AnswerCache.h"
 #include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/progress/CallProgress.h"
 #include "tools/qvcall/session/Session.h"
 
 namespace qv::tool {
@@ -25,12 +26,15 @@ int RunText(const QueryOptions& options, const char* database, const CString& te
 // Fills `rows`. The connection is closed before the rows are printed, which may take long.
 bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, const std::string& sql,
            CRvoDbRes& rows, std::ostream& err) {
+  CallProgress progress(err);
   Session session(connection, options.database);
   if (!session.Start(err)) return false;
   if (options.use_cache && !PrepareCache(session, options, err)) return false;
 
   const CString text{std::string_view(sql)};
+  progress.Begin();
   const int code = RunText(options, session.Database(), text, rows);
+  progress.End();
   if (code != result::kSuccess) {
     if (!PrintMissingAnswer(session, options, text, code, err)) {
       session.PrintFailure(options.call, code, err);
@@ -62,10 +66,13 @@ int Run(const ConnectionOptions& connection, const ExecOptions& options, std::is
         std::ostream& err) {
   std::string sql;
   if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
+  CallProgress progress(err);
   Session session(connection, options.database);
   if (!session.Start(err)) return kFailed;
   const CString text{std::string_view(sql)};
+  progress.Begin();
   const int code = CRvoDatabase::ExecuteSQL(&text, session.Database());
+  progress.End();
   if (code != result::kSuccess) {
     session.PrintFailure(Call::kExec, code, err);
     return kFailed;

@@ -2,8 +2,6 @@
 
 #include <fmt/ostream.h>
 
-#include <utility>
-
 #include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/progress/ProgressLine.h"
 
@@ -27,11 +25,12 @@ void TransferReport::Fail(std::string_view subject, std::string_view reason) {
 }
 
 void TransferReport::Fail(std::string_view subject, Call call, int code) {
-  const ReturnCode words = ExplainResult(call, session_.Way(), code);
-  Fail(subject, fmt::format("{} (result {})", words.meaning, code));
-  // The same advice is printed once for consecutive files.
-  if (std::exchange(last_advice_, words.advice) == words.advice) return;
-  fmt::print(err_, "  {}\n", words.advice);
+  const Failure failure = DescribeFailure(call, session_.Way(), code, session_.LastReason());
+  Fail(subject, failure.what);
+  // The same hint is printed once for consecutive files.
+  if (failure.hint.empty() || failure.hint == last_hint_) return;
+  fmt::print(err_, "  {}\n", failure.hint);
+  last_hint_ = failure.hint;
 }
 
 int TransferReport::Finish(std::string_view remark) const {

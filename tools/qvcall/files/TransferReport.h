@@ -31,7 +31,7 @@ class TransferReport {
   std::ostream& err_;
   std::size_t done_ = 0;
   std::optional<std::uint64_t> bytes_ = 0;
-  std::string_view last_advice_;
+  std::string last_hint_;
   std::size_t failures_ = 0;
   std::vector<std::string> failed_;  // the first of the failures
 };

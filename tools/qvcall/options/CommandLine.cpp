@@ -140,7 +140,8 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv, std::ostre
   app.allow_windows_style_options(false);  // a slash begins a path on every system
   app.fallthrough()->require_subcommand(1);
   app.footer(
-      "Exit status: 0 success, 1 a failed call, 2 wrong usage.\n"
+      "Exit status: 0 success, 1 a failed call, 2 wrong usage. An interrupt cancels the call of a\n"
+      "query, call, exec or batch and ends the program by its signal (130 in a shell).\n"
       "Examples:\n"
       "  qvcall --port 4000 query \"SELECT * FROM projects\" --db DESIGNDB\n"
       "  qvcall --web --http-port 8080 query \"SELECT * FROM projects\" --db DESIGNDB\n"

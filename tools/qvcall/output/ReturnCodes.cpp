@@ -1,6 +1,6 @@
 #include "ReturnCodes.h"
 
-#include <fmt/ostream.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -243,10 +243,50 @@ ReturnCode ExplainResult(Call call, Route route, int code) {
   return {code, words.meaning, words.advice};
 }
 
-void PrintFailure(Call call, Route route, int code, std::ostream& err, std::string_view subject) {
+namespace {
+
+// Whether nobody knows if the call changed what it should change.
+bool IsDoubtful(Call call, int code) {
+  const bool changes = (kChanges & SetOf({call})) != 0 || call == Call::kRemove;
+  return changes && (code == result::kOutcomeUnknown || code == result::kBadReply);
+}
+
+// Returns what the user can do about a failure whose reason was printed, or an empty text if the
+// reason says enough.
+std::string Hint(Call call, Route route, int code, int error_class) {
   const ReturnCode words = ExplainResult(call, route, code);
-  const std::string about = subject.empty() ? "" : Visible(subject) + ": ";
-  fmt::print(err, "qvcall: {}{} (result {})\n  {}\n", about, words.meaning, code, words.advice);
+  switch (error_class) {
+    case error::kUnknownDatabase:
+      return "check the name of the database (--db)";
+    case error::kBadToken:
+      return "check the access token (--token or QVCALL_TOKEN)";
+    case error::kBusy:
+      return "nothing was done; try again later";
+    case error::kInternal:
+      return "the server's log may say more";
+    case error::kCancelled:
+      return IsDoubtful(call, code) ? "it may or may not have been run: check the data" : "";
+    case error::kCannotConnect:
+      return route == Route::kWeb ? "check --server, --http-port and, for https://, --ca-file"
+                                  : "check --server and --port";
+    case error::kNoProgress:
+    case error::kConnectionLost:
+    case error::kBadReply:
+      return (IsDoubtful(call, code) ? std::string(words.meaning) + "\n  " : std::string())
+          .append(words.advice);
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+Failure DescribeFailure(Call call, Route route, int code, const Reason& reason) {
+  const ReturnCode words = ExplainResult(call, route, code);
+  const bool is_known = !reason.text.empty();
+  return {fmt::format("{} (result {})",
+                      is_known ? Visible(reason.text) : std::string(words.meaning), code),
+          is_known ? Hint(call, route, code, reason.error_class) : std::string(words.advice)};
 }
 
 }  // namespace qv::tool

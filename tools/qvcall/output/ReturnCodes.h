@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
 #include <string_view>
 
 namespace qv::tool {
@@ -37,9 +38,17 @@ struct ReturnCode {
 // Returns the explanation of a result of that call. Every value has one.
 [[nodiscard]] ReturnCode ExplainResult(Call call, Route route, int code);
 
-// Prints the explanation to `err`. `subject` names the file or folder that the call was about, if
-// that is not obvious.
-void PrintFailure(Call call, Route route, int code, std::ostream& err,
-                  std::string_view subject = {});
+// Why a call failed, as the server, the transport or the driver says.
+struct Reason {
+  int error_class = 0;  // of qv::error
+  std::string text{};   // empty if nobody gave a reason
+};
+
+// A failure in words that are safe to show.
+struct Failure {
+  std::string what;  // the reason or, without one, the explanation of the result; and the result
+  std::string hint;  // what the user can do; empty if it would not help
+};
+[[nodiscard]] Failure DescribeFailure(Call call, Route route, int code, const Reason& reason);
 
 }  // namespace qv::tool

@@ -16,8 +16,9 @@ constexpr std::chrono::milliseconds kBetweenDrawings{100};
 
 }  // namespace
 
-ProgressBar::ProgressBar(std::ostream& out, std::function<std::size_t()> width)
-    : out_(out), width_(std::move(width)) {}
+ProgressBar::ProgressBar(std::ostream& out, std::function<std::size_t()> width,
+                         std::chrono::milliseconds delay)
+    : out_(out), width_(std::move(width)), delay_(delay) {}
 
 void ProgressBar::Begin(std::string_view label, std::optional<std::uint64_t> total) {
   {
@@ -45,6 +46,7 @@ void ProgressBar::Clear() {
   if (std::exchange(cleared_, true) || !thread_.joinable()) return;
   thread_.request_stop();
   thread_.join();
+  if (!is_drawn_) return;
   Draw({}, 0);
   out_ << '\r' << std::flush;
 }
@@ -52,14 +54,17 @@ void ProgressBar::Clear() {
 void ProgressBar::DrawUntilStopped(const std::stop_token& stop) {
   std::mutex mutex;  // the wait needs one, although there is nothing to guard
   std::unique_lock lock(mutex);
+  const auto waited = [&](std::chrono::milliseconds time) {
+    return !stopped_.wait_for(lock, stop, time, [&stop] { return stop.stop_requested(); });
+  };
+  if (delay_.count() != 0 && !waited(delay_)) return;
   do {
     // The last cell stays empty: some terminals wrap when it is written.
     const std::size_t width = width_();
     const std::string line = ProgressLine(Now(), width > 0 ? width - 1 : 0);
     std::string ignored;
     Draw(line, AppendVisible(line, ignored));
-  } while (
-      !stopped_.wait_for(lock, stop, kBetweenDrawings, [&stop] { return stop.stop_requested(); }));
+  } while (waited(kBetweenDrawings));
 }
 
 Progress ProgressBar::Now() {
@@ -75,6 +80,7 @@ void ProgressBar::Draw(std::string_view line, std::size_t cells) {
   // One write, because standard error is flushed after each.
   out_ << fmt::format("\r{}{:{}}", line, "", more) << std::flush;
   drawn_cells_ = cells;
+  is_drawn_ = true;
 }
 
 }  // namespace qv::tool

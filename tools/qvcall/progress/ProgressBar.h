@@ -21,8 +21,10 @@ namespace qv::tool {
 class ProgressBar {
  public:
   // Draws on `out`, which is a terminal that nobody else may write to until Clear(). `width`
-  // returns how many cells a line has at the moment; the drawing thread calls it.
-  ProgressBar(std::ostream& out, std::function<std::size_t()> width);
+  // returns how many cells a line has at the moment; the drawing thread calls it. Nothing is drawn
+  // before the first piece of work has lasted for `delay`.
+  ProgressBar(std::ostream& out, std::function<std::size_t()> width,
+              std::chrono::milliseconds delay = std::chrono::milliseconds(0));
   ~ProgressBar() { Clear(); }
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
@@ -46,6 +48,7 @@ class ProgressBar {
 
   std::ostream& out_;
   const std::function<std::size_t()> width_;
+  const std::chrono::milliseconds delay_;
 
   std::mutex mutex_;  // guards the next two; never held while something is drawn
   Progress progress_;
@@ -53,7 +56,9 @@ class ProgressBar {
 
   std::mutex life_mutex_;  // guards starting and stopping the thread
   bool cleared_ = false;
-  std::size_t drawn_cells_ = 0;  // used by the thread, and by Clear() after the thread has ended
+  // Used by the thread, and by Clear() after the thread has ended.
+  bool is_drawn_ = false;
+  std::size_t drawn_cells_ = 0;
   std::condition_variable_any stopped_;
   std::jthread thread_;
 };

@@ -7,7 +7,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "ProgressBar.h"
 #include "qvnetcall/transport/NetworkProgress.h"
@@ -48,22 +47,6 @@ class TransferProgress {
 
   std::optional<std::uint64_t> total_;
   InterruptWatch watch_;  // last, because its callback uses the other members
-};
-
-// While it lives, shows the progress of a batch that this thread sends over the socket transport:
-// first the bytes sent, then the wait for the server. An interrupt prints that the outcome is
-// unknown. Shows nothing if standard error is not a terminal.
-class BatchProgress {
- public:
-  // `sending` is the label while `bytes` are sent, and must outlive this. `err` is standard error.
-  BatchProgress(std::string_view sending, std::uint64_t bytes, std::ostream& err);
-  ~BatchProgress();
-  BatchProgress(const BatchProgress&) = delete;
-  BatchProgress& operator=(const BatchProgress&) = delete;
-
- private:
-  struct Shown;
-  std::unique_ptr<Shown> shown_;  // null without a terminal
 };
 
 }  // namespace qv::tool

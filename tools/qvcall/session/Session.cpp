@@ -2,7 +2,6 @@
 
 #include <fmt/ostream.h>
 
-#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -65,19 +64,6 @@ std::string MissingFile(const text::ConnectionText& connection) {
   return is_embedded && is_path && KindOf(*file) == LocalKind::kNone ? *file : std::string();
 }
 
-// Returns the lines of a text in a form that is safe to show. All lines but the first are indented.
-std::string Indented(std::string_view text) {
-  std::string shown;
-  while (!text.empty()) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    if (text::Trimmed(line).empty()) continue;
-    if (!shown.empty()) shown += "\n    ";
-    AppendVisible(text::Trimmed(line), shown);
-  }
-  return shown;
-}
-
 }  // namespace
 
 Session::Session(const ConnectionOptions& connection, std::string database, Calls calls)
@@ -121,9 +107,23 @@ bool Session::Start(std::ostream& err) {
   return false;
 }
 
+Reason Session::LastReason() const {
+  Reason reason{CRvoServer::GetLastErrorClass(), CRvoServer::GetLastErrorText().GetString()};
+  if (route_ == Route::kDirect) {
+    const text::ConnectionText secrets(connection_.direct);
+    reason.text = secrets.WithoutSecrets(reason.text, text::ConnectionText::Hide::kSecrets);
+    // The name of the database is already known.
+    if (const std::string prefix = database_ + ": "; reason.text.rfind(prefix, 0) == 0) {
+      reason.text.erase(0, prefix.size());
+    }
+  }
+  return reason;
+}
+
 void Session::PrintFailure(Call call, int code, std::ostream& err, std::string_view subject) const {
-  qv::tool::PrintFailure(call, route_, code, err, subject);
-  if (route_ == Route::kDirect) PrintDriverText(err);
+  const Failure failure = DescribeFailure(call, route_, code, LastReason());
+  fmt::print(err, "qvcall: {}{}{}\n", Visible(subject), subject.empty() ? "" : ": ", failure.what);
+  if (!failure.hint.empty()) fmt::print(err, "  {}\n", failure.hint);
 }
 
 void Session::PrintRefusal(Call call, std::string_view subject, std::ostream& err) const {
@@ -172,23 +172,11 @@ bool Session::OpenDirect(std::ostream& err) {
   // There is no server whose settings could be loaded.
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   if (CRvoServer::OpenLocalDB(database_.c_str(), connection_.direct.c_str()) == 1) return true;
-  fmt::print(err, "qvcall: the database cannot be opened; check the connection text (--direct)\n");
-  PrintDriverText(err);
+  const Reason reason = LastReason();
+  fmt::print(err,
+             "qvcall: the database cannot be opened{}{}\n  check the connection text (--direct)\n",
+             reason.text.empty() ? "" : ": ", Visible(reason.text));
   return false;
-}
-
-void Session::PrintDriverText(std::ostream& err) const {
-  CString said;
-  if (CRvoServer::GetLocalDBError(said) != 1) return;
-  std::string_view text = said.View();
-  // The name of the database is already known.
-  if (const std::string prefix = database_ + ": "; text.substr(0, prefix.size()) == prefix) {
-    text.remove_prefix(prefix.size());
-  }
-  const text::ConnectionText secrets(connection_.direct);
-  fmt::print(
-      err, "  the driver says: {}\n",
-      Indented(secrets.WithoutSecrets(std::string(text), text::ConnectionText::Hide::kSecrets)));
 }
 
 }  // namespace qv::tool

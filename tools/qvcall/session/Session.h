@@ -31,8 +31,10 @@ class Session {
   // not be what the user asked for.
   [[nodiscard]] bool Start(std::ostream& err);
 
-  // Explains a call's result on `err`, in direct mode with the driver's message. `subject` names
-  // the file, folder or statement if there are several.
+  // Returns why this thread's last call failed, without what the connection text hides.
+  [[nodiscard]] Reason LastReason() const;
+  // Tells on `err` why this thread's last call failed with that result. `subject` names the file,
+  // folder or statement if there are several.
   void PrintFailure(Call call, int code, std::ostream& err, std::string_view subject = {}) const;
   // The same for a call that returns 0 both if the server refused it and if it was not reached.
   void PrintRefusal(Call call, std::string_view subject, std::ostream& err) const;
@@ -56,7 +58,6 @@ class Session {
  private:
   [[nodiscard]] bool FindRoute(std::ostream& err);
   [[nodiscard]] bool OpenDirect(std::ostream& err);
-  void PrintDriverText(std::ostream& err) const;
 
   const ConnectionOptions& connection_;
   const Calls calls_;
