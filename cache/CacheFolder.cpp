@@ -13,8 +13,6 @@
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 #include "base/storage/FileNames.h"
-#include "base/text/Letters.h"
-#include "base/text/Numbers.h"
 
 namespace qv {
 
@@ -24,28 +22,17 @@ namespace fs = std::filesystem;
 
 constexpr const char kIndexName[] = "qvdbcache.db3";
 constexpr std::string_view kPrefix = "QvCache_";
-constexpr std::string_view kGuidShape = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
 constexpr std::string_view kAnswer = ".dat";
 constexpr std::string_view kTemporary = ".tmp";
-constexpr std::size_t kNameLength = kPrefix.size() + kGuidShape.size() + kAnswer.size();
+constexpr std::size_t kNameLength = kPrefix.size() + platform::kGuidLength + kAnswer.size();
 // Longer paths cannot be unpacked.
 constexpr std::size_t kPathLimit = 1024;
 // A temporary file of this age is no longer being written.
 constexpr std::chrono::hours kTemporaryLife(24);
 
-bool IsGuid(std::string_view text) {
-  if (text.size() != kGuidShape.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    const bool hex = text::HexDigitValue(c) >= 0 && !text::IsLowerLetter(c);
-    if (kGuidShape[i] == 'X' ? !hex : c != kGuidShape[i]) return false;
-  }
-  return true;
-}
-
 bool IsName(std::string_view name, std::string_view extension) {
   return name.size() == kNameLength && name.starts_with(kPrefix) && name.ends_with(extension) &&
-         IsGuid(name.substr(kPrefix.size(), kGuidShape.size()));
+         platform::IsGuid(name.substr(kPrefix.size(), platform::kGuidLength));
 }
 
 bool IsFile(const std::string& path) { return platform::TypeOf(path) == fs::file_type::regular; }

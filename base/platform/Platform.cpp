@@ -1,8 +1,12 @@
 #include "Platform.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <random>
+
+#include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 
 namespace qv::platform {
 
@@ -17,6 +21,15 @@ std::string NewGuid() {
   std::snprintf(text.data(), text.size(), "{%08X-%04X-%04X-%04X-%04X%08X}", random[0],
                 random[1] >> 16, version, variant, random[2] >> 16, random[3]);
   return text.data();
+}
+
+bool IsGuid(std::string_view text) {
+  constexpr std::string_view kShape = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+  static_assert(kShape.size() == kGuidLength);
+  return std::equal(text.begin(), text.end(), kShape.begin(), kShape.end(), [](char c, char shape) {
+    const bool is_digit = text::HexDigitValue(c) >= 0 && !text::IsLowerLetter(c);
+    return shape == 'X' ? is_digit : c == shape;
+  });
 }
 
 std::string FolderOf(const std::string& path) { return path.substr(0, FolderLength(path)); }

@@ -58,6 +58,9 @@ void CloseLibrary(void* library);
 
 // Returns a new random identifier in registry form: braces, upper-case digits, 38 characters.
 [[nodiscard]] std::string NewGuid();
+inline constexpr std::size_t kGuidLength = 38;
+// Returns whether all of `text` is an identifier in that form.
+[[nodiscard]] bool IsGuid(std::string_view text);
 
 enum class Create {
   kAlways,  // an existing file is emptied and taken from everybody else

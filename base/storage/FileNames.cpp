@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::string_view kAnswerPrefix = "TempClient_";
 constexpr std::string_view kAnswerExtension = ".txt";
-constexpr std::size_t kGuidLength = 38;
 
 }  // namespace
 
@@ -24,8 +23,9 @@ std::string NewAnswerName() {
 
 bool IsAnswerName(std::string_view path) {
   const std::string_view name = path.substr(platform::FolderLength(path));
-  return name.size() == kAnswerPrefix.size() + kGuidLength + kAnswerExtension.size() &&
-         name.starts_with(kAnswerPrefix) && name.ends_with(kAnswerExtension);
+  return name.size() == kAnswerPrefix.size() + platform::kGuidLength + kAnswerExtension.size() &&
+         name.starts_with(kAnswerPrefix) && name.ends_with(kAnswerExtension) &&
+         platform::IsGuid(name.substr(kAnswerPrefix.size(), platform::kGuidLength));
 }
 
 }  // namespace qv::storage

@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "base/platform/Folder.h"
 #include "base/platform/ThreadSlot.h"
@@ -70,7 +71,18 @@ TEST(Platform, MakesIdentifiersInRegistryForm) {
     const std::string guid = NewGuid();
     EXPECT_EQ(guid.size(), 38u);
     EXPECT_THAT(guid, EndsInShape(kGuidShape));
+    EXPECT_TRUE(IsGuid(guid));
     EXPECT_TRUE(seen.insert(guid).second);
+  }
+  const std::string guid = "{01234567-89AB-CDEF-0123-456789ABCDEF}";
+  EXPECT_TRUE(IsGuid(guid));
+  std::string lower = guid;
+  lower[11] = 'b';
+  std::string shifted = guid;
+  std::swap(shifted[9], shifted[10]);
+  for (const std::string& other :
+       {std::string(), guid.substr(1), guid + "0", lower, shifted, std::string(38, '0')}) {
+    EXPECT_FALSE(IsGuid(other)) << other;
   }
 }
 

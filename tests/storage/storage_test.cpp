@@ -45,6 +45,7 @@ TEST(Storage, KnowsTheNamesOfAnswers) {
       {name + ".txt", false},
       {"TempClient_.txt", false},
       {"TempClient_" + std::string(42, 'x'), false},
+      {"TempClient_" + std::string(38, 'x') + ".txt", false},
       {"", false},
   };
   for (const auto& [path, is_answer] : cases) EXPECT_EQ(IsAnswerName(path), is_answer) << path;
