@@ -1,5 +1,5 @@
-// Characters of ASCII and their case, whatever the locale. Bytes above 0x7f are no letters, digits,
-// blanks or controls: they belong to characters of some code page and are never changed.
+// Characters of ASCII and their case, whatever the locale. Bytes above 0x7f count as none of these:
+// they belong to characters of some code page and are never changed.
 #pragma once
 
 #include <algorithm>
@@ -26,10 +26,17 @@ constexpr bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 // What a terminal, a log or a protocol of lines could obey: a byte below the blank, or DEL.
 constexpr bool IsControl(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
 
+// The printable characters of ASCII other than the blank.
+constexpr bool IsVisible(char c) { return c > ' ' && c <= '~'; }
+
 constexpr bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
 inline bool HasControls(std::string_view text) {
   return std::any_of(text.begin(), text.end(), IsControl);
+}
+
+inline bool IsVisible(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return IsVisible(c); });
 }
 
 inline bool IsAscii(std::string_view text) {

@@ -38,9 +38,10 @@ constexpr bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c
 
 // Returns whether `character` is not to be shown, because a terminal, a log or a reader could take
 // it for more than text: a control of ASCII or Latin-1, a separator of lines or paragraphs, or one
-// that changes the direction of the text after it.
+// that changes the direction of the text around it.
 constexpr bool IsControlCharacter(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0) ||
+  return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x61C ||
+         character == 0x200E || character == 0x200F ||
          (character >= 0x2028 && character <= 0x202E) ||
          (character >= 0x2066 && character <= 0x2069);
 }

@@ -7,6 +7,7 @@
 #include "S3Errors.h"
 #include "S3Xml.h"
 #include "base/platform/Platform.h"
+#include "base/text/Letters.h"
 #include "base/text/Numbers.h"
 
 namespace qv::components {
@@ -32,7 +33,7 @@ std::string_view Header(CURL* easy, const char* name) {
 // guarantee the same bytes.
 bool IsEtag(std::string_view text) {
   return text.size() >= 2 && text.size() <= 256 && text.front() == '"' && text.back() == '"' &&
-         std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
+         text::IsVisible(text);
 }
 
 S3Head HeadOf(CURL* easy, long status) {

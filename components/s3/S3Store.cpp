@@ -10,6 +10,7 @@
 #include "S3Errors.h"
 #include "S3Parts.h"
 #include "S3Xml.h"
+#include "base/text/Letters.h"
 #include "base/text/Percent.h"
 
 namespace qv::components {
@@ -107,10 +108,10 @@ class NoMeter final : public TransferMeter {
   bool Moved(std::uint64_t, std::uint64_t) override { return true; }
 };
 
-bool IsVisible(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-    return c > ' ' && c <= '~' && c != '/' && c != ',';
-  });
+// Returns whether `text` can be a part of the credential that a request is signed with.
+bool IsCredentialPart(std::string_view text) {
+  return !text.empty() && text::IsVisible(text) &&
+         text.find_first_of("/,") == std::string_view::npos;
 }
 
 // Returns true for an answer that valid keys get if they may not list buckets.
@@ -141,7 +142,9 @@ std::unique_ptr<S3Store> S3Store::LogIn(const S3Endpoint& endpoint, const S3Keys
                                         const TransferSettings& settings,
                                         QvTransferResult& result) {
   result = QvTransfer_BadArgument;
-  if (!IsVisible(keys.access) || keys.secret.empty() || !IsVisible(keys.region)) return nullptr;
+  if (!IsCredentialPart(keys.access) || keys.secret.empty() || !IsCredentialPart(keys.region)) {
+    return nullptr;
+  }
   S3Session session(endpoint, keys, settings);
   result = TryKeys(session);
   if (result != QvTransfer_Success) return nullptr;

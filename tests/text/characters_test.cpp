@@ -43,6 +43,8 @@ TEST(Letters, AreToldFromBlanksAndControls) {
   for (const char c : {'\0', '\x1F', '\x7F'}) EXPECT_TRUE(HasControls({&c, 1}));
   EXPECT_FALSE(HasControls(" ~\x80\xFF"));
   EXPECT_TRUE(IsAscii("\x7F") && !IsAscii("a\x80"));
+  EXPECT_TRUE(IsVisible("!~") && IsVisible(""));
+  for (const char c : {' ', '\n', '\x7F', '\x80'}) EXPECT_FALSE(IsVisible({&c, 1})) << int{c};
   EXPECT_TRUE(IsLetterOrDigit('0') && IsLetterOrDigit('z') && !IsLetterOrDigit('_'));
 }
 
@@ -114,6 +116,18 @@ TEST(Utf8, TakesWellFormedCharactersOnly) {
   EXPECT_EQ(replaced,
             std::string(kReplacement) + std::string(kReplacement) + std::string(kReplacement));
   EXPECT_TRUE(ContinuesCharacter('\xBF') && !ContinuesCharacter('\xC2'));
+}
+
+TEST(Utf8, TellsWhatIsNotToBeShown) {
+  const struct {
+    char32_t first, last;
+  } hidden[] = {{0, 0x1F},        {0x7F, 0x9F},     {0x61C, 0x61C},
+                {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+  for (const auto& [first, last] : hidden) {
+    EXPECT_TRUE(IsControlCharacter(first) && IsControlCharacter(last)) << std::uint32_t{first};
+    EXPECT_FALSE(first != 0 && IsControlCharacter(first - 1)) << std::uint32_t{first};
+    EXPECT_FALSE(IsControlCharacter(last + 1)) << std::uint32_t{last};
+  }
 }
 
 }  // namespace

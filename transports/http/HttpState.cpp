@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/text/Letters.h"
 #include "transports/frame/Frame.h"
 
 namespace qv::wire {
@@ -32,8 +33,7 @@ HttpParameters::HttpParameters() : ParameterSet(kParameters) {}
 LoginTokens::LoginTokens() { entries_.reserve(kMaxServers); }
 
 bool LoginTokens::IsToken(std::string_view text) {
-  return !text.empty() && text.size() <= kLongestToken &&
-         std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
+  return !text.empty() && text.size() <= kLongestToken && text::IsVisible(text);
 }
 
 void LoginTokens::Keep(const std::string& url, std::string_view token) noexcept {

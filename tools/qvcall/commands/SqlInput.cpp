@@ -7,6 +7,7 @@
 #include <istream>
 #include <string_view>
 
+#include "base/text/Letters.h"
 #include "base/text/SqlText.h"
 #include "tools/qvcall/options/CommandLine.h"
 
@@ -17,8 +18,6 @@ using text::SqlPart;
 
 // More than the largest request. Stops reading an endless input.
 constexpr std::size_t kLongestText = std::size_t{64} << 20;
-
-constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
 
 // A field consists of a length, the bytes and a zero.
 constexpr std::size_t FieldBytes(std::size_t length) { return length + 5; }
@@ -45,9 +44,7 @@ int ReadStatement(const std::string& given, std::istream& in, std::string& sql, 
   }
   // Trimmed, because the cache would treat a statement with a line feed at its end as another
   // query.
-  sql = *text;
-  sql.erase(sql.find_last_not_of(kWhiteSpace) + 1);
-  sql.erase(0, sql.find_first_not_of(kWhiteSpace));
+  sql = text::Trimmed(*text);
   if (!sql.empty() && sql.find('\0') == std::string::npos) return kDone;
   fmt::print(err, "qvcall: the statement is empty or contains a NUL byte\n");
   return kUsage;

@@ -8,20 +8,13 @@
 #include <ctime>
 #include <ostream>
 
+#include "base/text/Utf8.h"
 #include "tools/qvcall/system/NarrowText.h"
 
 namespace qv::tool {
 namespace {
 
 bool IsPlain(char ch) { return ch >= 0x20 && ch < 0x7f; }
-
-// Whether a terminal would obey the character, or reorder the characters around it.
-bool IsHidden(char32_t character) {
-  return character < 0x20 || (character >= 0x7f && character < 0xa0) || character == 0x61c ||
-         character == 0x200e || character == 0x200f ||
-         (character >= 0x2028 && character <= 0x202e) ||
-         (character >= 0x2066 && character <= 0x2069);
-}
 
 std::size_t AppendSpeltOut(char32_t character, std::string& line) {
   const std::size_t before = line.size();
@@ -58,7 +51,7 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
     if (!next.valid) {
       line += NoCharacter();
       cells += 1;
-    } else if (IsHidden(next.value)) {
+    } else if (text::IsControlCharacter(next.value)) {
       cells += AppendSpeltOut(next.value, line);
     } else {
       line += text.substr(0, next.bytes);
