@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/text/Letters.h"
+
 namespace qv::tool {
 namespace {
 
@@ -16,7 +18,7 @@ bool NeedsDatabase(const CommandLine& command) {
 }
 
 bool IsEncrypted(const ConnectionOptions& connection) {
-  return connection.server.rfind("https://", 0) == 0;
+  return text::StartsWithIgnoringCase(connection.server, "https://");
 }
 
 struct Rule {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/text/ConnectionText.h"
+#include "base/text/HostName.h"
 #include "base/text/Letters.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
@@ -75,7 +76,8 @@ Session::Session(const ConnectionOptions& connection, std::string database, Call
   if (database_.empty()) database_ = "direct";
   if (calls == Calls::kOverSocket) {
     if (connection.port != 0) port_ = connection.port;
-    if (server_.rfind(kPlainScheme, 0) == 0) server_.erase(0, kPlainScheme.size());
+    std::string_view name = server_;
+    if (text::TakeScheme(name, kPlainScheme)) server_ = std::string(name);
   }
   CRvoServer::InitNet();
 }
