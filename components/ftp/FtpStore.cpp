@@ -23,12 +23,12 @@ bool IsWorthKeeping(QvTransferResult result) {
 std::string UniqueName() { return platform::NewGuid().substr(1, 36); }
 
 // Returns the folder with a slash at the end.
-std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
+std::string ParentOnServer(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
 
 // Returns a unique path beside `path`. The name does not start with a dot, since some servers
 // refuse such names.
-std::string PartBeside(const std::string& path) {
-  return FolderOf(path) + "qv-" + UniqueName() + ".part";
+std::string UploadPart(const std::string& path) {
+  return ParentOnServer(path) + "qv-" + UniqueName() + ".part";
 }
 
 // Resumes a part only if the server starts with the bytes that the part ends with. Some servers
@@ -97,7 +97,7 @@ QvTransferResult FtpStore::Send(const std::string& local, const std::string& rem
   if (result != QvTransfer_Success) return result;
   const std::string path = session_.Absolute(remote);
   if (path.ends_with('/')) return QvTransfer_BadArgument;
-  if (resume.IsEmpty()) resume.part = PartBeside(path);
+  if (resume.IsEmpty()) resume.part = UploadPart(path);
   result = FillPart(*source, is_text, resume, meter);
   if (result == QvTransfer_Success) result = Replace(resume.part, path);
   if (IsWorthKeeping(result)) return result;
@@ -118,7 +118,7 @@ QvTransferResult FtpStore::FillPart(LocalSource& source, bool is_text, Resume& r
   QvTransferResult result = QvTransfer_Success;
   if (transfer.offset == 0 || transfer.offset < transfer.size) {
     // Over TLS, a refused upload costs the connection.
-    const bool is_new = !folders_.contains(FolderOf(resume.part));
+    const bool is_new = !folders_.contains(ParentOnServer(resume.part));
     if (is_new && transfer.offset == 0) static_cast<void>(MakeFolders(resume.part));
     result = session_.Put(transfer, source, meter);
     // The folder may have been removed in the meantime.
@@ -141,7 +141,7 @@ bool FtpStore::MakeFolders(const std::string& path) {
        end = path.find('/', end + 1)) {
     is_any_new |= session_.Command("MKD " + path.substr(0, end)).result == QvTransfer_Success;
   }
-  folders_.insert(FolderOf(path));
+  folders_.insert(ParentOnServer(path));
   return is_any_new;
 }
 

@@ -1,5 +1,5 @@
+#include "ComServer.h"
 #include "Registration.h"
-#include "ScriptedServer.h"
 
 namespace qv::test {
 namespace {

@@ -11,18 +11,18 @@ template <class Store>
 class ClientOf : public QueueClient {
  public:
   long Logout() override { return store_.FtpLogout(); }
-  long Add(QueueKind kind, const std::string& first, const std::string& second) override {
+  long Add(Direction direction, const std::string& first, const std::string& second) override {
     constexpr long (Store::*kAdd[])(CString, CString) = {
         &Store::AddUploadFile, &Store::AddDownloadFile, &Store::AddCopyServerFile};
-    return (store_.*kAdd[static_cast<int>(kind)])(first.c_str(), second.c_str());
+    return (store_.*kAdd[static_cast<int>(direction)])(first.c_str(), second.c_str());
   }
-  long Run(QueueKind kind, long retries, long& count) override {
+  long Run(Direction direction, long retries, long& count) override {
     constexpr long (Store::*kRun[])(long, long&) = {&Store::UploadFile, &Store::DownloadFile,
                                                     &Store::CopyServerile};
-    return (store_.*kRun[static_cast<int>(kind)])(retries, count);
+    return (store_.*kRun[static_cast<int>(direction)])(retries, count);
   }
-  std::string FailInfo(QueueKind kind, long count) override {
-    return std::string(store_.GetFailInfo(static_cast<int>(kind), count).View());
+  std::string FailInfo(Direction direction, long count) override {
+    return std::string(store_.GetFailInfo(static_cast<int>(direction), count).View());
   }
   long Move(const std::string& from, const std::string& to) override {
     return store_.RenameServerFile(from.c_str(), to.c_str());

@@ -12,7 +12,7 @@
 namespace qv::tool {
 
 // Numbered as in the library.
-enum class QueueKind : int { kUpload, kDownload, kCopy };
+enum class Direction : int { kUpload, kDownload, kCopy };
 
 // One connection. All calls must be made on the thread that created it. Results are those of the
 // component (QvTransferResult), or result::kNoComponent. Throws _com_error if the component fails
@@ -23,12 +23,12 @@ class QueueClient {
 
   [[nodiscard]] virtual long Login(const QueueHost& host, const std::string& password) = 0;
   [[nodiscard]] virtual long Logout() = 0;
-  [[nodiscard]] virtual long Add(QueueKind kind, const std::string& first,
+  [[nodiscard]] virtual long Add(Direction direction, const std::string& first,
                                  const std::string& second) = 0;
   // Sets `count` to the number of files that succeeded.
-  [[nodiscard]] virtual long Run(QueueKind kind, long retries, long& count) = 0;
+  [[nodiscard]] virtual long Run(Direction direction, long retries, long& count) = 0;
   // Returns what the last run wrote about its failures to the server's log.
-  [[nodiscard]] virtual std::string FailInfo(QueueKind kind, long count) = 0;
+  [[nodiscard]] virtual std::string FailInfo(Direction direction, long count) = 0;
   [[nodiscard]] virtual long Move(const std::string& from, const std::string& to) = 0;
   [[nodiscard]] virtual long RemoveFile(const std::string& path) = 0;
   [[nodiscard]] virtual long RemoveFolder(const std::string& path) = 0;

@@ -48,7 +48,7 @@ class QueueWork {
       pairs.emplace_back(file.local, file.server);
       bytes += file.bytes;
     }
-    return RunQueue(QueueKind::kUpload, pairs, bytes);
+    return Transfer(Direction::kUpload, pairs, bytes);
   }
 
   int operator()(const QueueGet& command) {
@@ -60,12 +60,12 @@ class QueueWork {
     for (FileTransfer& file : PlanQueue(command, report_)) {
       pairs.emplace_back(std::move(file.server), std::move(file.local));
     }
-    return RunQueue(QueueKind::kDownload, pairs, std::nullopt);
+    return Transfer(Direction::kDownload, pairs, std::nullopt);
   }
 
   int operator()(const QueueCopy& command) {
     const std::string target = QueueTarget(command.source, command.target);
-    return RunQueue(QueueKind::kCopy, {{command.source, target}}, std::nullopt);
+    return Transfer(Direction::kCopy, {{command.source, target}}, std::nullopt);
   }
 
   int operator()(const QueueMove& command) {
@@ -97,16 +97,17 @@ class QueueWork {
     return kDone;
   }
 
-  int RunQueue(QueueKind kind, const Pairs& pairs, std::optional<std::uint64_t> bytes) {
+  int Transfer(Direction direction, const Pairs& pairs, std::optional<std::uint64_t> bytes) {
     std::vector<std::string> names;
     for (const auto& [first, second] : pairs) {
       names.push_back(first);
       // A file that cannot be transferred is queued as well, and the run reports it.
-      static_cast<void>(client_.Add(kind, first, second));
+      static_cast<void>(client_.Add(direction, first, second));
     }
     long count = 0;
     progress_.Begin(names, bytes);
-    const long result = pairs.empty() ? result::kSuccess : client_.Run(kind, host_.retries, count);
+    const long result =
+        pairs.empty() ? result::kSuccess : client_.Run(direction, host_.retries, count);
     progress_.End();
     const auto moved = static_cast<std::size_t>(std::max(count, 0L));
     // The bytes sent of a file that failed do not tell how many the server stored.
@@ -116,7 +117,7 @@ class QueueWork {
                                                   : fmt::format("{} of {} failed, the first",
                                                                 pairs.size() - moved, pairs.size());
     if (Succeeded(result, subject)) return report_.Finish();
-    PrintFailInfo(client_.FailInfo(kind, count), err_);
+    PrintFailInfo(client_.FailInfo(direction, count), err_);
     if (moved > 0 || report_.HasFailures()) static_cast<void>(report_.Finish());
     return kFailed;
   }

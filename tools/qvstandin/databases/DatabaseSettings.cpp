@@ -26,7 +26,7 @@ constexpr std::size_t kLongestName = 64;
 constexpr const char* kOdbc = "odbc";
 constexpr const char* kConnectionText = "connection_text";
 
-bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '-'; }
+bool IsDatabaseNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '-'; }
 
 // Why the file cannot be used, as a text that follows its name; nothing if it can.
 using Complaint = std::optional<std::string>;
@@ -88,7 +88,8 @@ Complaint Parse(const std::string& text, DatabaseSettingsByName& settings) {
 }  // namespace
 
 bool IsDatabaseName(std::string_view name) {
-  return !name.empty() && name.size() <= kLongestName && std::ranges::all_of(name, IsNameByte);
+  return !name.empty() && name.size() <= kLongestName &&
+         std::ranges::all_of(name, IsDatabaseNameByte);
 }
 
 Outcome ReadDatabaseSettings(const std::string& path, DatabaseSettingsByName& settings) {

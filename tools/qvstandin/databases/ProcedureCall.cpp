@@ -10,7 +10,7 @@ namespace qv::standin {
 
 namespace {
 
-bool IsNameByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '.'; }
+bool IsWordByte(char ch) { return text::IsLetterOrDigit(ch) || ch == '_' || ch == '.'; }
 
 // Reads a call from left to right and removes what it has read.
 class CallScanner {
@@ -31,7 +31,7 @@ class CallScanner {
 
   std::string Word() {
     SkipBlanks();
-    const auto end = std::ranges::find_if_not(rest_, IsNameByte);
+    const auto end = std::ranges::find_if_not(rest_, IsWordByte);
     const auto length = static_cast<std::size_t>(end - rest_.begin());
     const std::string word(rest_.substr(0, length));
     rest_.remove_prefix(length);

@@ -10,7 +10,7 @@ namespace qv::tool {
 namespace {
 
 // Older systems do not let a program choose UTF-8 and use their own code page.
-bool IsUtf8() {
+bool CodePageIsUtf8() {
   static const bool is_utf8 = ::GetACP() == CP_UTF8;
   return is_utf8;
 }
@@ -47,7 +47,7 @@ std::optional<std::string> NarrowFromWide(std::wstring_view text) {
 }
 
 text::DecodedChar DecodeNarrow(std::string_view text) {
-  if (IsUtf8()) return text::DecodeUtf8(text);
+  if (CodePageIsUtf8()) return text::DecodeUtf8(text);
   const auto lead = static_cast<unsigned char>(text.front());
   const std::string_view character =
       text.substr(0, ::IsDBCSLeadByteEx(CP_ACP, lead) != FALSE ? 2 : 1);
@@ -56,10 +56,10 @@ text::DecodedChar DecodeNarrow(std::string_view text) {
   return {static_cast<char32_t>(wide->front()), character.size(), true};
 }
 
-std::string_view NoCharacter() { return IsUtf8() ? text::kReplacement : "?"; }
+std::string_view NoCharacter() { return CodePageIsUtf8() ? text::kReplacement : "?"; }
 
 std::string Utf8FromNarrow(std::string_view text) {
-  if (IsUtf8() || text.empty()) return std::string(text);
+  if (CodePageIsUtf8() || text.empty()) return std::string(text);
   const int length = static_cast<int>(std::min(text.size(), kLongestText));
   std::wstring wide(static_cast<std::size_t>(length), L'\0');
   const int units = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length);

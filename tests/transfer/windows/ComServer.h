@@ -1,4 +1,4 @@
-// What the COM servers of both scripted components have alike.
+// What the COM servers of both scripted components share.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@
 
 namespace qv::test {
 
-// What each server says of itself.
+// What each server defines.
 struct ServerClass {
   CLSID id;
   const char* key;  // where it is registered
@@ -41,7 +41,7 @@ inline HRESULT HeardQuestion(BSTR path, long* out) {
   return result;
 }
 
-// `Entries` are the table of the interface. The rest comes behind them, so that it moves none.
+// `Entries` is the table of the interface. The other interfaces follow it, so that no entry moves.
 template <class Entries>
 class Scripted final : public Entries, public ISupportErrorInfo, public IRunnableObject {
  public:

@@ -1,4 +1,4 @@
-#include "ScriptedServer.h"
+#include "ComServer.h"
 
 #include <windows.h>
 
