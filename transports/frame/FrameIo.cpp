@@ -44,6 +44,15 @@ std::array<unsigned char, kFrameChecksumSize> BodyChecksum(Bytes token, Bytes bl
   return bytes;
 }
 
+FrameHeader HeaderOf(const OutgoingMessage& message, const OutgoingFile* file) {
+  FrameHeader header{.kind = message.kind,
+                     .token_length = static_cast<std::uint32_t>(message.token.size()),
+                     .payload_length = message.payload.size(),
+                     .file_length = {}};
+  if (file != nullptr) header.file_length = file->Length();
+  return header;
+}
+
 bool SendHeader(ByteStream& stream, FrameKind kind, std::uint64_t number) {
   return stream.Write({EncodeHeader(
       {.kind = kind, .token_length = 0, .payload_length = number, .file_length = {}})});
@@ -101,26 +110,16 @@ FrameStatus ReceiveChunks(ByteStream& stream, std::uint64_t length, const FilePr
 }  // namespace
 
 std::uint64_t FrameLength(const OutgoingMessage& message, const OutgoingFile* file) {
-  const std::uint64_t length = kFrameHeaderSize + message.token.size() + message.block.size() +
-                               message.payload.size() + kFrameChecksumSize;
-  if (file == nullptr) return length;
-  const std::uint64_t bytes = file->Length();
-  const std::uint64_t chunks = bytes / kChunkSize + (bytes % kChunkSize != 0 ? 1 : 0);
-  return length + bytes + (chunks + 1) * kChunkHeaderSize;
+  return FrameLength(HeaderOf(message, file));
 }
 
 FrameStatus SendFrame(ByteStream& stream, const OutgoingMessage& message, OutgoingFile* file,
                       const FileProgress& progress) {
   const bool fits = message.payload.size() <= kMaxPayload && message.token.size() <= kMaxToken;
   if (!fits || message.block.size() != kFrameBlockSize) return FrameStatus::kDoesNotFit;
-  FrameHeader header{.kind = message.kind,
-                     .token_length = static_cast<std::uint32_t>(message.token.size()),
-                     .payload_length = message.payload.size(),
-                     .file_length = {}};
-  if (file != nullptr) header.file_length = file->Length();
-  const auto header_bytes = EncodeHeader(header);
+  const auto header = EncodeHeader(HeaderOf(message, file));
   const auto checksum = BodyChecksum(message.token, message.block, message.payload);
-  if (!stream.Write({header_bytes, message.token, message.block, message.payload, checksum})) {
+  if (!stream.Write({header, message.token, message.block, message.payload, checksum})) {
     return FrameStatus::kConnectionLost;
   }
   return file != nullptr ? SendChunks(stream, *file, progress) : FrameStatus::kDone;
