@@ -23,6 +23,8 @@ class CMsgContent : public CMsgContentBase {
   explicit CMsgContent(CAutoBuf& buf);
   ~CMsgContent() override;
 
+  // Stores the command's code in the block, replacing an earlier one. Returns 0, or -1 if the
+  // message is unbound.
   int SetCommand(unsigned int code);
   // Appends a text of at least one character. A field that does not fit the block is the last one:
   // every later append fails, also if there was no memory for that field.
@@ -40,19 +42,28 @@ class CMsgContent : public CMsgContentBase {
   // cannot be written.
   int GetFile(CFile& file, int* err);
 
+  // Stores a flag for the transport, which is 1 at first; most calls of the library set it to 0 on
+  // their requests. The transports that are built here do not read it. Returns 0.
   int SetMsgFlag(unsigned char on);
-  // Sets the server file of the call, cut to 255 bytes.
+  // Stores the server file of the call in the block, cut to 255 bytes, in place of an earlier name.
+  // Returns 0. Returns -1 and changes nothing if `name` is null or the message is unbound.
   int SetName(const char* name);
-  // Sets the server file, cut to 251 bytes, and its numeric identifier. Returns -1 for a negative
-  // identifier.
+  // Stores the server file, cut to 251 bytes, and its numeric identifier in the block. Returns 0.
+  // Returns -1 and changes nothing if `id` is negative, `name` is null or the message is unbound.
   int SetIdName(const char* name, int id);
-  // Sets the path from which the transport reads a request's file, or to which it writes a reply's
-  // file; cut to 1024 bytes.
+  // Copies the path from which the transport reads a request's file, or to which it writes a
+  // reply's file, cut to 1024 bytes. `file_flag` is stored for the transport: the library sets 1 if
+  // the call is about a file, and 0 on the reply of a query, whose answer may come as a file. The
+  // transports that are built here do not read it. Returns 0. Returns -1 and changes nothing if
+  // `path` is null.
   int SetFileName(const char* path, unsigned char file_flag);
 
-  // For transports.
+  // For transports. Command() is 0 before any was set, and if the message is unbound.
   std::uint32_t Command() const { return IsBound() ? qv::LoadU32(CommandPointer()) : 0; }
+  // Returns the path that SetFileName stored, which this object owns; an empty text before any was
+  // set, and never null.
   const char* FileName() const { return file_name_; }
+  // The flags are 1 before any was set.
   unsigned char MsgFlag() const { return msg_flag_; }
   unsigned char FileFlag() const { return file_flag_; }
 

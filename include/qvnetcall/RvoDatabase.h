@@ -22,7 +22,8 @@ class QVNETCALL_API CRvoDatabase {
   // Resets the record of temporary files: the system's temporary folder, prefix "qvcd", extension
   // "tmp". The library calls this itself when it is loaded. Set-up.
   static void Ini();
-  // Returns the folder in which temporary files are created.
+  // Returns the folder in which temporary files are created. Any thread may call, except during Ini
+  // and SetFileTempInfo.
   static CString GetTempFilePath();
   // Set where temporary files and the files of binary cells are created; the second form sets the
   // folder only. `path` must end with the platform's separator. Texts that do not fit their field
@@ -30,6 +31,7 @@ class QVNETCALL_API CRvoDatabase {
   static void SetFileTempInfo(const char* path, const char* prefix, const char* ext);
   static void SetFileTempInfo(const char* path);
   // Returns a new name for a temporary file: "TempClient_", an identifier in registry form, ".txt".
+  // Creates no file. Any thread may call.
   static CString GetTempFileNameA();
 
   // SelectSQL runs a query, and ExecuteSP a procedure call or a query, on the server's database of
@@ -91,7 +93,8 @@ class QVNETCALL_API CRvoDatabase {
   // Read a recordset file into `res`, which must be new or empty: ReadFromXmlFile the rowset
   // dialect, ReadFromXmlFile2 the schema dialect, which web servers send. Binary cells are written
   // to files that are named by `temp_files` and are not deleted. Return 1. Return 0 if the file
-  // cannot be read; the columns that were found until then stay in `res`.
+  // cannot be read; the columns that were found until then stay in `res`. Any number of threads may
+  // call at once, each with a result set of its own; they do not use the network.
   static int ReadFromXmlFile(const char* path, CRvoDbRes* res, const tagTEMPFILEINFO& temp_files);
   static int ReadFromXmlFile2(const char* path, CRvoDbRes* res, const tagTEMPFILEINFO& temp_files);
 

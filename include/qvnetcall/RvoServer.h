@@ -38,18 +38,33 @@ class QVNETCALL_API CRvoServer {
   // at a time may call this, because that parameter is shared.
   static int CheckServerLink(CString server, unsigned long port);
 
-  // Sets a parameter of the socket transport. Returns 1, or 0 if the transport does not know the
-  // parameter or refuses the value.
+  // Sets a parameter of the socket transport, on all threads, for the calls that start afterwards.
+  // Any thread may call. Returns 1, or 0 if the transport does not know the parameter or refuses
+  // the value. Another transport may have other parameters; those of the transport that is built
+  // here are:
+  //
+  //   name                values
+  //   dispmsg             up to 4096 bytes, "1" at first: whether messages may be shown to the
+  //                       user; kept for programs with a user interface, the transport shows none
+  //   token               up to 4096 bytes, empty at first: the access token that is sent with
+  //                       every request
+  //   connect_timeout_ms  1 to 3600000, 5000 at first: milliseconds for connecting
+  //   io_timeout_ms       1 to 3600000, 30000 at first: milliseconds without progress
+  //   retry_after_ms      1 to 3600000, 3000 at first: the least number of milliseconds between two
+  //                       probes of a bad network
+  //   tls                 only "0": this transport does not encrypt
+  //   ca_file             only empty: this transport does not encrypt
   static int SetNetClientPara(CString name, CString value);
-  // Reads a parameter of the socket transport into `value`. Returns 1. Returns 0 and leaves `value`
-  // unchanged if the transport does not know the parameter.
+  // Reads a parameter of the socket transport into `value`. Any thread may call. Returns 1. Returns
+  // 0 and leaves `value` unchanged if the transport does not know the parameter.
   static int GetNetClientPara(CString name, CString& value);
   // Returns 1 while the socket transport considers the network bad, else 0. If `n` is 0, the
-  // transport may probe the network first; if `n` is 1, it only reports.
+  // transport may probe the network first (the one that is built here then blocks for up to a
+  // second); if `n` is 1, it only reports. Any thread may call.
   static int GetIsNetworkBad(int n);
   // Copies the HTTP transport's login token, with a NUL at its end, to `token`, a buffer of the
-  // caller that is large enough for it (256 bytes for the transport that is built here). Returns 1,
-  // or 0 if there is no token.
+  // caller that is large enough for it (256 bytes for the transport that is built here). Any thread
+  // may call. Returns 1, or 0 if there is no token; `token` is an empty text then.
   static int GetWebLoginToken(char* token);
 
   // Fills `info`, which must not be null and stays the caller's, with what the server says about
@@ -66,7 +81,7 @@ class QVNETCALL_API CRvoServer {
   // character. Returns 1, or 0 if the server did not take the line or cannot be reached. If the
   // server is a web server, nothing is sent and the result is 0.
   static int SendSvrLogInfo(int kind, CString text);
-  // Returns the text "a_n:b" of the three arguments.
+  // Returns the text "a_n:b" of the three arguments. Any thread may call.
   static CString QvURL(CString a, int n, CString b);
 
   // Returns the connection text that the server has for a database; empty if it has none or cannot
@@ -76,15 +91,17 @@ class QVNETCALL_API CRvoServer {
   // and registers it under the name `database`, in which every byte counts. Returns 1 and closes
   // the connection that had the name before. Returns 0 and leaves that connection in place if the
   // new one cannot be opened. Blocks until the database answers: at most 15 seconds, if the driver
-  // supports a time limit.
+  // supports a time limit. Any thread may call, also while others use the connection that is
+  // replaced: they go on with it.
   static int OpenLocalDB(CString database, CString connection);
-  // Closes the connection to a local database. Returns 1, or 0 if there is none of that name. Does
-  // not block: the connection ends when the calls of other threads that work on it have returned.
+  // Closes the connection to a local database. Returns 1, or 0 if there is none of that name. Any
+  // thread may call. Does not block: the connection ends when the calls of other threads that work
+  // on it have returned.
   static int CloseLocalDB(CString database);
   // Stores in `text`, for a log, why this thread's last call on a local database failed: the
   // database's name, and the state and the text of every message of its driver, which may quote the
-  // statement. Returns 1, or 0 and an empty text if there is nothing to say. Not part of the
-  // platform's interface: an extension of this library.
+  // statement. Returns 1, or 0 and an empty text if there is nothing to say. Any thread may call;
+  // each has its own text. Not part of the platform's interface: an extension of this library.
   static int GetLocalDBError(CString& text);
   // Returns the class of the reason (names in qv::error) for which this thread's last call failed,
   // or was refused by the server; 0 (kNone) if it did neither. Calls on the server and on local
@@ -110,16 +127,20 @@ class QVNETCALL_API CRvoServer {
   // Sets the cache state (names in qv::cache_state): 0 online, 1 offline by choice, 2 offline
   // because the network is bad. 0 and 2 also tell the socket transport that the network is good or
   // bad. Returns 1. Returns 0 and changes nothing for any other state, or if the server is a web
-  // server.
+  // server. Any thread may call, but asks GetServerType, which may probe the server: only one
+  // thread at a time may do that.
   static int SetCacheState(int state);
   // Returns the cache state, 0 to 2 as above. Unless it is 1, it first becomes 0 or 2 according to
-  // GetIsNetworkBad(n). Returns 0 if the server is a web server.
+  // GetIsNetworkBad(n). Returns 0 if the server is a web server. The thread rule of SetCacheState
+  // holds.
   static int GetCacheState(int n);
   // Sets the folder in which answers to queries are kept; it is created if it does not exist. At
   // first there is none and nothing is kept; a null or empty path goes back to that. Returns 1, or
-  // 0 if the folder cannot be used, in which case nothing is kept either.
+  // 0 if the folder cannot be used, in which case nothing is kept either. Any thread may call;
+  // calls that run at that moment finish with the folder from before.
   static int SetCachePath(const char* path);
-  // Removes every answer that is kept. Returns 1, or 0 if that fails or no folder is set.
+  // Removes every answer that is kept. Any thread may call. Returns 1, or 0 if that fails or no
+  // folder is set.
   static int ClearCurCache();
 
   // Limits the memory that the cells of one answer may take, in bytes. It is half of the machine's

@@ -5,7 +5,7 @@
 
 #include "qvnetcall/Export.h"
 
-class CMsgContent;
+class CMsgContent;  // declared in message/MsgContent.h
 
 extern "C" {
 

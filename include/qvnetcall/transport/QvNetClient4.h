@@ -6,7 +6,7 @@
 
 #include "qvnetcall/Export.h"
 
-class CMsgContent;
+class CMsgContent;  // declared in message/MsgContent.h
 
 extern "C" {
 
@@ -27,6 +27,15 @@ QVNETCALL_API void NetworkTransFini();
 //   -3 if the reply was malformed, failed its checksum, did not fit the reply's block, or brought a
 //      file that could not be written.
 // After any result but 0, the reply holds no fields and no part of its file is left.
+//
+// Two commands never reach a server, whatever `server` and `port` are: the transport answers them
+// itself, with the values of its own parameters (CRvoServer::SetNetClientPara names those of the
+// library that is built here). An empty value is left out of either message, because no field is
+// empty.
+//
+//   command          request                reply
+//   -1 (0xFFFFFFFF)  text name              text "1", text value; "0" if the name is unknown
+//   -2 (0xFFFFFFFE)  text name, text value  text "1"; "0" if the parameter was not set
 QVNETCALL_API int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                                   CMsgContent& reply);
 
