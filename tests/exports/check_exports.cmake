@@ -1,11 +1,11 @@
-# Fails unless a shared library offers every name of a list and, on ELF systems, no name that is neither in the list nor
-# matches MEMBERS. Needs LIBRARY, NAMES (the list's file), LISTER (the command that tells what a library offers, with its
-# options) and FILTER (what makes readable names of it).
+# Fails unless a shared library exports every name of a list and, on ELF systems, no name that is neither in the list
+# nor matches MEMBERS. Needs LIBRARY, NAMES (the file with the list), LISTER (the command that lists the exports of a
+# library, with its options) and FILTER (the command that demangles them).
 cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND ${LISTER} ${LIBRARY} COMMAND ${FILTER} OUTPUT_VARIABLE offered COMMAND_ERROR_IS_FATAL ANY)
 file(STRINGS ${NAMES} names)
 
-# Each stands behind its address or number, at the end of its line.
+# In each line, the name comes last, after its address or number.
 string(REGEX REPLACE "\r?\n" "|" lines "${offered}")
 set(missing "")
 foreach(name IN LISTS names)
@@ -23,7 +23,8 @@ string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n]+" symbols "${offered}")
 set(leaked "")
 foreach(symbol IN LISTS symbols)
   string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${symbol}")
-  if(name IN_LIST names OR name MATCHES "^(__odr_asan|__asan|__start_|__stop_)" OR (MEMBERS AND name MATCHES "^(${MEMBERS})$"))
+  if(name IN_LIST names OR name MATCHES "^(__odr_asan|__asan|__start_|__stop_)" OR
+      (MEMBERS AND name MATCHES "^(${MEMBERS})$"))
     continue()
   endif()
   string(APPEND leaked "\n  ${name}")
