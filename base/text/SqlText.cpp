@@ -52,7 +52,7 @@ std::size_t RunLength(std::string_view rest, Continues continues) {
   return static_cast<std::size_t>(end - rest.begin());
 }
 
-// Returns 0 if the dollar sign that `rest` begins with is no more than that.
+// Returns 0 if the dollar sign that `rest` begins with does not open a quoted text.
 std::size_t DollarTextLength(std::string_view rest) {
   static constexpr SqlDialect kTags;
   std::size_t end = 1;

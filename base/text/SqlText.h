@@ -20,6 +20,8 @@ struct SqlDialect {
 };
 
 // For a script that may be meant for any engine: whatever one of them reads as a quote is a quote.
+// Two forms are not known here, although some engines know them: quotes after a backslash, so that
+// E'\';' ends before its last quote, and comments inside comments, which end at the first "*/".
 inline constexpr SqlDialect kAnyEngine = {
     .has_dollar_texts = true, .has_brackets = true, .has_backticks = true};
 
@@ -45,9 +47,9 @@ struct SqlPiece {
   std::size_t length;
 };
 
-// Returns what `rest`, which must not be empty, begins with. A quote in double is part of the piece
-// that it stands in. What is not closed runs to the end of `rest`. A backslash has no meaning:
-// E'...' is a word and a text, which ends at the first single quote.
+// Returns what `rest`, which must not be empty, begins with. A doubled quote does not end its
+// piece; an unclosed piece extends to the end of `rest`. A backslash has no meaning: E'...' is a
+// word and a text, which ends at the first single quote.
 [[nodiscard]] SqlPiece NextSqlPiece(std::string_view rest, const SqlDialect& dialect);
 
 // Takes 'a text' off the front of `rest`, and returns it without its quotes. Returns nothing if

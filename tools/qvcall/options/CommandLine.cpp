@@ -120,7 +120,10 @@ CLI::App* AddBatch(CLI::App& app, BatchOptions& batch) {
   command->add_option("file", batch.file, "The file; - is standard input")->required();
   AddDatabase(*command, batch.database, "Name of the database on the server; required");
   command->footer(
-      "Statements end at each \";\" outside quotes, names in square brackets and comments.\n"
+      "Statements end at each \";\" outside quotes (also `, $$ and $tag$), names in square "
+      "brackets "
+      "and comments. A backslash before a quote and a comment inside a comment are not recognized: "
+      "such a text or comment must not contain \";\".\n"
       "A batch always uses the socket transport, even with --web: it goes to --port or, if "
       "that is not given, to --http-port, where the server must then accept both. Not with "
       "--direct.");
