@@ -10,7 +10,7 @@ namespace qv {
 
 class KeptBuffer {
  public:
-  // Reads the whole file; a NUL stands behind its last byte. Throws std::system_error.
+  // Reads the whole file and appends a NUL. Throws std::system_error.
   void Load(const std::string& path);
 
   [[nodiscard]] char* Data() { return bytes_.get(); }

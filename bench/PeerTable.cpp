@@ -18,7 +18,8 @@ Number Parse(std::string_view text) {
 // The files hold nothing but "true" and "false" here, whatever the case.
 bool IsTrue(std::string_view text) { return text.size() == 4; }
 
-// "2004-01-02T03:04:05", and whatever follows, in days since the last but one day of 1899.
+// Returns a time such as "2004-01-02T03:04:05" in days since 30 December 1899. What follows the
+// time is ignored.
 double ParseDays(std::string_view text) {
   using std::chrono::sys_days;
   if (text.size() < 19) return 0.0;

@@ -17,8 +17,8 @@ class PeerTable {
   PeerTable();
 
   void BeginRow() { next_ = 0; }
-  // The value of the column of that name; columns before it that had none get their neutral value.
-  // A name that is no column behind the last one is ignored.
+  // Appends the value of the column of that name; columns that were skipped get a neutral value. A
+  // name is ignored unless its column comes after that of the last value.
   void Put(std::string_view name, std::string_view value);
   void EndRow();
 

@@ -1,5 +1,5 @@
 // The general XML parsers that the readers are measured against, each in its fastest mode that
-// still gives the right values. The file in `buffer` may be changed. They throw std::runtime_error.
+// still returns correct values. The file in `buffer` may be changed. They throw std::runtime_error.
 #pragma once
 
 #include "KeptBuffer.h"

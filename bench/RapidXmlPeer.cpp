@@ -44,8 +44,7 @@ void FillFromChildren(const Node& rows, PeerTable& table) {
 }  // namespace
 
 void FillWithRapidXml(Dialect dialect, KeptBuffer& buffer, PeerTable& table) {
-  // parse_fastest would leave entities as they are. Nodes for texts and terminators behind them are
-  // what can be spared.
+  // parse_fastest would not decode entities. Nodes for texts and their terminators are not needed.
   constexpr int kFlags = rapidxml::parse_no_data_nodes | rapidxml::parse_no_string_terminators;
   rapidxml::xml_document<char> document;
   document.parse<kFlags>(buffer.Data());

@@ -22,7 +22,7 @@ else()
 endif()
 set(CMAKE_COMPILE_WARNING_AS_ERROR ${QV_WARNINGS_AS_ERRORS})
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # This one takes a literal put before a text for a copy onto itself, once it has inlined far enough.
+  # After inlining, GCC 12 reports a false -Wrestrict overlap for `literal + string`.
   add_compile_options(-Wno-restrict)
 endif()
 
@@ -30,7 +30,7 @@ if(QV_SANITIZE)
   add_compile_options(-fsanitize=${QV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QV_SANITIZE})
   if(QV_SANITIZE MATCHES "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # The compiler warns of fences, which the sanitizer cannot follow; Asio's stand beside locks, which it can.
+    # GCC warns of fences, which the sanitizer cannot follow; those of Asio are used together with locks, which it can.
     add_compile_options(-Wno-tsan)
   endif()
 endif()

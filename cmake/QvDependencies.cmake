@@ -11,14 +11,14 @@ if(WIN32)
   target_link_libraries(Boost::headers INTERFACE ws2_32 mswsock)
 endif()
 if(MINGW)
-  # Asio would go by what was included before it, and so differ from one source to the next within one program.
+  # Otherwise Asio decides by what was included before it, and differs between the sources of one program.
   target_compile_definitions(Boost::headers INTERFACE BOOST_ASIO_HAS_PTHREADS=1)
 endif()
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(fmt REQUIRED)
 if(NOT WIN32)
-  # For the transfer components, which Windows has of its own.
+  # For the transfer components, which are not built for Windows.
   find_package(OpenSSL REQUIRED)
   find_package(pugixml REQUIRED)
 endif()

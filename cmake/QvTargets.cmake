@@ -42,7 +42,7 @@ endfunction()
 # BESIDE_PROGRAMS is where hosts look for what they load at run time.
 function(qv_add_shared_library target)
   cmake_parse_arguments(ARG "BESIDE_PROGRAMS" "" "WHOLE;TRANSPORTS;HIDDEN" ${ARGN})
-  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp "// The library's code stands in the folders that it links.\n")
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp "// The code of the library is in the rooms that it links.\n")
   # Their objects, not their archives: the folders name each other as well, and an archive must not be on one link line
   # both whole and as far as it is used.
   list(TRANSFORM ARG_WHOLE REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
@@ -83,12 +83,12 @@ function(qv_speaks_utf8 target)
   endif()
 endfunction()
 
-# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER] [THREADS] [CODE_PAGES <numbers>] [NOT_ON_WINDOWS <cases>]):
-# one GoogleTest program, its cases known to ctest, which runs each in a process of its own. TOGETHER runs them all in one,
-# when they share what takes long to start. THREADS labels them "threads": the thread sanitizer's stage builds the target
-# thread_tests and runs those.
-# CODE_PAGES are those in which the cases run on Windows as well, besides UTF-8: what hosts there have.
-# NOT_ON_WINDOWS leaves out cases that rest on what only other systems do.
+# qv_add_test(<name> SOURCES <files> LINKS <targets> [TOGETHER] [THREADS] [CODE_PAGES <numbers>]
+#   [NOT_ON_WINDOWS <cases>])
+# One GoogleTest program. ctest knows its cases and runs each in a process of its own; TOGETHER runs them all in one
+# process, if they share something that takes long to start. THREADS labels them "threads": the thread sanitizer's stage
+# builds the target thread_tests and runs those. CODE_PAGES are the code pages, besides UTF-8, in which the cases run on
+# Windows as well, because hosts there use them. NOT_ON_WINDOWS leaves out cases that depend on other systems.
 function(qv_add_test target)
   cmake_parse_arguments(ARG "TOGETHER;THREADS" "" "SOURCES;LINKS;CODE_PAGES;NOT_ON_WINDOWS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})

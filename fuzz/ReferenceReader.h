@@ -48,13 +48,13 @@ struct ReferenceTable {
   std::optional<std::string> last_binary;
 };
 
-// Read the bytes of a file into `table`, behind the columns that it has already. False when the
-// file is refused.
+// Append the columns of a file, given as its bytes, to those of `table`. Return false if the file
+// is refused.
 [[nodiscard]] bool ReadRowsetByReference(const std::string& file, ReferenceTable& table);
 [[nodiscard]] bool ReadSchemaByReference(const std::string& file, ReferenceTable& table);
 
-// The number that a text starts with: white space, a sign, digits; held within 32 bits, 0 when
-// there are no digits.
+// Returns the number that a text starts with, after white space and a sign, or the nearest limit of
+// 32 bits; 0 if there are no digits.
 [[nodiscard]] std::int32_t DecimalByReference(const std::string& text);
 
 }  // namespace qv

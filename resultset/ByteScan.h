@@ -1,7 +1,7 @@
 // Exact and fast search for bytes and markers in text, and eight digits at a time.
 #pragma once
 
-// What the one compiler calls by its name, the other has in everything for 64 bits.
+// GCC and clang define __SSE2__; MSVC has SSE2 on every x64 target.
 #if defined(__SSE2__) || defined(_M_X64)
 #define QV_HAS_SSE2
 #include <emmintrin.h>

@@ -93,7 +93,8 @@ std::optional<DriverText> DriverText::From(std::string_view text, Encoding encod
   constexpr std::size_t kLongest = std::numeric_limits<SQLINTEGER>::max() / 8;
   auto wide = text.size() <= kLongest ? platform::WideFromNarrow(text) : std::nullopt;
   if (!wide || text.find('\0') != std::string_view::npos) {
-    diagnostics.push_back({kNotText, 0, "this is no text that a database could take"});
+    diagnostics.push_back(
+        {kNotText, 0, "the text is not valid in the code page, contains a NUL, or is too long"});
     return std::nullopt;
   }
   DriverText result;

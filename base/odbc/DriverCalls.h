@@ -55,7 +55,7 @@ struct ColumnFacts {
 [[nodiscard]] std::optional<ColumnFacts> DescribeColumn(SQLHSTMT statement, SQLUSMALLINT number,
                                                         Encoding encoding);
 
-// Returns true if the driver of a connection preserves wide text.
+// Returns kWide if the driver of a connection preserves wide text, else kNarrow.
 [[nodiscard]] Encoding EncodingOf(SQLHDBC connection);
 
 // Adds the diagnostics of the last call on `handle`, at least one.

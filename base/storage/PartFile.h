@@ -11,8 +11,8 @@
 namespace qv::storage {
 
 // The file is written under the name of a part, in the same file system as its place, and takes its
-// place in one step when it is whole. Whoever looks there finds what stood there before or the new
-// file, whatever happens to the program.
+// place in one step when it is whole. Whoever looks there finds the previous file or the new one,
+// whatever happens to the program.
 //
 // After a power cut the same holds for a file that was finished with Flush::kYes: the old one or
 // the new one is there, with all its bytes. Which of them is not promised, since the folder is not
@@ -22,7 +22,7 @@ namespace qv::storage {
 class PartFile {
  public:
   // Creates the part; `how` says what happens to a file of its name. If that fails, the part is not
-  // open, and what is there stays.
+  // open, and an existing file is left unchanged.
   explicit PartFile(std::string part, platform::Create how = platform::Create::kNew);
   // Opens a part that was kept, to write after its end; it is open only if it is still there with
   // `size` bytes. A part that is not open stays as it is.
@@ -42,7 +42,7 @@ class PartFile {
 
   // Ends the writing. Returns false if anything that was written is missing.
   [[nodiscard]] bool Finish(Flush flush) { return file_.Close(flush); }
-  // Moves the part to its place, replacing a file that stands there. Call it after Finish().
+  // Moves the part to its place, replacing an existing file. Call it after Finish().
   [[nodiscard]] bool MoveTo(const std::string& place);
   // Leaves the part where it is, to be resumed.
   void Keep() { owns_part_ = false; }

@@ -37,9 +37,9 @@ class ConnectionText {
     kAllValues,  // every other value as well: hosts, users, databases
   };
   // Returns what a driver said with "***" wherever it repeats what is to be hidden. Values that are
-  // not secret are hidden from four bytes on, since shorter ones stand in every sentence and give
-  // nothing away. Secrets are always hidden, but those below three bytes only where they are words
-  // of their own: "***" inside of a word would tell them.
+  // not secret are hidden from four bytes on: shorter ones occur in ordinary sentences and reveal
+  // nothing. Secrets are always hidden, but those below three bytes only where they are whole
+  // words: masking them inside words would reveal them.
   [[nodiscard]] std::string WithoutSecrets(std::string said, Hide hide) const;
 
  private:

@@ -30,7 +30,7 @@ class QueryCacheTest : public testing::Test {
     return cache_.Store(key, folder_.Write("answer", text), kCachePlain);
   }
 
-  // What the cache gives, or "-"; nothing else may come to lie in the folder for copies.
+  // Returns what the cache finds, or "-". No other file may appear in the folder for copies.
   std::string Found(const QueryCache& cache, const std::string& key) {
     const std::optional<std::string> path = cache.Find(key, copies_);
     std::string text = "-";

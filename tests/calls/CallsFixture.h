@@ -1,4 +1,4 @@
-// What the tests of single exchanges share: a scripted server that gives every request one answer.
+// What the tests of single exchanges share: a scripted server that answers every request alike.
 #pragma once
 
 #include <functional>
@@ -35,7 +35,7 @@ class Calls : public ModuleTest {
 
   struct OneCall {
     std::function<int()> call;
-    std::optional<int> while_bad;  // what it gives without asking; nothing when it always asks
+    std::optional<int> while_bad;  // its result while nothing is sent; empty if it always sends
   };
   // Every call that reads a reply.
   std::vector<OneCall> EveryCall() {

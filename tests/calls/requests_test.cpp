@@ -15,7 +15,7 @@ struct Sent {
   std::uint32_t request_block = kRequest;
   std::uint32_t reply_block = kReply;
   std::string payload = {};
-  std::string name_field = {};  // without the zeros behind it
+  std::string name_field = {};  // without the zeros after it
   int message_flag = 1;
   std::string file = {};
   std::string reply_file = {};
@@ -130,7 +130,7 @@ TEST_F(Requests, OfFolders) {
       {[&] { CRvoFolder::GetMatchFilesInFolder("f", "*.dwg", count_, -2); },
        Texts(6002, {"f", "*.dwg", "1"})},
       {[&] { CRvoFolder::GetFilesInFolder("f", count_, 0); }, Texts(6002, {"f", "*.*", "0"})},
-      // An empty text is no field.
+      // An empty text is left out.
       {[&] { CRvoFolder::GetFilesInFolder("", count_, 0); }, Texts(6002, {"*.*", "0"})},
       {[] { CRvoFolder::NewOneFolder("f"); }, Texts(6003, {"f"})},
       {[] { CRvoFolder::DelOneFolder("f"); }, Texts(6004, {"f"})},
@@ -187,7 +187,7 @@ TEST_F(Requests, CutTheLogAtWholeCharacters) {
       {std::string(10238, 'x') + "\xB0", 10238},
       {std::string(10239, 'x'), 10239},
       {std::string(10240, 'x'), 10239},
-      {std::string(10238, 'x') + "\xB0\xA1", 10238},        // its first half stands last
+      {std::string(10238, 'x') + "\xB0\xA1", 10238},        // its first half would be last
       {std::string(10237, 'x') + "\xB0\xA1", 10239},        // its second half does
       {std::string(10237, 'x') + "\xB0\xA1" + "y", 10239},  // looks like a first half, is none
       {std::string(10238, 'x') + "\x80" + "y", 10239},      // no first half

@@ -189,7 +189,7 @@ TEST_F(Results, OfPages) {
   EXPECT_EQ(list(), 0);
   EXPECT_EQ(count_, 9);
   EXPECT_EQ(buffer.m_size, 4u);
-  Answer(Text("9").Text("67108865"));  // more than can be had: the buffer is empty
+  Answer(Text("9").Text("67108865"));  // more than the limit: the buffer is empty
   EXPECT_EQ(list(), 0);
   EXPECT_EQ(count_, 9);
   EXPECT_EQ(buffer.m_bytes, nullptr);

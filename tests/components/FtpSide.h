@@ -24,7 +24,7 @@ long ResultOf(IQvCoFtp* component, HRESULT (IQvCoFtp::*call)(Parameters...),
   return (component->*call)(arguments..., &result) == 0 ? result : -2;
 }
 
-// What the server says of its own doings.
+// What the server reports in its log.
 struct ServerLog {
   std::vector<std::string> cut;
   std::vector<std::string> commands;
@@ -73,7 +73,7 @@ class FtpSide {
     return Ask(&IQvCoFtp::IsOperatorFileSuc, first.c_str()) == 1;
   }
 
-  // What the log has had since it was read last.
+  // Returns what was added to the log since the last call.
   ServerLog ReadLog() {
     ServerLog log;
     std::ifstream file(In("", "log"));

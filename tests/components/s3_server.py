@@ -5,8 +5,8 @@ body must have the hash that was signed. Prints its port; a line per request goe
 
     METHOD target status bytes-received bytes-sent
 
-Arguments: access key, secret key, log file, then faults, each as "COUNT ACTION ARGUMENT REGEX": the first COUNT requests
-whose "METHOD target" is found by REGEX meet with ACTION.
+Arguments: access key, secret key, log file, then faults, each as "COUNT ACTION ARGUMENT REGEX": ACTION is applied to
+the first COUNT requests whose "METHOD target" REGEX matches.
 
     cut-request N   the connection ends after N bytes of the body
     cut-answer N    the connection ends after N bytes of the answer's body
@@ -299,7 +299,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
         inside = "".join("<Contents><Key>%s</Key></Contents>" % urllib.parse.quote_plus(key, safe="/") for key in page)
         inside += "<EncodingType>url</EncodingType>"
         if len(page) < len(keys):
-            inside += "<IsTruncated>true</IsTruncated><NextContinuationToken>%s</NextContinuationToken>" % escape(page[-1])
+            inside += "<IsTruncated>true</IsTruncated>"
+            inside += "<NextContinuationToken>%s</NextContinuationToken>" % escape(page[-1])
         return 200, {}, xml_of("ListBucketResult", inside)
 
     def post_delete(self, body):

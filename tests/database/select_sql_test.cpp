@@ -124,7 +124,7 @@ TEST_F(SelectSql, UnpacksBesideTheAnswerUnderTheEndOfItsName) {
     reply = Memory(Gzipped(Rowset({{"A", "value"}})), "SUCCESS_COMPRESS");
     return 0;
   };
-  EXPECT_EQ(Select(), "result 10");  // what stands in its place is no file
+  EXPECT_EQ(Select(), "result 10");  // its place is taken by a folder
   EXPECT_THAT(TempFiles(), ElementsAre(unpacked));
 }
 

@@ -49,7 +49,7 @@ TEST_F(EndToEnd, AsManyUsersAreListedAsAReplyHolds) {
   EXPECT_EQ(Text(users[1966], layout::kName), "zhao.min");
   EXPECT_EQ(run("INSERT INTO users VALUES (1968, 'one.more', 'U', 0)"), SQLITE_OK);
   EXPECT_EQ(CRvoAd::GetADUserInfo(count), nullptr);
-  EXPECT_EQ(server->Served().back().outcome, "there are more than one reply can hold");
+  EXPECT_EQ(server->Served().back().outcome, "the list does not fit into one reply");
   sqlite3_close(directory);
 }
 

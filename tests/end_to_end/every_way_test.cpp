@@ -113,14 +113,14 @@ TEST_P(EveryWay, BatchesAreWholeOrAbsent) {
   auto refused = batch;
   refused.push_back("nonsense");
   Asked();
-  // Over the web as well they go over the socket; directly there are none.
+  // Batches use the socket even if the server is a web server; direct access has none.
   EXPECT_EQ(ExecuteBatch(refused), Per(103, 103, -1));
   EXPECT_EQ(Rows(names), before);
   EXPECT_EQ(ExecuteBatch(batch), Per(0, 0, -1));
   EXPECT_EQ(Asked(), Per<Commands>({310, 210, 310}, {310, 200, 310}, {}));
   EXPECT_EQ(Rows(names), GetParam() == Way::kDirect ? before : "one|\ntwo|\n");
   EXPECT_EQ(ExecuteBatch({}), Per(0, 0, -1));
-  // More than a request holds: the server hears of one field too few, and runs none of them.
+  // More than a request holds: the server receives one field too few, and runs no statement.
   const std::string comment = "/*" + std::string(700'000, 'x') + "*/";
   EXPECT_NE(ExecuteBatch({batch[0] + comment, batch[1] + comment, "delete from projects"}), 0);
   EXPECT_NE(Rows(names), "");

@@ -1,5 +1,5 @@
-// Servers and disks that fail while a query is on its way: each gives its documented code and
-// leaves no file behind.
+// Servers and disks that fail during a query: each failure returns its documented code and leaves
+// no file.
 #include <functional>
 
 #include "EndToEnd.h"
@@ -99,7 +99,7 @@ TEST_F(FailingServer, AnswersOnToAFullDisk) {
   EXPECT_EQ(SelectFrom(memory), 0);
   EXPECT_EQ(SelectFrom(streamed), 0);
   const FullDisk full(100000);
-  EXPECT_EQ(SelectFrom(memory), 1);  // half an answer is none
+  EXPECT_EQ(SelectFrom(memory), 1);  // the answer could not be stored completely
   EXPECT_EQ(SelectFrom(streamed), -3);
   ExpectNothingLeft();
 }

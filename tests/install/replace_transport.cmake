@@ -1,5 +1,5 @@
-# Installs the library, builds a transport of our own against the installed headers alone, puts it in the place of the one
-# that was installed, and has the installed tool ping through it. Nobody listens on the port that it names.
+# Installs the library, builds a transport against the installed headers alone, replaces the installed transport with
+# it, and lets the installed tool ping through it. Nobody listens on the port that it names.
 # Needs BUILD, PREFIX, COMPILER, SOURCE and LIBDIR.
 file(REMOVE_RECURSE ${PREFIX})
 

@@ -38,7 +38,7 @@ class DirectAccess : public testing::Test {
     std::strcpy(files_.prefix, "qv");
     std::strcpy(files_.ext, "bin");
   }
-  // The file's name must reach the driver as it stands.
+  // The file's name must reach the driver unchanged.
   std::string ConnectionText(const std::string& name) const {
     return "Driver=SQLite3;SyncPragma=OFF;Database=" + folder_.At(u8"图纸 ") + name;
   }
@@ -204,7 +204,7 @@ TEST_F(DirectAccess, WritesBinaryCellsToFiles) {
 }
 
 TEST_F(DirectAccess, LeavesNothingOfAQueryThatFails) {
-  // Row by row, so that a query can fail behind its first rows.
+  // Row by row, so that a query can fail after its first rows.
   const std::string stepping = ConnectionText("design") + ";StepAPI=1";
   ASSERT_EQ(database_.Open("DESIGN", stepping.c_str()), 1);
   Run("create table T (B blob, N bigint)");
@@ -259,7 +259,8 @@ TEST_F(DirectAccess, KeepsConnectionsByName) {
   EXPECT_EQ(database_.Close("OTHER"), 0);
   EXPECT_EQ(database_.Close(nullptr), 0);
 
-  // A connection that cannot be had leaves the one before, and its reason.
+  // A connection that cannot be opened leaves the previous one open, and is the reason that is
+  // kept.
   EXPECT_EQ(database_.Open("DESIGN", "Driver=None there"), 0);
   EXPECT_THAT(database_.LastError(), StartsWith("DESIGN: ["));
   EXPECT_EQ(database_.Open("NEW", nullptr), 0);

@@ -21,7 +21,7 @@ CAutoBuf& Used(CAutoBuf& block) {
   return block;
 }
 
-// A message over a block of its own, which held something else before.
+// A message over its own block, which is filled with other bytes before.
 struct Message {
   explicit Message(std::uint32_t size) : block(size), content(Used(block)) {}
 
@@ -220,7 +220,7 @@ TEST(MsgContent, RefusesFieldsThatDoNotLieInThePayload) {
     EXPECT_EQ(reply.content.Queue().ReadPosition(), 0u) << c.what;
     EXPECT_EQ(reply.Bytes(269, c.payload.size()), c.payload) << c.what;
   }
-  // The agreed test is lenient: the zero byte may lie behind the write position, inside the area.
+  // The agreed test is lenient: the zero byte may lie beyond the write position, inside the area.
   Message lenient("\x03\0\0\0abc"s, block);
   EXPECT_EQ(lenient.content.GetString(nullptr), "abc");
 }

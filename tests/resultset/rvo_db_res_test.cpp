@@ -23,7 +23,7 @@ struct TypedColumn {
   std::vector<std::string> cells;
 };
 
-// Fills a result set without a file, so that these tests stand on their own.
+// Fills a result set without a file, so that these tests do not depend on the readers.
 void Fill(CRvoDbRes& result, const std::vector<TypedColumn>& columns) {
   ResultTable& table = ResultTable::Of(result);
   for (const TypedColumn& typed : columns) {

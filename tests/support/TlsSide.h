@@ -1,4 +1,4 @@
-// The server's side of a connection, behind TLS, and certificates that are made for it.
+// The server's side of a TLS connection, and the certificates for it.
 #pragma once
 
 #include <boost/asio/ssl.hpp>

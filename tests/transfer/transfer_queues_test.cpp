@@ -100,7 +100,7 @@ class Queues : public ModuleTest {
     return {object().DeleteServerFile("%s"), object().DeleteServerPath("%d"),
             object().RenameServerFile("o", "n"), object().IsOperatorFileSuc("q")};
   }
-  // The pairs of a queue, by a report in which all failed from now on: what is behind its label.
+  // Returns the pairs of a queue as the report lists them after its label if every file failed.
   std::string Queued(int kind) {
     script_->other_answer = 0;
     const CString report = object().GetFailInfo(kind, kLeast);
@@ -165,7 +165,7 @@ TYPED_TEST(Queues, ReportWhatFailed) {
   const struct {
     std::vector<long> answers;
     long count;
-    std::string report;  // behind the label
+    std::string report;  // after the label
   } cases[] = {
       {{}, 0, ""},
       {{}, -1, " 0 Files FAIL\n"},

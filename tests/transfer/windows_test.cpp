@@ -37,7 +37,7 @@ class ComDeathTest : public ModuleTest {
   ComDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-// What stands beside the program.
+// Returns the path of a file beside the program.
 fs::path Beside(const char* name) {
   return platform::PathFromNarrow(platform::ProgramFolder() + name);
 }
@@ -128,7 +128,7 @@ TEST_F(Com, EndsTheFtpComponentInsideItsApartment) {
   EXPECT_EQ(Released(), "inside");
 }
 
-// Beside the program there is no file that could have been loaded before.
+// Moves the component away, so that no file beside the program can be loaded.
 int LiveWithoutComponents() {
   { const CRvoFtp entered; }
   APTTYPE type{};

@@ -58,7 +58,7 @@ class HttpTransport : public testing::Test {
   TempFolder folder_;
 };
 
-// Reads one request and answers with `answer` as it stands.
+// Reads one request and sends the bytes of `answer`.
 inline ScriptedServer::Script Answering(const std::string& answer) {
   return [answer](ServerSide& side) {
     HttpRequestSeen request;

@@ -27,7 +27,7 @@ struct TransportCall {
   CMsgContent reply{reply_block};
 };
 
-// 3,000,001 bytes, no two chunks of which are alike.
+// 3,000,001 bytes, in which no two chunks are equal.
 inline std::string LongBytes() {
   std::string bytes(3'000'001, '\0');
   for (std::size_t at = 0; at < bytes.size(); ++at) {
@@ -36,7 +36,7 @@ inline std::string LongBytes() {
   return bytes;
 }
 
-// Eight threads call fifty times each; gives the number of calls that brought back what they sent.
+// Eight threads call fifty times each. Returns how many calls received what they had sent.
 inline int CallsThatEchoed(const std::function<bool(TransportCall&, int count)>& is_delivered) {
   std::atomic<int> right{0};
   std::vector<std::thread> threads;

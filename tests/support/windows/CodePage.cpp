@@ -10,10 +10,11 @@ namespace {
 
 class InCodePage : public testing::Environment {
  public:
-  // Files go into a folder whose name other code pages lack, and of which bytes are a separator's.
+  // Files go into a folder whose name is in no other code page, and has bytes that equal a
+  // separator.
   void SetUp() override {
     ASSERT_EQ(::GetACP(), UINT{QV_CODE_PAGE});
-    // What the tests themselves make of paths follows the locale; the library is to need none.
+    // The tests' own conversion of paths follows the locale; the library must not need one.
     ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
     const auto folder = std::filesystem::temp_directory_path() / u8"運图運";
     std::filesystem::create_directories(folder);

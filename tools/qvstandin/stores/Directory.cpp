@@ -93,7 +93,7 @@ Outcome Directory::MakeGroup(std::string_view name, std::int32_t kind, std::int3
       Run("INSERT INTO groups (name, display_name, kind, department_id)"
           " VALUES (?1, ?1, ?2, nullif(?3, 0)) ON CONFLICT DO NOTHING RETURNING id",
           {std::string(name), kind, department}, id);
-  return made.Ok() && id == 0 ? Refused("there is a group of that name") : made;
+  return made.Ok() && id == 0 ? Refused("a group of that name already exists") : made;
 }
 
 Outcome Directory::MakeUser(std::string_view name, std::string_view display_name, std::int32_t mode,
@@ -104,7 +104,7 @@ Outcome Directory::MakeUser(std::string_view name, std::string_view display_name
       Run("INSERT INTO users (name, display_name, mode) VALUES (?1, ?2, ?3)"
           " ON CONFLICT DO NOTHING RETURNING id",
           {std::string(name), std::string(display_name), mode}, id);
-  return made.Ok() && id == 0 ? Refused("there is a user of that name") : made;
+  return made.Ok() && id == 0 ? Refused("a user of that name already exists") : made;
 }
 
 Outcome Directory::AddUsers(std::string_view group, std::span<const std::string_view> users,
@@ -162,7 +162,7 @@ Outcome Directory::List(const char* sql, Arguments arguments, std::string_view p
   while ((code = sqlite3_step(statement.get())) == SQLITE_ROW) {
     std::string name = TextAt(statement.get(), 1);
     if (!MatchesPattern(name, pattern)) continue;
-    if (found.size() == most) return Refused("there are more than one reply can hold");
+    if (found.size() == most) return Refused("the list does not fit into one reply");
     found.push_back({text::SaturatedTo32Bits(sqlite3_column_int64(statement.get(), 0)),
                      std::move(name), TextAt(statement.get(), 2)});
   }

@@ -114,7 +114,7 @@ Outcome CreateSampleFiles(const std::string& folder) {
     return {ErrorCode::kStoreFailed, "cannot create files in " + unfinished};
   std::filesystem::rename(platform::PathFromNarrow(unfinished), platform::PathFromNarrow(folder),
                           error);
-  if (error) return {ErrorCode::kStoreFailed, "cannot rename a file to " + folder};
+  if (error) return {ErrorCode::kStoreFailed, "cannot rename a folder to " + folder};
   return {};
 }
 
