@@ -53,7 +53,7 @@ void FillWithExpat(Dialect dialect, KeptBuffer& buffer, PeerTable& table) {
     XML_SetElementHandler(parser.get(), OnStart, OnEnd);
     XML_SetCharacterDataHandler(parser.get(), OnText);
   }
-  // In one last piece, the parser works on the buffer itself instead of a copy.
+  // If the first piece is also the last, the parser works on the buffer itself instead of a copy.
   if (XML_Parse(parser.get(), buffer.Data(), static_cast<int>(buffer.Size()), XML_TRUE) !=
       XML_STATUS_OK) {
     throw std::runtime_error(XML_ErrorString(XML_GetErrorCode(parser.get())));

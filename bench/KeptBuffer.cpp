@@ -34,7 +34,7 @@ class OpenFile {
 }  // namespace
 
 void KeptBuffer::Load(const std::string& path) {
-  // What stays in the processor's cache between the read and its copy is read fastest.
+  // Fastest if a block stays in the processor's cache between reading and copying it.
   constexpr std::size_t kChunk = 0x200000;
   const OpenFile file(path);
   struct stat status {};

@@ -58,12 +58,12 @@ xmlSAXHandler HandlerFor(Dialect dialect) {
   handler.startElementNs = OnStart;
   handler.endElementNs = OnEnd;
   handler.characters = OnText;
-  // The same function for both spares the parser telling them apart.
+  // With the same function for both, the parser does not tell them apart.
   handler.ignorableWhitespace = OnText;
   return handler;
 }
 
-// Lays the parser's input over the buffer, which the plain way would copy.
+// Makes the parser read the buffer itself; its usual functions would copy it.
 void UseInPlace(xmlParserCtxt& context, KeptBuffer& buffer) {
   xmlParserInput* const input = xmlNewInputStream(&context);
   if (input == nullptr) throw std::bad_alloc();
@@ -78,7 +78,7 @@ void UseInPlace(xmlParserCtxt& context, KeptBuffer& buffer) {
 void FillWithLibXml2(Dialect dialect, KeptBuffer& buffer, PeerTable& table) {
   const Context context(xmlNewParserCtxt());
   if (context == nullptr) throw std::bad_alloc();
-  // Without XML_PARSE_NOENT an ampersand would be handed over undecoded.
+  // Without XML_PARSE_NOENT, entities would not be decoded.
   xmlCtxtUseOptions(context.get(), XML_PARSE_HUGE | XML_PARSE_NOENT | XML_PARSE_NONET |
                                        XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
   *context->sax = HandlerFor(dialect);

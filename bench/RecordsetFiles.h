@@ -1,4 +1,4 @@
-// Recordset files of a wanted size, the same bytes at every run.
+// Recordset files of a given size, with the same bytes in every run.
 #pragma once
 
 #include <array>
@@ -34,7 +34,7 @@ inline constexpr std::array<FileColumn, 8> kFileColumns = {{
      "xs:string"},
 }};
 
-// The elements that are the rows.
+// The elements that hold the rows.
 inline constexpr std::string_view kRowsetRow = "z:row";
 inline constexpr std::string_view kSchemaRow = "Item";
 

@@ -44,7 +44,7 @@ Summary ReadOurs(Dialect dialect, const std::string& path, Purpose purpose) {
 
 using Fill = void (*)(Dialect dialect, KeptBuffer& buffer, PeerTable& table);
 
-// One buffer for all peers: each finds it as large as its file needs, as each would with its own.
+// One buffer for all peers: it is large enough already, as a buffer of each would be.
 KeptBuffer& PeersBuffer() {
   static KeptBuffer buffer;
   return buffer;
@@ -59,7 +59,7 @@ Summary ReadPeer(Dialect dialect, const std::string& path, Purpose purpose) {
   return purpose == Purpose::kCompare ? table.Sum() : Summary{table.Rows(), 0};
 }
 
-// What no reader can undercut: the file in memory, and every place looked at where a value may end.
+// The least that a reader must do: load the file, and find each place where a value may end.
 Summary ReadFloor(Dialect dialect, const std::string& path, Purpose) {
   KeptBuffer& buffer = PeersBuffer();
   buffer.Load(path);

@@ -1,4 +1,4 @@
-// What a subject got from a file, in two numbers, so that subjects can be compared.
+// What a subject read from a file, as two numbers, so that subjects can be compared.
 #pragma once
 
 #include <bit>

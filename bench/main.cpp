@@ -60,7 +60,7 @@ void PrintPeak(const Options& options) {
   std::cout << usage.ru_maxrss * 1024 << '\n';
 }
 
-// Whoever reads something else than the others is not to be measured against them.
+// Throws if a subject reads other values than the first, because it cannot be compared then.
 void CheckAgreement(Dialect dialect, const std::string& path) {
   const Subject& ours = AllSubjects().front();
   const Summary expected = ours.read(dialect, path, Purpose::kCompare);
@@ -103,7 +103,7 @@ void Measure(const Options& options) {
 }
 
 int Run(int argc, char** argv) {
-  // Takes its own options out.
+  // Removes its own options.
   benchmark::Initialize(&argc, argv);
   CLI::App app("Measures the recordset readers beside general XML parsers");
   Options options;

@@ -13,8 +13,8 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 if(MSVC)
-  # Text is UTF-8 in the sources and in the program: what the library says itself, it says in the code page of the
-  # program that loaded it, which is known only then.
+  # Text is UTF-8 in the sources and in the program. The library converts its own messages at run time, to the code page
+  # of the program that loaded it.
   add_compile_options(/W4 /permissive- /Zc:__cplusplus /utf-8)
   add_compile_definitions(_CRT_SECURE_NO_WARNINGS _WIN32_WINNT=0x0A00 WINVER=0x0A00 NOMINMAX WIN32_LEAN_AND_MEAN)
 else()

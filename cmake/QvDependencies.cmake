@@ -7,7 +7,7 @@ find_package(CURL 7.88 REQUIRED)
 find_package(ODBC REQUIRED)
 find_package(Boost 1.81 REQUIRED)
 if(WIN32)
-  # Its sockets are the system's.
+  # Boost uses the sockets of the system.
   target_link_libraries(Boost::headers INTERFACE ws2_32 mswsock)
 endif()
 if(MINGW)
@@ -27,14 +27,14 @@ find_path(FAST_FLOAT_INCLUDE_DIR fast_float/fast_float.h REQUIRED)
 add_library(fast_float INTERFACE)
 target_include_directories(fast_float SYSTEM INTERFACE ${FAST_FLOAT_INCLUDE_DIR})
 
-# Without its own package file, which wants the command-line tools to be installed as well.
+# Not by its own package file, which requires the command-line tools to be installed as well.
 find_path(LIBZIP_INCLUDE_DIR zip.h REQUIRED)
 find_library(LIBZIP_LIBRARY zip REQUIRED)
 add_library(libzip UNKNOWN IMPORTED)
 set_target_properties(libzip PROPERTIES IMPORTED_LOCATION ${LIBZIP_LIBRARY}
   INTERFACE_INCLUDE_DIRECTORIES ${LIBZIP_INCLUDE_DIR} INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)
 
-# Likewise without a package file, which Debian's does not have.
+# Debian's package has no package file.
 find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
 find_library(UTF8PROC_LIBRARY NAMES utf8proc utf8proc_static REQUIRED)
 add_library(utf8proc UNKNOWN IMPORTED)
@@ -51,7 +51,7 @@ if(QV_BUILD_TESTS)
 endif()
 
 if(MINGW)
-  # The compiler's own libraries, beside the programs and libraries as on every machine that these go to.
+  # The compiler's run-time libraries, beside the programs and libraries, as on every machine where these are installed.
   foreach(runtime IN ITEMS libstdc++-6 libgcc_s_seh-1 libwinpthread-1 zlib1)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}.dll
       OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

@@ -1,5 +1,5 @@
 # One room, one target. All rooms see the project's folder, so that files are included by the path at which they are;
-# which rooms a room may include is what its target uses, and scripts/check-includes holds every source against that.
+# a room may include the rooms that its target uses, which scripts/check-includes checks.
 
 # qv_add_room(<target> SOURCES <files> [USES <targets>] [PRIVATE <targets>])
 # The static library of the current folder. USES are the rooms below it, PRIVATE what only its own sources need.
@@ -22,7 +22,7 @@ function(qv_add_program target)
   install(TARGETS ${target})
 endfunction()
 
-# Notes in which folder a target is and what it uses.
+# Records the folder of a target and what it uses.
 function(qv_note_room target)
   cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE folder)
   list(JOIN ARG_USES " " uses)
@@ -30,7 +30,7 @@ function(qv_note_room target)
   set_property(GLOBAL APPEND PROPERTY QV_ROOMS "${target} ${folder} USES ${uses} PRIVATE ${private}")
 endfunction()
 
-# qv_write_rooms(<file>): what was noted, for scripts/check-includes.
+# qv_write_rooms(<file>): writes what was recorded, for scripts/check-includes.
 function(qv_write_rooms file)
   get_property(rooms GLOBAL PROPERTY QV_ROOMS)
   list(JOIN rooms "\n" lines)
@@ -38,13 +38,13 @@ function(qv_write_rooms file)
 endfunction()
 
 # qv_add_shared_library(<name> WHOLE <targets> [TRANSPORTS <targets>] [HIDDEN <targets>] [BESIDE_PROGRAMS])
-# A library that is installed: WHOLE targets go in with every symbol, HIDDEN ones as far as they are used and unseen.
-# BESIDE_PROGRAMS is where hosts look for what they load at run time.
+# A library that is installed: WHOLE targets are linked completely, HIDDEN ones on demand and without exporting them.
+# BESIDE_PROGRAMS puts it where hosts look for libraries that they load at run time.
 function(qv_add_shared_library target)
   cmake_parse_arguments(ARG "BESIDE_PROGRAMS" "" "WHOLE;TRANSPORTS;HIDDEN" ${ARGN})
   file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp "// The code of the library is in the rooms that it links.\n")
-  # Their objects, not their archives: the folders name each other as well, and an archive must not be on one link line
-  # both whole and as far as it is used.
+  # Their objects, not their archives: the rooms link each other as well, and an archive must not be on a link line both
+  # whole and on demand.
   list(TRANSFORM ARG_WHOLE REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
   add_library(${target} SHARED ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp ${objects})
   if(WIN32)
@@ -63,7 +63,7 @@ function(qv_add_shared_library target)
 endfunction()
 
 # qv_export_only(<library> <map> [STAYS])
-# Makes nothing of <library> seen but what <map> names. A library that STAYS is never unloaded.
+# Makes <library> export only what <map> names. A library that STAYS is never unloaded.
 function(qv_export_only target map)
   cmake_parse_arguments(ARG "STAYS" "" "" ${ARGN})
   if(WIN32)
@@ -110,7 +110,7 @@ function(qv_add_test target)
     set(filter -${left_out})
     set(arguments --gtest_filter=${filter})
   endif()
-  # Starting a program takes an emulator too long to do it for each case.
+  # Under an emulator, starting a program for each case takes too long.
   if(ARG_TOGETHER OR CMAKE_CROSSCOMPILING)
     add_test(NAME ${target} COMMAND ${target} ${arguments})
     set_tests_properties(${target} PROPERTIES TIMEOUT 300 ${labels})
@@ -138,7 +138,7 @@ function(qv_test_in_code_page test page)
   set_target_properties(${target} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY $<TARGET_PROPERTY:${test},RUNTIME_OUTPUT_DIRECTORY>)
   add_test(NAME ${target} COMMAND ${target} ${ARGN})
-  # Both may have the same folders and entries of the registry.
+  # Both may use the same folders and registry entries.
   set_tests_properties(${test} ${target} PROPERTIES TIMEOUT 300 RESOURCE_LOCK ${test})
   set_tests_properties(${target} PROPERTIES
     ENVIRONMENT "LC_ALL=${locale_${page}};LOCPATH=${QV_CROSS_DEPS}/locale")

@@ -10,7 +10,7 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# What the target has comes from these folders and never from this machine's own.
+# Libraries and headers come from these folders, never from those of this machine.
 cmake_path(NORMAL_PATH QV_CROSS_DEPS)
 set(CMAKE_FIND_ROOT_PATH ${QV_CROSS_DEPS} /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

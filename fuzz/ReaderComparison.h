@@ -1,4 +1,4 @@
-// Holds what a reader made of a file against what the reference made of it.
+// Compares what a reader read from a file with what the reference read.
 #pragma once
 
 #include <string>
@@ -20,8 +20,8 @@ struct ComparedDialect {
 extern const ComparedDialect kRowsetDialect;
 extern const ComparedDialect kSchemaDialect;
 
-// Has both read `file`, which is written to `path` for the reader, into what they hold already.
-// Gives the first difference; empty when they agree.
+// Lets both read `file`, which is written to `path` for the reader, and append it to what they
+// hold. Returns the first difference; empty if they agree.
 [[nodiscard]] std::string Compare(const ComparedDialect& dialect, const std::string& file,
                                   const std::string& path, const tagTEMPFILEINFO& temp_files,
                                   CRvoDbRes& result, ReferenceTable& reference);

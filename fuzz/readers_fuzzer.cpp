@@ -11,8 +11,7 @@
 
 namespace {
 
-// What one run leaves in the folder is what the next one starts with, so cells get a folder that is
-// emptied.
+// A run would start with the files that the previous one left, so the folder for cells is emptied.
 void RunOnce(const qv::ComparedDialect& dialect, const std::string& file) {
   static const qv::TempFolder folder;
   const std::string cells = (folder.Path() / "cells").string();

@@ -43,7 +43,7 @@ class QueryCacheTest : public testing::Test {
   }
   std::string Found(const std::string& key) { return Found(cache_, key); }
 
-  // The names in the cache's folder, the index apart.
+  // Returns the names in the cache's folder, without the index.
   std::set<std::string> Files() {
     std::set<std::string> names;
     for (const auto& entry : fs::directory_iterator(path_))

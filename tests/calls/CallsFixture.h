@@ -67,7 +67,7 @@ class Calls : public ModuleTest {
         {[this] { return CRvoIdFileEx::GetPackFileCRC("p", "n", 1, text_, value_, error_); }, 0},
         {[this] { return CRvoIdFileEx::GetIDFileSavePath("n", 1, text_, error_); }, 0},
         {[this] { return CRvoIdFileEx::CopyPackFileToIdFile("p", "n", 1, "t", 2, error_); }, 0},
-        // The directory, and what the server says about itself, know no offline state.
+        // Calls for the directory and for information about the server ignore the offline state.
         {[=, this] { return taken(CRvoAd::GetADGroupInfo("k", count_)); }, {}},
         {[=, this] { return taken(CRvoAd::GetADGroupUserInfo("k", count_)); }, {}},
         {[=, this] { return taken(CRvoAd::GetADUserInfo(count_)); }, {}},

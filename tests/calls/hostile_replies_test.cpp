@@ -1,4 +1,4 @@
-// Every call gets replies that no honest server sends; the sanitizers are the judges.
+// Every call receives replies that no honest server sends; the sanitizers find what goes wrong.
 #include "CallsFixture.h"
 
 namespace qv::test {

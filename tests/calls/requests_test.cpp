@@ -26,7 +26,7 @@ struct Case {
   Sent sent;
 };
 
-// What most calls send: fields, and nothing in the header.
+// A request as most calls send it: fields, and nothing in the header.
 Sent Texts(std::uint32_t command, std::initializer_list<const char*> fields,
            std::uint32_t reply_block = kReply) {
   Fields all;
@@ -48,7 +48,7 @@ std::string WithoutEnd(std::string bytes) {
 
 class Requests : public Calls {
  protected:
-  // Only the log asks for the server's kind; all go over the socket.
+  // Only the log asks for the server's kind; all calls use the socket.
   Requests() { CRvoServer::SetServerType("WEB_IIS", "main", 4000); }
 
   void Expect(const std::vector<Case>& cases) {
@@ -68,7 +68,7 @@ class Requests : public Calls {
       EXPECT_EQ(request.message_flag, c.sent.message_flag);
       EXPECT_EQ(request.file_name, c.sent.file);
       EXPECT_EQ(request.reply_file_name, c.sent.reply_file);
-      // 1 is also how a message starts; with a path it says that the file travels.
+      // 1 is also the initial value; with a path it says that a file is transferred.
       EXPECT_EQ(request.file_flag, 1);
       EXPECT_EQ(request.reply_file_flag, 1);
     }

@@ -1,4 +1,4 @@
-// What the calls make of answers, and of being offline.
+// What the calls return after answers, and while offline.
 #include <cstring>
 #include <limits>
 
@@ -16,7 +16,7 @@ class Results : public Calls {
     int result;
   };
 
-  // Each of the calls makes the same of the answers.
+  // All these calls return the same for each answer.
   void Expect(const std::vector<std::function<int()>>& calls,
               const std::vector<Answered>& answers) {
     for (const auto& call : calls) {
@@ -119,7 +119,7 @@ TEST_F(Results, OfNumbers) {
                                                                {Fields(), 0, 0}});
 }
 
-// The bytes of an array of three records, which is freed; nothing for a null one.
+// Returns the bytes of an array of three records, which is freed; nothing if it is null.
 template <class Record>
 std::optional<std::string> Take(Record* records) {
   const std::unique_ptr<Record[]> owned(records);
@@ -127,7 +127,7 @@ std::optional<std::string> Take(Record* records) {
   return std::string(reinterpret_cast<const char*>(records), 3 * sizeof(Record));
 }
 
-// Each listing: how it is called, its records' size, and whether it clears the count first.
+// For each listing: the call, the size of its records, and whether it clears the count first.
 TEST_F(Results, OfListings) {
   const struct {
     const char* name;
@@ -297,7 +297,7 @@ TEST_F(Results, OfTheClientProgram) {
   EXPECT_EQ(other.m_server, "main");
   EXPECT_EQ(CRvoServer::QvURL("a", -1, "b"), "a_-1:b");
 
-  // A line that is missing is as the one before; a last line without an end loses a character.
+  // A missing line equals the one before; a last line without a line end loses a character.
   folder_.Write("info.txt", "abc\n12\nlast");
   EXPECT_EQ(other.LoadData(path.c_str()), 1);
   EXPECT_EQ(other.m_text3, "las");

@@ -1,4 +1,4 @@
-// A component, and the server that it is tried against.
+// A component, and the server that it is tested with.
 #pragma once
 
 #include <filesystem>
@@ -47,7 +47,7 @@ class FtpSide {
 
   [[nodiscard]] IQvCoFtp* Component() const { return component_; }
   [[nodiscard]] short Port() const { return static_cast<short>(server_.Port()); }
-  // Where files of that name are, on the server and beside it.
+  // Returns the path of a file, in the folder of the server or beside it.
   [[nodiscard]] std::string There(const std::string& name) const { return In("server", name); }
   [[nodiscard]] std::string Here(const std::string& name) const { return In("client", name); }
 
@@ -110,7 +110,7 @@ class FtpSide {
   std::streamoff log_read_ = 0;
 };
 
-// By path below the folder, the bytes of all files in it.
+// Returns the bytes of all files in the folder, by their paths below it.
 inline std::map<std::string, std::string> FilesIn(const std::string& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {

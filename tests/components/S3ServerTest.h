@@ -1,4 +1,4 @@
-// A fixture with an S3 server that checks what it is sent.
+// A fixture with an S3 server that checks its requests.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -30,7 +30,7 @@ class S3ServerTest : public testing::Test {
   [[nodiscard]] std::string Local(const std::string& name) const {
     return (folder_.Path() / name).string();
   }
-  // The requests that `pattern` is found in, each as the server notes it.
+  // Returns the lines of the server's log that `pattern` matches.
   [[nodiscard]] std::vector<std::string> Requests(const std::string& pattern) const {
     std::istringstream log(BytesOf(Local("log")));
     std::vector<std::string> found;
@@ -40,7 +40,7 @@ class S3ServerTest : public testing::Test {
     }
     return found;
   }
-  // Bytes without a pattern that a shift would hide in.
+  // Returns bytes without a pattern, so that a shift is noticed.
   [[nodiscard]] static std::string Bytes(std::size_t count, std::uint32_t seed = 1) {
     std::string bytes(count, '\0');
     for (char& byte : bytes) {

@@ -1,4 +1,4 @@
-// The cloud component as a host has it.
+// The cloud component as a host uses it.
 #include <gmock/gmock.h>
 
 #include <memory>
@@ -82,7 +82,7 @@ std::size_t LengthOf(int i) { return static_cast<std::size_t>(i * i * i) % 30000
 
 TEST_P(CloudComponentQueueTest, MovesEverythingThoughTheConnectionIsCut) {
   constexpr int kFiles = 200;
-  // Ten files, which have more bytes than come through, once each way.
+  // Ten files with more bytes than get through before the connection ends, once in each direction.
   std::vector<std::string> cuts;
   for (int i = 50; i < 60; ++i) {
     const std::string file = "/in/" + std::to_string(i) + "[.%]";
@@ -143,7 +143,7 @@ TEST_F(CloudComponentTest, TellsWhatIsWrongWithALogin) {
         Login{"http://localhost", kAccess, kSecret, 2, QvTransfer_BadArgument},
         Login{"user@localhost", kAccess, kSecret, 0, QvTransfer_BadArgument},
         Login{"ftp://localhost", kAccess, kSecret, 0, QvTransfer_BadArgument},
-        // It is not one for TLS.
+        // The port does not speak TLS.
         Login{"localhost", kAccess, kSecret, 0, QvTransfer_CannotConnect}}) {
     EXPECT_EQ(LogIn(login.host, login.user, login.password, login.style), login.result)
         << login.host << " " << login.user << " " << login.style;
@@ -214,7 +214,7 @@ struct Fault {
 class CloudComponentFaultTest : public CloudComponentTest,
                                 public testing::WithParamInterface<Fault> {};
 
-// Whatever is asked for; the requests that do not meet with the fault do not count.
+// Tries several calls; those that the fault does not concern succeed and are not counted.
 TEST_P(CloudComponentFaultTest, IsTold) {
   Serve({GetParam().text});
   ASSERT_EQ(LogIn(), QvTransfer_Success);

@@ -47,7 +47,7 @@ std::vector<std::string> WriteMixedFiles(const std::string& folder) {
 
 const std::vector<std::string> kTenCuts{"--cut-after", "200000", "--cuts", "10", "--spare", "1"};
 
-// Whether it is an upload, and the run's option.
+// Whether it is an upload, and the option of the run.
 using Direction = std::pair<bool, long>;
 
 class FtpCutsTest : public testing::TestWithParam<Direction> {};
@@ -60,7 +60,7 @@ TEST_P(FtpCutsTest, EndsCompleteAndNamesWhatWasCut) {
   const std::string to = is_upload ? side.There("") : side.Here("");
   std::map<std::string, std::string> firsts;  // by name
   for (const std::string& name : WriteMixedFiles(from)) {
-    // Backslashes too, as hosts write paths of servers.
+    // With backslashes too, because hosts write server paths with them.
     std::string there = name;
     std::replace(there.begin(), there.end(), '/', '\\');
     firsts[name] = is_upload ? from + name : there;
@@ -82,7 +82,7 @@ TEST_P(FtpCutsTest, EndsCompleteAndNamesWhatWasCut) {
       if (!side.HasSucceeded(first)) failed.insert(from + name);
     }
     EXPECT_EQ(failed.size(), option == 0 ? cut.size() : 0);
-    // Uploads are cut under another name.
+    // The log names the part of an upload, not its file.
     if (!is_upload && option == 0) {
       EXPECT_EQ(failed, std::set(cut.begin(), cut.end()));
     }
@@ -108,7 +108,7 @@ TEST(FtpComponentTest, GoesOnWhereItStopped) {
   EXPECT_EQ(side.Download("up", side.Here("down"), 1), 0);
   EXPECT_LT(side.ReadLog().sent, bytes.size() + 1'500'000) << "what was under way is lost";
   EXPECT_TRUE(BytesOf(side.Here("down")) == bytes);
-  // What changes meanwhile begins anew.
+  // A file that changes in between is transferred from its start.
   EXPECT_EQ(side.Download("again", side.Here("down"), 0), QvTransfer_Broken);
   const std::string changed = RandomBytes(8'000'001, 2);
   Write(side.There("again"), changed);
@@ -300,7 +300,7 @@ TEST(FtpComponentTest, TellsHowFarItIsAndStops) {
   EXPECT_TRUE(BytesOf(side.There("b")) == bytes);
 }
 
-// Servers that say what is in the table, and nothing else for ever.
+// Servers that send what the table says, once or for ever, and nothing else.
 TEST(FtpComponentTest, WaitsForNoServerWithoutAnEnd) {
   ASSERT_EQ(QvCoFtpSetParameter("connect_timeout_ms", "300"), 1);
   ASSERT_EQ(QvCoFtpSetParameter("io_timeout_ms", "300"), 1);
@@ -319,7 +319,7 @@ TEST(FtpComponentTest, WaitsForNoServerWithoutAnEnd) {
       const auto say = [&side](std::string_view text) {
         return side.Write({{reinterpret_cast<const unsigned char*>(text.data()), text.size()}});
       };
-      // One line for each line that comes.
+      // Sends one line for each line that it receives.
       std::istringstream answers(one.said);
       unsigned char byte = '\n';
       for (bool is_there = true; is_there;) {

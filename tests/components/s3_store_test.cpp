@@ -1,4 +1,4 @@
-// Objects in parts, whose limits a host cannot set.
+// Objects that are stored in parts; hosts cannot set the limits.
 #include <gmock/gmock.h>
 
 #include "S3ServerTest.h"
@@ -14,7 +14,7 @@ class S3StoreTest : public S3ServerTest, protected TransferMeter {
  protected:
   static constexpr std::size_t kBytes = 95000;
 
-  // Parts of 10,000 bytes, from 20,000 on.
+  // Objects of 20,000 bytes or more are stored in parts of 10,000 bytes.
   S3Store Store() const {
     TransferSettings settings;
     settings.part_bytes = 10000;

@@ -12,10 +12,10 @@ namespace qv::components {
 
 namespace {
 
-// What another implementation says of the same request.
+// The signature that another implementation computes for the same request.
 TEST(S3SignatureTest, IsThatOfAnotherSigner) {
   const auto endpoint = S3Endpoint::Parse("store.example", 9000, 0);
-  // Names whose order is another one when they are encoded.
+  // Names that sort differently when they are encoded.
   auto wire = endpoint->Address({.bucket = "bucket",
                                  .key = "a b+%~*'()/图.dwg",
                                  .query = {{"z", ""}, {"a=", "1"}, {"a-", "&"}, {"a", "/ +"}},

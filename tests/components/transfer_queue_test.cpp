@@ -13,7 +13,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// Answers in a given order, with success when that is over, and writes down what was asked.
+// Returns the given results in order, then success, and records the calls.
 class ScriptedStore final : public RemoteStore {
  public:
   QvTransferResult Upload(const std::string& local, const std::string& remote, Resume& resume,

@@ -14,7 +14,7 @@ namespace {
 
 enum class Call { kNone, kSend, kTakeBody, kTakeSecondBody, kGoesOn };
 
-// Sends and takes bodies, and does as it is told in one of its calls.
+// Sends and receives bodies, and misbehaves as told in one of its calls.
 struct TestHandler final : Handler {
   Next Send(std::span<char> room, std::size_t& count) override {
     if (trouble == Call::kSend) act();
@@ -51,7 +51,7 @@ struct CurlTransfer : testing::Test {
   const Deadlines deadlines{std::chrono::seconds(9), std::chrono::seconds(9)};
 };
 
-// None of them may pass through libcurl, which would not survive it.
+// None of them may pass through libcurl, which is not written for exceptions.
 TEST_F(CurlTransfer, WhatAHandlerThrowsLeavesTheRun) {
   for (const Call trouble : {Call::kSend, Call::kTakeBody, Call::kTakeSecondBody, Call::kGoesOn}) {
     for (const bool is_memory_short : {true, false}) {

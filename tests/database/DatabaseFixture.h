@@ -15,8 +15,8 @@
 
 namespace qv::test {
 
-// A rowset with one text column per name and two rows, for the socket server: the given one, and
-// one of ones, which nobody asked for.
+// Returns a rowset with one text column per name and two rows, for the socket server: the given
+// values, and a row of ones.
 inline std::string Rowset(const std::vector<std::pair<std::string, std::string>>& row) {
   std::string schema;
   std::string cells;
@@ -98,7 +98,7 @@ class DatabaseFixture : public ModuleTest {
     return !request.fields.empty() && request.fields[0] == "PLATDB";
   }
 
-  // Checks what every request for a query has in common.
+  // Checks what all requests for queries have in common.
   void ExpectQuery(const SentRequest& request) const {
     EXPECT_EQ(request.server, "main");
     EXPECT_EQ(request.port, 4000u);

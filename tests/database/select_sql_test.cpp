@@ -10,7 +10,7 @@ using testing::IsEmpty;
 
 class SelectSql : public DatabaseFixture {
  protected:
-  // Has the transport write a file answer, as it does when the storage kind is another.
+  // Lets the transport write the answer as a file, as it does unless the storage kind is "MEMORY".
   void AnswerWithFile(const std::string& bytes, const ScriptedReply& answer) {
     transport_.handler = [=](const SentRequest& request, ScriptedReply& reply) {
       if (IsSettings(request)) return -1;

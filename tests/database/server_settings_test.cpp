@@ -11,8 +11,7 @@ int UpdateSettings();
 int CanCompress();
 int IsOffline(int need_server_cache);
 
-// Makes the functions above from private members: an explicit instantiation may name them, whatever
-// their access.
+// Defines the functions above for private members: an explicit instantiation may name them.
 template <int (*kUpdate)(), int (*kCanCompress)(), int (*kIsOffline)(int)>
 struct PrivateMembers {
   friend int UpdateSettings() { return kUpdate(); }
@@ -35,7 +34,7 @@ class ServerSettingsLoad : public DatabaseFixture {
     }
     return text;
   }
-  // Loads with these settings, due or not.
+  // Loads these settings, whether or not they are due.
   std::string Load(const Settings& settings) {
     settings_ = settings;
     CRvoDatabase::SetNeedUpdateCompressState();

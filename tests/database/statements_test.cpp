@@ -17,7 +17,7 @@ class Statements : public DatabaseFixture {
     for (const char* const text : texts) sqls.Add(text);
     return CRvoDatabase::ExecuteMultiSQL(&sqls, "DESIGNDB");
   }
-  // Gives the text of the first cell, or "result N".
+  // Returns the text of the first cell, or "result N".
   static std::string Call(int use_cache = 0, const char* text = "call p") {
     CRvoDbRes result;
     const CString sql(text);
@@ -120,7 +120,7 @@ TEST_F(Statements, ABatchAsksForNothingBeforeItIsSent) {
   EXPECT_EQ(ExecuteBatch({}), 0);
   EXPECT_THAT(transport_.requests.back().fields, ElementsAre("DESIGNDB", std::string(4, '\0')));
   EXPECT_EQ(ExecuteBatch({"", "two", "three"}), 0);
-  // The empty statement stops the chain, and what could not be added is missing.
+  // The empty statement ends the chain; it and all statements after it are missing.
   EXPECT_THAT(transport_.requests.back().fields,
               ElementsAre("DESIGNDB", std::string("\x03\0\0\0", 4)));
   EXPECT_EQ(transport_.requests.size(), 2u);

@@ -16,7 +16,7 @@ namespace qv {
 
 class EndToEnd : public testing::Test {
  protected:
-  // A query with a column of every kind, an image of bytes ("digest") among them.
+  // A query with a column of every kind, among them a binary one ("digest").
   static constexpr const char kAllTypes[] =
       "select d.id, d.number, d.title, d.revision, d.locked, d.size_bytes, d.created, d.remarks, "
       "p.started, p.budget, u.name, r.digest from documents d"
@@ -52,7 +52,7 @@ class EndToEnd : public testing::Test {
   }
 
   using RowsCall = int (*)(const CString*, CRvoDbRes*, const char*, int);
-  // All cells of a query as text, or "result N".
+  // Returns all cells of a query as text, or "result N".
   static std::string Rows(const char* text, int use_cache = 0,
                           RowsCall call = CRvoDatabase::SelectSQL) {
     CRvoDbRes rows;

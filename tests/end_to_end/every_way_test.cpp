@@ -44,12 +44,13 @@ class EveryWay : public EndToEnd, public testing::WithParamInterface<Way> {
     CRvoServer::CareOpenDBConn(1);
   }
 
-  // One of three values, by the way.
+  // Returns the value for the way that is tested.
   template <class Value>
   static Value Per(Value socket, Value web, Value direct) {
     return GetParam() == Way::kSocket ? socket : GetParam() == Way::kWeb ? web : direct;
   }
-  // What the server was asked for since the last question, the settings and connections apart.
+  // Returns the commands that the server has received since the last call, except those for the
+  // settings and for connection texts.
   std::vector<std::uint32_t> Asked() {
     std::vector<std::uint32_t> commands;
     const auto served = server_->Served();
@@ -75,7 +76,7 @@ TEST_P(EveryWay, QueriesGiveTheSameCells) {
       first.starts_with("1|D00001-ST|结构计算书 <1> \"A&B\"|1|0|2147483647|2018-02-01 "
                         "09:52:31||2018-11-04 00:00:00|0.000000|张伟|"))
       << first;
-  // Settings are loaded by the first query, so that this one asks for a packed answer over sockets.
+  // The first query loads the settings, so that this one asks for a compressed answer over sockets.
   EXPECT_EQ(Asked(), Per<Commands>({210}, {200}, {}));
   if (GetParam() == Way::kDirect) {
     CRvoServer::UseLocalDB(0);

@@ -21,7 +21,7 @@ class FailingServer : public EndToEnd {
     CRvoServer::SetNetClientPara("connect_timeout_ms", "5000");
   }
 
-  // A recordset of that many rows, with text enough to be large.
+  // Returns a recordset with that many rows and much text.
   static std::string Rowset(int rows) {
     std::string text =
         "<xml><s:Schema><s:ElementType name='row'><s:AttributeType name='A' dt:type='string'>"
@@ -35,12 +35,12 @@ class FailingServer : public EndToEnd {
     const CString sql("select 1");
     return CRvoDatabase::SelectSQL(&sql, &rows, "DESIGNDB", 0);
   }
-  // Queries a server that plays this script for each connection.
+  // Runs a query on a server that runs this script for each connection.
   int SelectFrom(const ScriptedServer::Script& script) {
     const ScriptedServer server(script);
     return SelectFrom("127.0.0.1", server.Port());
   }
-  // A script that receives the query, then does this.
+  // Returns a script that receives the query and then calls `act`.
   static ScriptedServer::Script AfterRequest(std::function<void(ServerSide&)> act) {
     return [act](ServerSide& side) {
       WholeFrame request;

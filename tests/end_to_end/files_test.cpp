@@ -34,7 +34,7 @@ class FilesTest : public EndToEnd {
     const auto* const files = CRvoFolder::GetMatchFilesInFolder(folder, pattern, count, flag);
     return NamesOf(files, count, records::file::kName);
   }
-  // The names on a page, and of how many.
+  // Returns the names on a page, and how many names there are in all.
   static std::string Page(int option, int from, int to, int flag = 0) {
     CQvRvoBuf page;
     int all = 0;

@@ -1,5 +1,5 @@
 // A server that is killed in the middle of its work: a batch or a file is wholly there or wholly
-// absent, and its caller never hears of a success that is not there.
+// absent, and no caller is told of a success that did not happen.
 #include <gmock/gmock.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What a transfer queue could not do, from the client's call to the server's log.
+// Failures of a transfer queue, from the client's call to the server's log.
 #include <gmock/gmock.h>
 
 #include "EndToEnd.h"

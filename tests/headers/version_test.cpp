@@ -1,4 +1,4 @@
-// The version that hosts compile against is the one that the build and the package manifest have.
+// Hosts compile against the version that the build and the package manifest state.
 #include "qvnetcall/Version.h"
 
 #include <string_view>

@@ -1,5 +1,5 @@
-// A socket transport as its author writes it: with the installed headers, and nothing else of this
-// project. It answers every link check and delivers nothing else.
+// A socket transport as somebody else would write it: it uses the installed headers and nothing
+// else of this project. It answers every link check and delivers nothing else.
 #include <qvnetcall/message/MsgContent.h>
 #include <qvnetcall/transport/QvNetClient4.h>
 

@@ -287,7 +287,7 @@ TEST_F(DirectAccess, ServesAnyNumberOfThreads) {
       const std::string own = "select N from T where Who = " + std::to_string(who);
       EXPECT_EQ(database_.Select(own.c_str(), rows, "DESIGN"), 0);
       EXPECT_EQ(rows.GetRecordCount(), i + 1);
-      // Meanwhile other names come and go, and fail with a text of this thread's own.
+      // Meanwhile other names are opened and closed; this thread has its own error text.
       const std::string name = "own" + std::to_string(i % 2);
       EXPECT_EQ(database_.Open(name.c_str(), ConnectionText("shared").c_str()), 1);
       EXPECT_EQ(database_.Execute(values.c_str(), "DESIGN"), 1);

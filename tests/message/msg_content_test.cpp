@@ -25,7 +25,7 @@ CAutoBuf& Used(CAutoBuf& block) {
 struct Message {
   explicit Message(std::uint32_t size) : block(size), content(Used(block)) {}
 
-  // Puts `payload` where a transport puts a reply's.
+  // Stores `payload` as a transport stores that of a reply.
   explicit Message(const std::string& payload, std::uint32_t size = 1024) : Message(size) {
     std::memcpy(content.Queue().Area(), payload.data(), payload.size());
     EXPECT_TRUE(content.Queue().SetFilled(static_cast<std::uint32_t>(payload.size())));
@@ -39,7 +39,7 @@ struct Message {
   CMsgContent content;
 };
 
-// Collects what is written, and can fail: as a full disk does, or for lack of memory.
+// Collects what is written, and can fail like a full disk or for lack of memory.
 class FakeFile : public CFile {
  public:
   enum Failure { kNone, kDiskFull, kNoMemory };

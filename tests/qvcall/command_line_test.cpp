@@ -18,7 +18,7 @@ namespace {
 using qv::tool::ParsedCommandLine;
 using qv::tool::Route;
 
-// Removes the variables of the environment of the test run; one case sets its own.
+// Removes the environment variables of the test run; one case sets its own.
 class CommandLine : public testing::Test {
  protected:
   CommandLine() { Forget(); }

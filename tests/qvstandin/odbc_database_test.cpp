@@ -1,4 +1,4 @@
-// Tests one interface over two engines: clients must not see which engine keeps a database.
+// Tests one interface over two engines: clients must not notice which engine holds a database.
 #include "tools/qvstandin/databases/OdbcDatabase.h"
 
 #include <gmock/gmock.h>

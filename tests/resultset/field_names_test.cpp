@@ -33,8 +33,8 @@ int FirstOf(const std::vector<std::string>& names, const std::string& wanted) {
   return -1;
 }
 
-// The characters are few, so that many names are equal or nearly so, and some that are not letters
-// differ in the bit that tells the cases of a letter apart.
+// With few characters, many names are equal or nearly so. Some characters that are not letters
+// differ only in the bit that distinguishes the cases of a letter.
 std::string RandomName(std::mt19937& random) {
   constexpr std::string_view kCharacters = "aAzZ@`[{\xC1\xE1";
   std::string name(random() % 30, 'x');

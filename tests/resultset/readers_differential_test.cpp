@@ -28,7 +28,7 @@ class ReadersAgainstReference : public testing::TestWithParam<Dialect> {
     CRvoDbRes result;
     ReferenceTable reference;
     const std::string path = folder_.At("reply.xml");
-    // At times a second file joins the first in one result set.
+    // Sometimes a second file is read into the same result set.
     for (int files = seed % 8 == 0 ? 2 : 1; files > 0; --files) {
       std::string file = (random.*GetParam().generate)();
       if (damaged) file = random.Damaged(file);

@@ -1,4 +1,4 @@
-// The two readers on files made by hand: what the formats make easy to get wrong.
+// The two readers on handwritten files: what is easy to get wrong in these formats.
 #include "ReadersFixture.h"
 
 namespace qv {
@@ -10,7 +10,7 @@ Rows NamesOf(const CRvoDbRes& result) {
   return names;
 }
 
-// What both dialects convert alike; the types are the schema dialect's and the rowset dialect's.
+// Values that both dialects convert alike, with the types of the schema and the rowset dialect.
 struct ValueCase {
   const char* schema_type;
   const char* rowset_type;

@@ -358,7 +358,7 @@ TEST(CellText, MeasuresWithoutFormatting) {
                                 1e22,         1e300,     1.7976931348623157e308,
                                 infinity,     -infinity, std::nan(""),
                                 -std::nan("")};
-  // Around every power of ten, and around what rounds up to it.
+  // Numbers around every power of ten, and around those that are rounded up to it.
   for (double power = 1; power < 1e17; power *= 10) {
     for (const double base : {power, power - 5e-7, power + 5e-7}) {
       double below = base;

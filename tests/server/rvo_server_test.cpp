@@ -96,7 +96,7 @@ TEST_F(RvoServer, TakesTheHostsWordForItsType) {
 TEST_F(RvoServer, CutsTheTypeAndTheModulesPathAsItsBuffersDo) {
   UseServerType(std::string(120, 't'));
   EXPECT_EQ(TypeOf("main", 1), std::string(99, 't'));
-  // A path that is cut loses its file name, and perhaps a folder, but never gains one.
+  // Cutting a path removes its file name, and perhaps a folder, but never adds one.
   state_.module_file = folder_.At(std::string(300, 'm'));
   EXPECT_EQ(TypeOf("main", 2), std::string(99, 't'));
 }

@@ -1,4 +1,4 @@
-// The module as if freshly loaded, from a folder of the test's own, over the scripted transport.
+// The module as if freshly loaded from the test's own folder, over the scripted transport.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ class ModuleTest : public testing::Test {
     state_.module_file = folder_.At("libQvNetCall4.so");
     CRvoServer::SetConinfo("main", 4000);
   }
-  // By the file beside the module.
+  // Sets the type in the file beside the module.
   void UseServerType(const std::string& type) {
     folder_.Write("QvNetClient.ini", "[Basic]\nServerType=" + type + "\n");
   }

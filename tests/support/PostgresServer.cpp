@@ -42,7 +42,7 @@ std::uint16_t FreePort() {
       .port();
 }
 
-// Runs as the server's user, and no longer than this program.
+// Runs as the server's user, and ends with this program at the latest.
 std::vector<std::string> AsServerUser(std::vector<std::string> command) {
   std::vector<std::string> words{"setpriv", "--pdeathsig", "INT"};
   if (geteuid() == 0) {
@@ -106,7 +106,7 @@ bool PostgresServer::Start() {
        {"listen_addresses=127.0.0.1", "unix_socket_directories=", "fsync=off",
         "synchronous_commit=off", "full_page_writes=off", "autovacuum=off", "shared_buffers=16MB",
         "max_connections=20", "max_wal_senders=0", "logging_collector=off", "log_checkpoints=off",
-        // The pipe, which nobody empties later, must have room for all output.
+        // Nothing reads the pipe later, so it must have room for all output.
         "log_min_messages=log"}) {
     command.insert(command.end(), {"-c", setting});
   }

@@ -46,7 +46,7 @@ TEST(ConnectionText, IsNotToldByDrivers) {
       // Drivers have many names for it.
       {"AuthToken=t0ken;my secret=hush;PassPhrase=words", Hide::kSecrets, "t0ken, hush and words",
        "***, *** and ***"},
-      // The rest of the longer one would be left.
+      // Otherwise the rest of the longer value would remain.
       {"Uid=root;Pwd=root1234", Hide::kAllValues, "root1234 of root", "*** of ***"},
   };
   for (const auto& [connection, hide, said, shown] : cases) {

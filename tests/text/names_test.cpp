@@ -9,7 +9,7 @@
 namespace qv::text {
 namespace {
 
-// Returns whether names of one-byte and of wider characters are judged so alike.
+// Returns whether the name is judged so in bytes and in wider characters.
 bool IsJudged(std::string_view name, bool is_portable) {
   const std::u16string units(name.begin(), name.end());
   const std::wstring wide(name.begin(), name.end());

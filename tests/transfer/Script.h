@@ -32,7 +32,7 @@ struct Script {
     ((call += (call == method ? " " : ",") + Shown(args)), ...);
     calls.push_back(call);
     const std::int32_t result = hresults[method];
-    // A failing call leaves a value there that nobody may use.
+    // A failing call stores a value there that must not be used.
     if (out != nullptr) *out = result < 0 ? 666 : results[method];
     return result;
   }

@@ -1,4 +1,4 @@
-// The library of a scripted component, and how systems differ about it.
+// The library of a scripted component, and what differs between systems.
 #pragma once
 
 #include "Script.h"
@@ -6,7 +6,7 @@
 
 namespace qv::test {
 
-// Keeps the library loaded, so that the component is available from it and from nowhere else.
+// Keeps the library loaded, so that the component can only come from it.
 class ScriptedLibrary {
  public:
   explicit ScriptedLibrary(const char* name);

@@ -86,7 +86,7 @@ class Queues : public ModuleTest {
     const auto call = kCalls[kind];
     return (object().*call)(first.c_str(), second.c_str());
   }
-  // Of a run: its result and its count.
+  // The result and the count of a run.
   std::pair<long, long> Run(int kind) {
     constexpr long (Object::*kCalls[])(long, long&) = {&Object::UploadFile, &Object::DownloadFile,
                                                        &Object::CopyServerile};
@@ -95,7 +95,7 @@ class Queues : public ModuleTest {
     const long result = (object().*call)(7, count_);
     return {result, count_};
   }
-  // The four calls that log on their own.
+  // The four calls that write to the log.
   std::vector<long> SingleCalls() {
     return {object().DeleteServerFile("%s"), object().DeleteServerPath("%d"),
             object().RenameServerFile("o", "n"), object().IsOperatorFileSuc("q")};
@@ -107,7 +107,7 @@ class Queues : public ModuleTest {
     return std::string(report.View().substr(std::string_view(Kind::kLabels[kind]).size()));
   }
   Texts TakeCalls() { return std::exchange(script_->calls, {}); }
-  // What was logged since the last question.
+  // Returns what was logged since the last call.
   Texts TakeLogs() {
     Texts logs;
     for (const SentRequest& request : std::exchange(transport_.requests, {})) {
@@ -274,7 +274,7 @@ TYPED_TEST(Queues, PassFailedCallsOnAsExceptions) {
     EXPECT_EQ(this->count_, 3);
     this->Add(kind, "c", "d");
     EXPECT_EQ(this->Queued(kind), " 2 Files FAIL\n\t\t\t<1> b(a)\n\t\t\t<2> d(c)\n");
-    // The queue is marked before the report asks.
+    // The queue is marked before the report is requested.
     this->script_->results[kRuns[kind]] = 0;
     fails("IsOperatorFileSuc", [&] { this->Run(kind); });
     this->Add(kind, "e", "f");

@@ -1,4 +1,4 @@
-// How components come from the registry, and what they are given.
+// How components are found through the registry, and what they receive.
 #include <gmock/gmock.h>
 #include <windows.h>
 
@@ -24,14 +24,14 @@ bool IsRegistered(const char* key) {
   return true;
 }
 
-// Where the last component that ended did so.
+// Returns where the last component was released.
 std::string Released() {
   char value[16] = {};
   ::GetEnvironmentVariableA(kReleaseVariable, value, sizeof value);
   return value;
 }
 
-// A program that starts anew, in which nothing is loaded yet.
+// Its death tests start the program again, so that nothing is loaded yet.
 class ComDeathTest : public ModuleTest {
  protected:
   ComDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
@@ -42,7 +42,7 @@ fs::path Beside(const char* name) {
   return platform::PathFromNarrow(platform::ProgramFolder() + name);
 }
 
-// Of a component's file by another name: registers it, and lets go of it.
+// Lets the component in `file` register itself, and unloads it.
 void Register(const fs::path& file) {
   void* const library = platform::OpenLibrary(platform::NarrowFromPath(file));
   using Function = HRESULT(STDAPICALLTYPE*)();
@@ -154,8 +154,8 @@ TEST_F(ComDeathTest, ComponentsThatAreNotThere) {
   { const ScriptedLibrary ftp("QvCoFtp"), cloud("QvCoCSC"); }
 }
 
-// With COM's own hold on the file taken away beforehand, since not every system lets go of it when
-// the last apartment is left.
+// COM's own reference to the file is released before, because not every system releases it when the
+// last apartment is left.
 int EndTheCloudComponent() {
   {
     const CRvoCloudStorage cloud;

@@ -1,4 +1,4 @@
-// What the tests of the HTTP transport start from.
+// What the tests of the HTTP transport share.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -37,7 +37,7 @@ inline int Set(const char* name, const std::string& value) {
 class HttpTransport : public testing::Test {
  protected:
   HttpTransport() {
-    // What the environment says of proxies is not for this transport.
+    // The transport must ignore the proxies that the environment names.
     for (const char* const name : {"http_proxy", "https_proxy", "all_proxy"}) {
       SetVariable(name, "http://127.0.0.1:1");
     }

@@ -1,4 +1,4 @@
-// What the tests of both transports call with, and what their servers answer.
+// Calls and answers that the tests of both transports share.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -54,8 +54,8 @@ inline int CallsThatEchoed(const std::function<bool(TransportCall&, int count)>&
   return right;
 }
 
-// Calls three times a server whose connections are no longer in order after an answer: one hangs
-// up, another sends a byte that nobody asked for.
+// Calls a server three times whose connections cannot be used again after an answer: one
+// disconnects, another sends an unexpected byte.
 inline void ExpectConnectionsToBeReplaced(
     const std::function<bool(ServerSide&)>& echo,
     const std::function<int(TransportCall&, std::uint16_t port)>& send) {
@@ -73,7 +73,7 @@ inline void ExpectConnectionsToBeReplaced(
   }
 }
 
-// With its queue full, a listener's system leaves further attempts without an answer.
+// Once the queue of a listener is full, its system does not answer further attempts.
 class FullListener {
  public:
   FullListener() {

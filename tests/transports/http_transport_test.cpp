@@ -219,7 +219,7 @@ TEST_F(HttpTransport, WhatCannotBeSentReachesNobody) {
 
 TEST_F(HttpTransport, GivesUpWhoDoesNotAcceptAnswerOrTake) {
   const FullListener full;
-  // Accepts, and is silent where TLS should begin, or stops reading in the middle of a request.
+  // Accepts and stays silent instead of starting TLS, or stops reading in the middle of a request.
   ScriptedServer deaf([](ServerSide& side) { side.WaitForEnd(); });
   ScriptedServer silent([](ServerSide& side) {
     for (HttpRequestSeen request; ReceiveHttp(side, request);) {

@@ -27,7 +27,7 @@ struct Call : TransportCall {
   int Send(std::uint32_t port) { return SendTo(*this, port); }
 };
 
-// The text fields of the answer to one of the transport's own commands, in one line.
+// Returns the text fields of the answer to one of the transport's own commands in one line.
 std::string Parameter(unsigned int command, const char* name, const char* value = nullptr) {
   Call call(8192);
   call.request.SetCommand(command);
@@ -63,7 +63,7 @@ class SocketTransport : public testing::Test {
   TempFolder folder_;
 };
 
-// A port on which nobody listens any more.
+// Returns a port on which nobody listens.
 std::uint16_t DeadPort() {
   boost::asio::io_context context;
   return tcp::acceptor(context, {boost::asio::ip::address_v4::loopback(), 0})

@@ -1,4 +1,4 @@
-// For test programs in a code page that is not UTF-8, as hosts have one.
+// For test programs that run, like hosts, in a code page other than UTF-8.
 #include <gtest/gtest.h>
 #include <windows.h>
 

@@ -10,7 +10,7 @@ void SetVariable(const std::string& name, const char* value) {
   ::_putenv_s(name.c_str(), value != nullptr ? value : "");
 }
 
-// Needs a right that not every user has, and a system that keeps what it made.
+// Needs a right that not every user has, and a system that supports links.
 bool MakeLink(const std::filesystem::path& target, const std::filesystem::path& link) {
   const std::filesystem::path found = link.parent_path() / target;
   const DWORD kind = std::filesystem::is_directory(found) ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0;

@@ -1,4 +1,4 @@
-// Both components as a script; the two libraries are made of this one source.
+// Both scripted components; both libraries are built from this source.
 #include "qvnetcall/transfer/QvCoCSC.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 #include "tests/transfer/Script.h"
@@ -14,7 +14,7 @@ HRESULT Call(Text method, long* out, Args... args) {
   return script.Call(method, out, args...);
 }
 
-// What both have alike.
+// What both share.
 template <class Interface>
 class Scripted : public Interface {
  public:

@@ -12,7 +12,7 @@ Script script;
 
 std::string Shown(const wchar_t* text) {
   std::string shown;
-  // By its own length, which only a BSTR has.
+  // Uses the length that a BSTR stores, which other strings lack.
   const UINT units = ::SysStringLen(const_cast<BSTR>(text));
   shown.resize(std::size_t{units} * 3);
   const int bytes = ::WideCharToMultiByte(CP_UTF8, 0, text, static_cast<int>(units), shown.data(),

@@ -21,11 +21,12 @@ extern const ServerClass kServerClass;
 
 extern Script script;
 
-// Notes that the interface was asked for, if anybody wants to know.
+// Records that the interface was requested, if a test wants to know.
 void NoteQuestion(const IID& interface_id);
-// Leaves on the thread why a call failed.
+// Stores why a call failed as the error information of the thread.
 void Explain(const std::string& method);
-// Leaves in the environment, where it outlives the server, whether this was in an apartment.
+// Records whether the release happened in an apartment: in the environment, which outlives the
+// server.
 void NoteRelease();
 
 template <class... Args>

@@ -1,4 +1,4 @@
-// What the tests and the servers say to each other beside the script.
+// What tests and servers exchange in addition to the script.
 #pragma once
 
 namespace qv::test {

@@ -14,7 +14,7 @@ void Tell(void* library, const char* function) {
 
 }  // namespace
 
-// The second time after it was registered once more.
+// The second attempt follows after another registration.
 const int kTries = 2;
 
 ScriptedLibrary::ScriptedLibrary(const char* name)
