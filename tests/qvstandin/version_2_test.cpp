@@ -159,6 +159,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, Version2Test, testing::Values(Way::kSocket, Way::
 TEST_P(Version2Test, GivesEveryFailureItsClassAndItsReason) {
   options_.statement_limit = milliseconds(1500);
   options_.answer_limit = 64 << 10;
+  options_.request_limit = 100'000;
   options_.token = "secret";
   Start();
   std::ofstream(folder_.Path() / "db" / "BROKEN.sqlite") << std::string(4096, 'x');
@@ -186,6 +187,10 @@ TEST_P(Version2Test, GivesEveryFailureItsClassAndItsReason) {
       {200, {"DESIGNDB", kForever}, error::kTimeLimit, "the statement took longer than 1500 ms"},
       {200, {"DESIGNDB", many}, error::kTooLarge, "the answer is larger than 64 KiB"},
       {200, {"DESIGNDB", "select zeroblob(3000000)"}, error::kTooLarge, "longer than 1 MiB"},
+      {200,
+       {"DESIGNDB", std::string(200'000, ' ')},
+       error::kTooLarge,
+       "the request is larger than 100000 bytes"},
       {200, {"BROKEN", "select 1 from x"}, error::kInternal, "file is not a database"}};
   const auto client = Connect();
   for (const Case& c : cases) {

@@ -23,19 +23,41 @@ std::string Remark(std::string_view text) {
 
 wire::FrameStatus FrameExchange::Receive(wire::ByteStream& stream, wire::FrameKinds expected,
                                          std::string_view login_token) {
-  const wire::FrameLimits limits{.payload = rules_.request_limit,
-                                 .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
+  const wire::FrameLimits limits{
+      .payload = takes_reasons_ ? wire::kMaxPayload : rules_.request_limit,
+      .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
   wire::FrameHeader header;
   wire::FrameStatus status = wire::ReceiveHeader(stream, expected, limits, header);
   is_hello_ = header.kind == wire::FrameKind::kHello;
   if (status != wire::FrameStatus::kDone || is_hello_) return status;
   token_.resize(header.token_length);
-  payload_.resize(static_cast<std::size_t>(header.payload_length));
-  status = wire::ReceiveMessage(stream, {token_, block_, payload_});
+  status = ReceiveMessage(stream, header);
   command_ = LoadU32(block_.data());
   if (status != wire::FrameStatus::kDone) return status;
   is_allowed_ = ShowsToken(login_token);
   return header.file_length ? ReceiveFile(stream, *header.file_length) : wire::FrameStatus::kDone;
+}
+
+wire::FrameStatus FrameExchange::ReceiveMessage(wire::ByteStream& stream,
+                                                const wire::FrameHeader& header) {
+  is_too_large_ = header.payload_length > rules_.request_limit;
+  if (is_too_large_) return SkipMessage(stream, header);
+  payload_.resize(static_cast<std::size_t>(header.payload_length));
+  return wire::ReceiveMessage(stream, {token_, block_, payload_});
+}
+
+wire::FrameStatus FrameExchange::SkipMessage(wire::ByteStream& stream,
+                                             const wire::FrameHeader& header) {
+  constexpr std::uint64_t kPiece = 1U << 20;
+  if (!stream.Read(token_) || !stream.Read(block_)) return wire::FrameStatus::kConnectionLost;
+  std::uint64_t left = header.payload_length + wire::kFrameChecksumSize;
+  std::vector<unsigned char> piece(kPiece);
+  while (left != 0) {
+    const auto length = static_cast<std::size_t>(std::min(left, kPiece));
+    if (!stream.Read({piece.data(), length})) return wire::FrameStatus::kConnectionLost;
+    left -= length;
+  }
+  return wire::FrameStatus::kDone;
 }
 
 wire::FrameStatus FrameExchange::ReceiveFile(wire::ByteStream& stream, std::uint64_t length) {
@@ -58,17 +80,14 @@ bool FrameExchange::ShowsToken(std::string_view login_token) const {
 }
 
 bool FrameExchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
-  if (is_allowed_) {
-    WorkLimit limit(rules_.statement_limit, abandoned);
-    const auto name_field = NameField(block_).subspan(kNameFieldAt);
-    reply_ = standin::Answer(services_, {.command = command_,
-                                         .fields = FieldReader(payload_),
-                                         .limit = limit,
-                                         .form = form,
-                                         .name_field = name_field,
-                                         .file = received_ ? received_->Path() : ""});
-  } else {
+  if (!is_allowed_) {
     AddFailure(reply_, {ErrorCode::kAccessDenied, "wrong token"});
+  } else if (is_too_large_) {
+    AddFailure(reply_, {ErrorCode::kNotPermitted,
+                        "the request is larger than " + TextOfBytes(rules_.request_limit),
+                        error::kTooLarge});
+  } else {
+    reply_ = Work(form, abandoned);
   }
   payload_ = {};  // frees a large request before its reply is sent
   received_.reset();
@@ -77,6 +96,17 @@ bool FrameExchange::Answer(AnswerForm form, const std::function<bool()>& abandon
   }
   Record();
   return OpenReplyFile();
+}
+
+Reply FrameExchange::Work(AnswerForm form, const std::function<bool()>& abandoned) {
+  WorkLimit limit(rules_.statement_limit, abandoned);
+  const auto name_field = NameField(block_).subspan(kNameFieldAt);
+  return standin::Answer(services_, {.command = command_,
+                                     .fields = FieldReader(payload_),
+                                     .limit = limit,
+                                     .form = form,
+                                     .name_field = name_field,
+                                     .file = received_ ? received_->Path() : ""});
 }
 
 bool FrameExchange::OpenReplyFile() {

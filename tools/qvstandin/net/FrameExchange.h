@@ -30,7 +30,8 @@ class FrameExchange {
                                           std::string_view login_token = {});
   // Returns whether a hello came, which is not executed.
   [[nodiscard]] bool IsHello() const { return is_hello_; }
-  // Makes the reply one of version 2, with the reason of a failure. Call it before Answer().
+  // Makes the reply one of version 2, with the reason of a failure. Call it before Receive(). A
+  // request that is too large is read to its end then, so that it can be answered.
   void TakeReasons() { takes_reasons_ = true; }
   // Returns whether the request carried a valid token, or none is required.
   [[nodiscard]] bool IsAllowed() const { return is_allowed_; }
@@ -45,6 +46,13 @@ class FrameExchange {
   using Clock = std::chrono::steady_clock;
 
   [[nodiscard]] bool ShowsToken(std::string_view login_token) const;
+  [[nodiscard]] wire::FrameStatus ReceiveMessage(wire::ByteStream& stream,
+                                                 const wire::FrameHeader& header);
+  // Reads a message to its end and keeps only its token and its block.
+  [[nodiscard]] wire::FrameStatus SkipMessage(wire::ByteStream& stream,
+                                              const wire::FrameHeader& header);
+  // Executes the request.
+  [[nodiscard]] Reply Work(AnswerForm form, const std::function<bool()>& abandoned);
   [[nodiscard]] wire::FrameStatus ReceiveFile(wire::ByteStream& stream, std::uint64_t length);
   [[nodiscard]] bool OpenReplyFile();
   [[nodiscard]] wire::FrameKind ReplyKind() const;
@@ -61,6 +69,7 @@ class FrameExchange {
   bool is_hello_ = false;
   bool is_allowed_ = false;
   bool takes_reasons_ = false;
+  bool is_too_large_ = false;
   std::optional<TemporaryFile> received_;
   Reply reply_;
   std::vector<unsigned char> reason_;

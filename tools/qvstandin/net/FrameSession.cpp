@@ -46,6 +46,7 @@ void FrameSession::Serve() {
 
 bool FrameSession::ServeRequest() {
   FrameExchange exchange(stream_, services_, rules_);
+  if (takes_version_2_) exchange.TakeReasons();
   const wire::FrameKinds expected = wire::kFirstFromClient;
   const wire::FrameStatus status = exchange.Receive(stream_, expected.first(is_new_ ? 2 : 1));
   is_new_ = false;
@@ -63,7 +64,6 @@ bool FrameSession::ServeRequest() {
 }
 
 bool FrameSession::Answer(FrameExchange& exchange) {
-  if (takes_version_2_) exchange.TakeReasons();
   ProgressClock clock;
   const auto is_abandoned = [&] {
     const auto at_work = takes_version_2_ ? clock.IsDue() : std::nullopt;

@@ -67,6 +67,7 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
   }
   HttpBody body(stream_, request);
   FrameExchange exchange(stream_, services_, rules_);
+  if (request.takes_version_2) exchange.TakeReasons();
   const wire::FrameStatus received = exchange.Receive(body, kOnlyRequests, request.login_token);
   const bool is_whole = received == wire::FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;
@@ -80,7 +81,6 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
 
 // Progress precedes the reply in a body whose length is not known then.
 bool HttpSession::Answer(const HttpRequestHead& request, FrameExchange& exchange) {
-  if (request.takes_version_2) exchange.TakeReasons();
   HttpReplyHead reply{.is_chunked = true};
   if (exchange.IsAllowed()) {
     reply.keep_alive = request.keep_alive;

@@ -43,7 +43,8 @@ struct StandInOptions {
   std::chrono::milliseconds io_timeout{30'000};
   std::chrono::milliseconds idle_timeout{600'000};
   std::chrono::milliseconds statement_limit{600'000};  // 0: none
-  // Called for every request just before its reply is sent, on the thread that serves the client.
+  // Called for every request just before its reply is sent, on the thread that serves the client,
+  // and, with command 0, for every client that was refused because the server is full.
   std::function<void(const ServedCommand&)> on_served;
 };
 
