@@ -1,4 +1,5 @@
 #include "base/platform/Platform.h"
+#include "base/platform/PlainText.h"
 
 #include <gmock/gmock.h>
 
@@ -11,6 +12,7 @@
 #include <utility>
 
 #include "base/platform/Folder.h"
+#include "base/platform/PlainText.h"
 #include "base/platform/ThreadSlot.h"
 #include "tests/support/Shape.h"
 #include "tests/support/TempFolder.h"
@@ -148,6 +150,21 @@ struct Noted {
   ~Noted() { *ended += "."; }
   std::string* ended = nullptr;
 };
+
+TEST(Platform, MakesTextsOfOthersFitToBeShown) {
+  const std::string plan = NarrowFromWide(u"\u56fe\u7eb8");
+  const std::pair<std::string, std::string> cases[] = {
+      {"near \"form\": syntax error", "near \"form\": syntax error"},
+      {"a\r\n\tb\x1b[31m\x7f", "a   b [31m "},
+      {std::string("a\0b", 3), "a b"},
+      {plan, plan},
+      {"a\xFF" + plan, "a?" + std::string(plan.size(), '?')}};
+  for (const auto& [given, plain] : cases) EXPECT_EQ(PlainText(given, 1000), plain);
+  EXPECT_EQ(PlainText(plan, plan.size() - 1), NarrowFromWide(u"\u56fe")) << "no half characters";
+  EXPECT_EQ(PlainText(plan, 0), "");
+  EXPECT_EQ(NarrowFromUtf8("a \xE5\x9B\xBE\xE7\xBA\xB8"), "a " + plan);
+  EXPECT_EQ(NarrowFromUtf8("\xF0\x9F\x98\x80"), NarrowFromWide(u"\xD83D\xDE00"));
+}
 
 TEST(Platform, EndsWhatAThreadHasWhenTheThreadEnds) {
   std::string ended;

@@ -1,6 +1,8 @@
 #include <array>
 
 #include "HttpTransport.h"
+#include "qvnetcall/ResultCodes.h"
+#include "qvnetcall/transport/CallControl.h"
 #include "tests/support/TlsSide.h"
 
 namespace qv::wire {
@@ -40,6 +42,10 @@ TEST_F(HttpTransport, TrustsOnlyCertificatesThatAreInOrder) {
     EXPECT_EQ(HttpCall().Send(server.Port()), one.result);
     EXPECT_EQ(HttpCall().Send(server.Port(), "http://127.0.0.1"), one.result);
     EXPECT_EQ(Set("tls", "0"), 1);
+    char text[500];
+    EXPECT_EQ(HttpworkTransLastError(text, sizeof text),
+              one.result == 0 ? error::kNone : error::kCannotConnect);
+    EXPECT_THAT(text, testing::HasSubstr(one.result == 0 ? "" : "certificate"));
     EXPECT_EQ(server.Connections(), one.result == 0 ? 1 : 3);
     HttpworkTransFini();
     server.WaitForFinished(server.Connections());
