@@ -51,6 +51,7 @@ Answer ReadAnswer(wire::ByteStream& stream) {
 class Client : public RawClient {
  public:
   using RawClient::RawClient;
+  virtual ~Client() = default;
   virtual Answer Ask(const std::string& frame) = 0;
   // Returns the reason if the server says that it is busy.
   virtual std::string AskWhetherBusy() = 0;
