@@ -15,10 +15,10 @@ void List(const char* folder) {
   // The caller owns the records.
   const std::unique_ptr<CZelkorSvrFileInfo[]> files(CRvoFolder::GetFilesInFolder(folder, count, 0));
   for (int i = 0; files != nullptr && i < count; ++i) {
+    const CZelkorSvrFileInfo& file = files.get()[i];
     std::printf(
-        "%s\\%s: %llu bytes\n", folder,
-        qv::records::Text(files[i], qv::records::file::kName).c_str(),
-        static_cast<unsigned long long>(qv::records::Number(files[i], qv::records::file::kSize)));
+        "%s\\%s: %llu bytes\n", folder, qv::records::Text(file, qv::records::file::kName).c_str(),
+        static_cast<unsigned long long>(qv::records::Number(file, qv::records::file::kSize)));
   }
 }
 
