@@ -284,6 +284,12 @@ TEST(Failures, SayTheReasonAndAHintWhereItHelps) {
       {Call::kBatch, Route::kSocket, kOutcomeUnknown, {qv::error::kCancelled, "c"}, "c", doubt},
       {Call::kExec, Route::kSocket, kOutcomeUnknown, {qv::error::kNoProgress, "n"}, "n", doubt},
       {Call::kQuery, Route::kSocket, kOutcomeUnknown, {qv::error::kNoProgress, "n"}, "n", "again"},
+      {Call::kLook,
+       Route::kSocket,
+       0,
+       {qv::error::kUnknownObject, "no such folder"},
+       "the server has no such entry",
+       ""},
       {Call::kExec, Route::kDirect, kFailed, {}, "the database refused the statement", "check"},
   };
   for (const auto& [call, route, code, reason, what, hint] : cases) {

@@ -100,7 +100,7 @@ int Run(const ConnectionOptions& connection, const GetFiles& command, std::ostre
   }
   const Files files = PlanDownload(command, report);
   // A server shows an empty store to a client without a valid token.
-  if (files.empty() && !session.Probe())
+  if (files.empty() && !report.HasFailures() && !session.Probe())
     report.Fail(session.Address(), Call::kDownload, result::kTransferRefused);
   Fetch(files, parts, progress, report);
   parts.Remove();  // while an interrupt still runs the clean-up

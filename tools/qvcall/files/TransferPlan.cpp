@@ -97,7 +97,7 @@ class DownloadPlan {
     } else if (CRvoServer::GetIsNetworkBad(1) == 1) {
       report_.Fail(server, Call::kDownload, result::kNotDelivered);
     } else if (const auto folder = FindFolder(server); !folder) {
-      report_.Fail(server, Call::kDownload, result::kDownloadFailed);
+      report_.Fail(server, Call::kLook, 0);
     } else if (!recursive_) {
       report_.Fail(server, "is a folder, which is fetched only with -r");
     } else {

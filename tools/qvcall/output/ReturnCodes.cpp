@@ -284,8 +284,12 @@ std::string Hint(Call call, Route route, int code, int error_class) {
 Failure DescribeFailure(Call call, Route route, int code, const Reason& reason) {
   const ReturnCode words = ExplainResult(call, route, code);
   const bool is_known = !reason.text.empty();
-  return {fmt::format("{} (result {})",
-                      is_known ? Visible(reason.text) : std::string(words.meaning), code),
+  std::string what = is_known ? Visible(reason.text) : std::string(words.meaning);
+  // A look is several calls, and the last of them says only what it looked for.
+  if (call == Call::kLook && reason.error_class == error::kUnknownObject) {
+    what = "the server has no such entry";
+  }
+  return {fmt::format("{} (result {})", what, code),
           is_known ? Hint(call, route, code, reason.error_class) : std::string(words.advice)};
 }
 
