@@ -20,7 +20,7 @@
 // afterwards; whether a statement was carried out is unknown. In local mode the driver's statement
 // is cancelled, and the call returns 1. CRvoServer::GetLastErrorClass is qv::error::kCancelled.
 // Calls that were finished already keep their results. The calls of CRvoFtp and CRvoCloudStorage
-// are not cancelled, nor are opening a local database and reading an answer that has arrived.
+// are not cancelled, nor are opening a local database and flushing a received file to the disk.
 // Transports of others may not support this; then only calls that were not begun are cancelled.
 class QVNETCALL_API CRvoCancel {
  public:
