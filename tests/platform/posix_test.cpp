@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "base/platform/Platform.h"
+#include "base/platform/StandardError.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 
@@ -28,6 +29,35 @@ TEST(Platform, ReadsAHeadingWithoutItsEnd) {
   const std::string file = folder.Write("open.ini", ";[a]\n[ last\n;key=off\nkey=1");
   EXPECT_EQ(ReadIniValue(file, "LAST", "KEY"), "1");
   EXPECT_EQ(ReadIniValue(file, "last", ";key"), std::nullopt);
+}
+
+// Puts a pipe that nobody reads in the place of standard error.
+class UnreadStandardError {
+ public:
+  UnreadStandardError() : kept_(dup(STDERR_FILENO)) {
+    EXPECT_EQ(pipe(ends_), 0);
+    dup2(ends_[1], STDERR_FILENO);
+  }
+  ~UnreadStandardError() {
+    dup2(kept_, STDERR_FILENO);
+    for (const int end : {kept_, ends_[0], ends_[1]}) close(end);
+  }
+
+ private:
+  int kept_;
+  int ends_[2] = {-1, -1};
+};
+
+TEST(Platform, NeverWaitsForWhoeverReadsStandardError) {
+  const std::string line(4096, 'x');
+  const UnreadStandardError unread;
+  int written = 0;
+  while (StandardErrorHasRoom() && written < 10000) {
+    ASSERT_EQ(write(STDERR_FILENO, line.data(), line.size()), 4096);
+    ++written;
+  }
+  EXPECT_GT(written, 0);
+  EXPECT_LT(written, 10000);
 }
 
 TEST(Platform, TakesOthersRightsAwayAndFollowsNoLink) {

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "base/platform/Platform.h"
+#include "base/platform/StandardError.h"
 #include "tools/qvstandin/net/StandIn.h"
 
 namespace {
@@ -30,6 +31,7 @@ int Run(const qv::StandInOptions& options) {
     signals.clear(ignored);
   });
   qv::platform::SurviveFileLimits();  // hitting a file size limit fails one request only
+  qv::platform::SurviveClosedPipes();
 
   qv::StandIn server(options);
   std::string error;

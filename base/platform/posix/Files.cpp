@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "base/platform/Platform.h"
+#include "base/platform/StandardError.h"
 
 namespace qv::platform {
 
@@ -125,5 +127,12 @@ bool ReplaceByRename(const std::string& from, const std::string& to) {
 bool FlushToDisk(std::FILE* file) { return std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0; }
 
 void SurviveFileLimits() { std::signal(SIGXFSZ, SIG_IGN); }
+
+void SurviveClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
+
+bool StandardErrorHasRoom() {
+  pollfd target{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
+  return ::poll(&target, 1, 0) == 1;
+}
 
 }  // namespace qv::platform

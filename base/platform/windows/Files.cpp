@@ -9,6 +9,7 @@
 #include "Handle.h"
 #include "OwnerOnly.h"
 #include "base/platform/Platform.h"
+#include "base/platform/StandardError.h"
 
 namespace qv::platform {
 
@@ -160,5 +161,10 @@ bool FlushToDisk(std::FILE* file) {
 }
 
 void SurviveFileLimits() {}  // Windows has no such limit.
+
+void SurviveClosedPipes() {}  // On Windows, such writes fail anyway.
+
+// Windows cannot tell. Whoever starts the server with a pipe has to read it.
+bool StandardErrorHasRoom() { return true; }
 
 }  // namespace qv::platform

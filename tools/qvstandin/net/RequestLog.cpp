@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/platform/Platform.h"
+#include "base/platform/StandardError.h"
 #include "base/text/Letters.h"
 #include "base/text/SqlText.h"
 
@@ -39,6 +40,11 @@ std::string Quoted(std::string_view text) {
   std::string quoted = "\"";
   for (const char ch : text) quoted += ch == '"' ? '\'' : ch;
   return quoted + '"';
+}
+
+void Put(std::string_view line, std::FILE* target) {
+  std::fwrite(line.data(), 1, line.size(), target);
+  std::fflush(target);
 }
 
 }  // namespace
@@ -115,13 +121,15 @@ void RequestLog::Add(const ServedCommand& served) {
 }
 
 void RequestLog::Write(std::string_view line) {
+  if (options_.file.empty()) {
+    if (platform::StandardErrorHasRoom()) Put(line, stderr);
+    return;
+  }
   const bool is_full = size_ != 0 && size_ + line.size() > options_.size;
-  if (!options_.file.empty() && is_full) Rotate();
-  std::FILE* const target = options_.file.empty() ? stderr : file_.get();
-  if (target == nullptr) return;
+  if (is_full) Rotate();
+  if (file_ == nullptr) return;
   size_ += line.size();
-  std::fwrite(line.data(), 1, line.size(), target);
-  std::fflush(target);
+  Put(line, file_.get());
 }
 
 // A file that cannot be renamed is emptied, so that the disk does not fill up.

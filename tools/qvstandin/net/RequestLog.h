@@ -26,8 +26,8 @@ struct RequestLogOptions {
 [[nodiscard]] std::string LogLine(const ServedCommand& served, bool with_statement);
 [[nodiscard]] std::string JsonLine(const ServedCommand& served, bool with_statement);
 
-// Any thread may add lines. What cannot be written is lost: a full disk must not cost a client its
-// answer.
+// Any thread may add lines. What cannot be written at once is lost: a full disk, or a pipe that
+// nobody reads, must not cost a client its answer.
 class RequestLog {
  public:
   // How many older files are kept, as FILE.1, the newest, to FILE.3.
