@@ -51,6 +51,11 @@ class EndToEnd : public testing::Test {
     return server;
   }
 
+  static void ConnectTo(std::uint16_t port, bool web) {
+    CRvoServer::SetConinfo("127.0.0.1", port);
+    CRvoServer::SetServerType(web ? "WEB_IIS" : "TCP_IP", "127.0.0.1", port);
+  }
+
   using RowsCall = int (*)(const CString*, CRvoDbRes*, const char*, int);
   // Returns all cells of a query as text, or "result N".
   static std::string Rows(const char* text, int use_cache = 0,

@@ -60,10 +60,10 @@ class Cancel : public EndToEnd {
     return result;
   }
 
-  static int Select(const char* text) {
+  static int Select(const char* text, RowsCall call = CRvoDatabase::SelectSQL) {
     CRvoDbRes rows;
     const CString sql(text);
-    return CRvoDatabase::SelectSQL(&sql, &rows, "DESIGNDB", 0);
+    return call(&sql, &rows, "DESIGNDB", 0);
   }
 
   CRvoCancel cancel_;
@@ -74,11 +74,7 @@ TEST_F(Cancel, EndsEveryKindOfCallOverBothTransports) {
   const std::function<int()> calls[] = {
       [] { return Select("select 1"); },
       [] { return Execute("update x"); },
-      [] {
-        CRvoDbRes rows;
-        const CString sql("exec x");
-        return CRvoDatabase::ExecuteSP(&sql, &rows, "DESIGNDB", 0);
-      },
+      [] { return Select("exec x", CRvoDatabase::ExecuteSP); },
       [] {
         return ExecuteBatch({"update x", "update y"});
       },
@@ -95,8 +91,7 @@ TEST_F(Cancel, EndsEveryKindOfCallOverBothTransports) {
       while (web ? ReceiveHttp(side, web_request, stored) : side.Receive(request, stored)) {
       }
     });
-    CRvoServer::SetConinfo("127.0.0.1", server.Port());
-    CRvoServer::SetServerType(web ? "WEB_IIS" : "TCP_IP", "127.0.0.1", server.Port());
+    ConnectTo(server.Port(), web);
     for (std::size_t i = 0; i < (web ? kOverTheWeb : std::size(calls)); ++i) {
       SCOPED_TRACE(std::to_string(i) + (web ? " over the web" : ""));
       EXPECT_EQ(Cancelled(calls[i], std::chrono::milliseconds(30)), -2);
@@ -114,9 +109,7 @@ TEST_F(Cancel, MakesTheServerStopItsWork) {
   const auto server = Serve(options);
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   for (const bool web : {false, true}) {
-    const std::uint16_t port = web ? server->HttpPort() : server->Port();
-    CRvoServer::SetConinfo("127.0.0.1", port);
-    CRvoServer::SetServerType(web ? "WEB_IIS" : "TCP_IP", "127.0.0.1", port);
+    ConnectTo(web ? server->HttpPort() : server->Port(), web);
     const std::size_t before = server->Served().size();
     // A cancel may come before the connection, which gives -1.
     for (const int after : {0, 1, 3, 10, 100}) {

@@ -28,12 +28,8 @@ class EveryWay : public EndToEnd, public testing::WithParamInterface<Way> {
     options.memory_threshold = 20'000;
     options.compress = true;
     server_ = Serve(options);
-    if (GetParam() == Way::kWeb) {
-      CRvoServer::SetConinfo("127.0.0.1", server_->HttpPort());
-      CRvoServer::SetServerType("WEB_IIS", "127.0.0.1", server_->HttpPort());
-    } else {
-      CRvoServer::SetServerType("TCP_IP", "127.0.0.1", server_->Port());
-    }
+    const bool web = GetParam() == Way::kWeb;
+    ConnectTo(web ? server_->HttpPort() : server_->Port(), web);
     if (GetParam() == Way::kDirect) {
       CRvoServer::UseLocalDB(1);
       CRvoServer::CareOpenDBConn(0);  // the connection text comes from the server, for each call

@@ -5,24 +5,6 @@
 namespace qv {
 namespace {
 
-TEST_F(EndToEnd, EveryWayOfAnAnswerGivesTheSameRows) {
-  std::string first;
-  for (const bool compress : {false, true}) {
-    for (const std::uint32_t threshold : {0u, 900u << 10}) {
-      StandInOptions options = Options();
-      options.memory_threshold = threshold;
-      options.compress = compress;
-      const auto server = Serve(options);
-      const std::string rows = Rows(kAllTypes);
-      ASSERT_FALSE(rows.starts_with("result")) << rows;
-      if (first.empty()) first = rows;
-      EXPECT_EQ(rows, first);
-      EXPECT_EQ(server->Served().back().command, compress ? 210u : 200u);
-      DropBinaryCells();
-    }
-  }
-}
-
 TEST_F(EndToEnd, GoesOfflineAndComesBack) {
   const char* const query = "select id, name from projects order by id";
   auto server = Serve(Options());

@@ -60,7 +60,7 @@ class DirectAccess : public testing::Test {
   OdbcLocalDatabase database_{files_};
 };
 
-TEST_F(DirectAccess, GivesColumnsAsTheReadersDo) {
+TEST_F(DirectAccess, GivesColumnsAsTheReadersDoAndExactCells) {
   const struct {
     const char* declared;
     const char* value;
@@ -68,63 +68,38 @@ TEST_F(DirectAccess, GivesColumnsAsTheReadersDo) {
     const char* text;
     int length;
     const char* of_null;
+    const char* exact;
   } cases[] = {
-      {"smallint", "-12", kTypeSmallInt, "-12", 3, "0"},
-      {"integer", "2147483647", kTypeInteger, "2147483647", 10, "0"},
-      {"integer", "'12 apples'", kTypeInteger, "12", 2, "0"},
-      {"integer", "'apples'", kTypeInteger, "0", 1, "0"},
-      {"bigint", "9007199254740993", kTypeBigInt, "2147483647", 10, "0"},
-      {"bigint", "-9007199254740993", kTypeBigInt, "-2147483648", 11, "0"},
-      {"tinyint", "200", kTypeUnsignedTinyInt, "200", 3, "0"},
-      {"boolean", "1", kTypeBoolean, "1", 1, "0"},
-      {"boolean", "'True'", kTypeBoolean, "1", 1, "0"},
-      {"boolean", "'no'", kTypeBoolean, "0", 1, "0"},
-      {"double", "2.5", kTypeDouble, "2.500000", 8, "0.000000"},
-      {"float", "'text'", kTypeDouble, "0.000000", 8, "0.000000"},
-      {"date", "'2024-02-09'", kTypeDate, "2024-02-09 00:00:00", 14, ""},
-      {"timestamp", "'2024-02-09 13:14:15.6'", kTypeTimeStamp, "2024-02-09 13:14:15", 17, ""},
-      {"timestamp", "'no date'", kTypeTimeStamp, "", 0, ""},
-      {"varchar(20)", "'  中\U0001F600 \t'", kTypeVarChar, "中\U0001F600", 7, ""},
-      {"text", "'&#x3c;'", kTypeLongVarChar, "&#x3c;", 6, ""}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.declared) + " " + c.value);
-    Run("drop table if exists T");
-    Run(std::string("create table T (C ") + c.declared + ")");
-    Run(std::string("insert into T values (") + c.value + ")");
-    Run("insert into T values (null)");
-    CRvoDbRes rows;
-    Query("select C from T", rows);
-    ASSERT_EQ(rows.GetRecordCount(), 2);
-    const Column& column = ResultTable::Of(rows).Columns().front();
-    EXPECT_EQ(column.name, "C");
-    EXPECT_EQ(column.type, c.type);
-    EXPECT_EQ(rows._str(0, 0), c.text);
-    EXPECT_EQ(rows._str(1, 0), c.of_null);
-    EXPECT_EQ(rows.GetFiledLength(0), c.length);
-  }
-}
-
-TEST_F(DirectAccess, GivesExactCellsAndNulls) {
-  const struct {
-    const char* declared;
-    const char* value;
-    const char* text;
-  } cases[] = {
-      {"bigint", "9223372036854775807", "9223372036854775807"},
-      {"bigint", "-9223372036854775807 - 1", "-9223372036854775808"},
-      {"integer", "133844670540", "133844670540"},
-      {"integer", "'99999999999 apples'", "99999999999"},
-      {"boolean", "0", "0"},
-      {"double", "0.1", "0.1"},
-      {"double", "1e-9", "1e-09"},
-      {"double", "1e300", "1e+300"},
-      {"double", "-123456789.012345", "-123456789.012345"},  // this driver gives 15 digits
-      {"timestamp", "'2024-02-09 13:14:15.678'", "2024-02-09 13:14:15.678"},
-      {"date", "'2024-02-09'", "2024-02-09 00:00:00"},
-      {"numeric(18,4)", "'12345678901.5678'", "12345678901.5678"},
-      {"varchar(20)", "''", ""},
-      {"blob", "x''", ""},
-  };
+      {"smallint", "-12", kTypeSmallInt, "-12", 3, "0", "-12"},
+      {"integer", "2147483647", kTypeInteger, "2147483647", 10, "0", "2147483647"},
+      {"integer", "133844670540", kTypeInteger, "2147483647", 10, "0", "133844670540"},
+      {"integer", "'12 apples'", kTypeInteger, "12", 2, "0", "12"},
+      {"integer", "'99999999999 apples'", kTypeInteger, "2147483647", 10, "0", "99999999999"},
+      {"integer", "'apples'", kTypeInteger, "0", 1, "0", "0"},
+      {"bigint", "9223372036854775807", kTypeBigInt, "2147483647", 10, "0", "9223372036854775807"},
+      {"bigint", "-9223372036854775807 - 1", kTypeBigInt, "-2147483648", 11, "0",
+       "-9223372036854775808"},
+      {"tinyint", "200", kTypeUnsignedTinyInt, "200", 3, "0", "200"},
+      {"boolean", "1", kTypeBoolean, "1", 1, "0", "1"},
+      {"boolean", "'True'", kTypeBoolean, "1", 1, "0", "1"},
+      {"boolean", "'no'", kTypeBoolean, "0", 1, "0", "0"},
+      {"double", "2.5", kTypeDouble, "2.500000", 8, "0.000000", "2.5"},
+      {"double", "0.1", kTypeDouble, "0.100000", 8, "0.000000", "0.1"},
+      {"double", "1e-9", kTypeDouble, "0.000000", 8, "0.000000", "1e-09"},
+      {"double", "1e22", kTypeDouble, "10000000000000000000000.000000", 30, "0.000000", "1e+22"},
+      {"double", "-123456789.012345", kTypeDouble, "-123456789.012345", 17, "0.000000",
+       "-123456789.012345"},  // this driver gives 15 digits
+      {"float", "'text'", kTypeDouble, "0.000000", 8, "0.000000", "0"},
+      {"date", "'2024-02-09'", kTypeDate, "2024-02-09 00:00:00", 14, "", "2024-02-09 00:00:00"},
+      {"timestamp", "'2024-02-09 13:14:15.678'", kTypeTimeStamp, "2024-02-09 13:14:15", 17, "",
+       "2024-02-09 13:14:15.678"},
+      {"timestamp", "'no date'", kTypeTimeStamp, "", 0, "", "no date"},
+      {"numeric(18,4)", "'12345678901.5678'", kTypeNumeric, "12345678901.5678", 16, "",
+       "12345678901.5678"},
+      {"varchar(20)", "'  中\U0001F600 \t'", kTypeVarChar, "中\U0001F600", 7, "", "中\U0001F600"},
+      {"varchar(20)", "''", kTypeVarChar, "", 0, "", ""},
+      {"text", "'&#x3c;'", kTypeLongVarChar, "&#x3c;", 6, "", "&#x3c;"},
+      {"blob", "x''", kTypeLongVarBinary, "", 0, "", ""}};
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.declared) + " " + c.value);
     Run("drop table if exists T");
@@ -132,13 +107,18 @@ TEST_F(DirectAccess, GivesExactCellsAndNulls) {
     Run(std::string("insert into T values (1, ") + c.value + "), (2, null)");
     CRvoDbRes rows;
     Query("select C from T order by Id", rows);
-    EXPECT_FALSE(rows.IsNull(0, "C"));
-    EXPECT_EQ(rows._text(0, "C"), c.text);
-    EXPECT_TRUE(rows.IsNull(1, "C"));
+    ASSERT_EQ(rows.GetRecordCount(), 2);
+    const Column& column = ResultTable::Of(rows).Columns().front();
+    EXPECT_EQ(column.name, "C");
+    EXPECT_EQ(column.type, c.type);
+    EXPECT_EQ(rows._str(0, 0), c.text);
+    EXPECT_EQ(rows._str(1, 0), c.of_null);
+    EXPECT_EQ(rows.GetFiledLength(0), c.length);
+    EXPECT_EQ(rows._text(0, "C"), c.exact);
     EXPECT_EQ(rows._text(1, "C"), "");
+    EXPECT_TRUE(!rows.IsNull(0, "C") && rows.IsNull(1, "C"));
     Query("select 'x' as Later", rows);
-    EXPECT_TRUE(rows.IsNull(0, "C"));
-    EXPECT_FALSE(rows.IsNull(0, "Later"));
+    EXPECT_TRUE(rows.IsNull(0, "C") && !rows.IsNull(0, "Later"));
   }
 }
 
@@ -173,11 +153,6 @@ TEST_F(DirectAccess, BringsManyColumnsAndLongNames) {
   ASSERT_EQ(rows.GetFieldCount(), 1901);
   EXPECT_EQ(rows["c1899"], "1899");
   EXPECT_THAT(name, StartsWith(std::string(rows.GetFiledName(1900).View())));
-}
-
-TEST_F(DirectAccess, KeepsTheDatabaseWhereTheTextSays) {
-  Run("create table T (Id int)");
-  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
 }
 
 TEST_F(DirectAccess, WritesBinaryCellsToFiles) {
@@ -252,6 +227,7 @@ TEST_F(DirectAccess, ReadsNoMoreThanTheLimit) {
 TEST_F(DirectAccess, KeepsConnectionsByName) {
   CRvoDbRes rows;
   EXPECT_EQ(database_.Execute("create table OnlyHere (N int)", "DESIGN"), 0);
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
   EXPECT_EQ(database_.Execute("", "DESIGN"), 1);
   EXPECT_EQ(database_.Select("select 1", rows, "design"), 1);
   EXPECT_THAT(database_.LastError(), HasSubstr("no connection"));

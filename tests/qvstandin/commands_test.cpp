@@ -1,6 +1,5 @@
 // Tests each command's reply, and what is forbidden to clients, without a network.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <set>

@@ -3,7 +3,6 @@
 #include "tools/qvstandin/databases/DatabaseSettings.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 

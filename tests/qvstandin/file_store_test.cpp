@@ -2,7 +2,6 @@
 #include "tools/qvstandin/stores/FileStore.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <filesystem>

@@ -1,6 +1,5 @@
 // Tests the server over HTTP with handwritten requests.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
@@ -8,78 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "ServerFixture.h"
+#include "HttpClient.h"
 
 namespace qv::standin {
 namespace {
 
-const std::string kHost = "Host: x\r\n";
-const std::string kBytes = "Content-Type: application/octet-stream\r\n";
-const std::string kChunked = "Transfer-Encoding: chunked\r\n";
 const std::string kPing = FrameOf(3, {});
-
-std::string Length(std::size_t length) {
-  return "Content-Length: " + std::to_string(length) + "\r\n";
-}
-
-std::string Post(const std::string& fields, const std::string& body) {
-  return "POST /qvcall HTTP/1.1\r\n" + kHost + kBytes + fields + "\r\n" + body;
-}
-
-std::string Call(const std::string& frame, const std::string& fields = {}) {
-  return Post(fields + Length(frame.size()), frame);
-}
 
 std::string Chunk(const std::string& bytes) {
   std::string size(8, '\0');
   size.resize(static_cast<std::size_t>(std::snprintf(size.data(), 9, "%zx", bytes.size())));
   return size + "\r\n" + bytes + "\r\n";
 }
-
-struct HttpReply {
-  std::string status;  // "200"; empty if no reply came
-  std::string head;
-  std::string body;
-
-  [[nodiscard]] std::string Value(const std::string& name) const {
-    const std::size_t at = head.find("\r\n" + name + ": ");
-    if (at == std::string::npos) return {};
-    const std::size_t start = at + name.size() + 4;
-    return head.substr(start, head.find("\r\n", start) - start);
-  }
-  // Returns the fields of the frame in the body, which must contain nothing else. Its file goes to
-  // `path`.
-  [[nodiscard]] std::vector<std::string> Fields(const std::string& path = {}) const {
-    MemoryStream stream;
-    stream.unread = body;
-    const WholeFrame frame = ReceiveWhole(stream, wire::FrameKind::kReply, path);
-    EXPECT_EQ(frame.status, wire::FrameStatus::kDone);
-    EXPECT_EQ(stream.unread, "");
-    return FieldsOf(frame.payload);
-  }
-  [[nodiscard]] std::string Outcome() const { return Fields().at(0); }
-};
-
-class HttpClient : public RawClient {
- public:
-  using RawClient::RawClient;
-
-  HttpReply Receive(bool has_body = true) {
-    HttpReply reply;
-    while (!reply.head.ends_with("\r\n\r\n")) {
-      const std::string byte = Read(1);
-      if (byte.empty()) return {};
-      reply.head += byte;
-    }
-    reply.status = reply.head.substr(reply.head.find(' ') + 1, 3);
-    if (has_body) reply.body = Read(std::stoul("0" + reply.Value("Content-Length")));
-    return reply;
-  }
-  HttpReply Ask(const std::string& bytes) {
-    EXPECT_TRUE(Send(bytes));
-    return Receive();
-  }
-};
 
 class HttpServerTest : public ServerTest {
  protected:
@@ -289,9 +228,11 @@ TEST_F(HttpServerTest, HangsUpOnTheSlowTheIdleAndTheSurplus) {
   Start();
   for (const std::string& part : {std::string(), std::string("Q"), Call(kPing).substr(0, 40),
                                   Call(kPing).substr(0, 150), Post(kChunked, "5")}) {
-    HttpClient client = Client();
-    client.Send(part);
-    EXPECT_TRUE(client.IsHungUpOn()) << part;
+    for (const std::uint16_t port : {server_->Port(), server_->HttpPort()}) {
+      HttpClient client(port);
+      client.Send(part);
+      EXPECT_TRUE(client.IsHungUpOn()) << part;
+    }
   }
   options_.io_timeout = kPatience;
   options_.idle_timeout = kShort;
@@ -299,17 +240,22 @@ TEST_F(HttpServerTest, HangsUpOnTheSlowTheIdleAndTheSurplus) {
   HttpClient idle = Client();
   EXPECT_EQ(idle.Ask(Call(kPing)).status, "200");
   EXPECT_TRUE(idle.IsHungUpOn());
+  RawClient idle_at_socket(server_->Port());
+  idle_at_socket.Send(kPing);
+  EXPECT_EQ(idle_at_socket.Status(), "SUCCESS");
+  EXPECT_TRUE(idle_at_socket.IsHungUpOn());
   options_.idle_timeout = kPatience;
   options_.connection_limit = 1;
   Start();
   HttpClient first(server_->Port());
   first.Send(kPing);
   EXPECT_EQ(first.Status(), "SUCCESS");
+  EXPECT_TRUE(RawClient(server_->Port()).IsHungUpOn());
   EXPECT_TRUE(Client().IsHungUpOn()) << "both ports share one limit";
 }
 
 TEST_F(HttpServerTest, EndsTheQueryOfAClientThatFloodsOrVanishes) {
-  std::array<std::promise<std::string>, 2> outcomes;
+  std::array<std::promise<std::string>, 3> outcomes;
   std::atomic<std::size_t> count = 0;
   options_.on_served = [&](const auto& served) { outcomes.at(count++).set_value(served.outcome); };
   Start();
@@ -318,6 +264,7 @@ TEST_F(HttpServerTest, EndsTheQueryOfAClientThatFloodsOrVanishes) {
   flooding.Send(call + std::string(64 << 10, 'x'));
   EXPECT_TRUE(flooding.IsHungUpOn());
   Client().Send(call);
+  RawClient(server_->Port()).Send(FrameOf(200, {"DESIGNDB", kForever}) + "behind");
   for (auto& outcome : outcomes) {
     auto future = outcome.get_future();
     ASSERT_EQ(future.wait_for(kPatience), std::future_status::ready);
@@ -334,11 +281,19 @@ TEST_F(HttpServerTest, StopsWhileClientsWait) {
   half_head.Send(Call(kPing).substr(0, 30));
   half_body.Send(Call(kPing).substr(0, 150));
   busy.Send(Call(FrameOf(200, {"DESIGNDB", kForever})));
+  HttpClient silent_at_socket(server_->Port());
+  HttpClient half_frame(server_->Port());
+  RawClient busy_at_socket(server_->Port());
+  half_frame.Send("QvN4");
+  busy_at_socket.Send(FrameOf(200, {"DESIGNDB", kForever}));
   const auto start = std::chrono::steady_clock::now();
   server_->Stop();
   EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience);
-  for (HttpClient* client : {&silent, &half_head, &half_body}) EXPECT_TRUE(client->IsHungUpOn());
+  for (HttpClient* client : {&silent, &half_head, &half_body, &silent_at_socket, &half_frame}) {
+    EXPECT_TRUE(client->IsHungUpOn());
+  }
   EXPECT_EQ(busy.Receive().status, "");
+  EXPECT_NE(busy_at_socket.Status(), "SUCCESS");
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include "tools/qvstandin/net/RequestLog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>

@@ -1,6 +1,5 @@
 // Tests the server over real connections: frames, tokens, slow, broken and vanished clients.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <future>
 #include <string>
@@ -69,27 +68,6 @@ TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
   EXPECT_EQ(client.Status(), "SUCCESS");
 }
 
-TEST_F(ServerTest, HangsUpOnTheIdleAndTheSurplus) {
-  options_.idle_timeout = std::chrono::milliseconds(500);
-  options_.connection_limit = 1;
-  Start();
-  RawClient idle(server_->Port());
-  ASSERT_TRUE(idle.Send(FrameOf(3, {})));
-  EXPECT_EQ(idle.Status(), "SUCCESS");
-  EXPECT_TRUE(RawClient(server_->Port()).IsHungUpOn()) << "the surplus";
-  EXPECT_TRUE(idle.IsHungUpOn());
-}
-
-TEST_F(ServerTest, HangsUpOnTheSlowAndTheSilent) {
-  options_.io_timeout = std::chrono::milliseconds(30);
-  Start();
-  RawClient silent(server_->Port());
-  RawClient slow(server_->Port());
-  ASSERT_TRUE(slow.Send("Q"));
-  EXPECT_TRUE(slow.IsHungUpOn());
-  EXPECT_TRUE(silent.IsHungUpOn());
-}
-
 TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
   Start();
   RawClient client(server_->Port());
@@ -99,33 +77,6 @@ TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "FAILURE");
-}
-
-TEST_F(ServerTest, StopsWhileClientsHangAndQueriesRun) {
-  Start();
-  RawClient half(server_->Port());
-  RawClient busy(server_->Port());
-  RawClient idle(server_->Port());
-  ASSERT_TRUE(half.Send("QvN4"));
-  ASSERT_TRUE(busy.Send(FrameOf(200, {"DESIGNDB", kForever})));
-  const auto start = std::chrono::steady_clock::now();
-  server_->Stop();
-  EXPECT_LT(std::chrono::steady_clock::now() - start, kPatience);
-  EXPECT_TRUE(idle.IsHungUpOn());
-  EXPECT_NE(busy.Status(), "SUCCESS");
-}
-
-TEST_F(ServerTest, EndsTheQueryOfAClientThatVanished) {
-  std::promise<ServedCommand> served;
-  options_.on_served = [&](const ServedCommand& command) { served.set_value(command); };
-  Start();
-  {
-    RawClient client(server_->Port());
-    ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", kForever})) && client.Send("behind"));
-  }
-  auto future = served.get_future();
-  ASSERT_EQ(future.wait_for(kPatience), std::future_status::ready);
-  EXPECT_EQ(future.get().outcome, "cut off");
 }
 
 TEST_F(ServerTest, StartsOnlyWithAFolderOfItsOwnAndAnAddress) {

@@ -2,7 +2,6 @@
 #include "tools/qvstandin/databases/ClientSql.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tools/qvstandin/databases/OdbcDriver.h"
 

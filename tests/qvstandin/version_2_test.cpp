@@ -1,6 +1,5 @@
 // Tests what the server sends to clients that know frames of version 2, over both transports.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
@@ -9,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "ServerFixture.h"
+#include "HttpClient.h"
 
 namespace qv::standin {
 namespace {
@@ -48,18 +47,17 @@ Answer ReadAnswer(wire::ByteStream& stream) {
   return answer;
 }
 
-class Client : public RawClient {
+class Client {
  public:
-  using RawClient::RawClient;
   virtual ~Client() = default;
   virtual Answer Ask(const std::string& frame) = 0;
   // Returns the reason if the server says that it is busy.
   virtual std::string AskWhetherBusy() = 0;
 };
 
-class SocketClient : public Client {
+class SocketWay : public Client, RawClient {
  public:
-  using Client::Client;
+  using RawClient::RawClient;
   Answer Ask(const std::string& frame) override {
     if (!std::exchange(has_said_hello_, true)) {
       EXPECT_TRUE(Send(kHello));
@@ -87,61 +85,27 @@ class SocketClient : public Client {
   bool has_said_hello_ = false;
 };
 
-class HttpClient : public Client {
+class HttpWay : public Client, HttpClient {
  public:
-  using Client::Client;
+  using HttpClient::HttpClient;
   Answer Ask(const std::string& frame) override {
-    EXPECT_TRUE(Send(Call(frame)));
-    const std::string head = Head();
-    EXPECT_TRUE(head.starts_with("HTTP/1.1 200 ")) << head;
+    const HttpReply reply = HttpClient::Ask(Call(frame, kFrame2));
+    EXPECT_EQ(reply.status, "200") << reply.head;
     MemoryStream body;
-    body.unread = head.find("chunked") != std::string::npos ? Chunks() : Read(LengthIn(head));
+    body.unread = reply.body;
     const Answer answer = ReadAnswer(body);
     EXPECT_EQ(body.unread, "");
     return answer;
   }
   std::string AskWhetherBusy() override {
-    EXPECT_TRUE(Send(Call(FrameOf(3, {}))));
-    const std::string head = Head();
-    if (!head.starts_with("HTTP/1.1 503 ")) return {};
-    EXPECT_THAT(head, HasSubstr("\r\nQv-Busy: 1\r\n"));
-    return Read(LengthIn(head));
+    const HttpReply reply = HttpClient::Ask(Call(FrameOf(3, {}), kFrame2));
+    if (reply.status != "503") return {};
+    EXPECT_EQ(reply.Value("Qv-Busy"), "1");
+    return reply.body;
   }
 
  private:
-  static std::string Call(const std::string& frame) {
-    return "POST /qvcall HTTP/1.1\r\nHost: x\r\nContent-Type: application/octet-stream\r\n"
-           "qv-frame:  2 \r\nContent-Length: " +
-           std::to_string(frame.size()) + "\r\n\r\n" + frame;
-  }
-  static std::size_t LengthIn(const std::string& head) {
-    return std::stoul(head.substr(head.find("Content-Length: ") + 16));
-  }
-  std::string Line() {
-    std::string line;
-    std::string byte;
-    while (!line.ends_with("\r\n") && !(byte = Read(1)).empty()) line += byte;
-    return line;
-  }
-  std::string Head() {
-    std::string head;
-    std::string line;
-    do {
-      line = Line();
-      head += line;
-    } while (line.size() > 2);
-    return head;
-  }
-  std::string Chunks() {
-    std::string body;
-    std::size_t length = 0;
-    while ((length = std::stoul("0" + Line(), nullptr, 16)) != 0) {
-      body += Read(length);
-      EXPECT_EQ(Line(), "\r\n");
-    }
-    EXPECT_EQ(Line(), "\r\n");
-    return body;
-  }
+  static constexpr const char* kFrame2 = "qv-frame:  2 \r\n";
 };
 
 enum class Way { kSocket, kHttp };
@@ -150,8 +114,8 @@ class Version2Test : public ServerTest, public testing::WithParamInterface<Way> 
  protected:
   void SetUp() override { options_.http_port = 0; }
   std::unique_ptr<Client> Connect() {
-    if (GetParam() == Way::kSocket) return std::make_unique<SocketClient>(server_->Port());
-    return std::make_unique<HttpClient>(server_->HttpPort());
+    if (GetParam() == Way::kSocket) return std::make_unique<SocketWay>(server_->Port());
+    return std::make_unique<HttpWay>(server_->HttpPort());
   }
 };
 

@@ -28,7 +28,7 @@ struct Channel {
   void (*set_progress)(NetworkProgress, void*);
   void (*set_parameter)(const char* name, const char* value);
   // Receives a request; a file goes to `path`.
-  bool (*receive)(ServerSide& side, const std::string& path);
+  bool (*receive)(ServerSide& side, WholeFrame& request, const std::string& path);
   // Makes frames an answer.
   std::string (*answer)(const std::string& frames);
   // Refuses a client that has not sent a request yet.
@@ -62,8 +62,7 @@ inline const Channel kChannels[] = {
        return NetworkTransMsg("127.0.0.1", port, call.request, call.reply);
      },
      NetworkTransLastError, NetworkTransSetCancel, NetworkTransSetProgress, SetSocketParameter,
-     [](ServerSide& side, const std::string& path) {
-       WholeFrame request;
+     [](ServerSide& side, WholeFrame& request, const std::string& path) {
        return side.Receive(request, path);
      },
      [](const std::string& frames) { return frames; }, SaySocketBusy},
@@ -73,14 +72,22 @@ inline const Channel kChannels[] = {
      },
      HttpworkTransLastError, HttpworkTransSetCancel, HttpworkTransSetProgress,
      [](const char* name, const char* value) { EXPECT_EQ(HttpworkSetParameter(name, value), 1); },
-     [](ServerSide& side, const std::string& path) {
-       HttpRequestSeen request;
-       return ReceiveHttp(side, request, path);
+     [](ServerSide& side, WholeFrame& request, const std::string& path) {
+       HttpRequestSeen seen;
+       const bool is_whole = ReceiveHttp(side, seen, path);
+       request = seen.frame;
+       return is_whole;
      },
      [](const std::string& frames) { return HttpAnswer(frames); }, SayHttpBusy},
 };
 
 inline void PrintTo(const Channel& channel, std::ostream* out) { *out << channel.name; }
+
+inline std::string PlainReply(const std::string& payload = "", OutgoingFile* file = nullptr) {
+  MemoryStream stream;
+  static_cast<void>(SendWhole(stream, FrameKind::kReply, {.payload = payload}, file));
+  return stream.written;
+}
 
 class BothTransports : public testing::TestWithParam<Channel> {
  protected:
@@ -89,14 +96,24 @@ class BothTransports : public testing::TestWithParam<Channel> {
     GetParam().set_progress(nullptr, nullptr);
     GetParam().set_parameter("connect_timeout_ms", "5000");
     GetParam().set_parameter("io_timeout_ms", "30000");
+    GetParam().set_parameter("token", "");
     NetworkTransFini();
     HttpworkTransFini();
     NetworkBadState(0);
   }
 
   int Send(TransportCall& call, std::uint32_t port) const { return GetParam().send(call, port); }
+  bool Receive(ServerSide& side, WholeFrame& request, const std::string& path = "") const {
+    return GetParam().receive(side, request, path);
+  }
   bool Receive(ServerSide& side, const std::string& path = "") const {
-    return GetParam().receive(side, path);
+    WholeFrame request;
+    return Receive(side, request, path);
+  }
+  // Answers one request with its own payload.
+  bool Echo(ServerSide& side) const {
+    WholeFrame request;
+    return Receive(side, request) && Answer(side, PlainReply(request.payload));
   }
   bool Answer(ServerSide& side, const std::string& frames) const {
     return side.Write({BytesOfText(GetParam().answer(frames))});
@@ -115,6 +132,8 @@ class BothTransports : public testing::TestWithParam<Channel> {
     return text;
   }
 
+  [[nodiscard]] std::pair<int, std::string> Error() const { return {ErrorClass(), ErrorText()}; }
+
   TempFolder folder_;
 };
 
@@ -125,12 +144,6 @@ inline std::string ReplyWithReason(const Reason& reason) {
   static_cast<void>(
       SendWhole(stream, FrameKind::kReplyWithReason,
                 {.token = {encoded.begin(), encoded.end()}, .payload = Field("FAILURE")}));
-  return stream.written;
-}
-
-inline std::string PlainReply(const std::string& payload = "") {
-  MemoryStream stream;
-  static_cast<void>(SendWhole(stream, FrameKind::kReply, {.payload = payload}));
   return stream.written;
 }
 

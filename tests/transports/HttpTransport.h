@@ -53,8 +53,6 @@ class HttpTransport : public testing::Test {
     for (const auto& [name, value] : defaults) EXPECT_EQ(Set(name, value), 1) << name;
   }
 
-  std::string InFolder(const char* name) const { return (folder_.Path() / name).string(); }
-
   TempFolder folder_;
 };
 

@@ -16,7 +16,9 @@
 namespace qv::wire {
 
 struct TransportCall {
-  explicit TransportCall(unsigned int size = 4096) : request_block(size), reply_block(size) {
+  explicit TransportCall(unsigned int size = 4096) : TransportCall(size, size) {}
+  TransportCall(unsigned int request_size, unsigned int reply_size)
+      : request_block(request_size), reply_block(reply_size) {
     request.SetCommand(200);
   }
   std::string Answer() { return std::string(reply.GetString(nullptr)); }
@@ -52,25 +54,6 @@ inline int CallsThatEchoed(const std::function<bool(TransportCall&, int count)>&
   }
   for (std::thread& thread : threads) thread.join();
   return right;
-}
-
-// Calls a server three times whose connections cannot be used again after an answer: one
-// disconnects, another sends an unexpected byte.
-inline void ExpectConnectionsToBeReplaced(
-    const std::function<bool(ServerSide&)>& echo,
-    const std::function<int(TransportCall&, std::uint16_t port)>& send) {
-  for (const char* const unasked : {"", "x"}) {
-    ScriptedServer server([&](ServerSide& side) {
-      if (echo(side)) side.Write({BytesOfText(unasked)});
-    });
-    for (int count = 1; count <= 3; ++count) {
-      TransportCall call;
-      call.request.AddString("again", nullptr);
-      ASSERT_EQ(send(call, server.Port()), 0);
-      ASSERT_EQ(call.Answer(), "again");
-      server.WaitForFinished(count);
-    }
-  }
 }
 
 // Once the queue of a listener is full, its system does not answer further attempts.

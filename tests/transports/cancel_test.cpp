@@ -18,8 +18,7 @@ class CancelledCall : public BothTransports {
     EXPECT_EQ(Send(call, port), result);
     EXPECT_TRUE(cancel_.IsSet());
     EXPECT_LT(cancel_.Since(), kSoon);
-    EXPECT_EQ(ErrorClass(), error::kCancelled);
-    EXPECT_EQ(ErrorText(), "cancelled");
+    EXPECT_THAT(Error(), testing::Pair(error::kCancelled, "cancelled"));
     EXPECT_EQ(call.Answer(), "");
     EXPECT_EQ(NetworkIsBadState(1), 0) << "the network is not to blame";
   }
@@ -92,10 +91,7 @@ TEST_P(CancelledCall, EndsWhileItWaitsAndItsConnectionIsNotUsedAgain) {
 
 TEST_P(CancelledCall, EndsWhileAFileArrivesAndLeavesNothingOfIt) {
   auto file = OutgoingFile::Open(folder_.Write("source", LongBytes()));
-  MemoryStream frame;
-  ASSERT_EQ(SendWhole(frame, FrameKind::kReply, {.payload = Field("SUCCESS")}, &*file),
-            FrameStatus::kDone);
-  ScriptedServer server(Answering(frame.written));
+  ScriptedServer server(Answering(PlainReply(Field("SUCCESS"), &*file)));
   GetParam().set_progress(
       [](std::uint64_t, std::uint64_t, int kind, void* context) {
         if (kind == NetworkProgress_File) static_cast<TestCancel*>(context)->Set();
@@ -149,10 +145,7 @@ TEST_P(CancelledCall, RacesWithItsReply) {
   int cancelled = 0;
   for (int round = 0; round < kRounds; ++round) {
     ScriptedServer server([&](ServerSide& side) {
-      if (GetParam().send == kChannels[0].send) {
-        ScriptedServer::Echo(side);
-      } else {
-        EchoHttp(side);
+      while (Echo(side)) {
       }
     });
     for (int count = 0; count < kCalls; ++count) {

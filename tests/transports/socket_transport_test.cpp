@@ -6,9 +6,6 @@
 #include <utility>
 
 #include "TransportCall.h"
-#include "base/platform/Folder.h"
-#include "base/platform/Platform.h"
-#include "qvnetcall/transport/NetworkProgress.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 
 namespace qv::wire {
@@ -52,8 +49,6 @@ class SocketTransport : public testing::Test {
     for (const auto& [name, value] : kDefaults) EXPECT_EQ(Set(name, value), "1") << name;
   }
 
-  std::string InFolder(const char* name) const { return (folder_.Path() / name).string(); }
-
   static inline const std::map<const char*, const char*> kDefaults = {
       {"dispmsg", "1"},
       {"token", nullptr},
@@ -88,51 +83,6 @@ TEST_F(SocketTransport, EchoesOverOneKeptConnectionAlsoByName) {
   EXPECT_EQ(afterwards.Send(server.Port()), 0);
 }
 
-TEST_F(SocketTransport, SendsTheWholeRequestWithTokenNameAndSpilledPayload) {
-  WholeFrame seen;
-  ScriptedServer server([&](ServerSide& side) {
-    if (side.Receive(seen)) side.Reply("");
-  });
-  EXPECT_EQ(Set("token", "secret"), "1");
-  const std::string big(100'000, 'b');
-  Call call(1024);
-  call.request.SetName("a.dwg");
-  call.request.AddString("first", nullptr);
-  EXPECT_EQ(call.request.AddString(big.c_str(), nullptr), 0);
-  EXPECT_EQ(call.Send(server.Port()), 0);
-  server.WaitForFinished(1);
-  EXPECT_EQ(seen.token, "secret");
-  EXPECT_EQ(seen.block.substr(0, 4) + seen.block.substr(13, 5), std::string("\xC8\0\0\0a.dwg", 9));
-  EXPECT_EQ(seen.payload, Field("first") + Field(big));
-}
-
-TEST_F(SocketTransport, CarriesFilesBothWays) {
-  const std::string bytes = LongBytes();
-  ScriptedServer server([&](ServerSide& side) {
-    WholeFrame request;
-    if (!side.Receive(request, InFolder("stored"))) return;
-    auto file = OutgoingFile::Open(InFolder("stored"));
-    side.Reply(Field("SUCCESS"), &*file);
-  });
-  std::vector<std::pair<int, std::uint64_t>> done;
-  NetworkTransSetProgress(
-      [](std::uint64_t now, std::uint64_t total, int kind, void* context) {
-        if (now == total) static_cast<decltype(done)*>(context)->emplace_back(kind, total);
-      },
-      &done);
-  Call call;
-  call.request.SetFileName(folder_.Write("sent", bytes).c_str(), 1);
-  call.reply.SetFileName(folder_.Write("received", "an older file").c_str(), 1);
-  EXPECT_EQ(call.Send(server.Port()), 0);
-  NetworkTransSetProgress(nullptr, nullptr);
-  EXPECT_EQ(call.Answer(), "SUCCESS");
-  EXPECT_TRUE(BytesOf(InFolder("received")) == bytes);
-  const platform::FilePtr received(std::fopen(InFolder("received").c_str(), "rb"));
-  EXPECT_TRUE(platform::IsPrivate(received.get()));
-  EXPECT_THAT(done, testing::ElementsAre(std::pair(1, bytes.size()), std::pair(0, 269),
-                                         std::pair(0, 269 + 12), std::pair(1, bytes.size())));
-}
-
 TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
   const std::string right = ReplyWithFile();
   const struct {
@@ -161,7 +111,7 @@ TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
       if (side.Receive(request)) side.Write({BytesOfText(one.answer)});
     });
     Call call;
-    call.reply.SetFileName(InFolder("answer").c_str(), 0);
+    call.reply.SetFileName(folder_.At("answer").c_str(), 0);
     EXPECT_EQ(call.Send(server.Port()), one.result);
     EXPECT_EQ(call.Answer(), "");
     EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
@@ -186,31 +136,6 @@ TEST_F(SocketTransport, TakesAReplyInPiecesThatFillsTheBlock) {
   EXPECT_EQ(call.Answer(), text);
 }
 
-TEST_F(SocketTransport, AFileThatCannotBeKeptIsABadReply) {
-  const std::string right = ReplyWithFile();
-  ScriptedServer server([&](ServerSide& side) {
-    WholeFrame request;
-    if (side.Receive(request)) side.Write({BytesOfText(right)});
-  });
-  for (const std::string& path : {std::string(), InFolder("missing/answer")}) {
-    Call call;
-    call.reply.SetFileName(path.c_str(), 0);
-    EXPECT_EQ(call.Send(server.Port()), -3) << path;
-  }
-}
-
-TEST_F(SocketTransport, WhatCannotBeSentReachesNobody) {
-  ScriptedServer server(ScriptedServer::Echo);
-  Call unbound(100);
-  Call bound;
-  EXPECT_EQ(NetworkTransMsg(kHost, server.Port(), unbound.request, bound.reply), -1);
-  EXPECT_EQ(NetworkTransMsg(kHost, server.Port(), bound.request, unbound.reply), -1);
-  bound.request.SetFileName(InFolder("missing").c_str(), 1);
-  EXPECT_EQ(bound.Send(server.Port()), -1);
-  EXPECT_EQ(server.Connections(), 0);
-  EXPECT_EQ(NetworkIsBadState(1), 0);
-}
-
 TEST_F(SocketTransport, WithoutAServerNothingIsDeliveredAndTheNetworkIsBad) {
   const std::pair<const char*, std::uint32_t> peers[] = {
       {kHost, DeadPort()}, {"no-such-host.invalid", 80}, {nullptr, 80}, {"", 80}, {kHost, 70'000}};
@@ -220,32 +145,6 @@ TEST_F(SocketTransport, WithoutAServerNothingIsDeliveredAndTheNetworkIsBad) {
     EXPECT_EQ(NetworkTransMsg(server, port, call.request, call.reply), -1);
     EXPECT_EQ(NetworkIsBadState(1), 1);
   }
-}
-
-TEST_F(SocketTransport, GivesUpAConnectionThatIsNotAcceptedAndAnAnswerThatDoesNotCome) {
-  const FullListener full;
-  Set("connect_timeout_ms", "50");
-  const auto start = std::chrono::steady_clock::now();
-  Call refused;
-  EXPECT_EQ(refused.Send(full.Port()), -1);
-
-  ScriptedServer silent([](ServerSide& side) {
-    for (WholeFrame request; side.Receive(request);) {
-    }
-  });
-  Set("io_timeout_ms", "50");
-  Call unanswered;
-  EXPECT_EQ(unanswered.Send(silent.Port()), -2);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
-}
-
-TEST_F(SocketTransport, ReplacesAKeptConnectionThatIsNoLongerInOrder) {
-  ExpectConnectionsToBeReplaced(
-      [](ServerSide& side) {
-        WholeFrame request;
-        return side.Receive(request) && side.Reply(request.payload);
-      },
-      SendTo);
 }
 
 TEST_F(SocketTransport, ABadNetworkRecoversByAProbeOrADeliveredMessage) {
