@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "ComponentCall.h"
 #include "qvnetcall/transfer/Extensions.h"
 #include "qvnetcall/transfer/QvCoFtp.h"
 #include "qvnetcall/transfer/ResultCodes.h"
@@ -15,14 +16,6 @@
 #include "tests/support/TempFolder.h"
 
 namespace qv::components {
-
-// The last argument of `call` is where its result goes.
-template <class... Parameters, class... Arguments>
-long ResultOf(IQvCoFtp* component, HRESULT (IQvCoFtp::*call)(Parameters...),
-              const Arguments&... arguments) {
-  long result = -1;
-  return (component->*call)(arguments..., &result) == 0 ? result : -2;
-}
 
 // What the server reports in its log.
 struct ServerLog {
@@ -108,6 +101,12 @@ class FtpSide {
   ServerProcess server_;
   IQvCoFtp* component_;
   std::streamoff log_read_ = 0;
+};
+
+struct LoggedInFtpSide : FtpSide {
+  explicit LoggedInFtpSide(const std::vector<std::string>& options = {}) : FtpSide(options) {
+    EXPECT_EQ(Login(), 0);
+  }
 };
 
 // Returns the bytes of all files in the folder, by their paths below it.

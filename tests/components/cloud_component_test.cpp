@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "ComponentCall.h"
 #include "S3ServerTest.h"
 #include "qvnetcall/transfer/Extensions.h"
 #include "qvnetcall/transfer/QvCoCSC.h"
@@ -21,36 +22,18 @@ class CloudComponentTest : public S3ServerTest {
     void operator()(IQvCoCSC* cloud) const { cloud->Release(); }
   };
 
-  long LogIn(const std::string& host, const std::string& user, const std::string& password,
-             long style = 0, std::optional<std::uint16_t> port = {}) {
-    long result = -1;
-    const auto number = static_cast<short>(port.value_or(Port()));
-    cloud_->FtpLogin(host.c_str(), number, user.c_str(), password.c_str(), style, &result);
-    return result;
+  template <class... Parameters, class... Arguments>
+  long Ask(HRESULT (IQvCoCSC::*call)(Parameters...), const Arguments&... arguments) const {
+    return ResultOf(cloud_.get(), call, arguments...);
   }
-  long LogIn(long style = 0) { return LogIn("http://localhost", kAccess, kSecret, style); }
-
-  long Run(HRESULT (IQvCoCSC::*run)(long, long, long*), long option) {
-    long count = -1;
-    (cloud_.get()->*run)(option, -1, &count);
-    return count;
+  long LogIn(const char* host, const char* user, const char* password, long style) const {
+    return Ask(&IQvCoCSC::FtpLogin, host, static_cast<short>(Port()), user, password, style);
   }
-  long Upload(long option = 0) { return Run(&IQvCoCSC::UploadFile, option); }
-  long Download(long option = 0) {
-    long count = -1;
-    cloud_->DownloadFile(1, option, -1, &count);
-    return count;
-  }
-  long Copy(long option = 0) {
-    long count = -1;
-    cloud_->CopyServerFile(option, &count);
-    return count;
-  }
-  long Result() {
-    long result = -1;
-    cloud_->GetLastResult(&result);
-    return result;
-  }
+  long LogIn(long style = 0) const { return LogIn("http://localhost", kAccess, kSecret, style); }
+  long Upload(long option = 0) const { return Ask(&IQvCoCSC::UploadFile, option, -1L); }
+  long Download(long option = 0) const { return Ask(&IQvCoCSC::DownloadFile, 1L, option, -1L); }
+  long Copy() const { return Ask(&IQvCoCSC::CopyServerFile, 0L); }
+  long Result() const { return Ask(&IQvCoCSC::GetLastResult); }
   void PutObject(const std::string& name, const std::string& bytes) {
     cloud_->AddUploadFile(folder_.Write("source", bytes).c_str(), name.c_str());
     ASSERT_EQ(Upload(), 1) << name;
@@ -58,12 +41,6 @@ class CloudComponentTest : public S3ServerTest {
   std::string GetObject(const std::string& name) {
     cloud_->AddDownloadFile(name.c_str(), Local("fetched").c_str());
     return Download() == 1 ? BytesOf(Local("fetched")) : "no object";
-  }
-  template <class... Texts>
-  long Call(HRESULT (IQvCoCSC::*call)(Texts...), const char* one) {
-    long result = -1;
-    (cloud_.get()->*call)(one, &result);
-    return result;
   }
 
   std::unique_ptr<IQvCoCSC, Ending> cloud_{QvCoCSCCreate()};
@@ -103,7 +80,7 @@ TEST_P(CloudComponentQueueTest, MovesEverythingThoughTheConnectionIsCut) {
       EXPECT_EQ(count, count_of_first);
       EXPECT_EQ(Result(), QvTransfer_Broken);
       for (int i = 0; i < kFiles; ++i) {
-        EXPECT_EQ(Call(&IQvCoCSC::IsOperatorFileSuc, path(i).c_str()), i / 10 != 5) << path(i);
+        EXPECT_EQ(Ask(&IQvCoCSC::IsOperatorFileSuc, path(i).c_str()), i / 10 != 5) << path(i);
       }
       count = move();
     }
@@ -148,7 +125,7 @@ TEST_F(CloudComponentTest, TellsWhatIsWrongWithALogin) {
     EXPECT_EQ(LogIn(login.host, login.user, login.password, login.style), login.result)
         << login.host << " " << login.user << " " << login.style;
   }
-  EXPECT_EQ(Call(&IQvCoCSC::DeleteServerFile, "bucket/a"), QvTransfer_NotLoggedIn);
+  EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerFile, "bucket/a"), QvTransfer_NotLoggedIn);
   server_->Kill();
   EXPECT_EQ(LogIn(), QvTransfer_CannotConnect);
 }
@@ -178,32 +155,30 @@ TEST_F(CloudComponentTest, CopiesAndRenamesAtTheServer) {
   EXPECT_EQ(Result(), QvTransfer_NotFound);
   EXPECT_EQ(GetObject("bucket/copies/b~"), "bytes");
   const auto rename = [&](const char* from, const char* to) {
-    long result = -1;
-    cloud_->RenameServerFile(from, to, &result);
-    return result;
+    return Ask(&IQvCoCSC::RenameServerFile, from, to);
   };
   EXPECT_EQ(rename("bucket/一 +%.dwg", "bucket/二"), QvTransfer_Success);
   EXPECT_EQ(rename("bucket/一 +%.dwg", "bucket/二"), QvTransfer_NotFound);
   EXPECT_EQ(rename("bucket/二", "/bucket/二"), QvTransfer_Success) << "it has that name";
   EXPECT_EQ(GetObject("bucket/二"), "bytes");
-  EXPECT_EQ(Call(&IQvCoCSC::DeleteServerFile, "bucket/二"), QvTransfer_Success);
-  EXPECT_EQ(Call(&IQvCoCSC::DeleteServerFile, "bucket/二"), QvTransfer_NotFound);
+  EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerFile, "bucket/二"), QvTransfer_Success);
+  EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerFile, "bucket/二"), QvTransfer_NotFound);
 }
 
 TEST_F(CloudComponentTest, DeletesFoldersOfAnyLengthAndNothingBeside) {
   Serve();
   ASSERT_EQ(LogIn(), QvTransfer_Success);
-  EXPECT_EQ(Call(&IQvCoCSC::DeleteServerPath, "many/folder"), QvTransfer_Success);
+  EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerPath, "many/folder"), QvTransfer_Success);
   EXPECT_THAT(Requests("POST /many\\?delete= 200"), SizeIs(3));
-  EXPECT_EQ(Call(&IQvCoCSC::DeleteServerPath, "many/folder"), QvTransfer_NotFound);
+  EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerPath, "many/folder"), QvTransfer_NotFound);
   EXPECT_EQ(GetObject("many/folder"), ".");
   EXPECT_EQ(GetObject("many/folder2/a"), ".");
-  EXPECT_EQ(Call(&IQvCoCSC::DeleteServerPath, "many/stuck"), QvTransfer_Refused);
+  EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerPath, "many/stuck"), QvTransfer_Refused);
   EXPECT_EQ(GetObject("many/stuck/locked"), ".");
   EXPECT_EQ(GetObject("many/stuck/a"), "no object");
   EXPECT_THAT(Requests("DELETE /many/stuck/%01 204"), SizeIs(1));
   for (const char* const path : {"many", "many/", "many//", "/", ""}) {
-    EXPECT_EQ(Call(&IQvCoCSC::DeleteServerPath, path), QvTransfer_BadArgument) << path;
+    EXPECT_EQ(Ask(&IQvCoCSC::DeleteServerPath, path), QvTransfer_BadArgument) << path;
   }
 }
 
@@ -226,7 +201,7 @@ TEST_P(CloudComponentFaultTest, IsTold) {
   results.push_back(Result());
   Copy();
   results.push_back(Result());
-  results.push_back(Call(&IQvCoCSC::DeleteServerPath, "many/folder"));
+  results.push_back(Ask(&IQvCoCSC::DeleteServerPath, "many/folder"));
   std::erase(results, long{QvTransfer_Success});
   EXPECT_THAT(results, testing::ElementsAre(GetParam().result));
 }

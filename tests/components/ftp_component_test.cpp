@@ -54,8 +54,7 @@ class FtpCutsTest : public testing::TestWithParam<Direction> {};
 
 TEST_P(FtpCutsTest, EndsCompleteAndNamesWhatWasCut) {
   const auto [is_upload, option] = GetParam();
-  FtpSide side(kTenCuts);
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side(kTenCuts);
   const std::string from = is_upload ? side.Here("") : side.There("");
   const std::string to = is_upload ? side.There("") : side.Here("");
   std::map<std::string, std::string> firsts;  // by name
@@ -98,8 +97,7 @@ INSTANTIATE_TEST_SUITE_P(Directions, FtpCutsTest,
                                          Direction{false, 0}, Direction{false, 3}));
 
 TEST(FtpComponentTest, GoesOnWhereItStopped) {
-  FtpSide side({"--cut-after", "6000000", "--cuts", "4"});
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side({"--cut-after", "6000000", "--cuts", "4"});
   const std::string bytes = RandomBytes(8'000'000, 1);
   Write(side.Here("up"), bytes);
   EXPECT_EQ(side.Upload(side.Here("up"), "up", 0), QvTransfer_Broken);
@@ -117,8 +115,7 @@ TEST(FtpComponentTest, GoesOnWhereItStopped) {
 }
 
 TEST(FtpComponentTest, LeavesNothingOfAnEmptiedQueue) {
-  FtpSide side({"--cut-after", "300000", "--cuts", "2"});
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side({"--cut-after", "300000", "--cuts", "2"});
   Write(side.Here("file"), RandomBytes(900'000, 1));
   EXPECT_EQ(side.Upload(side.Here("file"), "up"), QvTransfer_Broken);
   EXPECT_THAT(FilesIn(side.There("")), testing::SizeIs(1));
@@ -184,8 +181,7 @@ TEST(FtpComponentTest, SaysWhyItIsNotLoggedIn) {
 TEST(FtpComponentTest, RemovesFoldersAndNothingElse) {
   for (const char* const missing : {"none", "MLSD"}) {
     SCOPED_TRACE(missing);
-    FtpSide side({"--without", missing});
-    ASSERT_EQ(side.Login(), 0);
+    LoggedInFtpSide side({"--without", missing});
     Write(side.There("stays/file"), "bytes");
     Write(side.There("目录 [1]/a *?.dat"), "bytes");
     Write(side.There("目录 [1]/.b/c/d"), "bytes");
@@ -203,8 +199,7 @@ TEST(FtpComponentTest, RemovesFoldersAndNothingElse) {
 }
 
 TEST(FtpComponentTest, CopiesRenamesAndDeletesFiles) {
-  FtpSide side({"--strict"});
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side({"--strict"});
   Write(side.There("from"), "bytes");
   Write(side.There("there/to"), "older");
   side.Component()->AddCopyServerFile("from", "there/to");
@@ -229,8 +224,7 @@ TEST(FtpComponentTest, CopiesRenamesAndDeletesFiles) {
 }
 
 TEST(FtpComponentTest, FollowsTheModes) {
-  FtpSide side;
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side;
   ASSERT_EQ(side.Component()->SetTransModel1(0), 0);
   ASSERT_EQ(side.Component()->SetTransModel2(0), 0);
   Write(side.Here("text"), "one\ntwo\n");
@@ -244,8 +238,7 @@ TEST(FtpComponentTest, FollowsTheModes) {
 }
 
 TEST(FtpComponentTest, BelievesNoUploadOfAnotherSize) {
-  FtpSide side({"--forged-size", "4"});
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side({"--forged-size", "4"});
   Write(side.Here("file"), "bytes");
   EXPECT_EQ(side.Upload(side.Here("file"), "file", 2), QvTransfer_Broken);
   EXPECT_EQ(side.Ask(&IQvCoFtp::FtpLogout), 0);
@@ -253,15 +246,13 @@ TEST(FtpComponentTest, BelievesNoUploadOfAnotherSize) {
 }
 
 TEST(FtpComponentTest, LosesNothingToServersThatDoNotKeepTheirWord) {
-  FtpSide stubborn({"--stubborn"});
-  ASSERT_EQ(stubborn.Login(), 0);
+  LoggedInFtpSide stubborn({"--stubborn"});
   Write(stubborn.Here("file"), "bytes");
   Write(stubborn.There("file"), "older");
   EXPECT_EQ(stubborn.Upload(stubborn.Here("file"), "file"), QvTransfer_Refused);
   const std::map<std::string, std::string> expected{{"file", "older"}};
   EXPECT_EQ(FilesIn(stubborn.There("")), expected);
-  FtpSide deaf({"--deaf", "--cut-after", "300000", "--cuts", "1"});
-  ASSERT_EQ(deaf.Login(), 0);
+  LoggedInFtpSide deaf({"--deaf", "--cut-after", "300000", "--cuts", "1"});
   const std::string bytes = RandomBytes(900'000, 1);
   Write(deaf.There("file"), bytes);
   EXPECT_EQ(deaf.Download("file", deaf.Here("file"), 2), 0);
@@ -269,8 +260,7 @@ TEST(FtpComponentTest, LosesNothingToServersThatDoNotKeepTheirWord) {
 }
 
 TEST(FtpComponentTest, TellsHowFarItIsAndStops) {
-  FtpSide side;
-  ASSERT_EQ(side.Login(), 0);
+  LoggedInFtpSide side;
   const std::string bytes = RandomBytes(3'000'000, 1);
   std::vector<std::string> files{side.Here("a"), side.Here("b")};
   for (const std::string& file : files) Write(file, bytes);

@@ -18,6 +18,7 @@ using testing::Not;
 
 class Statements : public testing::Test {
  protected:
+  void SetUp() override { ASSERT_NE(connection_, nullptr) << TextOf(said_); }
   std::string ConnectionText() const {
     return "Driver=SQLite3;Database=" + (folder_.Path() / "file.db").string();
   }
@@ -36,6 +37,7 @@ class Statements : public testing::Test {
 
   TempFolder folder_;
   Diagnostics said_;
+  const std::unique_ptr<Connection> connection_ = Connect();
 };
 
 TEST_F(Statements, StopAtTheLongestCellThatIsAllowed) {
@@ -54,16 +56,14 @@ TEST_F(Statements, StopAtTheLongestCellThatIsAllowed) {
 }
 
 TEST_F(Statements, AreCommittedOneByOneOrTogether) {
-  const auto connection = Connect();
-  ASSERT_NE(connection, nullptr) << TextOf(said_);
-  Run(*connection, "create table T (N int)");
+  Run(*connection_, "create table T (N int)");
   {
     const auto other = Connect();
     ASSERT_TRUE(other->Begin(said_)) << TextOf(said_);
     Run(*other, "insert into T values (1)");
     ASSERT_TRUE(other->Rollback(said_)) << TextOf(said_);
     Run(*other, "insert into T values (2)");
-    EXPECT_EQ(Count(*connection, "T"), 1);
+    EXPECT_EQ(Count(*connection_, "T"), 1);
     ASSERT_TRUE(other->Begin(said_)) << TextOf(said_);
     Run(*other, "insert into T values (3)");
     Run(*other, "insert into T values (4)");
@@ -71,18 +71,16 @@ TEST_F(Statements, AreCommittedOneByOneOrTogether) {
     ASSERT_TRUE(other->Begin(said_)) << TextOf(said_);
     Run(*other, "delete from T");
   }
-  EXPECT_EQ(Count(*connection, "T"), 3);
-  Statement statement(*connection);
+  EXPECT_EQ(Count(*connection_, "T"), 3);
+  Statement statement(*connection_);
   ASSERT_TRUE(statement.Execute("update T set N = 0 where N > 2", said_));
   EXPECT_THAT(statement.Columns(), IsEmpty());
-  EXPECT_EQ(Count(*connection, "T where N = 0"), 2);
+  EXPECT_EQ(Count(*connection_, "T where N = 0"), 2);
   EXPECT_TRUE(statement.Execute("delete from T where N = 99", said_)) << TextOf(said_);
 }
 
 TEST_F(Statements, SayWhyTheyFail) {
-  const auto connection = Connect();
-  ASSERT_NE(connection, nullptr) << TextOf(said_);
-  Statement statement(*connection);
+  Statement statement(*connection_);
   EXPECT_FALSE(statement.Execute("select * from 图层", said_));
   EXPECT_THAT(TextOf(said_), HasSubstr("图层"));
   for (const std::string& bad : {std::string("select '\xFF'"), std::string("select 1\0", 9)}) {
@@ -106,9 +104,7 @@ TEST_F(Statements, SayWhyTheyFail) {
 }
 
 TEST_F(Statements, AreCancelledFromOtherThreads) {
-  const auto connection = Connect();
-  ASSERT_NE(connection, nullptr) << TextOf(said_);
-  Statement statement(*connection);
+  Statement statement(*connection_);
   std::promise<void> done;
   std::thread canceller([&, ended = done.get_future()] {
     while (ended.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout) {
@@ -125,16 +121,14 @@ TEST_F(Statements, AreCancelledFromOtherThreads) {
   ASSERT_THAT(said_, Not(IsEmpty()));
   EXPECT_EQ(said_.front().state, kCancelled);
   EXPECT_FALSE(statement.Execute("select 1", said_));
-  EXPECT_TRUE(Statement(*connection).Execute("select 1", said_));
+  EXPECT_TRUE(Statement(*connection_).Execute("select 1", said_));
 }
 
 TEST_F(Statements, TakeTextsAndNullsForQuestionMarks) {
-  const auto connection = Connect();
-  ASSERT_NE(connection, nullptr) << TextOf(said_);
-  EXPECT_THAT(connection->Product(), HasSubstr("SQLite"));
+  EXPECT_THAT(connection_->Product(), HasSubstr("SQLite"));
   const std::string long_text(70000, 'x');
   const std::vector<Argument> arguments{"'中\U0001F600?", std::nullopt, "", long_text};
-  Statement statement(*connection);
+  Statement statement(*connection_);
   const std::string sql = "select ? || 'y', ? is null, ?, length(?)";
   ASSERT_TRUE(statement.Execute(sql, arguments, said_)) << TextOf(said_);
   ASSERT_EQ(statement.Next(said_), Step::kNext);

@@ -136,27 +136,7 @@ TEST_F(CommandLine, TakesAHostApartAndLeavesPathsElsewhereAsTheyAre) {
   }
 }
 
-TEST_F(CommandLine, RefusesWrongUsage) {
-  for (const auto& words : std::vector<std::vector<const char*>>{
-           {},
-           {"--port", "7"},
-           {"ping"},
-           {"--port", "0", "ping"},
-           {"--port", "65536", "ping"},
-           {"--port", "7", "--server", "", "ping"},
-           {"--port", "7", "--timeout-ms", "0", "ping"},
-           {"--port", "7", "query", "SELECT 1"},
-           {"--port", "7", "query", "--db", "D"},
-           {"--port", "7", "query", "SELECT 1", "--db", ""},
-           {"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"},
-           {"--port", "7", "ping", "--frob"}}) {
-    EXPECT_EQ(Parse(words).exit_status, qv::tool::kUsage);
-  }
-  EXPECT_EQ(Parse({"--help"}).exit_status, qv::tool::kDone);
-  EXPECT_FALSE(Parse({"--port", "7", "ping"}).command.query);
-}
-
-TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
+TEST_F(CommandLine, RefusesWrongUsageAndOptionsThatDoNotGoTogether) {
   const qv::TempFolder folder;
   const std::string some_file = folder.Write("some", "");
   const std::string long_name(256, 'n');
@@ -165,6 +145,18 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
     std::vector<const char*> words;
     const char* complaint;  // null: no conflict
   } cases[] = {
+      {{}, ""},
+      {{"--port", "7"}, ""},
+      {{"ping"}, ""},
+      {{"--port", "0", "ping"}, ""},
+      {{"--port", "65536", "ping"}, ""},
+      {{"--port", "7", "--server", "", "ping"}, ""},
+      {{"--port", "7", "--timeout-ms", "0", "ping"}, ""},
+      {{"--port", "7", "query", "SELECT 1"}, ""},
+      {{"--port", "7", "query", "--db", "D"}, ""},
+      {{"--port", "7", "query", "SELECT 1", "--db", ""}, ""},
+      {{"--port", "7", "query", "SELECT 1", "--db", "D", "--format", "xml"}, ""},
+      {{"--port", "7", "ping", "--frob"}, ""},
       {{"--web", "--http-port", "8", "ping"}, nullptr},
       {{"--web", "--port", "7", "ping"}, nullptr},
       {{"--web", "ping"}, "--http-port or --port is required"},
@@ -217,10 +209,13 @@ TEST_F(CommandLine, TellsWhichOptionsDoNotGoTogether) {
   for (const auto& [words, complaint] : cases) {
     const Parsed parsed = Parse(words);
     EXPECT_EQ(parsed.exit_status.has_value(), complaint != nullptr) << parsed.complaint;
+    EXPECT_EQ(parsed.exit_status == qv::tool::kUsage, complaint != nullptr);
     if (complaint != nullptr) {
       EXPECT_NE(parsed.complaint.find(complaint), std::string::npos) << parsed.complaint;
     }
   }
+  EXPECT_EQ(Parse({"--help"}).exit_status, qv::tool::kDone);
+  EXPECT_FALSE(Parse({"--port", "7", "ping"}).command.query);
 }
 
 TEST_F(CommandLine, PicksThePortThatItTalksTo) {

@@ -14,14 +14,16 @@ namespace {
 
 using qv::tool::Format;
 
-// Fills `rows` from a file, which is the only way for a host. `columns` are AttributeType elements.
-void Load(const std::string& columns, const std::string& row_elements, CRvoDbRes& rows) {
-  const qv::TempFolder folder;
-  const std::string path = folder.Write(
-      "rows.xml", "<xml><s:Schema><s:ElementType name='row'>" + columns +
-                      "</s:ElementType></s:Schema><rs:data>" + row_elements + "</rs:data></xml>");
-  ASSERT_EQ(CRvoDatabase::ReadFromXmlFile(path.c_str(), &rows, tagTEMPFILEINFO{}), 1);
-}
+// Filled from a file, which is the only way for a host. `columns` are AttributeType elements.
+struct Loaded : CRvoDbRes {
+  Loaded(const std::string& columns, const std::string& row_elements) {
+    const qv::TempFolder folder;
+    const std::string path = folder.Write(
+        "rows.xml", "<xml><s:Schema><s:ElementType name='row'>" + columns +
+                        "</s:ElementType></s:Schema><rs:data>" + row_elements + "</rs:data></xml>");
+    EXPECT_EQ(CRvoDatabase::ReadFromXmlFile(path.c_str(), this, tagTEMPFILEINFO{}), 1);
+  }
+};
 
 std::string Column(const std::string& name, const std::string& type) {
   return "<s:AttributeType name='" + name + "'><s:datatype dt:type='" + type +
@@ -47,8 +49,7 @@ std::string Columns() {
 }
 
 TEST(Writers, GiveExactValuesAndTellNullFromNothing) {
-  CRvoDbRes rows;
-  Load(Columns(), kValues, rows);
+  const Loaded rows(Columns(), kValues);
   EXPECT_EQ(Written(rows, Format::kTable),
             "                  i |      d |    f |    b | t    | w\n"
             "--------------------+--------+------+------+------+------------------------\n"
@@ -74,17 +75,15 @@ TEST(Writers, JsonTakesNumbersOnlyAsItWritesThem) {
       {"-0.5E+10", true}, {"10", true},  {"-", false},   {"01", false},  {"1.", false},
       {"1e", false},      {"+1", false}, {"inf", false}, {"0x1", false}, {"1 2", false}};
   for (const auto& [text, is_number] : cases) {
-    CRvoDbRes rows;
-    Load(Column("f", "r4"), std::string("<z:row f='") + text + "'/>", rows);
+    const Loaded rows(Column("f", "r4"), std::string("<z:row f='") + text + "'/>");
     const auto json = nlohmann::json::parse(Written(rows, Format::kJson));
     EXPECT_EQ(json[0]["f"].is_number(), is_number) << text;
   }
 }
 
 TEST(Writers, TableAlignsByCells) {
-  CRvoDbRes rows;
-  Load(Column("名", "string") + Column("qty", "int") + Column("note", "string"),
-       "<z:row 名='阀门' qty='0' note='a\nb'/><z:row 名='pump 1' qty='-120'/>", rows);
+  const Loaded rows(Column("名", "string") + Column("qty", "int") + Column("note", "string"),
+                    "<z:row 名='阀门' qty='0' note='a\nb'/><z:row 名='pump 1' qty='-120'/>");
   EXPECT_EQ(Written(rows, Format::kTable, ""),
             "名     |  qty | note\n"
             "-------+------+-----\n"
@@ -93,32 +92,28 @@ TEST(Writers, TableAlignsByCells) {
 }
 
 TEST(Writers, TableKeepsAHugeCellWholeAndOtherRowsShort) {
-  CRvoDbRes rows;
   const std::string huge(100'000, 'x');
-  Load(Column("a", "string") + Column("b", "string"),
-       "<z:row a='" + huge + "' b='1'/><z:row a='y' b='2'/>", rows);
+  const Loaded rows(Column("a", "string") + Column("b", "string"),
+                    "<z:row a='" + huge + "' b='1'/><z:row a='y' b='2'/>");
   const std::string table = Written(rows, Format::kTable);
   EXPECT_NE(table.find(huge + " | 1\n"), std::string::npos);
   EXPECT_LT(table.size(), huge.size() + 2000);
 }
 
 TEST(Writers, CsvQuotesWhatNeedsIt) {
-  CRvoDbRes rows;
-  Load(Column("a,b", "string") + Column("c", "string"),
-       "<z:row a,b='say \"hi\"' c='阀门'/><z:row a,b='two\nlines' c=''/>", rows);
+  const Loaded rows(Column("a,b", "string") + Column("c", "string"),
+                    "<z:row a,b='say \"hi\"' c='阀门'/><z:row a,b='two\nlines' c=''/>");
   EXPECT_EQ(Written(rows, Format::kCsv),
             "\"a,b\",c\n\"say \"\"hi\"\"\",阀门\n\"two\nlines\",\"\"\n");
-  CRvoDbRes lone;
-  Load(Column("a", "string"), "<z:row a=''/><z:row/><z:row a='-'/>", lone);
+  const Loaded lone(Column("a", "string"), "<z:row a=''/><z:row/><z:row a='-'/>");
   EXPECT_EQ(Written(lone, Format::kCsv), "a\n\"\"\n\"\"\n-\n");
   EXPECT_EQ(Written(lone, Format::kCsv, "-"), "a\n\"\"\n-\n\"-\"\n");
 }
 
 TEST(Writers, JsonIsValidWhateverTheBytesAndNames) {
-  CRvoDbRes rows;
-  Load(Column("a", "string") + Column("a", "string") + Column("a_2", "string") +
-           Column("\xff", "string") + Column("\xfe", "string"),
-       "<z:row a='q\"\\\n\x01' a_2='x\xff'/><z:row a='阀门'/>", rows);
+  const Loaded rows(Column("a", "string") + Column("a", "string") + Column("a_2", "string") +
+                        Column("\xff", "string") + Column("\xfe", "string"),
+                    "<z:row a='q\"\\\n\x01' a_2='x\xff'/><z:row a='阀门'/>");
   const auto json = nlohmann::json::parse(Written(rows, Format::kJson));
   ASSERT_EQ(json.size(), 2U);
   EXPECT_EQ(json[0].size(), 5U);
@@ -128,16 +123,14 @@ TEST(Writers, JsonIsValidWhateverTheBytesAndNames) {
 }
 
 TEST(Writers, WriteAnEmptyResult) {
-  CRvoDbRes rows;
-  Load(Column("a", "int"), "", rows);
+  const Loaded rows(Column("a", "int"), "");
   EXPECT_EQ(Written(rows, Format::kTable), "a\n-\n");
   EXPECT_EQ(Written(rows, Format::kCsv), "a\n");
   EXPECT_EQ(nlohmann::json::parse(Written(rows, Format::kJson)), nlohmann::json::array());
 }
 
 TEST(Writers, ReportAnOutputThatTakesNothing) {
-  CRvoDbRes rows;
-  Load(Column("a", "int"), "<z:row a='1'/>", rows);
+  const Loaded rows(Column("a", "int"), "<z:row a='1'/>");
   for (const Format format : {Format::kTable, Format::kCsv, Format::kJson}) {
     std::ostream nowhere(nullptr);
     EXPECT_FALSE(qv::tool::WriteResult(rows, {format, {}}, nowhere));

@@ -24,7 +24,7 @@ struct TypedColumn {
 };
 
 // Fills a result set without a file, so that these tests do not depend on the readers.
-void Fill(CRvoDbRes& result, const std::vector<TypedColumn>& columns) {
+void Fill(CRvoDbRes& result, std::initializer_list<TypedColumn> columns) {
   ResultTable& table = ResultTable::Of(result);
   for (const TypedColumn& typed : columns) {
     Column& column =
@@ -42,6 +42,10 @@ void Fill(CRvoDbRes& result, const std::vector<TypedColumn>& columns) {
   }
 }
 
+struct Filled : CRvoDbRes {
+  Filled(std::initializer_list<TypedColumn> columns) { Fill(*this, columns); }
+};
+
 std::vector<std::string> Texts(const CRvoDbRes& result, const char* field) {
   std::vector<std::string> texts;
   for (int row = 0; row < result.GetRecordCount(); ++row) {
@@ -53,11 +57,10 @@ std::vector<std::string> Texts(const CRvoDbRes& result, const char* field) {
 using Strings = std::vector<std::string>;
 
 TEST(RvoDbRes, GivesTextFormsAndValuesByType) {
-  CRvoDbRes result;
-  Fill(result, {{"n", 3, {"-7", "2147483647", "0"}},
+  Filled result{{"n", 3, {"-7", "2147483647", "0"}},
                 {"d", 5, {"2.5", "2.1", "-2.5"}},
                 {"t", 135, {"2024-02-29T23:59:59", "1899-12-29 06:00:01", ""}},
-                {"s", 200, {" 12.5x ", "", "text"}}});
+                {"s", 200, {" 12.5x ", "", "text"}}};
   EXPECT_EQ(Texts(result, "N"), (Strings{"-7", "2147483647", "0"}));
   EXPECT_EQ(Texts(result, "D"), (Strings{"2.500000", "2.100000", "-2.500000"}));
   EXPECT_EQ(Texts(result, "T"), (Strings{"2024-02-29 23:59:59", "1899-12-29 06:00:01", ""}));
@@ -78,8 +81,7 @@ TEST(RvoDbRes, GivesTextFormsAndValuesByType) {
 }
 
 TEST(RvoDbRes, HoldsHugeDoublesWithin32Bits) {
-  CRvoDbRes result;
-  Fill(result, {{"d", 5, {"1e300", "-inf", "nan", "-0.5", "2147483646.5"}}});
+  Filled result{{"d", 5, {"1e300", "-inf", "nan", "-0.5", "2147483646.5"}}};
   const std::vector<long> expected = {2147483647, -2147483648L, 0, 0, 2147483647};
   for (int row = 0; row < result.GetRecordCount(); ++row) {
     EXPECT_EQ(result._int(row, 0), expected[static_cast<std::size_t>(row)]) << row;
@@ -87,8 +89,7 @@ TEST(RvoDbRes, HoldsHugeDoublesWithin32Bits) {
 }
 
 TEST(RvoDbRes, IsNeutralOutsideTheTable) {
-  CRvoDbRes result;
-  Fill(result, {{"n", 3, {"1"}}});
+  Filled result{{"n", 3, {"1"}}};
   const std::pair<int, int> places[] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}, {2147483647, 2147483647}};
   for (const auto& [row, column] : places) {
     EXPECT_TRUE(result._str(row, column).IsEmpty());
@@ -124,8 +125,7 @@ TEST(RvoDbRes, MovesItsCursorWithinTheRows) {
   EXPECT_EQ(seen, (Strings{"1", "2", "3"}));
   EXPECT_EQ(result["n"], "3");  // the failed move left the cursor
 
-  CRvoDbRes no_rows;
-  Fill(no_rows, {{"n", 3, {}}});
+  Filled no_rows{{"n", 3, {}}};
   EXPECT_EQ(no_rows.MoveFirst(), 0);
   EXPECT_EQ(no_rows.MoveNext(), 0);
   EXPECT_THROW(no_rows[0], CInvalidArgException);
@@ -134,8 +134,7 @@ TEST(RvoDbRes, MovesItsCursorWithinTheRows) {
 }
 
 TEST(RvoDbRes, TrimsNamesOnlyAtTheBrackets) {
-  CRvoDbRes result;
-  Fill(result, {{"Name", 200, {"first"}}, {"NAME", 200, {"second"}}, {" odd", 200, {"odd"}}});
+  Filled result{{"Name", 200, {"first"}}, {"NAME", 200, {"second"}}, {" odd", 200, {"odd"}}};
   EXPECT_EQ(result["  NAME "], "first");
   EXPECT_EQ(result.GetFieldNameId("  NAME "), -1);
   EXPECT_EQ(result.GetFieldNameId("nAME"), 0);
@@ -144,12 +143,11 @@ TEST(RvoDbRes, TrimsNamesOnlyAtTheBrackets) {
 }
 
 TEST(RvoDbRes, AddsASumRow) {
-  CRvoDbRes result;
-  Fill(result, {{"n", 3, {"1", "2", "3"}},
+  Filled result{{"n", 3, {"1", "2", "3"}},
                 {"w", 20, {"2147483647", "1", "0"}},
                 {"d", 5, {"0.5", "0.25", "1"}},
                 {"s", 200, {"a", "b", "c"}},
-                {"t", 7, {"", "", ""}}});
+                {"t", 7, {"", "", ""}}};
   result.AddOneRow();
   CStringArray fields;
   for (const char* const name : {"S", "T", "none", "N", "W", "D"}) fields.Add(name);
@@ -161,8 +159,7 @@ TEST(RvoDbRes, AddsASumRow) {
   EXPECT_EQ(result._time(3, "t"), COleDateTime(std::time_t{0}));
   EXPECT_EQ(result.GetFiledLength(0), 0);
 
-  CRvoDbRes no_rows;
-  Fill(no_rows, {{"s", 200, {}}, {"n", 3, {}}});
+  Filled no_rows{{"s", 200, {}}, {"n", 3, {}}};
   CStringArray text_only;
   text_only.Add("s");
   EXPECT_NO_THROW(no_rows.AddSumInfo(text_only));
@@ -172,8 +169,7 @@ TEST(RvoDbRes, AddsASumRow) {
 TEST(RvoDbRes, ReplacesTextsAndCarriesThemOver) {
   CMapStringToString texts;
   texts.SetAt("A", "Alpha");
-  CRvoDbRes result;
-  Fill(result, {{"x", 200, {"A", "B", "A"}}, {"y", 200, {"B", "A", ""}}});
+  Filled result{{"x", 200, {"A", "B", "A"}}, {"y", 200, {"B", "A", ""}}};
   result.ReplaceStrByFieldName("X", &texts);
   result.ReplaceStrByFieldName("Y", &texts);
   result.ReplaceStrByFieldName("none", &texts);
@@ -185,8 +181,7 @@ TEST(RvoDbRes, ReplacesTextsAndCarriesThemOver) {
 TEST(RvoDbRes, ReplacesIntegersWithoutCarryingOver) {
   CMap<long, long, CString, CString> texts;
   texts.SetAt(1, "one");
-  CRvoDbRes result;
-  Fill(result, {{"n", 11, {"1", "2", "1"}}, {"s", 200, {"1", "2", "3"}}});
+  Filled result{{"n", 11, {"1", "2", "1"}}, {"s", 200, {"1", "2", "3"}}};
   ResultTable::Of(result).Columns()[0].declared_length = 9;
   result.ReplaceIntByFieldName("N", &texts);
   result.ReplaceIntByFieldName("S", &texts);  // not an integer column
@@ -239,8 +234,7 @@ TEST(RvoDbRes, GivesWhatTheServerSaidBesideThePlatformsForm) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.value);
-    CRvoDbRes result;
-    Fill(result, {{"c", static_cast<std::uint8_t>(c.type), {c.value}}});
+    Filled result{{"c", static_cast<std::uint8_t>(c.type), {c.value}}};
     EXPECT_EQ(result.GetFieldType("C"), c.type);
     EXPECT_EQ(result._text(0, 0), c.text);
     EXPECT_EQ(result._int64(0, 0), c.integer);
@@ -249,11 +243,10 @@ TEST(RvoDbRes, GivesWhatTheServerSaidBesideThePlatformsForm) {
 }
 
 TEST(RvoDbRes, KeepsThePlatformsStatusOfDates) {
-  CRvoDbRes result;
-  Fill(result,
-       {{"t",
-         7,
-         {"", "1899-12-30 00:00:00", "2023-02-29 00:00:00", "abcd-ef-gh ij:kl:mn", "2024-02-29"}}});
+  Filled result{
+      {"t",
+       7,
+       {"", "1899-12-30 00:00:00", "2023-02-29 00:00:00", "abcd-ef-gh ij:kl:mn", "2024-02-29"}}};
   const int statuses[] = {COleDateTime::valid, COleDateTime::valid, COleDateTime::invalid,
                           COleDateTime::invalid, COleDateTime::valid};
   for (int row = 0; row < result.GetRecordCount(); ++row) {
@@ -263,10 +256,9 @@ TEST(RvoDbRes, KeepsThePlatformsStatusOfDates) {
 }
 
 TEST(RvoDbRes, SumsExactlyAndAsThePlatformDoes) {
-  CRvoDbRes result;
-  Fill(result, {{"n", 20, {"9223372036854775807", "5", "-9223372036854775807"}},
+  Filled result{{"n", 20, {"9223372036854775807", "5", "-9223372036854775807"}},
                 {"most", 20, {"9223372036854775807", "9223372036854775807", "7"}},
-                {"d", 5, {"0.5", "0", "1"}}});
+                {"d", 5, {"0.5", "0", "1"}}};
   for (Column& column : ResultTable::Of(result).Columns()) column.nulls.Add(1);
   CStringArray fields;
   for (const char* const name : {"n", "most", "d"}) fields.Add(name);
@@ -292,11 +284,10 @@ TEST(RvoDbRes, KnowsWhichCellsAreNullAfterChanges) {
   CMap<long, long, CString, CString> names;
   names.SetAt(0, "none");
   names.SetAt(2147483647, "huge");
-  CRvoDbRes result;
-  Fill(result, {{"s", 200, {"", "A", "", "B"}},
+  Filled result{{"s", 200, {"", "A", "", "B"}},
                 {"n", 20, {"", "4294967296", "", "7"}},
                 {"m", 3, {"", "1", "", "2"}},
-                {"t", 7, {"", "2024-02-29 00:00:00", "", ""}}});
+                {"t", 7, {"", "2024-02-29 00:00:00", "", ""}}};
   for (Column& column : ResultTable::Of(result).Columns()) {
     column.nulls.Add(0);
     column.nulls.Add(2);

@@ -14,26 +14,25 @@ HRESULT Call(Text method, long* out, Args... args) {
   return script.Call(method, out, args...);
 }
 
+// An entry that notes the call, with the out value's place (or null) and the arguments.
+#define QV_ENTRY(name, parameters, ...)                                 \
+  HRESULT name parameters override { return Call(#name, __VA_ARGS__); } \
+  static_assert(true)
+
 // What both share.
 template <class Interface>
 class Scripted : public Interface {
  public:
   Scripted() { ++script.alive; }
-  HRESULT AddUploadFile(Text a, Text b) override { return Call("AddUploadFile", nullptr, a, b); }
-  HRESULT AddDownloadFile(Text a, Text b) override {
-    return Call("AddDownloadFile", nullptr, a, b);
-  }
-  HRESULT AddCopyServerFile(Text a, Text b) override {
-    return Call("AddCopyServerFile", nullptr, a, b);
-  }
-  HRESULT CopyServerFile(long a, long* out) override { return Call("CopyServerFile", out, a); }
-  HRESULT GetLastResult(long* out) override { return Call("GetLastResult", out); }
-  HRESULT FtpLogout(long* out) override { return Call("FtpLogout", out); }
-  HRESULT RenameServerFile(Text a, Text b, long* out) override {
-    return Call("RenameServerFile", out, a, b);
-  }
-  HRESULT DeleteServerFile(Text a, long* out) override { return Call("DeleteServerFile", out, a); }
-  HRESULT DeleteServerPath(Text a, long* out) override { return Call("DeleteServerPath", out, a); }
+  QV_ENTRY(AddUploadFile, (Text a, Text b), nullptr, a, b);
+  QV_ENTRY(AddDownloadFile, (Text a, Text b), nullptr, a, b);
+  QV_ENTRY(AddCopyServerFile, (Text a, Text b), nullptr, a, b);
+  QV_ENTRY(CopyServerFile, (long a, long* out), out, a);
+  QV_ENTRY(GetLastResult, (long* out), out);
+  QV_ENTRY(FtpLogout, (long* out), out);
+  QV_ENTRY(RenameServerFile, (Text a, Text b, long* out), out, a, b);
+  QV_ENTRY(DeleteServerFile, (Text a, long* out), out, a);
+  QV_ENTRY(DeleteServerPath, (Text a, long* out), out, a);
   HRESULT IsOperatorFileSuc(Text a, long* out) override { return script.Ask(a, out); }
   void Release() override {
     --script.alive;
@@ -45,28 +44,18 @@ class Scripted : public Interface {
 };
 
 class Ftp final : public Scripted<IQvCoFtp> {
-  HRESULT FtpLogin(Text a, short b, Text c, Text d, long* out) override {
-    return Call("FtpLogin", out, a, b, c, d);
-  }
-  HRESULT UploadFile(long a, long* out) override { return Call("UploadFile", out, a); }
-  HRESULT DownloadFile(long a, long b, long* out) override {
-    return Call("DownloadFile", out, a, b);
-  }
-  HRESULT AddFtpServer(Text a, short b, Text c, Text d, long* out) override {
-    return Call("AddFtpServer", out, a, b, c, d);
-  }
-  HRESULT SetTransModel1(long a) override { return Call("SetTransModel1", nullptr, a); }
-  HRESULT SetTransModel2(long a) override { return Call("SetTransModel2", nullptr, a); }
+  QV_ENTRY(FtpLogin, (Text a, short b, Text c, Text d, long* out), out, a, b, c, d);
+  QV_ENTRY(UploadFile, (long a, long* out), out, a);
+  QV_ENTRY(DownloadFile, (long a, long b, long* out), out, a, b);
+  QV_ENTRY(AddFtpServer, (Text a, short b, Text c, Text d, long* out), out, a, b, c, d);
+  QV_ENTRY(SetTransModel1, (long a), nullptr, a);
+  QV_ENTRY(SetTransModel2, (long a), nullptr, a);
 };
 
 class Csc final : public Scripted<IQvCoCSC> {
-  HRESULT FtpLogin(Text a, short b, Text c, Text d, long e, long* out) override {
-    return Call("FtpLogin", out, a, b, c, d, e);
-  }
-  HRESULT UploadFile(long a, long b, long* out) override { return Call("UploadFile", out, a, b); }
-  HRESULT DownloadFile(long a, long b, long c, long* out) override {
-    return Call("DownloadFile", out, a, b, c);
-  }
+  QV_ENTRY(FtpLogin, (Text a, short b, Text c, Text d, long e, long* out), out, a, b, c, d, e);
+  QV_ENTRY(UploadFile, (long a, long b, long* out), out, a, b);
+  QV_ENTRY(DownloadFile, (long a, long b, long c, long* out), out, a, b, c);
 };
 
 template <class Component>

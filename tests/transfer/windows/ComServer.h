@@ -42,6 +42,19 @@ inline HRESULT HeardQuestion(BSTR path, long* out) {
   return result;
 }
 
+// An entry that notes the call, with the out value's place (or null) and the arguments.
+#define QV_ENTRY(name, parameters, ...)                                                   \
+  virtual HRESULT STDMETHODCALLTYPE name parameters { return Heard(#name, __VA_ARGS__); } \
+  static_assert(true)
+// Entries that the library never calls, by their place in the table.
+#define QV_UNUSED(place) QV_ENTRY(Entry##place, (), nullptr)
+#define QV_UNUSED2(a, b) \
+  QV_UNUSED(a);          \
+  QV_UNUSED(b)
+#define QV_UNUSED4(a, b, c, d) \
+  QV_UNUSED2(a, b);            \
+  QV_UNUSED2(c, d)
+
 // `Entries` is the table of the interface. The other interfaces follow it, so that no entry moves.
 template <class Entries>
 class Scripted final : public Entries, public ISupportErrorInfo, public IRunnableObject {
