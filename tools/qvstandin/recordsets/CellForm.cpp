@@ -92,7 +92,6 @@ struct DateParts {
   std::string_view date;
   std::string_view time;
   std::string_view fraction;  // of a second, with its point
-  bool is_whole = true;       // nothing of the text is missing here
 };
 
 std::string_view TakeFraction(std::string_view& rest) {
@@ -105,34 +104,33 @@ std::string_view TakeFraction(std::string_view& rest) {
   return fraction.size() > 1 ? fraction.substr(0, kLongestFraction) : std::string_view();
 }
 
+// What follows the time is ignored: the engine has converted it to the session's zone, which it may
+// name.
 std::optional<DateParts> SplitDate(std::string_view text) {
   if (!HasShape(text, kDateShape)) return std::nullopt;
   DateParts parts{.date = text.substr(0, kDateShape.size()), .time = {}, .fraction = {}};
   std::string_view rest = text.substr(kDateShape.size());
   if (rest.empty()) return parts;
-  const bool is_parted = rest.front() == ' ' || rest.front() == 'T';
   rest.remove_prefix(1);
   for (const std::string_view shape : {kTimeShape, kShortTimeShape}) {
-    if (!is_parted || !parts.time.empty() || !HasShape(rest, shape)) continue;
+    if (!parts.time.empty() || !HasShape(rest, shape)) continue;
     parts.time = rest.substr(0, shape.size());
     rest.remove_prefix(shape.size());
   }
   if (parts.time.size() == kTimeShape.size()) parts.fraction = TakeFraction(rest);
-  // The engine has converted the time to the session's zone, which it may name.
-  const bool is_zone = rest.starts_with('+') || rest.starts_with('-') || rest == "Z";
-  parts.is_whole =
-      is_parted && !parts.time.empty() && (rest.empty() || (is_zone && !rest.ends_with("BC")));
   return parts;
 }
 
-void AppendDate(std::string_view text, std::string& out) {
+// Returns false and appends nothing if the text is no date.
+bool AppendDate(std::string_view text, std::string& out) {
   const auto parts = SplitDate(text);
-  if (!parts || !parts->is_whole) return AppendEscaped(text, out);
+  if (!parts) return false;
   out += parts->date;
   out += 'T';
   out += parts->time;
   out += kTimeShape.substr(parts->time.size());
   out += parts->fraction;
+  return true;
 }
 
 bool IsTrue(const Cell& cell) {
@@ -153,8 +151,6 @@ void AppendText(const Cell& cell, std::string& out) {
     AppendNumber(*decimal, out);
   }
 }
-
-void AppendTruth(const Cell& cell, std::string& out) { out += IsTrue(cell) ? "True" : "False"; }
 
 // Readers of integers end at the first character that is no digit, as in 1e+15.
 void AppendInteger(const Cell& cell, std::string& out) {
@@ -195,25 +191,12 @@ void AppendSingle(const Cell& cell, std::string& out) {
 
 }  // namespace
 
-bool IsDate(const Cell& cell) {
-  const auto* const text = std::get_if<std::string_view>(&cell);
-  const auto parts = text != nullptr ? SplitDate(*text) : std::nullopt;
-  return parts && parts->is_whole;
-}
-
-bool IsTruthValue(const Cell& cell) {
-  const auto* const text = std::get_if<std::string_view>(&cell);
-  if (text == nullptr) return !std::holds_alternative<Binary>(cell);
-  return *text == "1" || *text == "0" || text::EqualIgnoringCase(*text, "true") ||
-         text::EqualIgnoringCase(*text, "false");
-}
-
 bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::string& out) {
   if (std::holds_alternative<std::monostate>(cell)) return false;
   const auto* const text = std::get_if<std::string_view>(&cell);
   switch (kind) {
     case ColumnKind::kBoolean:
-      IsTruthValue(cell) ? AppendTruth(cell, out) : AppendText(cell, out);
+      out += IsTrue(cell) ? "True" : "False";
       return true;
     case ColumnKind::kUint8:
     case ColumnKind::kInt16:
@@ -226,8 +209,7 @@ bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::s
       return true;
     case ColumnKind::kDate:
     case ColumnKind::kDateTime:
-      text != nullptr ? AppendDate(*text, out) : AppendText(cell, out);
-      return true;
+      return text != nullptr && AppendDate(*text, out);
     case ColumnKind::kBinary:
       AppendBinary(binary, cell, out);
       return true;

@@ -104,39 +104,23 @@ constexpr std::array kRanges{
     RangeOf<std::uint8_t>(ColumnKind::kUint8), RangeOf<std::int16_t>(ColumnKind::kInt16),
     RangeOf<std::int32_t>(ColumnKind::kInt32), RangeOf<std::int64_t>(ColumnKind::kInt64)};
 
-}  // namespace
-
-void ColumnFit::Add(const Cell& cell) {
-  if (std::holds_alternative<std::monostate>(cell)) return;
-  switch (kind_) {
-    case ColumnKind::kUint8:
-    case ColumnKind::kInt16:
-    case ColumnKind::kInt32:
-    case ColumnKind::kInt64:
-    case ColumnKind::kDouble:
-    case ColumnKind::kSingle:
-      return AddNumber(cell);
-    case ColumnKind::kBoolean:
-      is_text_ |= !IsTruthValue(cell);
-      return;
-    case ColumnKind::kDate:
-    case ColumnKind::kDateTime:
-      is_text_ |= !IsDate(cell);
-      return;
-    default:
-      return;
-  }
+bool IsInteger(ColumnKind kind) {
+  return std::ranges::any_of(kRanges, [kind](const Range& range) { return range.kind == kind; });
 }
 
-void ColumnFit::AddNumber(const Cell& cell) {
+}  // namespace
+
+ColumnFit::ColumnFit(ColumnKind kind)
+    : kind_(kind), is_integer_(IsInteger(kind)), is_double_(kind == ColumnKind::kDouble) {}
+
+void ColumnFit::Add(const Cell& cell) {
+  if (!is_integer_ && !is_double_) return;
   if (const auto* const whole = std::get_if<std::int64_t>(&cell)) {
     AddInteger(*whole);
   } else if (const auto* const value = std::get_if<double>(&cell)) {
     AddDouble(*value);
   } else if (const auto* const text = std::get_if<std::string_view>(&cell)) {
     AddDecimal(*text);
-  } else {
-    is_text_ = true;
   }
 }
 
@@ -156,26 +140,19 @@ void ColumnFit::AddDouble(double value) {
 
 void ColumnFit::AddDecimal(std::string_view text) {
   if (const auto whole = text::ParseNumber<std::int64_t>(text)) return AddInteger(*whole);
-  integers_lose_ = true;
   // Engines have decimals that are no number and infinite ones, and so have doubles.
   constexpr std::array<std::string_view, 3> kSpecial{"NaN", "Infinity", "-Infinity"};
-  if (std::ranges::find(kSpecial, text) != kSpecial.end()) return;
+  const bool is_special = std::ranges::find(kSpecial, text) != kSpecial.end();
   const auto decimal = ParseDecimal(text);
-  is_text_ |= !decimal;
+  integers_lose_ |= is_special || decimal;
   doubles_lose_ |= decimal && !FitsDouble(text, *decimal);
 }
 
 ColumnKind ColumnFit::Fitted() const {
-  if (is_text_) return ColumnKind::kText;
-  if (kind_ == ColumnKind::kSingle) return kind_;  // travels and is kept as text
-  const bool is_double = kind_ == ColumnKind::kDouble;
-  if (is_double && !doubles_lose_) return kind_;
-  if (is_double && !integers_lose_) return ColumnKind::kInt64;
-  if (is_double) return ColumnKind::kText;
-  const auto is_declared = [this](const Range& range) { return range.kind == kind_; };
-  if (std::ranges::none_of(kRanges, is_declared)) return kind_;
-  if (integers_lose_) return doubles_lose_ ? ColumnKind::kText : ColumnKind::kDouble;
-  return FittedInteger();
+  if (is_integer_ && !integers_lose_) return FittedInteger();
+  if (is_integer_) return doubles_lose_ ? ColumnKind::kText : ColumnKind::kDouble;
+  if (!is_double_ || !doubles_lose_) return kind_;
+  return integers_lose_ ? ColumnKind::kText : ColumnKind::kInt64;
 }
 
 ColumnKind ColumnFit::FittedInteger() const {
