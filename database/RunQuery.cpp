@@ -58,14 +58,15 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
     return failed;
   }
   const DeleteAtExit deletion{file};
+  const int when_cancelled = query.from_cache ? result::kNotDelivered : result::kOutcomeUnknown;
   // The answer may be large, and nobody waits for it any more.
   if (call::IsCancelled()) {
     call::SetCancelled();
-    return result::kOutcomeUnknown;
+    return when_cancelled;
   }
   if (!file.ReadInto(result, query.web)) {
     call::SetErrorIfNone(error::kBadReply, "the answer cannot be read");
-    return call::IsCancelled() ? result::kOutcomeUnknown : result::kFailed;
+    return call::IsCancelled() ? when_cancelled : result::kFailed;
   }
   if (MayKeep(query)) KeepAnswer(key, file, query.keep);
   return result::kSuccess;

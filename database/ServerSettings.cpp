@@ -3,6 +3,7 @@
 #include <string>
 
 #include "RunQuery.h"
+#include "base/call/LastError.h"
 #include "base/platform/Platform.h"
 #include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
@@ -92,6 +93,7 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
                                    .keep = qv::Keep::kUnpacked},
                                   row);
   RemoveBinaryFiles(row);
+  if (qv::call::LastError().error_class == qv::error::kCancelled) settings.need_update = 1;
   if (result == qv::result::kSuccess && row.GetRecordCount() > 0) TakeRow(row);
   return result;
 }

@@ -1,10 +1,17 @@
 #include "CancelWatch.h"
 
+#include <system_error>
+
 namespace qv {
 
 CancelWatch::CancelWatch(odbc::Statement& statement)
     : statement_(statement), flag_(call::CancelFlagOfThisThread()) {
-  if (flag_ != nullptr) thread_ = std::thread([this] { Run(); });
+  if (flag_ == nullptr) return;
+  try {
+    thread_ = std::thread([this] { Run(); });
+  } catch (const std::system_error&) {
+    // The system has no thread left. The statement runs, and cannot be cancelled.
+  }
 }
 
 CancelWatch::~CancelWatch() {

@@ -78,10 +78,14 @@ int CRvoServer::GetServerType(CString& type, CString server, unsigned long port)
     return 1;
   }
   std::string found = ConfiguredServerType();
+  // A question that was cancelled, or that a full server refused, says nothing about its type.
+  bool is_known = true;
   if (found.empty()) {
     found = CheckServerLink(server, port) == 1 ? qv::server_type::kSocket : qv::server_type::kWeb;
+    const qv::error::Class failure = qv::call::LastError().error_class;
+    is_known = failure != qv::error::kCancelled && failure != qv::error::kBusy;
   }
-  memo.Remember(server.View(), port, found);
+  if (is_known) memo.Remember(server.View(), port, found);
   type = CString(std::string_view(found));
   return 1;
 }

@@ -59,8 +59,10 @@ int HttpExchange::Run(const char* server, std::uint32_t port, bool compress) {
     return kNotDelivered;
   }
   const Clock::time_point deadline = Clock::now() + settings_.connect_timeout;
-  int result = TryOnce(*url, compress);
-  if (is_busy_ && PauseWhileBusy(deadline, cancel_)) result = TryOnce(*url, compress);
+  const int result = TryOnce(*url, compress);
+  if (!is_busy_) return result;
+  if (PauseWhileBusy(deadline, cancel_)) return TryOnce(*url, compress);
+  if (cancel_.Ask()) error_ = Cancelled();
   return result;
 }
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace qv::standin {
@@ -86,8 +87,12 @@ std::string TextForClients(const Outcome& outcome) {
       return "no such database";
     case error::kBusy:
       return "the database has no place left";
+    case error::kTooLarge:
+      return "the database has no memory or no disk space left";
     default:
-      return "the database cannot be reached; the server's log says why";
+      return outcome.code == ErrorCode::kNoDatabase
+                 ? "the database cannot be reached; the server's log says why"
+                 : "the database failed; the server's log says why";
   }
 }
 
@@ -119,9 +124,19 @@ bool WorkLimit::IsOver() {
     reason_ = ErrorCode::kTimedOut;
   } else if (now >= next_question_) {
     next_question_ = now + kBetweenQuestions;
-    if (abandoned_()) reason_ = ErrorCode::kStopped;
+    if (IsAbandoned()) reason_ = ErrorCode::kStopped;
   }
   return reason_ != ErrorCode::kNone;
+}
+
+// The question also tells the client that the work goes on. A client that cannot be told, because
+// memory has run out, is given up.
+bool WorkLimit::IsAbandoned() const noexcept {
+  try {
+    return abandoned_();
+  } catch (const std::exception&) {
+    return true;
+  }
 }
 
 std::optional<std::chrono::milliseconds> WorkLimit::TimeLeft() const {

@@ -77,6 +77,8 @@ class WorkLimit {
   [[nodiscard]] Outcome Failure(std::string_view what = "the statement") const;
 
  private:
+  [[nodiscard]] bool IsAbandoned() const noexcept;
+
   std::chrono::milliseconds time_;
   Clock::time_point deadline_;
   Clock::time_point next_question_;

@@ -88,6 +88,16 @@ void Classify(const odbc::Diagnostics& said, Outcome& outcome) {
   }
 }
 
+// Returns whether the engine's text may be about its own files, hosts or users, not about the
+// client's statement.
+bool MayNameTheServer(const odbc::Diagnostics& said, const Outcome& outcome) {
+  const auto lacks_resources = [](const odbc::Diagnostic& record) {
+    return record.state.starts_with("53");
+  };
+  return outcome.code == ErrorCode::kNoDatabase || outcome.error_class == error::kInternal ||
+         std::ranges::any_of(said, lacks_resources);
+}
+
 std::uint32_t Seconds(std::chrono::milliseconds time) {
   return static_cast<std::uint32_t>(std::chrono::ceil<std::chrono::seconds>(time).count());
 }
@@ -372,7 +382,7 @@ Outcome OdbcDatabase::Failure() {
   outcome.error_class = is_postgres_ ? error::kInternal : ClassOfSqliteText(text);
   Classify(said_, outcome);
   if (outcome.code == ErrorCode::kTimedOut) outcome.text = "the statement took too long";
-  outcome.is_private = outcome.code == ErrorCode::kNoDatabase;
+  outcome.is_private = MayNameTheServer(said_, outcome);
   return outcome;
 }
 

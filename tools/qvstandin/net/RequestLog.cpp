@@ -15,6 +15,9 @@ namespace qv::standin {
 
 namespace {
 
+// What a pipe takes at once. A statement that would make a line longer is left out.
+constexpr std::size_t kLongestLine = 4096;
+
 constexpr std::string_view kHidden = "'***'";
 
 bool IsBeforePassword(std::string_view word) {
@@ -114,8 +117,9 @@ bool RequestLog::Append(platform::Create how) {
 }
 
 void RequestLog::Add(const ServedCommand& served) {
-  const std::string line = options_.as_json ? JsonLine(served, options_.with_statements)
-                                            : LogLine(served, options_.with_statements);
+  const auto line_of = options_.as_json ? JsonLine : LogLine;
+  std::string line = line_of(served, options_.with_statements);
+  if (line.size() >= kLongestLine) line = line_of(served, false);
   const std::lock_guard lock(mutex_);
   Write(line + "\n");
 }
