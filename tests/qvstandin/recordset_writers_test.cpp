@@ -131,6 +131,7 @@ TEST(RowsetWriter, WritesValuesAsTheirColumnShowsThem) {
 TEST(RecordsetWriters, DeclareAKindThatHoldsEveryValue) {
   using Kind = ColumnKind;
   constexpr std::int64_t kBig = std::numeric_limits<std::int64_t>::max();
+  const std::string large = "1" + std::string(400, '0');
   struct Case {
     Kind declared;
     std::vector<Cell> cells;
@@ -157,7 +158,7 @@ TEST(RecordsetWriters, DeclareAKindThatHoldsEveryValue) {
       {Kind::kDouble, {"133844670540", "9223372036854775807"}, 20},
       {Kind::kDouble, {"9223372036854775808", "1"}, 5},
       {Kind::kDouble, {"9223372036854775809"}, 200},
-      {Kind::kDouble, {"1" + std::string(400, '0')}, 200},
+      {Kind::kDouble, {large}, 200},
       {Kind::kDouble, {"no number", 0.5}, 5},
       {Kind::kBoolean, {std::int64_t{2}, "false"}, 11},
       {Kind::kBoolean, {"perhaps"}, 11},

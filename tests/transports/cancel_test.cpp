@@ -170,8 +170,8 @@ TEST_P(CancelledCall, RacesWithItsReply) {
   is_over = true;
   canceller.join();
   EXPECT_EQ(done + cancelled, kRounds * kCalls);
-  EXPECT_GT(done, kCalls);
-  EXPECT_GT(cancelled, kCalls);
+  EXPECT_GT(done, 0);
+  EXPECT_GT(cancelled, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cancel, CancelledCall, testing::ValuesIn(kChannels));
