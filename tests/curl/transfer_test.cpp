@@ -40,7 +40,7 @@ struct TestHandler final : Handler {
 };
 
 struct CurlTransfer : testing::Test {
-  void SetUp(Transfer& transfer, bool is_upload) {
+  void Prepare(Transfer& transfer, bool is_upload) {
     transfer.Set(CURLOPT_URL, ("file://" + folder.At(is_upload ? "up" : "down")).c_str());
     transfer.Set(CURLOPT_UPLOAD, is_upload ? 1L : 0L);
   }
@@ -62,7 +62,7 @@ TEST_F(CurlTransfer, WhatAHandlerThrowsLeavesTheRun) {
         throw std::runtime_error("x");
       };
       Transfer transfer(handle, handler, deadlines, "", Transfer::Sending::kOnce);
-      SetUp(transfer, trouble == Call::kSend);
+      Prepare(transfer, trouble == Call::kSend);
       const auto run = [&] { return transfer.RunUntil([] { return false; }); };
       if (is_memory_short) {
         EXPECT_THROW(run(), std::bad_alloc);
@@ -79,7 +79,7 @@ TEST_F(CurlTransfer, WhatAHandlerThrowsLeavesTheRun) {
 TEST_F(CurlTransfer, AnOptionThatIsNotTakenEndsItBeforeItBegins) {
   TestHandler handler;
   Transfer transfer(handle, handler, deadlines, "", Transfer::Sending::kAgain);
-  SetUp(transfer, false);
+  Prepare(transfer, false);
   transfer.Set(CURLOPT_USERNAME, std::string(9'000'000, 'u').c_str());
   EXPECT_FALSE(transfer.IsSetUp());
   EXPECT_FALSE(transfer.RunUntil([] { return false; }));
