@@ -222,8 +222,9 @@ TEST_F(QueryCacheTest, LeavesTheDatabasesOfOthersAlone) {
   const char* const planted[] = {
       "PRAGMA journal_mode = WAL",
       "PRAGMA journal_mode = DELETE; CREATE INDEX slow ON qv_tp_sqlindex(hex(query_text))",
-      "DROP TABLE qv_tp_sqlindex; CREATE TABLE qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY,"
-      "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL, slow INT CHECK(hex(slow) = 0))",
+      ("DROP TABLE qv_tp_sqlindex; CREATE TABLE qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY "
+       "KEY,"
+       "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL, slow INT CHECK(hex(slow) = 0))"),
       "DROP TABLE qv_tp_sqlindex; CREATE TABLE theirs(id)"};
   for (const char* const sql : planted) {
     cache_.Reset();

@@ -135,7 +135,7 @@ TEST(AnswerSpool, RefusesWhatIsTooLargeOrHasNoFolder) {
 
 TEST(AnswerSpool, ReplacesItsHeadInMemoryAndOnTheDisk) {
   const TempFolder folder;
-  for (const std::size_t kept : {100, 4}) {
+  for (const std::size_t kept : {100U, 4U}) {
     AnswerSpool spool(folder.Path().string() + "/", kept, 12);
     ASSERT_TRUE(spool.WriteHead("ab") && spool.Write("1234") && spool.ReplaceHead("abcdef"));
     ASSERT_TRUE(spool.Finish());
