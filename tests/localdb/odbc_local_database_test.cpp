@@ -225,10 +225,14 @@ TEST_F(DirectAccess, ReadsNoMoreThanTheLimit) {
   }
 }
 
+TEST_F(DirectAccess, KeepsTheDatabaseWhereTheTextSays) {
+  EXPECT_EQ(database_.Execute("create table OnlyHere (N int)", "DESIGN"), 0);
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
+}
+
 TEST_F(DirectAccess, KeepsConnectionsByName) {
   CRvoDbRes rows;
   EXPECT_EQ(database_.Execute("create table OnlyHere (N int)", "DESIGN"), 0);
-  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / u8"图纸 design"));
   EXPECT_EQ(database_.Execute("", "DESIGN"), 1);
   EXPECT_EQ(database_.Select("select 1", rows, "design"), 1);
   EXPECT_THAT(database_.LastError(), HasSubstr("no connection"));

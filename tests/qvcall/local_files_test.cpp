@@ -31,7 +31,7 @@ class LocalFiles : public testing::Test {
   }
 
   const qv::TempFolder folder_;
-  const qv::tool::ConnectionOptions connection_;
+  const qv::tool::ConnectionOptions connection_{};
   const qv::tool::Session session_{connection_, ""};
   std::ostringstream err_;
   qv::tool::TransferReport report_{session_, err_};
