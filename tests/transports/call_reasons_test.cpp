@@ -72,9 +72,13 @@ TEST_P(BothTransports, SayWhyNoReplyCame) {
   }
   TransportCall refused;
   EXPECT_EQ(Send(refused, dead), -1);
+  const std::string where = "cannot connect to 127.0.0.1:" + std::to_string(dead) + " within 2 s: ";
+  // On Windows, libcurl's own words may follow.
   EXPECT_THAT(Error(),
-              Pair(error::kCannotConnect, "cannot connect to 127.0.0.1:" + std::to_string(dead) +
-                                              " within 2 s: connection refused"));
+              Pair(error::kCannotConnect,
+                   testing::AllOf(testing::StartsWith(where),
+                                  testing::AnyOf(testing::EndsWith("connection refused"),
+                                                 testing::HasSubstr("connect to server")))));
 
   ScriptedServer silent([&](ServerSide& side) {
     while (Receive(side)) {
