@@ -88,6 +88,7 @@ TEST_P(BothTransports, SayWhyNoReplyCame) {
   EXPECT_EQ(Send(unanswered, silent.Port()), -2);
   EXPECT_THAT(Error(), Pair(error::kNoProgress, "no progress for 50 ms"));
 
+  GetParam().set_parameter("io_timeout_ms", "5000");
   ScriptedServer leaving([&](ServerSide& side) { Receive(side); });
   TransportCall cut;
   EXPECT_EQ(Send(cut, leaving.Port()), -2);
@@ -96,6 +97,7 @@ TEST_P(BothTransports, SayWhyNoReplyCame) {
 
   const FullListener full;
   GetParam().set_parameter("connect_timeout_ms", "50");
+  GetParam().set_parameter("io_timeout_ms", "50");
   TransportCall ignored;
   EXPECT_EQ(Send(ignored, full.Port()), -1);
   EXPECT_THAT(Error(), Pair(error::kCannotConnect, HasSubstr("within 50 ms: no answer")));
