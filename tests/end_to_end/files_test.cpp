@@ -26,7 +26,8 @@ class FilesTest : public EndToEnd {
   static std::string NamesOf(const Record* listed, int count, records::Field name) {
     const std::unique_ptr<const Record[]> records(listed);
     std::string names;
-    for (int i = 0; records && i < count; ++i) names += records::Text(records[i], name) + "|";
+    const std::size_t size = records ? static_cast<std::size_t>(std::max(count, 0)) : 0;
+    for (std::size_t i = 0; i < size; ++i) names += records::Text(records[i], name) + "|";
     return names;
   }
   static std::string Files(const char* folder, const char* pattern, int flag = 0) {
@@ -58,7 +59,7 @@ std::string Pattern(std::size_t length) {
 }
 
 TEST_F(FilesTest, GoUpAndComeDownAsTheyWere) {
-  for (const std::size_t length : {0, 1, 65'535, 65'536, 65'537, 5 << 20}) {
+  for (const std::size_t length : {0u, 1u, 65'535u, 65'536u, 65'537u, 5u << 20}) {
     const std::string bytes = Pattern(length);
     ASSERT_EQ(Upload(bytes, "drawings/structural\\新 图.dwg"), 0) << length;
     EXPECT_TRUE(Download("drawings\\structural\\新 图.dwg") == bytes) << length;

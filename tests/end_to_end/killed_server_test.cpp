@@ -19,8 +19,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kBatches = 200;
 constexpr int kLines = 60;
-constexpr int kFiles = 1000;
-constexpr int kFilesPerKill = 50;
+constexpr std::size_t kFiles = 1000;
+constexpr std::size_t kFilesPerKill = 50;
 
 // Random moments at which the server is killed, counted from the start of a call. Their range
 // follows the results, so that about half of the calls fail, however fast the machine is.
@@ -68,7 +68,7 @@ class KilledServer : public EndToEnd {
     auto server = Start();
     Moments moments(Microseconds(1500), 7);
     int again = 0;
-    for (int file = 0; file < kFiles; ++file) {
+    for (std::size_t file = 0; file < kFiles; ++file) {
       if (file % kFilesPerKill != 0) {
         EXPECT_EQ(move(file), 0) << file;
         continue;
@@ -127,17 +127,17 @@ TEST_F(KilledServer, LeavesEachBatchWhollyThereOrWhollyAbsent) {
 
 TEST_F(KilledServer, LosesNoFileAndLeavesNoneHalf) {
   std::vector<std::string> files;
-  for (int file = 0; file < kFiles; ++file) {
-    const std::size_t length = file % kFilesPerKill == 0 ? 2 << 20 : file * 37;
+  for (std::size_t file = 0; file < kFiles; ++file) {
+    const std::size_t length = file % kFilesPerKill == 0 ? 2u << 20 : file * 37;
     files.emplace_back(length, static_cast<char>(file));
   }
-  const auto server_path = [](int file) { return "drawings\\图 " + std::to_string(file); };
-  const auto stored = [&](int file) {
+  const auto server_path = [](std::size_t file) { return "drawings\\图 " + std::to_string(file); };
+  const auto stored = [&](std::size_t file) {
     return folder_.Path() / "data/files/drawings" / ("图 " + std::to_string(file));
   };
   const std::string local = (folder_.Path() / "down").string();
 
-  const int sent_again = MoveAll([&](int file) {
+  const int sent_again = MoveAll([&](std::size_t file) {
     const std::string source = folder_.Write("up", files[file]);
     const int result = CRvoFile::UpLoadFileToServer(source.c_str(), server_path(file).c_str());
     std::error_code absent;
@@ -145,7 +145,7 @@ TEST_F(KilledServer, LosesNoFileAndLeavesNoneHalf) {
     EXPECT_TRUE(absent ? result != 0 : length == files[file].size()) << file;
     return result;
   });
-  const int fetched_again = MoveAll([&](int file) {
+  const int fetched_again = MoveAll([&](std::size_t file) {
     folder_.Write("down", "the one before");
     const int result = CRvoFile::DownLoadServerFile(local.c_str(), server_path(file).c_str());
     EXPECT_TRUE(BytesOf(local) == (result == 0 ? files[file] : "the one before")) << file;
