@@ -108,6 +108,14 @@ bool RemoveFile(const std::string& path);
 // process.
 void SurviveFileLimits();
 
+// Makes writes to a pipe that nobody reads any more fail from now on, instead of ending the
+// process.
+void SurviveClosedPipes();
+
+// Returns false if a line of up to 4096 bytes that is written to standard error now could have to
+// wait, because nobody empties the pipe or the terminal that it leads to.
+[[nodiscard]] bool StandardErrorHasRoom();
+
 // Asks for large pages for `bytes` of untouched memory at `start`. This only affects speed.
 void PreferLargePages(void* start, std::size_t bytes);
 

@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "base/platform/Platform.h"
-#include "base/platform/StandardError.h"
 #include "tests/support/System.h"
 #include "tests/support/TempFolder.h"
 

@@ -11,7 +11,6 @@
 #include <string>
 
 #include "base/platform/Platform.h"
-#include "base/platform/StandardError.h"
 #include "tools/qvstandin/net/StandIn.h"
 
 namespace {

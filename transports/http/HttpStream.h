@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "HttpState.h"
-#include "base/curl/CurlHandle.h"
 #include "base/curl/Transfer.h"
 #include "transports/exchange/ThreadCall.h"
 #include "transports/frame/FrameIo.h"

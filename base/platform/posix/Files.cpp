@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "base/platform/Platform.h"
-#include "base/platform/StandardError.h"
 
 namespace qv::platform {
 

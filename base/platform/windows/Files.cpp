@@ -9,7 +9,6 @@
 #include "Handle.h"
 #include "OwnerOnly.h"
 #include "base/platform/Platform.h"
-#include "base/platform/StandardError.h"
 
 namespace qv::platform {
 

@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "base/platform/Platform.h"
-#include "base/platform/StandardError.h"
 #include "base/text/Letters.h"
 #include "base/text/SqlText.h"
 
