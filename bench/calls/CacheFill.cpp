@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path OnlyAnswer(const std::string& folder) {
+fs::path AnyAnswer(const std::string& folder) {
   for (const auto& entry : fs::directory_iterator(folder)) {
     if (entry.path().extension() == ".dat") return entry.path();
   }
@@ -79,7 +79,7 @@ class Index {
 }  // namespace
 
 void FillCache(const std::string& folder, int entries) {
-  const fs::path answer = OnlyAnswer(folder);
+  const fs::path answer = AnyAnswer(folder);
   const std::string content = Content(answer);
   Index index(folder + "/qvdbcache.db3");
   for (int i = 1; i < entries; ++i) {

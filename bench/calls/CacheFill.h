@@ -5,7 +5,7 @@
 
 namespace qv::bench {
 
-// Adds entries to the index in `folder`, each with a copy of the only answer that is there, until
+// Adds entries to the index in `folder`, each with a copy of an answer that is there, until
 // there are `entries`. The library must have closed the folder. Throws std::runtime_error.
 void FillCache(const std::string& folder, int entries);
 

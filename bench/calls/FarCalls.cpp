@@ -1,9 +1,9 @@
 #include <fmt/format.h>
 
 #include "Groups.h"
-#include "Postgres.h"
 #include "Queries.h"
-#include "Relay.h"
+#include "peers/Postgres.h"
+#include "peers/Relay.h"
 
 namespace qv::bench {
 

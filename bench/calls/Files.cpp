@@ -2,7 +2,7 @@
 
 #include "Groups.h"
 #include "LocalFiles.h"
-#include "WebClient.h"
+#include "peers/WebClient.h"
 
 namespace qv::bench {
 

@@ -1,8 +1,8 @@
 #include <fmt/format.h>
 
 #include "Groups.h"
-#include "Programs.h"
 #include "Queries.h"
+#include "peers/Programs.h"
 
 namespace qv::bench {
 

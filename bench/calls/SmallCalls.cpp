@@ -3,10 +3,10 @@
 #include <array>
 
 #include "Groups.h"
-#include "PingPong.h"
-#include "Postgres.h"
 #include "Queries.h"
-#include "Relay.h"
+#include "peers/PingPong.h"
+#include "peers/Postgres.h"
+#include "peers/Relay.h"
 
 namespace qv::bench {
 

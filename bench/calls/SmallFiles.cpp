@@ -11,8 +11,8 @@
 
 #include "Groups.h"
 #include "LocalFiles.h"
-#include "Programs.h"
-#include "WebClient.h"
+#include "peers/Programs.h"
+#include "peers/WebClient.h"
 
 namespace qv::bench {
 

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "Groups.h"
-#include "Postgres.h"
 #include "Queries.h"
+#include "peers/Postgres.h"
 
 namespace qv::bench {
 
