@@ -62,7 +62,7 @@ CLI::Validator Time() {
 void AddTime(CLI::App& app, const char* name, std::chrono::milliseconds& time, const char* what) {
   app.add_option_function<std::int64_t>(
          name, [&time](std::int64_t count) { time = std::chrono::milliseconds(count); }, what)
-      ->transform(CLI::Range(std::int64_t{0}, std::int64_t{7 * 24 * 3'600'000}))
+      ->transform(CLI::Range(std::int64_t{0}, std::int64_t{7} * 24 * 3'600'000))
       ->transform(Time());
 }
 

@@ -67,6 +67,7 @@ std::string Value(const CRvoDbRes& rows, int row, int column, int type) {
 bool WriteJson(const CRvoDbRes& rows, std::ostream& out) {
   const std::vector<std::string> keys = Keys(rows);
   std::vector<int> types;
+  types.reserve(keys.size());
   for (int column = 0; column < rows.GetFieldCount(); ++column) {
     types.push_back(rows.GetFieldType(column));
   }
