@@ -123,6 +123,10 @@ std::string DecodedText(const std::string& raw) {
     }
     if (!found) text += raw[at++];
   }
+  return text;
+}
+
+std::string WithoutEnds(const std::string& text) {
   const std::size_t first = text.find_first_not_of(kWhiteSpace);
   if (first == std::string::npos) return "";
   return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
@@ -230,7 +234,7 @@ ReferenceCell Cell(ReferenceColumn& column, const std::string& text, BinaryDecod
       if (text.empty()) return ReferenceBinary();
       return ReferenceBinary{decode(text)};
     default: {
-      const std::string value = DecodedText(text);
+      const std::string value = WithoutEnds(DecodedText(text));
       Widen(column, value.size());
       return value;
     }

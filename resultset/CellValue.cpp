@@ -142,16 +142,15 @@ std::int64_t ParseInteger(std::string_view text) {
 }
 
 std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities) {
-  // No entity represents white space, so trimming first has the same effect and is cheaper.
-  text = text::Trimmed(text);
   const char* const end = text.data() + text.size();
   if (!may_have_entities || text.empty() || FindByte(text.data(), end, '&') == end) {
     cells.AppendFromBuffer(text);
-    return text.size();
+    return text::Trimmed(text).size();
   }
-  const std::size_t length = DecodeEntities(text.data(), end, cells.Begin(text.size()));
+  char* const decoded = cells.Begin(text.size());
+  const std::size_t length = DecodeEntities(text.data(), end, decoded);
   cells.Finish(length);
-  return length;
+  return text::Trimmed({decoded, length}).size();
 }
 
 CString CellText(std::int32_t value) { return ShortestText(value); }

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "base/platform/Platform.h"
+#include "base/text/Letters.h"
 #include "base/text/Numbers.h"
 
 namespace qv {
@@ -148,6 +149,12 @@ class TextCells {
  public:
   static constexpr std::size_t kCellBytes = sizeof(std::uint32_t);
 
+  // Whether the calls that the platform knows give the texts without the white space at both ends,
+  // as they do for what servers and databases send.
+  enum class PlatformsForm { kAsItIs, kTrimmed };
+
+  explicit TextCells(PlatformsForm form = PlatformsForm::kAsItIs) : form_(form) {}
+
   std::size_t size() const { return ends_.size(); }
 
   std::size_t Bytes() const { return bytes_.Bytes() + ends_.Bytes(); }
@@ -160,6 +167,10 @@ class TextCells {
   std::string_view operator[](std::size_t row) const {
     const std::size_t start = row == 0 ? 0 : ends_[row - 1];
     return {bytes_.data() + start, ends_[row] - start};
+  }
+  // Returns it as the calls that the platform knows give it.
+  [[nodiscard]] std::string_view InPlatformsForm(std::size_t row) const {
+    return form_ == PlatformsForm::kTrimmed ? text::Trimmed((*this)[row]) : (*this)[row];
   }
 
   void push_back(std::string_view text) {
@@ -198,6 +209,7 @@ class TextCells {
   GrowArray<char> bytes_;
   GrowArray<std::uint32_t> ends_;
   std::size_t building_ = 0;
+  PlatformsForm form_;
 };
 
 }  // namespace qv

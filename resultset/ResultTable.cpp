@@ -27,8 +27,10 @@ Cells CellsFor(std::uint8_t type) {
     case kTypeDate:
     case kTypeTimeStamp:
       return DateCells();
+    case kTypeLongVarBinary:
+      return TextCells(TextCells::PlatformsForm::kAsItIs);
     default:
-      return TextCells();
+      return TextCells(TextCells::PlatformsForm::kTrimmed);
   }
 }
 
@@ -47,7 +49,7 @@ CString Column::Text(std::size_t row) const {
   }
   if (const auto* const doubles = std::get_if<DoubleCells>(&cells))
     return CellText((*doubles)[row]);
-  return CString(std::get<TextCells>(cells)[row]);
+  return CString(std::get<TextCells>(cells).InPlatformsForm(row));
 }
 
 CString Column::ExactText(std::size_t row) const {

@@ -317,7 +317,7 @@ void CRvoDbRes::ReplaceStrByFieldName(const CString& field, const CMapStringToSt
   ReplacedTexts replaced(*column);
   CString working;  // kept from row to row: a missing value repeats the last one that was found
   for (std::size_t row = 0; row < cells->size(); ++row) {
-    texts->Lookup(ToCString((*cells)[row]), working);
+    texts->Lookup(ToCString(cells->InPlatformsForm(row)), working);
     replaced.Add(working.View());
   }
   replaced.MoveToColumn();

@@ -72,9 +72,10 @@ class QVNETCALL_API CRvoDbRes {
   int MoveNext();
 
   // Return a cell of the cursor's row as text: integers as "%d", doubles as "%f", dates as
-  // "%Y-%m-%d %H:%M:%S" but empty for a zero date, text as it is. Return an empty text for an
-  // unknown column. Here, and only here, white space around a name is ignored. Throw
-  // CInvalidArgException if the column exists but the table has no rows.
+  // "%Y-%m-%d %H:%M:%S" but empty for a zero date, text without the white space that the server
+  // sent at its ends. Return an empty text for an unknown column. Here, and only here, white space
+  // around a name is ignored. Throw CInvalidArgException if the column exists but the table has no
+  // rows.
   CString operator[](int column) const;
   CString operator[](const char* field) const;
 
@@ -112,11 +113,11 @@ class QVNETCALL_API CRvoDbRes {
   std::int64_t _int64(int row, int column) const;
   std::int64_t _int64(int row, const CString& field) const;
   // Return a cell as text without loss: integers with all digits; doubles as the shortest text that
-  // reads back as the same double; text without the white space at its ends. Dates become
-  // "YYYY-MM-DD HH:MM:SS", with ".mmm" if the server sent a fraction of a second that is not 0, or
-  // only "YYYY-MM-DD" if it sent no more; further digits and the time zone are left out, and so is
-  // a text that is no date. Return an empty text for a null cell, outside the table and for an
-  // unknown name.
+  // reads back as the same double; text as the server sent it, with the white space at its ends.
+  // Dates become "YYYY-MM-DD HH:MM:SS", with ".mmm" if the server sent a fraction of a second that
+  // is not 0, or only "YYYY-MM-DD" if it sent no more; further digits and the time zone are left
+  // out, and so is a text that is no date. Return an empty text for a null cell, outside the table
+  // and for an unknown name.
   CString _text(int row, int column) const;
   CString _text(int row, const CString& field) const;
 

@@ -64,7 +64,7 @@ TEST(RvoDbRes, GivesTextFormsAndValuesByType) {
   EXPECT_EQ(Texts(result, "N"), (Strings{"-7", "2147483647", "0"}));
   EXPECT_EQ(Texts(result, "D"), (Strings{"2.500000", "2.100000", "-2.500000"}));
   EXPECT_EQ(Texts(result, "T"), (Strings{"2024-02-29 23:59:59", "1899-12-29 06:00:01", ""}));
-  EXPECT_EQ(Texts(result, "S"), (Strings{" 12.5x ", "", "text"}));
+  EXPECT_EQ(Texts(result, "S"), (Strings{"12.5x", "", "text"}));
 
   EXPECT_EQ(result._int(0, "n"), -7);
   EXPECT_EQ(result._int(1, "d"), 3);  // upward
@@ -168,14 +168,14 @@ TEST(RvoDbRes, AddsASumRow) {
 
 TEST(RvoDbRes, ReplacesTextsAndCarriesThemOver) {
   CMapStringToString texts;
-  texts.SetAt("A", "Alpha");
-  Filled result{{"x", 200, {"A", "B", "A"}}, {"y", 200, {"B", "A", ""}}};
+  texts.SetAt("A", "Alpha ");
+  Filled result{{"x", 200, {" A", "B", "A"}}, {"y", 200, {"B", "A", ""}}};
   result.ReplaceStrByFieldName("X", &texts);
   result.ReplaceStrByFieldName("Y", &texts);
   result.ReplaceStrByFieldName("none", &texts);
-  EXPECT_EQ(Texts(result, "x"), (Strings{"Alpha", "Alpha", "Alpha"}));
-  EXPECT_EQ(Texts(result, "y"), (Strings{"", "Alpha", "Alpha"}));
-  EXPECT_EQ(result.GetFiledLength(0), 5);
+  EXPECT_EQ(Texts(result, "x"), (Strings{"Alpha ", "Alpha ", "Alpha "}));
+  EXPECT_EQ(Texts(result, "y"), (Strings{"", "Alpha ", "Alpha "}));
+  EXPECT_EQ(result.GetFiledLength(0), 6);
 }
 
 TEST(RvoDbRes, ReplacesIntegersWithoutCarryingOver) {
@@ -230,6 +230,7 @@ TEST(RvoDbRes, GivesWhatTheServerSaidBesideThePlatformsForm) {
       {7, "abcd-ef-gh ij:kl:mn", "", 0, ""},
       {7, "2024- 1- 2 03:04:05", "2024-01-02 03:04:05", 0, "2024-01-02 03:04:05"},
       {200, "99999999999 files", "99999999999 files", 99999999999, "99999999999 files"},
+      {129, " \t 12 x\r\n", " \t 12 x\r\n", 12, "12 x"},
       {131, "12345678901234.5678", "12345678901234.5678", 12345678901234, "12345678901234.5678"},
   };
   for (const auto& c : cases) {

@@ -58,7 +58,8 @@ std::string Value(const CRvoDbRes& rows, int row, int column, int type) {
   if (rows.IsNull(row, column)) return "null";
   if (type == field_type::kBoolean) return rows._int64(row, column) != 0 ? "true" : "false";
   const CString text = rows._text(row, column);
-  if (IsNumber(type) && IsJsonNumber(text.View())) return std::string(text.View());
+  const std::string_view number = text::Trimmed(text.View());
+  if (IsNumber(type) && IsJsonNumber(number)) return std::string(number);
   return Quoted(text.View());
 }
 
