@@ -211,15 +211,42 @@ TEST(OldServer, IsNotToSendFramesThatItDoesNotKnow) {
   NetworkTransFini();
 }
 
-TEST(Hello, IsAnsweredWithinTheConnectDeadlineOrNotAtAll) {
-  SetSocketParameter("connect_timeout_ms", "100");
-  ScriptedServer deaf([](ServerSide& side) { side.WaitForEnd(); });
-  TransportCall call;
-  EXPECT_EQ(NetworkTransMsg("127.0.0.1", deaf.Port(), call.request, call.reply), -1);
-  EXPECT_EQ(NetworkTransLastError(nullptr, 0), error::kCannotConnect);
-  SetSocketParameter("connect_timeout_ms", "5000");
+TEST(Hello, WithoutAProperAnswerFailsThisConnectionAndIsSaidAgain) {
+  const struct {
+    const char* why;
+    void (*answer)(ServerSide& side);
+  } cases[] = {
+      {"no answer", [](ServerSide& side) { side.WaitForEnd(); }},
+      {"the connection was reset",
+       [](ServerSide& side) {
+         side.Socket().set_option(boost::asio::socket_base::linger(true, 0));
+       }},
+      {"the server closed it", [](ServerSide& side) { side.Write({BytesOfText("QvN4")}); }},
+      {"the answer to the hello is malformed",
+       [](ServerSide& side) {
+         side.Write({BytesOfText("HTTP/1.1 400 Bad Request\r\nConnection: close\r\n\r\n")});
+       }},
+  };
+  for (const auto& one : cases) {
+    SCOPED_TRACE(one.why);
+    std::atomic<int> hellos{0};
+    ScriptedServer server([&](ServerSide& side) {
+      if (ReceiveWhole(side, FrameKind::kHello).status != FrameStatus::kDone) return;
+      if (++hellos == 1) return one.answer(side);
+      if (SendHello(side)) ScriptedServer::Echo(side);
+    });
+    SetSocketParameter("connect_timeout_ms", one.why == cases[0].why ? "100" : "5000");
+    TransportCall call;
+    EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), call.request, call.reply), -1);
+    char text[200];
+    EXPECT_EQ(NetworkTransLastError(text, sizeof text), error::kCannotConnect);
+    EXPECT_THAT(text, testing::EndsWith(one.why));
+    SetSocketParameter("connect_timeout_ms", "5000");
+    EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), call.request, call.reply), 0);
+    EXPECT_EQ(hellos, 2);
+    NetworkTransFini();
+  }
   NetworkBadState(0);
-  NetworkTransFini();
 }
 
 }  // namespace

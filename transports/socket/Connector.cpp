@@ -79,10 +79,18 @@ Connector::Greeting Connector::SayHello(SocketConnection& connection, CallError&
     if (!is_busy) connection.SetTakesVersion2();
     return is_busy ? Greeting::kBusy : Greeting::kDone;
   }
-  const Trouble trouble = connection.LastTrouble();
-  if (trouble != Trouble::kTooLate && trouble != Trouble::kCancelled) return Greeting::kOld;
-  error = trouble == Trouble::kCancelled ? Cancelled() : Failed("no answer");
+  if (connection.IsClosedWithoutAnswer()) return Greeting::kOld;
+  error = HelloFailed(connection, status);
   return Greeting::kFailed;
+}
+
+CallError Connector::HelloFailed(const SocketConnection& connection, FrameStatus status) const {
+  using Trouble = SocketConnection::Trouble;
+  if (connection.LastTrouble() == Trouble::kCancelled) return Cancelled();
+  if (connection.LastTrouble() == Trouble::kTooLate) return Failed("no answer");
+  // An older server would have closed the connection: this one, or the network, is not in order.
+  return Failed(status == FrameStatus::kConnectionLost ? connection.WhyLost()
+                                                       : "the answer to the hello is malformed");
 }
 
 CallError Connector::Failed(const std::string& why) const {

@@ -10,8 +10,8 @@
 
 namespace qv::wire {
 
-// The servers that closed the connection on a hello, so that they are spoken to in version 1. Each
-// is forgotten after a while, because servers are replaced. Thread-safe.
+// The servers that answered a hello by closing the connection in order, so that they are spoken to
+// in version 1. Each is forgotten after a while, because servers are replaced. Thread-safe.
 class OldServers {
  public:
   [[nodiscard]] bool Has(const Peer& peer) const;
@@ -57,6 +57,8 @@ class Connector {
   // Connects and says hello, unless the server is known to be old.
   [[nodiscard]] Greeting TryOnce(std::unique_ptr<SocketConnection>& connection, CallError& error);
   [[nodiscard]] Greeting SayHello(SocketConnection& connection, CallError& error) const;
+  // The error of a hello whose answer was received with this status.
+  [[nodiscard]] CallError HelloFailed(const SocketConnection& connection, FrameStatus status) const;
   [[nodiscard]] CallError Failed(const std::string& why) const;
 
   OldServers& old_servers_;

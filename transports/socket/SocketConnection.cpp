@@ -139,6 +139,7 @@ void SocketConnection::Begin(std::chrono::milliseconds io_timeout, const CancelQ
   deadline_ = Clock::time_point::max();
   cancel_ = cancel;
   has_written_ = false;
+  has_read_ = false;
 }
 
 void SocketConnection::BeginHandshake(const Patience& patience) {
@@ -158,6 +159,7 @@ bool SocketConnection::Read(WritableBytes bytes) {
     if (IsCancelled()) return false;
     error_code error;
     const std::size_t count = socket_.read_some(asio::buffer(bytes.data(), bytes.size()), error);
+    has_read_ = has_read_ || count != 0;
     bytes = bytes.subspan(count);
     if (error && !WaitFor(Socket::wait_read, error)) return false;
   }
@@ -220,6 +222,12 @@ bool SocketConnection::Fail(const error_code& error) {
   return false;
 }
 
+bool SocketConnection::IsClosedWithoutAnswer() const {
+  return trouble_ == Trouble::kLost && error_ == asio::error::eof && !has_read_;
+}
+
+std::string SocketConnection::WhyLost() const { return TextOf(error_); }
+
 CallError SocketConnection::Error() const {
   switch (trouble_) {
     case Trouble::kTooLate:
@@ -230,7 +238,7 @@ CallError SocketConnection::Error() const {
     case Trouble::kNone:
       break;
   }
-  return ConnectionLost(NameOf(peer_.server, peer_.port), TextOf(error_));
+  return ConnectionLost(NameOf(peer_.server, peer_.port), WhyLost());
 }
 
 }  // namespace qv::wire

@@ -45,6 +45,8 @@ class SocketConnection final : public ByteStream {
   void BeginHandshake(const Patience& patience);
   // Returns true if a byte of this exchange was passed to the system and may reach the server.
   [[nodiscard]] bool HasWritten() const { return has_written_; }
+  // Returns true if the server closed the connection in order, without a byte in this exchange.
+  [[nodiscard]] bool IsClosedWithoutAnswer() const;
   // Returns true if the connection is still usable: the server has not closed it, and nothing
   // unread has arrived.
   [[nodiscard]] bool IsQuiet();
@@ -61,6 +63,8 @@ class SocketConnection final : public ByteStream {
   enum class Trouble { kNone, kTooLate, kCancelled, kLost };
   [[nodiscard]] Trouble LastTrouble() const { return trouble_; }
   [[nodiscard]] CallError Error() const;
+  // The system's words for what ended the connection.
+  [[nodiscard]] std::string WhyLost() const;
 
  private:
   using Socket = boost::asio::ip::tcp::socket;
@@ -88,6 +92,7 @@ class SocketConnection final : public ByteStream {
   CancelQuestion cancel_;
   bool takes_version_2_ = false;
   bool has_written_ = false;
+  bool has_read_ = false;
   Trouble trouble_ = Trouble::kNone;
   boost::system::error_code error_;
 };
