@@ -82,7 +82,8 @@ class CallConnection {
     if (is_open_) CRvoServer::OpenLocalDB(database, CRvoServer::GetDBConnString(database));
   }
   ~CallConnection() {
-    if (is_open_) CRvoServer::CloseLocalDB(database_);
+    // Not CloseLocalDB, which would replace the error of the call.
+    if (is_open_) ModuleState::Get().local_database->Close(database_);
   }
   CallConnection(const CallConnection&) = delete;
   CallConnection& operator=(const CallConnection&) = delete;
@@ -107,6 +108,7 @@ void KeepLocalError(const CString& sql, const LocalDatabase& local) {
 template <class Act>
 int RunLocally(const CString& sql, const char* database, Act act) {
   if (call::IsCancelled()) {
+    NoteLocalFailure(database, "cancelled");
     call::SetCancelled();
     return result::kFailed;
   }

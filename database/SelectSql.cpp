@@ -1,5 +1,6 @@
 // The calls of CRvoDatabase that fill a result set: from the server, or from a file.
 #include "RunQuery.h"
+#include "base/call/LastError.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "resultset/RecordsetReaders.h"
 #include "server/ModuleState.h"
@@ -56,10 +57,12 @@ long long CRvoDatabase::GetStoredAnswerTime(const CString* sql, const char* data
 
 int CRvoDatabase::ReadFromXmlFile(const char* path, CRvoDbRes* res,
                                   const tagTEMPFILEINFO& temp_files) {
+  qv::call::ClearError();
   return qv::ReadRowsetFile(path, *res, temp_files) ? 1 : 0;
 }
 
 int CRvoDatabase::ReadFromXmlFile2(const char* path, CRvoDbRes* res,
                                    const tagTEMPFILEINFO& temp_files) {
+  qv::call::ClearError();
   return qv::ReadSchemaFile(path, *res, temp_files) ? 1 : 0;
 }

@@ -1,6 +1,7 @@
 // The calls of CRvoDatabase that return no rows: one statement, and a batch.
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "RunQuery.h"
 #include "base/call/LastError.h"
@@ -42,7 +43,9 @@ int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
 // empty or not, offline or not: hosts rely on its reaching the server.
 int CRvoDatabase::ExecuteMultiSQL(const CStringArray* sqls, const char* database) {
   if (ModuleState::Get().use_local_database != 0) {
-    qv::call::SetError(qv::error::kLocal, "local mode does not support batches");
+    constexpr std::string_view kWhy = "local mode does not support batches";
+    qv::NoteLocalFailure(database, kWhy);
+    qv::call::SetError(qv::error::kLocal, kWhy);
     return result::kNoLocalBatch;
   }
   qv::Exchange exchange(kCommandBatch, qv::kDatabaseBlock, qv::kDatabaseBlock);

@@ -1,5 +1,7 @@
 #include "qvnetcall/RvoAd.h"
 
+#include "base/call/LastError.h"
+#include "qvnetcall/ResultCodes.h"
 #include "server/CatalogueCall.h"
 
 using qv::CatalogueCall;
@@ -27,23 +29,24 @@ CString Decimal(int number) {
   return text;
 }
 
-// Returns the answer if it is above zero, else 0.
-std::int32_t Ask(CatalogueCall& call) {
+// Returns the answer if it is above zero, else 0. One below `least` is a refusal.
+std::int32_t Ask(CatalogueCall& call, std::int32_t least) {
   const std::int32_t answer = call.Ask().value_or(0);
-  if (answer == kRefusedWithText) (void)call.Text();  // part of the answer, but no caller needs it
-  return answer > 0 ? answer : 0;
+  const CString why = answer == kRefusedWithText ? call.Text() : CString();
+  if (answer < least) return qv::Refused(0, why.View());
+  return answer;
 }
 
 template <class... Fields>
 int Change(const CatalogueCommand& command, const Fields&... fields) {
   CatalogueCall call(command, fields...);
-  return Ask(call);
+  return Ask(call, 1);
 }
 
 template <class... Fields>
 CZelkorSvrADObjInfo* Read(int& count, const CatalogueCommand& command, const Fields&... fields) {
   CatalogueCall call(command, fields...);
-  const std::int32_t found = Ask(call);
+  const std::int32_t found = Ask(call, 0);
   if (found == 0) return nullptr;
   count = found;
   return call.ReadRecords<CZelkorSvrADObjInfo>(found);
@@ -76,6 +79,9 @@ int CRvoAd::AddADGroupUsers(CString group, CString users, int value) {
 }
 
 int CRvoAd::AddADUser(CString first, CString second, int mode) {
-  if (mode < 0 || mode > kLastUserMode) return 0;
+  if (mode < 0 || mode > kLastUserMode) {
+    qv::call::SetError(qv::error::kLocal, "there is no such mode of a new user");
+    return 0;
+  }
   return Change(kNewUser, first, second, Decimal(mode));
 }

@@ -48,7 +48,7 @@ int CRvoFile::DeleteServerFile(const char* server_file) {
 int CRvoFile::GetFileInfor(CString server_file, CZelkorSvrFileInfo* info) {
   if (qv::NetworkIsHeldForBad()) return 1;
   CatalogueCall call(kFileInfo, server_file);
-  if (call.Ask().value_or(0) <= 0) return 0;
+  if (call.AskPositive() == 0) return 0;
   call.Read(info, sizeof *info);
   return 1;
 }
@@ -56,10 +56,10 @@ int CRvoFile::GetFileInfor(CString server_file, CZelkorSvrFileInfo* info) {
 // Servers answer 1 for a copy, but any number above 0 for a rename.
 int CRvoFile::CopyOneFile(CString source_file, CString target_file) {
   if (qv::NetworkIsHeldForBad()) return 1;
-  return CatalogueCall(kCopy, source_file, target_file).Ask() == 1 ? 1 : 0;
+  return CatalogueCall(kCopy, source_file, target_file).AskFlag() ? 1 : 0;
 }
 
 int CRvoFile::RenOneFile(CString old_file, CString new_file) {
   if (qv::NetworkIsHeldForBad()) return 1;
-  return CatalogueCall(kRename, old_file, new_file).Ask().value_or(0) > 0 ? 1 : 0;
+  return CatalogueCall(kRename, old_file, new_file).AskPositive() > 0 ? 1 : 0;
 }

@@ -6,8 +6,10 @@
 #include <new>
 
 #include "TransferCall.h"
+#include "base/call/LastError.h"
 #include "base/text/Numbers.h"
 #include "qvnetcall/QvRvoBuf.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoFolderEx.h"
 #include "server/CatalogueCall.h"
 
@@ -31,7 +33,7 @@ CString FlagText(int flag) { return flag != 0 ? "1" : "0"; }
 template <class... Texts>
 int Change(const CatalogueCommand& command, const Texts&... texts) {
   if (qv::NetworkIsHeldForBad()) return 1;
-  return CatalogueCall(command, texts...).Ask().value_or(0) > 0 ? 1 : 0;
+  return CatalogueCall(command, texts...).AskPositive() > 0 ? 1 : 0;
 }
 
 // Request: texts folder, pattern, flag, numbers option, from, to. Reply after the number: text with
@@ -88,12 +90,17 @@ int CRvoFolderEx::GetMatchFilesInFolderEx(CString folder, CString pattern, int& 
                                           int option, int from, int to, CQvRvoBuf* buffer) {
   if (qv::NetworkIsHeldForBad()) return 0;
   count = 0;
-  if (!IsRange(option, from, to)) return 0;
+  if (!IsRange(option, from, to)) {
+    qv::call::SetError(qv::error::kLocal, "this is not a range of a listing");
+    return 0;
+  }
   qv::CatalogueCall call(kPage, folder, pattern, FlagText(flag), option, from, to);
-  const std::int32_t found = call.Ask().value_or(0);
-  if (found <= 0) return 0;
+  const std::int32_t found = call.AskCount();
+  if (found == 0) return 0;
   count = found;
-  return ReadPage(call, *buffer) ? 1 : 0;
+  if (ReadPage(call, *buffer)) return 1;
+  qv::call::SetErrorIfNone(qv::error::kBadReply, "the reply lacks fields that belong to it");
+  return 0;
 }
 
 int CRvoFolderEx::GetFilesInFolderEx(CString folder, int& count, int flag, int option, int from,

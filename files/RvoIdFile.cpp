@@ -60,7 +60,7 @@ int CRvoIdFile::CopyIdFile(int source_id, const char* source_name, int target_id
   if (exchange.Reply().GetString(&err) == qv::kStatusSuccess) return qv::result::kSuccess;
   std::int32_t code = 0;
   exchange.Reply().GetData(&code, sizeof code, &err);
-  return code != 0 ? code : qv::result::kCopyFailed;
+  return qv::Refused(code != 0 ? code : qv::result::kCopyFailed);
 }
 
 int CRvoIdFile::IsIdFileExist(const char* file_name, int file_id) {

@@ -35,10 +35,10 @@ int Run(CatalogueCall& call, CString& error_text, ReadRest read_rest) {
   }
   if (*answer >= 1) {
     read_rest();
-  } else {
-    call.Read(error_text);
+    return *answer;
   }
-  return *answer;
+  call.Read(error_text);
+  return qv::Refused(*answer);
 }
 
 int AskChecksum(CatalogueCall& call, CString& crc, int& value, CString& error_text) {

@@ -13,12 +13,6 @@ constexpr const char kStatusFailure[] = "FAILURE";
 // The transport reads a request's file from, or writes a reply's file to, the given path.
 constexpr unsigned char kHasFile = 1;
 
-// Returns the result of a call that the server refused.
-int Refused(int result) {
-  call::SetErrorIfNone(error::kInternal, "the server refused the call without a reason");
-  return result;
-}
-
 }  // namespace
 
 bool NetworkIsHeldForBad() {

@@ -19,6 +19,7 @@ constexpr int kFailed = 1;
 struct Failure {
   std::string database;
   std::string text;  // empty if there is none
+  bool is_of_opening = false;
 };
 
 // The error of this thread.
@@ -26,10 +27,15 @@ Failure& LastFailure() { return platform::OfThisThread<Failure>(); }
 
 std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
-void NoteUnknown(std::string_view database) {
-  Failure& last = LastFailure();
-  if (!last.text.empty() && last.database == database) return;
-  last = {std::string(database), "no connection is open"};
+int Fail(const char* database, std::string_view text) {
+  NoteLocalFailure(database, text);
+  return kFailed;
+}
+
+void NoteUnknown(const char* database) {
+  const Failure& last = LastFailure();
+  if (last.is_of_opening && last.database == OrEmpty(database)) return;
+  NoteLocalFailure(database, "no connection is open");
 }
 
 // Moves to the first result that has columns, if there is one.
@@ -50,12 +56,16 @@ bool Finish(odbc::Statement& statement, odbc::Diagnostics& diagnostics) {
 
 }  // namespace
 
+void NoteLocalFailure(const char* database, std::string_view text) {
+  LastFailure() = {std::string(OrEmpty(database)), std::string(text)};
+}
+
 int OdbcLocalDatabase::Open(const char* database, const char* connection) {
   odbc::Diagnostics diagnostics;
   auto entry = std::make_shared<Entry>();
   entry->connection = odbc::Connection::Open(OrEmpty(connection), {}, diagnostics);
   if (entry->connection == nullptr) {
-    LastFailure() = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
+    LastFailure() = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics), true};
     return 0;
   }
   LastFailure() = {};
@@ -106,24 +116,21 @@ std::shared_ptr<OdbcLocalDatabase::Entry> OdbcLocalDatabase::Find(std::string_vi
 }
 
 int OdbcLocalDatabase::Run(const CString& sql, const char* database, const Work& work) {
-  if (sql.IsEmpty()) return kFailed;
+  if (sql.IsEmpty()) return Fail(database, "the statement is empty");
   const std::shared_ptr<Entry> entry = Find(OrEmpty(database));
   if (entry == nullptr) {
-    NoteUnknown(OrEmpty(database));
+    NoteUnknown(database);
     return kFailed;
   }
   odbc::Diagnostics diagnostics;
   const auto lock = CancelWatch::Lock(entry->mutex);
-  if (!lock) {
-    LastFailure() = {std::string(OrEmpty(database)), "cancelled"};
-    return kFailed;
-  }
+  if (!lock) return Fail(database, "cancelled");
   odbc::Statement statement(*entry->connection);
   const CancelWatch watch(statement);
   const bool done = statement.Execute(sql.View(), diagnostics) && work(statement, diagnostics);
+  if (!done) return Fail(database, odbc::TextOf(diagnostics));
   LastFailure() = {};
-  if (!done) LastFailure() = {std::string(OrEmpty(database)), odbc::TextOf(diagnostics)};
-  return done ? kDone : kFailed;
+  return kDone;
 }
 
 }  // namespace qv

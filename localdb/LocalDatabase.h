@@ -37,6 +37,10 @@ class LocalDatabase {
   [[nodiscard]] virtual std::string LastError() const { return {}; }
 };
 
+// Sets what OdbcLocalDatabase::LastError says on this thread, for a call that did not reach its
+// database; an empty `text` stands for success.
+void NoteLocalFailure(const char* database, std::string_view text);
+
 // Names are compared byte by byte. Any number of threads may call; only those that use the same
 // database wait for each other. A connection that is closed or replaced while another thread uses
 // it is closed when that thread is done. Nothing throws, except std::bad_alloc.

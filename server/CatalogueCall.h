@@ -38,10 +38,24 @@ class CatalogueCall {
   }
 
   // Sends the request and returns the number, or 0 if the text is not a number. Returns nothing if
-  // the request was not delivered; every other result of the transport counts as delivered.
+  // the request was not delivered; every other result of the transport counts as delivered. It is
+  // the caller's to call Refused() for a number that means that; the next three do so.
   [[nodiscard]] std::optional<std::int32_t> Ask() {
     if (exchange_.Send() == result::kNotDelivered) return {};
     return text::DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
+  }
+  // Returns true if the number is 1; every other is a refusal.
+  [[nodiscard]] bool AskFlag() { return Ask() == 1 || Refused(0) != 0; }
+  // Returns the number if it is above zero, else 0, which is a refusal.
+  [[nodiscard]] std::int32_t AskPositive() {
+    const std::int32_t number = Ask().value_or(0);
+    return number > 0 ? number : Refused(0);
+  }
+  // Returns the number if it is above zero, else 0. Only a number below zero is a refusal: there
+  // may be nothing to count.
+  [[nodiscard]] std::int32_t AskCount() {
+    const std::int32_t number = Ask().value_or(0);
+    return number >= 0 ? number : Refused(0);
   }
 
   // Returns the reply's next field as a text; empty if it cannot be read.
@@ -55,8 +69,8 @@ class CatalogueCall {
   // records. Otherwise returns null and leaves `count` unchanged.
   template <class Record>
   [[nodiscard]] Record* AskRecords(int& count) {
-    const std::int32_t found = Ask().value_or(0);
-    if (found <= 0) return nullptr;
+    const std::int32_t found = AskCount();
+    if (found == 0) return nullptr;
     count = found;
     return ReadRecords<Record>(found);
   }

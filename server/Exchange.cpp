@@ -10,6 +10,12 @@
 
 namespace qv {
 
+int Refused(int result, std::string_view why) {
+  call::SetErrorIfNone(error::kInternal,
+                       why.empty() ? "the server refused the call without a reason" : why);
+  return result;
+}
+
 Exchange::Exchange(std::uint32_t command, std::uint32_t request_bytes, std::uint32_t reply_bytes)
     : request_block_(request_bytes),
       reply_block_(reply_bytes),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "message/MsgContent.h"
 
@@ -14,6 +15,10 @@ constexpr const char kStatusSuccessCompress[] = "SUCCESS_COMPRESS";
 // The transport answers these commands itself.
 constexpr std::uint32_t kGetTransportParameter = 0xFFFFFFFF;  // name; reply: "1" when known, value
 constexpr std::uint32_t kSetTransportParameter = 0xFFFFFFFE;  // name, value; reply: "1" when set
+
+// Returns `result`, and keeps as the error of this thread that the server refused the call, unless
+// the server or the transport gave a reason in its own way. `why` is what the reply says, or empty.
+int Refused(int result, std::string_view why = {});
 
 // Owns both messages and their blocks. Build the request, send it, read the reply; once each.
 class Exchange {

@@ -103,7 +103,7 @@ int CRvoServer::CheckServerLink(CString server, unsigned long port) {
   const int result = exchange.SendTo(server, ToPort(port));
   SetNetClientPara(kShowMessages, show_messages);
   if (result == qv::result::kNotDelivered) return 0;
-  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : 0;
+  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : qv::Refused(0);
 }
 
 // The two calls for parameters accept only 0 as delivered, while other calls accept everything but
@@ -143,7 +143,12 @@ int CRvoServer::OpenLocalDB(CString database, CString connection) {
 }
 
 int CRvoServer::CloseLocalDB(CString database) {
-  return ModuleState::Get().local_database->Close(database);
+  qv::call::ClearError();
+  qv::LocalDatabase& local = *ModuleState::Get().local_database;
+  const int is_closed = local.Close(database);
+  qv::NoteLocalFailure(database, is_closed != 0 ? "" : "no connection is open");
+  if (is_closed == 0) qv::call::SetError(qv::error::kLocal, local.LastError());
+  return is_closed;
 }
 
 int CRvoServer::GetLastErrorClass() { return qv::call::LastError().error_class; }
@@ -168,6 +173,7 @@ int CRvoServer::CareOpenDBConn(int on) {
 }
 
 int CRvoServer::SetCacheState(int state) {
+  const qv::call::KeptError kept;
   if (qv::IsWebServer()) return 0;
   if (state < kOnline || state > kNetworkBad) return 0;
   ModuleState::Get().cache.SetState(state);
@@ -177,6 +183,7 @@ int CRvoServer::SetCacheState(int state) {
 }
 
 int CRvoServer::GetCacheState(int n) {
+  const qv::call::KeptError kept;
   if (qv::IsWebServer()) return 0;
   qv::QueryCache& cache = ModuleState::Get().cache;
   if (cache.State() == kOfflineByChoice) return kOfflineByChoice;

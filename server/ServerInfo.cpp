@@ -1,13 +1,13 @@
 // The calls of CRvoServer that query the server about itself and about the client program, and that
 // write to its log.
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "CatalogueCall.h"
 #include "ModuleState.h"
 #include "ServerType.h"
+#include "base/call/LastError.h"
 #include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoServer.h"
@@ -53,11 +53,11 @@ int Number(const CString& text) { return qv::text::DecimalToInt32(text.View()); 
 
 int CRvoServer::GetQvNetExeInfo(CQvNetExeInfo* info) {
   CatalogueCall call(kExeInfo);
-  const std::optional<std::int32_t> flag = call.Ask();
+  const bool has_answer = call.AskFlag();
   const qv::ModuleState& state = qv::ModuleState::Get();
   info->m_server = CString(std::string_view(state.server_name));
   info->m_port = qv::text::SaturatedTo32Bits(state.server_port);
-  if (flag != 1) return 0;
+  if (!has_answer) return 0;
   info->m_text1 = call.Text();
   info->m_number2 = Number(call.Text());
   info->m_text3 = call.Text();
@@ -74,15 +74,20 @@ CZelkorSvrSubStoreInfo* CRvoServer::GetSubStoreInfo(int& count, CString name) {
 }
 
 int CRvoServer::SendSvrLogInfo(int kind, CString text) {
-  if (qv::IsWebServer()) return 0;
+  qv::call::ClearError();
+  if (qv::IsWebServer()) {
+    // Unless the server could only not be reached by the probe.
+    qv::call::SetErrorIfNone(qv::error::kLocal, "the log of a web server cannot be written to");
+    return 0;
+  }
   qv::Exchange exchange(kAppendLog, qv::kCatalogueRequest, qv::kCatalogueReply);
   exchange.AddNumber(kind);
   exchange.Request().AddString(std::string(CutLog(text.View())).c_str(), nullptr);
   if (exchange.Send() == qv::result::kNotDelivered) return 0;
-  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : 0;
+  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : qv::Refused(0);
 }
 
 CString CRvoServer::GetDBConnString(CString database) {
   CatalogueCall call(kConnectionText, database);
-  return call.Ask() == 1 ? call.Text() : CString();
+  return call.AskFlag() ? call.Text() : CString();
 }

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "Component.h"
+#include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoServer.h"
 #include "qvnetcall/framework/String.h"
@@ -36,6 +37,8 @@ const char* LabelOf(const char* const (&labels)[kKinds], int kind) {
 }
 
 inline void LogFailure(const CString& text) {
+  // These queues have results of their own.
+  const call::KeptError kept;
   constexpr int kTransfers = 3;
   CRvoServer::SendSvrLogInfo(kTransfers, text);
 }

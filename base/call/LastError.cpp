@@ -1,6 +1,7 @@
 #include "LastError.h"
 
 #include <exception>
+#include <utility>
 
 #include "base/platform/PlainText.h"
 #include "base/platform/ThreadSlot.h"
@@ -37,5 +38,8 @@ void SetErrorIfNone(error::Class error_class, std::string_view text) noexcept {
 void SetCancelled() noexcept { SetError(error::kCancelled, "cancelled"); }
 
 void ClearError() noexcept { SetError(error::kNone, {}); }
+
+// The thread's error exists since the constructor, so this cannot fail.
+KeptError::~KeptError() { std::swap(ErrorOfThisThread(), error_); }
 
 }  // namespace qv::call

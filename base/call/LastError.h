@@ -1,4 +1,8 @@
 // Why the last call of this thread failed. CRvoServer::GetLastErrorText gives it to hosts.
+//
+// Every call that can fail clears the error when it begins and sets it when it fails. An Exchange
+// does both with what the transport says; what is refused without one is noted where that is
+// decided. A call that only looks at the state of the library holds a KeptError.
 #pragma once
 
 #include <string>
@@ -26,5 +30,17 @@ void SetError(error::Class error_class, std::string_view text) noexcept;
 void SetErrorIfNone(error::Class error_class, std::string_view text) noexcept;
 void SetCancelled() noexcept;
 void ClearError() noexcept;
+
+// Puts the error of this thread back when it is destroyed, whatever was noted meanwhile.
+class KeptError {
+ public:
+  KeptError() : error_(LastError()) {}
+  ~KeptError();
+  KeptError(const KeptError&) = delete;
+  KeptError& operator=(const KeptError&) = delete;
+
+ private:
+  Error error_;
+};
 
 }  // namespace qv::call

@@ -2,8 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "qvnetcall/ResultCodes.h"
 
 namespace qv::odbc {
 
@@ -24,13 +28,10 @@ struct Diagnostic {
 using Diagnostics = std::vector<Diagnostic>;
 
 // Returns "[state] text" for each diagnostic, separated by blanks, for a log.
-[[nodiscard]] inline std::string TextOf(const Diagnostics& diagnostics) {
-  std::string text;
-  for (const Diagnostic& diagnostic : diagnostics) {
-    if (!text.empty()) text += ' ';
-    text += '[' + diagnostic.state + "] " + diagnostic.text;
-  }
-  return text;
-}
+[[nodiscard]] std::string TextOf(const Diagnostics& diagnostics);
+
+// Returns the class of the failures that have this state, or nothing if the state says too little.
+// States of the standard, of ODBC and of PostgreSQL are known. docs/errors.md lists them.
+[[nodiscard]] std::optional<error::Class> ClassOfState(std::string_view state);
 
 }  // namespace qv::odbc

@@ -104,9 +104,9 @@ class QVNETCALL_API CRvoServer {
   // each has its own text. Not part of the platform's interface: an extension of this library.
   static int GetLocalDBError(CString& text);
   // Returns the class of the reason (names in qv::error) for which this thread's last call failed,
-  // or was refused by the server; 0 (kNone) if it did neither. Calls on the server and on local
-  // databases set it, CRvoFtp's and CRvoCloudStorage's do not; each replaces it, and so does
-  // success. A call that is skipped while the network is bad has the class kOffline, whatever it
+  // or was refused by the server; 0 (kNone) if it did neither. Calls on the server, on local
+  // databases and on recordset files set it, CRvoFtp's and CRvoCloudStorage's do not; each replaces
+  // it, and so does success. A call that is skipped while the network is bad has the class kOffline, whatever it
   // returns. Reading it, and calls that only look at or set the state of this library, leave it as
   // it is. Not part of the platform's interface: an extension of this library.
   static int GetLastErrorClass();

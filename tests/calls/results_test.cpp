@@ -363,6 +363,42 @@ TEST_F(Results, WhileTheNetworkIsHeldForBad) {
   EXPECT_EQ(transport_.requests.size(), calls.size());
 }
 
+TEST_F(Results, OfFailuresHaveAnErrorOfTheirOwn) {
+  for (const auto& one : EveryCall()) {
+    Answer(Text("1"), -1);
+    one.call();
+    EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kCannotConnect);
+    Answer(Text("-1"));
+    one.call();
+    EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kInternal);
+    EXPECT_EQ(CRvoServer::GetLastErrorText(), "the server refused the call without a reason");
+  }
+  const std::function<int()> not_sent[] = {
+      [] { return CRvoAd::AddADUser("a", "b", 3); },
+      [this] { return CRvoFolderEx::GetFilesInFolderEx("f", count_, 0, 0, 2, 1, &buffer_); },
+      [] { return CRvoServer::CloseLocalDB("none"); },
+      [] {
+        CRvoServer::SetServerType("WEB_IIS", "main", 4000);
+        return CRvoServer::SendSvrLogInfo(1, "x");
+      }};
+  for (const auto& call : not_sent) {
+    Answer(Text("1"), -1);
+    EXPECT_EQ(CRvoAd::CreateADDepart(1), 0);
+    EXPECT_EQ(call(), 0);
+    EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  }
+  CString said;
+  EXPECT_EQ(CRvoServer::GetLocalDBError(said), 1);
+  EXPECT_EQ(said, "none: no connection is open");
+  // Looking at the state leaves the error as it is, even if that probes the server.
+  UseServerType("");
+  CRvoServer::SetServerType("", "main", 4000);
+  transport_.requests.clear();
+  EXPECT_EQ(CRvoServer::GetCacheState(0), 0);
+  EXPECT_EQ(transport_.requests.size(), 1u);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+}
+
 TEST_F(Results, OfIdentifierFolders) {
   const struct {
     int id;

@@ -128,12 +128,15 @@ TEST_F(LastError, IsTheDatabasesInDirectAccessAndAgreesWithTheOlderCall) {
     EXPECT_EQ(CRvoServer::GetLastErrorClass(), error_class) << sql << ": " << Error().second;
     CString older;
     EXPECT_EQ(CRvoServer::GetLocalDBError(older), 1);
-    EXPECT_TRUE(*sql == '\0' || Error().second == static_cast<const char*>(older));
+    EXPECT_THAT(static_cast<const char*>(older), testing::HasSubstr(Error().second));
   }
   EXPECT_EQ(Rows("select a from t"), "1|\n");
   EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kNone);
   EXPECT_EQ(ExecuteBatch({"x"}), -1);
   EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  CString older;
+  EXPECT_EQ(CRvoServer::GetLocalDBError(older), 1);
+  EXPECT_EQ(older, "DESIGNDB: local mode does not support batches");
   CRvoServer::CloseLocalDB("DESIGNDB");
 }
 

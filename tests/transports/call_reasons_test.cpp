@@ -235,7 +235,7 @@ TEST(Hello, WithoutAProperAnswerFailsThisConnectionAndIsSaidAgain) {
       if (++hellos == 1) return one.answer(side);
       if (SendHello(side)) ScriptedServer::Echo(side);
     });
-    SetSocketParameter("connect_timeout_ms", one.why == cases[0].why ? "100" : "5000");
+    SetSocketParameter("connect_timeout_ms", &one == cases ? "100" : "5000");
     TransportCall call;
     EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), call.request, call.reply), -1);
     char text[200];

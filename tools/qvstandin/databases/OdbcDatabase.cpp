@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <deque>
+#include <optional>
 
 #include "ClientSql.h"
 #include "Sqlite.h"
@@ -31,60 +31,32 @@ constexpr const char* kFindRoutine =
 
 constexpr const char* kPlainBackslashes = "SET LOCAL standard_conforming_strings = on";
 
-struct KnownState {
-  std::string_view state;  // the beginning of an SQLSTATE
-  ErrorCode code;
-  error::Class error_class;
-};
-
-// The first that fits counts.
-constexpr std::array kKnownStates{
-    KnownState{"25006", ErrorCode::kNotPermitted, error::kNotAllowed},  // a write while reading
-    KnownState{"42501", ErrorCode::kNotPermitted, error::kNotAllowed},  // insufficient privilege
-    KnownState{"40001", ErrorCode::kBusy, error::kBusy},                // a serialization failure
-    KnownState{"40P01", ErrorCode::kBusy, error::kBusy},                // a deadlock
-    KnownState{"55P03", ErrorCode::kBusy, error::kBusy},                // a lock is not available
-    KnownState{"533", ErrorCode::kBusy, error::kBusy},                  // too many connections
-    KnownState{"HYT", ErrorCode::kTimedOut, error::kTimeLimit},         // the driver's time limit
-    KnownState{"57014", ErrorCode::kTimedOut, error::kTimeLimit},       // the engine's time limit
-    KnownState{"57P", ErrorCode::kNoDatabase, error::kInternal},  // the engine stops or starts
-    KnownState{"08", ErrorCode::kNoDatabase, error::kInternal},   // no connection
-    KnownState{"28", ErrorCode::kNoDatabase, error::kInternal},   // the engine refuses the login
-    KnownState{"3D000", ErrorCode::kNoDatabase, error::kUnknownDatabase},
-    KnownState{odbc::kCellTooLong, ErrorCode::kSqlFailed, error::kTooLarge},
-    KnownState{odbc::kTextTooLong, ErrorCode::kSqlFailed, error::kTooLarge},
-    KnownState{"54", ErrorCode::kSqlFailed, error::kTooLarge},          // a limit of the engine
-    KnownState{"53", ErrorCode::kSqlFailed, error::kTooLarge},          // no memory, no disk
-    KnownState{"42P01", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such table
-    KnownState{"42703", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such column
-    KnownState{"42883", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such function
-    KnownState{"42704", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such other object
-    KnownState{"3F000", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such schema
-    KnownState{"42S02", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such table
-    KnownState{"42S12", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such index
-    KnownState{"42S22", ErrorCode::kSqlFailed, error::kUnknownObject},  // no such column
-    KnownState{"42S", ErrorCode::kSqlFailed, error::kConstraint},       // it exists already
-    KnownState{"42P07", ErrorCode::kSqlFailed, error::kConstraint},     // it exists already
-    KnownState{"42710", ErrorCode::kSqlFailed, error::kConstraint},     // it exists already
-    KnownState{"42701", ErrorCode::kSqlFailed, error::kConstraint},     // it exists already
-    KnownState{"42", ErrorCode::kSqlFailed, error::kSyntax},
-    KnownState{"07", ErrorCode::kSqlFailed, error::kSyntax},      // other arguments than wanted
-    KnownState{"22", ErrorCode::kSqlFailed, error::kConstraint},  // the type does not hold a value
-    KnownState{"23", ErrorCode::kSqlFailed, error::kConstraint},
-    KnownState{"2B", ErrorCode::kSqlFailed, error::kConstraint},  // other objects depend on it
-    KnownState{"44", ErrorCode::kSqlFailed, error::kConstraint},  // a view's check
-    KnownState{"P0", ErrorCode::kSqlFailed, error::kConstraint},  // a procedure raised it
-};
+// The code of a failure of this class.
+ErrorCode CodeOf(error::Class error_class) {
+  switch (error_class) {
+    case error::kNotAllowed:
+      return ErrorCode::kNotPermitted;
+    case error::kBusy:
+      return ErrorCode::kBusy;
+    case error::kTimeLimit:
+      return ErrorCode::kTimedOut;
+    case error::kUnknownDatabase:
+    case error::kCannotConnect:
+      return ErrorCode::kNoDatabase;
+    default:
+      return ErrorCode::kSqlFailed;
+  }
+}
 
 // Sets the code and the class of a failure by the first known state.
 void Classify(const odbc::Diagnostics& said, Outcome& outcome) {
   for (const odbc::Diagnostic& record : said) {
-    for (const KnownState& known : kKnownStates) {
-      if (!record.state.starts_with(known.state)) continue;
-      outcome.code = known.code;
-      outcome.error_class = known.error_class;
-      return;
-    }
+    const std::optional<error::Class> known = odbc::ClassOfState(record.state);
+    if (!known) continue;
+    outcome.code = CodeOf(*known);
+    // How the server reaches its engine is not the client's to know.
+    outcome.error_class = *known == error::kCannotConnect ? error::kInternal : *known;
+    return;
   }
 }
 
