@@ -117,14 +117,14 @@ int Transfer::OnSocket(void* self, curl_socket_t, curlsocktype purpose) noexcept
 }
 
 void Transfer::BeginToConnect() {
-  if (!is_connecting_) last_progress_ = Clock::now();
+  if (!is_connecting_) NoteMove();
   is_connecting_ = true;
 }
 
 int Transfer::OnReady(void* self, char*, char*, int, int) noexcept {
   auto& transfer = *static_cast<Transfer*>(self);
   transfer.is_connecting_ = false;
-  transfer.last_progress_ = Clock::now();
+  transfer.NoteMove();
   const bool is_first = ++transfer.attempts_ == 1;
   return is_first || transfer.sending_ == Sending::kAgain ? CURL_PREREQFUNC_OK
                                                           : CURL_PREREQFUNC_ABORT;
@@ -194,19 +194,24 @@ int Transfer::OnProgress(void* self, curl_off_t to_receive, curl_off_t received,
 }
 
 bool Transfer::IsInTime(std::uint64_t moved) {
-  const Clock::time_point now = Clock::now();
-  if (moved + line_bytes_ != moved_) {
-    moved_ = moved + line_bytes_;
-    last_progress_ = now;
-  }
+  if (line_bytes_ != seen_line_bytes_) last_progress_ = Clock::now();
+  if (moved != moved_) NoteMove();
+  seen_line_bytes_ = line_bytes_;
+  moved_ = moved;
   const auto patience = is_connecting_ ? deadlines_.connect : deadlines_.progress;
-  return now - last_progress_ < patience;
+  const Clock::time_point now = Clock::now();
+  return now - last_progress_ < patience && now - last_move_ < kLinesPatience * patience;
+}
+
+void Transfer::NoteMove() {
+  last_move_ = Clock::now();
+  last_progress_ = last_move_;
 }
 
 void Transfer::Resume() {
   if (set_up_ == CURLE_OUT_OF_MEMORY) throw std::bad_alloc();
   if (outcome_) return;
-  last_progress_ = Clock::now();
+  NoteMove();
   wait_ = kShortestWait;
   if (!IsSetUp()) {
     outcome_ = set_up_;

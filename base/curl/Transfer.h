@@ -80,9 +80,12 @@ class Handler {
 struct Deadlines {
   // For name lookup, connecting and the TLS handshake together.
   std::chrono::milliseconds connect;
-  // For each period in which nothing is moved.
+  // For each period in which nothing is moved. Lines outside a body count as well, but only for
+  // kLinesPatience such periods: a server could send them for ever.
   std::chrono::milliseconds progress;
 };
+
+inline constexpr int kLinesPatience = 4;
 
 // The constructor sets what all transfers have in common: deadlines, the verification of
 // certificates, and no settings from the environment. A name lookup that hangs is abandoned;
@@ -165,6 +168,8 @@ class Transfer {
   template <class Act>
   bool Try(const Act& act) noexcept;
   [[nodiscard]] bool IsInTime(std::uint64_t moved);
+  // Lets both periods begin.
+  void NoteMove();
 
   void Resume();
   void Perform();
@@ -187,8 +192,10 @@ class Transfer {
   std::array<char, CURL_ERROR_SIZE> error_text_{};
 
   std::size_t line_bytes_ = 0;
+  std::size_t seen_line_bytes_ = 0;
   std::uint64_t moved_ = 0;
-  Clock::time_point last_progress_;
+  Clock::time_point last_move_;
+  Clock::time_point last_progress_;  // the last move or line
   std::chrono::milliseconds wait_{1};
 };
 

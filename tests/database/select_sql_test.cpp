@@ -255,7 +255,7 @@ TEST_F(SelectSql, SaysWhyAnAnswerWasNotRead) {
   EXPECT_EQ(Select(), "result 1");
   EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBadReply);
   CRvoDbRes rows;
-  const std::string file = folder_.Write("rows.xml", Recordset("from a file"));
+  const std::string file = folder_.Write("rows.xml", Rowset({{"A", "from a file"}}));
   EXPECT_EQ(CRvoDatabase::ReadFromXmlFile(file.c_str(), &rows, state_.temp_files), 1);
   EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kNone);
 }

@@ -30,6 +30,16 @@ TEST_P(BothTransports, GiveTheReasonOfTheServerInOneReplyAndNoneAfterTheNext) {
   EXPECT_EQ(server.Connections(), 1);
 }
 
+TEST_P(BothTransports, DoNotUseAConnectionAgainAfterAWrongToken) {
+  ScriptedServer server(Answering(ReplyWithReason({error::kBadToken, "wrong token"})));
+  for (int count = 1; count <= 2; ++count) {
+    TransportCall call;
+    EXPECT_EQ(Send(call, server.Port()), 0);
+    EXPECT_THAT(Error(), Pair(error::kBadToken, "wrong token"));
+    EXPECT_EQ(server.Connections(), count);
+  }
+}
+
 TEST_P(BothTransports, SayWhatIsWrongWithAReply) {
   const std::string file = ReplyWithFile();
   const std::string reason = ReplyWithReason({error::kBusy, "locked"});

@@ -1,6 +1,7 @@
 #include "HttpTransport.h"
 
 #include <array>
+#include <boost/asio/steady_timer.hpp>
 #include <filesystem>
 #include <optional>
 #include <tuple>
@@ -181,11 +182,27 @@ TEST_F(HttpTransport, GivesUpWhoStopsHalfway) {
     unsigned char byte = 0;
     side.Read({&byte, 1});
   });
+  // Goes on with the head of its answer for ever.
+  const auto dripping = [](const char* start, const char* line) {
+    return [start, line](ServerSide& side) {
+      HttpRequestSeen request;
+      bool goes_on = ReceiveHttp(side, request) && side.Write({BytesOfText(start)});
+      boost::asio::io_context pace;
+      for (boost::asio::steady_timer next(pace); goes_on; next.wait()) {
+        next.expires_after(std::chrono::milliseconds(20));
+        goes_on = side.Write({BytesOfText(line)});
+      }
+    };
+  };
+  ScriptedServer interim(dripping("", "HTTP/1.1 100 Continue\r\n\r\n"));
+  ScriptedServer headers(dripping("HTTP/1.1 200 OK\r\n", "A: b\r\n"));
   Set("connect_timeout_ms", "50");
   Set("io_timeout_ms", "50");
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(HttpCall().Send(deaf.Port(), "https://127.0.0.1"), -1);
-  EXPECT_EQ(HttpCall().Send(stuck.Port()), -2);
+  for (const std::uint16_t port : {stuck.Port(), interim.Port(), headers.Port()}) {
+    EXPECT_EQ(HttpCall().Send(port), -2);
+  }
   HttpCall upload;
   upload.request.SetFileName(folder_.Write("big", std::string(20'000'000, 'u')).c_str(), 1);
   EXPECT_EQ(upload.Send(deaf.Port()), -2);

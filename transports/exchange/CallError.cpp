@@ -51,4 +51,8 @@ CallError FromServer(const Reason& reason) {
   return {reason.error_class, platform::NarrowFromUtf8(reason.text)};
 }
 
+bool MayKeepConnection(int result, const CallError& error) {
+  return result == result::kSuccess && error.error_class != error::kBadToken;
+}
+
 }  // namespace qv::wire

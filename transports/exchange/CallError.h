@@ -27,4 +27,8 @@ namespace qv::wire {
 // An error that the server gave with its reply; none for no reason.
 [[nodiscard]] CallError FromServer(const Reason& reason);
 
+// Returns true if the connection of a call that ended so may serve the next one. A server
+// disconnects whoever shows a wrong token, a moment after its reply.
+[[nodiscard]] bool MayKeepConnection(int result, const CallError& error);
+
 }  // namespace qv::wire

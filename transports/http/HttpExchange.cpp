@@ -1,6 +1,8 @@
 #include "HttpExchange.h"
 
 #include <curl/curl.h>
+
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -59,14 +61,14 @@ int HttpExchange::Run(const char* server, std::uint32_t port, bool compress) {
     return kNotDelivered;
   }
   const Clock::time_point deadline = Clock::now() + settings_.connect_timeout;
-  const int result = TryOnce(*url, compress);
+  const int result = TryOnce(*url, compress, deadline);
   if (!is_busy_) return result;
-  if (PauseWhileBusy(deadline, cancel_)) return TryOnce(*url, compress);
+  if (PauseWhileBusy(deadline, cancel_)) return TryOnce(*url, compress, deadline);
   if (cancel_.Ask()) error_ = Cancelled();
   return result;
 }
 
-int HttpExchange::TryOnce(const std::string& url, bool compress) {
+int HttpExchange::TryOnce(const std::string& url, bool compress, Clock::time_point deadline) {
   is_busy_ = false;
   std::optional<RequestFrame> frame =
       RequestFrame::Prepare(request_, reply_, settings_.token, error_);
@@ -79,16 +81,20 @@ int HttpExchange::TryOnce(const std::string& url, bool compress) {
   const std::uint64_t generation = transport_.pool.Generation();
   connection_ = transport_.pool.Take(url);
   if (!connection_) connection_ = std::make_unique<KeptConnection>(url);
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
   const HttpRequest request{.length = frame->Length(),
                             .login_token = transport_.tokens.Of(url),
                             .compress = compress,
+                            .connect_within = std::max(left, std::chrono::milliseconds(1)),
                             .cancel = cancel_};
   stream_.emplace(*connection_, settings_, request);
   const int result = Talk(*frame);
   const std::string_view token = stream_->LoginToken();
   if (LoginTokens::IsToken(token)) transport_.tokens.Keep(url, token);
   stream_.reset();
-  if (result == kDelivered) transport_.pool.Give(std::move(connection_), generation);
+  if (MayKeepConnection(result, error_)) {
+    transport_.pool.Give(std::move(connection_), generation);
+  }
   return result;
 }
 

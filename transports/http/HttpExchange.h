@@ -45,7 +45,8 @@ class HttpExchange {
  private:
   using Clock = std::chrono::steady_clock;
 
-  [[nodiscard]] int TryOnce(const std::string& url, bool compress);
+  // A connection that has to be made must stand at the deadline.
+  [[nodiscard]] int TryOnce(const std::string& url, bool compress, Clock::time_point deadline);
   // Sends the request and receives the reply over stream_.
   [[nodiscard]] int Talk(RequestFrame& frame);
   // Returns the result of a call that the stream ended, `result` if it just failed.

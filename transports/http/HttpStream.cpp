@@ -42,7 +42,7 @@ HttpStream::HttpStream(KeptConnection& connection, const HttpSettings& settings,
     : connection_(connection),
       settings_(settings),
       cancel_(request.cancel),
-      transfer_(connection.Handle(), *this, {settings.connect_timeout, settings.io_timeout},
+      transfer_(connection.Handle(), *this, {request.connect_within, settings.io_timeout},
                 settings.ca_file, curl::Transfer::Sending::kOnce) {
   SetUp(request);
 }

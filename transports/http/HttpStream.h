@@ -51,6 +51,8 @@ struct HttpRequest {
   std::string login_token;
   // Whether the server may compress the answer.
   bool compress = false;
+  // For a connection that has to be made.
+  std::chrono::milliseconds connect_within{};
   CancelQuestion cancel = {};
 };
 

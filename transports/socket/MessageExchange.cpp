@@ -29,8 +29,8 @@ int MessageExchange::Run() {
   const std::uint64_t generation = transport_.pool.Generation();
   if (const int sent = Send(*frame); sent != kDelivered) return sent;
   const int received = Receive();
-  if (received == kDelivered) {
-    transport_.health.Delivered();
+  if (received == kDelivered) transport_.health.Delivered();
+  if (MayKeepConnection(received, error_)) {
     transport_.pool.Give(std::move(connection_), generation);
   }
   return received;
