@@ -10,6 +10,7 @@
 
 #include "GzipFile.h"
 #include "QueryCache.h"
+#include "base/call/CancelFlag.h"
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 #include "base/storage/FileNames.h"
@@ -43,7 +44,7 @@ bool IsOld(const fs::path& path) {
   return !error && fs::file_time_type::clock::now() - written > kTemporaryLife;
 }
 
-// Copies a file to a new one at `target`, and finishes that.
+// Copies a file to a new one at `target`, and finishes that, unless the call is cancelled.
 std::optional<storage::PartFile> CopyFile(const std::string& source, const std::string& target,
                                           storage::Flush flush) {
   const platform::FilePtr from(platform::OpenFile(source, platform::Opening::kRead));
@@ -52,6 +53,7 @@ std::optional<storage::PartFile> CopyFile(const std::string& source, const std::
   std::array<char, 32768> buffer;
   std::size_t got = 0;
   do {
+    if (call::IsCancelled()) return std::nullopt;
     got = std::fread(buffer.data(), 1, buffer.size(), from.get());
     if (!copy.Write(std::string_view(buffer.data(), got))) return std::nullopt;
   } while (got == buffer.size());

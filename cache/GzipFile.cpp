@@ -5,6 +5,7 @@
 #include <array>
 #include <string_view>
 
+#include "base/call/CancelFlag.h"
 #include "base/platform/Platform.h"
 #include "base/storage/OutputFile.h"
 
@@ -27,7 +28,7 @@ GunzipResult Unpack(gzFile source, storage::OutputFile& target, std::uint64_t li
   // zlib would copy a file that is not gzip, or is empty, unchanged.
   if (gzdirect(source) != 0) return kGunzipUnreadable;
   std::array<char, kChunk> chunk;
-  for (;;) {
+  while (!call::IsCancelled()) {
     const int got = gzread(source, chunk.data(), static_cast<unsigned>(chunk.size()));
     if (got < 0) return kGunzipUnreadable;
     if (got == 0) return kGunzipDone;
@@ -36,6 +37,7 @@ GunzipResult Unpack(gzFile source, storage::OutputFile& target, std::uint64_t li
     limit -= length;
     if (!target.Write(std::string_view(chunk.data(), length))) return kGunzipCutShort;
   }
+  return kGunzipCancelled;
 }
 
 }  // namespace

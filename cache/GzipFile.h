@@ -14,6 +14,7 @@ enum GunzipResult {
   // The source cannot be opened, or the target cannot take all of it.
   kGunzipCutShort = -2,
   kGunzipNoTarget = -3,
+  kGunzipCancelled = -4,  // the calling thread's call was cancelled
 };
 
 // The longest unpacked answer; a small gzip file can unpack to any length.

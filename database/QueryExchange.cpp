@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "base/call/CancelFlag.h"
 #include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "server/Exchange.h"
@@ -47,6 +48,10 @@ int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
   if (storage == kInReply) file.TakeFrom(reply);
   if (!compressed || file.Unpack()) return result::kSuccess;
   file.Delete();
+  if (call::IsCancelled()) {
+    call::SetCancelled();
+    return result::kOutcomeUnknown;
+  }
   call::SetErrorIfNone(error::kBadReply, "the compressed answer cannot be unpacked");
   return result::kUnpackFailed;
 }

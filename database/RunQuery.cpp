@@ -45,20 +45,20 @@ void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
 int RunQuery(const Query& query, CRvoDbRes& result) {
   call::ClearError();
   const std::string key = CacheKey(query.database, query.sql);
+  const int when_cancelled = query.from_cache ? result::kNotDelivered : result::kOutcomeUnknown;
   AnswerFile file;
   if (query.from_cache) {
     const auto cached =
         Cache().Find(key, static_cast<const char*>(CRvoDatabase::GetTempFilePath()));
-    if (!cached) {
+    if (cached) file = AnswerFile(*cached);
+    if (!cached && !call::IsCancelled()) {
       call::SetError(error::kOffline, "offline, and the cache has no answer to this query");
       return result::kFailed;
     }
-    file = AnswerFile(*cached);
   } else if (const int failed = AskServer(query, file); failed != 0) {
     return failed;
   }
   const DeleteAtExit deletion{file};
-  const int when_cancelled = query.from_cache ? result::kNotDelivered : result::kOutcomeUnknown;
   // The answer may be large, and nobody waits for it any more.
   if (call::IsCancelled()) {
     call::SetCancelled();

@@ -26,8 +26,8 @@ constexpr std::size_t kValueSlack = TextCells::kCopyStep;
 // As DecimalToInt64.
 [[nodiscard]] std::int64_t ParseInteger(std::string_view text);
 
-// Appends a text, with its entities decoded if it may have any. Returns its length without the white
-// space at both ends, as the platform's calls give it.
+// Appends a text, with its entities decoded if it may have any. Returns its length without the
+// white space at both ends, as the platform's calls give it.
 std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities);
 
 // The text forms of values, and their lengths for display.

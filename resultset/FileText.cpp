@@ -7,6 +7,7 @@
 #include <limits>
 #include <system_error>
 
+#include "base/call/CancelFlag.h"
 #include "base/platform/Platform.h"
 #include "base/platform/ThreadSlot.h"
 #include "qvnetcall/framework/File.h"
@@ -39,6 +40,7 @@ bool FileText::LoadChunk(CFile& file, std::size_t bytes) {
   // Reads in pieces, whose bytes are still in the CPU's cache when they are searched for a NUL.
   bool ended = false;
   for (std::size_t left = bytes; left != 0;) {
+    if (call::IsCancelled()) return false;
     char* const piece = buffer_.get() + length_;
     const auto wanted = static_cast<unsigned>(std::min(left, kPieceBytes));
     const std::size_t got = file.Read(piece, wanted);
@@ -52,14 +54,16 @@ bool FileText::LoadChunk(CFile& file, std::size_t bytes) {
   return true;
 }
 
-bool FileText::Load(const char* path) try {
+Reading FileText::Load(const char* path) try {
   length_ = 0;
-  if (path == nullptr) return false;
+  if (path == nullptr) return Reading::kUnreadable;
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(platform::PathFromNarrow(path), error);
-  if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) return false;
+  if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) {
+    return Reading::kUnreadable;
+  }
   CFile file(path, CFile::modeRead);
-  if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return false;
+  if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return Reading::kUnreadable;
   // A file that grows meanwhile is read up to its size at the start.
   for (std::size_t left = static_cast<std::size_t>(size); left != 0;) {
     const std::size_t chunk = std::min(left, kChunkBytes);
@@ -67,9 +71,9 @@ bool FileText::Load(const char* path) try {
     left -= chunk;
   }
   std::memset(buffer_.get() + length_, 0, kSlack);
-  return true;
+  return call::IsCancelled() ? Reading::kCancelled : Reading::kDone;
 } catch (const CFileException&) {
-  return false;
+  return Reading::kUnreadable;
 }
 
 FileText& KeptFileText() { return platform::OfThisThread<FileText>(); }

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "Reading.h"
+
 class CFile;
 
 namespace qv {
@@ -16,14 +18,15 @@ class FileText {
   static constexpr std::size_t kSlack = 64;
 
   // Loads a whole file. It is read in chunks of 2 MiB, and each chunk's text ends at its first NUL.
-  // Returns false if the path is not a readable file, or memory runs out.
-  [[nodiscard]] bool Load(const char* path);
+  // Returns kUnreadable if the path is not a readable file, or memory runs out.
+  [[nodiscard]] Reading Load(const char* path);
 
   [[nodiscard]] std::string_view View() const { return {buffer_.get(), length_}; }
 
  private:
   [[nodiscard]] bool Reserve(std::size_t bytes);
-  // Appends the text of the next chunk of `bytes`. Returns false if the file ends before it.
+  // Appends the text of the next chunk of `bytes`. Returns false if the file ends before it, or the
+  // call is cancelled.
   [[nodiscard]] bool LoadChunk(CFile& file, std::size_t bytes);
 
   struct Freed {

@@ -139,9 +139,9 @@ Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEI
 
 bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
   FileText& file = KeptFileText();
-  const bool is_loaded = file.Load(path);
-  return NoteReading(is_loaded ? ReadRowset(file.View(), ResultTable::Of(result), files)
-                               : Reading::kUnreadable);
+  Reading reading = file.Load(path);
+  if (reading == Reading::kDone) reading = ReadRowset(file.View(), ResultTable::Of(result), files);
+  return NoteReading(reading);
 }
 
 }  // namespace qv

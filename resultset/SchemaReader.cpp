@@ -258,9 +258,9 @@ Reading ReadSchema(std::string_view text, ResultTable& table, const tagTEMPFILEI
 
 bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
   FileText& file = KeptFileText();
-  const bool is_loaded = file.Load(path);
-  return NoteReading(is_loaded ? ReadSchema(file.View(), ResultTable::Of(result), files)
-                               : Reading::kUnreadable);
+  Reading reading = file.Load(path);
+  if (reading == Reading::kDone) reading = ReadSchema(file.View(), ResultTable::Of(result), files);
+  return NoteReading(reading);
 }
 
 }  // namespace qv

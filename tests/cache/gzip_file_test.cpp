@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/call/CancelFlag.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {
@@ -60,6 +61,10 @@ TEST_F(GzipFile, TellsWhichFileIsToBlame) {
   EXPECT_EQ(GunzipFile(good, target_, 3), -1) << "longer than the limit";
   EXPECT_EQ(GunzipFile(target_ + ".missing", target_), -2);
   EXPECT_EQ(GunzipFile(good, folder_.At("missing/target")), -3);
+  const call::CancelFlag flag = 1;
+  call::SetCancelFlag(&flag);
+  EXPECT_EQ(GunzipFile(good, target_), -4);
+  call::SetCancelFlag(nullptr);
 }
 
 }  // namespace
