@@ -5,6 +5,7 @@
 #include "CancelWatch.h"
 #include "CursorReader.h"
 #include "base/platform/ThreadSlot.h"
+#include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/framework/String.h"
 #include "resultset/ResultTable.h"
@@ -13,8 +14,8 @@ namespace qv {
 
 namespace {
 
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
+using result::kFailed;
+using result::kSuccess;
 
 struct Failure {
   std::string database;
@@ -130,7 +131,7 @@ int OdbcLocalDatabase::Run(const CString& sql, const char* database, const Work&
   const bool done = statement.Execute(sql.View(), diagnostics) && work(statement, diagnostics);
   if (!done) return Fail(database, odbc::TextOf(diagnostics));
   LastFailure() = {};
-  return kDone;
+  return kSuccess;
 }
 
 }  // namespace qv

@@ -33,6 +33,8 @@ struct Channel {
   std::string (*answer)(const std::string& frames);
   // Refuses a client that has not sent a request yet.
   void (*say_busy)(ServerSide& side);
+  // Whether answers carry a login token.
+  bool gives_tokens;
 };
 
 inline void SetSocketParameter(const char* name, const char* value) {
@@ -65,7 +67,7 @@ inline const Channel kChannels[] = {
      [](ServerSide& side, WholeFrame& request, const std::string& path) {
        return side.Receive(request, path);
      },
-     [](const std::string& frames) { return frames; }, SaySocketBusy},
+     [](const std::string& frames) { return frames; }, SaySocketBusy, false},
     {"http",
      [](TransportCall& call, std::uint32_t port) {
        return HttpworkTransMsg("127.0.0.1", port, call.request, call.reply, 0);
@@ -78,7 +80,8 @@ inline const Channel kChannels[] = {
        request = seen.frame;
        return is_whole;
      },
-     [](const std::string& frames) { return HttpAnswer(frames); }, SayHttpBusy},
+     [](const std::string& frames) { return HttpAnswer(frames, "Qv-Login-Token: t\r\n"); },
+     SayHttpBusy, true},
 };
 
 inline void PrintTo(const Channel& channel, std::ostream* out) { *out << channel.name; }

@@ -3,11 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <functional>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "message/MsgContent.h"
 #include "tests/support/ScriptedServer.h"
@@ -38,22 +34,12 @@ inline std::string LongBytes() {
   return bytes;
 }
 
-// Eight threads call fifty times each. Returns how many calls received what they had sent.
-inline int CallsThatEchoed(const std::function<bool(TransportCall&, int count)>& is_delivered) {
-  std::atomic<int> right{0};
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
-    threads.emplace_back([&, thread] {
-      for (int count = 0; count < 50; ++count) {
-        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
-        TransportCall call;
-        call.request.AddString(text.c_str(), nullptr);
-        if (is_delivered(call, count) && call.Answer() == text) ++right;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  return right;
+// Returns a port on which nobody listens.
+inline std::uint16_t DeadPort() {
+  boost::asio::io_context context;
+  return boost::asio::ip::tcp::acceptor(context, {boost::asio::ip::address_v4::loopback(), 0})
+      .local_endpoint()
+      .port();
 }
 
 // Once the queue of a listener is full, its system does not answer further attempts.

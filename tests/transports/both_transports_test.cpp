@@ -1,4 +1,7 @@
 // What holds for both transports alike: whole requests, files, kept connections.
+#include <thread>
+#include <vector>
+
 #include "BothTransports.h"
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
@@ -52,6 +55,51 @@ TEST_P(BothTransports, CarryFilesInBothDirections) {
     std::erase(expected, std::pair<int, std::uint64_t>(1, 0));
     EXPECT_EQ(done, expected);
   }
+}
+
+TEST_P(BothTransports, KeepAConnectionUntilTheyAreStopped) {
+  ScriptedServer server([&](ServerSide& side) {
+    while (Echo(side)) {
+    }
+  });
+  const auto send = [&](const char* text) {
+    TransportCall call;
+    call.request.AddString(text, nullptr);
+    EXPECT_EQ(Send(call, server.Port()), 0);
+    EXPECT_EQ(call.Answer(), text);
+  };
+  for (const char* const text : {"one", "two", "three"}) send(text);
+  EXPECT_EQ(server.Connections(), 1);
+  NetworkTransFini();
+  HttpworkTransFini();
+  server.WaitForFinished(1);
+  send("over a new connection");
+}
+
+// Eight threads call fifty times each, while they change a parameter.
+TEST_P(BothTransports, ServeManyThreadsAtOnce) {
+  ScriptedServer server([&](ServerSide& side) {
+    while (Echo(side)) {
+    }
+  });
+  std::atomic<int> right{0};
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 8; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (int count = 0; count < 50; ++count) {
+        const std::string text = std::to_string(thread) + ":" + std::to_string(count);
+        if (count % 10 == 0) GetParam().set_parameter("token", text.c_str());
+        TransportCall call;
+        call.request.AddString(text.c_str(), nullptr);
+        char token[256];
+        const bool is_done = Send(call, server.Port()) == 0 && call.Answer() == text;
+        if (is_done && (!GetParam().gives_tokens || HttpworkLoginToken(token) == 1)) ++right;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(right, 400);
+  EXPECT_LE(server.Connections(), 8);
 }
 
 TEST_P(BothTransports, ReplaceAKeptConnectionThatIsNoLongerInOrder) {

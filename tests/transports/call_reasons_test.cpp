@@ -1,4 +1,6 @@
 #include <boost/asio/steady_timer.hpp>
+#include <filesystem>
+#include <thread>
 
 #include "BothTransports.h"
 
@@ -40,34 +42,55 @@ TEST_P(BothTransports, DoNotUseAConnectionAgainAfterAWrongToken) {
   }
 }
 
-TEST_P(BothTransports, SayWhatIsWrongWithAReply) {
+TEST_P(BothTransports, SayWhatIsWrongWithAReplyAndLeaveNothingOfIt) {
   const std::string file = ReplyWithFile();
   const std::string reason = ReplyWithReason({error::kBusy, "locked"});
+  constexpr std::size_t kWhole = std::string::npos;
   const struct {
     std::string frames;
+    std::size_t sent;  // how many bytes of the frames, before the server disconnects
     std::string path;  // where the reply's file goes
     int result;
     int error_class;
     const char* text;
   } cases[] = {
-      {Damaged(PlainReply("x"), 40), "", -3, error::kBadReply, "bad checksum in the reply"},
-      {Damaged(reason, 37), "", -3, error::kBadReply, "bad checksum in the reply"},
-      {Damaged(file, 100'000), "f", -3, error::kBadReply, "bad checksum in the file of the reply"},
-      {file, "", -3, error::kBadReply, "the reply brings a file that was not asked for"},
-      {file, "missing/f", -3, error::kLocal, "missing/f"},
-      {HeaderOnly(FrameKind::kReply, 5000), "", -3, error::kBadReply, "larger than the memory"},
-      {HeaderOnly(FrameKind::kRequest, 0), "", -3, error::kBadReply, "the reply is malformed"},
-      {HeaderOnly(FrameKind::kHello, 0), "", -3, error::kBadReply, "the reply is malformed"},
+      {file, 0, "f", -2, error::kConnectionLost, "was lost"},
+      {file, 20, "f", -2, error::kConnectionLost, "was lost"},
+      {file, 305, "f", -2, error::kConnectionLost, "was lost"},
+      {file, 150'000, "f", -2, error::kConnectionLost, "was lost"},
+      {file, file.size() - 1, "f", -2, error::kConnectionLost, "was lost"},
+      {Damaged(file, 9), kWhole, "f", -3, error::kBadReply, "bad checksum in the reply"},
+      {Damaged(file, 306), kWhole, "f", -3, error::kBadReply, "bad checksum in the reply"},
+      {Damaged(reason, 37), kWhole, "", -3, error::kBadReply, "bad checksum in the reply"},
+      {Damaged(file, 100'000), kWhole, "f", -3, error::kBadReply, "checksum in the file of the"},
+      {Damaged(file, file.size() - 1), kWhole, "f", -3, error::kBadReply, "checksum in the file"},
+      {file, kWhole, "", -3, error::kBadReply, "the reply brings a file that was not asked for"},
+      {file, kWhole, "missing/f", -3, error::kLocal, "missing/f"},
+      {HeaderOnly(FrameKind::kReply, 4096 - 269 + 1), kWhole, "", -3, error::kBadReply,
+       "larger than the memory"},
+      {HeaderOnly(FrameKind::kReply, 1ULL << 32), kWhole, "", -3, error::kBadReply, "malformed"},
+      {HeaderOnly(FrameKind::kRequest, 0), kWhole, "", -3, error::kBadReply, "malformed"},
+      {HeaderOnly(FrameKind::kHello, 0), kWhole, "", -3, error::kBadReply, "malformed"},
+      {"SMTP or another protocol that says more than a header", kWhole, "", -3, error::kBadReply,
+       "malformed"},
   };
   for (const auto& one : cases) {
-    SCOPED_TRACE(one.text);
-    ScriptedServer server(Answering(one.frames));
+    SCOPED_TRACE(std::string(one.text) + " after " + std::to_string(one.sent));
+    std::string answer = GetParam().answer(one.frames);
+    if (one.sent != kWhole) answer.resize(answer.size() - one.frames.size() + one.sent);
+    ScriptedServer server([&](ServerSide& side) {
+      if (Receive(side)) side.Write({BytesOfText(answer)});
+    });
     TransportCall call;
     if (!one.path.empty()) {
       call.reply.SetFileName((folder_.Path() / one.path).string().c_str(), 0);
     }
     EXPECT_EQ(Send(call, server.Port()), one.result);
     EXPECT_THAT(Error(), Pair(one.error_class, HasSubstr(one.text)));
+    EXPECT_EQ(call.Answer(), "");
+    EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
+    EXPECT_EQ(NetworkIsBadState(1), 0);
+    EXPECT_EQ(server.Connections(), 1) << "a request is never sent twice";
   }
 }
 
@@ -75,11 +98,7 @@ TEST_P(BothTransports, SayWhyNoReplyCame) {
   GetParam().set_parameter("connect_timeout_ms", "2000");
   GetParam().set_parameter("io_timeout_ms", "50");
   const auto start = std::chrono::steady_clock::now();
-  std::uint16_t dead = 0;
-  {
-    ScriptedServer gone([](ServerSide&) {});
-    dead = gone.Port();
-  }
+  const std::uint16_t dead = DeadPort();
   TransportCall refused;
   EXPECT_EQ(Send(refused, dead), -1);
   const std::string where = "cannot connect to 127.0.0.1:" + std::to_string(dead) + " within 2 s: ";

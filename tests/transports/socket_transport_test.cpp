@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <filesystem>
 #include <map>
 #include <utility>
 
@@ -10,8 +9,6 @@
 
 namespace qv::wire {
 namespace {
-
-using boost::asio::ip::tcp;
 
 constexpr const char* kHost = "127.0.0.1";
 
@@ -58,68 +55,6 @@ class SocketTransport : public testing::Test {
   TempFolder folder_;
 };
 
-// Returns a port on which nobody listens.
-std::uint16_t DeadPort() {
-  boost::asio::io_context context;
-  return tcp::acceptor(context, {boost::asio::ip::address_v4::loopback(), 0})
-      .local_endpoint()
-      .port();
-}
-
-TEST_F(SocketTransport, EchoesOverOneKeptConnectionAlsoByName) {
-  ScriptedServer server(ScriptedServer::Echo);
-  for (const char* const text : {"one", "two", "three"}) {
-    Call call;
-    call.request.AddString(text, nullptr);
-    EXPECT_EQ(call.Send(server.Port()), 0);
-    EXPECT_EQ(call.Answer(), text);
-  }
-  EXPECT_EQ(server.Connections(), 1);
-  Call by_name;
-  EXPECT_EQ(NetworkTransMsg("localhost", server.Port(), by_name.request, by_name.reply), 0);
-  NetworkTransFini();
-  server.WaitForFinished(2);
-  Call afterwards;
-  EXPECT_EQ(afterwards.Send(server.Port()), 0);
-}
-
-TEST_F(SocketTransport, BrokenRepliesGiveTheirCodeAndLeaveNothing) {
-  const std::string right = ReplyWithFile();
-  const struct {
-    const char* what;
-    std::string answer;
-    int result;
-  } cases[] = {
-      {"hang-up at once", "", -2},
-      {"hang-up in the header", right.substr(0, 20), -2},
-      {"hang-up in the payload", right.substr(0, 305), -2},
-      {"hang-up in the file", right.substr(0, 150'000), -2},
-      {"hang-up before the last checksum", right.substr(0, right.size() - 1), -2},
-      {"damaged header", Damaged(right, 9), -3},
-      {"damaged payload", Damaged(right, 306), -3},
-      {"damaged file", Damaged(right, 100'000), -3},
-      {"damaged last checksum", Damaged(right, right.size() - 1), -3},
-      {"4 GiB", HeaderOnly(FrameKind::kReply, 1ULL << 32), -3},
-      {"larger than the block", HeaderOnly(FrameKind::kReply, 4096 - 269 + 1), -3},
-      {"a request", HeaderOnly(FrameKind::kRequest, 0), -3},
-      {"another protocol", "HTTP/1.1 400 Bad Request\r\nConnection: close\r\n\r\n", -3},
-  };
-  for (const auto& one : cases) {
-    SCOPED_TRACE(one.what);
-    ScriptedServer server([&](ServerSide& side) {
-      WholeFrame request;
-      if (side.Receive(request)) side.Write({BytesOfText(one.answer)});
-    });
-    Call call;
-    call.reply.SetFileName(folder_.At("answer").c_str(), 0);
-    EXPECT_EQ(call.Send(server.Port()), one.result);
-    EXPECT_EQ(call.Answer(), "");
-    EXPECT_TRUE(std::filesystem::is_empty(folder_.Path()));
-    EXPECT_EQ(NetworkIsBadState(1), 0);
-    EXPECT_EQ(server.Connections(), 1) << "a request is never sent twice";
-  }
-}
-
 TEST_F(SocketTransport, TakesAReplyInPiecesThatFillsTheBlock) {
   const std::string text(4096 - 269 - 5, 'x');
   ScriptedServer server([&](ServerSide& side) {
@@ -149,7 +84,10 @@ TEST_F(SocketTransport, WithoutAServerNothingIsDeliveredAndTheNetworkIsBad) {
 
 TEST_F(SocketTransport, ABadNetworkRecoversByAProbeOrADeliveredMessage) {
   ScriptedServer server(ScriptedServer::Echo);
-  const auto send = [&] { return Call().Send(server.Port()); };
+  const auto send = [&] {
+    Call call;
+    return NetworkTransMsg("localhost", server.Port(), call.request, call.reply);
+  };
   EXPECT_EQ(send(), 0);
   Set("retry_after_ms", "3600000");
   NetworkBadState(1);
@@ -206,16 +144,6 @@ TEST_F(SocketTransport, AnswersItsOwnParameters) {
   small.request.SetCommand(0xFFFFFFFF);
   small.request.AddString("token", nullptr);
   EXPECT_EQ(small.Send(0), -3);
-}
-
-TEST_F(SocketTransport, ServesManyThreadsAtOnce) {
-  ScriptedServer server(ScriptedServer::Echo);
-  EXPECT_EQ(CallsThatEchoed([&](TransportCall& call, int count) {
-              if (count % 10 == 0) Set("dispmsg", "1");
-              return SendTo(call, server.Port()) == 0;
-            }),
-            400);
-  EXPECT_LE(server.Connections(), 8);
 }
 
 }  // namespace
