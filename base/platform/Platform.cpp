@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <random>
 
 #include "base/text/Letters.h"
 #include "base/text/Numbers.h"
@@ -11,16 +9,20 @@
 namespace qv::platform {
 
 std::string NewGuid() {
-  std::random_device source;
-  std::array<std::uint32_t, 4> random;
-  for (std::uint32_t& word : random) word = source();
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  constexpr std::string_view kDashBefore("\0\0\0\0-\0-\0-\0-\0\0\0\0\0", 16);
+  std::array<unsigned char, 16> random;
+  FillWithRandomBytes(random.data(), random.size());
   // Version 4, variant 1: made from random bits.
-  const std::uint32_t version = (random[1] & 0x0FFFu) | 0x4000u;
-  const std::uint32_t variant = (random[2] & 0x3FFFu) | 0x8000u;
-  std::array<char, 39> text;
-  std::snprintf(text.data(), text.size(), "{%08X-%04X-%04X-%04X-%04X%08X}", random[0],
-                random[1] >> 16, version, variant, random[2] >> 16, random[3]);
-  return text.data();
+  random[6] = static_cast<unsigned char>((random[6] & 0x0Fu) | 0x40u);
+  random[8] = static_cast<unsigned char>((random[8] & 0x3Fu) | 0x80u);
+  std::string text("{");
+  text.reserve(kGuidLength);
+  for (std::size_t i = 0; i < random.size(); ++i) {
+    if (kDashBefore[i] == '-') text += '-';
+    text += {kDigits[random[i] >> 4], kDigits[random[i] & 0xFu]};
+  }
+  return text += '}';
 }
 
 bool IsGuid(std::string_view text) {

@@ -56,6 +56,10 @@ void CloseLibrary(void* library);
 [[nodiscard]] std::optional<std::string> ReadIniValue(const std::string& path, const char* section,
                                                       const char* key);
 
+// Fills `count` bytes, at most 256, with bytes of the system's random source, which nobody can
+// predict. Throws std::exception if there is no such source.
+void FillWithRandomBytes(void* bytes, std::size_t count);
+
 // Returns a new random identifier in registry form: braces, upper-case digits, 38 characters.
 [[nodiscard]] std::string NewGuid();
 inline constexpr std::size_t kGuidLength = 38;
@@ -119,6 +123,15 @@ void SurviveClosedPipes();
 // Asks for large pages for `bytes` of untouched memory at `start`. This only affects speed.
 void PreferLargePages(void* start, std::size_t bytes);
 
+// Returns `bytes` of zeros in whole pages from the system, which cost nothing until they are
+// touched, or null without memory. Give them back with FreePages.
+[[nodiscard]] void* AllocatePages(std::size_t bytes);
+void FreePages(void* start, std::size_t bytes);
+// Makes whole pages of AllocatePages zero again by giving the memory behind them back to the
+// system. Returns false if the system does not do so; nothing but FreePages may be done with them
+// then.
+[[nodiscard]] bool ZeroPages(void* start, std::size_t bytes);
+
 // Returns the bytes of memory that the machine has, or 0 if the system does not say.
 [[nodiscard]] std::uint64_t PhysicalMemory();
 
@@ -136,6 +149,10 @@ void AppendNarrow(std::u16string_view wide, std::string& text);
 // matter; links are resolved where the system has them in paths. Returns nothing if the system
 // cannot do so.
 [[nodiscard]] std::optional<std::string> AbsolutePath(const std::string& path);
+
+// Returns true if the folder is on a disk of this machine, as far as the system says; false for one
+// of a network, and for a kind of file system that is not known here.
+[[nodiscard]] bool IsLocalFolder(const std::string& path);
 
 // Returns the type of what `path` names; a link is not followed.
 [[nodiscard]] std::filesystem::file_type TypeOf(const std::string& path);

@@ -3,6 +3,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#if defined(__linux__)
+#include <linux/magic.h>
+#include <sys/vfs.h>
+#endif
+
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -21,6 +27,11 @@ namespace {
 constexpr const char kDefaultTempFolder[] = "/tmp/";
 // The longest path that hosts have room for, without the NUL.
 constexpr std::size_t kMaxTempFolder = 259;
+
+#if defined(__linux__)
+// Missing in the system's header, since its code is kept elsewhere.
+constexpr long kZfs = 0x2fc12fc1;
+#endif
 
 // The rights of a new file, before the user's mask is applied.
 constexpr mode_t kAsTheUserLikes = 0666;
@@ -110,6 +121,23 @@ std::optional<std::string> AbsolutePath(const std::string& path) {
   if (error) return std::nullopt;
   std::string whole = std::filesystem::weakly_canonical(absolute, error).string();
   return error ? std::nullopt : std::optional(std::move(whole));
+}
+
+bool IsLocalFolder([[maybe_unused]] const std::string& path) {
+#if defined(__linux__)
+  constexpr long kLocal[] = {EXT4_SUPER_MAGIC,
+                             XFS_SUPER_MAGIC,
+                             BTRFS_SUPER_MAGIC,
+                             F2FS_SUPER_MAGIC,
+                             TMPFS_MAGIC,
+                             OVERLAYFS_SUPER_MAGIC,
+                             kZfs};
+  struct statfs about {};
+  return ::statfs(path.c_str(), &about) == 0 &&
+         std::ranges::find(kLocal, static_cast<long>(about.f_type)) != std::end(kLocal);
+#else
+  return false;
+#endif
 }
 
 std::filesystem::file_type TypeOf(const std::string& path) {

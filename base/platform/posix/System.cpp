@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -74,6 +75,31 @@ void PreferLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t
   if (bytes <= ahead) return;
   static_cast<void>(
       ::madvise(static_cast<char*>(start) + ahead, (bytes - ahead) / page * page, MADV_HUGEPAGE));
+#endif
+}
+
+void FillWithRandomBytes(void* bytes, std::size_t count) {
+  // Unlike std::random_device, this takes one system call and keeps nothing that a fork would copy.
+  if (::getentropy(bytes, count) != 0) {
+    throw std::system_error(errno, std::generic_category(), "no random bytes");
+  }
+}
+
+void* AllocatePages(std::size_t bytes) {
+  void* const start =
+      ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return start != MAP_FAILED ? start : nullptr;
+}
+
+void FreePages(void* start, std::size_t bytes) { ::munmap(start, bytes); }
+
+bool ZeroPages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t bytes) {
+#if defined(__linux__)
+  // Other systems understand the advice as a hint, after which the bytes may still be there. Here
+  // it fails for memory that the program has locked.
+  return ::madvise(start, bytes, MADV_DONTNEED) == 0;
+#else
+  return false;
 #endif
 }
 

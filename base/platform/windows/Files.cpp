@@ -133,6 +133,13 @@ std::optional<std::string> AbsolutePath(const std::string& path) {
   }
 }
 
+bool IsLocalFolder(const std::string& path) {
+  char volume[MAX_PATH];
+  if (::GetVolumePathNameA(path.c_str(), volume, sizeof volume) == FALSE) return false;
+  const UINT kind = ::GetDriveTypeA(volume);
+  return kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE || kind == DRIVE_RAMDISK;
+}
+
 std::filesystem::file_type TypeOf(const std::string& path) {
   const DWORD attributes = ::GetFileAttributesA(path.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES) {

@@ -1,6 +1,9 @@
 // The running program: its files, libraries, memory and clock.
 #include <windows.h>
+// In this order.
+#include <ntsecapi.h>
 
+#include <stdexcept>
 #include <vector>
 
 #include "base/platform/Platform.h"
@@ -46,6 +49,23 @@ void* FindFunctionBeside(const char* library, void* /*neighbour*/, const char* n
 
 // Windows has no such advice: large pages need a privilege.
 void PreferLargePages(void*, std::size_t) {}
+
+void FillWithRandomBytes(void* bytes, std::size_t count) {
+  if (RtlGenRandom(bytes, static_cast<ULONG>(count)) == FALSE) {
+    throw std::runtime_error("no random bytes");
+  }
+}
+
+void* AllocatePages(std::size_t bytes) {
+  return ::VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+}
+
+void FreePages(void* start, std::size_t) { ::VirtualFree(start, 0, MEM_RELEASE); }
+
+bool ZeroPages(void* start, std::size_t bytes) {
+  return ::VirtualFree(start, bytes, MEM_DECOMMIT) != FALSE &&
+         ::VirtualAlloc(start, bytes, MEM_COMMIT, PAGE_READWRITE) != nullptr;
+}
 
 std::uint64_t PhysicalMemory() {
   MEMORYSTATUSEX status{};
