@@ -3,6 +3,12 @@
 
 #include <cstdint>
 
+// A block that is all zero already, which somebody else owns.
+struct ZeroBlock {
+  unsigned char* data = nullptr;
+  std::uint32_t size = 0;
+};
+
 // One server call owns the block. Its fields are in memory that is shared with the transport
 // libraries: their order and widths are fixed.
 class CAutoBuf {

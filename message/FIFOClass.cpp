@@ -15,7 +15,6 @@ void CFIFOClass::Attach(unsigned char* area, std::uint32_t capacity) {
   capacity_ = capacity;
   read_position_ = 0;
   write_position_ = 0;
-  if (data_ != nullptr) std::memset(data_, 0, capacity_);
 }
 
 void CFIFOClass::Detach() {

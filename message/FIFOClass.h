@@ -18,8 +18,8 @@ class CFIFOClass {
   CFIFOClass(const CFIFOClass&) = delete;
   CFIFOClass& operator=(const CFIFOClass&) = delete;
 
-  // Attaches an area of `capacity` bytes, fills it with zeros and starts empty. The caller keeps
-  // owning the area.
+  // Attaches an area of `capacity` bytes, which are zero, and starts empty. The caller keeps owning
+  // the area.
   void Attach(unsigned char* area, std::uint32_t capacity);
   // Detaches the area.
   void Detach();

@@ -35,6 +35,9 @@ int WithSlot(int* err, Operation operation) {
 CMsgContent::CMsgContent(CAutoBuf& buf)
     : CMsgContentBase(buf), file_name_(new char[kMaxPath + 1]()) {}
 
+CMsgContent::CMsgContent(const ZeroBlock& block)
+    : CMsgContentBase(block), file_name_(new char[kMaxPath + 1]()) {}
+
 CMsgContent::~CMsgContent() { delete[] file_name_; }
 
 int CMsgContent::SetCommand(unsigned int code) {

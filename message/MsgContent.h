@@ -21,6 +21,8 @@ class CMsgContent : public CMsgContentBase {
   // Zero-fills the block of `buf`. If the block has less than 270 bytes, the message is unbound and
   // every operation fails.
   explicit CMsgContent(CAutoBuf& buf);
+  // The same for a block that is all zero already.
+  explicit CMsgContent(const ZeroBlock& block);
   ~CMsgContent() override;
 
   // Stores the command's code in the block, replacing an earlier one. Returns 0, or -1 if the

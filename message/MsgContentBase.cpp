@@ -11,18 +11,22 @@ constexpr std::uint32_t kOverflowGrowBytes = 4096;
 
 }  // namespace
 
-CMsgContentBase::CMsgContentBase(CAutoBuf& buf) : overflow_(kOverflowGrowBytes) {
-  if (buf.GetData() == nullptr || buf.GetSize() < MessageBlock::kMinimumSize) return;
-  block_ = buf.GetData();
-  block_size_ = buf.GetSize();
+CMsgContentBase::CMsgContentBase(const ZeroBlock& block) : overflow_(kOverflowGrowBytes) {
+  if (block.data == nullptr || block.size < MessageBlock::kMinimumSize) return;
+  block_ = block.data;
+  block_size_ = block.size;
   command_ = block_ + MessageBlock::kCommand;
   word1_ = block_ + MessageBlock::kWord1;
   word2_ = block_ + MessageBlock::kWord2;
   byte_ = block_ + MessageBlock::kByte;
   name_ = block_ + MessageBlock::kName;
   payload_ = block_ + MessageBlock::kPayload;
-  std::memset(block_, 0, MessageBlock::kPayload);
   queue_.Attach(payload_, block_size_ - MessageBlock::kPayload);
+}
+
+CMsgContentBase::CMsgContentBase(CAutoBuf& buf)
+    : CMsgContentBase(ZeroBlock{buf.GetData(), buf.GetSize()}) {
+  if (IsBound()) std::memset(block_, 0, block_size_);
 }
 
 CMsgContentBase::~CMsgContentBase() {

@@ -36,6 +36,9 @@ class CMsgContentBase {
   bool IsBound() const { return block_ != nullptr; }
   unsigned char* Block() const { return block_; }
   std::uint32_t BlockSize() const { return block_size_; }
+  // The bytes at the start of the block in which the message and its transport have written, as far
+  // as the message knows: a transport of others may have written anywhere.
+  std::uint32_t UsedBytes() const { return MessageBlock::kPayload + queue_.WritePosition(); }
   CFIFOClass& Queue() { return queue_; }
   const CFIFOClass& Queue() const { return queue_; }
   // Holds the whole payload, after MessageBlock::kSpillPrefix bytes, if its length is not zero.
@@ -44,6 +47,7 @@ class CMsgContentBase {
  protected:
   // Binds to `buf` if it has room for a header and at least one byte of payload.
   explicit CMsgContentBase(CAutoBuf& buf);
+  explicit CMsgContentBase(const ZeroBlock& block);
 
   // Appends one field to the queue. If the queue is full, moves everything to the store; the field
   // is then the last one, whether or not the store could take it. Returns 0 or -1.

@@ -19,9 +19,14 @@ int Refused(int result, std::string_view why) {
 Exchange::Exchange(std::uint32_t command, std::uint32_t request_bytes, std::uint32_t reply_bytes)
     : request_block_(request_bytes),
       reply_block_(reply_bytes),
-      request_(request_block_),
-      reply_(reply_block_) {
+      request_(request_block_.Zeros()),
+      reply_(reply_block_.Zeros()) {
   request_.SetCommand(command);
+}
+
+Exchange::~Exchange() {
+  request_block_.NoteUsed(request_.UsedBytes());
+  reply_block_.NoteUsed(reply_.UsedBytes());
 }
 
 int Exchange::Send() {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "message/KeptBlock.h"
 #include "message/MsgContent.h"
 
 namespace qv {
@@ -23,8 +24,11 @@ int Refused(int result, std::string_view why = {});
 // Owns both messages and their blocks. Build the request, send it, read the reply; once each.
 class Exchange {
  public:
-  // Allocates blocks of `request_bytes` and `reply_bytes`; the request carries `command`.
+  // Uses blocks of `request_bytes` and `reply_bytes`; the request carries `command`.
   Exchange(std::uint32_t command, std::uint32_t request_bytes, std::uint32_t reply_bytes);
+  ~Exchange();
+  Exchange(const Exchange&) = delete;
+  Exchange& operator=(const Exchange&) = delete;
 
   CMsgContent& Request() { return request_; }
   // Appends a number to the request as 4 bytes.
@@ -44,8 +48,8 @@ class Exchange {
   // Returns true, and sets the error, if the call is cancelled already.
   [[nodiscard]] static bool IsCancelledBefore();
 
-  CAutoBuf request_block_;
-  CAutoBuf reply_block_;
+  KeptBlock request_block_;
+  KeptBlock reply_block_;
   CMsgContent request_;
   CMsgContent reply_;
 };

@@ -48,6 +48,27 @@ TEST_F(SelectSql, AsksForCompressionByCommandOrByArgument) {
   EXPECT_EQ(transport_.requests.back().compress, 1);
 }
 
+TEST_F(SelectSql, HandsOutZerosWhateverTransportsWroteIntoTheBlocks) {
+  transport_.scribbles = true;
+  int nested = 0;
+  transport_.handler = [this, &nested, answer = transport_.handler](const SentRequest& request,
+                                                                    ScriptedReply& reply) {
+    if (nested < 5) {
+      ++nested;
+      EXPECT_EQ(Select(0, CString(std::string(70000, 'n').c_str())), "from server");
+    }
+    return answer(request, reply);
+  };
+  for (const int result : {0, -2, 0}) {
+    answer_result_ = result;
+    EXPECT_EQ(Select(), result == 0 ? "from server" : "result -2");
+    CRvoServer::CheckServerLink("main", 4000);
+  }
+  EXPECT_EQ(Select(0, CString(std::string(0x180000, 's').c_str())), "from server");  // spills
+  EXPECT_EQ(Select(), "from server");
+  EXPECT_EQ(transport_.unclean_blocks, 0);
+}
+
 TEST_F(SelectSql, ReadsAnswersHoweverTheyArrive) {
   const std::string rowset = Rowset({{"A", "value"}});
   answer_ = Memory(Gzipped(rowset), "SUCCESS_COMPRESS");

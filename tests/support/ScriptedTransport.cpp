@@ -1,5 +1,6 @@
 #include "ScriptedTransport.h"
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -30,6 +31,22 @@ void Fill(CMsgContent& reply, const std::string& payload) {
   static_cast<void>(reply.Queue().SetFilled(static_cast<std::uint32_t>(payload.size())));
 }
 
+bool IsZero(const unsigned char* bytes, std::size_t count) {
+  return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte == 0; });
+}
+
+// Looks for bytes of earlier calls, and then writes all over both blocks, as a transport may.
+void Scribble(CMsgContent& request, CMsgContent& reply) {
+  const CFIFOClass& fields = request.Queue();
+  const bool is_clean = IsZero(reply.Block(), reply.BlockSize()) &&
+                        (fields.IsDetached() || IsZero(fields.Area() + fields.WritePosition(),
+                                                       fields.Capacity() - fields.WritePosition()));
+  if (!is_clean) ++ScriptedTransport::Get().unclean_blocks;
+  for (const CMsgContent* message : {&request, &reply}) {
+    std::memset(message->Block(), '#', message->BlockSize());
+  }
+}
+
 int AnswerParameter(const SentRequest& request, ScriptedReply& reply) {
   ScriptedTransport& transport = ScriptedTransport::Get();
   const std::string name = request.fields.at(0);
@@ -44,20 +61,6 @@ int AnswerParameter(const SentRequest& request, ScriptedReply& reply) {
     reply.Text("0");
   }
   return transport.parameter_result;
-}
-
-int Deliver(const SentRequest& request, CMsgContent& reply) {
-  ScriptedTransport& transport = ScriptedTransport::Get();
-  ScriptedReply scripted;
-  int result = 0;
-  if (request.command == kGetParameter || request.command == kSetParameter) {
-    result = AnswerParameter(request, scripted);
-  } else {
-    transport.requests.push_back(request);
-    result = transport.handler(request, scripted);
-  }
-  Fill(reply, scripted.Payload());
-  return result;
 }
 
 SentRequest Record(bool web, const char* server, std::uint32_t port, const CMsgContent& request,
@@ -79,6 +82,23 @@ SentRequest Record(bool web, const char* server, std::uint32_t port, const CMsgC
           reply.BlockSize(),
           request.MsgFlag(),
           compress};
+}
+
+int Deliver(bool web, const char* server, std::uint32_t port, CMsgContent& message,
+            CMsgContent& reply, int compress) {
+  ScriptedTransport& transport = ScriptedTransport::Get();
+  const SentRequest request = Record(web, server, port, message, reply, compress);
+  if (transport.scribbles) Scribble(message, reply);
+  ScriptedReply scripted;
+  int result = 0;
+  if (request.command == kGetParameter || request.command == kSetParameter) {
+    result = AnswerParameter(request, scripted);
+  } else {
+    transport.requests.push_back(request);
+    result = transport.handler(request, scripted);
+  }
+  Fill(reply, scripted.Payload());
+  return result;
 }
 
 }  // namespace
@@ -112,12 +132,12 @@ void HttpworkTransFini() { ScriptedTransport::Get().life.push_back("web fini"); 
 
 int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                     CMsgContent& reply) {
-  return qv::test::Deliver(qv::test::Record(false, server, port, request, reply, 0), reply);
+  return qv::test::Deliver(false, server, port, request, reply, 0);
 }
 
 int HttpworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
                      CMsgContent& reply, int compress) {
-  return qv::test::Deliver(qv::test::Record(true, server, port, request, reply, compress), reply);
+  return qv::test::Deliver(true, server, port, request, reply, compress);
 }
 
 int NetworkIsBadState(int n) {

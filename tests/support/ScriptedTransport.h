@@ -64,6 +64,10 @@ class ScriptedTransport {
   std::vector<int> bad_state_questions;
   std::vector<int> declared_bad_states;
   std::vector<std::string> life;
+  // Write over both blocks of a call; before that, blocks are counted in which bytes of earlier
+  // calls are left.
+  bool scribbles = false;
+  int unclean_blocks = 0;
 };
 
 }  // namespace qv::test
