@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "CachedFile.h"
 #include "GzipFile.h"
 #include "QueryCache.h"
 #include "base/call/CancelFlag.h"
@@ -22,19 +23,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char kIndexName[] = "qvdbcache.db3";
-constexpr std::string_view kPrefix = "QvCache_";
-constexpr std::string_view kAnswer = ".dat";
-constexpr std::string_view kTemporary = ".tmp";
-constexpr std::size_t kNameLength = kPrefix.size() + platform::kGuidLength + kAnswer.size();
 // Longer paths cannot be unpacked.
 constexpr std::size_t kPathLimit = 1024;
 // A temporary file of this age is no longer being written.
 constexpr std::chrono::hours kTemporaryLife(24);
-
-bool IsName(std::string_view name, std::string_view extension) {
-  return name.size() == kNameLength && name.starts_with(kPrefix) && name.ends_with(extension) &&
-         platform::IsGuid(name.substr(kPrefix.size(), platform::kGuidLength));
-}
 
 bool IsFile(const std::string& path) { return platform::TypeOf(path) == fs::file_type::regular; }
 
@@ -44,9 +36,10 @@ bool IsOld(const fs::path& path) {
   return !error && fs::file_time_type::clock::now() - written > kTemporaryLife;
 }
 
-// Copies a file to a new one at `target`, and finishes that, unless the call is cancelled.
+// Copies a file to a new one at `target`, and finishes that, unless the call is cancelled; adds its
+// bytes to `content`. Nothing is flushed: what a power cut takes of the copy does not fit its name.
 std::optional<storage::PartFile> CopyFile(const std::string& source, const std::string& target,
-                                          storage::Flush flush) {
+                                          ContentSum& content) {
   const platform::FilePtr from(platform::OpenFile(source, platform::Opening::kRead));
   if (from == nullptr) return std::nullopt;
   storage::PartFile copy(target);
@@ -55,15 +48,17 @@ std::optional<storage::PartFile> CopyFile(const std::string& source, const std::
   do {
     if (call::IsCancelled()) return std::nullopt;
     got = std::fread(buffer.data(), 1, buffer.size(), from.get());
-    if (!copy.Write(std::string_view(buffer.data(), got))) return std::nullopt;
+    const std::string_view bytes(buffer.data(), got);
+    content.Add(bytes);
+    if (!copy.Write(bytes)) return std::nullopt;
   } while (got == buffer.size());
-  if (std::ferror(from.get()) != 0 || !copy.Finish(flush)) return std::nullopt;
+  if (std::ferror(from.get()) != 0 || !copy.Finish(storage::Flush::kNo)) return std::nullopt;
   return copy;
 }
 
 // Copies a file for the caller, who deletes it.
-bool CopyForCaller(const std::string& source, const std::string& target) {
-  auto copy = CopyFile(source, target, storage::Flush::kNo);
+bool CopyForCaller(const std::string& source, const std::string& target, ContentSum& content) {
+  auto copy = CopyFile(source, target, content);
   if (copy) copy->Keep();
   return copy.has_value();
 }
@@ -76,7 +71,7 @@ std::unique_ptr<CacheFolder> CacheFolder::Open(const std::string& path) {
   const std::optional<std::string> absolute = platform::AbsolutePath(path);
   if (!absolute) return nullptr;
   const std::string whole = platform::WithSeparator(*absolute);
-  if (whole.size() + kNameLength >= kPathLimit) return nullptr;
+  if (whole.size() + kCachedNameLength >= kPathLimit) return nullptr;
   if (!platform::CreatePrivateFolder(whole)) return nullptr;
   std::unique_ptr<CacheIndex> index = CacheIndex::Open(whole + kIndexName);
   if (index == nullptr) return nullptr;
@@ -115,7 +110,7 @@ std::optional<CacheIndex::Entry> CacheFolder::LookUp(const std::string& key) {
 // An answer's file is written once, by Store().
 std::optional<std::int64_t> CacheFolder::StoredAt(const std::string& key) {
   const std::optional<CacheIndex::Entry> entry = LookUp(key);
-  if (!entry || !IsName(entry->file, kAnswer)) return std::nullopt;
+  if (!entry || !IsCachedName(entry->file)) return std::nullopt;
   const auto folder = platform::Folder::Open(path_);
   const auto file = folder ? folder->Look(entry->file) : std::nullopt;
   if (!file || file->kind != platform::EntryKind::kFile) return std::nullopt;
@@ -125,16 +120,19 @@ std::optional<std::int64_t> CacheFolder::StoredAt(const std::string& key) {
 CacheFolder::TakeOutResult CacheFolder::TakeOut(const CacheIndex::Entry& entry,
                                                 const std::string& target) {
   const bool packed = entry.flag == kCacheGzip;
-  if (!IsName(entry.file, kAnswer) || (!packed && entry.flag != kCachePlain))
+  if (!IsCachedName(entry.file) || (!packed && entry.flag != kCachePlain))
     return TakeOutResult::kDamaged;
   const std::string source = path_ + entry.file;
   if (!IsFile(source)) return TakeOutResult::kGone;
-  const int unpacked = packed ? GunzipFile(source, target) : kGunzipDone;
-  const bool done = packed ? unpacked == kGunzipDone : CopyForCaller(source, target);
-  if (done) return TakeOutResult::kDone;
+  ContentSum content;
+  const bool read = packed ? content.AddFile(source) : CopyForCaller(source, target, content);
+  const bool damaged = read && !Fits(entry.file, content);
+  const int unpacked = read && packed && !damaged ? GunzipFile(source, target) : kGunzipDone;
+  if (read && !damaged && unpacked == kGunzipDone) return TakeOutResult::kDone;
   if (!IsFile(source)) return TakeOutResult::kGone;
   // Any other failure may concern the target, and says nothing about the entry.
-  return unpacked == kGunzipUnreadable ? TakeOutResult::kDamaged : TakeOutResult::kFailed;
+  return damaged || unpacked == kGunzipUnreadable ? TakeOutResult::kDamaged
+                                                  : TakeOutResult::kFailed;
 }
 
 void CacheFolder::Discard(const std::string& key, const CacheIndex::Entry& entry) {
@@ -144,10 +142,10 @@ void CacheFolder::Discard(const std::string& key, const CacheIndex::Entry& entry
 
 bool CacheFolder::Store(const std::string& key, const std::string& file, int flag) {
   if (flag != kCacheGzip && flag != kCachePlain) return false;
-  const std::string stem = std::string(kPrefix) + platform::NewGuid();
-  auto copy = CopyFile(file, path_ + stem + std::string(kTemporary), storage::Flush::kYes);
+  ContentSum content;
+  auto copy = CopyFile(file, path_ + NewTemporaryName(), content);
   if (!copy) return false;
-  const CacheIndex::Entry entry{stem + std::string(kAnswer), flag};
+  const CacheIndex::Entry entry{NewCachedName(content), flag};
   if (Enter(key, entry, *copy)) return true;
   RemoveAnswer(entry.file);
   return false;
@@ -174,7 +172,7 @@ bool CacheFolder::Clear() {
 }
 
 void CacheFolder::RemoveAnswer(const std::string& name) {
-  if (IsName(name, kAnswer)) platform::RemoveFile(path_ + name);
+  if (IsCachedName(name)) platform::RemoveFile(path_ + name);
 }
 
 bool CacheFolder::Sweep() {
@@ -187,8 +185,8 @@ bool CacheFolder::Sweep() {
   for (fs::directory_iterator at(platform::PathFromNarrow(path_), error), end; !error && at != end;
        at.increment(error)) {
     const std::string name = platform::NarrowFromPath(at->path().filename());
-    const bool left_over = IsName(name, kAnswer) && !entered->contains(name);
-    const bool abandoned = IsName(name, kTemporary) && IsOld(at->path());
+    const bool left_over = IsCachedName(name) && !entered->contains(name);
+    const bool abandoned = IsTemporaryName(name) && IsOld(at->path());
     if (left_over || abandoned) platform::RemoveFile(path_ + name);
   }
   return !error;

@@ -13,8 +13,10 @@
 namespace qv {
 
 // The answers are files with names that the folder makes up; other files are left alone. A file is
-// written under a temporary name, flushed, and then renamed and entered while no other program can
-// change the index. So a file with a final name and without an entry is a left-over. All calls may
+// written under a temporary name, and then renamed and entered while no other program can change
+// the index. So a file with a final name and without an entry is a left-over. Nothing waits for the
+// disk: after a power cut, the newest entries may be missing, or name a file that is missing or
+// lacks bytes, which its name tells. All calls may
 // come from several threads and programs at once.
 class CacheFolder {
  public:

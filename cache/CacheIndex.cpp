@@ -1,10 +1,12 @@
 #include "CacheIndex.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <mutex>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "base/platform/Folder.h"
@@ -20,51 +22,71 @@ constexpr int kBusyTimeoutMs = 500;
 constexpr int kMaxLength = 64 * 1024 * 1024;
 constexpr std::size_t kMaxFileName = 255;
 
-// A file's new name must be on the disk before its entry is, and the entry before the old file is
-// deleted. A rollback journal ensures the first, because every commit flushes the folder with the
-// journal; "extra" flushes it again after the journal is deleted.
-constexpr const char* kSetUp[] = {
-    "PRAGMA cell_size_check = ON",
-    "PRAGMA synchronous = EXTRA",
-};
+// A commit appends to a write-ahead log, which is only flushed when its content moves to the
+// database: a power cut takes the last commits, and never more. Programs on several machines cannot
+// share such a log, so a folder of a network keeps the rollback journal, which is flushed with
+// every commit; "extra" also flushes the folder.
+constexpr const char kFlushAlways[] = "PRAGMA synchronous = EXTRA";
+constexpr const char kFlushRarely[] = "PRAGMA synchronous = NORMAL";
+// The log and its companions exist while programs use the index. The last one to close it removes
+// them, so that programs which expect a rollback journal find one.
+constexpr const char kUseLog[] = "PRAGMA journal_mode = WAL";
+constexpr const char kUseJournal[] = "PRAGMA journal_mode = DELETE";
+// Marks the index in its header, where it can be seen before anything is read from the database.
+constexpr const char kMark[] = "PRAGMA application_id = 0x51764331";
+constexpr std::string_view kMarkBytes = "QvC1";
+
 constexpr const char kTable[] =
     "qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY KEY, "
     "file_name TEXT NOT NULL, compress_flag INTEGER NOT NULL) WITHOUT ROWID";
 
 constexpr const char kJournal[] = "-journal";
+constexpr const char kLog[] = "-wal";
+constexpr const char kSharedMemory[] = "-shm";
 // The result for a database that is not the index; SQLite itself does not return this code here.
 constexpr int kForeign = SQLITE_MISMATCH;
 
-// Opening a pipe would block, and a link leads out of the folder. The index never has the files of
-// a write-ahead log, and reading a database that has them changes it. Each file is checked only
-// once, because the journal of another program comes and goes.
-bool MayOpen(const std::string& path) {
-  const auto type_of = [&path](const char* companion) {
-    return platform::TypeOf(path + companion);
-  };
-  using enum std::filesystem::file_type;
-  for (const char* const companion : {"", kJournal}) {
-    const std::filesystem::file_type type = type_of(companion);
-    if (type != regular && type != not_found) return false;
-  }
-  return type_of("-wal") == not_found && type_of("-shm") == not_found;
+bool HasLogBeside(const std::string& path) {
+  constexpr auto kNone = std::filesystem::file_type::not_found;
+  return platform::TypeOf(path + kLog) != kNone || platform::TypeOf(path + kSharedMemory) != kNone;
 }
 
-// Returns true if the header marks the database as WAL. Read through SQLite's own handle (closing a
-// second one would drop its POSIX locks), and before the first query, which would create the -wal
-// file.
-bool HasWriteAheadLog(sqlite3* database) {
+// Opening a pipe would block, and a link leads out of the folder. Each file is checked only once,
+// because companions come and go. A log is read as a whole when the database is opened.
+bool MayOpen(const std::string& path) {
+  constexpr std::uintmax_t kLongestLog = std::uintmax_t{512} << 20;
+  using enum std::filesystem::file_type;
+  for (const char* const companion : {"", kJournal, kLog, kSharedMemory}) {
+    const std::filesystem::file_type type = platform::TypeOf(path + companion);
+    if (type != regular && type != not_found) return false;
+  }
+  std::error_code missing;
+  const auto length = std::filesystem::file_size(platform::PathFromNarrow(path + kLog), missing);
+  return missing || length <= kLongestLog;
+}
+
+struct Head {
+  bool has_log = false;
+  bool is_marked = false;
+};
+
+// Reads the header through SQLite's own handle (closing a second one would drop its POSIX locks),
+// and before the first query, which would create the log.
+Head ReadHead(sqlite3* database) {
   using std::string_view_literals::operator""sv;
   constexpr std::string_view kMagic = "SQLite format 3\0"sv;
   constexpr std::size_t kWriteVersion = 18;
   constexpr std::size_t kReadVersion = 19;
-  std::array<char, kReadVersion + 1> head{};
+  constexpr std::size_t kApplication = 68;
+  std::array<char, kApplication + kMarkBytes.size()> head{};
+  const std::string_view bytes(head.data(), head.size());
   sqlite3_file* file = nullptr;
   sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
-  if (file == nullptr || file->pMethods == nullptr) return false;
+  if (file == nullptr || file->pMethods == nullptr) return {};
   const int read = file->pMethods->xRead(file, head.data(), static_cast<int>(head.size()), 0);
-  return read == SQLITE_OK && std::string_view(head.data(), kMagic.size()) == kMagic &&
-         (head[kWriteVersion] == 2 || head[kReadVersion] == 2);
+  if (read != SQLITE_OK || !bytes.starts_with(kMagic)) return {};
+  return {.has_log = head[kWriteVersion] == 2 || head[kReadVersion] == 2,
+          .is_marked = bytes.substr(kApplication) == kMarkBytes};
 }
 
 // Creates the file privately; SQLite gives the journal the same rights.
@@ -74,7 +96,9 @@ void CreatePrivately(const std::string& path) {
 
 bool MoveAside(const std::string& path) {
   if (!platform::ReplaceByRename(path, path + ".broken")) return false;
-  platform::RemoveFile(path + kJournal);
+  for (const char* const companion : {kJournal, kLog, kSharedMemory}) {
+    platform::RemoveFile(path + companion);
+  }
   return true;
 }
 
@@ -108,6 +132,8 @@ std::unique_ptr<CacheIndex> CacheIndex::Open(const std::string& path) {
 }
 
 int CacheIndex::Connect(const std::string& path) {
+  // Before the header is read, because a program that begins to use the log marks the header first.
+  const bool has_log_beside = HasLogBeside(path);
   // SQLite takes names in UTF-8 on every system.
   const std::u8string name = platform::PathFromNarrow(path).u8string();
   constexpr int kFlags =
@@ -119,8 +145,12 @@ int CacheIndex::Connect(const std::string& path) {
   if (result != SQLITE_OK) return result;
   Restrict(opened);
   sqlite3_busy_timeout(opened, kBusyTimeoutMs);
-  if (HasWriteAheadLog(opened)) return kForeign;
-  for (const char* const sql : kSetUp) {
+  const Head head = ReadHead(opened);
+  const bool may_have_log = platform::IsLocalFolder(platform::FolderOf(path));
+  // Reading a database changes the log that it has.
+  const bool has_log = head.has_log || has_log_beside;
+  if (has_log && !(head.is_marked && may_have_log)) return kForeign;
+  for (const char* const sql : {"PRAGMA cell_size_check = ON", kFlushAlways}) {
     if (const int done = Execute(sql); done != SQLITE_OK) return done;
   }
   int table = Recognise();
@@ -131,7 +161,27 @@ int CacheIndex::Connect(const std::string& path) {
   }
   if (table != SQLITE_ROW) return table;
   const int checked = Check();
-  return checked == SQLITE_OK ? PrepareAll() : checked;
+  if (checked != SQLITE_OK) return checked;
+  if (may_have_log && (head.is_marked || Execute(kMark) == SQLITE_OK)) UseLog();
+  return PrepareAll();
+}
+
+// Without the log, the index works all the same.
+void CacheIndex::UseLog() {
+  IndexStatement mode;
+  if (mode.Prepare(database_.get(), kUseLog) != SQLITE_OK) return;
+  {
+    StatementRun run(mode);
+    has_log_ = run.Step() == SQLITE_ROW && run.Text(0, kMaxFileName) == "wal";
+  }
+  if (has_log_) (void)Execute(kFlushRarely);
+}
+
+CacheIndex::~CacheIndex() {
+  if (!has_log_) return;
+  // Fails at once while other programs use the index.
+  sqlite3_busy_timeout(database_.get(), 0);
+  if (Execute(kFlushAlways) == SQLITE_OK) (void)Execute(kUseJournal);
 }
 
 int CacheIndex::Execute(const char* sql) {
@@ -177,6 +227,8 @@ int CacheIndex::PrepareAll() {
        "VALUES(?1, ?2, ?3)"},
       {remove_, "DELETE FROM qv_tp_sqlindex WHERE query_text = ?1 AND file_name = ?2"},
       {files_, "SELECT file_name FROM qv_tp_sqlindex"},
+      {begin_, "BEGIN IMMEDIATE"},
+      {commit_, "COMMIT"},
   };
   for (const auto& [statement, sql] : statements) {
     const int result = statement.Prepare(database_.get(), sql);
@@ -189,9 +241,11 @@ CacheIndex::Transaction::~Transaction() {
   if (sqlite3_get_autocommit(index_.database_.get()) == 0) (void)index_.Execute("ROLLBACK");
 }
 
-bool CacheIndex::Transaction::Begin() { return index_.Execute("BEGIN IMMEDIATE") == SQLITE_OK; }
+bool CacheIndex::Transaction::Begin() { return StatementRun(index_.begin_).Step() == SQLITE_DONE; }
 
-bool CacheIndex::Transaction::Commit() { return index_.Execute("COMMIT") == SQLITE_OK; }
+bool CacheIndex::Transaction::Commit() {
+  return StatementRun(index_.commit_).Step() == SQLITE_DONE;
+}
 
 std::optional<CacheIndex::Entry> CacheIndex::Find(const std::string& key) {
   StatementRun run(find_);

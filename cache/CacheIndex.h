@@ -13,7 +13,8 @@
 namespace qv {
 
 // An SQLite database that several programs may use at once, each from one thread at a time. Keys
-// are arbitrary bytes. Content that is read may have been written by anybody.
+// are arbitrary bytes. Content that is read may have been written by anybody. A power cut takes the
+// newest changes at most, in their order.
 class CacheIndex {
  public:
   struct Entry {
@@ -26,6 +27,9 @@ class CacheIndex {
   // Returns null and changes nothing if the database holds anything but the index's own table, or
   // is not a regular file.
   [[nodiscard]] static std::unique_ptr<CacheIndex> Open(const std::string& path);
+  ~CacheIndex();
+  CacheIndex(const CacheIndex&) = delete;
+  CacheIndex& operator=(const CacheIndex&) = delete;
 
   // Makes all changes between Begin() and Commit() atomic; no other program changes the index
   // meanwhile. The destructor rolls back what was not committed.
@@ -64,11 +68,13 @@ class CacheIndex {
   // Returns SQLITE_ROW for the index, SQLITE_DONE for an empty database, or an error.
   [[nodiscard]] int Recognise();
   [[nodiscard]] int Check();
+  void UseLog();
   [[nodiscard]] int PrepareAll();
 
   // Declared first, so that it is closed after its statements.
   std::unique_ptr<sqlite3, Closer> database_;
-  IndexStatement find_, put_, remove_, files_;
+  IndexStatement find_, put_, remove_, files_, begin_, commit_;
+  bool has_log_ = false;
 };
 
 }  // namespace qv

@@ -43,12 +43,12 @@ class QueryCacheTest : public testing::Test {
   }
   std::string Found(const std::string& key) { return Found(cache_, key); }
 
-  // Returns the names in the cache's folder, without the index.
+  // Returns the names in the cache's folder, without the index and its log.
   std::set<std::string> Files() {
     std::set<std::string> names;
     for (const auto& entry : fs::directory_iterator(path_))
       names.insert(entry.path().filename().string());
-    names.erase("qvdbcache.db3");
+    std::erase_if(names, [](const auto& name) { return name.starts_with("qvdbcache.db3"); });
     return names;
   }
 
@@ -133,6 +133,50 @@ TEST_F(QueryCacheTest, ForgetsADamagedAnswerOnly) {
     EXPECT_FALSE(cache_.Find(key, copies_ + "/missing")) << "not the answer's fault";
     EXPECT_EQ(Found(key), "text");
   }
+}
+
+TEST_F(QueryCacheTest, GivesNoFileThatLostBytes) {
+  const std::string packed = Gzipped("text");
+  for (const std::string& left : {std::string(), std::string(4, '\0'), packed + "#"}) {
+    for (const int flag : {kCachePlain, kCacheGzip}) {
+      ASSERT_TRUE(cache_.Store("key", folder_.Write("answer", flag ? "text" : packed), flag));
+      folder_.Write("a/cache/" + *Files().begin(), left);
+      EXPECT_EQ(Found("key"), "-");
+      EXPECT_TRUE(Files().empty());
+    }
+  }
+  ASSERT_TRUE(Store("key", "text"));
+  const std::string without_sum = "QvCache_" + platform::NewGuid() + ".dat";
+  folder_.Write("a/cache/" + without_sum, "of an earlier version");
+  Sql("UPDATE qv_tp_sqlindex SET file_name = '" + without_sum + "'");
+  EXPECT_EQ(Found("key"), "of an earlier version");
+}
+
+TEST_F(QueryCacheTest, LosesTheNewestAnswersAtMostInAPowerCut) {
+  constexpr int kAnswers = 12;
+  const std::string index = "qvdbcache.db3";
+  for (int i = 0; i < kAnswers; ++i) ASSERT_TRUE(Store("key " + std::to_string(i), "text"));
+  const std::string log = BytesOf(path_ + "/" + index + "-wal");
+  std::set<int> kept;
+  for (std::size_t part = 0; part <= 16; ++part) {
+    const std::string name_after = "after" + std::to_string(part);
+    const std::string after = folder_.At(name_after);
+    fs::create_directory(after);
+    for (const std::string& name : Files()) fs::copy(path_ + "/" + name, after + "/" + name);
+    fs::copy(path_ + "/" + index, after + "/" + index);
+    folder_.Write(name_after + "/" + index + "-wal", log.substr(0, log.size() * part / 16));
+    QueryCache cache;
+    ASSERT_TRUE(cache.SetPath(after)) << part;
+    int found = 0;
+    while (found < kAnswers && Found(cache, "key " + std::to_string(found)) == "text") ++found;
+    for (int i = found; i < kAnswers; ++i) EXPECT_EQ(Found(cache, "key " + std::to_string(i)), "-");
+    kept.insert(found);
+  }
+  EXPECT_GE(kept.size(), 4u);
+  EXPECT_EQ(*kept.rbegin(), kAnswers);
+  cache_.Reset();
+  EXPECT_FALSE(fs::exists(path_ + "/" + index + "-wal"));
+  EXPECT_EQ(BytesOf(path_ + "/" + index)[18], 1) << "programs that expect a rollback journal";
 }
 
 TEST_F(QueryCacheTest, LeavesNoTraceOfAFailedStore) {
@@ -220,7 +264,7 @@ TEST_F(QueryCacheTest, LeavesTheDatabasesOfOthersAlone) {
     return !cache_.SetPath(path_) && BytesOf(index) == before && Files().empty();
   };
   const char* const planted[] = {
-      "PRAGMA journal_mode = WAL",
+      "PRAGMA application_id = 0; PRAGMA journal_mode = WAL",
       "PRAGMA journal_mode = DELETE; CREATE INDEX slow ON qv_tp_sqlindex(hex(query_text))",
       ("DROP TABLE qv_tp_sqlindex; CREATE TABLE qv_tp_sqlindex(query_text BLOB NOT NULL PRIMARY "
        "KEY,"
