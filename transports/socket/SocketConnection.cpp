@@ -1,6 +1,7 @@
 #include "SocketConnection.h"
 
 #include <algorithm>
+#include <array>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/io_context.hpp>
@@ -148,6 +149,7 @@ void SocketConnection::BeginHandshake(const Patience& patience) {
 }
 
 bool SocketConnection::IsQuiet() {
+  if (!ahead_.empty()) return false;
   unsigned char byte = 0;
   error_code error;
   socket_.receive(asio::buffer(&byte, 1), Socket::message_peek, error);
@@ -155,35 +157,71 @@ bool SocketConnection::IsQuiet() {
 }
 
 bool SocketConnection::Read(WritableBytes bytes) {
+  const std::size_t at_hand = std::min(ahead_.size(), bytes.size());
+  std::copy_n(ahead_.begin(), at_hand, bytes.begin());
+  ahead_ = ahead_.subspan(at_hand);
+  bytes = bytes.subspan(at_hand);
+  // What answers a request is not there yet when the request has just left.
+  if (!bytes.empty() && std::exchange(has_just_written_, false) && !WaitFor(Event::kReadable)) {
+    return false;
+  }
   while (!bytes.empty()) {
     if (IsCancelled()) return false;
     error_code error;
-    const std::size_t count = socket_.read_some(asio::buffer(bytes.data(), bytes.size()), error);
+    const std::size_t count = ReadSome(bytes, error);
     has_read_ = has_read_ || count != 0;
     bytes = bytes.subspan(count);
-    if (error && !WaitFor(Socket::wait_read, error)) return false;
+    if (error && !WaitAfter(error, Event::kReadable)) return false;
   }
   return true;
 }
 
+std::size_t SocketConnection::ReadSome(WritableBytes bytes, error_code& error) {
+  const std::array<asio::mutable_buffer, 2> room = {asio::buffer(bytes.data(), bytes.size()),
+                                                    asio::buffer(ahead_room_)};
+  const std::size_t count = socket_.read_some(room, error);
+  if (count <= bytes.size()) return count;
+  ahead_ = WritableBytes(ahead_room_).first(count - bytes.size());
+  return bytes.size();
+}
+
 bool SocketConnection::Write(std::initializer_list<Bytes> pieces) {
   std::vector<asio::const_buffer> buffers = Buffers(pieces);
+  has_just_written_ = true;
   while (!buffers.empty()) {
     if (IsCancelled()) return false;
     error_code error;
     const std::size_t count = socket_.write_some(buffers, error);
     has_written_ = has_written_ || count != 0;
     Advance(buffers, count);
-    if (error && !WaitFor(Socket::wait_write, error)) return false;
+    if (error && !WaitAfter(error, Event::kWritable)) return false;
   }
   return true;
 }
 
-bool SocketConnection::WaitFor(Socket::wait_type readiness, const error_code& error) {
-  if (!WouldBlock(error)) return Fail(error);
-  std::optional<error_code> outcome;
-  socket_.async_wait(readiness, [&](const error_code& done) { outcome = done; });
-  return Finish(outcome, std::min(Clock::now() + io_timeout_, deadline_));
+bool SocketConnection::WaitAfter(const error_code& error, Event event) {
+  return WouldBlock(error) ? WaitFor(event) : Fail(error);
+}
+
+bool SocketConnection::WaitFor(Event event) {
+  using std::chrono::milliseconds;
+  const auto socket = static_cast<std::uintptr_t>(socket_.native_handle());
+  const Clock::time_point deadline = std::min(Clock::now() + io_timeout_, deadline_);
+  while (!IsCancelled()) {
+    const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
+    if (left <= milliseconds::zero()) {
+      trouble_ = Trouble::kTooLate;
+      return false;
+    }
+    const milliseconds slice = cancel_.IsSet() ? std::min(left, kCancelSlice) : left;
+    int system_error = 0;
+    const platform::SocketWait waited = platform::WaitForSocket(socket, event, slice, system_error);
+    if (waited == platform::SocketWait::kReady) return true;
+    if (waited == platform::SocketWait::kFailed) {
+      return Fail({system_error, boost::system::system_category()});
+    }
+  }
+  return false;
 }
 
 bool SocketConnection::Finish(const std::optional<error_code>& outcome,

@@ -1,6 +1,7 @@
 // A connection to a server, with deadlines.
 #pragma once
 
+#include <array>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <chrono>
@@ -10,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/platform/SocketWait.h"
 #include "transports/exchange/ThreadCall.h"
 #include "transports/frame/FrameIo.h"
 
@@ -72,11 +74,17 @@ class SocketConnection final : public ByteStream {
   explicit SocketConnection(const Peer& peer) : peer_(peer) {}
 
   bool Connect(const boost::asio::ip::tcp::endpoint& endpoint, const Patience& patience);
-  // Waits until the socket is ready after `error`. Returns false if the deadline passes first, the
-  // call is cancelled, or `error` says more than that the socket is not ready.
-  bool WaitFor(Socket::wait_type readiness, const boost::system::error_code& error);
-  // Runs the operation that was started until `outcome` is set. Closes the socket at `deadline`, or
-  // when the call is cancelled.
+  using Event = platform::SocketEvent;
+  // Reads what is there, at most `bytes` and what may be read ahead; returns how many of `bytes` it
+  // filled.
+  std::size_t ReadSome(WritableBytes bytes, boost::system::error_code& error);
+  // Waits until the socket is ready. Returns false if the deadline passes first, the call is
+  // cancelled, or the system cannot wait.
+  bool WaitFor(Event event);
+  // The same after `error`; returns false also if that says more than that the socket is not ready.
+  bool WaitAfter(const boost::system::error_code& error, Event event);
+  // Connecting: runs the operation that was started until `outcome` is set. Closes the socket at
+  // `deadline`, or when the call is cancelled.
   bool Finish(const std::optional<boost::system::error_code>& outcome, Clock::time_point deadline);
   void RunUntil(const std::optional<boost::system::error_code>& outcome,
                 Clock::time_point deadline);
@@ -90,9 +98,13 @@ class SocketConnection final : public ByteStream {
   std::chrono::milliseconds io_timeout_{0};
   Clock::time_point deadline_ = Clock::time_point::max();
   CancelQuestion cancel_;
+  // Bytes that arrived with those that were read, so that a small reply is read at once.
+  std::array<unsigned char, 16384> ahead_room_;
+  WritableBytes ahead_;
   bool takes_version_2_ = false;
   bool has_written_ = false;
   bool has_read_ = false;
+  bool has_just_written_ = false;
   Trouble trouble_ = Trouble::kNone;
   boost::system::error_code error_;
 };
