@@ -2,6 +2,7 @@
 #include <qvnetcall/QvNetCall4.h>
 
 #include <atomic>
+#include <utility>
 
 #include "CacheFill.h"
 #include "Groups.h"
@@ -19,7 +20,10 @@ void SelectNext(Cache cache) {
   Select(kSqlite, fmt::format("{} and id < {}", kTwoRows, 100 + next++ % kQueries), 2, cache);
 }
 
+// Opening a folder of many answers takes a while, as it is swept then.
 void Open(const std::string& folder) {
+  static std::string opened;
+  if (folder == std::exchange(opened, folder)) return;
   CheckResult("SetCachePath", CRvoServer::SetCachePath(folder.c_str()) == 1);
 }
 
