@@ -105,18 +105,21 @@ TEST_P(BothTransports, ServeManyThreadsAtOnce) {
 TEST_P(BothTransports, ReplaceAKeptConnectionThatIsNoLongerInOrder) {
   // One server disconnects after an answer, others send an unexpected byte: after it, or with it.
   for (const auto& [with_it, after_it] : {std::pair("", ""), {"", "x"}, {"x", ""}}) {
+    const bool stays = *with_it != '\0';  // until the client disconnects
     ScriptedServer server([&](ServerSide& side) {
       WholeFrame request;
       if (!Receive(side, request)) return;
       side.Write({BytesOfText(GetParam().answer(PlainReply(request.payload)) + with_it)});
       side.Write({BytesOfText(after_it)});
+      std::array<unsigned char, 1> more{};
+      if (stays && side.Read(more)) ADD_FAILURE() << "the connection was used again";
     });
     for (int count = 1; count <= 3; ++count) {
       TransportCall call;
       call.request.AddString("again", nullptr);
       ASSERT_EQ(Send(call, server.Port()), 0);
       ASSERT_EQ(call.Answer(), "again");
-      server.WaitForFinished(count);
+      server.WaitForFinished(stays ? count - 1 : count);
     }
   }
 }
