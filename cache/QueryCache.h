@@ -21,10 +21,11 @@ enum CacheFlag { kCacheGzip = 0, kCachePlain = 1 };
 // their owner only. Keys are arbitrary bytes; keys over 64 MiB are not stored.
 //
 // Every call may come from several threads at once, and several programs may share a folder. If a
-// program dies or the machine stops at any moment, the cache holds the earlier answer or the new
-// one. A call waits for an index that another program keeps busy at most half a second each time,
-// and two seconds in all; then the answer is not found or not stored. Threads wait for each other's
-// calls. Nothing throws, except std::bad_alloc.
+// program dies at any moment, the cache holds the earlier answer or the new one. If the machine
+// stops, answers of the last moments may be missing, and what is there is whole. A call waits for
+// an index that another program keeps busy at most half a second each time, and two seconds in all;
+// then the answer is not found or not stored. Threads wait for each other's calls. Nothing throws,
+// except std::bad_alloc.
 class QueryCache {
  public:
   QueryCache();
