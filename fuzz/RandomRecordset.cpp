@@ -8,12 +8,13 @@ namespace {
 
 using Choices = std::vector<std::string_view>;
 
-const Choices kRowsetTypes = {"boolean", "ui1",      "i2",     "int",     "i8",      "r4", "float",
-                              "string",  "dateTime", "string", "bin.hex", "unknown", ""};
+const Choices kRowsetTypes = {"boolean", "ui1",    "i2",      "int",      "i8",
+                              "r4",      "float",  "string",  "dateTime", "string",
+                              "bin.hex", "number", "unknown", ""};
 const Choices kSchemaTypes = {
     "xs:boolean",      "xs:unsignedByte", "xs:short",  "xs:int",    "xs:long",
     "xs:float",        "xs:double",       "xs:string", "xs:string", "xs:dateTime",
-    "xs:base64Binary", "xs:other",        ""};
+    "xs:base64Binary", "xs:decimal",      "xs:other",  ""};
 const Choices kNames = {"ID",           "Name",       "name", "Date", "a:b",      "\xe5\x90\x8d",
                         "\xc3\xfb",     "s",          "/x",   "x",    "Document", "DocumentNo",
                         "DocumentName", "DocumentNo2"};

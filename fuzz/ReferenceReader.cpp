@@ -325,6 +325,7 @@ int RowsetType(const Values& values) {
   if (type == "i8") return 20;
   if (type == "r4") return 4;
   if (type == "float") return 5;
+  if (type == "number") return 131;
   if (type == "string" && ValueOf(values, "rs:fixedlength") == "true") return 129;
   if (type == "string" && ValueOf(values, "rs:long") == "true") return 201;
   if (type == "string") return 200;
@@ -335,9 +336,9 @@ int RowsetType(const Values& values) {
 
 int SchemaType(const std::string& type) {
   const std::pair<std::string, int> codes[] = {
-      {"xs:boolean", 11},   {"xs:unsignedByte", 17}, {"xs:short", 2},  {"xs:int", 3},
-      {"xs:long", 20},      {"xs:float", 4},         {"xs:double", 5}, {"xs:string", 200},
-      {"xs:dateTime", 135}, {"xs:base64Binary", 205}};
+      {"xs:boolean", 11},   {"xs:unsignedByte", 17},  {"xs:short", 2},    {"xs:int", 3},
+      {"xs:long", 20},      {"xs:float", 4},          {"xs:double", 5},   {"xs:string", 200},
+      {"xs:dateTime", 135}, {"xs:base64Binary", 205}, {"xs:decimal", 131}};
   for (const auto& [name, code] : codes) {
     if (name == type) return code;
   }

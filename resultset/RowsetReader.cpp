@@ -27,13 +27,14 @@ std::uint8_t TextType(const AttributeList& attributes) {
 }
 
 std::uint8_t TypeOf(const AttributeList& attributes) {
-  static constexpr std::array<NamedType, 8> kTypes = {{{"boolean", kTypeBoolean},
+  static constexpr std::array<NamedType, 9> kTypes = {{{"boolean", kTypeBoolean},
                                                        {"ui1", kTypeUnsignedTinyInt},
                                                        {"i2", kTypeSmallInt},
                                                        {"int", kTypeInteger},
                                                        {"i8", kTypeBigInt},
                                                        {"r4", kTypeSingle},
                                                        {"float", kTypeDouble},
+                                                       {"number", kTypeNumeric},
                                                        {"bin.hex", kTypeLongVarBinary}}};
   const std::string_view name = attributes.Value("dt:type");
   if (name == "string") return TextType(attributes);

@@ -23,13 +23,14 @@ constexpr std::size_t kMaxTag = 1024;
 constexpr std::size_t kNone = std::string_view::npos;
 
 std::uint8_t TypeOf(std::string_view name) {
-  static constexpr std::array<NamedType, 10> kTypes = {{{"xs:boolean", kTypeBoolean},
+  static constexpr std::array<NamedType, 11> kTypes = {{{"xs:boolean", kTypeBoolean},
                                                         {"xs:unsignedByte", kTypeUnsignedTinyInt},
                                                         {"xs:short", kTypeSmallInt},
                                                         {"xs:int", kTypeInteger},
                                                         {"xs:long", kTypeBigInt},
                                                         {"xs:float", kTypeSingle},
                                                         {"xs:double", kTypeDouble},
+                                                        {"xs:decimal", kTypeNumeric},
                                                         {"xs:string", kTypeVarChar},
                                                         {"xs:dateTime", kTypeTimeStamp},
                                                         {"xs:base64Binary", kTypeLongVarBinary}}};

@@ -203,7 +203,12 @@ class ExactValues(ProgramCase):
         settings = self.folder / "data/databases.json"
         settings.write_text(json.dumps({"DESIGNDB": {"odbc": engine.text}}))
         settings.chmod(0o600)
-        self.expect_values(self.serve_values(engine.text, "numeric", "bytea", "'\\x00ff'"))
+        ways = self.serve_values(engine.text, "numeric", "bytea", "'\\x00ff'")
+        self.expect_values(ways)
+        for way in ways:
+            query = ["query", "select n from exact_values order by n", "--db", "DESIGNDB"]
+            self.assertIn('{"n":12345678901234.5678}', self.call(*way, *query, "--format", "json")[1], way)
+            self.assertIn("\n               -0.1\n", self.call(*way, *query)[1], way)
 
     def test_are_not_waited_for_after_an_interrupt(self):
         for way in self.sqlite():

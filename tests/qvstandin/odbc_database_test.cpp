@@ -146,7 +146,7 @@ TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
   EXPECT_THAT(columns, ElementsAre(Facts{"i", Kind::kInt32, 0}, Facts{"l", Kind::kInt64, 0},
                                    Facts{"s", Kind::kInt16, 0}, Facts{"b", Kind::kBoolean, 0},
                                    Facts{"d", Kind::kDouble, 0}, Facts{"f", Kind::kSingle, 0},
-                                   Facts{"n", Kind::kDouble, 0}, Facts{"day", Kind::kDate, 0},
+                                   Facts{"n", Kind::kDecimal, 0}, Facts{"day", Kind::kDate, 0},
                                    Facts{"at", Kind::kDateTime, 0}, Facts{"c", Kind::kFixedText, 4},
                                    Facts{"v", Kind::kText, 10}, Facts{"x", Kind::kLongText, 0},
                                    Facts{"y", Kind::kBinary, 0}));

@@ -37,6 +37,7 @@ enum class ColumnKind {
   kBoolean,
   kDouble,
   kSingle,
+  kDecimal,  // a number whose text has all its digits
   kDate,
   kDateTime,
   kFixedText,

@@ -48,8 +48,9 @@ ColumnKind KindOf(odbc::ColumnKind kind) {
     case odbc::ColumnKind::kReal:
       return ColumnKind::kSingle;
     case odbc::ColumnKind::kDouble:
-    case odbc::ColumnKind::kDecimal:
       return ColumnKind::kDouble;
+    case odbc::ColumnKind::kDecimal:
+      return ColumnKind::kDecimal;
     case odbc::ColumnKind::kChar:
     case odbc::ColumnKind::kWideChar:
       return ColumnKind::kFixedText;
@@ -120,13 +121,12 @@ bool OdbcCells::Read(odbc::Statement& statement, odbc::Diagnostics& diagnostics)
   return true;
 }
 
-// Decimal numbers are read as text so that no digit is lost, and dates because their text is the
-// same with every driver.
+// Decimals are read as text so that no digit is lost, and dates because their text is the same with
+// every driver.
 CellState OdbcCells::ReadCell(odbc::Statement& statement, std::size_t column, Slot& slot,
                               Cell& cell, odbc::Diagnostics& diagnostics) {
-  const bool is_decimal = statement.Columns()[column].kind == odbc::ColumnKind::kDecimal;
   CellState state = CellState::kValue;
-  switch (is_decimal ? ColumnKind::kText : slot.kind) {
+  switch (slot.kind) {
     case ColumnKind::kBoolean:
     case ColumnKind::kInt16:
     case ColumnKind::kInt32:

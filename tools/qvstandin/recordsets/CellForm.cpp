@@ -161,6 +161,16 @@ void AppendInteger(const Cell& cell, std::string& out) {
   is_whole ? AppendNumber(static_cast<std::int64_t>(*value), out) : AppendText(cell, out);
 }
 
+// The types for decimals have no exponents.
+void AppendDecimal(const Cell& cell, std::string& out) {
+  const auto* const value = std::get_if<double>(&cell);
+  if (value == nullptr) return AppendText(cell, out);
+  std::array<char, 400> text;  // the smallest double has 324 decimals
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), *value, std::chars_format::fixed);
+  out.append(text.data(), end.ptr);
+}
+
 void AppendBytes(BinaryForm form, std::string_view bytes, std::string& out) {
   form == BinaryForm::kHex ? AppendHex(bytes, out) : AppendBase64(bytes, out);
 }
@@ -203,6 +213,9 @@ bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::s
     case ColumnKind::kInt32:
     case ColumnKind::kInt64:
       AppendInteger(cell, out);
+      return true;
+    case ColumnKind::kDecimal:
+      AppendDecimal(cell, out);
       return true;
     case ColumnKind::kSingle:
       AppendSingle(cell, out);

@@ -150,9 +150,9 @@ void ColumnFit::AddDecimal(std::string_view text) {
 
 ColumnKind ColumnFit::Fitted() const {
   if (is_integer_ && !integers_lose_) return FittedInteger();
-  if (is_integer_) return doubles_lose_ ? ColumnKind::kText : ColumnKind::kDouble;
+  if (is_integer_) return doubles_lose_ ? ColumnKind::kDecimal : ColumnKind::kDouble;
   if (!is_double_ || !doubles_lose_) return kind_;
-  return integers_lose_ ? ColumnKind::kText : ColumnKind::kInt64;
+  return integers_lose_ ? ColumnKind::kDecimal : ColumnKind::kInt64;
 }
 
 ColumnKind ColumnFit::FittedInteger() const {

@@ -17,7 +17,7 @@ class ColumnFit {
 
   void Add(const Cell& cell);
   // Returns the declared kind if it holds every number without loss; else the narrowest integer
-  // kind that does, or the double, or text.
+  // kind that does, or the double, or the decimal.
   [[nodiscard]] ColumnKind Fitted() const;
 
  private:

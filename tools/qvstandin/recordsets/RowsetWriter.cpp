@@ -37,6 +37,8 @@ TypeAttributes AttributesOf(ColumnKind kind) {
       return {"float", 8, " rs:precision='15' rs:fixedlength='true'"};
     case ColumnKind::kSingle:
       return {"r4", 4, " rs:precision='7' rs:fixedlength='true'"};
+    case ColumnKind::kDecimal:
+      return {"number", 0, ""};
     case ColumnKind::kDate:  // no precision: by it clients tell dates from dates with a time
       return {"dateTime", 16, " rs:fixedlength='true'"};
     case ColumnKind::kDateTime:

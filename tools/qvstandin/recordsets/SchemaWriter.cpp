@@ -23,6 +23,8 @@ std::string_view TypeOf(ColumnKind kind) {
       return "xs:double";
     case ColumnKind::kSingle:
       return "xs:float";
+    case ColumnKind::kDecimal:
+      return "xs:decimal";
     case ColumnKind::kDate:
     case ColumnKind::kDateTime:
       return "xs:dateTime";
