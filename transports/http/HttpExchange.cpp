@@ -125,7 +125,7 @@ int HttpExchange::Fail(int result) {
   }
   is_busy_ = stream_->IsBusy();
   if (is_busy_) {
-    error_ = Busy({});
+    error_ = Busy({error::kBusy, ReasonText(stream_->BusyReason())});
     return kNotDelivered;
   }
   error_ = stream_->Error(peer_);

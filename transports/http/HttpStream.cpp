@@ -14,6 +14,7 @@ namespace {
 constexpr const char* kTokenHeader = "Qv-Login-Token";
 constexpr const char* kCodingHeader = "Transfer-Encoding";
 constexpr const char* kBusyHeader = "Qv-Busy";
+constexpr const char* kReasonHeader = "Qv-Reason";
 constexpr long kServiceUnavailable = 503;
 
 // Returns a header of the final answer, or null if there are fewer than `index` + 1 of that name.
@@ -151,6 +152,11 @@ bool HttpStream::AskForCancel() {
 std::string_view HttpStream::LoginToken() const {
   const curl_header* header = has_status_200_ ? Header(connection_.Easy(), kTokenHeader) : nullptr;
   if (header != nullptr) header = Header(connection_.Easy(), kTokenHeader, header->amount - 1);
+  return header != nullptr ? header->value : std::string_view();
+}
+
+std::string_view HttpStream::BusyReason() const {
+  const curl_header* const header = Header(connection_.Easy(), kReasonHeader);
   return header != nullptr ? header->value : std::string_view();
 }
 

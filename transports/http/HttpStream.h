@@ -81,6 +81,8 @@ class HttpStream final : public ByteStream, private curl::Handler {
   // Returns true if the server refused the request because it has no place left, so that it did
   // not act on it.
   [[nodiscard]] bool IsBusy() const { return is_busy_; }
+  // What the server said of that; any bytes. Valid until this object is destroyed.
+  [[nodiscard]] std::string_view BusyReason() const;
   // Returns true if the exchange is over, because it failed or because the answer ended.
   [[nodiscard]] bool HasEnded() const { return transfer_.Outcome().has_value(); }
   [[nodiscard]] bool IsCancelled() const { return is_cancelled_; }

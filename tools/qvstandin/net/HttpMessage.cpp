@@ -31,6 +31,7 @@ constexpr const char* kCompressField = "Qv-Compress";
 constexpr const char* kLoginTokenField = "Qv-Login-Token";
 constexpr const char* kFrameField = "Qv-Frame";
 constexpr const char* kBusyField = "Qv-Busy";
+constexpr const char* kReasonField = "Qv-Reason";
 constexpr std::string_view kFrameVersion2 = "2";
 constexpr std::string_view kLineEnd = "\r\n";
 
@@ -158,6 +159,7 @@ std::string HeadText(const HttpReplyHead& head) {
     response.set(http::field::content_length, std::to_string(head.length));
   }
   if (head.status == HttpStatus::kBusy) response.set(kBusyField, "1");
+  if (!head.reason.empty()) response.set(kReasonField, head.reason);
   if (!head.keep_alive) response.set(http::field::connection, "close");
   if (!head.allow.empty()) response.set(http::field::allow, head.allow);
   if (!head.login_token.empty()) response.set(kLoginTokenField, head.login_token);

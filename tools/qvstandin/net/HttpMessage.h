@@ -60,6 +60,7 @@ struct HttpReplyHead {
   bool keep_alive = false;
   std::string_view allow = {};        // the methods, for kNotAllowed
   std::string_view login_token = {};  // empty: the client gets none
+  std::string_view reason = {};       // why the server is busy
 };
 
 [[nodiscard]] std::string HeadText(const HttpReplyHead& head);

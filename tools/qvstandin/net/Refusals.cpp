@@ -98,7 +98,8 @@ std::optional<bool> Refusal::UnderstandHttp() {
   if (end == std::string::npos) return std::nullopt;
   if (!TakesVersion2(std::string_view(heard_).substr(0, end + 2))) return false;
   const std::string body = text_ + "\n";
-  answer_ = HeadText({.status = HttpStatus::kBusy, .type = "text/plain", .length = body.size()});
+  answer_ = HeadText(
+      {.status = HttpStatus::kBusy, .type = "text/plain", .length = body.size(), .reason = text_});
   answer_ += body;
   return true;
 }
