@@ -289,7 +289,7 @@ TEST(Failures, SayTheReasonAndAHintWhereItHelps) {
   };
   for (const auto& [call, route, code, reason, what, hint] : cases) {
     const qv::tool::Failure failure = qv::tool::DescribeFailure(call, route, code, reason);
-    EXPECT_EQ(failure.what, what + " (result " + std::to_string(code) + ")");
+    EXPECT_EQ(failure.what, code == 0 ? what : what + " (result " + std::to_string(code) + ")");
     EXPECT_EQ(failure.hint.empty(), hint.empty()) << what << failure.hint;
     EXPECT_NE(failure.hint.find(hint), std::string::npos) << failure.hint;
   }

@@ -8,6 +8,7 @@
 
 #include "qvnetcall/RvoDatabase.h"
 #include "tests/support/TempFolder.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/output/ResultWriter.h"
 
 namespace {
@@ -122,6 +123,19 @@ TEST(Writers, JsonIsValidWhateverTheBytesAndNames) {
   EXPECT_EQ(json[1]["a"], "阀门");
 }
 
+TEST(Writers, CanBeShownOnATerminal) {
+  const Loaded rows(Column("a", "string") + Column("b", "string"),
+                    "<z:row a='\x1b[2J\n阀' b='\u009b'/>");
+  for (const auto& [format, shown] :
+       {std::pair{Format::kCsv, "a,b\n\"\\x1b[2J\n阀\",\\u009b\n"},
+        {Format::kJson, "[\n{\"a\":\"\\u001b[2J\\n阀\",\"b\":\"\\u009b\"}\n]\n"}}) {
+    std::ostringstream terminal;
+    qv::tool::VisibleOutput visible(terminal);
+    EXPECT_TRUE(qv::tool::WriteResult(rows, {format, {}}, visible));
+    EXPECT_EQ(terminal.str(), shown);
+  }
+}
+
 TEST(Writers, WriteAnEmptyResult) {
   const Loaded rows(Column("a", "int"), "");
   EXPECT_EQ(Written(rows, Format::kTable), "a\n-\n");
@@ -135,6 +149,44 @@ TEST(Writers, ReportAnOutputThatTakesNothing) {
     std::ostream nowhere(nullptr);
     EXPECT_FALSE(qv::tool::WriteResult(rows, {format, {}}, nowhere));
   }
+}
+
+struct Case {
+  std::string text;
+  std::string shown;
+  std::size_t cells;
+};
+
+TEST(DisplayWidth, ShowsWhatATerminalCanShow) {
+  const std::string bad = "\xEF\xBF\xBD";
+  const Case cases[] = {
+      {"", "", 0},
+      {"valve 12", "valve 12", 8},
+      {"阀门", "阀门", 4},
+      {"ｶﾅカナ", "ｶﾅカナ", 6},                    // half-width and full-width letters
+      {"e\u0301te\u0301", "e\u0301te\u0301", 3},  // combining marks
+      {"\U00020000\U0001F600", "\U00020000\U0001F600", 4},
+      {"é€", "é€", 2},
+      {"a\tb\nc\r", "a\\tb\\nc\\r", 9},
+      {"\x1b[31m", "\\x1b[31m", 8},
+      {std::string("a\0b", 3), "a\\x00b", 6},
+      {"\x7f\u009b", "\\u007f\\u009b", 12},
+      {"a\u202eb", "a\\u202eb", 8},       // would reverse the order of what follows
+      {"a\xff\xfe", "a" + bad + bad, 3},  // never begins a character
+      {"\xe9\x98", bad + bad, 2},         // cut short at the end
+      {"\xe9\x98|", bad + bad + "|", 3},  // cut short before another character
+  };
+  for (const Case& each : cases) {
+    std::string line = "> ";
+    EXPECT_EQ(qv::tool::AppendVisible(each.text, line), each.cells) << each.shown;
+    EXPECT_EQ(line, "> " + each.shown);
+  }
+}
+
+TEST(DisplayWidth, CutsBetweenCharacters) {
+  EXPECT_EQ(qv::tool::VisibleStart("a\nb阀", 6), "a\\nb阀");
+  EXPECT_EQ(qv::tool::VisibleStart("a阀门阀门", 7), "a阀...");
+  EXPECT_EQ(qv::tool::VisibleStart("a阀\u0301\n门阀门", 6), "a阀\u0301...");
 }
 
 }  // namespace

@@ -9,6 +9,12 @@
 namespace qv::tool {
 namespace {
 
+// Returns what the user can do about a failure of that class, else `advice`.
+std::string_view AdviceFor(int error_class, std::string_view advice) {
+  if (error_class == error::kBadToken) return "check --token";
+  return error_class == error::kBusy ? "try again later" : advice;
+}
+
 // Prints the reason of the failure, or without one what `meaning` says of the server.
 int Fail(const Session& session, std::string_view meaning, std::string_view advice,
          std::ostream& err) {
@@ -16,7 +22,7 @@ int Fail(const Session& session, std::string_view meaning, std::string_view advi
   fmt::print(
       err, "qvcall: {}\n  {}\n",
       reason.text.empty() ? fmt::format("{} {}", session.Address(), meaning) : Visible(reason.text),
-      reason.error_class == error::kBadToken ? "check --token" : advice);
+      AdviceFor(reason.error_class, advice));
   return kFailed;
 }
 

@@ -9,8 +9,10 @@
 #include "AnswerCache.h"
 #include "SqlInput.h"
 #include "qvnetcall/QvNetCall4.h"
+#include "tools/qvcall/output/DisplayText.h"
 #include "tools/qvcall/progress/CallProgress.h"
 #include "tools/qvcall/session/Session.h"
+#include "tools/qvcall/system/Terminal.h"
 
 namespace qv::tool {
 namespace {
@@ -45,6 +47,13 @@ bool Fetch(const ConnectionOptions& connection, const QueryOptions& options, con
   return true;
 }
 
+// The formats for programs do not say how to write what a terminal would obey.
+bool Print(const CRvoDbRes& rows, const Style& style, std::ostream& out) {
+  if (style.format == Format::kTable || !OutputIsTerminal()) return WriteResult(rows, style, out);
+  VisibleOutput visible(out);
+  return WriteResult(rows, style, visible);
+}
+
 }  // namespace
 
 int Run(const ConnectionOptions& connection, const QueryOptions& options, std::istream& in,
@@ -53,7 +62,7 @@ int Run(const ConnectionOptions& connection, const QueryOptions& options, std::i
   if (const int status = ReadStatement(options.sql, in, sql, err); status != kDone) return status;
   CRvoDbRes rows;
   if (!Fetch(connection, options, sql, rows, err)) return kFailed;
-  if (!WriteResult(rows, options.style, out)) return kFailed;
+  if (!Print(rows, options.style, out)) return kFailed;
   if (!out.flush()) return kFailed;
   if (options.style.format == Format::kTable) {
     const int count = rows.GetRecordCount();

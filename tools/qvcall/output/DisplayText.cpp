@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <ostream>
 
 #include "base/text/Utf8.h"
 #include "tools/qvcall/system/NarrowText.h"
@@ -30,7 +29,7 @@ std::size_t AppendSpeltOut(char32_t character, std::string& line) {
       line += "\\r";
       break;
     default:
-      line += value < 0x100 ? fmt::format("\\x{:02x}", value) : fmt::format("\\u{:04x}", value);
+      line += value < 0x7f ? fmt::format("\\x{:02x}", value) : fmt::format("\\u{:04x}", value);
   }
   return line.size() - before;
 }
@@ -68,6 +67,23 @@ std::string Visible(std::string_view text) {
   std::string shown;
   AppendVisible(text, shown);
   return shown;
+}
+
+std::streamsize VisibleOutput::xsputn(const char* text, std::streamsize length) {
+  std::string shown;
+  std::string_view rest(text, static_cast<std::size_t>(length));
+  while (!rest.empty()) {
+    const std::size_t line = std::min(rest.find('\n'), rest.size());
+    AppendVisible(rest.substr(0, line), shown);
+    if (line != rest.size()) shown += '\n';
+    rest.remove_prefix(std::min(line + 1, rest.size()));
+  }
+  return out_ << shown ? length : 0;
+}
+
+std::streambuf::int_type VisibleOutput::overflow(std::streambuf::int_type character) {
+  const char text = std::streambuf::traits_type::to_char_type(character);
+  return xsputn(&text, 1) == 1 ? character : std::streambuf::traits_type::eof();
 }
 
 std::string VisibleStart(std::string_view text, std::size_t cells) {

@@ -289,7 +289,9 @@ Failure DescribeFailure(Call call, Route route, int code, const Reason& reason) 
   if (call == Call::kLook && reason.error_class == error::kUnknownObject) {
     what = "the server has no such entry";
   }
-  return {fmt::format("{} (result {})", what, code),
+  // 0 has no meaning of its own: some calls succeed with it, others fail.
+  if (code != 0) what += fmt::format(" (result {})", code);
+  return {std::move(what),
           is_known ? Hint(call, route, code, reason.error_class) : std::string(words.advice)};
 }
 

@@ -27,6 +27,9 @@ class Startup {
   [[maybe_unused]] unsigned code_page_before_ = 0;
 };
 
+// Returns whether standard output is a terminal.
+[[nodiscard]] bool OutputIsTerminal();
+
 // Returns how many cells a line of the terminal on standard error has. Returns 0 if there is no
 // terminal, or if it cannot return to the start of a line.
 [[nodiscard]] std::size_t TerminalWidth();

@@ -73,6 +73,8 @@ Startup::~Startup() = default;
 
 bool Startup::HasWholeArguments() { return true; }
 
+bool OutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
 std::size_t TerminalWidth() {
   if (isatty(STDERR_FILENO) == 0 || IsDumb()) return 0;
   winsize size{};

@@ -96,6 +96,8 @@ bool Startup::HasWholeArguments() {
   return true;
 }
 
+bool OutputIsTerminal() { return IsConsole(STD_OUTPUT_HANDLE); }
+
 std::size_t TerminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO console{};
   // Fails if standard error is not a console.

@@ -1,5 +1,4 @@
-#include "tools/qvcall/queues/QueueProgress.h"
-
+// Tests what an interrupt leaves, and the progress of queues, whose runs it ends.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -8,7 +7,33 @@
 #include <sstream>
 #include <thread>
 
+#include "tools/qvcall/queues/QueueProgress.h"
+#include "tools/qvcall/system/Terminal.h"
+
 namespace {
+
+void InterruptWhileWatched() {
+  std::signal(SIGINT, SIG_DFL);  // it is ignored if the tests run in the background
+  const qv::tool::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
+  kill(getpid(), SIGINT);
+  for (;;) pause();
+}
+
+TEST(InterruptWatch, HasItsWordsAndThenTheProgramEndsByTheSignal) {
+  EXPECT_EXIT(InterruptWhileWatched(), testing::KilledBySignal(SIGINT), "^last words$");
+}
+
+TEST(InterruptWatch, LeavesEverythingAsItWas) {
+  const auto watched_before = [] {
+    std::signal(SIGINT, SIG_IGN);
+    {
+      const qv::tool::InterruptWatch watch([] { std::cerr << "last words" << std::flush; });
+      kill(getpid(), SIGINT);  // stays ignored
+    }
+    kill(getpid(), SIGTERM);
+  };
+  EXPECT_EXIT(watched_before(), testing::KilledBySignal(SIGTERM), "^$");
+}
 
 QvTransferCallback listener = nullptr;
 void* listening = nullptr;
