@@ -27,7 +27,7 @@ class EndToEnd : public testing::Test {
     CRvoServer::InitNet();
     std::filesystem::create_directory(folder_.Path() / "temp");
     CRvoDatabase::SetFileTempInfo((folder_.Path() / "temp" / "").string().c_str());
-    CRvoServer::SetCachePath((folder_.Path() / "cache").string().c_str());
+    CRvoServer::SetCachePath(folder_.At("cache").c_str());
   }
   ~EndToEnd() override {
     CRvoServer::SetCacheState(0);
@@ -38,7 +38,7 @@ class EndToEnd : public testing::Test {
 
   StandInOptions Options() const {
     StandInOptions options;
-    options.data_folder = (folder_.Path() / "data").string();
+    options.data_folder = folder_.At("data");
     return options;
   }
   // Starts a server and connects to its port for sockets.

@@ -85,7 +85,7 @@ TEST_F(Cancel, EndsEveryKindOfCallOverBothTransports) {
   for (const bool web : {false, true}) {
     // Takes requests, and never answers.
     const ScriptedServer server([&](ServerSide& side) {
-      const std::string stored = (folder_.Path() / "stored").string();
+      const std::string stored = folder_.At("stored");
       WholeFrame request;
       HttpRequestSeen web_request;
       while (web ? ReceiveHttp(side, web_request, stored) : side.Receive(request, stored)) {
@@ -119,7 +119,8 @@ TEST_F(Cancel, MakesTheServerStopItsWork) {
     }
     const Clock::time_point end = Clock::now() + std::chrono::seconds(2);
     while (server->Served().size() == before && Clock::now() < end) std::this_thread::yield();
-    EXPECT_GT(server->Served().size(), before);
+    ASSERT_GT(server->Served().size(), before);
+    EXPECT_EQ(server->Served().back().error_class, error::kCancelled);
     cancel_.Reset();
     EXPECT_EQ(Rows("select 1 as a"), "1|\n");
   }

@@ -35,8 +35,7 @@ TEST_F(EndToEnd, TheDirectoryIsReadAndFilled) {
 TEST_F(EndToEnd, AsManyUsersAreListedAsAReplyHolds) {
   const auto server = Serve(Options());
   sqlite3* directory = nullptr;
-  ASSERT_EQ(sqlite3_open((folder_.Path() / "data/directory.sqlite").string().c_str(), &directory),
-            0);
+  ASSERT_EQ(sqlite3_open(folder_.At("data/directory.sqlite").c_str(), &directory), 0);
   const auto run = [&](const char* sql) {
     return sqlite3_exec(directory, sql, nullptr, nullptr, nullptr);
   };

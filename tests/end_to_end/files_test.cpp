@@ -18,7 +18,7 @@ class FilesTest : public EndToEnd {
     return CRvoFile::UpLoadFileToServer(folder_.Write("up", bytes).c_str(), path);
   }
   std::string Download(const char* path) const {
-    const std::string local = (folder_.Path() / "down").string();
+    const std::string local = folder_.At("down");
     const int result = CRvoFile::DownLoadServerFile(local.c_str(), path);
     return result == 0 ? BytesOf(local) : "result " + std::to_string(result);
   }
@@ -63,9 +63,8 @@ TEST_F(FilesTest, GoUpAndComeDownAsTheyWere) {
     const std::string bytes = Pattern(length);
     ASSERT_EQ(Upload(bytes, "drawings/structural\\新 图.dwg"), 0) << length;
     EXPECT_TRUE(Download("drawings\\structural\\新 图.dwg") == bytes) << length;
-    CRvoIdFile::UpLoadFileToServerByFileID((folder_.Path() / "up").string().c_str(), "新 图.dwg",
-                                           7);
-    const std::string local = (folder_.Path() / "by id").string();
+    CRvoIdFile::UpLoadFileToServerByFileID(folder_.At("up").c_str(), "新 图.dwg", 7);
+    const std::string local = folder_.At("by id");
     ASSERT_EQ(CRvoIdFile::DownLoadServerFileByFileID(local.c_str(), "新 图.dwg", 7), 0);
     EXPECT_TRUE(BytesOf(local) == bytes) << length;
   }
@@ -94,7 +93,8 @@ TEST_F(FilesTest, WhatCannotBeIsRefusedAndHarmsNothing) {
   options.upload_limit = 1000;
   server_ = Serve(options);
   EXPECT_EQ(Upload(std::string(1000, 'x'), "x"), 0);
-  EXPECT_EQ(Upload(std::string(3 << 20, 'y'), "x"), -2);
+  EXPECT_EQ(Upload(std::string(3 << 20, 'y'), "x"), 1);
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kTooLarge);
   EXPECT_EQ(Download("x"), std::string(1000, 'x'));
 }
 

@@ -43,8 +43,8 @@ class Moments {
 class KilledServer : public EndToEnd {
  protected:
   std::unique_ptr<ServerProcess> Start() const {
-    auto server = std::make_unique<ServerProcess>(std::vector<std::string>{
-        QV_STANDIN_PROGRAM, "--data", (folder_.Path() / "data").string(), "--port", "0"});
+    auto server = std::make_unique<ServerProcess>(
+        std::vector<std::string>{QV_STANDIN_PROGRAM, "--data", folder_.At("data"), "--port", "0"});
     EXPECT_NE(server->Port(), 0);
     CRvoServer::SetConinfo("127.0.0.1", server->Port());
     return server;
@@ -135,7 +135,7 @@ TEST_F(KilledServer, LosesNoFileAndLeavesNoneHalf) {
   const auto stored = [&](std::size_t file) {
     return folder_.Path() / "data/files/drawings" / ("图 " + std::to_string(file));
   };
-  const std::string local = (folder_.Path() / "down").string();
+  const std::string local = folder_.At("down");
 
   const int sent_again = MoveAll([&](std::size_t file) {
     const std::string source = folder_.Write("up", files[file]);

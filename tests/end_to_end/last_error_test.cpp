@@ -6,10 +6,13 @@
 #include "EndToEnd.h"
 #include "tests/support/HttpSide.h"
 #include "tests/support/ScriptedServer.h"
+#include "tools/qvstandin/databases/Sqlite.h"
 
 namespace qv {
 namespace {
 
+using standin::SqliteConnection;
+using standin::WorkLimit;
 using testing::Pair;
 
 class LastError : public EndToEnd {
@@ -67,11 +70,63 @@ TEST_F(LastError, IsTheServersForEveryKindOfCallAndEndsWithTheNext) {
   }
 }
 
+TEST_F(LastError, HasEveryClassOfTheServersOverBothTransports) {
+  StandInOptions options = Options();
+  options.http_port = 0;
+  options.statement_limit = std::chrono::milliseconds(500);
+  const auto server = Serve(options);
+  options.data_folder = folder_.At("guarded");
+  options.token = "secret";
+  const auto guarded = Serve(options);
+  CRvoDatabase::m_NeedUpdateCompressState = 0;
+  folder_.Write("data/db/BROKEN.sqlite", std::string(4096, 'x'));
+  const std::string path = folder_.At("data/db/DESIGNDB.sqlite");
+  WorkLimit limit(std::chrono::minutes(1), [] { return false; });
+  const SqliteConnection other = standin::OpenSqlite(path, limit);
+  const struct {
+    error::Class error_class;
+    const char* text;
+    const char* sql;
+    const char* database = "DESIGNDB";
+    bool is_query = true;
+  } cases[] = {
+      {error::kSyntax, "near \"selekt\": syntax error", "selekt 1"},
+      {error::kUnknownObject, "no such table: none", "select * from none"},
+      {error::kUnknownDatabase, "no such database", "select 1", "NONE"},
+      {error::kNotAllowed, "a query must only read", "delete from parts"},
+      {error::kConstraint, "UNIQUE constraint failed", "insert into parts select * from parts",
+       "DESIGNDB", false},
+      {error::kTimeLimit, "the statement took longer than 500 ms",
+       "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n"},
+      {error::kBusy, "the database is locked", "delete from parts", "DESIGNDB", false},
+      {error::kTooLarge, "longer than 1 MiB", "select zeroblob(3000000)"},
+      {error::kBadToken, "wrong token", "select 1"},
+      {error::kInternal, "file is not a database", "select * from x", "BROKEN"},
+  };
+  for (const bool web : {false, true}) {
+    for (const auto& one : cases) {
+      SCOPED_TRACE(std::string(one.text) + (web ? " over the web" : ""));
+      const StandIn& asked = one.error_class == error::kBadToken ? *guarded : *server;
+      ConnectTo(web ? asked.HttpPort() : asked.Port(), web);
+      const bool is_locked = one.error_class == error::kBusy;
+      if (is_locked) sqlite3_exec(other.get(), "begin immediate", nullptr, nullptr, nullptr);
+      CRvoDbRes rows;
+      const CString sql(one.sql);
+      EXPECT_EQ(one.is_query ? CRvoDatabase::SelectSQL(&sql, &rows, one.database, 0)
+                             : CRvoDatabase::ExecuteSQL(&sql, one.database),
+                one.is_query ? 3 : 1);
+      EXPECT_THAT(Error(), Pair(one.error_class, testing::HasSubstr(one.text)));
+      EXPECT_EQ(asked.Served().back().error_class, one.error_class);
+      if (is_locked) sqlite3_exec(other.get(), "rollback", nullptr, nullptr, nullptr);
+    }
+  }
+}
+
 TEST_F(LastError, IsTheServersForFilesToo) {
   const ScriptedServer server(
       Answering(false, Field("FAILURE"), {error::kUnknownObject, "no such file: a.dwg"}));
   ConnectTo(server.Port(), false);
-  const std::string local = (folder_.Path() / "a.dwg").string();
+  const std::string local = folder_.At("a.dwg");
   EXPECT_EQ(CRvoFile::DownLoadServerFile(local.c_str(), "a.dwg"), 2);
   EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kUnknownObject);
   EXPECT_EQ(CRvoFile::UpLoadFileToServer(local.c_str(), "a.dwg"), -1);

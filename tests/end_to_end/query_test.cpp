@@ -1,3 +1,5 @@
+#include <atomic>
+#include <cstring>
 #include <thread>
 
 #include "EndToEnd.h"
@@ -50,6 +52,37 @@ TEST_F(EndToEnd, SeveralThreadsQueryAtOnce) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(wrong, std::vector<int>(4));
+}
+
+TEST_F(EndToEnd, AFullServerAnswersOrIsBusy) {
+  StandInOptions options = Options();
+  options.http_port = 0;
+  options.connection_limit = 16;
+  const auto server = Serve(options);
+  CRvoDatabase::m_NeedUpdateCompressState = 0;
+  for (const bool web : {false, true}) {
+    ConnectTo(web ? server->HttpPort() : server->Port(), web);
+    std::atomic<int> done = 0;
+    std::vector<std::thread> threads(60);
+    for (std::thread& thread : threads) {
+      thread = std::thread([&done] {
+        for (int i = 0; i < 4; ++i) {
+          const std::string answer = Rows("select count(*) as n from parts");
+          if (answer == "3000|\n") {
+            ++done;
+          } else {
+            EXPECT_EQ(answer, "result -1");
+            EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBusy);
+            EXPECT_NE(std::strstr(CRvoServer::GetLastErrorText(), ": 16 of 16 places"), nullptr);
+          }
+        }
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_GE(done, 16);
+    CRvoServer::FinitNet();  // gives the places back
+    CRvoServer::InitNet();
+  }
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ TEST_F(TransferReportTest, ComesIntoTheServersLog) {
   long count = 0;
   EXPECT_NE(queue.UploadFile(0, count), 0);
   const std::string line_start = R"(\x0a\x09\x09\x09)";
-  EXPECT_THAT(BytesOf((folder_.Path() / "data/server.log").string()),
+  EXPECT_THAT(BytesOf(folder_.At("data/server.log")),
               testing::EndsWith(" 3 FtpUp 2 Files FAIL" + line_start +
                                 "<1> drawings/1.dwg(/work/图 1.dwg)" + line_start +
                                 "<2> drawings/2.dwg(/work/2.dwg)\\x0a\n"));

@@ -47,6 +47,8 @@ class RawClient {
     return stream_.Read(room) ? bytes : "";
   }
   wire::ByteStream& Stream() { return stream_; }
+  // Waits until something has come.
+  bool Await() { return stream_.WaitForRequest(kPatience); }
   // Returns the reply's fields if a whole frame comes. Its file goes to `path`.
   std::vector<std::string> Fields(const std::string& path = {}) {
     const WholeFrame reply = ReceiveWhole(stream_, wire::FrameKind::kReply, path);
@@ -70,7 +72,7 @@ class RawClient {
 class ServerTest : public testing::Test {
  protected:
   void Start() {
-    options_.data_folder = folder_.Path().string();
+    options_.data_folder = folder_.At();
     server_.emplace(options_);
     std::string error;
     ASSERT_TRUE(server_->Start(&error)) << error;

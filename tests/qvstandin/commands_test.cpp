@@ -7,16 +7,15 @@
 #include <variant>
 #include <vector>
 
+#include "CommandFixture.h"
 #include "fuzz/ReferenceReader.h"
-#include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 namespace {
 
 using Field = std::variant<std::string, std::int32_t>;
 
-class CommandsTest : public testing::Test {
+class CommandsTest : public CommandFixture {
  protected:
   void SetUp() override { ASSERT_TRUE(data_.Prepare().Ok()); }
 
@@ -26,8 +25,7 @@ class CommandsTest : public testing::Test {
       if (const auto* text = std::get_if<std::string>(&field)) writer.Text(*text);
       if (const auto* number = std::get_if<std::int32_t>(&field)) writer.Integer(*number);
     }
-    WorkLimit limit(time_, [] { return false; });
-    return Answer(services_, {command, FieldReader(writer.Payload()), limit});
+    return CommandFixture::Ask(command, writer);
   }
 
   // Returns the rows of a query whose answer is inside the reply.
@@ -58,12 +56,6 @@ class CommandsTest : public testing::Test {
     while (const auto number = fields.Integer()) numbers.push_back(*number);
     return numbers;
   }
-
-  const TempFolder folder_;
-  DataFolder data_{folder_.Path().string()};
-  ServerLog log_{(folder_.Path() / "server.log").string()};
-  Services services_{data_, log_, 64 << 10, 1 << 30};
-  std::chrono::milliseconds time_{30'000};
 };
 
 using testing::ElementsAre;
@@ -122,7 +114,7 @@ TEST_F(CommandsTest, LinkAndLogAndStatementAnswerWithAStatus) {
   const auto status = [](const Reply& reply) { return FieldReader(reply.fields.Payload()).Text(); };
   EXPECT_EQ(status(Ask(3, {})), "SUCCESS");
   EXPECT_EQ(status(Ask(4, {3, "hello"})), "SUCCESS");
-  EXPECT_THAT(BytesOf((folder_.Path() / "server.log").string()), testing::HasSubstr(" 3 hello\n"));
+  EXPECT_THAT(BytesOf(folder_.At("server.log")), testing::HasSubstr(" 3 hello\n"));
   EXPECT_EQ(status(Ask(300, {"DESIGNDB", "create table t (a); insert into X.dbo.t values (1)"})),
             "SUCCESS");
   EXPECT_EQ(Count("select count(*) from t"), 1);
@@ -161,7 +153,7 @@ TEST_F(CommandsTest, ProceduresTakeArgumentsAndMayWrite) {
 }
 
 TEST_F(CommandsTest, AClientCannotLeaveItsDatabase) {
-  const std::string out = (folder_.Path() / "out").string();
+  const std::string out = folder_.At("out");
   const std::vector<std::string> statements{"attach '" + out + "' as o",
                                             "vacuum into '" + out + "'",
                                             "pragma journal_mode=off",

@@ -6,10 +6,9 @@
 
 #include <filesystem>
 
+#include "CommandFixture.h"
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
-#include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 namespace {
@@ -17,7 +16,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-class DatabaseSettingsTest : public testing::Test {
+class DatabaseSettingsTest : public CommandFixture {
  protected:
   std::string Write(const std::string& text) const {
     const std::string file = folder_.At("databases.json");
@@ -26,12 +25,11 @@ class DatabaseSettingsTest : public testing::Test {
     return file;
   }
 
-  const TempFolder folder_;
   DatabaseSettingsByName settings_;
 };
 
 TEST_F(DatabaseSettingsTest, AnyOrNoneOfTheTextsMayBeThere) {
-  EXPECT_TRUE(ReadDatabaseSettings((folder_.Path() / "none").string(), settings_).Ok());
+  EXPECT_TRUE(ReadDatabaseSettings(folder_.At("none"), settings_).Ok());
   const std::string file =
       Write(R"({"A": {"odbc": "Driver=x", "connection_text": "图"}, "b-1": {}})");
   const Outcome outcome = ReadDatabaseSettings(file, settings_);
@@ -72,22 +70,18 @@ TEST_F(DatabaseSettingsTest, AFileThatOthersCanReadIsRefused) {
   const std::string file = Write("{}");
   std::filesystem::permissions(file, std::filesystem::perms(0640));
   EXPECT_THAT(ReadDatabaseSettings(file, settings_).text, HasSubstr("only its owner"));
-  EXPECT_FALSE(ReadDatabaseSettings(folder_.Path().string(), settings_).Ok());
+  EXPECT_FALSE(ReadDatabaseSettings(folder_.At(), settings_).Ok());
 }
 
 TEST_F(DatabaseSettingsTest, ClientsGetTheTextThatIsMeantForThem) {
   Write(R"({"DESIGNDB": {"odbc": "Driver=none", "connection_text": "Driver=x;Database=设计"}})");
-  DataFolder data(folder_.Path().string());
-  ASSERT_TRUE(data.Prepare().Ok());
+  ASSERT_TRUE(data_.Prepare().Ok());
   EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "db" / "DESIGNDB.sqlite"));
   EXPECT_TRUE(std::filesystem::exists(folder_.Path() / "db" / "PLATDB.sqlite"));
-  ServerLog log((folder_.Path() / "server.log").string());
-  Services services{data, log, 1000, 1000};
-  WorkLimit limit(std::chrono::seconds(30), [] { return false; });
   const auto ask = [&](const std::string& name) {
     FieldWriter request;
     if (!name.empty()) request.Text(name);
-    const Reply reply = Answer(services, {710, FieldReader(request.Payload()), limit});
+    const Reply reply = Ask(710, request);
     FieldReader fields(reply.fields.Payload());
     return std::pair<std::string, std::string>{fields.Text().value_or(""),
                                                fields.Text().value_or("(none)")};

@@ -5,14 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "CommandFixture.h"
 #include "qvnetcall/standin/Records.h"
-#include "tests/support/TempFolder.h"
-#include "tools/qvstandin/commands/Command.h"
 
 namespace qv::standin {
 namespace {
 
-class DirectoryTest : public testing::Test {
+class DirectoryTest : public CommandFixture {
  protected:
   void SetUp() override { ASSERT_TRUE(data_.Prepare().Ok()); }
 
@@ -20,8 +19,7 @@ class DirectoryTest : public testing::Test {
   std::string Ask(std::uint32_t command, const std::vector<std::string>& texts = {}) {
     FieldWriter writer;
     for (const std::string& text : texts) writer.Text(text);
-    WorkLimit limit(time_, [] { return false; });
-    const Reply reply = Answer(services_, {command, FieldReader(writer.Payload()), limit});
+    const Reply reply = CommandFixture::Ask(command, writer);
     FieldReader fields(reply.fields.Payload());
     std::string answer = fields.Text().value_or("nothing");
     if (answer == "-3") return fields.Text() ? answer : "-3 without a text";
@@ -34,12 +32,6 @@ class DirectoryTest : public testing::Test {
     }
     return answer;
   }
-
-  const TempFolder folder_;
-  DataFolder data_{folder_.Path().string()};
-  ServerLog log_{(folder_.Path() / "server.log").string()};
-  Services services_{data_, log_, 64 << 10, 1 << 30};
-  std::chrono::milliseconds time_{30'000};
 };
 
 struct Call {

@@ -72,7 +72,7 @@ class FileStoreTest : public testing::Test {
 
   bool links_ = false;  // whether the system supports links and pipes
   const TempFolder folder_;
-  DataFolder data_{(folder_.Path() / "data").string()};
+  DataFolder data_{folder_.At("data")};
   WorkLimit limit_{std::chrono::seconds(30), [] { return false; }};
 };
 

@@ -99,7 +99,7 @@ TEST_P(GzipStreamTest, MakesAFileThatUnpacksToWhatWasWritten) {
   for (int i = 0; i < 40000; ++i) text += std::to_string(i * 7919 % 10007);
   std::string path;
   {
-    AnswerSpool file(folder.Path().string() + "/", 1000, 1 << 20);
+    AnswerSpool file(folder.At() + "/", 1000, 1 << 20);
     GzipStream gzip(file);
     const std::string head = text.substr(0, 300);
     ASSERT_TRUE(gzip.WriteHead(replaced ? "<another head>" : head));
@@ -123,12 +123,12 @@ TEST_P(GzipStreamTest, MakesAFileThatUnpacksToWhatWasWritten) {
 
 TEST(AnswerSpool, RefusesWhatIsTooLargeOrHasNoFolder) {
   const TempFolder folder;
-  AnswerSpool small(folder.Path().string() + "/", 4, 8);
+  AnswerSpool small(folder.At() + "/", 4, 8);
   EXPECT_TRUE(small.Write("1234"));
   EXPECT_TRUE(small.InMemory());
   EXPECT_TRUE(small.Write("5678"));
   EXPECT_FALSE(small.Write("9"));
-  AnswerSpool lost(folder.Path().string() + "/missing/", 1, 8);
+  AnswerSpool lost(folder.At() + "/missing/", 1, 8);
   EXPECT_FALSE(lost.Write("12"));
   EXPECT_FALSE(lost.Write("12"));
 }
@@ -136,21 +136,24 @@ TEST(AnswerSpool, RefusesWhatIsTooLargeOrHasNoFolder) {
 TEST(AnswerSpool, ReplacesItsHeadInMemoryAndOnTheDisk) {
   const TempFolder folder;
   for (const std::size_t kept : {100U, 4U}) {
-    AnswerSpool spool(folder.Path().string() + "/", kept, 12);
+    AnswerSpool spool(folder.At() + "/", kept, 12);
     ASSERT_TRUE(spool.WriteHead("ab") && spool.Write("1234") && spool.ReplaceHead("abcdef"));
     ASSERT_TRUE(spool.Finish());
     EXPECT_EQ(spool.InMemory() ? spool.Bytes() : BytesOf(spool.Path()), "abcdef1234");
     EXPECT_EQ(spool.Size(), 10U);
   }
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
-  AnswerSpool small(folder.Path().string() + "/", 4, 8);
+  AnswerSpool small(folder.At() + "/", 4, 8);
   ASSERT_TRUE(small.WriteHead("ab") && small.Write("123456"));
   EXPECT_FALSE(small.ReplaceHead("abc"));
+  AnswerSpool over(folder.At() + "/", 4, 20, [] { return true; });
+  ASSERT_TRUE(over.WriteHead("ab") && over.Write("123456"));
+  EXPECT_FALSE(over.ReplaceHead("abc"));
 }
 
 TEST(ServerLog, KeepsATextOnOneLine) {
   const TempFolder folder;
-  const std::string path = (folder.Path() / "server.log").string();
+  const std::string path = folder.At("server.log");
   ASSERT_TRUE(ServerLog(path).Append(3, "a\n9 \x1b[2J\\ 中"));
   ASSERT_TRUE(ServerLog(path).Append(-1, "b"));
   const std::string log = BytesOf(path);

@@ -31,12 +31,39 @@ TEST(LogLine, HasTheSameFieldsForEveryRequest) {
   EXPECT_EQ(LogLine(Failed(), false),
             "1970-01-01T00:00:01.500Z 127.0.0.1:4711 200 \"DESIGNDB\" rows=- bytes=24 ms=7 "
             "class=syntax reason=\"near 'x': syntax error\"");
-  EXPECT_THAT(LogLine(Failed(), true), testing::EndsWith(" statement=\"selec\\x0a'x'\""));
+  EXPECT_THAT(LogLine(Failed(), true), testing::EndsWith(" statement=\"selec\\u000a'x'\""));
   ServedCommand done = Failed();
   done.error_class = error::kNone;
   done.rows = 12;
   done.database.clear();
   EXPECT_THAT(LogLine(done, false), testing::EndsWith(" 200 - rows=12 bytes=24 ms=7 class=none"));
+}
+
+TEST(LogLines, ShowWhatHidesAndEscapeOnce) {
+  const std::pair<const char*, const char*> cases[] = {{"a\\b", "a\\\\b"},
+                                                       {"\xE2\x80\xAE"
+                                                        "dwg",
+                                                        "\\u202edwg"},
+                                                       {"\xE2\x80\x8B", "\\u200b"},
+                                                       {"\xC2\x9B"
+                                                        "2J",
+                                                        "\\u009b2J"},
+                                                       {"\x7f", "\\u007f"},
+                                                       {"\xF3\xA0\x80\x81", "\\udb40\\udc01"},
+                                                       {"图 é", "图 é"}};
+  for (const auto& [text, shown] : cases) {
+    ServedCommand served = Failed();
+    served.database = served.outcome = served.statement = text;
+    const std::string field = '"' + std::string(shown) + '"';
+    for (const char* name : {" 200 ", " reason=", " statement="}) {
+      EXPECT_THAT(LogLine(served, true), HasSubstr(name + field));
+    }
+    EXPECT_THAT(JsonLine(served, true), HasSubstr("\"reason\":" + field));
+    EXPECT_EQ(nlohmann::json::parse(JsonLine(served, true))["database"], text);
+  }
+  ServedCommand served = Failed();
+  served.database = "\x1b[2J\n\xb0\"";
+  EXPECT_THAT(LogLine(served, true), HasSubstr(" \"\\u001b[2J\\u000a\\xb0'\" "));
 }
 
 TEST(JsonLine, IsOneObjectWithNumbersAndNulls) {
@@ -67,7 +94,7 @@ TEST(WithoutPasswords, HidesTextsThatAreOrHoldOne) {
 
 TEST(RequestLog, KeepsThreeOlderFilesOfTheSizeAndGoesOnAfterARestart) {
   const TempFolder folder;
-  const std::string file = (folder.Path() / "log").string();
+  const std::string file = folder.At("log");
   const std::size_t line = LogLine(Failed(), false).size() + 1;
   for (int start = 0; start < 3; ++start) {
     RequestLog log({.file = file, .size = 2 * line});

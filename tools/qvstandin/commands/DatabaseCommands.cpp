@@ -31,7 +31,8 @@ std::string Beginning(std::string_view statement) {
 
 // Where the rows of an answer come from, and the form in which they are sent.
 struct RowAnswer {
-  Database& database;
+  std::unique_ptr<Database> database;
+  WorkLimit& limit;
   const std::string& text;
   const Source& source;
   AnswerForm form;
@@ -40,9 +41,13 @@ struct RowAnswer {
 
 Outcome Write(RowAnswer& rows, AnswerSink& target) {
   const auto writer = WriterFor(rows.form.dialect, target);
-  Outcome outcome = rows.source(rows.database, rows.text, *writer);
-  if (outcome.Ok() && !writer->Finish())
-    outcome = {ErrorCode::kAnswerLost, "the answer could not be written (disk full?)"};
+  Outcome outcome = rows.source(*rows.database, rows.text, *writer);
+  rows.database.reset();  // nothing else may use the limit as long as it exists
+  if (outcome.Ok() && !writer->Finish()) {
+    outcome = rows.limit.Reason() != ErrorCode::kNone
+                  ? rows.limit.Failure()
+                  : Outcome{ErrorCode::kAnswerLost, "the answer could not be written (disk full?)"};
+  }
   rows.count = writer->RowCount();
   return outcome;
 }
@@ -73,13 +78,14 @@ void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm f
   if (!text) return AddFailure(reply, {ErrorCode::kMalformedRequest, "a field is missing"});
   reply.database = *name;
   reply.statement = Beginning(*text);
-  const auto database = services.data.Open(*name, request.limit);
+  auto database = services.data.Open(*name, request.limit);
   if (database == nullptr) return AddFailure(reply, NoDatabase());
 
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
   auto answer =
-      std::make_unique<AnswerSpool>(services.data.AnswerFolder(), threshold, services.answer_limit);
-  RowAnswer rows{*database, *text, source, form};
+      std::make_unique<AnswerSpool>(services.data.AnswerFolder(), threshold, services.answer_limit,
+                                    [&limit = request.limit] { return limit.IsOver(); });
+  RowAnswer rows{std::move(database), request.limit, *text, source, form};
   Outcome outcome = WriteAnswer(rows, *answer);
   if (outcome.code == ErrorCode::kAnswerLost && answer->IsTooLarge()) {
     outcome.error_class = error::kTooLarge;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <utility>
 
@@ -52,35 +53,15 @@ error::Class ClassOf(const Outcome& outcome) {
 }
 
 std::string_view NameOf(error::Class error_class) {
-  switch (error_class) {
-    case error::kNone:
-      return "none";
-    case error::kSyntax:
-      return "syntax";
-    case error::kUnknownObject:
-      return "unknown-object";
-    case error::kUnknownDatabase:
-      return "unknown-database";
-    case error::kNotAllowed:
-      return "not-allowed";
-    case error::kConstraint:
-      return "constraint";
-    case error::kTimeLimit:
-      return "time-limit";
-    case error::kBusy:
-      return "busy";
-    case error::kTooLarge:
-      return "too-large";
-    case error::kBadToken:
-      return "bad-token";
-    default:
-      return "internal";
-  }
+  constexpr std::array<std::string_view, error::kInternal + 1> kNames{
+      "none",       "syntax", "unknown-object", "unknown-database", "not-allowed", "constraint",
+      "time-limit", "busy",   "too-large",      "bad-token",        "internal"};
+  if (error_class == error::kCancelled) return "cancelled";
+  return kNames[std::min(static_cast<std::size_t>(error_class), kNames.size() - 1)];
 }
 
 std::string TextForClients(const Outcome& outcome) {
   if (outcome.Ok()) return {};
-  if (outcome.code == ErrorCode::kStopped) return "the server is stopping";
   if (!outcome.is_private) return outcome.text;
   switch (ClassOf(outcome)) {
     case error::kUnknownDatabase:

@@ -48,7 +48,8 @@ struct [[nodiscard]] Outcome {
 
 // Returns the class of a failure, or kNone for a success.
 [[nodiscard]] error::Class ClassOf(const Outcome& outcome);
-// Returns one lower-case word for a class of the server's, as in "unknown-object".
+// Returns one lower-case word for a class of the server's, as in "unknown-object", or for a request
+// that its client cancelled.
 [[nodiscard]] std::string_view NameOf(error::Class error_class);
 // Returns the text of a failure that clients may see.
 [[nodiscard]] std::string TextForClients(const Outcome& outcome);

@@ -132,6 +132,10 @@ SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit) {
 }
 
 Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit) {
+  const bool is_locked = (code & 0xff) == SQLITE_BUSY;
+  if (is_locked && limit.Reason() == ErrorCode::kTimedOut) {
+    return {ErrorCode::kBusy, "the database is locked: " + limit.Failure("the wait for it").text};
+  }
   if (limit.Reason() != ErrorCode::kNone) return limit.Failure();
   const std::string text = sqlite3_errmsg(connection);
   switch (code & 0xff) {

@@ -50,7 +50,7 @@ bool ClientStream::Read(wire::WritableBytes bytes, Deadline deadline) {
     asio::async_read(socket_, asio::buffer(bytes.data(), bytes.size()),
                      [done](const Error& error, std::size_t) { done(error); });
   };
-  return Complete(start, deadline);
+  return Complete(Operation::kReads, start, deadline);
 }
 
 std::size_t ClientStream::ReadSome(wire::WritableBytes bytes, Deadline deadline) {
@@ -63,7 +63,7 @@ std::size_t ClientStream::ReadSome(wire::WritableBytes bytes, Deadline deadline)
                               done(error);
                             });
   };
-  return Complete(start, deadline) ? length : 0;
+  return Complete(Operation::kReads, start, deadline) ? length : 0;
 }
 
 std::size_t ClientStream::TakeAhead(wire::WritableBytes bytes) {
@@ -86,7 +86,7 @@ bool ClientStream::Write(std::initializer_list<wire::Bytes> pieces) {
   const auto start = [&](Handler done) {
     asio::async_write(socket_, buffers, [done](const Error& error, std::size_t) { done(error); });
   };
-  return Complete(start, DeadlineFor(asio::buffer_size(buffers)));
+  return Complete(Operation::kWrites, start, DeadlineFor(asio::buffer_size(buffers)));
 }
 
 void ClientStream::WriteSoon(wire::Bytes bytes) {
@@ -122,17 +122,22 @@ void ClientStream::EndSending() {
 bool ClientStream::WaitForRequest(Milliseconds longest) {
   if (!ahead_.empty()) return !closed_;
   const auto start = [&](Handler done) { socket_.async_wait(Socket::wait_read, done); };
-  return Complete(start, Clock::now() + longest);
+  return Complete(Operation::kReads, start, Clock::now() + longest);
 }
 
-bool ClientStream::Complete(const std::function<void(Handler)>& start, Deadline deadline) {
-  if (closed_) return false;
+bool ClientStream::Complete(Operation operation, const std::function<void(Handler)>& start,
+                            Deadline deadline) {
+  const bool reads = operation == Operation::kReads;
+  if (closed_ && reads) return false;
+  operation_ = operation;
+  deadline_ = reads ? std::min(deadline, reads_until_) : deadline;
+  if (closed_) EndOperation();
   std::optional<Error> result;
   context_.restart();
   start([&result](const Error& error) { result = error; });
   // A handler that Close() posted while no operation ran is executed first, so one run is not
   // enough.
-  while (!result && context_.run_one_until(deadline) != 0) {
+  while (!result && context_.run_one_until(deadline_) != 0) {
   }
   if (!result) {
     HangUp();
@@ -151,11 +156,18 @@ bool ClientStream::IsGone() {
     const std::size_t length = socket_.receive(asio::buffer(piece), 0, error);
     if (ahead_.size() + length > kMostAhead) {
       HangUp();  // the bytes that do not fit are lost, so requests could not be told apart
+      floods_ = true;
       return true;
     }
     ahead_.insert(ahead_.end(), piece.begin(), piece.begin() + length);
   }
   return error != asio::error::would_block;
+}
+
+std::string_view ClientStream::WhyGone() const {
+  if (closed_) return "the server is stopping";
+  return floods_ ? "the client sent too much before its answer"
+                 : "the client cancelled or disconnected";
 }
 
 void ClientStream::SayGoodbye() {
@@ -169,7 +181,13 @@ void ClientStream::SayGoodbye() {
 
 void ClientStream::Close() {
   closed_ = true;
-  asio::post(context_, [this] { HangUp(); });
+  asio::post(context_, [this] { EndOperation(); });
+}
+
+void ClientStream::EndOperation() {
+  if (operation_ == Operation::kReads) return HangUp();
+  if (!writes_until_) writes_until_ = Clock::now() + kLongestGoodbye;
+  deadline_ = std::min(deadline_, *writes_until_);
 }
 
 void ClientStream::HangUp() {

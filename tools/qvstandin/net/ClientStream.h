@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "transports/frame/FrameIo.h"
@@ -28,6 +29,9 @@ class ClientStream : public wire::ByteStream {
 
   // Accept the connection into this socket before any other call.
   Socket& Peer() { return socket_; }
+
+  // Makes every read end by this time, until the next call; Deadline::max() removes the limit.
+  void LimitReads(Deadline until) { reads_until_ = until; }
 
   // Asks for the client's address. Call it once it is connected.
   void NotePeer();
@@ -60,7 +64,12 @@ class ClientStream : public wire::ByteStream {
   // Returns whether the connection is closed on either side. Closes it if the client has sent too
   // much before it received its answer.
   [[nodiscard]] bool IsGone();
-  // Makes the call that is waiting fail, and all later ones. Any thread may call it.
+  // Returns why IsGone() returned true.
+  [[nodiscard]] std::string_view WhyGone() const;
+  // Returns whether Close() was called.
+  [[nodiscard]] bool IsClosed() const { return closed_; }
+  // Makes the read that is waiting fail, and all later ones. What is written then, such as the
+  // reason for the end, has two seconds altogether. Any thread may call it.
   void Close();
   // Ends the sending direction and waits briefly for the client to close its own: a connection that
   // is closed while the client sends may lose the reply that is on its way.
@@ -72,14 +81,24 @@ class ClientStream : public wire::ByteStream {
   using Error = boost::system::error_code;
   using Handler = std::function<void(const Error&)>;
 
+  enum class Operation { kReads, kWrites };
+
   // Starts an operation, which calls the handler when it is done, and waits for it.
-  [[nodiscard]] bool Complete(const std::function<void(Handler)>& start, Deadline deadline);
+  [[nodiscard]] bool Complete(Operation operation, const std::function<void(Handler)>& start,
+                              Deadline deadline);
+  // Ends the operation that is running, or gives it a little time, because Close() was called.
+  void EndOperation();
   // Moves the first of `ahead_` to `bytes`, as many as fit. Returns their number.
   [[nodiscard]] std::size_t TakeAhead(wire::WritableBytes bytes);
 
   const Milliseconds io_timeout_;
   std::string peer_name_ = "-";
   std::atomic<bool> closed_ = false;
+  bool floods_ = false;  // the client sent too much before it received its answer
+  Operation operation_ = Operation::kReads;
+  Deadline deadline_;  // of the operation that is running
+  Deadline reads_until_ = Deadline::max();
+  std::optional<Deadline> writes_until_;  // after Close()
   // Bytes received by IsGone() or returned by PutBack(). End-of-stream is reported only after they
   // are consumed.
   std::vector<unsigned char> ahead_;

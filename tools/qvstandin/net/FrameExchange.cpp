@@ -1,5 +1,7 @@
 #include "FrameExchange.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -13,35 +15,58 @@ namespace {
 // A file that comes with a command that takes none is skipped up to this size.
 constexpr std::uint64_t kLongestUnwantedFile = 16ULL << 20;
 
-// Bounds and escapes a text of a client's for the record of served requests.
+// Bounds a text of a client's for the record of served requests.
 std::string Remark(std::string_view text) {
   constexpr std::size_t kLongest = 160;
-  return OnOneLine(text.substr(0, kLongest));
+  return std::string(text.substr(0, kLongest));
+}
+
+Outcome TooLarge(std::string_view what, std::uint64_t limit) {
+  return {ErrorCode::kNotPermitted,
+          fmt::format("the {} is larger than {}", what, TextOfBytes(limit)), error::kTooLarge};
 }
 
 }  // namespace
+
+Outcome FailureOf(wire::FrameStatus status) {
+  switch (status) {
+    case wire::FrameStatus::kDoesNotFit:
+      return {ErrorCode::kNotPermitted, "the request is larger than the server allows",
+              error::kTooLarge};
+    case wire::FrameStatus::kBadChecksum:
+      return {ErrorCode::kMalformedRequest, "the request arrived damaged: its checksum is wrong"};
+    case wire::FrameStatus::kFileFailed:
+      return {ErrorCode::kAnswerLost, "the file could not be stored (disk full?)"};
+    default:
+      return {ErrorCode::kMalformedRequest, "the request is not a frame, or a malformed one"};
+  }
+}
 
 wire::FrameStatus FrameExchange::Receive(wire::ByteStream& stream, wire::FrameKinds expected,
                                          std::string_view login_token) {
   const wire::FrameLimits limits{
       .payload = takes_reasons_ ? wire::kMaxPayload : rules_.request_limit,
-      .file = std::max(rules_.upload_limit, kLongestUnwantedFile)};
+      .file =
+          takes_reasons_ ? wire::kMaxFile : std::max(rules_.upload_limit, kLongestUnwantedFile)};
   wire::FrameHeader header;
   wire::FrameStatus status = wire::ReceiveHeader(stream, expected, limits, header);
   is_hello_ = header.kind == wire::FrameKind::kHello;
   if (status != wire::FrameStatus::kDone || is_hello_) return status;
+  client_.LimitReads(ClientStream::Deadline::max());
   token_.resize(header.token_length);
   status = ReceiveMessage(stream, header);
-  command_ = LoadU32(block_.data());
   if (status != wire::FrameStatus::kDone) return status;
+  command_ = LoadU32(block_.data());
   is_allowed_ = ShowsToken(login_token);
   return header.file_length ? ReceiveFile(stream, *header.file_length) : wire::FrameStatus::kDone;
 }
 
 wire::FrameStatus FrameExchange::ReceiveMessage(wire::ByteStream& stream,
                                                 const wire::FrameHeader& header) {
-  is_too_large_ = header.payload_length > rules_.request_limit;
-  if (is_too_large_) return SkipMessage(stream, header);
+  if (header.payload_length > rules_.request_limit) {
+    refusal_ = TooLarge("request", rules_.request_limit);
+    return SkipMessage(stream, header);
+  }
   payload_.resize(static_cast<std::size_t>(header.payload_length));
   return wire::ReceiveMessage(stream, {token_, block_, payload_});
 }
@@ -62,8 +87,11 @@ wire::FrameStatus FrameExchange::SkipMessage(wire::ByteStream& stream,
 
 wire::FrameStatus FrameExchange::ReceiveFile(wire::ByteStream& stream, std::uint64_t length) {
   const bool is_wanted = is_allowed_ && TakesFile(command_);
-  if (length > (is_wanted ? rules_.upload_limit : kLongestUnwantedFile)) {
-    return wire::FrameStatus::kDoesNotFit;
+  const std::uint64_t limit = is_wanted ? rules_.upload_limit : kLongestUnwantedFile;
+  if (length > limit) {
+    if (!takes_reasons_ || !is_allowed_) return wire::FrameStatus::kDoesNotFit;
+    refusal_ = TooLarge("file", limit);
+    return wire::SkipFile(stream, length);
   }
   if (is_wanted) received_.emplace(services_.data.IncomingFolder());
   if (received_ && !received_->HasRoomFor(length)) received_.reset();
@@ -82,31 +110,43 @@ bool FrameExchange::ShowsToken(std::string_view login_token) const {
 bool FrameExchange::Answer(AnswerForm form, const std::function<bool()>& abandoned) {
   if (!is_allowed_) {
     AddFailure(reply_, {ErrorCode::kAccessDenied, "wrong token"});
-  } else if (is_too_large_) {
-    AddFailure(reply_, {ErrorCode::kNotPermitted,
-                        "the request is larger than " + TextOfBytes(rules_.request_limit),
-                        error::kTooLarge});
+  } else if (!refusal_.Ok()) {
+    AddFailure(reply_, std::move(refusal_));
   } else {
     reply_ = Work(form, abandoned);
   }
+  Conclude();
+  return OpenReplyFile();
+}
+
+void FrameExchange::Refuse(wire::FrameStatus status) {
+  AddFailure(reply_, FailureOf(status));
+  Conclude();
+}
+
+void FrameExchange::Conclude() {
   payload_ = {};  // frees a large request before its reply is sent
   received_.reset();
   if (takes_reasons_) {
     reason_ = wire::EncodeReason({ClassOf(reply_.outcome), TextForClients(reply_.outcome)});
   }
   Record();
-  return OpenReplyFile();
 }
 
 Reply FrameExchange::Work(AnswerForm form, const std::function<bool()>& abandoned) {
   WorkLimit limit(rules_.statement_limit, abandoned);
   const auto name_field = NameField(block_).subspan(kNameFieldAt);
-  return standin::Answer(services_, {.command = command_,
-                                     .fields = FieldReader(payload_),
-                                     .limit = limit,
-                                     .form = form,
-                                     .name_field = name_field,
-                                     .file = received_ ? received_->Path() : ""});
+  Reply reply = standin::Answer(services_, {.command = command_,
+                                            .fields = FieldReader(payload_),
+                                            .limit = limit,
+                                            .form = form,
+                                            .name_field = name_field,
+                                            .file = received_ ? received_->Path() : ""});
+  if (reply.outcome.code == ErrorCode::kStopped) {
+    reply.outcome.text = client_.WhyGone();
+    reply.outcome.error_class = client_.IsClosed() ? error::kBusy : error::kCancelled;
+  }
+  return reply;
 }
 
 bool FrameExchange::OpenReplyFile() {

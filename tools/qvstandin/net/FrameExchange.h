@@ -16,6 +16,9 @@
 
 namespace qv::standin {
 
+// Returns the failure of a request whose reception ended with that status.
+[[nodiscard]] Outcome FailureOf(wire::FrameStatus status);
+
 // Call Receive(), Answer() and Send() in this order, once each, and only if the previous call
 // succeeded.
 class FrameExchange {
@@ -31,13 +34,15 @@ class FrameExchange {
   // Returns whether a hello came, which is not executed.
   [[nodiscard]] bool IsHello() const { return is_hello_; }
   // Makes the reply one of version 2, with the reason of a failure. Call it before Receive(). A
-  // request that is too large is read to its end then, so that it can be answered.
+  // request or a file that is too large is read to its end then, so that it can be answered.
   void TakeReasons() { takes_reasons_ = true; }
   // Returns whether the request carried a valid token, or none is required.
   [[nodiscard]] bool IsAllowed() const { return is_allowed_; }
   // Executes the request, or refuses it if it is not allowed. Calls `abandoned` now and then, which
   // returns whether the client is gone. Returns false if there is no reply to send.
   [[nodiscard]] bool Answer(AnswerForm form, const std::function<bool()>& abandoned);
+  // Makes the reply a refusal, because Receive() failed with that status, and records it.
+  void Refuse(wire::FrameStatus status);
   // Returns the number of bytes that Send() will send.
   [[nodiscard]] std::uint64_t ReplyLength() const;
   [[nodiscard]] bool Send(wire::ByteStream& stream);
@@ -54,6 +59,8 @@ class FrameExchange {
   // Executes the request.
   [[nodiscard]] Reply Work(AnswerForm form, const std::function<bool()>& abandoned);
   [[nodiscard]] wire::FrameStatus ReceiveFile(wire::ByteStream& stream, std::uint64_t length);
+  // Completes the reply, whose outcome is known.
+  void Conclude();
   [[nodiscard]] bool OpenReplyFile();
   [[nodiscard]] wire::FrameKind ReplyKind() const;
   void Record() const;
@@ -69,7 +76,7 @@ class FrameExchange {
   bool is_hello_ = false;
   bool is_allowed_ = false;
   bool takes_reasons_ = false;
-  bool is_too_large_ = false;
+  Outcome refusal_;  // why the request is not executed, although it is complete
   std::optional<TemporaryFile> received_;
   Reply reply_;
   std::vector<unsigned char> reason_;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <random>
+#include <utility>
 
 #include "FrameExchange.h"
 
@@ -39,9 +40,20 @@ ProgressFrame ProgressOf(std::chrono::milliseconds at_work) {
                              .file_length = {}});
 }
 
+ServedCommand RecordOfRefusal(const ClientStream& client, std::string why,
+                              error::Class error_class) {
+  return {.command = 0,
+          .database = {},
+          .outcome = std::move(why),
+          .bytes = 0,
+          .time = {},
+          .error_class = error_class,
+          .peer = client.PeerName()};
+}
+
 void FrameSession::Serve() {
-  std::chrono::milliseconds longest = rules_.first_timeout;
-  while (stream_.WaitForRequest(longest) && ServeRequest()) longest = rules_.idle_timeout;
+  while (stream_.WaitForRequest(rules_.idle_timeout) && ServeRequest()) {
+  }
 }
 
 bool FrameSession::ServeRequest() {
@@ -51,9 +63,7 @@ bool FrameSession::ServeRequest() {
   const wire::FrameStatus status = exchange.Receive(stream_, expected.first(is_new_ ? 2 : 1));
   is_new_ = false;
   if (status != wire::FrameStatus::kDone) {
-    const bool is_its_fault =
-        status != wire::FrameStatus::kConnectionLost && status != wire::FrameStatus::kFileFailed;
-    if (is_its_fault) rules_.on_malformed_frame();
+    if (status != wire::FrameStatus::kConnectionLost) Reject(exchange, status);
     return false;
   }
   if (exchange.IsHello()) {
@@ -61,6 +71,11 @@ bool FrameSession::ServeRequest() {
     return wire::SendHello(stream_);
   }
   return Answer(exchange);
+}
+
+void FrameSession::Reject(FrameExchange& exchange, wire::FrameStatus status) {
+  exchange.Refuse(status);
+  if (takes_version_2_ && exchange.Send(stream_)) stream_.SayGoodbye();
 }
 
 bool FrameSession::Answer(FrameExchange& exchange) {

@@ -18,10 +18,12 @@ class FrameExchange;
 
 // The server's record of one request.
 struct ServedCommand {
-  std::uint32_t command;
-  std::string database;  // or the file that the command names; empty if it names neither
-  std::string outcome;   // "done", or why not
-  std::uint64_t bytes;   // of the reply: its fields and its file
+  std::uint32_t command;  // 0 for what was refused because it is no request, or one too many
+  // Any bytes, like the other texts: the database or the file that the command names; empty if it
+  // names neither.
+  std::string database;
+  std::string outcome;  // "done", or why not
+  std::uint64_t bytes;  // of the reply: its fields and its file
   std::chrono::milliseconds time;
   error::Class error_class = error::kNone;
   std::string peer = {};                  // the client's address and port
@@ -34,14 +36,16 @@ struct ServedCommand {
 struct SessionRules {
   std::string token;        // every request must carry it; empty: no token is required
   std::string login_token;  // accepted instead over HTTP; this server hands it out
-  std::chrono::milliseconds first_timeout;  // until a new client sends its first request
-  std::chrono::milliseconds idle_timeout;   // until a client sends its next request
+  std::chrono::milliseconds idle_timeout;  // until a client sends its next request
   std::chrono::milliseconds statement_limit;
   std::uint64_t request_limit;  // the longest payload, in bytes
   std::uint64_t upload_limit;   // the longest file that a command may carry, in bytes
   std::function<void(ServedCommand)> on_served;
-  std::function<void()> on_malformed_frame;
 };
+
+// Returns the record of what a client sent that is not a request, or not one that can be read.
+[[nodiscard]] ServedCommand RecordOfRefusal(const ClientStream& client, std::string why,
+                                            error::Class error_class);
 
 // Says once per second that a request is being worked on.
 class ProgressClock {
@@ -80,6 +84,8 @@ class FrameSession {
  private:
   [[nodiscard]] bool ServeRequest();
   [[nodiscard]] bool Answer(FrameExchange& exchange);
+  // Refuses a frame that cannot be received, with a reason if the client takes one.
+  void Reject(FrameExchange& exchange, wire::FrameStatus status);
 
   ClientStream& stream_;
   Services& services_;

@@ -32,11 +32,23 @@ HttpStatus JudgeCall(const HttpRequestHead& request) {
   return HttpStatus::kOk;
 }
 
+error::Class ClassOf(HttpStatus status) {
+  switch (status) {
+    case HttpStatus::kTooLarge:
+    case HttpStatus::kHeadTooLarge:
+      return error::kTooLarge;
+    case HttpStatus::kFailed:
+      return error::kInternal;
+    default:
+      return error::kSyntax;
+  }
+}
+
 }  // namespace
 
 void HttpSession::Serve() {
-  std::chrono::milliseconds longest = rules_.first_timeout;
-  while (stream_.WaitForRequest(longest) && ServeRequest()) longest = rules_.idle_timeout;
+  while (stream_.WaitForRequest(rules_.idle_timeout) && ServeRequest()) {
+  }
   stream_.SayGoodbye();
 }
 
@@ -44,6 +56,7 @@ bool HttpSession::ServeRequest() {
   HttpRequestHead request;
   const auto status = ReadHead(stream_, request);
   if (!status) return false;
+  stream_.LimitReads(ClientStream::Deadline::max());
   if (*status != HttpStatus::kOk) return RefuseMalformed(*status);
   if (request.target == kCall) return ServeCall(request);
   if (request.target == kPage) return ServePage(request);
@@ -72,10 +85,12 @@ bool HttpSession::ServeCall(const HttpRequestHead& request) {
   const bool is_whole = received == wire::FrameStatus::kDone && body.IsAtEnd();
   if (body.IsLost()) return false;
   if (received == wire::FrameStatus::kFileFailed) return Refuse(HttpStatus::kFailed, request);
-  if (!is_whole) {
+  if (received != wire::FrameStatus::kDone) {
     const bool is_large = received == wire::FrameStatus::kDoesNotFit;
-    return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest);
+    return RefuseMalformed(is_large ? HttpStatus::kTooLarge : HttpStatus::kBadRequest,
+                           FailureOf(received).text);
   }
+  if (!is_whole) return RefuseMalformed(HttpStatus::kBadRequest, "the body is more than a frame");
   return Answer(request, exchange);
 }
 
@@ -117,12 +132,19 @@ bool HttpSession::Refuse(HttpStatus status, const HttpRequestHead& request,
   return SendText({.status = status,
                    .keep_alive = MayGoOn(request),
                    .allow = is_not_allowed ? allow : std::string_view()},
-                  ReasonFor(status) + "\n", request.method);
+                  Refusal(status, {}), request.method);
 }
 
-bool HttpSession::RefuseMalformed(HttpStatus status) {
-  rules_.on_malformed_frame();
-  return SendText({.status = status}, ReasonFor(status) + "\n", HttpMethod::kOther);
+bool HttpSession::RefuseMalformed(HttpStatus status, std::string_view why) {
+  return SendText({.status = status}, Refusal(status, why), HttpMethod::kOther);
+}
+
+std::string HttpSession::Refusal(HttpStatus status, std::string_view why) {
+  const std::string text = ReasonFor(status) + (why.empty() ? "" : ": ") + std::string(why);
+  rules_.on_served(RecordOfRefusal(
+      stream_, "HTTP status " + std::to_string(static_cast<unsigned>(status)) + ": " + text,
+      ClassOf(status)));
+  return text + "\n";
 }
 
 bool HttpSession::SendText(HttpReplyHead reply, std::string_view text, HttpMethod method) {

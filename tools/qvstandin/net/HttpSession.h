@@ -1,6 +1,7 @@
 // Serves one client that sends its frames in HTTP requests.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "ClientStream.h"
@@ -29,8 +30,10 @@ class HttpSession {
   [[nodiscard]] bool Answer(const HttpRequestHead& request, FrameExchange& exchange);
   [[nodiscard]] bool Refuse(HttpStatus status, const HttpRequestHead& request,
                             std::string_view allow = {});
-  // Answers a request that cannot be parsed and counts it. Returns false.
-  [[nodiscard]] bool RefuseMalformed(HttpStatus status);
+  // Answers a request that cannot be parsed. Returns false.
+  [[nodiscard]] bool RefuseMalformed(HttpStatus status, std::string_view why = {});
+  // Records the refusal of a request and returns its text for the client.
+  [[nodiscard]] std::string Refusal(HttpStatus status, std::string_view why);
   [[nodiscard]] bool SendText(HttpReplyHead reply, std::string_view text, HttpMethod method);
 
   ClientStream& stream_;

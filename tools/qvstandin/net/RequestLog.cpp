@@ -3,12 +3,15 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "base/platform/Platform.h"
 #include "base/text/Letters.h"
 #include "base/text/SqlText.h"
+#include "base/text/Utf8.h"
 
 namespace qv::standin {
 
@@ -37,11 +40,51 @@ std::string TimeOf(const ServedCommand& served) {
                      (ms.time_since_epoch().count() % 1000 + 1000) % 1000);
 }
 
+// Besides controls, what is not seen although it is there.
+bool IsHidden(char32_t character) {
+  constexpr std::pair<char32_t, char32_t> kRanges[] = {
+      {0xAD, 0xAD},     {0x34F, 0x34F},   {0x180E, 0x180E}, {0x200B, 0x200D},
+      {0x2060, 0x2065}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE007F}};
+  return text::IsControlCharacter(character) ||
+         std::ranges::any_of(kRanges, [=](const auto& range) {
+           return character >= range.first && character <= range.second;
+         });
+}
+
+// Appends the escape of a character as JSON has it, which has two for one beyond 16 bits.
+void AppendEscape(char32_t character, std::string& line) {
+  auto value = static_cast<std::uint32_t>(character);
+  if (value > 0xFFFF) {
+    line += fmt::format("\\u{:04x}", 0xD7C0 + (value >> 10));
+    value = 0xDC00 + (value & 0x3FF);
+  }
+  line += fmt::format("\\u{:04x}", value);
+}
+
+// Returns the text with hidden characters, and bytes that are not UTF-8, as escapes.
+std::string WithoutHidden(std::string_view text) {
+  std::string shown;
+  while (!text.empty()) {
+    const text::DecodedChar next = text::DecodeUtf8(text);
+    if (!next.valid) {
+      shown += fmt::format("\\x{:02x}", static_cast<std::uint32_t>(next.value));
+    } else if (IsHidden(next.value)) {
+      AppendEscape(next.value, shown);
+    } else {
+      shown += text.substr(0, next.bytes);
+    }
+    text.remove_prefix(next.bytes);
+  }
+  return shown;
+}
+
 // Returns a text in quotes that ends at the next quote.
 std::string Quoted(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char ch : text) quoted += ch == '"' ? '\'' : ch;
-  return quoted + '"';
+  std::string quoted;
+  for (const char ch : text) {
+    quoted.append(ch == '\\' ? 2 : 1, ch == '"' ? '\'' : ch);
+  }
+  return '"' + WithoutHidden(quoted) + '"';
 }
 
 void Put(std::string_view line, std::FILE* target) {
@@ -78,7 +121,7 @@ std::string LogLine(const ServedCommand& served, bool with_statement) {
                   served.time.count(), NameOf(served.error_class));
   if (served.error_class != error::kNone) line += " reason=" + Quoted(served.outcome);
   if (with_statement && !served.statement.empty()) {
-    line += " statement=" + Quoted(OnOneLine(WithoutPasswords(served.statement)));
+    line += " statement=" + Quoted(WithoutPasswords(served.statement));
   }
   return line;
 }
@@ -96,7 +139,8 @@ std::string JsonLine(const ServedCommand& served, bool with_statement) {
   if (with_statement && !served.statement.empty()) {
     line["statement"] = WithoutPasswords(served.statement);
   }
-  return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  // Hidden characters are only in texts, where an escape means the same.
+  return WithoutHidden(line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
 bool RequestLog::Open() {

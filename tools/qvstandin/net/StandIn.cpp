@@ -1,5 +1,6 @@
 #include "StandIn.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/asio/post.hpp>
 #include <exception>
@@ -38,14 +39,12 @@ StandIn::StandIn(StandInOptions options)
       services_{data_, log_, options_.memory_threshold, options_.answer_limit},
       rules_{.token = options_.token,
              .login_token = NewSecret(),
-             .first_timeout = options_.io_timeout,
              .idle_timeout = options_.idle_timeout,
              .statement_limit = options_.statement_limit.count() != 0 ? options_.statement_limit
                                                                       : WorkLimit::kNoLimit,
              .request_limit = options_.request_limit,
              .upload_limit = options_.upload_limit,
-             .on_served = [this](ServedCommand served) { Remember(std::move(served)); },
-             .on_malformed_frame = [this] { ++malformed_frames_; }} {}
+             .on_served = [this](ServedCommand served) { Remember(std::move(served)); }} {}
 
 StandIn::~StandIn() { Stop(); }
 
@@ -73,15 +72,7 @@ void StandIn::Refuse(std::unique_ptr<ClientStream> stream, Speech speech) {
   const std::size_t places = options_.connection_limit;
   std::string text = std::to_string(clients_.size()) + " of " + std::to_string(places) +
                      " places of the server are taken";
-  if (options_.on_served) {
-    options_.on_served({.command = 0,
-                        .database = {},
-                        .outcome = text,
-                        .bytes = 0,
-                        .time = {},
-                        .error_class = error::kBusy,
-                        .peer = stream->PeerName()});
-  }
+  Remember(RecordOfRefusal(*stream, text, error::kBusy));
   refusals_.Add(std::move(stream), std::move(text), speech == Speech::kHttp);
 }
 
@@ -100,16 +91,19 @@ void StandIn::Admit(std::unique_ptr<ClientStream> stream, Speech speech) {
 }
 
 void StandIn::Serve(Client& client) {
+  ClientStream& stream = *client.stream;
+  const auto first = std::min(options_.first_timeout, options_.io_timeout);
+  stream.LimitReads(std::chrono::steady_clock::now() + first);
   try {
-    if (client.speech == Speech::kHttp && !BeginsWithFrame(*client.stream)) {
-      HttpSession(*client.stream, services_, rules_).Serve();
+    if (client.speech == Speech::kHttp && !BeginsWithFrame(stream)) {
+      HttpSession(stream, services_, rules_).Serve();
     } else {
-      FrameSession(*client.stream, services_, rules_).Serve();
+      FrameSession(stream, services_, rules_).Serve();
     }
   } catch (const std::exception&) {
     // This client ran out of memory or descriptors; the others are not affected.
   }
-  client.stream->HangUp();
+  stream.HangUp();
   client.done = true;
 }
 

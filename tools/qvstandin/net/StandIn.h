@@ -41,10 +41,12 @@ struct StandInOptions {
   std::optional<std::size_t> cell_limit;  // of one value; empty: each engine's own
   std::size_t connection_limit = 64;
   std::chrono::milliseconds io_timeout{30'000};
+  std::chrono::milliseconds first_timeout{5'000};  // until a new client's first request begins
   std::chrono::milliseconds idle_timeout{600'000};
   std::chrono::milliseconds statement_limit{600'000};  // 0: none
   // Called for every request just before its reply is sent, on the thread that serves the client,
-  // and, with command 0, for every client that was refused because the server is full.
+  // and, with command 0, for every client that was refused because the server is full, and for what
+  // was refused because it is not a request.
   std::function<void(const ServedCommand&)> on_served;
 };
 
@@ -68,10 +70,8 @@ class StandIn {
   [[nodiscard]] std::uint16_t Port() const { return frames_.Port(); }
   // Returns 0 if HTTP is off.
   [[nodiscard]] std::uint16_t HttpPort() const { return http_.Port(); }
-  // Returns the last 1000 requests, oldest first.
+  // Returns the last 1000 requests and refusals, oldest first.
   [[nodiscard]] std::vector<ServedCommand> Served() const;
-  // Returns how many connections were closed because of an invalid frame or invalid HTTP.
-  [[nodiscard]] std::uint64_t MalformedFrames() const { return malformed_frames_; }
 
  private:
   enum class Speech { kFrames, kHttp };
@@ -107,7 +107,6 @@ class StandIn {
   // Owned by the accepting thread until it has ended.
   std::list<Client> clients_;
 
-  std::atomic<std::uint64_t> malformed_frames_ = 0;
   mutable std::mutex served_mutex_;
   std::deque<ServedCommand> served_;
 };

@@ -31,8 +31,12 @@ std::string LittleEndian(std::uint64_t number) {
 
 }  // namespace
 
-AnswerSpool::AnswerSpool(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit)
-    : folder_(std::move(folder)), memory_limit_(memory_limit), size_limit_(size_limit) {}
+AnswerSpool::AnswerSpool(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit,
+                         std::function<bool()> is_over)
+    : folder_(std::move(folder)),
+      memory_limit_(memory_limit),
+      size_limit_(size_limit),
+      is_over_(std::move(is_over)) {}
 
 AnswerSpool::~AnswerSpool() {
   file_ = {};  // some systems remove no file that is open
@@ -90,7 +94,7 @@ bool AnswerSpool::CopyBody(const std::string& path) {
   std::vector<char> piece(kCopiedAtOnce);
   std::size_t length = 0;
   while ((length = std::fread(piece.data(), 1, piece.size(), from.get())) != 0) {
-    if (!file_.Write(std::string_view(piece.data(), length))) return false;
+    if (is_over_() || !file_.Write(std::string_view(piece.data(), length))) return false;
   }
   return std::ferror(from.get()) == 0;
 }

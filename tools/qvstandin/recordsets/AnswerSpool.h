@@ -4,6 +4,7 @@
 #include <zlib.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,8 +21,11 @@ class AnswerSpool : public AnswerSink {
   static constexpr const char* kExtension = ".answer";
 
   // Keeps up to `memory_limit` bytes in memory. A larger answer goes to a file in `folder`, which
-  // the destructor removes. Write() fails beyond `size_limit` bytes.
-  AnswerSpool(std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit);
+  // the destructor removes. Write() fails beyond `size_limit` bytes, and ReplaceHead() when
+  // `is_over`, which is asked while a file is copied, returns true.
+  AnswerSpool(
+      std::string folder, std::uint64_t memory_limit, std::uint64_t size_limit,
+      std::function<bool()> is_over = [] { return false; });
   ~AnswerSpool() override;
   AnswerSpool(const AnswerSpool&) = delete;
   AnswerSpool& operator=(const AnswerSpool&) = delete;
@@ -50,6 +54,7 @@ class AnswerSpool : public AnswerSink {
   std::string folder_;
   std::uint64_t memory_limit_;
   std::uint64_t size_limit_;
+  std::function<bool()> is_over_;
   std::uint64_t size_ = 0;
   std::size_t head_size_ = 0;
   bool is_too_large_ = false;
