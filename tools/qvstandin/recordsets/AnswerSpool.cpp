@@ -20,7 +20,7 @@ constexpr int kMemoryLevel = 8;
 // Fast compression, since most clients are local.
 constexpr int kLevel = 3;
 constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // zlib counts in 32 bits
-constexpr std::size_t kCopiedAtOnce = 64 * 1024;
+constexpr std::size_t kCopiedAtOnce = std::size_t{64} << 10;
 
 // Returns the low 32 bits of a number, lowest byte first.
 std::string LittleEndian(std::uint64_t number) {

@@ -11,7 +11,7 @@ namespace qv::standin {
 
 namespace {
 
-constexpr std::size_t kFlushAt = 64 * 1024;
+constexpr std::size_t kFlushAt = std::size_t{64} << 10;
 
 constexpr std::string_view kHarmful = " '\"=/<>&";
 

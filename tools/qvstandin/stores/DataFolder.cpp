@@ -91,7 +91,7 @@ Outcome DataFolder::Lock() {
   const std::string file =
       platform::NarrowFromPath(platform::PathFromNarrow(path_) / "server.lock");
   // Created here, so that only its owner can read it. Usually it exists already.
-  storage::OutputFile(file, platform::Create::kNew);
+  { const storage::OutputFile created(file, platform::Create::kNew); }
   sqlite3* opened = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW;
   int code = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);

@@ -70,7 +70,7 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
 
 bool NameComesBefore(std::string_view a, std::string_view b) {
   const std::strong_ordering order = text::CompareIgnoringCase(a, b);
-  return order < 0 || (order == 0 && a < b);
+  return std::is_lt(order) || (std::is_eq(order) && a < b);
 }
 
 }  // namespace qv::standin
