@@ -7,8 +7,8 @@
 #include "KeptBuffer.h"
 #include "PeerTable.h"
 #include "Peers.h"
-#include "resultset/RecordsetReaders.h"
 #include "resultset/ResultTable.h"
+#include "resultset/readers/RecordsetReaders.h"
 
 namespace qv {
 

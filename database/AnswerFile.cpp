@@ -6,7 +6,7 @@
 #include "cache/GzipFile.h"
 #include "qvnetcall/RvoDatabase.h"
 #include "qvnetcall/framework/FileException.h"
-#include "resultset/RecordsetReaders.h"
+#include "resultset/readers/RecordsetReaders.h"
 #include "server/ModuleState.h"
 
 namespace qv {

@@ -2,7 +2,7 @@
 #include "RunQuery.h"
 #include "base/call/LastError.h"
 #include "qvnetcall/RvoDatabase.h"
-#include "resultset/RecordsetReaders.h"
+#include "resultset/readers/RecordsetReaders.h"
 #include "server/ModuleState.h"
 #include "server/ServerType.h"
 

@@ -250,7 +250,7 @@ std::string RandomRecordset::Rowset() {
   for (const Field& field : fields) text += AttributeType(field);
   text +=
       "\t\t<s:extends type='rs:rowbase'/>\r\n\t</s:ElementType>\r\n</s:Schema>\r\n<rs:data>\r\n";
-  for (std::size_t rows = Below(7); rows > 0; --rows) text += Row(fields);
+  for (std::size_t rows = RowCount(); rows > 0; --rows) text += Row(fields);
   return text + "</rs:data>\r\n</xml>\r\n";
 }
 
@@ -292,7 +292,7 @@ std::string RandomRecordset::Schema() {
     text += "<xs:element" + name + type + " minOccurs='0' />\n";
   }
   text += "</xs:sequence>\n</xs:complexType>\n</xs:element>\n  </xs:schema>\n";
-  for (std::size_t rows = Below(7); rows > 0; --rows) text += TaggedRow(tag, fields);
+  for (std::size_t rows = RowCount(); rows > 0; --rows) text += TaggedRow(tag, fields);
   return text + "</Data>\n";
 }
 

@@ -31,6 +31,8 @@ class RandomRecordset {
     return choices[Below(choices.size())];
   }
 
+  // Mostly few rows, sometimes more than there are bits in a word.
+  std::size_t RowCount() { return OneIn(40) ? 60 + Below(80) : Below(7); }
   std::vector<Field> Fields(const std::vector<std::string_view>& types);
   std::string Name(std::size_t number);
   std::string Value(std::string_view type);

@@ -12,8 +12,8 @@
 #include <sstream>
 #include <variant>
 
-#include "resultset/RecordsetReaders.h"
 #include "resultset/ResultTable.h"
+#include "resultset/readers/RecordsetReaders.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {

@@ -7,6 +7,8 @@
 #include <string>
 
 #include "ReaderComparison.h"
+#include "resultset/readers/PieceReading.h"
+#include "resultset/readers/ReaderThreads.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -33,6 +35,9 @@ void RunOnce(const qv::ComparedDialect& dialect, const std::string& file) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   const std::string file(reinterpret_cast<const char*>(bytes), size);
+  // Half of the inputs are read by several threads, with a row or a few to a piece.
+  qv::SetReaderThreads(size % 2 == 0 ? 3 : 1);
+  qv::SetPieceBytes(1 + size % 64);
   RunOnce(qv::kRowsetDialect, file);
   RunOnce(qv::kSchemaDialect, file);
   return 0;

@@ -60,6 +60,10 @@ class GrowArray {
     return room;
   }
 
+  void Append(const GrowArray& others) {
+    if (others.size_ != 0) std::memcpy(Extend(others.size_), others.data(), others.Bytes());
+  }
+
   // The memory that the values take, and capacity for `factor` > 1 times as many of them.
   std::size_t Bytes() const { return size_ * sizeof(T); }
   void ReserveTimes(double factor) {
@@ -132,6 +136,19 @@ class NullRows {
     if (row / kBits < words_.size()) words_[row / kBits] &= ~(std::uint64_t{1} << row % kBits);
   }
   void Clear() { words_.Shrink(0); }
+  // Adds `others`, counted from `first` on, which is after every row that was added.
+  void Append(const NullRows& others, std::size_t first) {
+    if (others.words_.size() == 0) return;
+    const std::size_t word = first / kBits;
+    const std::size_t needed = word + others.words_.size() + 1;
+    if (needed > words_.size()) AddWords(needed - words_.size());
+    for (std::size_t i = 0; i < others.words_.size(); ++i) {
+      const std::uint64_t bits = others.words_[i];
+      words_[word + i] |= bits << first % kBits;
+      // Two steps, because shifting by all bits at once is not defined.
+      words_[word + i + 1] |= bits >> 1 >> (kBits - 1 - first % kBits);
+    }
+  }
 
  private:
   static constexpr std::size_t kBits = 64;
@@ -178,6 +195,22 @@ class TextCells {
     End();
   }
 
+  void Append(const TextCells& others) {
+    const std::size_t start = bytes_.size();
+    bytes_.Append(others.bytes_);
+    if (bytes_.size() > kMostBytes) throw std::bad_alloc();
+    const std::size_t count = others.size();
+    std::uint32_t* const ends = ends_.Extend(count);
+    for (std::size_t i = 0; i < count; ++i) {
+      ends[i] = static_cast<std::uint32_t>(start + others.ends_[i]);
+    }
+  }
+  // Drops all but the first `size` texts.
+  void Shrink(std::size_t size) {
+    ends_.Shrink(size);
+    bytes_.Shrink(size == 0 ? 0 : ends_[size - 1]);
+  }
+
   // Like push_back, for a text followed by at least kCopyStep readable bytes: short texts are
   // copied in whole steps, without a call.
   static constexpr std::size_t kCopyStep = 32;
@@ -201,8 +234,10 @@ class TextCells {
   }
 
  private:
+  static constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
+
   void End() {
-    if (bytes_.size() > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+    if (bytes_.size() > kMostBytes) throw std::bad_alloc();
     ends_.push_back(static_cast<std::uint32_t>(bytes_.size()));
   }
 

@@ -15,7 +15,7 @@ void SetResultLimit(std::uint64_t bytes);
 // The memory that is left for the cells of an answer.
 class ResultBudget {
  public:
-  ResultBudget() : limit_(ResultLimit()), left_(limit_) {}
+  explicit ResultBudget(std::uint64_t limit = ResultLimit()) : limit_(limit), left_(limit) {}
 
   // Call this before the memory is taken. Returns false if less is left.
   [[nodiscard]] bool Take(std::uint64_t bytes) {
@@ -25,6 +25,7 @@ class ResultBudget {
   }
 
   [[nodiscard]] std::uint64_t Limit() const { return limit_; }
+  [[nodiscard]] std::uint64_t Taken() const { return limit_ - left_; }
 
  private:
   std::uint64_t limit_;

@@ -2,6 +2,7 @@
 
 #include "base/platform/Platform.h"
 #include "resultset/Reading.h"
+#include "resultset/readers/ReaderThreads.h"
 
 namespace qv {
 
@@ -29,6 +30,7 @@ void ModuleState::Reset() {
   settings.default_display_domain = 0;
   cache.Reset();
   SetResultLimit(0);
+  SetReaderThreads(0);
 }
 
 std::string ModuleFolder(std::size_t max_path) {

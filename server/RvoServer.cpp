@@ -14,6 +14,7 @@
 #include "qvnetcall/transport/QvHttpClient.h"
 #include "qvnetcall/transport/QvNetClient4.h"
 #include "resultset/Reading.h"
+#include "resultset/readers/ReaderThreads.h"
 
 using qv::Exchange;
 using qv::ModuleState;
@@ -62,6 +63,7 @@ void CRvoServer::FinitNet() {
   ModuleState::Get().direct_access.CloseAll();
   HttpworkTransFini();
   NetworkTransFini();
+  qv::EndReaderThreads();
 }
 
 int CRvoServer::SetConinfo(const char* server, long port) {
@@ -201,5 +203,11 @@ int CRvoServer::ClearCurCache() { return ModuleState::Get().cache.Clear() ? 1 : 
 int CRvoServer::SetResultLimit(long long bytes) {
   if (bytes < 0) return 0;
   qv::SetResultLimit(static_cast<std::uint64_t>(bytes));
+  return 1;
+}
+
+int CRvoServer::SetReaderThreads(int threads) {
+  if (threads < 0) return 0;
+  qv::SetReaderThreads(threads);
   return 1;
 }

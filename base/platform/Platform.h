@@ -132,6 +132,13 @@ void FreePages(void* start, std::size_t bytes);
 // then.
 [[nodiscard]] bool ZeroPages(void* start, std::size_t bytes);
 
+// Returns the number of this process; a child that was forked has another.
+[[nodiscard]] unsigned long ProcessNumber();
+
+// Makes the system keep the library that contains this code until the process ends, whoever unloads
+// it: for code that runs on threads of the library's own.
+void KeepThisModule();
+
 // Returns the bytes of memory that the machine has, or 0 if the system does not say.
 [[nodiscard]] std::uint64_t PhysicalMemory();
 

@@ -15,7 +15,8 @@ class QVNETCALL_API CRvoServer {
  public:
   // Starts both transports. Call it once, before any other call.
   static void InitNet();
-  // Stops both transports and closes every local database. Call it once, after the last call.
+  // Stops both transports, closes every local database, and ends the threads that read large
+  // answers (SetReaderThreads). Call it once, after the last call.
   static void FinitNet();
 
   // Sets the name and the port of the server that every later call uses; a null name counts as
@@ -149,4 +150,13 @@ class QVNETCALL_API CRvoServer {
   // keeps the limit that it started with. Not part of the platform's interface: an extension of
   // this library. Returns 1, or 0 for a negative number, which changes nothing.
   static int SetResultLimit(long long bytes);
+  // Sets how many threads may read one large answer, the calling one included. At first that is as
+  // many as the machine has cores, and 0 goes back to that; 1 reads every answer on the calling
+  // thread alone; more than 64 count as 64. The result is the same for every number. The other
+  // threads are the library's own: they start when a large answer is first read, serve all threads
+  // of the host, and end with FinitNet; the library then stays loaded until the process ends. If
+  // the system gives no threads, the calling one reads alone. Any thread may call this; a read that
+  // runs keeps the number that it started with. Not part of the platform's interface: an extension
+  // of this library. Returns 1, or 0 for a negative number, which changes nothing.
+  static int SetReaderThreads(int threads);
 };

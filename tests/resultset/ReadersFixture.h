@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "qvnetcall/RvoDbRes.h"
-#include "resultset/RecordsetReaders.h"
+#include "resultset/readers/RecordsetReaders.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {

@@ -6,14 +6,38 @@
 #include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "resultset/Reading.h"
+#include "resultset/readers/PieceReading.h"
+#include "resultset/readers/ReaderThreads.h"
 
 namespace qv {
 namespace {
 
-using ReadingLimits = ReadersTest;
+struct Threads {
+  int count;
+  std::size_t piece_bytes;
+};
+
+void PrintTo(const Threads& threads, std::ostream* out) { *out << threads.count; }
+
+class ReadingLimits : public ReadersTest, public testing::WithParamInterface<Threads> {
+ protected:
+  void SetUp() override {
+    SetReaderThreads(GetParam().count);
+    SetPieceBytes(GetParam().piece_bytes);
+  }
+  void TearDown() override {
+    EndReaderThreads();
+    SetReaderThreads(0);
+    SetPieceBytes(0);
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Threads, ReadingLimits,
+                         testing::Values(Threads{1, 0}, Threads{2, 64}, Threads{7, 4096}),
+                         testing::PrintToStringParamName());
 
 // Shapes that make a careless search start over for every row.
-TEST_F(ReadingLimits, LargeHostileFilesComeBack) {
+TEST_P(ReadingLimits, LargeHostileFilesComeBack) {
   constexpr int kMany = 500000;
   struct Case {
     bool rowset;
@@ -37,6 +61,8 @@ TEST_F(ReadingLimits, LargeHostileFilesComeBack) {
       {true, Repeated("<z:row a='", kMany), true, 1},
       {true, "<z:row a='" + Repeated("=\"", kMany) + "\"/>", true, 1},
       {true, "<z:row" + Repeated(" b='1'", kMany) + "/>", true, 1},
+      // Starts of rows in values: from each, the rest of the file is one row without end.
+      {true, Repeated("<z:row a='<z:row b=\" ='/>\n", kMany), true, kMany},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE((c.rowset ? "rowset " : "schema ") + c.body.substr(0, 20));
@@ -66,7 +92,7 @@ std::string Columns(int count, const std::string& name, const std::string& type 
   return RowsetHead(all);
 }
 
-TEST_F(ReadingLimits, AnswersBeyondTheLimitAreRefused) {
+TEST_P(ReadingLimits, AnswersBeyondTheLimitAreRefused) {
   const Limited limited(50000);
   const std::string long_value = "<z:row a='" + std::string(10000, 'x') + "'/>";
   const std::pair<const char*, std::string> refused[] = {
@@ -98,7 +124,7 @@ TEST_F(ReadingLimits, AnswersBeyondTheLimitAreRefused) {
   EXPECT_TRUE(Rowset(Columns(30, "") + Repeated("<z:row/>", 300), other));
 }
 
-TEST_F(ReadingLimits, ACancelledCallReadsNoFurther) {
+TEST_P(ReadingLimits, ACancelledCallReadsNoFurther) {
   const std::string rowset = Columns(1, "") + Repeated("<z:row image='4a'/>", 3000);
   const std::string schema = SchemaHead(kIntColumn) + Repeated("<T><a>1</a></T>", 3000);
   call::CancelFlag flag;
@@ -115,7 +141,7 @@ TEST_F(ReadingLimits, ACancelledCallReadsNoFurther) {
   EXPECT_TRUE(Rowset(rowset, from_rowset));
 }
 
-TEST_F(ReadingLimits, TheLimitIsTheLastByte) {
+TEST_P(ReadingLimits, TheLimitIsTheLastByte) {
   const std::string file = RowsetHead({"name='a'", "name='n' dt:type='int'"}) +
                            Repeated("<z:row a='12345' n='1'/>", 100);
   constexpr std::uint64_t kBytes = 100 * (4 + 5 + 8 + 1);  // end, text, integer, null bits
@@ -126,7 +152,7 @@ TEST_F(ReadingLimits, TheLimitIsTheLastByte) {
   }
 }
 
-TEST_F(ReadingLimits, WideAndNearlyEmptyAnswersAreRead) {
+TEST_P(ReadingLimits, WideAndNearlyEmptyAnswersAreRead) {
   constexpr int kRows = 30000;
   std::string rows;
   for (int i = 0; i < kRows; ++i) {
@@ -139,7 +165,7 @@ TEST_F(ReadingLimits, WideAndNearlyEmptyAnswersAreRead) {
   EXPECT_TRUE(result.IsNull(298, 300));
 }
 
-TEST_F(ReadingLimits, AnAbsurdTagIsRefused) {
+TEST_P(ReadingLimits, AnAbsurdTagIsRefused) {
   CRvoDbRes long_tag;
   const std::string tag(2000, 'T');
   EXPECT_FALSE(Schema("<xs:schema></xs:schema><xs:element name='" + tag +

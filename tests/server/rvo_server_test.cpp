@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "resultset/Reading.h"
+#include "resultset/readers/ReaderThreads.h"
 #include "server/ModuleState.h"
 #include "tests/support/ModuleTest.h"
 
@@ -193,6 +194,18 @@ TEST_F(RvoServer, LimitsAnswersUntilTheDefaultIsWantedBack) {
   EXPECT_EQ(CRvoServer::SetResultLimit(LLONG_MAX), 1);
   EXPECT_EQ(CRvoServer::SetResultLimit(0), 1);
   EXPECT_EQ(ResultLimit(), half_of_memory);
+}
+
+TEST_F(RvoServer, SetsTheNumberOfReaderThreads) {
+  const int cores = ReaderThreads();
+  const std::pair<int, int> set_and_read[] = {{7, 7}, {65, 64}, {1, 1}, {0, cores}, {3, 3}};
+  for (const auto& [set, read] : set_and_read) {
+    EXPECT_EQ(CRvoServer::SetReaderThreads(set), 1);
+    EXPECT_EQ(CRvoServer::SetReaderThreads(-1), 0);
+    EXPECT_EQ(ReaderThreads(), read);
+  }
+  ModuleState::Get().Reset();
+  EXPECT_EQ(ReaderThreads(), cores);
 }
 
 }  // namespace

@@ -103,6 +103,16 @@ bool ZeroPages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t bytes)
 #endif
 }
 
+unsigned long ProcessNumber() { return static_cast<unsigned long>(::getpid()); }
+
+// A program is not found by its path, and is never unloaded.
+void KeepThisModule() {
+  Dl_info info{};
+  if (::dladdr(&kInsideThisModule, &info) == 0) return;
+  void* const module = ::dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+  if (module != nullptr) ::dlclose(module);
+}
+
 std::uint64_t PhysicalMemory() {
   const long pages = ::sysconf(_SC_PHYS_PAGES);
   const long page = ::sysconf(_SC_PAGESIZE);

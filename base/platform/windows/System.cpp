@@ -67,6 +67,15 @@ bool ZeroPages(void* start, std::size_t bytes) {
          ::VirtualAlloc(start, bytes, MEM_COMMIT, PAGE_READWRITE) != nullptr;
 }
 
+unsigned long ProcessNumber() { return ::GetCurrentProcessId(); }
+
+void KeepThisModule() {
+  HMODULE module = nullptr;
+  static_cast<void>(
+      ::GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                           reinterpret_cast<LPCSTR>(&__ImageBase), &module));
+}
+
 std::uint64_t PhysicalMemory() {
   MEMORYSTATUSEX status{};
   status.dwLength = sizeof status;

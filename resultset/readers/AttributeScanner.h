@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ByteScan.h"
+#include "resultset/ByteScan.h"
 
 namespace qv {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-#include "Reading.h"
+#include "resultset/Reading.h"
 
 class CFile;
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "ByteScan.h"
-#include "ResultTable.h"
+#include "resultset/ByteScan.h"
+#include "resultset/ResultTable.h"
 
 namespace qv {
 

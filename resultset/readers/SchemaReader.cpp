@@ -1,12 +1,13 @@
 #include "RecordsetReaders.h"
 
 #include <array>
+#include <memory>
 #include <string>
 
 #include "AttributeScanner.h"
-#include "ColumnFiller.h"
 #include "FileText.h"
-#include "base/call/CancelFlag.h"
+#include "PieceReading.h"
+#include "RowScanner.h"
 
 namespace qv {
 
@@ -73,63 +74,61 @@ void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequ
   }
 }
 
-// Walks through the rows: elements of one tag, whose children are the values. Positions are offsets
-// into the text.
-class RowWalker {
+// The elements of one tag, whose children are the values.
+class SchemaRows final : public RowScanner {
  public:
-  // With `plain_names`, neither a closing tag nor the tag of the rows can be mistaken for a
-  // column's.
-  RowWalker(std::string_view text, std::string_view tag, std::size_t start, bool plain_names)
-      : text_(text),
+  // `tag` is that of the rows, and `last_closing` the last place at which one is closed.
+  SchemaRows(std::string_view text, std::span<const Column> columns, std::string_view tag,
+             std::size_t last_closing)
+      : RowScanner(text, columns, '>'),
         opening_('<' + std::string(tag)),
-        closing_(std::string("</").append(tag)),
-        plain_names_(plain_names),
-        last_closing_(text.rfind(closing_)),
+        closing_(ClosingOf(tag)),
+        plain_names_(!values_.HasNameWith("/") && !values_.HasNameWith(tag)),
+        last_closing_(last_closing),
         tag_end_(text, ">"),
         empty_close_(text, "/>"),
-        ampersands_(text, "&"),
-        next_row_(text.find(opening_, start)) {}
+        ampersands_(text, "&") {}
 
-  [[nodiscard]] bool HasRow() const { return next_row_ != kNone; }
-  [[nodiscard]] bool HasClosing() const { return IsClosedBehind(next_row_ + opening_.size()); }
-
-  // Whether the row that was read last contains an ampersand.
-  [[nodiscard]] bool MayHaveEntities() const { return may_have_entities_; }
-  // The end of that row.
-  [[nodiscard]] std::size_t Position() const { return position_; }
-
-  // Reads the next row and moves past it. Returns false if it is not closed: the rows end before
-  // it.
-  [[nodiscard]] bool ReadRow(RowValues& values) {
-    const std::size_t start = next_row_ + opening_.size();
-    values.Begin();
-    std::size_t behind = EndOfEmptyRow(start);
-    if (behind == kNone && IsClosedBehind(start)) {
-      behind = ReadChildren(start, text_.size(), values) + closing_.size();
-    } else if (behind == kNone) {
-      const std::size_t end = empty_close_.Find(start);
-      if (end == kNone) return false;
-      ReadChildren(start, end, values);
-      behind = end + empty_close_.MarkerLength();
-    }
-    values.End();
-    position_ = behind;
-    may_have_entities_ = ampersands_.Find(start) < behind;
-    next_row_ = FindTag(text_, opening_, behind);
-    return true;
+  [[nodiscard]] std::size_t FindRow(std::size_t from) const override {
+    return FindTag(Text(), opening_, from);
+  }
+  [[nodiscard]] Reading ReadRows(std::size_t& position, std::size_t limit,
+                                 ColumnFiller& filler) override {
+    return ReadEachRow(*this, position, limit, filler);
   }
 
+  static std::string ClosingOf(std::string_view tag) { return std::string("</").append(tag); }
+
  private:
+  friend RowScanner;
+
+  // The rows end before one that is not closed.
+  [[nodiscard]] Row ReadRow(std::size_t& position) {
+    const std::size_t start = position + opening_.size();
+    values_.Begin();
+    position = EndOfEmptyRow(start);
+    if (position == kNone && IsClosedBehind(start)) {
+      position = ReadChildren(start, Text().size()) + closing_.size();
+    } else if (position == kNone) {
+      const std::size_t end = empty_close_.Find(start);
+      if (end == kNone) return Row::kNoRow;
+      ReadChildren(start, end);
+      position = end + empty_close_.MarkerLength();
+    }
+    values_.End();
+    return ampersands_.Find(start) < position ? Row::kWithEntities : Row::kPlain;
+  }
+
   [[nodiscard]] bool IsClosedBehind(std::size_t position) const {
-    return last_closing_ != kNone && last_closing_ >= position;
+    return last_closing_ >= position;
   }
 
   // Returns the position after the row's own "/>", or kNone if its opening tag does not end that
   // way.
   [[nodiscard]] std::size_t EndOfEmptyRow(std::size_t start) {
-    if (start < text_.size() && text_[start] == '>') return kNone;
+    if (start < Text().size() && Text()[start] == '>') return kNone;
     const std::size_t end = tag_end_.Find(start);
-    const bool is_empty = end != kNone && end > start && text_[end - 1] == '/';
+    const bool is_empty = end != kNone && end > start && Text()[end - 1] == '/';
     return is_empty ? end + 1 : kNone;
   }
 
@@ -141,13 +140,13 @@ class RowWalker {
   // Records the values of the children between `start` and the row's closing tag or `limit`,
   // whichever comes first, and returns that position. "<" starts a name, ">" ends it and starts its
   // value, which extends to the next "<". An empty element only says that its column is not null.
-  std::size_t ReadChildren(std::size_t start, std::size_t limit, RowValues& values) const {
-    const char* p = text_.data() + start;
-    const char* const end = text_.data() + limit;
+  std::size_t ReadChildren(std::size_t start, std::size_t limit) {
+    const char* p = Text().data() + start;
+    const char* const end = Text().data() + limit;
     const char* name = p;
     while (p < end) {
       if (*p == '<') {
-        p = TakeExpected(p, end, values);
+        p = TakeExpected(p, end);
         if (p == end || IsRowClosing(p, end)) break;
         name = ++p;
       } else if (*p == '>') {
@@ -155,51 +154,50 @@ class RowWalker {
         const bool is_pair = value < end && *value == '<';
         const std::string_view tag(name, Distance(name, p));
         p = is_pair ? value : FindByte(value, end, '<');
-        if (!is_pair) values.Put(tag, {value, Distance(value, p)});
-        NoteEmpty(tag, is_pair, value, values);
+        if (!is_pair) values_.Put(tag, {value, Distance(value, p)});
+        NoteEmpty(tag, is_pair, value);
         name = p;
       } else {
         ++p;
       }
     }
-    return static_cast<std::size_t>(p - text_.data());
+    return static_cast<std::size_t>(p - Text().data());
   }
 
   // Notes the element whose tag has the text `tag` if it is empty: "<name/>", with blanks before
   // the slash or without, or "<name></name>", of which `is_pair` says that a "<" follows the tag.
-  static void NoteEmpty(std::string_view tag, bool is_pair, const char* value, RowValues& values) {
+  void NoteEmpty(std::string_view tag, bool is_pair, const char* value) {
     const bool is_closed = tag.ends_with('/');
     if (tag.empty() || (!is_closed && (!is_pair || tag.starts_with('/')))) return;
     if (is_closed) tag.remove_suffix(1);
     while (is_closed && tag.ends_with(' ')) tag.remove_suffix(1);
-    values.PutEmpty(tag, value);
+    values_.PutEmpty(tag, value);
   }
 
   // Takes the children from the "<" at `p` as long as they come as expected, "<name>value</name>".
   // Returns the first "<" that it did not take, or `end`.
-  const char* TakeExpected(const char* p, const char* end, RowValues& values) const {
+  const char* TakeExpected(const char* p, const char* end) {
     while (p < end && *p == '<' && !IsRowClosing(p, end)) {
-      const std::size_t length = values.MatchExpected(p + 1, end);
+      const std::size_t length = values_.MatchExpected(p + 1, end);
       if (length == 0) return p;
       const char* const name = p + 1;
       const char* const value = name + length + 1;
       if (value >= end || (*value == '<' && !plain_names_)) return p;
       const char* const value_end = FindByte(value, end, '<');
       if (value_end != value) {
-        values.PutExpected({value, Distance(value, value_end)});
+        values_.PutExpected({value, Distance(value, value_end)});
       } else {
-        values.PutExpectedEmpty(value);
+        values_.PutExpectedEmpty(value);
       }
-      p = BehindClosing(value_end, end, length, values);
+      p = BehindClosing(value_end, end, length);
     }
     return p;
   }
 
   // Returns the "<" after the closing tag at `p` of the last child, whose name has `length` bytes,
   // or `p` if something else is there.
-  const char* BehindClosing(const char* p, const char* end, std::size_t length,
-                            const RowValues& values) const {
-    const bool is_closing = plain_names_ && p[1] == '/' && values.IsLastExpected(p + 2, end);
+  const char* BehindClosing(const char* p, const char* end, std::size_t length) const {
+    const bool is_closing = plain_names_ && p[1] == '/' && values_.IsLastExpected(p + 2, end);
     return is_closing ? FindByte(p + length + 3, end, '<') : p;
   }
 
@@ -207,34 +205,28 @@ class RowWalker {
     return static_cast<std::size_t>(to - from);
   }
 
-  std::string_view text_;
-  std::string opening_;
-  std::string closing_;
-  bool plain_names_;
-  std::size_t last_closing_;
+  const std::string opening_;
+  const std::string closing_;
+  // Neither a closing tag nor the tag of the rows can be mistaken for a column's.
+  const bool plain_names_;
+  const std::size_t last_closing_;
   ForwardFinder tag_end_;
   ForwardFinder empty_close_;
   ForwardFinder ampersands_;
-  std::size_t next_row_;
-  std::size_t position_ = 0;
-  bool may_have_entities_ = false;
 };
 
 // Reads the rows that start after `start`. Returns what ReadSchema does.
 Reading ReadRows(std::string_view text, std::string_view tag, std::size_t start, ResultTable& table,
                  BinaryCells& binary) {
-  RowValues values(table.Columns(), '>');
-  const bool plain_names = !values.HasNameWith("/") && !values.HasNameWith(tag);
-  RowWalker rows(text, tag, start, plain_names);
-  if (!rows.HasRow()) return Reading::kDone;
-  if (!rows.HasClosing()) return Reading::kUnreadable;
-  ColumnFiller filler(table, values, binary);
-  for (std::size_t count = 1; rows.HasRow() && rows.ReadRow(values); ++count) {
-    if (!filler.AppendRow(rows.MayHaveEntities())) return Reading::kTooLarge;
-    if (IsTimeToLookUp(count) && call::IsCancelled()) return Reading::kCancelled;
-    if (count == kRowsBeforeReserve) filler.ReserveAfter(rows.Position(), text.size());
-  }
-  return Reading::kDone;
+  const std::size_t first = text.find('<' + std::string(tag), start);
+  if (first == kNone) return Reading::kDone;
+  const std::size_t last_closing = text.rfind(SchemaRows::ClosingOf(tag));
+  const bool is_closed = last_closing != kNone && last_closing > first + tag.size();
+  if (!is_closed) return Reading::kUnreadable;
+  const auto make = [&] {
+    return std::make_unique<SchemaRows>(text, table.Columns(), tag, last_closing);
+  };
+  return ReadAllRows(first, make, table, binary);
 }
 
 Reading ReadSchema(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {

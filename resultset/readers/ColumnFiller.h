@@ -2,28 +2,24 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
-#include "BinaryCells.h"
-#include "Reading.h"
-#include "ResultTable.h"
 #include "RowValues.h"
+#include "resultset/BinaryCells.h"
+#include "resultset/Reading.h"
+#include "resultset/ResultTable.h"
 
 namespace qv {
 
-// The number of rows from which the others are estimated.
-constexpr std::size_t kRowsBeforeReserve = 256;
-
-// Returns true every few rows, when it is time to see whether the call was cancelled.
-[[nodiscard]] constexpr bool IsTimeToLookUp(std::size_t rows) { return rows % 1024 == 0; }
-
-// Fills the columns of a table, whose cells were rebuilt, row by row. Measures the columns' display
-// lengths; the destructor stores them in the columns.
+// Fills columns, which have no cells yet, row by row. Measures the columns' display lengths; the
+// destructor stores them in the columns.
 class ColumnFiller {
  public:
-  // All three must outlive the filler, and `table` must keep its columns meanwhile.
-  ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary);
+  // All three must outlive the filler. The cells take at most what `budget` has.
+  ColumnFiller(std::span<Column> columns, const RowValues& values, BinaryCells& binary,
+               ResultBudget budget);
   ~ColumnFiller();
   ColumnFiller(const ColumnFiller&) = delete;
   ColumnFiller& operator=(const ColumnFiller&) = delete;
@@ -31,14 +27,25 @@ class ColumnFiller {
   // Appends one cell to each column; cells without a value are null. The texts are in a FileText,
   // so that some bytes after them may be read. `may_have_entities` is false if no text contains an
   // ampersand. Returns false before the cells, with the values of binary ones, take more memory
-  // than ResultLimit() allows; the row is then incomplete.
+  // than the budget has; the row is then incomplete.
   [[nodiscard]] bool AppendRow(bool may_have_entities);
+  // Appends the rows of `others`, which has columns of the same types. Returns false, and appends
+  // nothing, if the cells would take more memory than the budget has.
+  [[nodiscard]] bool AppendRows(const ColumnFiller& others);
+  // Drops all rows, keeping the memory for the next ones.
+  void Clear();
 
+  // Returns true once there are enough rows to estimate the others from.
+  [[nodiscard]] bool CanReserve() const { return !has_reserved_ && rows_ >= kRowsBeforeReserve; }
   // Reserves memory for the remaining rows after `done` bytes of rows out of `total` were appended,
   // if it can be estimated.
   void ReserveAfter(std::size_t done, std::size_t total);
+  // The rows are few: nothing is to be reserved.
+  void NeverReserve() { has_reserved_ = true; }
 
  private:
+  static constexpr std::size_t kRowsBeforeReserve = 256;
+
   // What the cells of a row share.
   struct Row {
     BinaryCells& binary;
@@ -75,6 +82,7 @@ class ColumnFiller {
   std::size_t rows_ = 0;
   std::size_t row_bytes_;  // of a row's cells and null bits, without texts
   ResultBudget budget_;
+  bool has_reserved_ = false;
 };
 
 }  // namespace qv

@@ -1,20 +1,23 @@
 #include "ColumnFiller.h"
 
 #include <algorithm>
+#include <type_traits>
+#include <variant>
 
-#include "CellValue.h"
-#include "DateCell.h"
 #include "FileText.h"
 #include "base/text/Numbers.h"
+#include "resultset/CellValue.h"
+#include "resultset/DateCell.h"
 
 namespace qv {
 
 static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack);
 
-ColumnFiller::ColumnFiller(ResultTable& table, const RowValues& values, BinaryCells& binary)
-    : values_(values), row_{binary, false}, row_bytes_((table.Columns().size() + 7) / 8) {
-  sinks_.reserve(table.Columns().size());
-  for (Column& column : table.Columns()) sinks_.push_back(SinkFor(column, sinks_.size()));
+ColumnFiller::ColumnFiller(std::span<Column> columns, const RowValues& values, BinaryCells& binary,
+                           ResultBudget budget)
+    : values_(values), row_{binary, false}, row_bytes_((columns.size() + 7) / 8), budget_(budget) {
+  sinks_.reserve(columns.size());
+  for (Column& column : columns) sinks_.push_back(SinkFor(column, sinks_.size()));
 }
 
 ColumnFiller::Sink ColumnFiller::SinkFor(Column& column, std::size_t index) {
@@ -50,6 +53,32 @@ bool ColumnFiller::AppendRow(bool may_have_entities) {
   }
   ++rows_;
   return true;
+}
+
+bool ColumnFiller::AppendRows(const ColumnFiller& others) {
+  if (!budget_.Take(others.budget_.Taken())) return false;
+  for (std::size_t i = 0; i < sinks_.size(); ++i) {
+    Column& column = *sinks_[i].column;
+    const Column& other = *others.sinks_[i].column;
+    const auto append = [&](auto& cells) {
+      cells.Append(std::get<std::remove_reference_t<decltype(cells)>>(other.cells));
+    };
+    std::visit(append, column.cells);
+    column.nulls.Append(other.nulls, rows_);
+    sinks_[i].longest = std::max(sinks_[i].longest, others.sinks_[i].longest);
+  }
+  rows_ += others.rows_;
+  return true;
+}
+
+void ColumnFiller::Clear() {
+  for (Sink& sink : sinks_) {
+    std::visit([](auto& cells) { cells.Shrink(0); }, sink.column->cells);
+    sink.column->nulls.Clear();
+    sink.longest = 0;
+  }
+  rows_ = 0;
+  budget_ = ResultBudget(budget_.Limit());
 }
 
 ColumnFiller::Append ColumnFiller::AppenderFor(const Column& column) {
@@ -99,6 +128,7 @@ void ColumnFiller::ReserveAfter(std::size_t done, std::size_t total) {
   // times the file's size is not used; the cells then grow as needed.
   constexpr double kMargin = 1.03;
   constexpr double kMostPerByte = 4.0;
+  has_reserved_ = true;
   const double factor = kMargin * static_cast<double>(total) / static_cast<double>(done);
   double bytes = 0;
   const auto add_bytes = [&](const auto& cells) { bytes += static_cast<double>(cells.Bytes()); };

@@ -1,11 +1,12 @@
 #include "RecordsetReaders.h"
 
 #include <array>
+#include <memory>
 
 #include "AttributeScanner.h"
-#include "ColumnFiller.h"
 #include "FileText.h"
-#include "base/call/CancelFlag.h"
+#include "PieceReading.h"
+#include "RowScanner.h"
 #include "base/text/Numbers.h"
 
 namespace qv {
@@ -87,7 +88,7 @@ void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values)
 }
 
 // Reads the attributes after "<z:row" and returns where they end.
-const char* ReadRow(const char* p, const char* end, RowValues& values) {
+const char* ReadAttributes(const char* p, const char* end, RowValues& values) {
   AttributeScanner scanner(p, end, AttributeScanner::Stop::kAtEmptyClose);
   values.Begin();
   while (true) {
@@ -101,23 +102,34 @@ const char* ReadRow(const char* p, const char* end, RowValues& values) {
   }
 }
 
-Reading ReadRows(std::string_view text, ResultTable& table, BinaryCells& binary) {
-  RowValues values(table.Columns(), '=');
-  ColumnFiller filler(table, values, binary);
-  ForwardFinder ampersands(text, "&");
-  const char* const end = text.data() + text.size();
-  std::size_t rows = 0;
-  std::size_t position = text.find(kRow);
-  while (position != kNone) {
-    const char* const row_end = ReadRow(text.data() + position + kRow.size(), end, values);
-    const auto behind = static_cast<std::size_t>(row_end - text.data());
-    if (!filler.AppendRow(ampersands.Find(position) < behind)) return Reading::kTooLarge;
-    if (++rows == kRowsBeforeReserve) filler.ReserveAfter(behind, text.size());
-    if (IsTimeToLookUp(rows) && call::IsCancelled()) return Reading::kCancelled;
-    position = FindTag(text, kRow, behind);
+// The elements "<z:row".
+class RowsetRows final : public RowScanner {
+ public:
+  RowsetRows(std::string_view text, std::span<const Column> columns)
+      : RowScanner(text, columns, '='), ampersands_(text, "&") {}
+
+  [[nodiscard]] std::size_t FindRow(std::size_t from) const override {
+    return FindTag(Text(), kRow, from);
   }
-  return Reading::kDone;
-}
+  [[nodiscard]] Reading ReadRows(std::size_t& position, std::size_t limit,
+                                 ColumnFiller& filler) override {
+    return ReadEachRow(*this, position, limit, filler);
+  }
+
+ private:
+  friend RowScanner;
+
+  [[nodiscard]] Row ReadRow(std::size_t& position) {
+    const std::size_t start = position;
+    const char* const text = Text().data();
+    const char* const end =
+        ReadAttributes(text + start + kRow.size(), text + Text().size(), values_);
+    position = static_cast<std::size_t>(end - text);
+    return ampersands_.Find(start) < position ? Row::kWithEntities : Row::kPlain;
+  }
+
+  ForwardFinder ampersands_;
+};
 
 Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
   const std::size_t opening = text.find(kElementType);
@@ -131,7 +143,9 @@ Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEI
   const std::size_t data = text.find(kData, opening);
   if (data == kNone) return Reading::kUnreadable;
   HexCells binary(files);
-  const Reading reading = ReadRows(text.substr(data), table, binary);
+  const std::string_view rows = text.substr(data);
+  const auto make = [&] { return std::make_unique<RowsetRows>(rows, table.Columns()); };
+  const Reading reading = ReadAllRows(rows.find(kRow), make, table, binary);
   if (reading != Reading::kDone) DropRows(table);
   return reading;
 }
