@@ -15,6 +15,7 @@
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
 #include "base/storage/FileNames.h"
+#include "base/storage/PartFile.h"
 
 namespace qv {
 
@@ -145,19 +146,37 @@ bool CacheFolder::Store(const std::string& key, const std::string& file, int fla
   ContentSum content;
   auto copy = CopyFile(file, path_ + NewTemporaryName(), content);
   if (!copy) return false;
-  const CacheIndex::Entry entry{NewCachedName(content), flag};
-  if (Enter(key, entry, *copy)) return true;
+  return Enter(key, {NewCachedName(content), flag},
+               [&](const std::string& place) { return copy->MoveTo(place); });
+}
+
+bool CacheFolder::Take(const std::string& key, const std::string& file, int flag) {
+  if (!may_move_ || (flag != kCacheGzip && flag != kCachePlain)) return Store(key, file, flag);
+  ContentSum content;
+  if (!content.AddFile(file)) return false;
+  bool is_moved = false;
+  const auto move = [&](const std::string& place) {
+    is_moved = platform::ReplaceByRename(file, place);
+    may_move_ = is_moved;
+    return is_moved;
+  };
+  if (Enter(key, {NewCachedName(content), flag}, move)) return true;
+  return !is_moved && Store(key, file, flag);
+}
+
+bool CacheFolder::Enter(const std::string& key, const CacheIndex::Entry& entry, const Move& move) {
+  if (TryToEnter(key, entry, move)) return true;
   RemoveAnswer(entry.file);
   return false;
 }
 
-bool CacheFolder::Enter(const std::string& key, const CacheIndex::Entry& entry,
-                        storage::PartFile& copy) {
+bool CacheFolder::TryToEnter(const std::string& key, const CacheIndex::Entry& entry,
+                             const Move& move) {
   const std::lock_guard lock(mutex_);
   CacheIndex::Transaction transaction(*index_);
   if (!transaction.Begin()) return false;
   const std::optional<CacheIndex::Entry> old = index_->Find(key);
-  if (!copy.MoveTo(path_ + entry.file)) return false;
+  if (!move(path_ + entry.file)) return false;
   if (!index_->Put(key, entry) || !transaction.Commit()) return false;
   if (old) RemoveAnswer(old->file);
   return true;

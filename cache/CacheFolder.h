@@ -1,14 +1,15 @@
 // A folder of cached answers with its index.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 
 #include "CacheIndex.h"
-#include "base/storage/PartFile.h"
 
 namespace qv {
 
@@ -28,6 +29,7 @@ class CacheFolder {
                                                 const std::string& target_folder);
   [[nodiscard]] std::optional<std::int64_t> StoredAt(const std::string& key);
   [[nodiscard]] bool Store(const std::string& key, const std::string& file, int flag);
+  [[nodiscard]] bool Take(const std::string& key, const std::string& file, int flag);
   [[nodiscard]] bool Clear();
 
  private:
@@ -37,8 +39,13 @@ class CacheFolder {
   [[nodiscard]] std::optional<CacheIndex::Entry> LookUp(const std::string& key);
   [[nodiscard]] TakeOutResult TakeOut(const CacheIndex::Entry& entry, const std::string& target);
   void Discard(const std::string& key, const CacheIndex::Entry& entry);
+  // Moves a finished file to its place in the folder.
+  using Move = std::function<bool(const std::string& place)>;
   [[nodiscard]] bool Enter(const std::string& key, const CacheIndex::Entry& entry,
-                           storage::PartFile& copy);
+                           const Move& move);
+  // Leaves the file behind if that fails after it was moved.
+  [[nodiscard]] bool TryToEnter(const std::string& key, const CacheIndex::Entry& entry,
+                                const Move& move);
   // Removes a file if its name is an answer's.
   void RemoveAnswer(const std::string& name);
   [[nodiscard]] bool Sweep();
@@ -46,6 +53,8 @@ class CacheFolder {
   const std::string path_;  // with a separator at its end
   std::mutex mutex_;        // guards the index; never held while a file is copied
   const std::unique_ptr<CacheIndex> index_;
+  // Whether files can be moved here; false once one could not, as from another file system.
+  std::atomic<bool> may_move_ = true;
 };
 
 }  // namespace qv

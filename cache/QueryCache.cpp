@@ -35,6 +35,11 @@ bool QueryCache::Store(const std::string& key, const std::string& file, int flag
   return folder != nullptr && folder->Store(key, file, flag);
 }
 
+bool QueryCache::Take(const std::string& key, const std::string& file, int flag) {
+  const std::shared_ptr<CacheFolder> folder = Folder();
+  return folder != nullptr && folder->Take(key, file, flag);
+}
+
 bool QueryCache::Clear() {
   const std::shared_ptr<CacheFolder> folder = Folder();
   return folder != nullptr && folder->Clear();

@@ -54,6 +54,10 @@ class QueryCache {
   // earlier one. Returns false on failure and then keeps the earlier one.
   bool Store(const std::string& key, const std::string& file, int flag);
 
+  // Does the same with a private file that nobody else uses: the cache may move it instead of
+  // making a copy, and then there is no file any more.
+  bool Take(const std::string& key, const std::string& file, int flag);
+
   // Removes all answers. Returns false if the cache is off or some cannot be removed.
   bool Clear();
 

@@ -44,8 +44,9 @@ AnswerFile AnswerFile::New() {
   return AnswerFile(path.append(CRvoDatabase::GetTempFileNameA().View()));
 }
 
-void AnswerFile::TakeFrom(CMsgContent& reply) const {
-  if (!WriteField(reply, path_)) platform::RemoveFile(path_);
+void AnswerFile::TakeFrom(CMsgContent& reply) {
+  came_in_reply_ = WriteField(reply, path_);
+  if (!came_in_reply_) platform::RemoveFile(path_);
 }
 
 bool AnswerFile::Unpack() {

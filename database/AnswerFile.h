@@ -28,7 +28,9 @@ class AnswerFile {
 
   // Writes the reply's next field to the file. An incomplete file is removed, so that nothing takes
   // it for an answer.
-  void TakeFrom(CMsgContent& reply) const;
+  void TakeFrom(CMsgContent& reply);
+  // Whether TakeFrom wrote the file that came, so that no transport can know it.
+  [[nodiscard]] bool CameInReply() const { return came_in_reply_; }
   // Unpacks the file beside itself; Path then returns the result. Returns false on failure; Delete
   // removes both files.
   [[nodiscard]] bool Unpack();
@@ -39,6 +41,7 @@ class AnswerFile {
  private:
   std::string path_;
   std::string compressed_path_;
+  bool came_in_reply_ = false;
 };
 
 // Deletes an answer's files at the end of a block, also after an exception.

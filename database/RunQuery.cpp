@@ -33,10 +33,13 @@ bool MayKeep(const Query& query) {
 }
 
 void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
-  if (keep == Keep::kAsItCame && !file.CompressedPath().empty()) {
-    Cache().Store(key, file.CompressedPath(), kCacheGzip);
+  const bool is_packed = keep == Keep::kAsItCame && !file.CompressedPath().empty();
+  const std::string& path = is_packed ? file.CompressedPath() : file.Path();
+  const int flag = is_packed ? kCacheGzip : kCachePlain;
+  if (file.CameInReply()) {
+    Cache().Take(key, path, flag);
   } else {
-    Cache().Store(key, file.Path(), kCachePlain);
+    Cache().Store(key, path, flag);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <set>
 #include <string>
 #include <thread>
@@ -133,6 +134,20 @@ TEST_F(QueryCacheTest, ForgetsADamagedAnswerOnly) {
     EXPECT_FALSE(cache_.Find(key, copies_ + "/missing")) << "not the answer's fault";
     EXPECT_EQ(Found(key), "text");
   }
+}
+
+TEST_F(QueryCacheTest, TakesAFileFromAnyFileSystem) {
+  const fs::path memory = "/dev/shm";
+  const std::string far =
+      (fs::is_directory(memory) ? memory : folder_.Path()) / platform::NewGuid();
+  for (const std::string& file : {folder_.At("answer"), far, folder_.At("answer")}) {
+    std::ofstream(file) << file;
+    EXPECT_TRUE(cache_.Take("key", file, kCachePlain));
+    EXPECT_EQ(Found("key"), file);
+    EXPECT_EQ(Files().size(), 1u);
+    fs::remove(file);
+  }
+  EXPECT_FALSE(cache_.Take("key", copies_ + "/missing", kCachePlain));
 }
 
 TEST_F(QueryCacheTest, GivesNoFileThatLostBytes) {
