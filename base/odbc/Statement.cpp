@@ -111,9 +111,7 @@ struct Statement::Piece {
 };
 
 Statement::Statement(Connection& connection)
-    : connection_(connection),
-      cell_bytes_(connection.limits_.cell_bytes),
-      memory_(kPieceBytes / sizeof(char16_t)) {
+    : connection_(connection), cell_bytes_(connection.limits_.cell_bytes) {
   // Without a handle every call fails with a diagnostic.
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.connection_, &statement_))) {
     statement_ = nullptr;
@@ -269,6 +267,7 @@ CellState Statement::ReadFixed(std::size_t column, std::int16_t type, Value& val
 template <class Unit, class Whole>
 CellState Statement::ReadPieces(std::size_t column, Whole& whole, Diagnostics& diagnostics) {
   whole.clear();
+  if (memory_.empty()) memory_.resize(kPieceBytes / sizeof(char16_t));
   while (true) {
     const Piece<Unit> piece(memory_);
     SQLLEN indicator = SQL_NO_TOTAL;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <boost/asio/post.hpp>
-#include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 #include <optional>
 #include <utility>
@@ -18,6 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kMostAhead = 16384;
 
+constexpr ClientStream::Milliseconds kPause{1000};
 constexpr ClientStream::Milliseconds kLongestGoodbye{2000};
 
 }  // namespace
@@ -44,18 +44,30 @@ bool ClientStream::Read(wire::WritableBytes bytes) {
 }
 
 bool ClientStream::Read(wire::WritableBytes bytes, Deadline deadline) {
-  bytes = bytes.subspan(TakeAhead(bytes));
-  if (bytes.empty()) return true;
-  const auto start = [&](Handler done) {
-    asio::async_read(socket_, asio::buffer(bytes.data(), bytes.size()),
-                     [done](const Error& error, std::size_t) { done(error); });
-  };
-  return Complete(Operation::kReads, start, deadline);
+  for (;;) {
+    bytes = bytes.subspan(TakeAhead(bytes));
+    if (bytes.empty()) return true;
+    // A small part of a request comes together with those that follow it.
+    if (bytes.size() < kMostAhead) {
+      if (!ReceiveAhead(deadline)) return false;
+    } else {
+      const std::size_t length = Receive(bytes, deadline);
+      if (length == 0) return false;
+      bytes = bytes.subspan(length);
+    }
+  }
 }
 
 std::size_t ClientStream::ReadSome(wire::WritableBytes bytes, Deadline deadline) {
-  std::size_t length = TakeAhead(bytes);
-  if (length != 0 || bytes.empty()) return length;
+  const std::size_t length = TakeAhead(bytes);
+  return length != 0 || bytes.empty() ? length : Receive(bytes, deadline);
+}
+
+std::size_t ClientStream::Receive(wire::WritableBytes bytes, Deadline deadline) {
+  if (closed_) return 0;
+  const auto arrived = ReadNow(bytes);
+  if (!arrived || *arrived != 0) return arrived.value_or(0);
+  std::size_t length = 0;
   const auto start = [&](Handler done) {
     socket_.async_read_some(asio::buffer(bytes.data(), bytes.size()),
                             [done, &length](const Error& error, std::size_t read) {
@@ -66,16 +78,26 @@ std::size_t ClientStream::ReadSome(wire::WritableBytes bytes, Deadline deadline)
   return Complete(Operation::kReads, start, deadline) ? length : 0;
 }
 
+bool ClientStream::ReceiveAhead(Deadline deadline) {
+  std::array<unsigned char, kMostAhead> piece;
+  const std::size_t length = Receive(piece, deadline);
+  ahead_.assign(piece.begin(), piece.begin() + length);
+  return length != 0;
+}
+
 std::size_t ClientStream::TakeAhead(wire::WritableBytes bytes) {
-  const std::size_t length = std::min(bytes.size(), ahead_.size());
-  const auto end = ahead_.begin() + static_cast<std::ptrdiff_t>(length);
-  std::copy(ahead_.begin(), end, bytes.begin());
-  ahead_.erase(ahead_.begin(), end);
+  const std::size_t length = std::min(bytes.size(), ahead_.size() - taken_);
+  std::copy_n(ahead_.begin() + static_cast<std::ptrdiff_t>(taken_), length, bytes.begin());
+  taken_ += length;
+  if (taken_ == ahead_.size()) {
+    ahead_.clear();
+    taken_ = 0;
+  }
   return length;
 }
 
 void ClientStream::PutBack(wire::Bytes bytes) {
-  ahead_.insert(ahead_.begin(), bytes.begin(), bytes.end());
+  ahead_.insert(ahead_.begin() + static_cast<std::ptrdiff_t>(taken_), bytes.begin(), bytes.end());
 }
 
 bool ClientStream::Write(std::initializer_list<wire::Bytes> pieces) {
@@ -83,10 +105,24 @@ bool ClientStream::Write(std::initializer_list<wire::Bytes> pieces) {
   const std::vector<unsigned char> unsent = std::exchange(unsent_, {});
   buffers.emplace_back(unsent.data(), unsent.size());
   for (const wire::Bytes piece : pieces) buffers.emplace_back(piece.data(), piece.size());
+  const std::size_t length = asio::buffer_size(buffers);
+  Error error = StopBlocking();
+  std::size_t sent = error ? 0 : socket_.send(buffers, 0, error);
+  if (sent == length) return true;
+  if (error && error != asio::error::would_block) return false;
+  for (asio::const_buffer& buffer : buffers) {
+    const std::size_t gone = std::min(sent, buffer.size());
+    buffer += gone;
+    sent -= gone;
+  }
   const auto start = [&](Handler done) {
-    asio::async_write(socket_, buffers, [done](const Error& error, std::size_t) { done(error); });
+    asio::async_write(socket_, buffers, [done](const Error& failed, std::size_t) { done(failed); });
   };
-  return Complete(Operation::kWrites, start, DeadlineFor(asio::buffer_size(buffers)));
+  return Complete(Operation::kWrites, start, DeadlineFor(length));
+}
+
+void ClientStream::WriteWithNext(wire::Bytes bytes) {
+  unsent_.insert(unsent_.end(), bytes.begin(), bytes.end());
 }
 
 void ClientStream::WriteSoon(wire::Bytes bytes) {
@@ -97,8 +133,7 @@ void ClientStream::WriteSoon(wire::Bytes bytes) {
 }
 
 std::optional<std::size_t> ClientStream::ReadNow(wire::WritableBytes bytes) {
-  Error error;
-  socket_.non_blocking(true, error);
+  Error error = StopBlocking();
   const std::size_t length =
       error ? 0 : socket_.receive(asio::buffer(bytes.data(), bytes.size()), 0, error);
   if (error && error != asio::error::would_block) return std::nullopt;
@@ -106,12 +141,17 @@ std::optional<std::size_t> ClientStream::ReadNow(wire::WritableBytes bytes) {
 }
 
 std::optional<std::size_t> ClientStream::WriteNow(wire::Bytes bytes) {
-  Error error;
-  socket_.non_blocking(true, error);
+  Error error = StopBlocking();
   const std::size_t length =
       error ? 0 : socket_.send(asio::buffer(bytes.data(), bytes.size()), 0, error);
   if (error && error != asio::error::would_block) return std::nullopt;
   return length;
+}
+
+ClientStream::Error ClientStream::StopBlocking() {
+  Error error;
+  if (!socket_.non_blocking()) socket_.non_blocking(true, error);
+  return error;
 }
 
 void ClientStream::EndSending() {
@@ -119,14 +159,14 @@ void ClientStream::EndSending() {
   socket_.shutdown(Socket::shutdown_send, ignored);
 }
 
-bool ClientStream::WaitForRequest(Milliseconds longest) {
+bool ClientStream::WaitForRequest(Milliseconds longest, const std::function<void()>& on_pause) {
   if (!ahead_.empty()) return !closed_;
   const auto start = [&](Handler done) { socket_.async_wait(Socket::wait_read, done); };
-  return Complete(Operation::kReads, start, Clock::now() + longest);
+  return Complete(Operation::kReads, start, Clock::now() + longest, on_pause);
 }
 
 bool ClientStream::Complete(Operation operation, const std::function<void(Handler)>& start,
-                            Deadline deadline) {
+                            Deadline deadline, const std::function<void()>& on_pause) {
   const bool reads = operation == Operation::kReads;
   if (closed_ && reads) return false;
   operation_ = operation;
@@ -135,11 +175,8 @@ bool ClientStream::Complete(Operation operation, const std::function<void(Handle
   std::optional<Error> result;
   context_.restart();
   start([&result](const Error& error) { result = error; });
-  // A handler that Close() posted while no operation ran is executed first, so one run is not
-  // enough.
-  while (!result && context_.run_one_until(deadline_) != 0) {
-  }
-  if (!result) {
+  if (on_pause && !Await(result, std::min(deadline_, Clock::now() + kPause))) on_pause();
+  if (!Await(result, deadline_)) {
     HangUp();
     context_.restart();
     context_.run();  // the handler refers to `result`
@@ -147,11 +184,19 @@ bool ClientStream::Complete(Operation operation, const std::function<void(Handle
   return result.has_value() && !*result;
 }
 
+// A handler that Close() posted while no operation ran is executed first, so one run is not enough.
+bool ClientStream::Await(const std::optional<Error>& result, const Deadline& until) {
+  while (!result && context_.run_one_until(until) != 0) {
+  }
+  return result.has_value();
+}
+
 bool ClientStream::IsGone() {
   if (closed_) return true;
-  Error error;
+  ahead_.erase(ahead_.begin(), ahead_.begin() + static_cast<std::ptrdiff_t>(taken_));
+  taken_ = 0;
   std::array<unsigned char, kMostAhead> piece;
-  socket_.non_blocking(true, error);
+  Error error = StopBlocking();
   while (!error) {
     const std::size_t length = socket_.receive(asio::buffer(piece), 0, error);
     if (ahead_.size() + length > kMostAhead) {

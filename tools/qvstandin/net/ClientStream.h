@@ -49,6 +49,8 @@ class ClientStream : public wire::ByteStream {
   // Returns the time by which a transfer of this many bytes that begins now must be complete.
   [[nodiscard]] Deadline DeadlineFor(std::size_t bytes) const;
   bool Write(std::initializer_list<wire::Bytes> pieces) override;
+  // Sends bytes together with those of the next Write().
+  void WriteWithNext(wire::Bytes bytes);
   // Sends bytes without waiting. What the system does not take now is sent before the next Write().
   // Does nothing as long as bytes of an earlier call have not been sent.
   void WriteSoon(wire::Bytes bytes);
@@ -59,8 +61,9 @@ class ClientStream : public wire::ByteStream {
   // Ends the sending direction.
   void EndSending();
   // Waits until the client sends something. Returns false if it disconnected or sent nothing for
-  // `longest`.
-  [[nodiscard]] bool WaitForRequest(Milliseconds longest);
+  // `longest`. Calls `on_pause`, unless it is null, after a second without a byte.
+  [[nodiscard]] bool WaitForRequest(Milliseconds longest,
+                                    const std::function<void()>& on_pause = nullptr);
   // Returns whether the connection is closed on either side. Closes it if the client has sent too
   // much before it received its answer.
   [[nodiscard]] bool IsGone();
@@ -85,11 +88,20 @@ class ClientStream : public wire::ByteStream {
 
   // Starts an operation, which calls the handler when it is done, and waits for it.
   [[nodiscard]] bool Complete(Operation operation, const std::function<void(Handler)>& start,
-                              Deadline deadline);
+                              Deadline deadline, const std::function<void()>& on_pause = nullptr);
+  // Waits for the handler that sets `result` until a time that handlers may change. Returns whether
+  // it was called.
+  [[nodiscard]] bool Await(const std::optional<Error>& result, const Deadline& until);
   // Ends the operation that is running, or gives it a little time, because Close() was called.
   void EndOperation();
-  // Moves the first of `ahead_` to `bytes`, as many as fit. Returns their number.
+  // Does what ReadSome() does when nothing was read ahead.
+  [[nodiscard]] std::size_t Receive(wire::WritableBytes bytes, Deadline deadline);
+  // Reads ahead when everything read ahead was taken. Returns false if nothing came.
+  [[nodiscard]] bool ReceiveAhead(Deadline deadline);
+  // Moves the first of what was read ahead to `bytes`, as much as fits. Returns its length.
   [[nodiscard]] std::size_t TakeAhead(wire::WritableBytes bytes);
+  // Makes the calls that do not wait return at once.
+  [[nodiscard]] Error StopBlocking();
 
   const Milliseconds io_timeout_;
   std::string peer_name_ = "-";
@@ -99,10 +111,11 @@ class ClientStream : public wire::ByteStream {
   Deadline deadline_;  // of the operation that is running
   Deadline reads_until_ = Deadline::max();
   std::optional<Deadline> writes_until_;  // after Close()
-  // Bytes received by IsGone() or returned by PutBack(). End-of-stream is reported only after they
-  // are consumed.
+  // Bytes that were received together with others, while a request was executed, or returned by
+  // PutBack(). The first `taken_` were consumed. End-of-stream is reported only after all were.
   std::vector<unsigned char> ahead_;
-  std::vector<unsigned char> unsent_;  // by WriteSoon()
+  std::size_t taken_ = 0;
+  std::vector<unsigned char> unsent_;  // by WriteSoon() or WriteWithNext()
   boost::asio::io_context context_{1};
   Socket socket_{context_};
 };
