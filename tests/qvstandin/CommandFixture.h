@@ -18,7 +18,8 @@ class CommandFixture : public testing::Test {
   const TempFolder folder_;
   DataFolder data_{folder_.At()};
   ServerLog log_{folder_.At("server.log")};
-  Services services_{data_, log_, 64 << 10, 1 << 30};
+  KeptDatabases kept_;
+  Services services_{data_, log_, 64 << 10, 1 << 30, &kept_};
   std::chrono::milliseconds time_{30'000};
 };
 

@@ -177,6 +177,32 @@ TEST_F(CommandsTest, AClientCannotLeaveItsDatabase) {
   EXPECT_EQ(Count("select count(*) from parts"), 3000);
 }
 
+TEST_F(CommandsTest, RequestsLeaveNothingInAKeptConnection) {
+  const auto run = [this](const char* sql) { return Ask(300, {"DESIGNDB", sql}).outcome.code; };
+  const std::pair<const char*, ErrorCode> statements[] = {
+      {"insert into people (id, name, active) values (1000, 'x', 1)", ErrorCode::kNone},
+      {"BEGIN IMMEDIATE", ErrorCode::kNotPermitted},  // a statement of the server's own
+      {"COMMIT", ErrorCode::kNotPermitted},
+      {"create temp table t (a)", ErrorCode::kNone},
+      {"insert into t values (1)", ErrorCode::kSqlFailed}};
+  for (const auto& [sql, expected] : statements) {
+    EXPECT_EQ(run(sql), expected) << sql;
+    EXPECT_EQ(Count("select changes() + total_changes() + last_insert_rowid()"), 0) << sql;
+  }
+  kept_.Refresh();
+  const std::string file = folder_.At("db/DESIGNDB.sqlite");
+  const std::string copied = folder_.At("copied");
+  std::filesystem::copy_file(file, copied);
+  const char* const count = "select count(*) from people";
+  EXPECT_EQ(run("delete from people; select changes()"), ErrorCode::kNone);
+  EXPECT_EQ(Count(count), 0);
+  kept_.Refresh();
+  std::filesystem::rename(copied, file);
+  EXPECT_EQ(Count(count), 61);
+  std::filesystem::remove(file);
+  EXPECT_EQ(run("select 1"), ErrorCode::kNoDatabase);
+}
+
 TEST_F(CommandsTest, HostileRequestsAreFailures) {
   for (const std::uint32_t command : {200U, 210U, 300U, 900U}) {
     EXPECT_THAT(Refusal(Ask(command, {})), ElementsAre(1));

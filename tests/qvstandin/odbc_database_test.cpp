@@ -1,6 +1,7 @@
 // Tests one interface over two engines: clients must not notice which engine holds a database.
 #include "tools/qvstandin/databases/OdbcDatabase.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -81,7 +82,7 @@ class DatabasesTest : public testing::TestWithParam<const char*> {
   template <class Work>
   Outcome With(const Work& work) {
     WorkLimit limit(time_, [this] { return abandoned_.load(); });
-    const auto database = data_.Open("TEST", limit);
+    const auto database = data_.Open("TEST", limit, kept_);
     return database != nullptr ? work(*database) : Outcome{ErrorCode::kNoDatabase, "none"};
   }
   Outcome Query(const std::string& sql, Kept& kept) {
@@ -111,6 +112,8 @@ class DatabasesTest : public testing::TestWithParam<const char*> {
   milliseconds time_{30'000};
   std::atomic<bool> abandoned_ = false;
   std::int32_t failed_ = -1;
+  KeptDatabases own_;
+  KeptDatabases* kept_ = &own_;  // null: every request has a connection of its own
 };
 
 class PostgresTest : public DatabasesTest {};
@@ -266,6 +269,29 @@ TEST_P(DatabasesTest, QueryWithoutWriting) {
   EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("1")));
 }
 
+TEST_P(DatabasesTest, LeaveNothingToTheNextRequestAndSeeWhatOthersChange) {
+  ASSERT_TRUE(Execute({"create table t (i integer)", "create temp table left_over (i integer)",
+                       "insert into t values (7)"})
+                  .Ok());
+  EXPECT_EQ(Refusal("select * from left_over"), ErrorCode::kSqlFailed);
+  EXPECT_THAT(Rows("select * from t"), ElementsAre(ElementsAre("7")));
+  const std::pair<const char*, const char*> changes[] = {{"alter table t add x varchar(9)", "7 -"},
+                                                         {"drop table t", "refused"},
+                                                         {"create table t (i varchar(9))", ""},
+                                                         {"insert into t values ('a')", "a"}};
+  for (const auto& [change, expected] : changes) {
+    own_.Refresh();
+    kept_ = nullptr;
+    ASSERT_TRUE(Execute({change}).Ok()) << change;
+    kept_ = &own_;
+    Kept kept;
+    const bool is_done = Query("select * from t", kept).Ok();
+    std::string seen = is_done ? "" : "refused";
+    for (const auto& row : kept.rows) seen += fmt::format("{}", fmt::join(row, " "));
+    EXPECT_EQ(seen, expected) << change;
+  }
+}
+
 TEST_P(DatabasesTest, SayWhichKindOfFailureItIs) {
   ASSERT_TRUE(Execute({"create table t (i integer primary key, x varchar(9) not null)",
                        "insert into t values (1, 'a')"})
@@ -351,7 +377,7 @@ TEST_P(PostgresTest, CallsFunctionsAndProcedures) {
 
 TEST_P(PostgresTest, StopsWhileRowsComeAndWhileOthersHoldLocks) {
   ASSERT_TRUE(Execute({"create table t (i integer)", "insert into t values (1)"}).Ok());
-  // The driver fetches a hundred rows at a time.
+  // The driver fetches some hundred rows at a time.
   class Leaving : public Kept {
    public:
     explicit Leaving(std::atomic<bool>& left) : left_(left) {}
@@ -384,6 +410,36 @@ TEST_P(PostgresTest, StopsWhileRowsComeAndWhileOthersHoldLocks) {
   EXPECT_THAT(Rows("select count(*) from pg_stat_activity where query like '%pg_sleep(case%'"
                    " and pid <> pg_backend_pid()"),
               ElementsAre(ElementsAre("0")));
+}
+
+TEST_P(PostgresTest, UsesAKeptSessionOnlyIfItIsAliveAndHasForgottenTheLastRequest) {
+  const auto backend = [this] { return Rows("select pg_backend_pid()").at(0).at(0); };
+  const std::string first = backend();
+  EXPECT_EQ(backend(), first);
+  Rows("select pg_advisory_lock(1)");
+  own_.Refresh();
+  ASSERT_TRUE(Execute({"create sequence s", "select nextval('s')", "create temp table u (i int)",
+                       "select set_config('DateStyle', 'SQL', false)"})
+                  .Ok());
+  for (const char* const sql : {"select lastval()", "select * from u"}) {
+    EXPECT_EQ(Execute({sql}).code, ErrorCode::kSqlFailed) << sql;
+  }
+  kept_ = nullptr;
+  EXPECT_THAT(Rows("select count(*) from pg_locks where locktype = 'advisory'"),
+              ElementsAre(ElementsAre("0")));
+  kept_ = &own_;
+  EXPECT_THAT(Rows("select cast('2024-02-29' as date)"),
+              ElementsAre(ElementsAre("2024-02-29T00:00:00")));
+  ASSERT_TRUE(Execute({"create table t (i integer)"}).Ok());
+  ASSERT_EQ(backend(), first);
+  kept_ = nullptr;
+  Rows(
+      "select pg_terminate_backend(pid, 5000) from pg_stat_activity where pid <> pg_backend_pid()"
+      " and backend_type = 'client backend'");
+  kept_ = &own_;
+  EXPECT_NE(backend(), first);
+  ASSERT_TRUE(Execute({"insert into t values (1)"}).Ok());
+  EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("1")));
 }
 
 TEST_P(PostgresTest, KeepsATransactionWhateverTheStatementsDoToItsSettings) {

@@ -1,7 +1,10 @@
 // Tests the server over real connections: frames, tokens, slow, broken and vanished clients.
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <filesystem>
 #include <string>
+#include <thread>
 
 #include "ServerFixture.h"
 
@@ -61,6 +64,20 @@ TEST_F(ServerTest, ReadsOnBehindWhatCameEarly) {
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "SUCCESS");
   EXPECT_EQ(client.Status(), "FAILURE");
+}
+
+TEST_F(ServerTest, KeepsNoFileOpenForAClientThatPauses) {
+  Start();
+  RawClient client(server_->Port());
+  EXPECT_TRUE(client.Send(FrameOf(200, {"DESIGNDB", "select count(*) from people"})));
+  EXPECT_EQ(client.Status(), "SUCCESS");
+  const std::string log = folder_.At("db/DESIGNDB.sqlite-wal");
+  EXPECT_TRUE(std::filesystem::exists(log));
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (std::filesystem::exists(log) && std::chrono::steady_clock::now() < end) {
+    std::this_thread::yield();
+  }
+  EXPECT_FALSE(std::filesystem::exists(log));
 }
 
 TEST_F(ServerTest, StartsOnlyWithAFolderOfItsOwnAndAnAddress) {

@@ -21,7 +21,7 @@ inline constexpr std::string_view kFailure = "FAILURE";
 inline constexpr std::string_view kMemory = "MEMORY";
 inline constexpr std::string_view kFile = "FILE";
 
-// What all requests share. Any thread may use it.
+// What all requests of a client share. Any thread may use it, except what the client keeps.
 struct Services {
   DataFolder& data;
   ServerLog& log;
@@ -29,6 +29,7 @@ struct Services {
   std::uint32_t memory_threshold;
   // The largest answer, in bytes.
   std::uint64_t answer_limit;
+  KeptDatabases* kept = nullptr;  // by the client; null: nothing is kept
 };
 
 enum class Dialect { kRowset, kSchema };

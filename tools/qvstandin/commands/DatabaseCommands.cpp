@@ -78,7 +78,7 @@ void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm f
   if (!text) return AddFailure(reply, {ErrorCode::kMalformedRequest, "a field is missing"});
   reply.database = *name;
   reply.statement = Beginning(*text);
-  auto database = services.data.Open(*name, request.limit);
+  auto database = services.data.Open(*name, request.limit, services.kept);
   if (database == nullptr) return AddFailure(reply, NoDatabase());
 
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
@@ -108,7 +108,7 @@ Outcome CallOrQuery(Database& database, const std::string& text, RowSink& sink) 
 
 Outcome Execute(Services& services, Request& request, const std::string& name,
                 std::span<const std::string_view> statements, std::int32_t& failed) {
-  const auto database = services.data.Open(name, request.limit);
+  const auto database = services.data.Open(name, request.limit, services.kept);
   if (database == nullptr) return NoDatabase();
   return database->Execute(statements, failed);
 }

@@ -29,7 +29,7 @@ bool MayWork(sqlite3_context* context, int count, sqlite3_value** values, int pa
   for (int i = 0; i < count; ++i) {
     if (sqlite3_value_type(values[i]) == SQLITE_NULL) return false;
   }
-  if (static_cast<WorkLimit*>(sqlite3_user_data(context))->IsOver()) {
+  if ((*static_cast<WorkLimit**>(sqlite3_user_data(context)))->IsOver()) {
     sqlite3_result_error_code(context, SQLITE_INTERRUPT);
     return false;
   }
@@ -136,7 +136,7 @@ constexpr Bounded kBounded[] = {
 
 }  // namespace
 
-int BoundFunctions(sqlite3* connection, WorkLimit& limit) {
+int BoundFunctions(sqlite3* connection, WorkLimit*& limit) {
   constexpr int kKind = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
   for (const Bounded& bounded : kBounded) {
     const int code = sqlite3_create_function(connection, bounded.name, bounded.arguments, kKind,

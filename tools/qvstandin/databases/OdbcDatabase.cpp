@@ -112,8 +112,23 @@ Outcome Guarded(std::string_view sql, GuardedText& guarded) {
 }  // namespace
 
 OdbcDatabase::OdbcDatabase(const std::string& connection_text, WorkLimit& limit,
-                           std::size_t cell_limit)
-    : text_(connection_text), time_(limit.TimeLeft()), cell_limit_(cell_limit), watch_(limit) {}
+                           std::size_t cell_limit, KeptDatabases* kept)
+    : text_(connection_text), time_(limit.TimeLeft()), cell_limit_(cell_limit), kept_(kept) {
+  if (kept_ != nullptr) watch_ = std::move(kept_->watch);
+  if (watch_ == nullptr) watch_ = std::make_unique<StatementWatch>();
+  watch_->Begin(limit);
+}
+
+// A statement that was cancelled may have ended before, so that the next one would be cancelled.
+OdbcDatabase::~OdbcDatabase() {
+  is_clean_ &= watch_->Reason() == ErrorCode::kNone;
+  watch_->End();
+  if (kept_ == nullptr) return;
+  kept_->watch = std::move(watch_);
+  if (session_ != nullptr && is_clean_ && MayBeKept(text_) && session_->End(is_rolled_back_)) {
+    kept_->odbc.Keep(std::move(session_));
+  }
+}
 
 std::uint32_t OdbcDatabase::LongestLogin() const {
   return Seconds(
@@ -134,8 +149,10 @@ Outcome OdbcDatabase::Query(const std::string& sql, RowSink& sink) {
   }
   if (Outcome begun = Begin(Work::kQuery); !begun.Ok()) return begun;
   Delivery delivery{.sink = &sink};
-  Outcome outcome = Run(query.statements.front(), {}, delivery);
-  connection_->Rollback(said_);
+  // If the transaction ends before the statement, no driver has to close a cursor.
+  odbc::Statement statement(session_->Connected());
+  Outcome outcome = RunIn(statement, query.statements.front(), {}, delivery);
+  RollBack();
   if (!outcome.Ok() || delivery.is_done) return outcome;
   return {ErrorCode::kNotPermitted, "a query must only read"};
 }
@@ -177,29 +194,46 @@ Outcome OdbcDatabase::Call(const ProcedureCall& call, RowSink& sink) {
   return End(std::move(outcome));
 }
 
+// A kept connection may have ended meanwhile. Its transaction has not begun then, so a new one
+// takes its place.
 Outcome OdbcDatabase::Begin(Work work) {
-  if (Outcome connected = Connect(work); !connected.Ok()) return connected;
-  is_postgres_ = connection_->Product() == "PostgreSQL";
-  if (!connection_->Begin(said_)) return Failure();
-  if (is_postgres_) {
-    if (Outcome found = FindBackend(); !found.Ok()) return found;
+  if (kept_ != nullptr) session_ = kept_->odbc.Take(KeyOf(work));
+  if (session_ != nullptr) {
+    Outcome begun = BeginTransaction(work);
+    if (begun.Ok() || watch_->IsOver()) return begun;
+    said_.clear();
   }
-  if (work != Work::kQuery) return Mark();
-  return is_postgres_ ? RunTrusted("SET TRANSACTION READ ONLY") : Outcome();
+  if (Outcome connected = Connect(work); !connected.Ok()) return connected;
+  is_clean_ = true;
+  return BeginTransaction(work);
+}
+
+std::string OdbcDatabase::KeyOf(Work work) const {
+  return fmt::format("{} {} {}", static_cast<int>(work), LongestStatement(), text_.Text());
 }
 
 Outcome OdbcDatabase::Connect(Work work) {
-  if (watch_.IsOver()) return Failure();
+  if (watch_->IsOver()) return Failure();
+  // PostgreSQL's driver would set its limit anew for each statement.
+  const bool is_postgres = HasPostgresDriver(text_);
   const odbc::Limits limits{.login_seconds = LongestLogin(),
-                            .query_seconds = LongestStatement(),
+                            .query_seconds = is_postgres ? 0 : LongestStatement(),
                             .reads_only = work == Work::kQuery,
                             .cell_bytes = cell_limit_};
   // Statements rarely return rows, and the driver's cursor mode (UseDeclareFetch) rejects some of
   // them.
   const Fetching fetching = work == Work::kStatements ? Fetching::kAtOnce : Fetching::kInPieces;
-  connection_ = odbc::Connection::Open(WithDriverSettings(text_, fetching), limits, said_);
-  if (connection_ != nullptr) return {};
-  return CannotConnect(Failure());
+  auto connection = odbc::Connection::Open(WithDriverSettings(text_, fetching), limits, said_);
+  if (connection == nullptr) return CannotConnect(Failure());
+  const std::chrono::seconds limit(is_postgres ? LongestStatement() : 0);
+  session_ = OdbcSession::Begin(KeyOf(work), std::move(connection), limit, said_);
+  return session_ != nullptr ? Outcome() : Failure();
+}
+
+Outcome OdbcDatabase::BeginTransaction(Work work) {
+  if (!session_->Connected().Begin(said_)) return Failure();
+  if (work != Work::kQuery) return Mark();
+  return IsPostgres() ? RunTrusted("SET TRANSACTION READ ONLY") : Outcome();
 }
 
 // Drivers give this failure few states. Their messages name hosts and users.
@@ -222,20 +256,10 @@ Outcome OdbcDatabase::Mark() {
   Outcome marked = RunTrusted("SAVEPOINT " + marker);
   if (marked.Ok()) {
     marker_ = std::move(marker);
-  } else if (is_postgres_ || watch_.IsOver()) {
+  } else if (IsPostgres() || watch_->IsOver()) {
     return marked;
   }
   said_.clear();
-  return {};
-}
-
-Outcome OdbcDatabase::FindBackend() {
-  odbc::Statement statement(*connection_);
-  if (!statement.Execute("SELECT pg_backend_pid()", said_) ||
-      statement.Next(said_) != odbc::Step::kNext ||
-      statement.ReadInteger(0, backend_, said_) != odbc::CellState::kValue) {
-    return Failure();
-  }
   return {};
 }
 
@@ -243,13 +267,13 @@ Outcome OdbcDatabase::FindBackend() {
 // also asks the engine through another connection.
 void OdbcDatabase::Cancel(odbc::Statement& statement, int before) const {
   statement.Cancel();
-  if (before == 0 || backend_ == 0) return;
+  if (before == 0 || session_->Backend() == 0) return;
   constexpr odbc::Limits kShort{.login_seconds = 2, .query_seconds = 2};
   odbc::Diagnostics ignored;
   const auto other =
       odbc::Connection::Open(WithDriverSettings(text_, Fetching::kAtOnce), kShort, ignored);
   if (other == nullptr) return;
-  const std::string sql = "SELECT pg_cancel_backend(" + std::to_string(backend_) + ")";
+  const std::string sql = "SELECT pg_cancel_backend(" + std::to_string(session_->Backend()) + ")";
   static_cast<void>(odbc::Statement(*other).Execute(sql, ignored));
 }
 
@@ -260,15 +284,21 @@ Outcome OdbcDatabase::RunTrusted(std::string_view sql) {
 
 Outcome OdbcDatabase::Run(std::string_view sql, std::span<const odbc::Argument> arguments,
                           Delivery& delivery) {
+  odbc::Statement statement(session_->Connected());
+  return RunIn(statement, sql, arguments, delivery);
+}
+
+Outcome OdbcDatabase::RunIn(odbc::Statement& statement, std::string_view sql,
+                            std::span<const odbc::Argument> arguments, Delivery& delivery) {
   // With standard_conforming_strings off, a backslash could end a literal where GuardStatements saw
   // no end.
-  if (is_postgres_ && sql.find('\\') != std::string_view::npos) {
+  if (IsPostgres() && sql.find('\\') != std::string_view::npos) {
     if (Outcome set = RunTrusted(kPlainBackslashes); !set.Ok()) return set;
   }
-  odbc::Statement statement(*connection_);
-  const StatementWatch::Over over(watch_, [&](int before) { Cancel(statement, before); });
+  is_clean_ &= !MarksItsSession(sql);
+  const StatementWatch::Over over(*watch_, [&](int before) { Cancel(statement, before); });
   // A statement that nobody waits for must not begin: its cancellation may have come already.
-  if (watch_.IsOver()) return Failure();
+  if (watch_->IsOver()) return Failure();
   const bool runs =
       arguments.empty() ? statement.Execute(sql, said_) : statement.Execute(sql, arguments, said_);
   if (!runs) return Failure();
@@ -290,7 +320,7 @@ Outcome OdbcDatabase::Deliver(odbc::Statement& statement, RowSink& sink) {
   OdbcCells cells(columns);
   odbc::Step step = odbc::Step::kEnd;
   while ((step = statement.Next(said_)) == odbc::Step::kNext) {
-    if (watch_.IsOver() || !cells.Read(statement, said_)) return Failure();
+    if (watch_->IsOver() || !cells.Read(statement, said_)) return Failure();
     if (!sink.Row(cells.Row())) return lost;
   }
   return step == odbc::Step::kEnd ? Outcome() : Failure();
@@ -301,7 +331,7 @@ Outcome OdbcDatabase::Drain(odbc::Statement& statement) {
   if (statement.Columns().empty()) return {};
   odbc::Step step = odbc::Step::kNext;
   while (step == odbc::Step::kNext) {
-    if (watch_.IsOver()) return Failure();
+    if (watch_->IsOver()) return Failure();
     step = statement.Next(said_);
   }
   return step == odbc::Step::kEnd ? Outcome() : Failure();
@@ -309,12 +339,12 @@ Outcome OdbcDatabase::Drain(odbc::Statement& statement) {
 
 Outcome OdbcDatabase::WriteCall(const ProcedureCall& call, std::string& sql) {
   const std::string marks = QuestionMarks(call.arguments.size());
-  if (!is_postgres_) {
+  if (!IsPostgres()) {
     sql = "{call " + call.name + (call.arguments.empty() ? "" : marks) + "}";
     return {};
   }
-  odbc::Statement statement(*connection_);
-  const StatementWatch::Over over(watch_, [&](int before) { Cancel(statement, before); });
+  odbc::Statement statement(session_->Connected());
+  const StatementWatch::Over over(*watch_, [&](int before) { Cancel(statement, before); });
   const std::vector<odbc::Argument> names(2, call.name);
   if (!statement.Execute(kFindRoutine, names, said_)) return Failure();
   const odbc::Step step = statement.Next(said_);
@@ -336,22 +366,28 @@ Outcome OdbcDatabase::End(Outcome outcome) {
     outcome = RunTrusted("RELEASE SAVEPOINT " + marker_);
     if (!outcome.Ok()) outcome.text = "the transaction was ended early: " + outcome.text;
   }
-  if (outcome.Ok() && !connection_->Commit(said_)) outcome = Failure();
-  if (!outcome.Ok()) connection_->Rollback(said_);
+  if (outcome.Ok() && !session_->Connected().Commit(said_)) outcome = Failure();
+  if (!outcome.Ok()) RollBack();
   return outcome;
+}
+
+void OdbcDatabase::RollBack() {
+  is_rolled_back_ = session_->Connected().Rollback(said_);
+  is_clean_ &= is_rolled_back_;
 }
 
 // The driver's message goes to the server's record on one short line, without the values of the
 // connection text.
 Outcome OdbcDatabase::Failure() {
-  if (watch_.Reason() != ErrorCode::kNone) return watch_.Failure();
+  is_clean_ = false;
+  if (watch_->Reason() != ErrorCode::kNone) return watch_->Failure();
   std::string text =
       text_.WithoutSecrets(odbc::TextOf(said_), text::ConnectionText::Hide::kAllValues);
   std::ranges::replace_if(
       text, [](char ch) { return ch >= 0 && ch < ' '; }, ' ');
   Outcome outcome{ErrorCode::kSqlFailed, text.substr(0, kLongestRemark)};
   // Drivers without states give the engine's message.
-  outcome.error_class = is_postgres_ ? error::kInternal : ClassOfSqliteText(text);
+  outcome.error_class = IsPostgres() ? error::kInternal : ClassOfSqliteText(text);
   Classify(said_, outcome);
   if (outcome.code == ErrorCode::kTimedOut) outcome.text = "the statement took too long";
   outcome.is_private = MayNameTheServer(said_, outcome);

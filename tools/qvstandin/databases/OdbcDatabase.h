@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "Database.h"
+#include "KeptDatabases.h"
 #include "OdbcDriver.h"
+#include "OdbcSession.h"
 #include "StatementWatch.h"
 #include "base/odbc/Connection.h"
 #include "base/odbc/Statement.h"
@@ -16,8 +18,9 @@
 
 namespace qv::standin {
 
-// One connection for one request, opened on demand; one thread. Clients have the rights of the
-// connection's user, but cannot end their transaction or change its settings (see GuardStatements).
+// One connection for one request, opened on demand or kept from an earlier request of the client;
+// one thread. Clients have the rights of the connection's user, but cannot end their transaction or
+// change its settings (see GuardStatements).
 // Queries run in a transaction that is always rolled back, and that is read-only if the engine
 // supports it.
 //
@@ -29,9 +32,13 @@ class OdbcDatabase : public Database {
   // The longest value in bytes, unless the owner of the server sets another.
   static constexpr std::size_t kLongestCell = std::size_t{64} << 20;
 
-  // `limit` outlives the object. Nothing else may use it meanwhile.
+  // `limit` outlives the object, and nothing else may use it meanwhile. `kept` outlives it as well,
+  // and may be null.
   OdbcDatabase(const std::string& connection_text, WorkLimit& limit,
-               std::size_t cell_limit = kLongestCell);
+               std::size_t cell_limit = kLongestCell, KeptDatabases* kept = nullptr);
+  ~OdbcDatabase() override;
+  OdbcDatabase(const OdbcDatabase&) = delete;
+  OdbcDatabase& operator=(const OdbcDatabase&) = delete;
 
   Outcome Query(const std::string& sql, RowSink& sink) override;
   Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) override;
@@ -47,36 +54,42 @@ class OdbcDatabase : public Database {
 
   // Connects and begins the transaction.
   Outcome Begin(Work work);
+  [[nodiscard]] std::string KeyOf(Work work) const;
   Outcome Connect(Work work);
+  Outcome BeginTransaction(Work work);
   static Outcome CannotConnect(Outcome outcome);
   // In seconds; 0 means no limit.
   [[nodiscard]] std::uint32_t LongestLogin() const;
   [[nodiscard]] std::uint32_t LongestStatement() const;
   // Sets a savepoint, by which End() sees whether the transaction is still the same.
   Outcome Mark();
-  // Asks PostgreSQL for the process ID of this connection's backend.
-  Outcome FindBackend();
   void Cancel(odbc::Statement& statement, int before) const;
   // Runs one of the server's own statements.
   Outcome RunTrusted(std::string_view sql);
   Outcome Run(std::string_view sql, std::span<const odbc::Argument> arguments, Delivery& delivery);
+  Outcome RunIn(odbc::Statement& statement, std::string_view sql,
+                std::span<const odbc::Argument> arguments, Delivery& delivery);
   Outcome Deliver(odbc::Statement& statement, RowSink& sink);
   Outcome Drain(odbc::Statement& statement);
   // Sets `sql` to the statement that calls a procedure.
   Outcome WriteCall(const ProcedureCall& call, std::string& sql);
   // Commits if `outcome` is a success, and rolls back otherwise.
   Outcome End(Outcome outcome);
+  void RollBack();
+  // After a failure of the engine, no later request gets this connection.
   [[nodiscard]] Outcome Failure();
+  [[nodiscard]] bool IsPostgres() const { return session_ != nullptr && session_->IsPostgres(); }
 
   const text::ConnectionText text_;
   const std::optional<std::chrono::milliseconds> time_;
   const std::size_t cell_limit_;
-  StatementWatch watch_;
+  KeptDatabases* const kept_;
+  bool is_clean_ = true;  // another request may have the session
+  bool is_rolled_back_ = false;
+  std::unique_ptr<StatementWatch> watch_;
   odbc::Diagnostics said_;
-  std::unique_ptr<odbc::Connection> connection_;
-  bool is_postgres_ = false;
-  std::int64_t backend_ = 0;  // the process ID of PostgreSQL's backend; 0 if unknown
-  std::string marker_;        // the savepoint that vanishes with the transaction
+  std::unique_ptr<OdbcSession> session_;
+  std::string marker_;  // the savepoint that vanishes with the transaction
 };
 
 }  // namespace qv::standin

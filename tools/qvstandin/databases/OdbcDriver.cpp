@@ -20,16 +20,7 @@ struct Setting {
 constexpr std::array kForPostgres{Setting{"BoolsAsChar", "0"}, Setting{"Protocol", "7.4-1"}};
 // The driver fetches in pieces by means of cursors, and takes every WITH for a query that it can
 // open a cursor on.
-constexpr std::array kInPieces{Setting{"UseDeclareFetch", "1"}, Setting{"Fetch", "100"}};
-
-bool IsPostgres(const text::ConnectionText& text) {
-  const std::string* const driver = text.ValueOf("driver");
-  if (driver == nullptr) return false;
-  const auto is_named = [driver](std::string_view name) {
-    return text::FindIgnoringCase(*driver, name) != std::string_view::npos;
-  };
-  return is_named("postgresql") || is_named("psqlodbc");
-}
+constexpr std::array kInPieces{Setting{"UseDeclareFetch", "1"}, Setting{"Fetch", "400"}};
 
 using odbc::CellState;
 
@@ -80,9 +71,18 @@ std::uint32_t LengthOf(ColumnKind kind, std::uint64_t size) {
 
 }  // namespace
 
+bool HasPostgresDriver(const text::ConnectionText& text) {
+  const std::string* const driver = text.ValueOf("driver");
+  if (driver == nullptr) return false;
+  const auto is_named = [driver](std::string_view name) {
+    return text::FindIgnoringCase(*driver, name) != std::string_view::npos;
+  };
+  return is_named("postgresql") || is_named("psqlodbc");
+}
+
 std::string WithDriverSettings(const text::ConnectionText& text, Fetching fetching) {
   std::string whole = text.Text();
-  if (!IsPostgres(text)) return whole;
+  if (!HasPostgresDriver(text)) return whole;
   const auto add = [&](const Setting& setting) {
     if (text.ValueOf(setting.key) != nullptr) return;
     whole += std::string(";") + setting.key + "=" + setting.value;

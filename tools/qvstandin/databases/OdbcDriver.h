@@ -16,6 +16,9 @@ enum class Fetching {
   kAtOnce,
 };
 
+// Returns whether the text names PostgreSQL's driver.
+[[nodiscard]] bool HasPostgresDriver(const text::ConnectionText& text);
+
 // Returns the connection text followed by the driver settings that the server needs and the text
 // does not contain.
 [[nodiscard]] std::string WithDriverSettings(const text::ConnectionText& text, Fetching fetching);

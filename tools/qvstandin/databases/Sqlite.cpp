@@ -5,6 +5,7 @@
 #include <charconv>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "base/text/Letters.h"
 
@@ -112,23 +113,30 @@ std::string TooLong(sqlite3* connection) {
 
 }  // namespace
 
-SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit) {
+SqliteConnection OpenSqlite(const std::string& path) {
   sqlite3* opened = nullptr;
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW;
   const int code = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
   SqliteConnection connection(opened);
-  if (code != SQLITE_OK) return nullptr;
+  return code == SQLITE_OK ? std::move(connection) : nullptr;
+}
+
+void WatchLimit(sqlite3* connection, WorkLimit& limit) {
   const auto over = [](void* watched) {
     return static_cast<WorkLimit*>(watched)->IsOver() ? 1 : 0;
   };
-  sqlite3_progress_handler(opened, kStepsBetweenChecks, over, &limit);
+  sqlite3_progress_handler(connection, kStepsBetweenChecks, over, &limit);
   const auto wait = [](void* watched, int) {
     if (static_cast<WorkLimit*>(watched)->IsOver()) return 0;
     std::this_thread::sleep_for(kBusyPause);
     return 1;
   };
-  sqlite3_busy_handler(opened, wait, &limit);
-  return connection;
+  sqlite3_busy_handler(connection, wait, &limit);
+}
+
+void UnwatchLimit(sqlite3* connection) {
+  sqlite3_progress_handler(connection, 0, nullptr, nullptr);
+  sqlite3_busy_handler(connection, nullptr, nullptr);
 }
 
 Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit) {

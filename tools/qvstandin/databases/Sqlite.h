@@ -21,9 +21,13 @@ struct SqliteCloser {
 using SqliteConnection = std::unique_ptr<sqlite3, SqliteCloser>;
 using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteCloser>;
 
-// Opens an existing file for one thread. Returns null if that fails. Once `limit` is over,
-// statements and waits for locks are interrupted. `limit` outlives the connection.
-[[nodiscard]] SqliteConnection OpenSqlite(const std::string& path, WorkLimit& limit);
+// Opens an existing file for one thread at a time. Returns null if that fails.
+[[nodiscard]] SqliteConnection OpenSqlite(const std::string& path);
+
+// From now on, or until UnwatchLimit(), statements and waits for locks are interrupted once `limit`
+// is over. `limit` outlives that time.
+void WatchLimit(sqlite3* connection, WorkLimit& limit);
+void UnwatchLimit(sqlite3* connection);
 
 // Describes the failure of the last call, whose result was `code`.
 [[nodiscard]] Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit);
@@ -54,8 +58,8 @@ struct DeclaredType {
 
 // Bounds the SQL functions whose work grows with the product of two lengths, since SQLite cannot be
 // interrupted inside a function. Replaces LIKE, GLOB, instr and replace with functions that refuse
-// long patterns and check `limit` first, and removes trim with a set of characters and json_patch.
-// `limit` outlives the connection. Returns SQLite's result code.
-[[nodiscard]] int BoundFunctions(sqlite3* connection, WorkLimit& limit);
+// long patterns and check first what `limit` points to at that time, and removes trim with a set of
+// characters and json_patch. `limit` outlives the connection. Returns SQLite's result code.
+[[nodiscard]] int BoundFunctions(sqlite3* connection, WorkLimit*& limit);
 
 }  // namespace qv::standin

@@ -1,7 +1,5 @@
 #include "SqliteDatabase.h"
 
-#include <algorithm>
-#include <array>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -13,68 +11,39 @@ namespace qv::standin {
 
 namespace {
 
-bool IsRefusedFunction(const char* name) {
-  constexpr std::array<std::string_view, 4> kRefused{"load_extension", "readfile", "writefile",
-                                                     "fts3_tokenizer"};
-  return name != nullptr && std::ranges::find(kRefused, name) != kRefused.end();
-}
-
-bool IsRefused(int action, const char* function) {
-  switch (action) {
-    case SQLITE_ATTACH:
-    case SQLITE_DETACH:
-    case SQLITE_PRAGMA:
-    case SQLITE_TRANSACTION:
-    case SQLITE_SAVEPOINT:
-    case SQLITE_CREATE_VTABLE:
-      return true;
-    case SQLITE_FUNCTION:
-      return IsRefusedFunction(function);
-    default:
-      return false;
-  }
-}
+Outcome NoStatement() { return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax}; }
 
 }  // namespace
 
 std::unique_ptr<SqliteDatabase> SqliteDatabase::Open(const std::string& path, WorkLimit& limit,
-                                                     std::size_t cell_limit) {
-  SqliteConnection connection = OpenSqlite(path, limit);
-  if (connection == nullptr) return nullptr;
-  std::unique_ptr<SqliteDatabase> database(new SqliteDatabase(std::move(connection), limit));
-  return database->Confine(cell_limit) ? std::move(database) : nullptr;
+                                                     std::size_t cell_limit, KeptDatabases* kept) {
+  std::unique_ptr<SqliteSession> session = kept != nullptr ? kept->sqlite.Take(path) : nullptr;
+  if (session == nullptr) session = SqliteSession::Open(path, cell_limit);
+  if (session == nullptr) return nullptr;
+  return std::unique_ptr<SqliteDatabase>(new SqliteDatabase(std::move(session), limit, kept));
 }
 
-SqliteDatabase::SqliteDatabase(SqliteConnection connection, WorkLimit& limit)
-    : connection_(std::move(connection)), limit_(limit) {}
+SqliteDatabase::SqliteDatabase(std::unique_ptr<SqliteSession> session, WorkLimit& limit,
+                               KeptDatabases* kept)
+    : session_(std::move(session)), limit_(limit), kept_(kept) {
+  session_->Begin(limit);
+}
 
-bool SqliteDatabase::Confine(std::size_t cell_limit) {
-  sqlite3* const connection = connection_.get();
-  sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-  sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, text::SaturatedTo32Bits(cell_limit));
-  sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
-  const auto authorize = [](void* self, int action, const char*, const char* function, const char*,
-                            const char*) {
-    const bool trusted = static_cast<SqliteDatabase*>(self)->trusted_;
-    return !trusted && IsRefused(action, function) ? SQLITE_DENY : SQLITE_OK;
-  };
-  sqlite3_set_authorizer(connection, authorize, this);
-  return BoundFunctions(connection, limit_) == SQLITE_OK;
+SqliteDatabase::~SqliteDatabase() {
+  if (session_->End() && kept_ != nullptr) kept_->sqlite.Keep(std::move(session_));
 }
 
 Outcome SqliteDatabase::Query(const std::string& sql, RowSink& sink) {
-  const std::string text = WithPlainTableNames(sql, text::kSqlite);
-  const char* rest = text.c_str();
-  const char* const end = rest + text.size();
-  SqliteStatement statement;
-  if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
-  if (statement == nullptr) return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax};
-  if (HasMore(rest, end)) return {ErrorCode::kNotPermitted, "a query must be one statement"};
+  SqliteStatement statement = session_->Take(sql);
+  if (statement == nullptr) {
+    if (Outcome prepared = PrepareOnly(sql, statement); !prepared.Ok()) return prepared;
+  }
   if (sqlite3_stmt_readonly(statement.get()) == 0 || sqlite3_column_count(statement.get()) == 0) {
     return {ErrorCode::kNotPermitted, "a query must only read"};
   }
-  return Deliver(statement.get(), sink);
+  if (Outcome delivered = Deliver(statement.get(), sink); !delivered.Ok()) return delivered;
+  session_->Keep(sql, std::move(statement));
+  return {};
 }
 
 Outcome SqliteDatabase::Execute(std::span<const std::string_view> statements,
@@ -97,48 +66,61 @@ Outcome SqliteDatabase::Call(const ProcedureCall& call, RowSink& sink) {
   return EndTransaction(RunAll(sql, call.arguments, &sink));
 }
 
+Outcome SqliteDatabase::PrepareOnly(const std::string& sql, SqliteStatement& statement) {
+  const std::string text = WithPlainTableNames(sql, text::kSqlite);
+  Rest rest{text.c_str(), text.c_str() + text.size()};
+  if (const int code = Prepare(rest, statement); code != SQLITE_OK) return Failure(code);
+  if (statement == nullptr) return NoStatement();
+  if (HasMore(rest)) return {ErrorCode::kNotPermitted, "a query must be one statement"};
+  return {};
+}
+
 // Skips blanks, comments and lone semicolons. A NUL ends the text.
-int SqliteDatabase::Prepare(const char*& text, const char* end, SqliteStatement& statement) {
+int SqliteDatabase::Prepare(Rest& rest, SqliteStatement& statement) {
   statement.reset();
-  while (*text != '\0' && statement == nullptr) {
-    sqlite3_stmt* prepared = nullptr;
+  while (*rest.begin != '\0' && statement == nullptr) {
     // With the NUL counted in, the rest of a long text is not copied for every statement.
-    const std::ptrdiff_t length = end - text + 1;
+    const std::ptrdiff_t length = rest.end - rest.begin + 1;
     if (length > std::numeric_limits<int>::max()) return SQLITE_TOOBIG;
-    const int code =
-        sqlite3_prepare_v2(connection_.get(), text, static_cast<int>(length), &prepared, &text);
+    const int code = session_->Prepare(rest.begin, static_cast<int>(length), statement, rest.begin);
     if (code != SQLITE_OK) return code;
-    statement.reset(prepared);
   }
   return SQLITE_OK;
 }
 
 // A statement that does not compile counts as well: it may compile after the previous ones have
 // run.
-bool SqliteDatabase::HasMore(const char* text, const char* end) {
+bool SqliteDatabase::HasMore(Rest rest) {
   SqliteStatement next;
-  return Prepare(text, end, next) != SQLITE_OK || next != nullptr;
+  return Prepare(rest, next) != SQLITE_OK || next != nullptr;
 }
 
 // If there is a sink, it receives the rows of the last statement.
 Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSink* sink) {
+  SqliteStatement statement = session_->Take(sql);
+  if (statement != nullptr) {
+    Outcome outcome = RunOne(statement.get(), arguments, sink);
+    if (outcome.Ok()) session_->Keep(sql, std::move(statement));
+    return outcome;
+  }
   const std::string text = WithPlainTableNames(sql, text::kSqlite);
-  const char* rest = text.c_str();
-  const char* const end = rest + text.size();
-  SqliteStatement statement;
-  bool more = HasMore(rest, end);
-  if (!more) return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax};
-  while (more) {
+  Rest rest{text.c_str(), text.c_str() + text.size()};
+  for (bool is_first = true, more = true; more; is_first = false) {
     // Short statements end before SQLite calls the progress handler.
     if (limit_.IsOver()) return Failure(SQLITE_INTERRUPT);
-    if (const int code = Prepare(rest, end, statement); code != SQLITE_OK) return Failure(code);
-    if (Outcome bound = Bind(statement.get(), arguments); !bound.Ok()) return bound;
-    more = HasMore(rest, end);
-    const bool delivers = sink != nullptr && !more;
-    Outcome outcome = delivers ? Deliver(statement.get(), *sink) : Step(statement.get());
+    if (const int code = Prepare(rest, statement); code != SQLITE_OK) return Failure(code);
+    if (statement == nullptr) return NoStatement();
+    more = HasMore(rest);
+    Outcome outcome = RunOne(statement.get(), arguments, more ? nullptr : sink);
     if (!outcome.Ok()) return outcome;
+    if (is_first && !more) session_->Keep(sql, std::move(statement));
   }
   return {};
+}
+
+Outcome SqliteDatabase::RunOne(sqlite3_stmt* statement, Arguments arguments, RowSink* sink) {
+  if (Outcome bound = Bind(statement, arguments); !bound.Ok()) return bound;
+  return sink != nullptr ? Deliver(statement, *sink) : Step(statement);
 }
 
 Outcome SqliteDatabase::Step(sqlite3_stmt* statement) {
@@ -174,12 +156,11 @@ Outcome SqliteDatabase::Bind(sqlite3_stmt* statement, Arguments arguments) {
 }
 
 Outcome SqliteDatabase::ReadProcedure(const std::string& name, std::string& sql) {
-  const Outcome unknown{ErrorCode::kNoProcedure, "no procedure " + name};
-  const std::string text =
+  static const std::string text =
       std::string("SELECT sql FROM ") + kProcedureTable + " WHERE name = ?1 COLLATE NOCASE";
-  const char* rest = text.c_str();
-  SqliteStatement statement;
-  if (Prepare(rest, rest + text.size(), statement) != SQLITE_OK) return unknown;
+  const Outcome unknown{ErrorCode::kNoProcedure, "no procedure " + name};
+  SqliteStatement statement = session_->Take(text);
+  if (statement == nullptr && !PrepareOnly(text, statement).Ok()) return unknown;
   const int bound = BindArgument(statement.get(), 1, name);
   if (bound != SQLITE_OK) return Failure(bound);
   const int code = sqlite3_step(statement.get());
@@ -190,27 +171,30 @@ Outcome SqliteDatabase::ReadProcedure(const std::string& name, std::string& sql)
   const auto* const found = std::get_if<std::string_view>(&cells.front());
   if (found == nullptr) return unknown;
   sql = *found;
+  session_->Keep(text, std::move(statement));
   return {};
 }
 
 Outcome SqliteDatabase::RunTrusted(const char* sql) {
-  trusted_ = true;
-  const int code = sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr);
-  trusted_ = false;
+  const int code = session_->RunTrusted(sql);
   return code == SQLITE_OK ? Outcome() : Failure(code);
 }
 
 Outcome SqliteDatabase::EndTransaction(Outcome outcome) {
+  sqlite3* const connection = session_->Connection();
   if (outcome.Ok()) outcome = RunTrusted("COMMIT");
   // A statement that failed may have ended the transaction already.
-  if (!outcome.Ok() && sqlite3_get_autocommit(connection_.get()) == 0) {
+  if (!outcome.Ok() && sqlite3_get_autocommit(connection) == 0) {
     // The limit that ended the work must not interrupt the rollback.
-    sqlite3_progress_handler(connection_.get(), 0, nullptr, nullptr);
+    sqlite3_progress_handler(connection, 0, nullptr, nullptr);
     if (Outcome undone = RunTrusted("ROLLBACK"); !undone.Ok()) outcome.text += "; " + undone.text;
   }
   return outcome;
 }
 
-Outcome SqliteDatabase::Failure(int code) { return SqliteFailure(connection_.get(), code, limit_); }
+Outcome SqliteDatabase::Failure(int code) {
+  session_->Spoil();
+  return SqliteFailure(session_->Connection(), code, limit_);
+}
 
 }  // namespace qv::standin

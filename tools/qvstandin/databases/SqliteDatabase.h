@@ -7,13 +7,14 @@
 #include <span>
 
 #include "Database.h"
+#include "KeptDatabases.h"
 #include "Sqlite.h"
+#include "SqliteSession.h"
 #include "tools/qvstandin/common/Work.h"
 
 namespace qv::standin {
 
-// One connection for one request; one thread. Clients' statements cannot attach files, change
-// settings of the database, load extensions or end their transaction.
+// A file for one request; one thread.
 class SqliteDatabase : public Database {
  public:
   // The table of stored procedures: a name, and statements in which ?1, ?2, ... are the arguments.
@@ -23,10 +24,15 @@ class SqliteDatabase : public Database {
   // function can take, since functions cannot be interrupted.
   static constexpr std::size_t kLongestCell = std::size_t{1} << 20;
 
-  // Opens an existing file. Returns null if that fails. `limit` outlives the object.
+  // Opens an existing file, or takes it from `kept`, to which it returns afterwards; `kept` may be
+  // null. Returns null if that fails. `limit` and `kept` outlive the object.
   [[nodiscard]] static std::unique_ptr<SqliteDatabase> Open(const std::string& path,
                                                             WorkLimit& limit,
-                                                            std::size_t cell_limit = kLongestCell);
+                                                            std::size_t cell_limit,
+                                                            KeptDatabases* kept);
+  ~SqliteDatabase() override;
+  SqliteDatabase(const SqliteDatabase&) = delete;
+  SqliteDatabase& operator=(const SqliteDatabase&) = delete;
 
   Outcome Query(const std::string& sql, RowSink& sink) override;
   Outcome Execute(std::span<const std::string_view> statements, std::int32_t& failed) override;
@@ -34,14 +40,21 @@ class SqliteDatabase : public Database {
 
  private:
   using Arguments = std::span<const ProcedureCall::Argument>;
+  // The part of a text that was not prepared yet. It ends with the NUL at `end`.
+  struct Rest {
+    const char* begin;
+    const char* end;
+  };
 
-  SqliteDatabase(SqliteConnection connection, WorkLimit& limit);
+  SqliteDatabase(std::unique_ptr<SqliteSession> session, WorkLimit& limit, KeptDatabases* kept);
 
-  [[nodiscard]] bool Confine(std::size_t cell_limit);
-  // Prepares the next statement of a text that ends with the NUL at `end`; null after the last one.
-  [[nodiscard]] int Prepare(const char*& text, const char* end, SqliteStatement& statement);
-  [[nodiscard]] bool HasMore(const char* text, const char* end);
+  // Prepares the next statement; null after the last one.
+  [[nodiscard]] int Prepare(Rest& rest, SqliteStatement& statement);
+  [[nodiscard]] bool HasMore(Rest rest);
+  // Prepares the only statement of a text.
+  Outcome PrepareOnly(const std::string& sql, SqliteStatement& statement);
   Outcome RunAll(std::string_view sql, Arguments arguments, RowSink* sink);
+  Outcome RunOne(sqlite3_stmt* statement, Arguments arguments, RowSink* sink);
   Outcome Step(sqlite3_stmt* statement);
   Outcome Deliver(sqlite3_stmt* statement, RowSink& sink);
   Outcome Bind(sqlite3_stmt* statement, Arguments arguments);
@@ -49,11 +62,12 @@ class SqliteDatabase : public Database {
   // Runs one of the server's own statements.
   Outcome RunTrusted(const char* sql);
   Outcome EndTransaction(Outcome outcome);
+  // After a failure of the engine, no later request gets this connection.
   [[nodiscard]] Outcome Failure(int code);
 
-  SqliteConnection connection_;
+  std::unique_ptr<SqliteSession> session_;
   WorkLimit& limit_;
-  bool trusted_ = false;  // the statement being prepared is the server's own
+  KeptDatabases* const kept_;
 };
 
 }  // namespace qv::standin

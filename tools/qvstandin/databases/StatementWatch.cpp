@@ -11,7 +11,7 @@ constexpr std::chrono::milliseconds kBetweenCancellations{100};
 
 }  // namespace
 
-StatementWatch::StatementWatch(WorkLimit& limit) : limit_(limit), thread_([this] { Run(); }) {}
+StatementWatch::StatementWatch() : thread_([this] { Run(); }) {}
 
 StatementWatch::~StatementWatch() {
   {
@@ -22,19 +22,31 @@ StatementWatch::~StatementWatch() {
   thread_.join();
 }
 
+// While requests follow each other quickly, the thread is not woken for each.
+void StatementWatch::Begin(WorkLimit& limit) {
+  const std::lock_guard lock(mutex_);
+  limit_ = &limit;
+  if (sleeps_) changed_.notify_all();
+}
+
+void StatementWatch::End() {
+  const std::lock_guard lock(mutex_);
+  limit_ = nullptr;
+}
+
 bool StatementWatch::IsOver() {
   const std::lock_guard lock(mutex_);
-  return limit_.IsOver();
+  return limit_->IsOver();
 }
 
 ErrorCode StatementWatch::Reason() {
   const std::lock_guard lock(mutex_);
-  return limit_.Reason();
+  return limit_->Reason();
 }
 
 Outcome StatementWatch::Failure() {
   const std::lock_guard lock(mutex_);
-  return limit_.Failure();
+  return limit_->Failure();
 }
 
 // Waits for a running cancellation, so that none reaches a statement that is gone.
@@ -55,7 +67,12 @@ void StatementWatch::CancelOnce() {
 void StatementWatch::Run() {
   std::unique_lock lock(mutex_);
   while (!ends_) {
-    const bool is_over = limit_.IsOver();
+    sleeps_ = limit_ == nullptr;
+    if (sleeps_) {
+      changed_.wait(lock, [this] { return ends_ || limit_ != nullptr; });
+      continue;
+    }
+    const bool is_over = limit_->IsOver();
     if (is_over && cancel_) CancelOnce();
     changed_.wait_for(lock, is_over ? kBetweenCancellations : kBetweenQuestions,
                       [this] { return ends_; });

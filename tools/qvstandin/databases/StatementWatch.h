@@ -11,18 +11,22 @@
 
 namespace qv::standin {
 
-// It has a thread of its own, since the working thread is blocked in the driver. While the watch
-// exists, use the limit only through it.
+// It has a thread of its own, since the working thread is blocked in the driver. It serves one
+// request after the other.
 class StatementWatch {
  public:
   // Called on the watch's thread with the number of earlier calls.
   using Cancel = std::function<void(int before)>;
 
-  // `limit` outlives the watch.
-  explicit StatementWatch(WorkLimit& limit);
+  StatementWatch();
   ~StatementWatch();
   StatementWatch(const StatementWatch&) = delete;
   StatementWatch& operator=(const StatementWatch&) = delete;
+
+  // Begins and ends a request. Call the other functions between the two, and use the limit, which
+  // outlives the request, only through them.
+  void Begin(WorkLimit& limit);
+  void End();
 
   [[nodiscard]] bool IsOver();
   [[nodiscard]] ErrorCode Reason();
@@ -47,7 +51,8 @@ class StatementWatch {
   void CancelOnce();
   void Run();
 
-  WorkLimit& limit_;
+  WorkLimit* limit_ = nullptr;  // between requests, null
+  bool sleeps_ = false;         // until a request begins
   std::mutex mutex_;
   std::condition_variable changed_;
   Cancel cancel_;

@@ -51,8 +51,14 @@ ServedCommand RecordOfRefusal(const ClientStream& client, std::string why,
           .peer = client.PeerName()};
 }
 
+bool AwaitRequest(ClientStream& client, const Services& services, const SessionRules& rules) {
+  if (services.kept == nullptr) return client.WaitForRequest(rules.idle_timeout);
+  services.kept->Refresh();
+  return client.WaitForRequest(rules.idle_timeout, [&services] { services.kept->Clear(); });
+}
+
 void FrameSession::Serve() {
-  while (stream_.WaitForRequest(rules_.idle_timeout) && ServeRequest()) {
+  while (AwaitRequest(stream_, services_, rules_) && ServeRequest()) {
   }
 }
 

@@ -47,6 +47,11 @@ struct SessionRules {
 [[nodiscard]] ServedCommand RecordOfRefusal(const ClientStream& client, std::string why,
                                             error::Class error_class);
 
+// Waits for the client's next request. Returns false if there is none. A client that pauses keeps
+// no databases open.
+[[nodiscard]] bool AwaitRequest(ClientStream& client, const Services& services,
+                                const SessionRules& rules);
+
 // Says once per second that a request is being worked on.
 class ProgressClock {
  public:

@@ -47,7 +47,7 @@ error::Class ClassOf(HttpStatus status) {
 }  // namespace
 
 void HttpSession::Serve() {
-  while (stream_.WaitForRequest(rules_.idle_timeout) && ServeRequest()) {
+  while (AwaitRequest(stream_, services_, rules_) && ServeRequest()) {
   }
   stream_.SayGoodbye();
 }
@@ -123,7 +123,8 @@ bool HttpSession::Answer(const HttpRequestHead& request, FrameExchange& exchange
   if (!has_reply) return Refuse(HttpStatus::kFailed, request);
   reply.is_chunked = false;
   reply.length = exchange.ReplyLength();
-  return stream_.Write({BytesIn(HeadText(reply))}) && exchange.Send(stream_) && reply.keep_alive;
+  stream_.WriteWithNext(BytesIn(HeadText(reply)));
+  return exchange.Send(stream_) && reply.keep_alive;
 }
 
 bool HttpSession::Refuse(HttpStatus status, const HttpRequestHead& request,

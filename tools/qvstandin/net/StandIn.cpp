@@ -91,14 +91,17 @@ void StandIn::Admit(std::unique_ptr<ClientStream> stream, Speech speech) {
 }
 
 void StandIn::Serve(Client& client) {
+  KeptDatabases kept;
+  Services services = services_;
+  services.kept = &kept;
   ClientStream& stream = *client.stream;
   const auto first = std::min(options_.first_timeout, options_.io_timeout);
   stream.LimitReads(std::chrono::steady_clock::now() + first);
   try {
     if (client.speech == Speech::kHttp && !BeginsWithFrame(stream)) {
-      HttpSession(stream, services_, rules_).Serve();
+      HttpSession(stream, services, rules_).Serve();
     } else {
-      FrameSession(stream, services_, rules_).Serve();
+      FrameSession(stream, services, rules_).Serve();
     }
   } catch (const std::exception&) {
     // This client ran out of memory or descriptors; the others are not affected.

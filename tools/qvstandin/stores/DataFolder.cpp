@@ -115,15 +115,16 @@ Outcome DataFolder::SetCompression(bool on) {
   return database->Execute({&statement, 1}, failed);
 }
 
-std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& limit) const {
+std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& limit,
+                                           KeptDatabases* kept) const {
   if (!IsDatabaseName(name)) return nullptr;
   const DatabaseSettings* const settings = SettingsOf(name);
   if (settings != nullptr && !settings->odbc.empty()) {
     return std::make_unique<OdbcDatabase>(settings->odbc, limit,
-                                          cell_limit_.value_or(OdbcDatabase::kLongestCell));
+                                          cell_limit_.value_or(OdbcDatabase::kLongestCell), kept);
   }
   return SqliteDatabase::Open(DatabaseFile(name), limit,
-                              cell_limit_.value_or(SqliteDatabase::kLongestCell));
+                              cell_limit_.value_or(SqliteDatabase::kLongestCell), kept);
 }
 
 std::unique_ptr<Directory> DataFolder::OpenDirectory(WorkLimit& limit) const {

@@ -12,6 +12,7 @@
 #include "tools/qvstandin/common/Work.h"
 #include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/databases/DatabaseSettings.h"
+#include "tools/qvstandin/databases/KeptDatabases.h"
 #include "tools/qvstandin/databases/Sqlite.h"
 
 namespace qv::standin {
@@ -35,8 +36,10 @@ class DataFolder {
   // Sets whether clients are told to request compressed answers.
   Outcome SetCompression(bool on);
 
-  // Opens the database of that name. Returns null if there is none. `limit` outlives the database.
-  [[nodiscard]] std::unique_ptr<Database> Open(std::string_view name, WorkLimit& limit) const;
+  // Opens the database of that name, or takes it from `kept`, which may be null. Returns null if
+  // there is none. `limit` and `kept` outlive the database.
+  [[nodiscard]] std::unique_ptr<Database> Open(std::string_view name, WorkLimit& limit,
+                                               KeptDatabases* kept = nullptr) const;
 
   // Returns the text with which clients connect to the database directly, or null if there is none.
   [[nodiscard]] const std::string* ConnectionText(std::string_view name) const;

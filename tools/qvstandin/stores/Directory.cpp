@@ -46,8 +46,9 @@ std::string AsJson(const std::set<std::int32_t>& numbers) {
 }  // namespace
 
 std::unique_ptr<Directory> Directory::Open(const std::string& path, WorkLimit& limit) {
-  SqliteConnection connection = OpenSqlite(path, limit);
+  SqliteConnection connection = OpenSqlite(path);
   if (connection == nullptr) return nullptr;
+  WatchLimit(connection.get(), limit);
   return std::unique_ptr<Directory>(new Directory(std::move(connection), limit));
 }
 
