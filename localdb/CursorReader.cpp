@@ -194,7 +194,9 @@ CursorReader::Appended CursorReader::AppendPlainText(std::size_t index, Cells& c
   if (state != CellState::kValue) text_.clear();
   if (!Take(text_.size())) return {CellState::kFailed};
   auto& texts = std::get<TextCells>(cells);
-  return {state, AppendText(texts, PaddedText(), /*may_have_entities=*/false)};
+  std::size_t length = 0;
+  AppendText(texts, PaddedText(), /*may_have_entities=*/false, length);
+  return {state, length};
 }
 
 CursorReader::Appended CursorReader::AppendBinary(std::size_t index, Cells& cells) {

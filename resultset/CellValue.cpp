@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 #include <string>
 
@@ -40,6 +41,44 @@ std::optional<double> ParseUnsigned(std::string_view text) {
   const auto parsed = fast_float::from_chars(text.data(), text.data() + text.size(), value);
   if (parsed.ec == std::errc::invalid_argument) return std::nullopt;
   return value;
+}
+
+// Reads up to eight digits, of which there may be none. Returns false if other characters are among
+// them. At least eight bytes must be readable.
+bool ReadDigits(const char* p, std::size_t count, std::uint64_t& number) {
+  constexpr std::uint64_t kZeros = 0x3030303030303030u;
+  number = 0;
+  if (count == 0) return true;
+  const std::size_t unused = 64 - count * 8;
+  const std::uint64_t word =
+      unused == 0 ? LoadWord(p) : LoadWord(p) << unused | kZeros >> count * 8;
+  number = EightDigits(word);
+  return AreDigits(word);
+}
+
+// Returns the number that a text such as "-123.45" is, with up to eight digits on each side of the
+// point, or nothing for other texts: numerator and denominator are exact, so that one division
+// rounds correctly. Up to eight bytes after the text are read.
+std::optional<double> ParseShortDecimal(std::string_view text) {
+  static constexpr std::array<double, 9> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+  constexpr std::size_t kMostDigits = 8;
+  constexpr std::uint64_t kMostExact = std::uint64_t{1} << 53;
+  const bool is_negative = text.starts_with('-');
+  if (is_negative) text.remove_prefix(1);
+  const char* const end = text.data() + text.size();
+  if (text.empty() || text.size() > 2 * kMostDigits + 1) return std::nullopt;
+  const char* const point = FindByte(text.data(), end, '.');
+  const auto whole_digits = static_cast<std::size_t>(point - text.data());
+  const std::size_t digits = point != end ? static_cast<std::size_t>(end - point) - 1 : 0;
+  if (whole_digits == 0 || whole_digits > kMostDigits || digits > kMostDigits) return std::nullopt;
+  std::uint64_t whole = 0;
+  std::uint64_t fraction = 0;
+  if (!ReadDigits(text.data(), whole_digits, whole)) return std::nullopt;
+  if (!ReadDigits(point + 1, digits, fraction)) return std::nullopt;
+  const std::uint64_t number = whole * static_cast<std::uint64_t>(kPowers[digits]) + fraction;
+  if (number > kMostExact) return std::nullopt;
+  const double value = static_cast<double>(number) / kPowers[digits];
+  return is_negative ? -value : value;
 }
 
 // Returns the character of "&#x", two digits and ";" at `p`, or 0. At least six bytes must be
@@ -107,11 +146,12 @@ constexpr std::array<double, 15> kDigitThresholds = {
 std::int32_t ParseBoolean(std::string_view text) {
   constexpr std::string_view kTrue = "true";
   if (text.size() != kTrue.size()) return 0;
-  for (std::size_t i = 0; i < kTrue.size(); ++i) {
-    // Folds upper case to lower, and no other character to one of these letters.
-    if ((text[i] | 0x20) != kTrue[i]) return 0;
-  }
-  return 1;
+  std::uint32_t letters = 0;
+  std::uint32_t lower = 0;
+  std::memcpy(&letters, text.data(), sizeof letters);
+  std::memcpy(&lower, kTrue.data(), sizeof lower);
+  // Folds upper case to lower, and no other character to one of these letters.
+  return (letters | 0x20202020u) == lower ? 1 : 0;
 }
 
 double ParseDouble(std::string_view text) {
@@ -123,34 +163,36 @@ double ParseDouble(std::string_view text) {
   return negative ? -*value : *value;
 }
 
+double ParseDoubleInBuffer(std::string_view text) {
+  const std::optional<double> value = ParseShortDecimal(text);
+  return value ? *value : ParseDouble(text);
+}
+
 std::int64_t ParseInteger(std::string_view text) {
-  constexpr std::uint64_t kZeros = 0x3030303030303030u;
   constexpr std::uint64_t kHundredMillion = 100'000'000;
   constexpr std::size_t kWord = sizeof(std::uint64_t);
   if (text.empty() || text.size() > 2 * kWord) return text::DecimalToInt64(text);
-  const bool is_long = text.size() > kWord;
-  // The first digits move to the end of the word, behind zeros; after them follow none or eight.
-  const unsigned digits = static_cast<unsigned>(is_long ? text.size() - kWord : text.size());
-  const unsigned unused = 64 - digits * 8;
-  const std::uint64_t zeros = unused == 0 ? 0 : kZeros >> (64 - unused);
-  const std::uint64_t head = LoadWord(text.data()) << unused | zeros;
-  if (!AreDigits(head)) return text::DecimalToInt64(text);
-  if (!is_long) return static_cast<std::int64_t>(EightDigits(head));
-  const std::uint64_t tail = LoadWord(text.data() + digits);
-  if (!AreDigits(tail)) return text::DecimalToInt64(text);
-  return static_cast<std::int64_t>(EightDigits(head) * kHundredMillion + EightDigits(tail));
+  const std::size_t tail_digits = text.size() > kWord ? kWord : 0;
+  const std::size_t head_digits = text.size() - tail_digits;
+  std::uint64_t head = 0;
+  std::uint64_t tail = 0;
+  if (!ReadDigits(text.data(), head_digits, head)) return text::DecimalToInt64(text);
+  if (tail_digits == 0) return static_cast<std::int64_t>(head);
+  if (!ReadDigits(text.data() + head_digits, tail_digits, tail)) return text::DecimalToInt64(text);
+  return static_cast<std::int64_t>(head * kHundredMillion + tail);
 }
 
-std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities) {
+void AppendText(TextCells& cells, std::string_view text, bool may_have_entities,
+                std::size_t& longest) {
   const char* const end = text.data() + text.size();
-  if (!may_have_entities || text.empty() || FindByte(text.data(), end, '&') == end) {
+  if (may_have_entities && !text.empty() && FindByte(text.data(), end, '&') != end) {
+    char* const decoded = cells.Begin(text.size());
+    text = {decoded, DecodeEntities(text.data(), end, decoded)};
+    cells.Finish(text.size());
+  } else {
     cells.AppendFromBuffer(text);
-    return text::Trimmed(text).size();
   }
-  char* const decoded = cells.Begin(text.size());
-  const std::size_t length = DecodeEntities(text.data(), end, decoded);
-  cells.Finish(length);
-  return text::Trimmed({decoded, length}).size();
+  if (text.size() > longest) longest = std::max(longest, text::Trimmed(text).size());
 }
 
 CString CellText(std::int32_t value) { return ShortestText(value); }

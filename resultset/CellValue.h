@@ -20,15 +20,19 @@ namespace qv {
 // skipped. Returns 0.0 if there is no number, and infinity if it is too large.
 [[nodiscard]] double ParseDouble(std::string_view text);
 
-// How many bytes ParseInteger and AppendText may read after the text.
+// How many bytes the next three functions may read after the text.
 constexpr std::size_t kValueSlack = TextCells::kCopyStep;
+
+// As ParseDouble.
+[[nodiscard]] double ParseDoubleInBuffer(std::string_view text);
 
 // As DecimalToInt64.
 [[nodiscard]] std::int64_t ParseInteger(std::string_view text);
 
-// Appends a text, with its entities decoded if it may have any. Returns its length without the
-// white space at both ends, as the platform's calls give it.
-std::size_t AppendText(TextCells& cells, std::string_view text, bool may_have_entities);
+// Appends a text, with its entities decoded if it may have any. `longest` becomes its length
+// without the white space at both ends, as the platform's calls give it, if that is greater.
+void AppendText(TextCells& cells, std::string_view text, bool may_have_entities,
+                std::size_t& longest);
 
 // The text forms of values, and their lengths for display.
 

@@ -127,32 +127,32 @@ class NullRows {
   [[nodiscard]] bool Has(std::size_t row) const {
     return row / kBits < words_.size() && (words_[row / kBits] >> row % kBits & 1) != 0;
   }
-  void Add(std::size_t row) {
-    const std::size_t word = row / kBits;
-    if (word >= words_.size()) AddWords(word + 1 - words_.size());
-    words_[word] |= std::uint64_t{1} << row % kBits;
+  void Add(std::size_t row) { AddBits(row / kBits, std::uint64_t{1} << row % kBits); }
+  // Adds the rows whose bits are set, counted from `first` on, the lowest bit first.
+  void AddRows(std::size_t first, std::uint64_t bits) {
+    const std::size_t shift = first % kBits;
+    AddBits(first / kBits, bits << shift);
+    if (shift != 0) AddBits(first / kBits + 1, bits >> (kBits - shift));
   }
   void Remove(std::size_t row) {
     if (row / kBits < words_.size()) words_[row / kBits] &= ~(std::uint64_t{1} << row % kBits);
   }
   void Clear() { words_.Shrink(0); }
-  // Adds `others`, counted from `first` on, which is after every row that was added.
+  // Adds `others`, counted from `first` on.
   void Append(const NullRows& others, std::size_t first) {
-    if (others.words_.size() == 0) return;
-    const std::size_t word = first / kBits;
-    const std::size_t needed = word + others.words_.size() + 1;
-    if (needed > words_.size()) AddWords(needed - words_.size());
     for (std::size_t i = 0; i < others.words_.size(); ++i) {
-      const std::uint64_t bits = others.words_[i];
-      words_[word + i] |= bits << first % kBits;
-      // Two steps, because shifting by all bits at once is not defined.
-      words_[word + i + 1] |= bits >> 1 >> (kBits - 1 - first % kBits);
+      AddRows(first + i * kBits, others.words_[i]);
     }
   }
 
  private:
   static constexpr std::size_t kBits = 64;
 
+  void AddBits(std::size_t word, std::uint64_t bits) {
+    if (bits == 0) return;
+    if (word >= words_.size()) AddWords(word + 1 - words_.size());
+    words_[word] |= bits;
+  }
   void AddWords(std::size_t count) {
     std::memset(words_.Extend(count), 0, count * sizeof(std::uint64_t));
   }

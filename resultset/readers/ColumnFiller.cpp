@@ -1,6 +1,7 @@
 #include "ColumnFiller.h"
 
 #include <algorithm>
+#include <cmath>
 #include <type_traits>
 #include <variant>
 
@@ -15,23 +16,24 @@ static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack)
 
 ColumnFiller::ColumnFiller(std::span<Column> columns, const RowValues& values, BinaryCells& binary,
                            ResultBudget budget)
-    : values_(values), row_{binary, false}, row_bytes_((columns.size() + 7) / 8), budget_(budget) {
+    : values_(values), row_bytes_((columns.size() + 7) / 8), budget_(budget) {
   sinks_.reserve(columns.size());
-  for (Column& column : columns) sinks_.push_back(SinkFor(column, sinks_.size()));
+  for (Column& column : columns) sinks_.push_back(SinkFor(column, sinks_.size(), binary));
 }
 
-ColumnFiller::Sink ColumnFiller::SinkFor(Column& column, std::size_t index) {
+ColumnFiller::Sink ColumnFiller::SinkFor(Column& column, std::size_t index, BinaryCells& binary) {
   row_bytes_ += CellBytes(column.cells);
   void* const cells =
       std::visit([](auto& held) { return static_cast<void*>(&held); }, column.cells);
   const bool is_binary = column.type == kTypeLongVarBinary;
+  has_binary_ |= is_binary;
   return {.append = AppenderFor(column),
           .cells = cells,
           .slot = values_.SlotOf(index),
           .longest = static_cast<std::size_t>(column.display_length),
           .column = &column,
           .holds_text = std::holds_alternative<TextCells>(column.cells),
-          .path_bytes = is_binary ? row_.binary.MostPathBytes() : 0};
+          .binary = is_binary ? &binary : nullptr};
 }
 
 ColumnFiller::~ColumnFiller() {
@@ -40,22 +42,58 @@ ColumnFiller::~ColumnFiller() {
   }
 }
 
-bool ColumnFiller::AppendRow(bool may_have_entities) {
-  row_.may_have_entities = may_have_entities;
+// Returns what the texts take, before they are decoded, with the paths of files.
+std::uint64_t ColumnFiller::TextBytes(const Sink& sink, const RowValues::InColumn& rows) {
+  if (!sink.holds_text) return 0;
+  const std::size_t path_bytes = sink.binary != nullptr ? sink.binary->MostPathBytes() : 0;
+  std::uint64_t bytes = 0;
+  for (std::size_t row = 0; row < rows.Rows(); ++row) {
+    if (!rows[row].empty()) bytes += rows[row].size() + path_bytes;
+  }
+  return bytes;
+}
+
+std::uint64_t ColumnFiller::BytesOfRows() const {
+  std::uint64_t bytes = values_.Rows() * std::uint64_t{row_bytes_};
+  for (const Sink& sink : sinks_) bytes += TextBytes(sink, values_.InSlot(sink.slot));
+  return bytes;
+}
+
+bool ColumnFiller::AppendRows() {
+  const std::size_t rows = values_.Rows();
+  if (rows == 0) return true;
+  // Files are written in the order of the rows. Of too many rows, those that fit are appended.
+  if (has_binary_ || !budget_.Take(BytesOfRows())) {
+    std::size_t row = 0;
+    while (row < rows && AppendRow(row)) ++row;
+    return row == rows;
+  }
+  for (Sink& sink : sinks_) {
+    const RowValues::InColumn values = values_.InSlot(sink.slot);
+    std::uint64_t nulls = 0;
+    for (std::size_t row = 0; row < rows; ++row) {
+      nulls |= std::uint64_t{values[row].data() == nullptr} << row;
+    }
+    sink.column->nulls.AddRows(rows_, nulls);
+    sink.append(sink, values);
+  }
+  rows_ += rows;
+  return true;
+}
+
+bool ColumnFiller::AppendRow(std::size_t row) {
   if (!budget_.Take(row_bytes_)) return false;
   for (Sink& sink : sinks_) {
-    const std::string_view text = values_.InSlot(sink.slot);
-    if (text.data() == nullptr) sink.column->nulls.Add(rows_);
-    const bool takes_text = sink.holds_text && !text.empty();
-    if (takes_text && !budget_.Take(text.size() + sink.path_bytes)) return false;
-    const std::size_t length = sink.append(sink.cells, text, row_);
-    sink.longest = std::max(sink.longest, length);
+    const RowValues::InColumn values = values_.InSlot(sink.slot).OneRow(row);
+    if (values[0].data() == nullptr) sink.column->nulls.Add(rows_);
+    if (!budget_.Take(TextBytes(sink, values))) return false;
+    sink.append(sink, values);
   }
   ++rows_;
   return true;
 }
 
-bool ColumnFiller::AppendRows(const ColumnFiller& others) {
+bool ColumnFiller::AppendRowsOf(const ColumnFiller& others) {
   if (!budget_.Take(others.budget_.Taken())) return false;
   for (std::size_t i = 0; i < sinks_.size(); ++i) {
     Column& column = *sinks_[i].column;
@@ -83,44 +121,76 @@ void ColumnFiller::Clear() {
 
 ColumnFiller::Append ColumnFiller::AppenderFor(const Column& column) {
   if (std::holds_alternative<IntCells>(column.cells)) {
-    return column.type == kTypeBoolean ? AppendBoolean : AppendInteger;
+    return column.type == kTypeBoolean ? AppendBooleans : AppendIntegers;
   }
-  if (std::holds_alternative<DoubleCells>(column.cells)) return AppendDouble;
-  if (std::holds_alternative<DateCells>(column.cells)) return AppendDate;
-  return column.type == kTypeLongVarBinary ? AppendBinary : AppendPlainText;
+  if (std::holds_alternative<DoubleCells>(column.cells)) return AppendDoubles;
+  if (std::holds_alternative<DateCells>(column.cells)) return AppendDates;
+  return column.type == kTypeLongVarBinary ? AppendBinary : AppendPlainTexts;
 }
 
-std::size_t ColumnFiller::AppendBoolean(void* cells, std::string_view text, Row&) {
-  static_cast<IntCells*>(cells)->push_back(ParseBoolean(text));
-  return 1;
+void ColumnFiller::AppendBooleans(Sink& sink, const RowValues::InColumn& rows) {
+  std::int64_t* const cells = static_cast<IntCells*>(sink.cells)->Extend(rows.Rows());
+  for (std::size_t row = 0; row < rows.Rows(); ++row) cells[row] = ParseBoolean(rows[row]);
+  sink.Measure(1);
 }
 
-std::size_t ColumnFiller::AppendInteger(void* cells, std::string_view text, Row&) {
-  const std::int64_t value = ParseInteger(text);
-  static_cast<IntCells*>(cells)->push_back(value);
-  return static_cast<std::size_t>(DecimalLength(text::SaturatedTo32Bits(value)));
+// Of integers, the largest and the smallest have the longest texts.
+void ColumnFiller::AppendIntegers(Sink& sink, const RowValues::InColumn& rows) {
+  std::int64_t* const cells = static_cast<IntCells*>(sink.cells)->Extend(rows.Rows());
+  std::int64_t least = 0;
+  std::int64_t most = 0;
+  for (std::size_t row = 0; row < rows.Rows(); ++row) {
+    const std::int64_t value = ParseInteger(rows[row]);
+    cells[row] = value;
+    least = std::min(least, value);
+    most = std::max(most, value);
+  }
+  if (least < 0) sink.Measure(DecimalLength(text::SaturatedTo32Bits(least)));
+  sink.Measure(DecimalLength(text::SaturatedTo32Bits(most)));
 }
 
-std::size_t ColumnFiller::AppendDouble(void* cells, std::string_view text, Row&) {
-  const double value = ParseDouble(text);
-  static_cast<DoubleCells*>(cells)->push_back(value);
-  return static_cast<std::size_t>(FixedLength(value));
+// Of finite doubles, the same holds for those with and those without a sign.
+void ColumnFiller::AppendDoubles(Sink& sink, const RowValues::InColumn& rows) {
+  double* const cells = static_cast<DoubleCells*>(sink.cells)->Extend(rows.Rows());
+  double most = -1.0;
+  double most_signed = -1.0;
+  for (std::size_t row = 0; row < rows.Rows(); ++row) {
+    const double value = ParseDoubleInBuffer(rows[row]);
+    cells[row] = value;
+    if (!std::isfinite(value)) {
+      sink.Measure(FixedLength(value));
+    } else if (std::signbit(value)) {
+      most_signed = std::max(most_signed, -value);
+    } else {
+      most = std::max(most, value);
+    }
+  }
+  if (most >= 0.0) sink.Measure(FixedLength(most));
+  if (most_signed >= 0.0) sink.Measure(FixedLength(-most_signed));
 }
 
-std::size_t ColumnFiller::AppendDate(void* cells, std::string_view text, Row&) {
-  const DateValue value = ParseDate(text);
-  static_cast<DateCells*>(cells)->push_back(value.date);
-  return static_cast<std::size_t>(value.display_length);
+void ColumnFiller::AppendDates(Sink& sink, const RowValues::InColumn& rows) {
+  DateCell* const cells = static_cast<DateCells*>(sink.cells)->Extend(rows.Rows());
+  for (std::size_t row = 0; row < rows.Rows(); ++row) {
+    const DateValue value = ParseDate(rows[row]);
+    cells[row] = value.date;
+    sink.Measure(value.display_length);
+  }
 }
 
-std::size_t ColumnFiller::AppendBinary(void* cells, std::string_view text, Row& row) {
-  const std::string path = row.binary.Write(text);
-  static_cast<TextCells*>(cells)->push_back(path);
-  return path.size();
+void ColumnFiller::AppendBinary(Sink& sink, const RowValues::InColumn& rows) {
+  for (std::size_t row = 0; row < rows.Rows(); ++row) {
+    const std::string path = sink.binary->Write(rows[row]);
+    static_cast<TextCells*>(sink.cells)->push_back(path);
+    sink.longest = std::max(sink.longest, path.size());
+  }
 }
 
-std::size_t ColumnFiller::AppendPlainText(void* cells, std::string_view text, Row& row) {
-  return AppendText(*static_cast<TextCells*>(cells), text, row.may_have_entities);
+void ColumnFiller::AppendPlainTexts(Sink& sink, const RowValues::InColumn& rows) {
+  auto& cells = *static_cast<TextCells*>(sink.cells);
+  for (std::size_t row = 0; row < rows.Rows(); ++row) {
+    AppendText(cells, rows[row], rows.MayHaveEntities(row), sink.longest);
+  }
 }
 
 void ColumnFiller::ReserveAfter(std::size_t done, std::size_t total) {

@@ -1,6 +1,7 @@
 // Turns the texts of rows into typed cells.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -13,8 +14,8 @@
 
 namespace qv {
 
-// Fills columns, which have no cells yet, row by row. Measures the columns' display lengths; the
-// destructor stores them in the columns.
+// Fills columns, which have no cells yet, a few rows at a time. Measures the columns' display
+// lengths; the destructor stores them in the columns.
 class ColumnFiller {
  public:
   // All three must outlive the filler. The cells take at most what `budget` has.
@@ -24,14 +25,13 @@ class ColumnFiller {
   ColumnFiller(const ColumnFiller&) = delete;
   ColumnFiller& operator=(const ColumnFiller&) = delete;
 
-  // Appends one cell to each column; cells without a value are null. The texts are in a FileText,
-  // so that some bytes after them may be read. `may_have_entities` is false if no text contains an
-  // ampersand. Returns false before the cells, with the values of binary ones, take more memory
-  // than the budget has; the row is then incomplete.
-  [[nodiscard]] bool AppendRow(bool may_have_entities);
+  // Appends the rows that the values hold; cells without a value are null. The texts are in a
+  // FileText, so that some bytes after them may be read. Returns false before the cells, with the
+  // values of binary ones, take more memory than the budget has; the last row is then incomplete.
+  [[nodiscard]] bool AppendRows();
   // Appends the rows of `others`, which has columns of the same types. Returns false, and appends
   // nothing, if the cells would take more memory than the budget has.
-  [[nodiscard]] bool AppendRows(const ColumnFiller& others);
+  [[nodiscard]] bool AppendRowsOf(const ColumnFiller& others);
   // Drops all rows, keeping the memory for the next ones.
   void Clear();
 
@@ -46,22 +46,18 @@ class ColumnFiller {
  private:
   static constexpr std::size_t kRowsBeforeReserve = 256;
 
-  // What the cells of a row share.
-  struct Row {
-    BinaryCells& binary;
-    bool may_have_entities;
-  };
+  struct Sink;
 
-  // Appends one cell and returns the length of its text.
-  using Append = std::size_t (*)(void* cells, std::string_view text, Row& row);
+  // Appends a cell for each row, and measures them.
+  using Append = void (*)(Sink& sink, const RowValues::InColumn& rows);
 
   static Append AppenderFor(const Column& column);
-  static std::size_t AppendBoolean(void* cells, std::string_view text, Row&);
-  static std::size_t AppendInteger(void* cells, std::string_view text, Row&);
-  static std::size_t AppendDouble(void* cells, std::string_view text, Row&);
-  static std::size_t AppendDate(void* cells, std::string_view text, Row&);
-  static std::size_t AppendBinary(void* cells, std::string_view text, Row& row);
-  static std::size_t AppendPlainText(void* cells, std::string_view text, Row& row);
+  static void AppendBooleans(Sink& sink, const RowValues::InColumn& rows);
+  static void AppendIntegers(Sink& sink, const RowValues::InColumn& rows);
+  static void AppendDoubles(Sink& sink, const RowValues::InColumn& rows);
+  static void AppendDates(Sink& sink, const RowValues::InColumn& rows);
+  static void AppendBinary(Sink& sink, const RowValues::InColumn& rows);
+  static void AppendPlainTexts(Sink& sink, const RowValues::InColumn& rows);
 
   // A column, resolved once for all rows.
   struct Sink {
@@ -71,14 +67,21 @@ class ColumnFiller {
     std::size_t longest;
     Column* column;
     bool holds_text;
-    std::size_t path_bytes;  // at most, of a value that becomes a file
+    BinaryCells* binary;  // null unless values become files
+
+    void Measure(std::int32_t length) {
+      longest = std::max(longest, static_cast<std::size_t>(length));
+    }
   };
 
-  [[nodiscard]] Sink SinkFor(Column& column, std::size_t index);
+  [[nodiscard]] Sink SinkFor(Column& column, std::size_t index, BinaryCells& binary);
+  [[nodiscard]] static std::uint64_t TextBytes(const Sink& sink, const RowValues::InColumn& rows);
+  [[nodiscard]] std::uint64_t BytesOfRows() const;
+  [[nodiscard]] bool AppendRow(std::size_t row);
 
   const RowValues& values_;
   std::vector<Sink> sinks_;
-  Row row_;
+  bool has_binary_ = false;
   std::size_t rows_ = 0;
   std::size_t row_bytes_;  // of a row's cells and null bits, without texts
   ResultBudget budget_;

@@ -186,7 +186,7 @@ Reading PieceReading::TakeTurn(std::size_t piece, const PieceAhead* ahead) {
   if (call::IsCancelled()) return Reading::kCancelled;
   // After a wrong cut others may be wrong too, so that reading ahead could take long for nothing.
   if (position_ != cuts_[piece]) return scanner_.ReadRows(position_, kNone, filler_);
-  if (ahead == nullptr || !filler_.AppendRows(ahead->Rows())) {
+  if (ahead == nullptr || !filler_.AppendRowsOf(ahead->Rows())) {
     return scanner_.ReadRows(position_, LimitOf(piece), filler_);
   }
   position_ = ahead->End();

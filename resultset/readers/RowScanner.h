@@ -37,28 +37,27 @@ class RowScanner {
                                          ColumnFiller& filler) = 0;
 
   [[nodiscard]] std::string_view Text() const { return text_; }
-  // The values of the row that was read last.
+  // The values of the rows that were read last.
   [[nodiscard]] const RowValues& Values() const { return values_; }
 
  protected:
-  // Reads a row of the dialect for ReadEachRow: records its values and moves `position`, its start,
-  // to its end. Returns whether it may have entities, or kNoRow if the rows end before it.
+  // What ReadRow of a dialect, which ReadEachRow calls, returns: it records the values of a row,
+  // moves `position`, its start, to its end, and says whether it may have entities; or kNoRow if
+  // the rows end before it.
   enum class Row { kPlain, kWithEntities, kNoRow };
 
   // The body of ReadRows, compiled for each dialect: `rows` has a ReadRow as above.
   template <class Rows>
   [[nodiscard]] static Reading ReadEachRow(Rows& rows, std::size_t& position, std::size_t limit,
                                            ColumnFiller& filler) {
-    for (std::size_t count = 1; position < limit; ++count) {
-      const Row row = rows.ReadRow(position);
-      if (row == Row::kNoRow) {
-        position = kNone;
-        break;
+    while (position < limit) {
+      rows.values_.Clear();
+      while (position < limit && !rows.values_.IsFull()) ReadOneRow(rows, position);
+      if (!filler.AppendRows()) return Reading::kTooLarge;
+      if (position != kNone && filler.CanReserve()) {
+        filler.ReserveAfter(position, rows.Text().size());
       }
-      if (!filler.AppendRow(row == Row::kWithEntities)) return Reading::kTooLarge;
-      if (filler.CanReserve()) filler.ReserveAfter(position, rows.Text().size());
-      if (IsTimeToLookUp(count) && call::IsCancelled()) return Reading::kCancelled;
-      position = rows.FindRow(position);
+      if (call::IsCancelled()) return Reading::kCancelled;
     }
     return Reading::kDone;
   }
@@ -66,8 +65,14 @@ class RowScanner {
   RowValues values_;
 
  private:
-  // Returns true every few rows, when it is time to see whether the call was cancelled.
-  [[nodiscard]] static constexpr bool IsTimeToLookUp(std::size_t rows) { return rows % 1024 == 0; }
+  template <class Rows>
+  static void ReadOneRow(Rows& rows, std::size_t& position) {
+    rows.values_.Begin();
+    const Row row = rows.ReadRow(position);
+    if (row == Row::kWithEntities) rows.values_.NoteEntities();
+    if (row == Row::kNoRow) rows.values_.TakeBack();
+    position = row != Row::kNoRow ? rows.FindRow(position) : kNone;
+  }
 
   const std::string_view text_;
 };

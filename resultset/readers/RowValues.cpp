@@ -36,7 +36,11 @@ RowValues::RowValues(std::span<const Column> columns, char closing) {
     closed_names_.back() += closing;
     names_.push_back(CanBeCompared(column.name) ? MakeName(closed_names_.back()) : kNeverMet);
   }
-  values_.resize(names_.size());
+  // Rows of very many columns are held one by one.
+  constexpr std::size_t kMostBytes = 0x10000;
+  const std::size_t row_bytes = std::max<std::size_t>(names_.size(), 1) * sizeof values_[0];
+  room_ = std::clamp<std::size_t>(kMostBytes / row_bytes, 1, kMostRows);
+  values_.resize(names_.size() * room_);
   empty_values_.resize(names_.size());
   names_.resize(names_.size() + kLookAhead, kNeverMet);
 }
@@ -46,8 +50,16 @@ bool RowValues::HasNameWith(std::string_view prefix) const {
                      [&](const auto& entry) { return entry.first.starts_with(prefix); });
 }
 
+void RowValues::Clear() {
+  rows_ = 0;
+  with_entities_ = 0;
+}
+
 void RowValues::Begin() {
-  std::fill(values_.begin(), values_.end(), std::string_view());
+  const std::size_t slots = empty_values_.size();
+  row_ = values_.data() + rows_ * slots;
+  std::fill_n(row_, slots, std::string_view());
+  ++rows_;
   expected_ = 0;
 }
 
@@ -67,9 +79,9 @@ void RowValues::PutEmpty(std::string_view name, const char* at) {
 
 void RowValues::End() {
   if (!has_empty_) return;
-  for (std::size_t slot = 0; slot < values_.size(); ++slot) {
+  for (std::size_t slot = 0; slot < empty_values_.size(); ++slot) {
     const char* const at = std::exchange(empty_values_[slot], nullptr);
-    if (at != nullptr && values_[slot].data() == nullptr) values_[slot] = {at, 0};
+    if (at != nullptr && row_[slot].data() == nullptr) row_[slot] = {at, 0};
   }
   has_empty_ = false;
 }

@@ -90,7 +90,6 @@ void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values)
 // Reads the attributes after "<z:row" and returns where they end.
 const char* ReadAttributes(const char* p, const char* end, RowValues& values) {
   AttributeScanner scanner(p, end, AttributeScanner::Stop::kAtEmptyClose);
-  values.Begin();
   while (true) {
     TakeExpected(scanner, end, values);
     // Most rows end here; the scanner would find the same.

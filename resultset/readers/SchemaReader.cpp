@@ -105,7 +105,6 @@ class SchemaRows final : public RowScanner {
   // The rows end before one that is not closed.
   [[nodiscard]] Row ReadRow(std::size_t& position) {
     const std::size_t start = position + opening_.size();
-    values_.Begin();
     position = EndOfEmptyRow(start);
     if (position == kNone && IsClosedBehind(start)) {
       position = ReadChildren(start, Text().size()) + closing_.size();
