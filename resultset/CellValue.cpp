@@ -17,6 +17,8 @@
 
 namespace qv {
 
+static_assert(kValueSlack >= kScanSlack);
+
 namespace {
 
 std::string_view WithoutLeadingSpace(std::string_view text) {
@@ -58,7 +60,7 @@ bool ReadDigits(const char* p, std::size_t count, std::uint64_t& number) {
 
 // Returns the number that a text such as "-123.45" is, with up to eight digits on each side of the
 // point, or nothing for other texts: numerator and denominator are exact, so that one division
-// rounds correctly. Up to eight bytes after the text are read.
+// rounds correctly. Up to kScanSlack bytes after the text are read.
 std::optional<double> ParseShortDecimal(std::string_view text) {
   static constexpr std::array<double, 9> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
   constexpr std::size_t kMostDigits = 8;
@@ -67,7 +69,8 @@ std::optional<double> ParseShortDecimal(std::string_view text) {
   if (is_negative) text.remove_prefix(1);
   const char* const end = text.data() + text.size();
   if (text.empty() || text.size() > 2 * kMostDigits + 1) return std::nullopt;
-  const char* const point = FindByte(text.data(), end, '.');
+  const auto points = MatchBytes(text.data(), '.');
+  const char* const point = points != 0 ? std::min(text.data() + FirstMatch(points), end) : end;
   const auto whole_digits = static_cast<std::size_t>(point - text.data());
   const std::size_t digits = point != end ? static_cast<std::size_t>(end - point) - 1 : 0;
   if (whole_digits == 0 || whole_digits > kMostDigits || digits > kMostDigits) return std::nullopt;

@@ -211,14 +211,14 @@ class TextCells {
     bytes_.Shrink(size == 0 ? 0 : ends_[size - 1]);
   }
 
-  // Like push_back, for a text followed by at least kCopyStep readable bytes: short texts are
-  // copied in whole steps, without a call.
-  static constexpr std::size_t kCopyStep = 32;
+  // Like push_back, for a text followed by at least kCopyStep readable bytes: the usual ones are
+  // copied in one step of fixed size, without a call and without a branch that depends on their
+  // length.
+  static constexpr std::size_t kCopyStep = 64;
   void AppendFromBuffer(std::string_view text) {
-    if (text.empty() || text.size() > 2 * kCopyStep) return push_back(text);
-    char* const to = Begin(2 * kCopyStep);
-    std::memcpy(to, text.data(), kCopyStep);
-    if (text.size() > kCopyStep) std::memcpy(to + kCopyStep, text.data() + kCopyStep, kCopyStep);
+    static constexpr char kNothing[kCopyStep] = {};
+    if (text.size() > kCopyStep) return push_back(text);
+    std::memcpy(Begin(kCopyStep), text.data() != nullptr ? text.data() : kNothing, kCopyStep);
     Finish(text.size());
   }
 

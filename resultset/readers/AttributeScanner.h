@@ -56,7 +56,7 @@ class AttributeScanner {
  private:
   bool TakeValue(const char* quote, std::string_view& value) {
     if (quote >= end_ || (*quote != '\'' && *quote != '"')) return false;
-    const char* const closing = FindByte(quote + 1, end_, *quote);
+    const char* const closing = FindQuote(quote + 1, end_, *quote);
     if (closing == end_) return false;
     value = {quote + 1, static_cast<std::size_t>(closing - quote - 1)};
     position_ = closing + 1;

@@ -79,7 +79,7 @@ void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values)
     if (length == 0) break;
     const char* const quote = p + length + 2;
     if (*quote != '\'' && *quote != '"') break;
-    const char* const closing = FindByte(quote + 1, end, *quote);
+    const char* const closing = FindQuote(quote + 1, end, *quote);
     if (closing == end) break;
     values.PutExpected({quote + 1, static_cast<std::size_t>(closing - quote - 1)});
     p = closing + 1;
