@@ -8,6 +8,7 @@
 #include "PeerTable.h"
 #include "Peers.h"
 #include "resultset/ResultTable.h"
+#include "resultset/readers/ReaderThreads.h"
 #include "resultset/readers/RecordsetReaders.h"
 
 namespace qv {
@@ -33,7 +34,9 @@ Summary Sum(CRvoDbRes& result) {
   return {static_cast<std::uint64_t>(result.GetRecordCount()), checksum.Value()};
 }
 
+template <int threads>
 Summary ReadOurs(Dialect dialect, const std::string& path, Purpose purpose) {
+  SetReaderThreads(threads);
   const tagTEMPFILEINFO no_files{};
   CRvoDbRes result;
   const auto read = dialect == Dialect::kRowset ? ReadRowsetFile : ReadSchemaFile;
@@ -73,7 +76,8 @@ Summary ReadFloor(Dialect dialect, const std::string& path, Purpose) {
   return {stops, 0};
 }
 
-constexpr std::array<Subject, 6> kSubjects = {{{"ours", true, ReadOurs},
+constexpr std::array<Subject, 7> kSubjects = {{{"ours", true, ReadOurs<1>},
+                                               {"ours-2", true, ReadOurs<2>},
                                                {"pugixml", true, ReadPeer<FillWithPugixml>},
                                                {"rapidxml", true, ReadPeer<FillWithRapidXml>},
                                                {"expat", true, ReadPeer<FillWithExpat>},
