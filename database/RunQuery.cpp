@@ -69,7 +69,9 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
   }
   if (!file.ReadInto(result, query.web)) {
     call::SetErrorIfNone(error::kBadReply, "the answer cannot be read");
-    return call::IsCancelled() ? when_cancelled : result::kFailed;
+    if (!call::IsCancelled()) return result::kFailed;
+    call::SetCancelled();
+    return when_cancelled;
   }
   if (MayKeep(query)) KeepAnswer(key, file, query.keep);
   return result::kSuccess;

@@ -93,7 +93,8 @@ int CRvoDatabase::UpdateServerIsCompressInfo() {
                                    .keep = qv::Keep::kUnpacked},
                                   row);
   RemoveBinaryFiles(row);
-  if (qv::call::LastError().error_class == qv::error::kCancelled) settings.need_update = 1;
+  const qv::error::Class failure = qv::call::LastError().error_class;
+  if (failure == qv::error::kCancelled || failure == qv::error::kBusy) settings.need_update = 1;
   if (result == qv::result::kSuccess && row.GetRecordCount() > 0) TakeRow(row);
   return result;
 }

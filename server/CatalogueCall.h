@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Exchange.h"
+#include "base/call/LastError.h"
 #include "base/text/Numbers.h"
 #include "qvnetcall/ResultCodes.h"
 #include "qvnetcall/framework/String.h"
@@ -42,7 +43,10 @@ class CatalogueCall {
   // the caller's to call Refused() for a number that means that; the next three do so.
   [[nodiscard]] std::optional<std::int32_t> Ask() {
     if (exchange_.Send() == result::kNotDelivered) return {};
-    return text::DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
+    const std::int32_t number = text::DecimalToInt32(exchange_.Reply().GetString(nullptr).View());
+    // The call is a success then, whatever the transport said of the reply.
+    if (number > 0) call::ClearError();
+    return number;
   }
   // Returns true if the number is 1; every other is a refusal.
   [[nodiscard]] bool AskFlag() { return Ask() == 1 || Refused(0) != 0; }

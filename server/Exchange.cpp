@@ -52,6 +52,12 @@ int Exchange::SendOverWeb(int compress) {
   return result;
 }
 
+bool Exchange::ReadSuccess() {
+  if (reply_.GetString(nullptr) != kStatusSuccess) return false;
+  call::ClearError();
+  return true;
+}
+
 bool Exchange::IsForTransport() const {
   return request_.Command() == kGetTransportParameter ||
          request_.Command() == kSetTransportParameter;

@@ -34,6 +34,9 @@ class Exchange {
   // Appends a number to the request as 4 bytes.
   void AddNumber(std::int32_t number) { request_.AddData(&number, sizeof number, nullptr); }
   CMsgContent& Reply() { return reply_; }
+  // Returns whether the reply's next field is "SUCCESS". The call has no error then, whatever the
+  // transport said of the reply.
+  [[nodiscard]] bool ReadSuccess();
 
   // Sends over the socket transport to the module's server and returns the transport's result. This
   // and the next two functions set the error of this thread, or clear it.

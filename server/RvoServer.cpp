@@ -83,8 +83,12 @@ int CRvoServer::GetServerType(CString& type, CString server, unsigned long port)
   // A question that was cancelled, or that a full server refused, says nothing about its type.
   bool is_known = true;
   if (found.empty()) {
-    found = CheckServerLink(server, port) == 1 ? qv::server_type::kSocket : qv::server_type::kWeb;
+    const bool answers = CheckServerLink(server, port) == 1;
     const qv::error::Class failure = qv::call::LastError().error_class;
+    // Only a frame says so, hence a server for the socket transport: the call that follows must go
+    // there too, to be refused in the same way.
+    const bool refuses = failure == qv::error::kBusy || failure == qv::error::kBadToken;
+    found = answers || refuses ? qv::server_type::kSocket : qv::server_type::kWeb;
     is_known = failure != qv::error::kCancelled && failure != qv::error::kBusy;
   }
   if (is_known) memo.Remember(server.View(), port, found);
@@ -105,7 +109,7 @@ int CRvoServer::CheckServerLink(CString server, unsigned long port) {
   const int result = exchange.SendTo(server, ToPort(port));
   SetNetClientPara(kShowMessages, show_messages);
   if (result == qv::result::kNotDelivered) return 0;
-  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : qv::Refused(0);
+  return exchange.ReadSuccess() ? 1 : qv::Refused(0);
 }
 
 // The two calls for parameters accept only 0 as delivered, while other calls accept everything but

@@ -84,7 +84,7 @@ int CRvoServer::SendSvrLogInfo(int kind, CString text) {
   exchange.AddNumber(kind);
   exchange.Request().AddString(std::string(CutLog(text.View())).c_str(), nullptr);
   if (exchange.Send() == qv::result::kNotDelivered) return 0;
-  return exchange.Reply().GetString(nullptr) == qv::kStatusSuccess ? 1 : qv::Refused(0);
+  return exchange.ReadSuccess() ? 1 : qv::Refused(0);
 }
 
 CString CRvoServer::GetDBConnString(CString database) {

@@ -85,5 +85,19 @@ TEST_F(EndToEnd, AFullServerAnswersOrIsBusy) {
   }
 }
 
+TEST_F(EndToEnd, AServerThatRefusesToTellItsTypeRefusesTheCallForTheSameReason) {
+  StandInOptions options = Options();
+  options.connection_limit = 0;
+  const auto full = Serve(options);
+  EXPECT_EQ(Rows("select 1 as n"), "result -1");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBusy);
+  full->Stop();
+  options = Options();
+  options.token = "another";
+  const auto guarded = Serve(options);
+  EXPECT_EQ(Rows("select 1 as n"), "result 1");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBadToken);
+}
+
 }  // namespace
 }  // namespace qv

@@ -14,6 +14,8 @@ namespace {
 
 // A file that comes with a command that takes none is skipped up to this size.
 constexpr std::uint64_t kLongestUnwantedFile = 16ULL << 20;
+// A file over the limit is skipped up to this size, so that the client learns the reason.
+constexpr std::uint64_t kLongestSkippedFile = 4ULL << 30;
 
 // Bounds a text of a client's for the record of served requests.
 std::string Remark(std::string_view text) {
@@ -89,7 +91,8 @@ wire::FrameStatus FrameExchange::ReceiveFile(wire::ByteStream& stream, std::uint
   const bool is_wanted = is_allowed_ && TakesFile(command_);
   const std::uint64_t limit = is_wanted ? rules_.upload_limit : kLongestUnwantedFile;
   if (length > limit) {
-    if (!takes_reasons_ || !is_allowed_) return wire::FrameStatus::kDoesNotFit;
+    const bool may_be_skipped = length <= std::max(limit, kLongestSkippedFile);
+    if (!takes_reasons_ || !is_allowed_ || !may_be_skipped) return wire::FrameStatus::kDoesNotFit;
     refusal_ = TooLarge("file", limit);
     return wire::SkipFile(stream, length);
   }

@@ -104,6 +104,11 @@ constexpr std::array kRanges{
     RangeOf<std::uint8_t>(ColumnKind::kUint8), RangeOf<std::int16_t>(ColumnKind::kInt16),
     RangeOf<std::int32_t>(ColumnKind::kInt32), RangeOf<std::int64_t>(ColumnKind::kInt64)};
 
+// Hosts read decimals as doubles, unless a double would round one of them.
+bool IsDouble(ColumnKind kind) {
+  return kind == ColumnKind::kDouble || kind == ColumnKind::kDecimal;
+}
+
 bool IsInteger(ColumnKind kind) {
   return std::ranges::any_of(kRanges, [kind](const Range& range) { return range.kind == kind; });
 }
@@ -111,7 +116,7 @@ bool IsInteger(ColumnKind kind) {
 }  // namespace
 
 ColumnFit::ColumnFit(ColumnKind kind)
-    : kind_(kind), is_integer_(IsInteger(kind)), is_double_(kind == ColumnKind::kDouble) {}
+    : kind_(kind), is_integer_(IsInteger(kind)), is_double_(IsDouble(kind)) {}
 
 void ColumnFit::Add(const Cell& cell) {
   if (!is_integer_ && !is_double_) return;
@@ -150,9 +155,9 @@ void ColumnFit::AddDecimal(std::string_view text) {
 
 ColumnKind ColumnFit::Fitted() const {
   if (is_integer_ && !integers_lose_) return FittedInteger();
-  if (is_integer_) return doubles_lose_ ? ColumnKind::kDecimal : ColumnKind::kDouble;
-  if (!is_double_ || !doubles_lose_) return kind_;
-  return integers_lose_ ? ColumnKind::kDecimal : ColumnKind::kInt64;
+  if (!is_integer_ && !is_double_) return kind_;
+  if (!doubles_lose_) return ColumnKind::kDouble;
+  return is_integer_ || integers_lose_ ? ColumnKind::kDecimal : ColumnKind::kInt64;
 }
 
 ColumnKind ColumnFit::FittedInteger() const {

@@ -16,8 +16,8 @@ class ColumnFit {
   explicit ColumnFit(ColumnKind kind);
 
   void Add(const Cell& cell);
-  // Returns the declared kind if it holds every number without loss; else the narrowest integer
-  // kind that does, or the double, or the decimal.
+  // Returns the declared kind if it holds every number without loss, and for decimals the double if
+  // it does; else the narrowest integer kind that does, or the double, or the decimal.
   [[nodiscard]] ColumnKind Fitted() const;
 
  private:
