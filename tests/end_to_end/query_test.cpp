@@ -95,7 +95,7 @@ TEST_F(EndToEnd, AServerThatRefusesToTellItsTypeRefusesTheCallForTheSameReason) 
   options = Options();
   options.token = "another";
   const auto guarded = Serve(options);
-  EXPECT_EQ(Rows("select 1 as n"), "result 1");
+  EXPECT_EQ(Rows("select 1 as n"), "result 3");
   EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBadToken);
 }
 

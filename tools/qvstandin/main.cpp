@@ -59,10 +59,12 @@ CLI::Validator Time() {
   return {to_milliseconds, "TIME", "time"};
 }
 
-void AddTime(CLI::App& app, const char* name, std::chrono::milliseconds& time, const char* what) {
+// The time is at least `least` milliseconds.
+void AddTime(CLI::App& app, const char* name, std::chrono::milliseconds& time, std::int64_t least,
+             const char* what) {
   app.add_option_function<std::int64_t>(
          name, [&time](std::int64_t count) { time = std::chrono::milliseconds(count); }, what)
-      ->transform(CLI::Range(std::int64_t{0}, std::int64_t{7} * 24 * 3'600'000))
+      ->transform(CLI::Range(least, std::int64_t{7} * 24 * 3'600'000))
       ->transform(Time());
 }
 
@@ -73,9 +75,9 @@ void AddLimits(CLI::App& app, qv::StandInOptions& options) {
   app.add_option("--max-clients", options.connection_limit,
                  "The most clients at once; others are told that the server is busy (64)")
       ->check(CLI::Range(1, 100'000));
-  AddTime(app, "--statement-limit", options.statement_limit,
+  AddTime(app, "--statement-limit", options.statement_limit, 0,
           "The longest time for one request, in seconds or as in 500ms or 10min; 0: none (10min)");
-  AddTime(app, "--idle-timeout", options.idle_timeout,
+  AddTime(app, "--idle-timeout", options.idle_timeout, 1,
           "How long a client may stay connected without a request (10min)");
   app.add_option("--request-limit", options.request_limit,
                  "The largest request without its file, in bytes or as in 16MB (16MB)")

@@ -28,7 +28,8 @@ std::string ReasonText(std::string_view text) {
     clean += wanted;
     text.remove_prefix(next.bytes);
   }
-  return clean;
+  // Blanks say nothing; whoever shows the text has one of its own for that.
+  return clean.find_first_not_of(' ') != std::string::npos ? clean : std::string();
 }
 
 std::vector<unsigned char> EncodeReason(const Reason& reason) {

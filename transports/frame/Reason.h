@@ -23,7 +23,8 @@ struct Reason {
 };
 
 // Makes any bytes the text of a reason: control characters become blanks, bytes that are not UTF-8
-// become U+FFFD, and a text that is too long is cut between two characters.
+// become U+FFFD, and a text that is too long is cut between two characters. A text of nothing but
+// blanks becomes empty.
 [[nodiscard]] std::string ReasonText(std::string_view text);
 
 // A reason is encoded as its class, 4 bytes, and its text. No reason (kNone) has no bytes. The text

@@ -131,7 +131,9 @@ void FrameExchange::Conclude() {
   payload_ = {};  // frees a large request before its reply is sent
   received_.reset();
   if (takes_reasons_) {
-    reason_ = wire::EncodeReason({ClassOf(reply_.outcome), TextForClients(reply_.outcome)});
+    // Only the log has a class for a client that disconnected.
+    const error::Class error_class = std::min(ClassOf(reply_.outcome), error::kInternal);
+    reason_ = wire::EncodeReason({error_class, TextForClients(reply_.outcome)});
   }
   Record();
 }
