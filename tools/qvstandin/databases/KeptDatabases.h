@@ -15,14 +15,15 @@ namespace qv::standin {
 
 // Sessions that wait for their next request, each with the key by which it is found. The one that
 // was used longest ago is closed if there are too many.
-template <class Session>
+template <class Session, std::size_t kMost>
 class KeptSessions {
  public:
   KeptSessions() { kept_.reserve(kMost); }
 
   // Returns a session that can be used, or null.
   [[nodiscard]] std::unique_ptr<Session> Take(std::string_view key) {
-    const auto found = std::ranges::find(kept_, key, [](const auto& kept) { return kept->Key(); });
+    const auto key_of = [](const auto& kept) -> std::string_view { return kept->Key(); };
+    const auto found = std::ranges::find(kept_, key, key_of);
     if (found == kept_.end()) return nullptr;
     std::unique_ptr<Session> session = std::move(*found);
     kept_.erase(found);
@@ -39,8 +40,6 @@ class KeptSessions {
   void Clear() { kept_.clear(); }
 
  private:
-  static constexpr std::size_t kMost = 4;
-
   std::vector<std::unique_ptr<Session>> kept_;
 };
 
@@ -59,8 +58,8 @@ struct KeptDatabases {
     watch.reset();
   }
 
-  KeptSessions<SqliteSession> sqlite;
-  KeptSessions<OdbcSession> odbc;
+  KeptSessions<SqliteSession, 2> sqlite;  // each has three open files
+  KeptSessions<OdbcSession, 4> odbc;
   std::unique_ptr<StatementWatch> watch;  // for the next request behind ODBC; may be null
 };
 

@@ -107,6 +107,7 @@ void StandIn::Serve(Client& client) {
     // This client ran out of memory or descriptors; the others are not affected.
   }
   stream.HangUp();
+  kept.Clear();  // before anybody waits for this thread
   client.done = true;
 }
 

@@ -19,32 +19,40 @@ constexpr std::string_view kTimeShape = "00:00:00";
 constexpr std::string_view kShortTimeShape = "00:00";
 constexpr std::size_t kLongestFraction = 10;  // a point and nine digits
 
-void AppendEscaped(std::string_view text, std::string& out) {
-  for (std::size_t start = 0; start < text.size();) {
-    const std::size_t special = text.find_first_of(std::string_view("<>'&\"\0", 6), start);
-    out += text.substr(start, special - start);
-    if (special == std::string_view::npos) return;
-    switch (text[special]) {
-      case '<':
-        out += "&#x3c;";
-        break;
-      case '>':
-        out += "&#x3e;";
-        break;
-      case '\'':
-        out += "&#x27;";
-        break;
-      case '&':
-        out += "&#x26;";
-        break;
-      case '"':
-        out += "&#x22;";
-        break;
-      default:  // a NUL, which would end the text for its reader
-        break;
-    }
-    start = special + 1;
+// What stands for a character that must not appear as it is. A NUL would end the text for its
+// reader.
+std::string_view EntityOf(char special) {
+  switch (special) {
+    case '<':
+      return "&#x3c;";
+    case '>':
+      return "&#x3e;";
+    case '\'':
+      return "&#x27;";
+    case '&':
+      return "&#x26;";
+    case '"':
+      return "&#x22;";
+    default:
+      return "";
   }
+}
+
+constexpr auto kIsSpecial = [] {
+  std::array<bool, 256> is_special{};
+  for (const unsigned char ch : {'<', '>', '\'', '&', '"', '\0'}) is_special[ch] = true;
+  return is_special;
+}();
+
+void AppendEscaped(std::string_view text, std::string& out) {
+  std::size_t start = 0;  // of what was not appended yet
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (!kIsSpecial[static_cast<unsigned char>(text[at])]) continue;
+    out += text.substr(start, at - start);
+    out += EntityOf(text[at]);
+    start = at + 1;
+  }
+  out += text.substr(start);
 }
 
 void AppendHex(std::string_view bytes, std::string& out) {
