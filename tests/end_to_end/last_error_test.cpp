@@ -81,8 +81,7 @@ TEST_F(LastError, HasEveryClassOfTheServersOverBothTransports) {
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   folder_.Write("data/db/BROKEN.sqlite", std::string(4096, 'x'));
   const std::string path = folder_.At("data/db/DESIGNDB.sqlite");
-  WorkLimit limit(std::chrono::minutes(1), [] { return false; });
-  const SqliteConnection other = standin::OpenSqlite(path, limit);
+  const SqliteConnection other = standin::OpenSqlite(path);
   const struct {
     error::Class error_class;
     const char* text;
