@@ -111,7 +111,7 @@ TEST(RowsetWriter, WritesValuesAsTheirColumnShowsThem) {
       {ColumnKind::kSingle, static_cast<double>(0.1F), "0.1"},
       {ColumnKind::kSingle, 1e300, "1e+300"},
       {ColumnKind::kDecimal, "12345678901234.5678", "12345678901234.5678"},
-      {ColumnKind::kDecimal, 1e-9, "1e-09"},
+      {ColumnKind::kDecimal, 1e-9, "0.000000001"},
       {ColumnKind::kDecimal, std::int64_t{-5}, "-5"},
       {ColumnKind::kDate, "2024-02-29", "2024-02-29T00:00:00"},
       {ColumnKind::kSingle, 0.1, "0.1"},
