@@ -107,9 +107,9 @@ class QVNETCALL_API CRvoServer {
   // Returns the class of the reason (names in qv::error) for which this thread's last call failed,
   // or was refused by the server; 0 (kNone) if it did neither. Calls on the server, on local
   // databases and on recordset files set it, CRvoFtp's and CRvoCloudStorage's do not; each replaces
-  // it, and so does success. A call that is skipped while the network is bad has the class kOffline, whatever it
-  // returns. Reading it, and calls that only look at or set the state of this library, leave it as
-  // it is. Not part of the platform's interface: an extension of this library.
+  // it, and so does success. A call that is skipped while the network is bad has the class
+  // kOffline, whatever it returns. Reading it, and calls that only look at or set the state of this
+  // library, leave it as it is. Not part of the platform's interface: an extension of this library.
   static int GetLastErrorClass();
   // Returns the reason itself, for users and logs: in the code page of the program, at most 1000
   // bytes, without control characters; empty if there is none. It may quote the statement. A server
