@@ -259,6 +259,7 @@ TEST(Frame, AReasonIsValidWhateverItsBytesAre) {
   const std::string longest(kMaxReasonText, 'x');
   const std::pair<std::string, std::string> texts[] = {
       {"", ""},
+      {" \r\n", ""},
       {"near \"form\": syntax error", "near \"form\": syntax error"},
       {"a\r\n\tb\x1b[31m\x7f", "a   b [31m "},
       {std::string("a\0b", 3), "a b"},
@@ -276,9 +277,9 @@ TEST(Frame, AReasonIsValidWhateverItsBytesAre) {
       {11, error::kInternal}, {24, error::kInternal},      {0xFFFFFFFF, error::kInternal},
       {7, error::kBusy},      {3, error::kUnknownDatabase}};
   for (const auto& [number, error_class] : classes) {
-    unsigned char bytes[5] = {0, 0, 0, 0, '\n'};
+    unsigned char bytes[6] = {0, 0, 0, 0, '\n', 'a'};
     StoreU32(bytes, number);
-    EXPECT_EQ(DecodeReason(bytes), (Reason{error_class, " "})) << number;
+    EXPECT_EQ(DecodeReason(bytes), (Reason{error_class, " a"})) << number;
   }
   EXPECT_EQ(DecodeReason({}), Reason());
   EXPECT_TRUE(EncodeReason({}).empty());
