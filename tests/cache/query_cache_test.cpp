@@ -138,8 +138,8 @@ TEST_F(QueryCacheTest, ForgetsADamagedAnswerOnly) {
 
 TEST_F(QueryCacheTest, TakesAFileFromAnyFileSystem) {
   const fs::path memory = "/dev/shm";
-  const std::string far =
-      (fs::is_directory(memory) ? memory : folder_.Path()) / platform::NewGuid();
+  const fs::path folder = fs::is_directory(memory) ? memory : folder_.Path();
+  const std::string far = (folder / platform::NewGuid()).string();
   for (const std::string& file : {folder_.At("answer"), far, folder_.At("answer")}) {
     std::ofstream(file) << file;
     EXPECT_TRUE(cache_.Take("key", file, kCachePlain));
