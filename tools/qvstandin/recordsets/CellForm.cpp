@@ -40,7 +40,8 @@ std::string_view EntityOf(char special) {
 
 constexpr auto kIsSpecial = [] {
   std::array<bool, 256> is_special{};
-  for (const unsigned char ch : {'<', '>', '\'', '&', '"', '\0'}) is_special[ch] = true;
+  for (const char ch : {'<', '>', '\'', '&', '"', '\0'})
+    is_special[static_cast<unsigned char>(ch)] = true;
   return is_special;
 }();
 
