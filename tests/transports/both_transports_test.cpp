@@ -106,11 +106,11 @@ TEST_P(BothTransports, ReplaceAKeptConnectionThatIsNoLongerInOrder) {
   // One server disconnects after an answer, others send an unexpected byte: after it, or with it.
   for (const auto& [with_it, after_it] : {std::pair("", ""), {"", "x"}, {"x", ""}}) {
     const bool stays = *with_it != '\0';  // until the client disconnects
-    ScriptedServer server([&](ServerSide& side) {
+    ScriptedServer server([this, stays, with = with_it, after = after_it](ServerSide& side) {
       WholeFrame request;
       if (!Receive(side, request)) return;
-      side.Write({BytesOfText(GetParam().answer(PlainReply(request.payload)) + with_it)});
-      side.Write({BytesOfText(after_it)});
+      side.Write({BytesOfText(GetParam().answer(PlainReply(request.payload)) + with)});
+      side.Write({BytesOfText(after)});
       std::array<unsigned char, 1> more{};
       if (stays && side.Read(more)) ADD_FAILURE() << "the connection was used again";
     });
