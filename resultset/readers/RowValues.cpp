@@ -38,7 +38,7 @@ RowValues::RowValues(std::span<const Column> columns, char closing) {
   }
   // Rows of very many columns are held one by one.
   constexpr std::size_t kMostBytes = 0x10000;
-  const std::size_t row_bytes = std::max<std::size_t>(names_.size(), 1) * sizeof values_[0];
+  const std::size_t row_bytes = std::max<std::size_t>(names_.size(), 1) * sizeof(std::string_view);
   room_ = std::clamp<std::size_t>(kMostBytes / row_bytes, 1, kMostRows);
   values_.resize(names_.size() * room_);
   empty_values_.resize(names_.size());
@@ -81,7 +81,7 @@ void RowValues::End() {
   if (!has_empty_) return;
   for (std::size_t slot = 0; slot < empty_values_.size(); ++slot) {
     const char* const at = std::exchange(empty_values_[slot], nullptr);
-    if (at != nullptr && row_[slot].data() == nullptr) row_[slot] = {at, 0};
+    if (at != nullptr && row_[slot].data() == nullptr) row_[slot] = std::string_view(at, at);
   }
   has_empty_ = false;
 }
