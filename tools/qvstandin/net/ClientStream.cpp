@@ -68,7 +68,7 @@ std::size_t ClientStream::Receive(wire::WritableBytes bytes, Deadline deadline) 
   const auto arrived = ReadNow(bytes);
   if (!arrived || *arrived != 0) return arrived.value_or(0);
   std::size_t length = 0;
-  const auto start = [&](Handler done) {
+  const auto start = [&](const Handler& done) {
     socket_.async_read_some(asio::buffer(bytes.data(), bytes.size()),
                             [done, &length](const Error& error, std::size_t read) {
                               length = read;
@@ -115,7 +115,7 @@ bool ClientStream::Write(std::initializer_list<wire::Bytes> pieces) {
     buffer += gone;
     sent -= gone;
   }
-  const auto start = [&](Handler done) {
+  const auto start = [&](const Handler& done) {
     asio::async_write(socket_, buffers, [done](const Error& failed, std::size_t) { done(failed); });
   };
   return Complete(Operation::kWrites, start, DeadlineFor(length));
@@ -161,7 +161,7 @@ void ClientStream::EndSending() {
 
 bool ClientStream::WaitForRequest(Milliseconds longest, const std::function<void()>& on_pause) {
   if (!ahead_.empty()) return !closed_;
-  const auto start = [&](Handler done) { socket_.async_wait(Socket::wait_read, done); };
+  const auto start = [&](const Handler& done) { socket_.async_wait(Socket::wait_read, done); };
   return Complete(Operation::kReads, start, Clock::now() + longest, on_pause);
 }
 
