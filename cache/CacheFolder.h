@@ -17,8 +17,7 @@ namespace qv {
 // written under a temporary name, and then renamed and entered while no other program can change
 // the index. So a file with a final name and without an entry is a left-over. Nothing waits for the
 // disk: after a power cut, the newest entries may be missing, or name a file that is missing or
-// lacks bytes, which its name tells. All calls may
-// come from several threads and programs at once.
+// lacks bytes, which its name tells. All calls may come from several threads and programs at once.
 class CacheFolder {
  public:
   // Opens or creates the folder and removes left-overs. Returns null on failure.

@@ -10,8 +10,8 @@ namespace qv {
 // `result` and fills every column with the file's rows; binary cells become files named by `files`.
 // Returns false if the file cannot be loaded, one of its three anchors is missing, or its cells
 // would take more memory than ResultLimit(), or if the call is cancelled; the reason becomes the
-// thread's error. Columns defined until then remain, without rows. Any number
-// of threads may read at once.
+// thread's error. Columns defined until then remain, without rows. Any number of threads may read
+// at once.
 [[nodiscard]] bool ReadRowsetFile(const char* path, CRvoDbRes& result,
                                   const tagTEMPFILEINFO& files);
 

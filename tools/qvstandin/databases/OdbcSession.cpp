@@ -17,6 +17,12 @@ namespace {
 constexpr int kMostKept = 32;
 std::atomic<int> kept_sessions = 0;
 
+bool TakePlace() {
+  if (kept_sessions++ < kMostKept) return true;
+  --kept_sessions;
+  return false;
+}
+
 // Logins and rights that were taken back end with the connection.
 constexpr std::chrono::minutes kLongestAge{1};
 
@@ -74,7 +80,7 @@ bool OdbcSession::AskPostgres(std::chrono::milliseconds statement_limit, odbc::D
 
 bool OdbcSession::End(bool is_rolled_back) {
   to_forget_ = is_rolled_back ? kForgetWhatLasts : forget_all_.c_str();
-  if (!is_counted_) is_counted_ = kept_sessions++ < kMostKept || (--kept_sessions, false);
+  if (!is_counted_) is_counted_ = TakePlace();
   return is_postgres_ && is_counted_;
 }
 

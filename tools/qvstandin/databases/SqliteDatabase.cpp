@@ -106,8 +106,6 @@ Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSin
   const std::string text = WithPlainTableNames(sql, text::kSqlite);
   Rest rest{text.c_str(), text.c_str() + text.size()};
   for (bool is_first = true, more = true; more; is_first = false) {
-    // Short statements end before SQLite calls the progress handler.
-    if (limit_.IsOver()) return Failure(SQLITE_INTERRUPT);
     if (const int code = Prepare(rest, statement); code != SQLITE_OK) return Failure(code);
     if (statement == nullptr) return NoStatement();
     more = HasMore(rest);
@@ -119,6 +117,8 @@ Outcome SqliteDatabase::RunAll(std::string_view sql, Arguments arguments, RowSin
 }
 
 Outcome SqliteDatabase::RunOne(sqlite3_stmt* statement, Arguments arguments, RowSink* sink) {
+  // Short statements end before SQLite calls the progress handler.
+  if (limit_.IsOver()) return Failure(SQLITE_INTERRUPT);
   if (Outcome bound = Bind(statement, arguments); !bound.Ok()) return bound;
   return sink != nullptr ? Deliver(statement, *sink) : Step(statement);
 }
