@@ -91,7 +91,7 @@ TEST_F(LastError, HasEveryClassOfTheServersOverBothTransports) {
   } cases[] = {
       {error::kSyntax, "near \"selekt\": syntax error", "selekt 1"},
       {error::kUnknownObject, "no such table: none", "select * from none"},
-      {error::kUnknownDatabase, "no such database", "select 1", "NONE"},
+      {error::kUnknownDatabase, "no such database: NONE", "select 1", "NONE"},
       {error::kNotAllowed, "a query must only read", "delete from parts"},
       {error::kConstraint, "UNIQUE constraint failed", "insert into parts select * from parts",
        "DESIGNDB", false},

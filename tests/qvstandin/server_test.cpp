@@ -33,7 +33,7 @@ TEST_F(ServerTest, AnswersOneRequestAfterAnotherAndRemembersThem) {
   const auto served = server_->Served();
   ASSERT_THAT(served,
               testing::ElementsAre(is_served(3, "", "done"), is_served(200, "DESIGNDB", "done"),
-                                   is_served(210, "NO\nWHERE", "no such database")));
+                                   is_served(210, "NO\nWHERE", "no such database: NO\nWHERE")));
   EXPECT_GT(served[1].bytes, BytesOf(file).size());
 }
 

@@ -21,7 +21,9 @@ std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, AnswerSink& target) 
   return std::make_unique<RowsetWriter>(target);
 }
 
-Outcome NoDatabase() { return {ErrorCode::kNoDatabase, "no such database"}; }
+Outcome NoDatabase(const std::string& name) {
+  return {ErrorCode::kNoDatabase, "no such database: " + name};
+}
 
 // Returns as much of a statement as a log can hold.
 std::string Beginning(std::string_view statement) {
@@ -79,7 +81,7 @@ void AnswerRows(Services& services, Request& request, Reply& reply, AnswerForm f
   reply.database = *name;
   reply.statement = Beginning(*text);
   auto database = services.data.Open(*name, request.limit, services.kept);
-  if (database == nullptr) return AddFailure(reply, NoDatabase());
+  if (database == nullptr) return AddFailure(reply, NoDatabase(*name));
 
   const auto threshold = std::min<std::uint64_t>(services.memory_threshold, kLargestInReply);
   auto answer =
@@ -109,7 +111,7 @@ Outcome CallOrQuery(Database& database, const std::string& text, RowSink& sink) 
 Outcome Execute(Services& services, Request& request, const std::string& name,
                 std::span<const std::string_view> statements, std::int32_t& failed) {
   const auto database = services.data.Open(name, request.limit, services.kept);
-  if (database == nullptr) return NoDatabase();
+  if (database == nullptr) return NoDatabase(name);
   return database->Execute(statements, failed);
 }
 
