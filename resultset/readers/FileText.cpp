@@ -23,9 +23,11 @@ constexpr std::size_t kPieceBytes = 0x40000;
 
 }  // namespace
 
-bool FileText::Reserve(std::size_t bytes) {
-  if (bytes <= capacity_) return true;
-  const std::size_t wanted = std::max(bytes, kFirstCapacity);
+bool FileText::Reserve(std::uint64_t bytes) {
+  length_ = 0;
+  if (bytes > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) return false;
+  if (bytes + kSlack <= capacity_) return true;
+  const std::size_t wanted = std::max(static_cast<std::size_t>(bytes) + kSlack, kFirstCapacity);
   // The content is about to be replaced, so there is nothing to copy.
   buffer_.reset();
   capacity_ = 0;
@@ -55,25 +57,35 @@ bool FileText::LoadChunk(CFile& file, std::size_t bytes) {
 }
 
 Reading FileText::Load(const char* path) try {
-  length_ = 0;
   if (path == nullptr) return Reading::kUnreadable;
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(platform::PathFromNarrow(path), error);
-  if (error || size > std::numeric_limits<std::ptrdiff_t>::max() - kSlack) {
-    return Reading::kUnreadable;
-  }
+  if (error) return Reading::kUnreadable;
   CFile file(path, CFile::modeRead);
-  if (!Reserve(static_cast<std::size_t>(size) + kSlack)) return Reading::kUnreadable;
+  if (!Reserve(size)) return Reading::kUnreadable;
   // A file that grows meanwhile is read up to its size at the start.
   for (std::size_t left = static_cast<std::size_t>(size); left != 0;) {
     const std::size_t chunk = std::min(left, kChunkBytes);
     if (!LoadChunk(file, chunk)) break;
     left -= chunk;
   }
-  std::memset(buffer_.get() + length_, 0, kSlack);
-  return call::IsCancelled() ? Reading::kCancelled : Reading::kDone;
+  return End();
 } catch (const CFileException&) {
   return Reading::kUnreadable;
+}
+
+Reading FileText::Copy(std::string_view bytes) {
+  if (!Reserve(bytes.size())) return Reading::kUnreadable;
+  for (std::size_t start = 0; start < bytes.size(); start += kChunkBytes) {
+    const std::string_view chunk = bytes.substr(start, kChunkBytes);
+    length_ += chunk.substr(0, chunk.find('\0')).copy(buffer_.get() + length_, kChunkBytes);
+  }
+  return End();
+}
+
+Reading FileText::End() {
+  std::memset(buffer_.get() + length_, 0, kSlack);
+  return call::IsCancelled() ? Reading::kCancelled : Reading::kDone;
 }
 
 FileText& KeptFileText() { return platform::OfThisThread<FileText>(); }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -21,10 +22,16 @@ class FileText {
   // Returns kUnreadable if the path is not a readable file, or memory runs out.
   [[nodiscard]] Reading Load(const char* path);
 
+  // Copies what a file with these bytes would have as its text. They are not this text's own.
+  [[nodiscard]] Reading Copy(std::string_view bytes);
+
   [[nodiscard]] std::string_view View() const { return {buffer_.get(), length_}; }
 
  private:
-  [[nodiscard]] bool Reserve(std::size_t bytes);
+  // Makes room for a text of up to `bytes` bytes, and drops the one before. Returns false if memory
+  // runs out.
+  [[nodiscard]] bool Reserve(std::uint64_t bytes);
+  [[nodiscard]] Reading End();
   // Appends the text of the next chunk of `bytes`. Returns false if the file ends before it, or the
   // call is cancelled.
   [[nodiscard]] bool LoadChunk(CFile& file, std::size_t bytes);

@@ -209,11 +209,8 @@ void PieceReading::End() {
   turned_.notify_all();
 }
 
-}  // namespace
-
-Reading ReadAllRows(std::size_t first_row, const MakeRowScanner& make, ResultTable& table,
-                    BinaryCells& binary) {
-  if (first_row == kNone) return Reading::kDone;
+Reading ReadRows(std::size_t first_row, const MakeRowScanner& make, ResultTable& table,
+                 BinaryCells& binary) {
   const std::unique_ptr<RowScanner> scanner = make();
   const ResultBudget budget;
   ColumnFiller filler(table.Columns(), scanner->Values(), binary, budget);
@@ -225,6 +222,16 @@ Reading ReadAllRows(std::size_t first_row, const MakeRowScanner& make, ResultTab
   PieceReading reading(std::move(cuts), threads, budget.Limit(), make, *scanner, filler,
                        table.Columns(), binary);
   return reading.Run();
+}
+
+}  // namespace
+
+Reading ReadAllRows(std::size_t first_row, const MakeRowScanner& make, ResultTable& table,
+                    BinaryCells& binary) {
+  if (first_row == kNone) return Reading::kDone;
+  const Reading reading = ReadRows(first_row, make, table, binary);
+  if (reading != Reading::kDone) DropRows(table);
+  return reading;
 }
 
 void SetPieceBytes(std::size_t bytes) { set_piece_bytes.store(bytes, std::memory_order_relaxed); }

@@ -15,7 +15,8 @@ namespace qv {
 using MakeRowScanner = std::function<std::unique_ptr<RowScanner>()>;
 
 // Fills the columns of `table`, which have no cells yet, with the rows from the one at `first_row`
-// on; kNone for none. `make` gives each thread a scanner of the same text.
+// on; kNone for none. They remain without cells, and no files of binary cells, unless all is read.
+// `make` gives each thread a scanner of the same text.
 //
 // A large text is cut into pieces where a row seems to start, and threads read them ahead into
 // columns of their own. Piece by piece, in order, these are appended to the table, but only if the

@@ -1,6 +1,8 @@
 // The readers of the two dialects that servers answer queries in.
 #pragma once
 
+#include <string_view>
+
 #include "qvnetcall/RvoDbRes.h"
 #include "qvnetcall/TempFileInfo.h"
 
@@ -20,5 +22,11 @@ namespace qv {
 // rows is missing, that name is absurdly long, or the first row is never closed.
 [[nodiscard]] bool ReadSchemaFile(const char* path, CRvoDbRes& result,
                                   const tagTEMPFILEINFO& files);
+
+// These read what a file with these bytes would give. The bytes are copied first.
+[[nodiscard]] bool ReadRowset(std::string_view bytes, CRvoDbRes& result,
+                              const tagTEMPFILEINFO& files);
+[[nodiscard]] bool ReadSchema(std::string_view bytes, CRvoDbRes& result,
+                              const tagTEMPFILEINFO& files);
 
 }  // namespace qv

@@ -1,10 +1,8 @@
-#include "RecordsetReaders.h"
-
 #include <array>
 #include <memory>
 
 #include "AttributeScanner.h"
-#include "FileText.h"
+#include "Dialects.h"
 #include "PieceReading.h"
 #include "RowScanner.h"
 #include "base/text/Numbers.h"
@@ -130,7 +128,9 @@ class RowsetRows final : public RowScanner {
   ForwardFinder ampersands_;
 };
 
-Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
+}  // namespace
+
+Reading ReadRowsetText(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
   const std::size_t opening = text.find(kElementType);
   if (opening == kNone) return Reading::kUnreadable;
   const std::size_t closing = text.find(kElementTypeEnd, opening + kElementType.size());
@@ -144,18 +144,7 @@ Reading ReadRowset(std::string_view text, ResultTable& table, const tagTEMPFILEI
   HexCells binary(files);
   const std::string_view rows = text.substr(data);
   const auto make = [&] { return std::make_unique<RowsetRows>(rows, table.Columns()); };
-  const Reading reading = ReadAllRows(rows.find(kRow), make, table, binary);
-  if (reading != Reading::kDone) DropRows(table);
-  return reading;
-}
-
-}  // namespace
-
-bool ReadRowsetFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
-  FileText& file = KeptFileText();
-  Reading reading = file.Load(path);
-  if (reading == Reading::kDone) reading = ReadRowset(file.View(), ResultTable::Of(result), files);
-  return NoteReading(reading);
+  return ReadAllRows(rows.find(kRow), make, table, binary);
 }
 
 }  // namespace qv

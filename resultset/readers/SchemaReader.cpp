@@ -1,11 +1,9 @@
-#include "RecordsetReaders.h"
-
 #include <array>
 #include <memory>
 #include <string>
 
 #include "AttributeScanner.h"
-#include "FileText.h"
+#include "Dialects.h"
 #include "PieceReading.h"
 #include "RowScanner.h"
 
@@ -214,7 +212,7 @@ class SchemaRows final : public RowScanner {
   ForwardFinder ampersands_;
 };
 
-// Reads the rows that start after `start`. Returns what ReadSchema does.
+// Reads the rows that start after `start`. Returns what ReadSchemaText does.
 Reading ReadRows(std::string_view text, std::string_view tag, std::size_t start, ResultTable& table,
                  BinaryCells& binary) {
   const std::size_t first = text.find('<' + std::string(tag), start);
@@ -228,7 +226,9 @@ Reading ReadRows(std::string_view text, std::string_view tag, std::size_t start,
   return ReadAllRows(first, make, table, binary);
 }
 
-Reading ReadSchema(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
+}  // namespace
+
+Reading ReadSchemaText(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
   const std::size_t schema = text.find(kSchema);
   if (schema == kNone) return Reading::kUnreadable;
   if (text.find(kSchemaEnd, schema + kSchema.size()) == kNone) return Reading::kUnreadable;
@@ -241,18 +241,7 @@ Reading ReadSchema(std::string_view text, ResultTable& table, const tagTEMPFILEI
   DefineColumns(text, sequence, sequence_end, table);
   table.RebuildCells();
   Base64Cells binary(files);
-  const Reading reading = ReadRows(text, tag, sequence, table, binary);
-  if (reading != Reading::kDone) DropRows(table);
-  return reading;
-}
-
-}  // namespace
-
-bool ReadSchemaFile(const char* path, CRvoDbRes& result, const tagTEMPFILEINFO& files) {
-  FileText& file = KeptFileText();
-  Reading reading = file.Load(path);
-  if (reading == Reading::kDone) reading = ReadSchema(file.View(), ResultTable::Of(result), files);
-  return NoteReading(reading);
+  return ReadRows(text, tag, sequence, table, binary);
 }
 
 }  // namespace qv

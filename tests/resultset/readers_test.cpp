@@ -188,9 +188,11 @@ TEST_F(ReadersTest, ChunksEndAtTheirFirstNul) {
   file += "3'/><z:row a='4'";
   // A file with an odd number of bytes loses none of them.
   for (const std::string end : {"", " "}) {
-    CRvoDbRes result;
-    ASSERT_TRUE(Rowset(file + end, result));
-    EXPECT_EQ(RowsOf(result), (Rows{"1", "23", "4"}));
+    CRvoDbRes from_file, from_bytes;
+    ASSERT_TRUE(Rowset(file + end, from_file));
+    EXPECT_EQ(RowsOf(from_file), (Rows{"1", "23", "4"}));
+    ASSERT_TRUE(ReadRowset(file + end, from_bytes, temp_files_));
+    EXPECT_EQ(RowsOf(from_bytes), (Rows{"1", "23", "4"}));
   }
 }
 
