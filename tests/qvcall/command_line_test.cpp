@@ -163,6 +163,7 @@ TEST_F(CommandLine, RefusesWrongUsageAndOptionsThatDoNotGoTogether) {
       {{"--http-port", "8", "ping"}, "--port is required"},
       {{"--port", "7", "exec", "x"}, "--db is required"},
       {{"--port", "7", "query", "x", "--db", "D", "--null", "-", "--format", "json"}, "--null"},
+      {{"--port", "7", "query", "x", "--db", "D", "--csv-safe"}, "--csv-safe"},
       {{"--port", "7", "batch", "f"}, "--db is required"},
       {{"--web", "--port", "7", "query", "x", "--db", "D", "--cache"}, "not support offline work"},
       {{"--web", "--port", "7", "query", "x", "--db", "D", "--offline"},

@@ -34,7 +34,8 @@ std::string Column(const std::string& name, const std::string& type) {
 std::string Written(const CRvoDbRes& rows, Format format,
                     std::optional<std::string> null_text = std::nullopt) {
   std::ostringstream out;
-  EXPECT_TRUE(qv::tool::WriteResult(rows, {format, std::move(null_text)}, out));
+  EXPECT_TRUE(
+      qv::tool::WriteResult(rows, {.format = format, .null_text = std::move(null_text)}, out));
   return out.str();
 }
 
@@ -111,6 +112,21 @@ TEST(Writers, CsvQuotesWhatNeedsIt) {
   EXPECT_EQ(Written(lone, Format::kCsv, "-"), "a\n\"\"\n-\n\"-\"\n");
 }
 
+TEST(Writers, SpellControlsOutAndDefuseFormulas) {
+  const Loaded rows(Column("@a", "string") + Column("b", "string") + Column("n", "int"),
+                    "<z:row @a='\x1b[2J\t\u009b\x7f阀' b='=1+1' n='-5'/><z:row @a='\xff' b='-'/>");
+  EXPECT_EQ(Written(rows, Format::kCsv), "@a,b,n\n\\x1b[2J\t\\u009b\\u007f阀,=1+1,-5\n\xff,-,\n");
+  std::ostringstream out;
+  const qv::tool::Style both{.format = Format::kCsv,
+                             .null_text = "-",
+                             .keeps_controls = true,
+                             .is_for_spreadsheets = true};
+  EXPECT_TRUE(qv::tool::WriteResult(rows, both, out));
+  EXPECT_EQ(out.str(), "'@a,b,n\n\x1b[2J\t\u009b\x7f阀,'=1+1,-5\n\xff,'-,-\n");
+  const std::string json = Written(rows, Format::kJson);
+  EXPECT_NE(json.find("\\u001b[2J\\t\\u009b\\u007f阀\""), std::string::npos) << json;
+}
+
 TEST(Writers, JsonIsValidWhateverTheBytesAndNames) {
   const Loaded rows(Column("a", "string") + Column("a", "string") + Column("a_2", "string") +
                         Column("\xff", "string") + Column("\xfe", "string"),
@@ -131,7 +147,7 @@ TEST(Writers, CanBeShownOnATerminal) {
         {Format::kJson, "[\n{\"a\":\"\\u001b[2J\\n阀\",\"b\":\"\\u009b\"}\n]\n"}}) {
     std::ostringstream terminal;
     qv::tool::VisibleOutput visible(terminal);
-    EXPECT_TRUE(qv::tool::WriteResult(rows, {format, {}}, visible));
+    EXPECT_TRUE(qv::tool::WriteResult(rows, {.format = format}, visible));
     EXPECT_EQ(terminal.str(), shown);
   }
 }
@@ -147,7 +163,7 @@ TEST(Writers, ReportAnOutputThatTakesNothing) {
   const Loaded rows(Column("a", "int"), "<z:row a='1'/>");
   for (const Format format : {Format::kTable, Format::kCsv, Format::kJson}) {
     std::ostream nowhere(nullptr);
-    EXPECT_FALSE(qv::tool::WriteResult(rows, {format, {}}, nowhere));
+    EXPECT_FALSE(qv::tool::WriteResult(rows, {.format = format}, nowhere));
   }
 }
 

@@ -82,6 +82,11 @@ QueryCommand AddQuery(CLI::App& app, const char* name, const char* description,
                    "What stands for null in a table and in csv; without it, NULL in a table and "
                    "nothing in csv, where an empty text is \"\"")
       ->option_text("TEXT");
+  command->add_flag("--csv-raw", query.style.keeps_controls,
+                    "Write control characters in csv as they are, and do not spell them out");
+  command->add_flag("--csv-safe", query.style.is_for_spreadsheets,
+                    "Put an apostrophe before texts in csv that a spreadsheet would take for a "
+                    "formula: those that begin with =, +, -, @, a tab or a carriage return");
   command->footer(
       "Binary cells are written to files in the temporary folder, which are not deleted; the cells "
       "show their paths. Over HTTP, all of them are written to the same file, one after the "

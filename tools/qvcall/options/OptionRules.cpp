@@ -51,6 +51,11 @@ constexpr Rule kRules[] = {
        return c.query && c.query->style.format == Format::kJson && c.query->style.null_text;
      },
      "--null cannot be used with --format json, which has a null of its own"},
+    {[](const CommandLine& c) {
+       return c.query && c.query->style.format != Format::kCsv &&
+              (c.query->style.keeps_controls || c.query->style.is_for_spreadsheets);
+     },
+     "--csv-raw and --csv-safe can only be used with --format csv"},
     {[](const CommandLine& c) { return c.queue && c.connection.web; },
      "--web cannot be used with ftp and cloud, which contact the server only to write to its log, "
      "over the socket transport: omit it, and give --port for the log"},

@@ -4,12 +4,17 @@
 #include <string>
 #include <string_view>
 
+#include "DisplayText.h"
+
 namespace qv::tool {
 namespace {
 
 bool NeedsQuotes(std::string_view text) {
   return text.find_first_of(",\"\r\n") != std::string_view::npos;
 }
+
+// Whether a spreadsheet would take `text` for a formula.
+bool LooksLikeFormula(std::string_view text) { return text.find_first_of("=+-@\t\r") == 0; }
 
 void AppendCell(std::string_view text, bool quoted, std::string& line) {
   if (!quoted) {
@@ -25,27 +30,44 @@ void AppendCell(std::string_view text, bool quoted, std::string& line) {
 
 class CsvWriter {
  public:
-  CsvWriter(const CRvoDbRes& rows, const std::string& null_text, std::ostream& out)
-      : rows_(rows), columns_(rows.GetFieldCount()), null_text_(null_text), out_(out) {}
+  CsvWriter(const CRvoDbRes& rows, const Style& style, std::ostream& out)
+      : rows_(rows),
+        columns_(rows.GetFieldCount()),
+        style_(style),
+        null_text_(style.null_text.value_or("")),
+        out_(out) {}
 
   bool Write() {
     for (int column = 0; column < columns_; ++column) {
-      Append(column, rows_.GetFiledName(column).View(), false);
+      Append(column, Safe(rows_.GetFiledName(column).View(), false), false);
     }
     if (!EndLine()) return false;
     for (int row = 0; row < rows_.GetRecordCount(); ++row) {
-      for (int column = 0; column < columns_; ++column) {
-        const bool is_null = rows_.IsNull(row, column);
-        const CString text =
-            is_null ? CString(std::string_view(null_text_)) : rows_._text(row, column);
-        Append(column, text.View(), is_null);
-      }
+      for (int column = 0; column < columns_; ++column) AppendValue(row, column);
       if (!EndLine()) return false;
     }
     return true;
   }
 
  private:
+  void AppendValue(int row, int column) {
+    if (rows_.IsNull(row, column)) return Append(column, null_text_, true);
+    const CString text = rows_._text(row, column);
+    Append(column, Safe(text.View(), IsNumber(rows_.GetFieldType(column))), false);
+  }
+
+  // Returns the text as it may stand in the file; valid until the next call.
+  std::string_view Safe(std::string_view text, bool is_number) {
+    if (!style_.keeps_controls) {
+      safe_.clear();
+      AppendPrintable(text, safe_);
+      text = safe_;
+    }
+    // A negative number is none.
+    if (!style_.is_for_spreadsheets || is_number || !LooksLikeFormula(text)) return text;
+    return safe_ = std::string("'").append(text);
+  }
+
   void Append(int column, std::string_view text, bool is_null) {
     if (column != 0) line_ += ',';
     // An empty cell that is alone would leave an empty line.
@@ -63,16 +85,18 @@ class CsvWriter {
 
   const CRvoDbRes& rows_;
   const int columns_;
-  const std::string& null_text_;
+  const Style& style_;
+  const std::string null_text_;
   std::ostream& out_;
   std::string line_;
+  std::string safe_;
 };
 
 }  // namespace
 
-bool WriteCsv(const CRvoDbRes& rows, const std::string& null_text, std::ostream& out) {
+bool WriteCsv(const CRvoDbRes& rows, const Style& style, std::ostream& out) {
   if (rows.GetFieldCount() == 0) return out.good();
-  return CsvWriter(rows, null_text, out).Write();
+  return CsvWriter(rows, style, out).Write();
 }
 
 }  // namespace qv::tool

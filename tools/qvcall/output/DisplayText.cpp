@@ -63,6 +63,24 @@ std::size_t AppendVisible(std::string_view text, std::string& line) {
   return cells;
 }
 
+void AppendPrintable(std::string_view text, std::string& line) {
+  const auto stays = [](char ch) { return IsPlain(ch) || ch == '\t' || ch == '\n' || ch == '\r'; };
+  while (!text.empty()) {
+    const auto end = std::find_if_not(text.begin(), text.end(), stays);
+    const auto length = static_cast<std::size_t>(end - text.begin());
+    line += text.substr(0, length);
+    text.remove_prefix(length);
+    if (text.empty()) break;
+    const text::DecodedChar next = DecodeNarrow(text);
+    if (next.valid && next.value < 0xA0) {
+      AppendSpeltOut(next.value, line);
+    } else {
+      line += text.substr(0, next.bytes);
+    }
+    text.remove_prefix(next.bytes);
+  }
+}
+
 std::string Visible(std::string_view text) {
   std::string shown;
   AppendVisible(text, shown);

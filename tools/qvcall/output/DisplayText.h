@@ -21,6 +21,10 @@ std::size_t AppendVisible(std::string_view text, std::string& line);
 // Returns `text` in that form.
 [[nodiscard]] std::string Visible(std::string_view text);
 
+// Appends `text` to `line` with the control characters of ASCII and Latin-1, other than tabs and
+// line breaks, spelt out in the same way. Other bytes stay as they are.
+void AppendPrintable(std::string_view text, std::string& line);
+
 // Returns as much of `text`, in that form, as fits into `cells`, which is at least 3. A text that
 // was cut ends with "...".
 [[nodiscard]] std::string VisibleStart(std::string_view text, std::size_t cells);

@@ -1,5 +1,7 @@
 #include "ResultWriter.h"
 
+#include <fmt/format.h>
+
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <set>
@@ -7,16 +9,31 @@
 #include <string_view>
 #include <vector>
 
-#include "FieldTypes.h"
 #include "base/text/Letters.h"
 #include "tools/qvcall/system/NarrowText.h"
 
 namespace qv::tool {
 namespace {
 
+// Escapes the control characters that JSON allows, which a terminal would obey: U+007F to U+009F.
+void EscapeControls(std::string& utf8) {
+  const auto is_control = [&](std::size_t at) {
+    const auto byte = static_cast<unsigned char>(utf8[at]);
+    return byte == 0x7F || (byte == 0xC2 && static_cast<unsigned char>(utf8[at + 1]) < 0xA0);
+  };
+  for (std::size_t at = utf8.size(); at-- != 0;) {
+    if (!is_control(at)) continue;
+    const std::size_t length = utf8[at] == 0x7F ? 1 : 2;
+    const auto value = static_cast<unsigned char>(utf8[at + length - 1]);
+    utf8.replace(at, length, fmt::format("\\u{:04x}", value));
+  }
+}
+
 std::string Quoted(std::string_view text) {
-  return nlohmann::json(Utf8FromNarrow(text))
-      .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  std::string quoted = nlohmann::json(Utf8FromNarrow(text))
+                           .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  EscapeControls(quoted);
+  return quoted;
 }
 
 // The quoted keys of every object. Names are made unique after invalid bytes were replaced, because

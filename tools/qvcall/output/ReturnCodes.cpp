@@ -48,8 +48,8 @@ constexpr Entry kEntries[] = {
      {result::kFailed,
       "there is no answer: the client is offline and the cache has no answer to this text, or the "
       "answer could not be read",
-      "check that the temporary folder can be written and is not full; offline, only an answer that "
-      "--cache stored earlier is there"}},
+      "check that the temporary folder can be written and is not full; offline, only an answer "
+      "that --cache stored earlier is there"}},
     {kRows,
      kWeb,
      {result::kFailed, "the server's answer could not be read",

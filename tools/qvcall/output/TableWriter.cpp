@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "DisplayText.h"
-#include "FieldTypes.h"
 
 namespace qv::tool {
 namespace {
