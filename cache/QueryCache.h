@@ -58,6 +58,9 @@ class QueryCache {
   // making a copy, and then there is no file any more.
   bool Take(const std::string& key, const std::string& file, int flag);
 
+  // Whether there is a folder, so that answers can be stored.
+  [[nodiscard]] bool IsOn() const { return Folder() != nullptr; }
+
   // Removes all answers. Returns false if the cache is off or some cannot be removed.
   bool Clear();
 

@@ -49,6 +49,16 @@ void AnswerFile::TakeFrom(CMsgContent& reply) {
   if (!came_in_reply_) platform::RemoveFile(path_);
 }
 
+bool AnswerFile::StayIn(CMsgContent& reply) {
+  if (!platform::MayCreateFilesIn(platform::FolderOf(path_))) return false;
+  CFIFOClass::Field field;
+  if (reply.Queue().Peek(field)) {
+    bytes_ = {reinterpret_cast<const char*>(field.body), field.length};
+  }
+  stays_in_reply_ = true;
+  return true;
+}
+
 bool AnswerFile::Unpack() {
   compressed_path_ = path_;
   path_ = UnpackedPath(compressed_path_);
@@ -57,6 +67,9 @@ bool AnswerFile::Unpack() {
 
 bool AnswerFile::ReadInto(CRvoDbRes& result, bool web) const {
   const tagTEMPFILEINFO& files = ModuleState::Get().temp_files;
+  if (stays_in_reply_) {
+    return web ? ReadSchema(bytes_, result, files) : ReadRowset(bytes_, result, files);
+  }
   return web ? ReadSchemaFile(path_.c_str(), result, files)
              : ReadRowsetFile(path_.c_str(), result, files);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "message/MsgContent.h"
@@ -29,12 +30,17 @@ class AnswerFile {
   // Writes the reply's next field to the file. An incomplete file is removed, so that nothing takes
   // it for an answer.
   void TakeFrom(CMsgContent& reply);
+  // Makes ReadInto read the reply's next field where it is, without a file, as long as the reply
+  // exists. Returns false, and does nothing, if no file could be created in its place: then
+  // TakeFrom fails as well, and so does the call.
+  [[nodiscard]] bool StayIn(CMsgContent& reply);
   // Whether TakeFrom wrote the file that came, so that no transport can know it.
   [[nodiscard]] bool CameInReply() const { return came_in_reply_; }
+  [[nodiscard]] bool StaysInReply() const { return stays_in_reply_; }
   // Unpacks the file beside itself; Path then returns the result. Returns false on failure; Delete
   // removes both files.
   [[nodiscard]] bool Unpack();
-  // Reads the file in the dialect of the server's type. Returns false if it is not a recordset.
+  // Reads the answer in the dialect of the server's type. Returns false if it is not a recordset.
   [[nodiscard]] bool ReadInto(CRvoDbRes& result, bool web) const;
   void Delete() const;
 
@@ -42,6 +48,8 @@ class AnswerFile {
   std::string path_;
   std::string compressed_path_;
   bool came_in_reply_ = false;
+  bool stays_in_reply_ = false;
+  std::string_view bytes_;  // in the reply
 };
 
 // Deletes an answer's files at the end of a block, also after an exception.

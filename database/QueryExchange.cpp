@@ -28,7 +28,7 @@ std::string CacheKey(const char* database, const CString& sql) {
   return key.append(">").append(database).append(":").append(sql.View());
 }
 
-int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
+int ReceiveAnswer(CMsgContent& reply, Accept accept, bool may_stay_in_reply, AnswerFile& file) {
   const CString status = reply.GetString(nullptr);
   const bool compressed = accept == Accept::kPlainOrCompressed && status == kStatusSuccessCompress;
   std::int32_t number = 0;  // an error code, or a number of the server; unused
@@ -45,7 +45,10 @@ int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file) {
     call::SetErrorIfNone(error::kBadReply, "the reply lacks fields that belong to it");
     return result::kReplyUnreadable;
   }
-  if (storage == kInReply) file.TakeFrom(reply);
+  if (storage == kInReply) {
+    const bool stays = may_stay_in_reply && !compressed && file.StayIn(reply);
+    if (!stays) file.TakeFrom(reply);
+  }
   if (!compressed || file.Unpack()) return result::kSuccess;
   file.Delete();
   if (call::IsCancelled()) {

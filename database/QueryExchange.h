@@ -34,8 +34,10 @@ class QueryExchange : public Exchange {
 // Which answers a call accepts.
 enum class Accept { kPlain, kPlainOrCompressed };
 
-// Reads the reply of a query and stores its answer in `file`: status, number, storage kind, and the
-// file itself if it travels in the reply. Returns kSuccess or the result of the call.
-[[nodiscard]] int ReceiveAnswer(CMsgContent& reply, Accept accept, AnswerFile& file);
+// Reads the reply of a query and makes `file` its answer: status, number, storage kind, and the
+// file itself if it travels in the reply, where it stays if it may and needs no unpacking; then the
+// reply must outlive `file`. Returns kSuccess or the result of the call.
+[[nodiscard]] int ReceiveAnswer(CMsgContent& reply, Accept accept, bool may_stay_in_reply,
+                                AnswerFile& file);
 
 }  // namespace qv

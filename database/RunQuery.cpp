@@ -18,13 +18,18 @@ namespace {
 
 QueryCache& Cache() { return ModuleState::Get().cache; }
 
-// Sends the query and stores the answer in `file`. Returns 0 or the result of the call.
-int AskServer(const Query& query, AnswerFile& file) {
-  QueryExchange exchange(query.command, query.database, query.sql);
+// The cache stores files only.
+bool NeedsFile(const Query& query) {
+  return query.may_keep && Cache().IsOn() && Cache().State() == cache_state::kOnline;
+}
+
+// Sends the query and makes `file` its answer, which may be in the reply. Returns 0 or the result
+// of the call.
+int AskServer(const Query& query, QueryExchange& exchange, AnswerFile& file) {
   file = AnswerFile::New();
   exchange.Reply().SetFileName(file.Path().c_str(), 0);
   if (const int result = exchange.SendBy(query.web, query.compress); result != 0) return result;
-  return ReceiveAnswer(exchange.Reply(), query.accept, file);
+  return ReceiveAnswer(exchange.Reply(), query.accept, !NeedsFile(query), file);
 }
 
 bool MayKeep(const Query& query) {
@@ -33,6 +38,7 @@ bool MayKeep(const Query& query) {
 }
 
 void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
+  if (file.StaysInReply()) return;
   const bool is_packed = keep == Keep::kAsItCame && !file.CompressedPath().empty();
   const std::string& path = is_packed ? file.CompressedPath() : file.Path();
   const int flag = is_packed ? kCacheGzip : kCachePlain;
@@ -49,6 +55,7 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
   call::ClearError();
   const std::string key = CacheKey(query.database, query.sql);
   const int when_cancelled = query.from_cache ? result::kNotDelivered : result::kOutcomeUnknown;
+  std::optional<QueryExchange> exchange;
   AnswerFile file;
   if (query.from_cache) {
     const auto cached =
@@ -58,8 +65,9 @@ int RunQuery(const Query& query, CRvoDbRes& result) {
       call::SetError(error::kOffline, "offline, and the cache has no answer to this query");
       return result::kFailed;
     }
-  } else if (const int failed = AskServer(query, file); failed != 0) {
-    return failed;
+  } else {
+    exchange.emplace(query.command, query.database, query.sql);
+    if (const int failed = AskServer(query, *exchange, file); failed != 0) return failed;
   }
   const DeleteAtExit deletion{file};
   // The answer may be large, and nobody waits for it any more.

@@ -71,6 +71,10 @@ enum class Create {
   kNew,     // an existing file is an error
 };
 
+// Returns whether the system would let this program create files in `folder`, as far as it tells
+// without trying.
+[[nodiscard]] bool MayCreateFilesIn(const std::string& folder);
+
 // Opens a file for writing that only its owner can read. The caller closes it. Returns null and
 // sets errno if the file cannot be opened or `path` names something other than a file.
 [[nodiscard]] std::FILE* CreatePrivateFile(const std::string& path, Create how);

@@ -121,6 +121,16 @@ TEST_F(SelectSql, ReturnsTheAgreedCodesAndLeavesNothing) {
   }
 }
 
+TEST_F(SelectSql, FailsWithoutAFolderForTheAnswer) {
+  const std::string folder = static_cast<const char*>(CRvoDatabase::GetTempFilePath());
+  for (const int use_cache : {0, 1}) {
+    CRvoDatabase::SetFileTempInfo((folder + "missing/").c_str());
+    EXPECT_EQ(Select(use_cache), "result 1");
+    CRvoDatabase::SetFileTempInfo(folder.c_str());
+    EXPECT_EQ(Select(use_cache), "from server");
+  }
+}
+
 TEST_F(SelectSql, LeavesTheTransportsFileWhereTheCallCannotUseIt) {
   AnswerWithFile("x", "FAILURE");
   EXPECT_EQ(Select(), "result 3");

@@ -145,6 +145,11 @@ std::filesystem::file_type TypeOf(const std::string& path) {
   return std::filesystem::symlink_status(path, error).type();
 }
 
+bool MayCreateFilesIn(const std::string& folder) {
+  const char* const place = folder.empty() ? "." : folder.c_str();
+  return ::access(place, W_OK | X_OK) == 0;
+}
+
 bool RemoveFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
 
 bool ReplaceByRename(const std::string& from, const std::string& to) {

@@ -153,6 +153,11 @@ std::filesystem::file_type TypeOf(const std::string& path) {
   return nothing ? std::filesystem::file_type::not_found : std::filesystem::file_type::none;
 }
 
+bool MayCreateFilesIn(const std::string& folder) {
+  const DWORD attributes = ::GetFileAttributesA(folder.empty() ? "." : folder.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 bool RemoveFile(const std::string& path) { return ::DeleteFileA(path.c_str()) != FALSE; }
 
 bool ReplaceByRename(const std::string& from, const std::string& to) {
