@@ -1,13 +1,12 @@
 #include "CachedFile.h"
 
-#include <zlib.h>
-
 #include <array>
 #include <cstdio>
 
 #include "base/call/CancelFlag.h"
 #include "base/platform/Folder.h"
 #include "base/platform/Platform.h"
+#include "base/storage/Checksum.h"
 
 namespace qv {
 
@@ -45,8 +44,8 @@ bool IsName(std::string_view name, std::string_view extension) {
 }  // namespace
 
 void ContentSum::Add(std::string_view bytes) {
-  const auto* const start = reinterpret_cast<const Bytef*>(bytes.data());
-  checksum_ = static_cast<std::uint32_t>(::crc32_z(checksum_, start, bytes.size()));
+  const auto* const start = reinterpret_cast<const unsigned char*>(bytes.data());
+  checksum_ = storage::Crc32(checksum_, {start, bytes.size()});
   length_ += bytes.size();
 }
 

@@ -34,6 +34,13 @@ add_library(libzip UNKNOWN IMPORTED)
 set_target_properties(libzip PROPERTIES IMPORTED_LOCATION ${LIBZIP_LIBRARY}
   INTERFACE_INCLUDE_DIRECTORIES ${LIBZIP_INCLUDE_DIR} INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)
 
+# Its package file differs from system to system.
+find_path(LIBDEFLATE_INCLUDE_DIR libdeflate.h REQUIRED)
+find_library(LIBDEFLATE_LIBRARY NAMES deflate deflatestatic REQUIRED)
+add_library(libdeflate UNKNOWN IMPORTED)
+set_target_properties(libdeflate PROPERTIES IMPORTED_LOCATION ${LIBDEFLATE_LIBRARY}
+  INTERFACE_INCLUDE_DIRECTORIES ${LIBDEFLATE_INCLUDE_DIR})
+
 # Debian's package has no package file.
 find_path(UTF8PROC_INCLUDE_DIR utf8proc.h REQUIRED)
 find_library(UTF8PROC_LIBRARY NAMES utf8proc utf8proc_static REQUIRED)

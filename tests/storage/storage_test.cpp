@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "base/storage/Checksum.h"
 #include "base/storage/FileNames.h"
 #include "base/storage/PartFile.h"
 #include "tests/support/Shape.h"
@@ -19,6 +20,15 @@ std::vector<std::string> NamesIn(const TempFolder& folder) {
     names.push_back(entry.path().filename().string());
   }
   return names;
+}
+
+TEST(Storage, ChecksumsAreThoseOfZlibAndContinue) {
+  const std::string text = "123456789";
+  const std::span bytes(reinterpret_cast<const unsigned char*>(text.data()), text.size());
+  EXPECT_EQ(Crc32(0, bytes), 0xCBF43926);
+  for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
+    EXPECT_EQ(Crc32(Crc32(Crc32(0, bytes.first(cut)), {}), bytes.subspan(cut)), 0xCBF43926);
+  }
 }
 
 TEST(Storage, NamesPartsBesideTheirPlaces) {

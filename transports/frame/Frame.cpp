@@ -1,7 +1,5 @@
 #include "Frame.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 
 #include "Reason.h"
@@ -67,12 +65,6 @@ std::uint64_t FrameLength(const FrameHeader& header) {
   const std::uint64_t file = *header.file_length;
   const std::uint64_t chunks = file / kChunkSize + (file % kChunkSize != 0 ? 1 : 0) + 1;
   return message + file + chunks * kChunkHeaderSize;
-}
-
-std::uint32_t Crc32(std::uint32_t start, Bytes bytes) {
-  // An empty span may have a null pointer, which crc32 takes as a request to reset.
-  if (bytes.empty()) return start;
-  return static_cast<std::uint32_t>(::crc32_z(start, bytes.data(), bytes.size()));
 }
 
 std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& header) {

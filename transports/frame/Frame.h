@@ -20,6 +20,8 @@
 #include <optional>
 #include <span>
 
+#include "base/storage/Checksum.h"
+
 namespace qv::wire {
 
 using Bytes = std::span<const unsigned char>;
@@ -100,9 +102,7 @@ struct FrameLimits {
                                        FrameKinds expected, const FrameLimits& limits,
                                        FrameHeader& header);
 
-// Continues a CRC-32: returns the checksum of the bytes that `start` is the checksum of, followed
-// by `bytes`. Start with 0.
-[[nodiscard]] std::uint32_t Crc32(std::uint32_t start, Bytes bytes);
+using storage::Crc32;
 
 // Each chunk carries the checksum of the whole file up to its end, so a chunk that is damaged,
 // missing, repeated or out of order is detected at once. The last chunk is empty.
