@@ -7,8 +7,8 @@
 #include <string>
 
 #include "ReaderComparison.h"
-#include "resultset/readers/PieceReading.h"
 #include "resultset/readers/ReaderThreads.h"
+#include "resultset/readers/TextWindow.h"
 #include "tests/support/TempFolder.h"
 
 namespace {

@@ -113,8 +113,13 @@ inline std::size_t FindTag(std::string_view text, std::string_view marker, std::
 // before it, so a file cannot make the search quadratic.
 class ForwardFinder {
  public:
-  ForwardFinder(std::string_view text, std::string marker)
-      : text_(text), marker_(std::move(marker)) {}
+  explicit ForwardFinder(std::string marker) : marker_(std::move(marker)) {}
+
+  // Starts over with another text.
+  void SetText(std::string_view text) {
+    text_ = text;
+    searched_ = false;
+  }
 
   // Returns the first position of the marker at or after `from`, or npos. `from` must not decrease
   // between calls.

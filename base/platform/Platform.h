@@ -96,6 +96,11 @@ enum class Opening {
 [[nodiscard]] int OpenDescriptor(const std::string& path);
 void CloseDescriptor(int descriptor);
 
+// Reads `count` bytes of an open file from `offset` on, whatever others read. Returns how many were
+// read, which is fewer only at the end of the file, or nothing after an error.
+[[nodiscard]] std::optional<std::size_t> ReadAt(int descriptor, std::uint64_t offset, char* to,
+                                                std::size_t count);
+
 // Returns true if an open file is a regular file that only its owner can read or change.
 [[nodiscard]] bool IsPrivate(std::FILE* file);
 

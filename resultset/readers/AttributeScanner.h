@@ -49,6 +49,8 @@ class AttributeScanner {
     return false;
   }
 
+  // Returns true if more text after the end could have made a difference.
+  [[nodiscard]] bool IsCutOff() const { return is_cut_off_ || position_ == end_; }
   [[nodiscard]] const char* Position() const { return position_; }
   // Continues after an attribute that the caller read itself.
   void MoveTo(const char* position) { position_ = position; }
@@ -57,7 +59,10 @@ class AttributeScanner {
   bool TakeValue(const char* quote, std::string_view& value) {
     if (quote >= end_ || (*quote != '\'' && *quote != '"')) return false;
     const char* const closing = FindQuote(quote + 1, end_, *quote);
-    if (closing == end_) return false;
+    if (closing == end_) {
+      is_cut_off_ = true;
+      return false;
+    }
     value = {quote + 1, static_cast<std::size_t>(closing - quote - 1)};
     position_ = closing + 1;
     return true;
@@ -66,6 +71,7 @@ class AttributeScanner {
   const char* position_;
   const char* end_;
   Stop stop_;
+  bool is_cut_off_ = false;
 };
 
 // All attributes of one element, for look-ups by name; the first of several with the same name

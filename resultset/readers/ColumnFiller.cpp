@@ -5,14 +5,14 @@
 #include <type_traits>
 #include <variant>
 
-#include "FileText.h"
+#include "TextWindow.h"
 #include "base/text/Numbers.h"
 #include "resultset/CellValue.h"
 #include "resultset/DateCell.h"
 
 namespace qv {
 
-static_assert(FileText::kSlack >= kValueSlack && FileText::kSlack >= kScanSlack);
+static_assert(TextWindow::kSlack >= kValueSlack && TextWindow::kSlack >= kScanSlack);
 
 ColumnFiller::ColumnFiller(std::span<Column> columns, const RowValues& values, BinaryCells& binary,
                            ResultBudget budget)
@@ -193,7 +193,7 @@ void ColumnFiller::AppendPlainTexts(Sink& sink, const RowValues::InColumn& rows)
   }
 }
 
-void ColumnFiller::ReserveAfter(std::size_t done, std::size_t total) {
+void ColumnFiller::ReserveAfter(std::uint64_t done, std::uint64_t total) {
   // Assumes that the remaining rows resemble the ones before, plus a margin. An estimate of many
   // times the file's size is not used; the cells then grow as needed.
   constexpr double kMargin = 1.03;

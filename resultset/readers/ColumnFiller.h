@@ -26,7 +26,7 @@ class ColumnFiller {
   ColumnFiller& operator=(const ColumnFiller&) = delete;
 
   // Appends the rows that the values hold; cells without a value are null. The texts are in a
-  // FileText, so that some bytes after them may be read. Returns false before the cells, with the
+  // TextWindow, so that some bytes after them may be read. Returns false before the cells, with the
   // values of binary ones, take more memory than the budget has; the last row is then incomplete.
   [[nodiscard]] bool AppendRows();
   // Appends the rows of `others`, which has columns of the same types. Returns false, and appends
@@ -39,7 +39,7 @@ class ColumnFiller {
   [[nodiscard]] bool CanReserve() const { return !has_reserved_ && rows_ >= kRowsBeforeReserve; }
   // Reserves memory for the remaining rows after `done` bytes of rows out of `total` were appended,
   // if it can be estimated.
-  void ReserveAfter(std::size_t done, std::size_t total);
+  void ReserveAfter(std::uint64_t done, std::uint64_t total);
   // The rows are few: nothing is to be reserved.
   void NeverReserve() { has_reserved_ = true; }
 

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <new>
 #include <vector>
 
 #include "ReaderThreads.h"
@@ -14,31 +15,11 @@ namespace qv {
 
 namespace {
 
-constexpr std::size_t kNone = RowScanner::kNone;
-// The cells of a piece stay in the caches until they are appended.
-constexpr std::size_t kUsualPieceBytes = 0x40000;
+constexpr std::uint64_t kEnd = RowScanner::kEnd;
 // Waking threads costs more than they save on a shorter text.
-constexpr std::size_t kLeastPieces = 8;
+constexpr std::uint64_t kLeastPieces = 8;
 // The most that the cells of a piece may take; one with more is not read ahead.
 constexpr std::uint64_t kMostAhead = 0x100000;
-
-std::atomic<std::size_t> set_piece_bytes = 0;
-
-// Returns the places at which to cut the rows, the first included. There is only one if the text is
-// too short to be cut.
-std::vector<std::size_t> Cuts(const RowScanner& scanner, std::size_t first_row) {
-  const std::size_t set = set_piece_bytes.load(std::memory_order_relaxed);
-  const std::size_t piece = set != 0 ? set : kUsualPieceBytes;
-  std::vector<std::size_t> cuts = {first_row};
-  const std::size_t bytes = scanner.Text().size() - first_row;
-  if (bytes / piece < kLeastPieces) return cuts;
-  cuts.reserve(bytes / piece + 1);
-  while (true) {
-    const std::size_t next = scanner.FindRow(cuts.back() + piece);
-    if (next == kNone) return cuts;
-    cuts.push_back(next);
-  }
-}
 
 bool HasBinary(std::span<const Column> columns) {
   return std::any_of(columns.begin(), columns.end(),
@@ -57,27 +38,71 @@ class CancelledBy {
   const call::CancelFlag* const own_ = call::CancelFlagOfThisThread();
 };
 
+// How a text is cut, and where its rows come from.
+struct Pieces {
+  const TextSource& source;
+  const MakeRowScanner& make;
+  std::uint64_t first;  // where the first row starts
+  std::uint64_t bytes;  // of each piece
+  std::size_t count;
+
+  [[nodiscard]] std::uint64_t Start(std::size_t piece) const { return first + piece * bytes; }
+  // Rows that start there belong to the next piece.
+  [[nodiscard]] std::uint64_t Limit(std::size_t piece) const {
+    return piece + 1 < count ? Start(piece + 1) : kEnd;
+  }
+};
+
+// Returns how the text after the first row's start is cut.
+Pieces Cut(const RowScanner& scanner, const MakeRowScanner& make) {
+  const std::uint64_t bytes = PieceBytes();
+  const TextSource& source = scanner.Window().Source();
+  const std::uint64_t left = source.Size() - std::min(source.Size(), scanner.Position());
+  const bool is_cut = left / bytes >= kLeastPieces && !scanner.Window().MetNul();
+  const std::uint64_t count = is_cut ? (left - 1) / bytes + 1 : 1;
+  return {source, make, scanner.Position(), bytes, static_cast<std::size_t>(count)};
+}
+
 // The rows of one piece, in columns without names.
 class PieceAhead {
  public:
-  PieceAhead(const MakeRowScanner& make, std::span<const Column> columns, BinaryCells& binary,
+  PieceAhead(const Pieces& pieces, std::span<const Column> columns, BinaryCells& binary,
              std::uint64_t most_bytes)
-      : scanner_(make()),
+      : pieces_(pieces),
+        most_bytes_(most_bytes),
+        scanner_(pieces.make(window_)),
         columns_(EmptyLike(columns)),
         filler_(columns_, scanner_->Values(), binary, ResultBudget(most_bytes)) {
     filler_.NeverReserve();
   }
 
-  // Returns false if it did not come to the piece's end.
-  [[nodiscard]] bool Read(std::size_t start, std::size_t limit) {
+  // Returns false without memory to read ahead.
+  [[nodiscard]] bool Read(std::size_t piece) try {
     filler_.Clear();
-    end_ = start;
-    return scanner_->ReadRows(end_, limit, filler_) == Reading::kDone;
+    // Most pieces end with a row that ends a little after them.
+    const std::size_t beyond = static_cast<std::size_t>(pieces_.bytes) / 32 + 1;
+    window_.Start(
+        pieces_.source, pieces_.Start(piece),
+        {static_cast<std::size_t>(pieces_.bytes) + beyond, beyond, most_bytes_ + pieces_.bytes});
+    scanner_->Seek(0);
+    start_ = scanner_->Position();
+    reading_ = scanner_->ReadRows(pieces_.Limit(piece), filler_);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
   }
 
+  // Whether the piece can be read on its own: no row is much too long for it, and the text is where
+  // it is in the source.
+  [[nodiscard]] bool IsSeparate() const {
+    return window_.Status() == Reading::kDone && !window_.MetNul();
+  }
+  // Whether its cells took no more memory than they may.
+  [[nodiscard]] bool IsWhole() const { return reading_ == Reading::kDone; }
   [[nodiscard]] const ColumnFiller& Rows() const { return filler_; }
-  // The start of the row after the last.
-  [[nodiscard]] std::size_t End() const { return end_; }
+  // Where the first row starts, and the one after the last.
+  [[nodiscard]] std::uint64_t Start() const { return start_; }
+  [[nodiscard]] std::uint64_t End() const { return scanner_->Position(); }
 
  private:
   static std::vector<Column> EmptyLike(std::span<const Column> columns) {
@@ -89,30 +114,32 @@ class PieceAhead {
     return empty;
   }
 
+  const Pieces& pieces_;
+  const std::uint64_t most_bytes_;
+  TextWindow window_;
   std::unique_ptr<RowScanner> scanner_;
   std::vector<Column> columns_;
   ColumnFiller filler_;
-  std::size_t end_ = kNone;
+  std::uint64_t start_ = kEnd;
+  Reading reading_ = Reading::kDone;
 };
 
 // One text that is read by several threads, each of which runs Work.
 class PieceReading {
  public:
   // `threads` is at least 2. What is passed outlives the reading.
-  PieceReading(std::vector<std::size_t> cuts, int threads, std::uint64_t limit,
-               const MakeRowScanner& make, RowScanner& scanner, ColumnFiller& filler,
-               std::span<const Column> columns, BinaryCells& binary)
-      : cuts_(std::move(cuts)),
+  PieceReading(const Pieces& pieces, int threads, std::uint64_t limit, RowScanner& scanner,
+               ColumnFiller& filler, std::span<const Column> columns, BinaryCells& binary)
+      : pieces_(pieces),
         threads_(threads),
         // All threads together take less than the table may.
         most_ahead_(std::min(kMostAhead, limit / 2 / static_cast<std::uint64_t>(threads))),
-        make_(make),
         columns_(columns),
         binary_(binary),
         flag_(call::CancelFlagOfThisThread()),
         scanner_(scanner),
         filler_(filler),
-        position_(cuts_.front()) {}
+        position_(pieces.first) {}
 
   [[nodiscard]] Reading Run() {
     RunOnReaderThreads(threads_ - 1, [this] { Work(); });
@@ -123,20 +150,19 @@ class PieceReading {
  private:
   void Work();
   void ReadPieces();
-  [[nodiscard]] std::size_t LimitOf(std::size_t piece) const {
-    return piece + 1 < cuts_.size() ? cuts_[piece + 1] : kNone;
-  }
+  // Returns null without memory.
+  [[nodiscard]] std::unique_ptr<PieceAhead> MakeAhead() const;
   // Returns false if the rows ended before the piece.
   [[nodiscard]] bool WaitForTurn(std::size_t piece);
   // Appends the piece to the table; `ahead` is null if it was not read ahead.
   [[nodiscard]] Reading TakeTurn(std::size_t piece, const PieceAhead* ahead);
+  [[nodiscard]] Reading ReadUntil(std::uint64_t limit);
   void EndTurn(Reading reading);
   void End();
 
-  const std::vector<std::size_t> cuts_;
+  const Pieces& pieces_;
   const int threads_;
   const std::uint64_t most_ahead_;
-  const MakeRowScanner& make_;
   const std::span<const Column> columns_;
   BinaryCells& binary_;
   const call::CancelFlag* const flag_;
@@ -145,7 +171,7 @@ class PieceReading {
   // whose turn it is.
   RowScanner& scanner_;
   ColumnFiller& filler_;
-  std::size_t position_;  // of the next row
+  std::uint64_t position_;  // of the next row
 
   std::atomic<std::size_t> next_piece_ = 0;
   std::atomic<bool> ended_ = false;
@@ -165,14 +191,20 @@ void PieceReading::Work() try {
   End();
 }
 
+std::unique_ptr<PieceAhead> PieceReading::MakeAhead() const try {
+  return std::make_unique<PieceAhead>(pieces_, columns_, binary_, most_ahead_);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+
 void PieceReading::ReadPieces() {
-  PieceAhead ahead(make_, columns_, binary_, most_ahead_);
+  const std::unique_ptr<PieceAhead> ahead = MakeAhead();
   while (!ended_) {
     const std::size_t piece = next_piece_++;
-    if (piece >= cuts_.size()) return;
-    const bool is_read = ahead.Read(cuts_[piece], LimitOf(piece));
+    if (piece >= pieces_.count) return;
+    const bool is_read = ahead != nullptr && ahead->Read(piece);
     if (!WaitForTurn(piece)) return;
-    EndTurn(TakeTurn(piece, is_read ? &ahead : nullptr));
+    EndTurn(TakeTurn(piece, is_read ? ahead.get() : nullptr));
   }
 }
 
@@ -184,23 +216,34 @@ bool PieceReading::WaitForTurn(std::size_t piece) {
 
 Reading PieceReading::TakeTurn(std::size_t piece, const PieceAhead* ahead) {
   if (call::IsCancelled()) return Reading::kCancelled;
-  // After a wrong cut others may be wrong too, so that reading ahead could take long for nothing.
-  if (position_ != cuts_[piece]) return scanner_.ReadRows(position_, kNone, filler_);
-  if (ahead == nullptr || !filler_.AppendRowsOf(ahead->Rows())) {
-    return scanner_.ReadRows(position_, LimitOf(piece), filler_);
+  // A row of the pieces before goes beyond this one.
+  if (position_ >= pieces_.Limit(piece)) return Reading::kDone;
+  if (ahead == nullptr) return ReadUntil(pieces_.Limit(piece));
+  // After a wrong start others may be wrong too, so that reading ahead could take long for nothing.
+  if (position_ != ahead->Start() || !ahead->IsSeparate()) return ReadUntil(kEnd);
+  if (!ahead->IsWhole() || !filler_.AppendRowsOf(ahead->Rows())) {
+    return ReadUntil(pieces_.Limit(piece));
   }
   position_ = ahead->End();
-  if (filler_.CanReserve() && position_ != kNone) {
-    filler_.ReserveAfter(position_, scanner_.Text().size());
+  if (filler_.CanReserve() && position_ != kEnd) {
+    filler_.ReserveAfter(position_, pieces_.source.Size());
   }
   return Reading::kDone;
+}
+
+Reading PieceReading::ReadUntil(std::uint64_t limit) {
+  scanner_.Window().Start(pieces_.source, position_, {PieceBytes(), PieceBytes()});
+  scanner_.Seek(0);
+  const Reading reading = scanner_.ReadRows(limit, filler_);
+  position_ = scanner_.Position();
+  return reading == Reading::kDone ? scanner_.Window().Status() : reading;
 }
 
 void PieceReading::EndTurn(Reading reading) {
   const std::lock_guard lock(mutex_);
   ++turn_;
   reading_ = reading;
-  if (reading != Reading::kDone || position_ == kNone) return End();
+  if (reading != Reading::kDone || position_ == kEnd) return End();
   turned_.notify_all();
 }
 
@@ -209,31 +252,28 @@ void PieceReading::End() {
   turned_.notify_all();
 }
 
-Reading ReadRows(std::size_t first_row, const MakeRowScanner& make, ResultTable& table,
+Reading ReadRows(RowScanner& scanner, const MakeRowScanner& make, ResultTable& table,
                  BinaryCells& binary) {
-  const std::unique_ptr<RowScanner> scanner = make();
   const ResultBudget budget;
-  ColumnFiller filler(table.Columns(), scanner->Values(), binary, budget);
+  ColumnFiller filler(table.Columns(), scanner.Values(), binary, budget);
   const int most = HasBinary(table.Columns()) ? 1 : ReaderThreads();
-  if (most == 1) return scanner->ReadRows(first_row, kNone, filler);
-  std::vector<std::size_t> cuts = Cuts(*scanner, first_row);
-  const auto threads = static_cast<int>(std::min(cuts.size(), static_cast<std::size_t>(most)));
-  if (threads == 1) return scanner->ReadRows(first_row, kNone, filler);
-  PieceReading reading(std::move(cuts), threads, budget.Limit(), make, *scanner, filler,
-                       table.Columns(), binary);
+  const Pieces pieces = Cut(scanner, make);
+  const auto threads = static_cast<int>(std::min(pieces.count, static_cast<std::size_t>(most)));
+  if (threads == 1) return scanner.ReadRows(kEnd, filler);
+  PieceReading reading(pieces, threads, budget.Limit(), scanner, filler, table.Columns(), binary);
   return reading.Run();
 }
 
 }  // namespace
 
-Reading ReadAllRows(std::size_t first_row, const MakeRowScanner& make, ResultTable& table,
-                    BinaryCells& binary) {
-  if (first_row == kNone) return Reading::kDone;
-  const Reading reading = ReadRows(first_row, make, table, binary);
+Reading ReadAllRows(TextWindow& window, std::size_t from, const MakeRowScanner& make,
+                    ResultTable& table, BinaryCells& binary) {
+  const std::unique_ptr<RowScanner> scanner = make(window);
+  scanner->Seek(from);
+  if (scanner->Position() == kEnd) return window.Status();
+  const Reading reading = ReadRows(*scanner, make, table, binary);
   if (reading != Reading::kDone) DropRows(table);
   return reading;
 }
-
-void SetPieceBytes(std::size_t bytes) { set_piece_bytes.store(bytes, std::memory_order_relaxed); }
 
 }  // namespace qv

@@ -126,14 +126,16 @@ Crew* CrewOfThisProcess() {
   return crew != nullptr && crew->IsOf(platform::ProcessNumber()) ? crew : nullptr;
 }
 
-// Throws std::bad_alloc.
-Crew& MakeCrew() {
+// Returns null without memory.
+Crew* MakeCrew() try {
   Crew* before = newest_crew.load(std::memory_order_acquire);
   auto made = std::make_unique<Crew>(before);
   if (newest_crew.compare_exchange_strong(before, made.get(), std::memory_order_acq_rel)) {
-    return *made.release();
+    return made.release();
   }
-  return *before;  // another thread was faster
+  return before;  // another thread was faster
+} catch (const std::bad_alloc&) {
+  return nullptr;
 }
 
 }  // namespace
@@ -150,7 +152,7 @@ void RunOnReaderThreads(int helpers, const std::function<void()>& work) {
   Crew* crew = nullptr;
   if (helpers > 0) {
     crew = CrewOfThisProcess();
-    if (crew == nullptr) crew = &MakeCrew();
+    if (crew == nullptr) crew = MakeCrew();
   }
   if (crew == nullptr) return work();
   crew->Run(helpers, work);

@@ -23,7 +23,7 @@ namespace qv {
 [[nodiscard]] bool ReadSchemaFile(const char* path, CRvoDbRes& result,
                                   const tagTEMPFILEINFO& files);
 
-// These read what a file with these bytes would give. The bytes are copied first.
+// These read what a file with these bytes would give.
 [[nodiscard]] bool ReadRowset(std::string_view bytes, CRvoDbRes& result,
                               const tagTEMPFILEINFO& files);
 [[nodiscard]] bool ReadSchema(std::string_view bytes, CRvoDbRes& result,

@@ -63,6 +63,12 @@ void RowValues::Begin() {
   expected_ = 0;
 }
 
+void RowValues::TakeBack() {
+  --rows_;
+  if (has_empty_) std::fill(empty_values_.begin(), empty_values_.end(), nullptr);
+  has_empty_ = false;
+}
+
 void RowValues::Put(std::string_view name, std::string_view value) {
   const auto found = slot_of_name_.find(name);
   if (found == slot_of_name_.end()) return;

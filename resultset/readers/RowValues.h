@@ -34,8 +34,8 @@ class RowValues {
 
   // Starts another row, without values. There must be room.
   void Begin();
-  // Drops the row that was started last, which has no values.
-  void TakeBack() { --rows_; }
+  // Drops the row that was started last.
+  void TakeBack();
   // Says that texts of the row may have entities.
   void NoteEntities() { with_entities_ |= std::uint64_t{1} << (rows_ - 1); }
 

@@ -85,16 +85,15 @@ void TakeExpected(AttributeScanner& scanner, const char* end, RowValues& values)
   scanner.MoveTo(p);
 }
 
-// Reads the attributes after "<z:row" and returns where they end.
-const char* ReadAttributes(const char* p, const char* end, RowValues& values) {
-  AttributeScanner scanner(p, end, AttributeScanner::Stop::kAtEmptyClose);
+// Reads the attributes after "<z:row", to which `scanner` moves.
+void ReadAttributes(AttributeScanner& scanner, const char* end, RowValues& values) {
   while (true) {
     TakeExpected(scanner, end, values);
     // Most rows end here; the scanner would find the same.
     const char* const here = scanner.Position();
-    if (here[0] == '/' && here[1] == '>') return here;
+    if (here[0] == '/' && here[1] == '>') return;
     Attribute attribute;
-    if (!scanner.Next(attribute)) return scanner.Position();
+    if (!scanner.Next(attribute)) return;
     values.Put(attribute.name, attribute.value);
   }
 }
@@ -102,27 +101,31 @@ const char* ReadAttributes(const char* p, const char* end, RowValues& values) {
 // The elements "<z:row".
 class RowsetRows final : public RowScanner {
  public:
-  RowsetRows(std::string_view text, std::span<const Column> columns)
-      : RowScanner(text, columns, '='), ampersands_(text, "&") {}
+  RowsetRows(TextWindow& window, std::span<const Column> columns)
+      : RowScanner(window, columns, '='), ampersands_("&") {}
 
-  [[nodiscard]] std::size_t FindRow(std::size_t from) const override {
-    return FindTag(Text(), kRow, from);
-  }
-  [[nodiscard]] Reading ReadRows(std::size_t& position, std::size_t limit,
-                                 ColumnFiller& filler) override {
-    return ReadEachRow(*this, position, limit, filler);
+  [[nodiscard]] Reading ReadRows(std::uint64_t limit, ColumnFiller& filler) override {
+    return ReadEachRow(*this, limit, filler);
   }
 
  private:
   friend RowScanner;
 
-  [[nodiscard]] Row ReadRow(std::size_t& position) {
-    const std::size_t start = position;
-    const char* const text = Text().data();
-    const char* const end =
-        ReadAttributes(text + start + kRow.size(), text + Text().size(), values_);
-    position = static_cast<std::size_t>(end - text);
-    return ampersands_.Find(start) < position ? Row::kWithEntities : Row::kPlain;
+  [[nodiscard]] std::size_t FindRow(std::size_t from) const override {
+    return FindTag(View(), kRow, from);
+  }
+  void TakeView() override { ampersands_.SetText(View()); }
+
+  [[nodiscard]] Row ReadRow(std::size_t& index) {
+    const std::size_t start = index;
+    const std::string_view text = View();
+    const char* const end = text.data() + text.size();
+    AttributeScanner scanner(text.data() + start + kRow.size(), end,
+                             AttributeScanner::Stop::kAtEmptyClose);
+    ReadAttributes(scanner, end, values_);
+    if (scanner.IsCutOff() && !Window().IsLast()) return Row::kCutOff;
+    index = static_cast<std::size_t>(scanner.Position() - text.data());
+    return ampersands_.Find(start) < index ? Row::kWithEntities : Row::kPlain;
   }
 
   ForwardFinder ampersands_;
@@ -130,21 +133,22 @@ class RowsetRows final : public RowScanner {
 
 }  // namespace
 
-Reading ReadRowsetText(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
-  const std::size_t opening = text.find(kElementType);
-  if (opening == kNone) return Reading::kUnreadable;
-  const std::size_t closing = text.find(kElementTypeEnd, opening + kElementType.size());
-  if (closing == kNone) return Reading::kUnreadable;
+Reading ReadRowsetText(TextWindow& text, ResultTable& table, const tagTEMPFILEINFO& files) {
+  const std::size_t opening = text.Find(kElementType, 0);
+  if (opening == kNone) return NotFound(text);
+  const std::size_t closing = text.Find(kElementTypeEnd, opening + kElementType.size());
+  if (closing == kNone) return NotFound(text);
 
-  DefineColumns(text.substr(opening, closing - opening), table);
+  DefineColumns(text.View().substr(opening, closing - opening), table);
   table.RebuildCells();
 
-  const std::size_t data = text.find(kData, opening);
-  if (data == kNone) return Reading::kUnreadable;
+  const std::size_t data = text.Find(kData, opening);
+  if (data == kNone) return NotFound(text);
   HexCells binary(files);
-  const std::string_view rows = text.substr(data);
-  const auto make = [&] { return std::make_unique<RowsetRows>(rows, table.Columns()); };
-  return ReadAllRows(rows.find(kRow), make, table, binary);
+  const auto make = [&](TextWindow& window) {
+    return std::make_unique<RowsetRows>(window, table.Columns());
+  };
+  return ReadAllRows(text, data, make, table, binary);
 }
 
 }  // namespace qv

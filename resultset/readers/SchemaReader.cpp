@@ -37,30 +37,30 @@ std::uint8_t TypeOf(std::string_view name) {
 }
 
 // Reads the attributes of the element that opens at `opening`. Returns the position of its ">", or
-// kNone.
-std::size_t ReadElement(std::string_view text, std::size_t opening, AttributeList& attributes) {
+// kNone. The attributes are in the window's view.
+std::size_t ReadElement(TextWindow& text, std::size_t opening, AttributeList& attributes) {
   const std::size_t start = opening + kElement.size();
-  const std::size_t end = text.find('>', start);
-  if (end != kNone) attributes.Read(text.substr(start, end - start));
+  const std::size_t end = text.Find(">", start);
+  if (end != kNone) attributes.Read(text.View().substr(start, end - start));
   return end;
 }
 
 // Returns the tag of the rows, which is the name of the first element, or an empty text if the
 // element lacks a required attribute.
-std::string_view RowTag(std::string_view text) {
+std::string RowTag(TextWindow& text) {
   AttributeList attributes;
-  const std::size_t opening = text.find(kElement);
+  const std::size_t opening = text.Find(kElement, 0);
   if (opening == kNone || ReadElement(text, opening, attributes) == kNone) return {};
   // The main table must be named, but it does not choose the rows.
   if (attributes.Value("msdata:MainDataTable").empty()) return {};
-  return attributes.Value("name");
+  return std::string(attributes.Value("name"));
 }
 
 // Defines a column for every element that opens between `sequence` and `sequence_end`.
-void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequence_end,
+void DefineColumns(TextWindow& text, std::size_t sequence, std::size_t sequence_end,
                    ResultTable& table) {
   AttributeList attributes;
-  std::size_t opening = text.find(kElement, sequence);
+  std::size_t opening = text.View().find(kElement, sequence);
   while (opening < sequence_end) {
     const std::size_t end = ReadElement(text, opening, attributes);
     if (end == kNone) return;
@@ -68,64 +68,74 @@ void DefineColumns(std::string_view text, std::size_t sequence, std::size_t sequ
     if (!name.empty()) {
       table.AddColumn({.name = std::string(name), .type = TypeOf(attributes.Value("type"))});
     }
-    opening = text.substr(0, sequence_end).find(kElement, end);
+    opening = text.View().substr(0, sequence_end).find(kElement, end);
   }
 }
 
 // The elements of one tag, whose children are the values.
 class SchemaRows final : public RowScanner {
  public:
-  // `tag` is that of the rows, and `last_closing` the last place at which one is closed.
-  SchemaRows(std::string_view text, std::span<const Column> columns, std::string_view tag,
-             std::size_t last_closing)
-      : RowScanner(text, columns, '>'),
-        opening_('<' + std::string(tag)),
-        closing_(ClosingOf(tag)),
+  // `tag` is that of the rows.
+  SchemaRows(TextWindow& window, std::span<const Column> columns, const std::string& tag)
+      : RowScanner(window, columns, '>'),
+        opening_('<' + tag),
+        closing_("</" + tag),
         plain_names_(!values_.HasNameWith("/") && !values_.HasNameWith(tag)),
-        last_closing_(last_closing),
-        tag_end_(text, ">"),
-        empty_close_(text, "/>"),
-        ampersands_(text, "&") {}
+        tag_end_(">"),
+        empty_close_("/>"),
+        ampersands_("&") {}
 
-  [[nodiscard]] std::size_t FindRow(std::size_t from) const override {
-    return FindTag(Text(), opening_, from);
+  [[nodiscard]] Reading ReadRows(std::uint64_t limit, ColumnFiller& filler) override {
+    return ReadEachRow(*this, limit, filler);
   }
-  [[nodiscard]] Reading ReadRows(std::size_t& position, std::size_t limit,
-                                 ColumnFiller& filler) override {
-    return ReadEachRow(*this, position, limit, filler);
-  }
-
-  static std::string ClosingOf(std::string_view tag) { return std::string("</").append(tag); }
 
  private:
   friend RowScanner;
 
+  [[nodiscard]] std::size_t FindRow(std::size_t from) const override {
+    return FindTag(View(), opening_, from);
+  }
+  void TakeView() override {
+    for (ForwardFinder* const finder : {&tag_end_, &empty_close_, &ampersands_}) {
+      finder->SetText(View());
+    }
+    last_closing_ = View().rfind(closing_);
+  }
+
   // The rows end before one that is not closed.
-  [[nodiscard]] Row ReadRow(std::size_t& position) {
-    const std::size_t start = position + opening_.size();
-    position = EndOfEmptyRow(start);
-    if (position == kNone && IsClosedBehind(start)) {
-      position = ReadChildren(start, Text().size()) + closing_.size();
-    } else if (position == kNone) {
-      const std::size_t end = empty_close_.Find(start);
+  [[nodiscard]] Row ReadRow(std::size_t& index) {
+    const std::size_t start = index + opening_.size();
+    if (!HasTagEnd(start) && !Window().IsLast()) return Row::kCutOff;
+    std::size_t end = EndOfEmptyRow(start);
+    if (end == kNone && IsClosedBehind(start)) {
+      end = ReadChildren(start, View().size()) + closing_.size();
+    } else if (end == kNone) {
+      // A closing tag may follow.
+      if (!Window().IsLast()) return Row::kCutOff;
+      end = empty_close_.Find(start);
       if (end == kNone) return Row::kNoRow;
       ReadChildren(start, end);
-      position = end + empty_close_.MarkerLength();
+      end += empty_close_.MarkerLength();
     }
     values_.End();
-    return ampersands_.Find(start) < position ? Row::kWithEntities : Row::kPlain;
+    index = end;
+    return ampersands_.Find(start) < end ? Row::kWithEntities : Row::kPlain;
   }
 
-  [[nodiscard]] bool IsClosedBehind(std::size_t position) const {
-    return last_closing_ >= position;
+  [[nodiscard]] bool IsClosedBehind(std::size_t index) const {
+    return last_closing_ != kNone && last_closing_ >= index;
   }
 
-  // Returns the position after the row's own "/>", or kNone if its opening tag does not end that
-  // way.
+  // Whether the opening tag, whose name ends at `start`, does so in the view.
+  [[nodiscard]] bool HasTagEnd(std::size_t start) {
+    return (start < View().size() && View()[start] == '>') || tag_end_.Find(start) != kNone;
+  }
+
+  // Returns the index after the row's own "/>", or kNone if its opening tag does not end that way.
   [[nodiscard]] std::size_t EndOfEmptyRow(std::size_t start) {
-    if (start < Text().size() && Text()[start] == '>') return kNone;
+    if (start < View().size() && View()[start] == '>') return kNone;
     const std::size_t end = tag_end_.Find(start);
-    const bool is_empty = end != kNone && end > start && Text()[end - 1] == '/';
+    const bool is_empty = end != kNone && end > start && View()[end - 1] == '/';
     return is_empty ? end + 1 : kNone;
   }
 
@@ -138,8 +148,8 @@ class SchemaRows final : public RowScanner {
   // whichever comes first, and returns that position. "<" starts a name, ">" ends it and starts its
   // value, which extends to the next "<". An empty element only says that its column is not null.
   std::size_t ReadChildren(std::size_t start, std::size_t limit) {
-    const char* p = Text().data() + start;
-    const char* const end = Text().data() + limit;
+    const char* p = View().data() + start;
+    const char* const end = View().data() + limit;
     const char* name = p;
     while (p < end) {
       if (*p == '<') {
@@ -158,7 +168,7 @@ class SchemaRows final : public RowScanner {
         ++p;
       }
     }
-    return static_cast<std::size_t>(p - Text().data());
+    return static_cast<std::size_t>(p - View().data());
   }
 
   // Notes the element whose tag has the text `tag` if it is empty: "<name/>", with blanks before
@@ -206,37 +216,35 @@ class SchemaRows final : public RowScanner {
   const std::string closing_;
   // Neither a closing tag nor the tag of the rows can be mistaken for a column's.
   const bool plain_names_;
-  const std::size_t last_closing_;
+  std::size_t last_closing_ = kNone;  // the last place in the view at which a row is closed
   ForwardFinder tag_end_;
   ForwardFinder empty_close_;
   ForwardFinder ampersands_;
 };
 
 // Reads the rows that start after `start`. Returns what ReadSchemaText does.
-Reading ReadRows(std::string_view text, std::string_view tag, std::size_t start, ResultTable& table,
+Reading ReadRows(TextWindow& text, const std::string& tag, std::size_t start, ResultTable& table,
                  BinaryCells& binary) {
-  const std::size_t first = text.find('<' + std::string(tag), start);
-  if (first == kNone) return Reading::kDone;
-  const std::size_t last_closing = text.rfind(SchemaRows::ClosingOf(tag));
-  const bool is_closed = last_closing != kNone && last_closing > first + tag.size();
-  if (!is_closed) return Reading::kUnreadable;
-  const auto make = [&] {
-    return std::make_unique<SchemaRows>(text, table.Columns(), tag, last_closing);
+  const std::size_t first = text.Find('<' + tag, start);
+  if (first == kNone) return text.Status();
+  if (text.Find("</" + tag, first + tag.size() + 1) == kNone) return NotFound(text);
+  const auto make = [&](TextWindow& window) {
+    return std::make_unique<SchemaRows>(window, table.Columns(), tag);
   };
-  return ReadAllRows(first, make, table, binary);
+  return ReadAllRows(text, first, make, table, binary);
 }
 
 }  // namespace
 
-Reading ReadSchemaText(std::string_view text, ResultTable& table, const tagTEMPFILEINFO& files) {
-  const std::size_t schema = text.find(kSchema);
-  if (schema == kNone) return Reading::kUnreadable;
-  if (text.find(kSchemaEnd, schema + kSchema.size()) == kNone) return Reading::kUnreadable;
-  const std::string_view tag = RowTag(text);
-  if (tag.empty() || tag.size() > kMaxTag) return Reading::kUnreadable;
-  const std::size_t sequence = text.find(kSequence);
-  const std::size_t sequence_end = text.find(kSequenceEnd);
-  if (sequence == kNone || sequence_end == kNone) return Reading::kUnreadable;
+Reading ReadSchemaText(TextWindow& text, ResultTable& table, const tagTEMPFILEINFO& files) {
+  const std::size_t schema = text.Find(kSchema, 0);
+  if (schema == kNone) return NotFound(text);
+  if (text.Find(kSchemaEnd, schema + kSchema.size()) == kNone) return NotFound(text);
+  const std::string tag = RowTag(text);
+  if (tag.empty() || tag.size() > kMaxTag) return NotFound(text);
+  const std::size_t sequence = text.Find(kSequence, 0);
+  const std::size_t sequence_end = text.Find(kSequenceEnd, 0);
+  if (sequence == kNone || sequence_end == kNone) return NotFound(text);
 
   DefineColumns(text, sequence, sequence_end, table);
   table.RebuildCells();

@@ -10,7 +10,7 @@
 #include <filesystem>
 
 #include "ReadersFixture.h"
-#include "resultset/readers/PieceReading.h"
+#include "resultset/readers/TextWindow.h"
 
 namespace qv {
 namespace {

@@ -9,8 +9,8 @@
 
 #include "fuzz/RandomRecordset.h"
 #include "fuzz/ReaderComparison.h"
-#include "resultset/readers/PieceReading.h"
 #include "resultset/readers/ReaderThreads.h"
+#include "resultset/readers/TextWindow.h"
 #include "tests/support/TempFolder.h"
 
 namespace qv {

@@ -6,8 +6,8 @@
 #include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
 #include "resultset/Reading.h"
-#include "resultset/readers/PieceReading.h"
 #include "resultset/readers/ReaderThreads.h"
+#include "resultset/readers/TextWindow.h"
 
 namespace qv {
 namespace {

@@ -101,6 +101,19 @@ int OpenDescriptor(const std::string& path) { return ::open(path.c_str(), O_RDON
 
 void CloseDescriptor(int descriptor) { ::close(descriptor); }
 
+std::optional<std::size_t> ReadAt(int descriptor, std::uint64_t offset, char* to,
+                                  std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t got =
+        ::pread(descriptor, to + done, count - done, static_cast<off_t>(offset + done));
+    if (got == 0) break;
+    if (got > 0) done += static_cast<std::size_t>(got);
+    if (got < 0 && errno != EINTR) return std::nullopt;
+  }
+  return done;
+}
+
 bool IsPrivate(std::FILE* file) {
   struct stat status {};
   return ::fstat(::fileno(file), &status) == 0 && S_ISREG(status.st_mode) && HasOwnerOnly(status);

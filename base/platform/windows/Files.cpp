@@ -106,6 +106,27 @@ int OpenDescriptor(const std::string& path) {
 
 void CloseDescriptor(int descriptor) { ::_close(descriptor); }
 
+std::optional<std::size_t> ReadAt(int descriptor, std::uint64_t offset, char* to,
+                                  std::size_t count) {
+  constexpr std::size_t kMostAtOnce = 0x40000000;
+  const auto file = reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
+  std::size_t done = 0;
+  while (done < count) {
+    OVERLAPPED place = {};
+    place.Offset = static_cast<DWORD>(offset + done);
+    place.OffsetHigh = static_cast<DWORD>((offset + done) >> 32);
+    const auto wanted = static_cast<DWORD>(std::min(count - done, kMostAtOnce));
+    DWORD got = 0;
+    if (::ReadFile(file, to + done, wanted, &got, &place) == FALSE) {
+      if (::GetLastError() != ERROR_HANDLE_EOF) return std::nullopt;
+      got = 0;
+    }
+    if (got == 0) break;
+    done += got;
+  }
+  return done;
+}
+
 bool IsPrivate(std::FILE* file) {
   const HANDLE handle = HandleOf(file);
   return IsOrdinaryFile(handle) && IsOwnerOnly(handle);
