@@ -123,6 +123,13 @@ TEST(Platform, OpensFilesThatOthersCanRemove) {
   EXPECT_GE(descriptor, 0);
   EXPECT_TRUE(RemoveFile(path));
   EXPECT_EQ(std::fgetc(file.get()), 'c');
+  std::string bytes(9, '.');
+  EXPECT_EQ(ReadAt(descriptor, 3, bytes.data(), 3), 3);
+  EXPECT_EQ(ReadAt(descriptor, 0, bytes.data() + 3, 6), 6);
+  EXPECT_EQ(bytes, "tenconten");
+  EXPECT_EQ(ReadAt(descriptor, 5, bytes.data(), 9), 2);
+  EXPECT_EQ(ReadAt(descriptor, 70, bytes.data(), 9), 0);
+  EXPECT_EQ(ReadAt(-1, 0, bytes.data(), 9), std::nullopt);
   CloseDescriptor(descriptor);
   EXPECT_EQ(OpenFile(folder.Path().string() + "none", Opening::kChange), nullptr);
   EXPECT_EQ(errno, ENOENT);

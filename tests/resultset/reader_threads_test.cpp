@@ -11,6 +11,7 @@
 
 #include "ReadersFixture.h"
 #include "resultset/readers/TextWindow.h"
+#include "tests/support/Allocations.h"
 
 namespace qv {
 namespace {
@@ -60,7 +61,7 @@ class ReaderThreadsTest : public ReadersTest {
 
   void SetUp() override {
     SetReaderThreads(4);
-    SetPieceBytes(1);
+    SetPieceBytes(11);
   }
   void TearDown() override {
     EndReaderThreads();
@@ -82,6 +83,17 @@ TEST_F(ReaderThreadsTest, StartWhenNeededAndEnd) {
   SetReaderThreads(1);
   EXPECT_TRUE(ReadsRows());
   EXPECT_TRUE(HasThreads(1));
+}
+
+TEST_F(ReaderThreadsTest, AreDoneWithoutIfTheyHaveNoMemory) {
+  ASSERT_TRUE(ReadsRows());
+  int failed = 0;
+  for (int allocations = 0; allocations < 30; ++allocations) {
+    LimitOthersTo(allocations);
+    EXPECT_TRUE(ReadsRows()) << allocations;
+    failed += LimitOthersTo(kUnlimited) < 0 ? 1 : 0;
+  }
+  EXPECT_GT(failed, 10);
 }
 
 TEST_F(ReaderThreadsTest, ServeSeveralCallers) {
