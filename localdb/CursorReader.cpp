@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/text/Letters.h"
 #include "base/text/Numbers.h"
 #include "resultset/CellValue.h"
 
@@ -193,10 +194,8 @@ CursorReader::Appended CursorReader::AppendPlainText(std::size_t index, Cells& c
   if (state == CellState::kFailed) return {state};
   if (state != CellState::kValue) text_.clear();
   if (!Take(text_.size())) return {CellState::kFailed};
-  auto& texts = std::get<TextCells>(cells);
-  std::size_t length = 0;
-  AppendText(texts, PaddedText(), /*may_have_entities=*/false, length);
-  return {state, length};
+  std::get<TextCells>(cells).push_back(text_);
+  return {state, text::Trimmed(text_).size()};
 }
 
 CursorReader::Appended CursorReader::AppendBinary(std::size_t index, Cells& cells) {

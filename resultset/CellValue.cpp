@@ -47,7 +47,7 @@ std::optional<double> ParseUnsigned(std::string_view text) {
 
 // Reads up to eight digits, of which there may be none. Returns false if other characters are among
 // them. At least eight bytes must be readable.
-bool ReadDigits(const char* p, std::size_t count, std::uint64_t& number) {
+inline bool ReadDigits(const char* p, std::size_t count, std::uint64_t& number) {
   constexpr std::uint64_t kZeros = 0x3030303030303030u;
   number = 0;
   if (count == 0) return true;
@@ -185,17 +185,20 @@ std::int64_t ParseInteger(std::string_view text) {
   return static_cast<std::int64_t>(head * kHundredMillion + tail);
 }
 
-void AppendText(TextCells& cells, std::string_view text, bool may_have_entities,
-                std::size_t& longest) {
+std::size_t CopyText(std::string_view text, bool may_have_entities, char* to) {
+  static constexpr char kNothing[TextCells::kCopyStep] = {};
   const char* const end = text.data() + text.size();
   if (may_have_entities && !text.empty() && FindByte(text.data(), end, '&') != end) {
-    char* const decoded = cells.Begin(text.size());
-    text = {decoded, DecodeEntities(text.data(), end, decoded)};
-    cells.Finish(text.size());
-  } else {
-    cells.AppendFromBuffer(text);
+    return DecodeEntities(text.data(), end, to);
   }
-  if (text.size() > longest) longest = std::max(longest, text::Trimmed(text).size());
+  // The usual ones are copied in one step of fixed size, without a call and without a branch that
+  // depends on their length.
+  if (text.size() <= TextCells::kCopyStep) {
+    std::memcpy(to, text.data() != nullptr ? text.data() : kNothing, TextCells::kCopyStep);
+  } else {
+    std::memcpy(to, text.data(), text.size());
+  }
+  return text.size();
 }
 
 CString CellText(std::int32_t value) { return ShortestText(value); }

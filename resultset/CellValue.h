@@ -29,10 +29,9 @@ constexpr std::size_t kValueSlack = TextCells::kCopyStep;
 // As DecimalToInt64.
 [[nodiscard]] std::int64_t ParseInteger(std::string_view text);
 
-// Appends a text, with its entities decoded if it may have any. `longest` becomes its length
-// without the white space at both ends, as the platform's calls give it, if that is greater.
-void AppendText(TextCells& cells, std::string_view text, bool may_have_entities,
-                std::size_t& longest);
+// Copies a text, with its entities decoded if it may have any, and up to kCopyStep bytes after it.
+// Returns its length, which is not more than that of `text`.
+[[nodiscard]] std::size_t CopyText(std::string_view text, bool may_have_entities, char* to);
 
 // The text forms of values, and their lengths for display.
 

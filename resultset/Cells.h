@@ -192,7 +192,8 @@ class TextCells {
 
   void push_back(std::string_view text) {
     if (!text.empty()) std::memcpy(bytes_.Extend(text.size()), text.data(), text.size());
-    End();
+    if (bytes_.size() > kMostBytes) throw std::bad_alloc();
+    ends_.push_back(static_cast<std::uint32_t>(bytes_.size()));
   }
 
   void Append(const TextCells& others) {
@@ -205,45 +206,35 @@ class TextCells {
       ends[i] = static_cast<std::uint32_t>(start + others.ends_[i]);
     }
   }
+  // Appends `count` texts of together at most `most_bytes`: `put` writes the text of a row to a
+  // place and returns its length. It may write up to kCopyStep bytes after the text.
+  static constexpr std::size_t kCopyStep = 64;
+  template <class Put>
+  void AppendEach(std::size_t count, std::size_t most_bytes, const Put& put) {
+    const std::size_t start = bytes_.size();
+    char* const first = bytes_.Extend(most_bytes + kCopyStep);
+    std::uint32_t* const ends = ends_.Extend(count);
+    std::size_t length = 0;
+    for (std::size_t row = 0; row < count; ++row) {
+      length += put(row, first + length);
+      ends[row] = static_cast<std::uint32_t>(start + length);
+    }
+    bytes_.Shrink(start + length);
+    if (bytes_.size() <= kMostBytes) return;
+    Shrink(size() - count);
+    throw std::bad_alloc();
+  }
   // Drops all but the first `size` texts.
   void Shrink(std::size_t size) {
     ends_.Shrink(size);
     bytes_.Shrink(size == 0 ? 0 : ends_[size - 1]);
   }
 
-  // Like push_back, for a text followed by at least kCopyStep readable bytes: the usual ones are
-  // copied in one step of fixed size, without a call and without a branch that depends on their
-  // length.
-  static constexpr std::size_t kCopyStep = 64;
-  void AppendFromBuffer(std::string_view text) {
-    static constexpr char kNothing[kCopyStep] = {};
-    if (text.size() > kCopyStep) return push_back(text);
-    std::memcpy(Begin(kCopyStep), text.data() != nullptr ? text.data() : kNothing, kCopyStep);
-    Finish(text.size());
-  }
-
-  // For a text that is built in place: returns room for `capacity` bytes, of which Finish keeps the
-  // first `length`.
-  char* Begin(std::size_t capacity) {
-    building_ = bytes_.size();
-    return bytes_.Extend(capacity);
-  }
-  void Finish(std::size_t length) {
-    bytes_.Shrink(building_ + length);
-    End();
-  }
-
  private:
   static constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
 
-  void End() {
-    if (bytes_.size() > kMostBytes) throw std::bad_alloc();
-    ends_.push_back(static_cast<std::uint32_t>(bytes_.size()));
-  }
-
   GrowArray<char> bytes_;
   GrowArray<std::uint32_t> ends_;
-  std::size_t building_ = 0;
   PlatformsForm form_;
 };
 

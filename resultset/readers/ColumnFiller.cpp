@@ -187,10 +187,17 @@ void ColumnFiller::AppendBinary(Sink& sink, const RowValues::InColumn& rows) {
 }
 
 void ColumnFiller::AppendPlainTexts(Sink& sink, const RowValues::InColumn& rows) {
-  auto& cells = *static_cast<TextCells*>(sink.cells);
-  for (std::size_t row = 0; row < rows.Rows(); ++row) {
-    AppendText(cells, rows[row], rows.MayHaveEntities(row), sink.longest);
-  }
+  std::size_t bytes = 0;
+  for (std::size_t row = 0; row < rows.Rows(); ++row) bytes += rows[row].size();
+  const auto put = [&](std::size_t row, char* to) {
+    const std::size_t length = CopyText(rows[row], rows.MayHaveEntities(row), to);
+    // As the platform's calls give it.
+    if (length > sink.longest) {
+      sink.longest = std::max(sink.longest, text::Trimmed({to, length}).size());
+    }
+    return length;
+  };
+  static_cast<TextCells*>(sink.cells)->AppendEach(rows.Rows(), bytes, put);
 }
 
 void ColumnFiller::ReserveAfter(std::uint64_t done, std::uint64_t total) {
