@@ -21,6 +21,8 @@ if(NOT WIN32)
   # For the transfer components, which are not built for Windows.
   find_package(OpenSSL REQUIRED)
   find_package(pugixml REQUIRED)
+  # With it, the stand-in server talks to PostgreSQL without a driver in between, which is several times as fast.
+  find_package(PostgreSQL)
 endif()
 
 find_path(FAST_FLOAT_INCLUDE_DIR fast_float/fast_float.h REQUIRED)

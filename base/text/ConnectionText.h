@@ -27,6 +27,8 @@ class ConnectionText {
   explicit ConnectionText(std::string_view text);
 
   [[nodiscard]] const std::string& Text() const { return text_; }
+  // In the order of the text.
+  [[nodiscard]] const std::vector<Setting>& Settings() const { return settings_; }
 
   // Returns the value of the first setting with this key, ignoring case, or null. It belongs to
   // this object.

@@ -27,8 +27,16 @@ using testing::Not;
 
 constexpr const char* kSqlite = "SQLite";
 constexpr const char* kSqliteByOdbc = "SQLite3";
+constexpr const char* kByLibpq = "PostgreSQL";
 constexpr const char* kUnicode = "PostgreSQL Unicode";
 constexpr const char* kAnsi = "PostgreSQL ANSI";
+
+// Returns the text for a way to PostgreSQL. libpq takes those that hold no settings of the driver.
+std::string TextFor(std::string_view way) {
+  const PostgresServer& server = PostgresServer::Shared();
+  if (way == kByLibpq) return server.ConnectionText();
+  return server.ConnectionText(std::string(way)) + ";Fetch=400";
+}
 
 std::string Source(const char* script) { return std::string(QV_STANDIN_DATA) + "/" + script; }
 
@@ -67,7 +75,7 @@ class DatabasesTest : public testing::TestWithParam<const char*> {
     nlohmann::json settings = nlohmann::json::object();
     if (IsPostgres()) {
       EmptyPostgres();
-      settings["TEST"]["odbc"] = PostgresServer::Shared().ConnectionText(GetParam());
+      settings["TEST"]["odbc"] = TextFor(GetParam());
     } else {
       std::filesystem::create_directory(folder_.Path() / "db");
       const std::string file = folder_.Write("db/TEST.sqlite", "");
@@ -119,8 +127,8 @@ class DatabasesTest : public testing::TestWithParam<const char*> {
 class PostgresTest : public DatabasesTest {};
 
 INSTANTIATE_TEST_SUITE_P(Engines, DatabasesTest,
-                         testing::Values(kSqlite, kSqliteByOdbc, kUnicode, kAnsi));
-INSTANTIATE_TEST_SUITE_P(Drivers, PostgresTest, testing::Values(kUnicode, kAnsi));
+                         testing::Values(kSqlite, kSqliteByOdbc, kByLibpq, kUnicode, kAnsi));
+INSTANTIATE_TEST_SUITE_P(Ways, PostgresTest, testing::Values(kByLibpq, kUnicode, kAnsi));
 
 TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
   Outcome made = Execute(
@@ -430,14 +438,15 @@ TEST_P(PostgresTest, UsesAKeptSessionOnlyIfItIsAliveAndHasForgottenTheLastReques
   kept_ = &own_;
   EXPECT_THAT(Rows("select cast('2024-02-29' as date)"),
               ElementsAre(ElementsAre("2024-02-29T00:00:00")));
+  const std::string second = backend();
   ASSERT_TRUE(Execute({"create table t (i integer)"}).Ok());
-  ASSERT_EQ(backend(), first);
+  ASSERT_EQ(backend(), second);
   kept_ = nullptr;
   Rows(
       "select pg_terminate_backend(pid, 5000) from pg_stat_activity where pid <> pg_backend_pid()"
       " and backend_type = 'client backend'");
   kept_ = &own_;
-  EXPECT_NE(backend(), first);
+  EXPECT_NE(backend(), second);
   ASSERT_TRUE(Execute({"insert into t values (1)"}).Ok());
   EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("1")));
 }
@@ -479,7 +488,7 @@ TEST(OdbcDatabase, SaysWhyItCannotConnectWithoutTheText) {
   for (const auto& [wrong, reason] : cases) {
     std::int32_t failed = -1;
     const std::string_view statement = "select 1";
-    const Outcome outcome = OdbcDatabase(wrong, limit).Execute({&statement, 1}, failed);
+    const Outcome outcome = OdbcDatabase({wrong, limit}).Execute({&statement, 1}, failed);
     EXPECT_EQ(outcome.code, ErrorCode::kNoDatabase);
     EXPECT_EQ(ClassOf(outcome), error::kInternal);
     EXPECT_THAT(TextForClients(outcome), HasSubstr("cannot be reached"));
@@ -515,7 +524,7 @@ TEST_F(StandInOverOdbc, ServesADatabaseOfAnotherEngine) {
             "[22012] ERROR: division by zero; Error while executing the query");
   WorkLimit limit(milliseconds(30'000), [] { return false; });
   Kept kept;
-  EXPECT_TRUE(OdbcDatabase(postgres.ConnectionText(), limit)
+  EXPECT_TRUE(OdbcDatabase({postgres.ConnectionText(), limit})
                   .Query("select code, name from projects where id = 1", kept)
                   .Ok());
   EXPECT_THAT(kept.rows, ElementsAre(ElementsAre("PRJ-0017", "滨江桥")));

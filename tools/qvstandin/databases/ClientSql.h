@@ -1,6 +1,9 @@
 // What the server does with a client's SQL before it runs.
 #pragma once
 
+#include <cstdint>
+#include <deque>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,5 +27,20 @@ namespace qv::standin {
 // engines need no semicolon before them. Quotes and comments are read as PostgreSQL reads them;
 // text that it could read in two ways is refused.
 Outcome GuardStatements(std::string_view sql, std::vector<std::string_view>& statements);
+
+// A client's SQL as it will run, and the statements in it.
+struct GuardedText {
+  std::string text;
+  std::vector<std::string_view> statements;  // in `text`, which must not move
+};
+
+// Guards a text that must be one statement, with plain names of tables, for an engine that reads
+// SQL as PostgreSQL does.
+Outcome GuardQuery(std::string_view sql, GuardedText& query);
+
+// Guards all texts of a batch in the same way, each of which must have a statement. Sets `failed`
+// to the 1-based position of the text that is refused, or to 0 if none is.
+Outcome GuardBatch(std::span<const std::string_view> batch, std::deque<GuardedText>& texts,
+                   std::int32_t& failed);
 
 }  // namespace qv::standin

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "KeptSession.h"
 #include "OdbcSession.h"
 #include "SqliteSession.h"
 #include "StatementWatch.h"
@@ -50,17 +51,20 @@ struct KeptDatabases {
   void Refresh() {
     sqlite.Refresh();
     odbc.Refresh();
+    postgres.Refresh();
   }
   // Closes everything.
   void Clear() {
     sqlite.Clear();
     odbc.Clear();
+    postgres.Clear();
     watch.reset();
   }
 
   KeptSessions<SqliteSession, 2> sqlite;  // each has three open files
   KeptSessions<OdbcSession, 4> odbc;
-  std::unique_ptr<StatementWatch> watch;  // for the next request behind ODBC; may be null
+  KeptSessions<KeptSession, 4> postgres;  // without a driver; PostgresRequest makes them
+  std::unique_ptr<StatementWatch> watch;  // for the next request to an engine; may be null
 };
 
 }  // namespace qv::standin

@@ -2,19 +2,16 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "Database.h"
-#include "KeptDatabases.h"
+#include "EngineRequest.h"
 #include "OdbcDriver.h"
 #include "OdbcSession.h"
-#include "StatementWatch.h"
 #include "base/odbc/Connection.h"
 #include "base/odbc/Statement.h"
-#include "base/text/ConnectionText.h"
 
 namespace qv::standin {
 
@@ -27,15 +24,9 @@ namespace qv::standin {
 // Procedures are the engine's own: on PostgreSQL, a function or procedure outside the system's
 // schemas, found in any case; elsewhere, what the driver's call escape finds. If there are several
 // results, the first with columns is the answer.
-class OdbcDatabase : public Database {
+class OdbcDatabase : public Database, private EngineRequest {
  public:
-  // The longest value in bytes, unless the owner of the server sets another.
-  static constexpr std::size_t kLongestCell = std::size_t{64} << 20;
-
-  // `limit` outlives the object, and nothing else may use it meanwhile. `kept` outlives it as well,
-  // and may be null.
-  OdbcDatabase(const std::string& connection_text, WorkLimit& limit,
-               std::size_t cell_limit = kLongestCell, KeptDatabases* kept = nullptr);
+  explicit OdbcDatabase(const EngineAccess& access);
   ~OdbcDatabase() override;
   OdbcDatabase(const OdbcDatabase&) = delete;
   OdbcDatabase& operator=(const OdbcDatabase&) = delete;
@@ -57,10 +48,6 @@ class OdbcDatabase : public Database {
   [[nodiscard]] std::string KeyOf(Work work) const;
   Outcome Connect(Work work);
   Outcome BeginTransaction(Work work);
-  static Outcome CannotConnect(Outcome outcome);
-  // In seconds; 0 means no limit.
-  [[nodiscard]] std::uint32_t LongestLogin() const;
-  [[nodiscard]] std::uint32_t LongestStatement() const;
   // Sets a savepoint, by which End() sees whether the transaction is still the same.
   Outcome Mark();
   void Cancel(odbc::Statement& statement, int before) const;
@@ -76,18 +63,10 @@ class OdbcDatabase : public Database {
   // Commits if `outcome` is a success, and rolls back otherwise.
   Outcome End(Outcome outcome);
   void RollBack();
-  // After a failure of the engine, no later request gets this connection.
-  [[nodiscard]] Outcome Failure();
+  [[nodiscard]] Outcome Failed() { return Failure(IsPostgres()); }
   [[nodiscard]] bool IsPostgres() const { return session_ != nullptr && session_->IsPostgres(); }
 
-  const text::ConnectionText text_;
-  const std::optional<std::chrono::milliseconds> time_;
-  const std::size_t cell_limit_;
-  KeptDatabases* const kept_;
-  bool is_clean_ = true;  // another request may have the session
   bool is_rolled_back_ = false;
-  std::unique_ptr<StatementWatch> watch_;
-  odbc::Diagnostics said_;
   std::unique_ptr<OdbcSession> session_;
   std::string marker_;  // the savepoint that vanishes with the transaction
 };

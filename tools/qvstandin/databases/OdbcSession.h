@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "PostgresSql.h"
 #include "base/odbc/Connection.h"
 #include "base/text/ConnectionText.h"
 
@@ -22,7 +23,6 @@ class OdbcSession {
   [[nodiscard]] static std::unique_ptr<OdbcSession> Begin(std::string key, Connection connection,
                                                           std::chrono::milliseconds statement_limit,
                                                           odbc::Diagnostics& said);
-  ~OdbcSession();
   OdbcSession(const OdbcSession&) = delete;
   OdbcSession& operator=(const OdbcSession&) = delete;
 
@@ -53,17 +53,14 @@ class OdbcSession {
   const Connection connection_;
   const bool is_postgres_;
   std::int64_t backend_ = 0;
-  std::string forget_all_;           // the statements that make the session forget everything
-  const char* to_forget_ = nullptr;  // those for the last request; null: none
-  bool is_counted_ = false;          // among the sessions that are kept
-  const std::chrono::steady_clock::time_point opened_ = std::chrono::steady_clock::now();
+  std::string forget_what_lasts_;  // the statements for requests that were rolled back
+  std::string forget_all_;
+  const std::string* to_forget_ = nullptr;  // those for the last request; null: none
+  KeptPlace place_;
 };
 
 // Returns whether the server can keep connections of this text: the driver is PostgreSQL's, and its
 // text says all that it does when it connects.
 [[nodiscard]] bool MayBeKept(const text::ConnectionText& text);
-
-// Returns whether a statement may change what a session cannot be made to forget.
-[[nodiscard]] bool MarksItsSession(std::string_view sql);
 
 }  // namespace qv::standin

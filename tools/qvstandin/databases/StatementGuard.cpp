@@ -106,10 +106,34 @@ class Guard {
   std::string complaint_;
 };
 
+Outcome GuardText(std::string_view sql, GuardedText& guarded) {
+  guarded.text = WithPlainTableNames(sql, text::kPostgreSql);
+  Outcome outcome = GuardStatements(guarded.text, guarded.statements);
+  if (!outcome.Ok() || !guarded.statements.empty()) return outcome;
+  return {ErrorCode::kSqlFailed, "there is no statement", error::kSyntax};
+}
+
 }  // namespace
 
 Outcome GuardStatements(std::string_view sql, std::vector<std::string_view>& statements) {
   return Guard(sql, statements).Run();
+}
+
+Outcome GuardQuery(std::string_view sql, GuardedText& query) {
+  if (Outcome guarded = GuardText(sql, query); !guarded.Ok()) return guarded;
+  if (query.statements.size() == 1) return {};
+  return {ErrorCode::kNotPermitted, "a query must be one statement"};
+}
+
+Outcome GuardBatch(std::span<const std::string_view> batch, std::deque<GuardedText>& texts,
+                   std::int32_t& failed) {
+  failed = 0;
+  for (const std::string_view sql : batch) {
+    ++failed;
+    if (Outcome guarded = GuardText(sql, texts.emplace_back()); !guarded.Ok()) return guarded;
+  }
+  failed = 0;
+  return {};
 }
 
 }  // namespace qv::standin

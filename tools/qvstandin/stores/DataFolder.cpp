@@ -9,6 +9,7 @@
 #include "base/platform/Platform.h"
 #include "base/storage/OutputFile.h"
 #include "tools/qvstandin/databases/OdbcDatabase.h"
+#include "tools/qvstandin/databases/Postgres.h"
 #include "tools/qvstandin/databases/SqliteDatabase.h"
 
 namespace qv::standin {
@@ -120,8 +121,10 @@ std::unique_ptr<Database> DataFolder::Open(std::string_view name, WorkLimit& lim
   if (!IsDatabaseName(name)) return nullptr;
   const DatabaseSettings* const settings = SettingsOf(name);
   if (settings != nullptr && !settings->odbc.empty()) {
-    return std::make_unique<OdbcDatabase>(settings->odbc, limit,
-                                          cell_limit_.value_or(OdbcDatabase::kLongestCell), kept);
+    const EngineAccess access{settings->odbc, limit, cell_limit_.value_or(kLongestEngineCell),
+                              kept};
+    auto postgres = OpenPostgres(access);
+    return postgres != nullptr ? std::move(postgres) : std::make_unique<OdbcDatabase>(access);
   }
   return SqliteDatabase::Open(DatabaseFile(name), limit,
                               cell_limit_.value_or(SqliteDatabase::kLongestCell), kept);
