@@ -11,11 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "ServerFixture.h"
-#include "tests/support/PostgresServer.h"
+#include "PostgresFixture.h"
 #include "tests/support/TempFolder.h"
-#include "tools/qvstandin/recordsets/AnswerSpool.h"
-#include "tools/qvstandin/recordsets/RecordsetWriter.h"
+#include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {
 namespace {
@@ -23,7 +21,6 @@ namespace {
 using std::chrono::milliseconds;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr const char* kSqlite = "SQLite";
 constexpr const char* kSqliteByOdbc = "SQLite3";
@@ -37,35 +34,6 @@ std::string TextFor(std::string_view way) {
   if (way == kByLibpq) return server.ConnectionText();
   return server.ConnectionText(std::string(way)) + ";Fetch=400";
 }
-
-std::string Source(const char* script) { return std::string(QV_STANDIN_DATA) + "/" + script; }
-
-// Creates an empty database with the types that the sample's tables need.
-void EmptyPostgres() {
-  const PostgresServer& server = PostgresServer::Shared();
-  ASSERT_TRUE(server.Run({"-c", "DROP SCHEMA public CASCADE", "-c", "CREATE SCHEMA public", "-f",
-                          Source("postgresql.sql")}));
-}
-
-// Stores an answer as text; nulls are "-".
-class Kept : public RowSink {
- public:
-  bool Begin(const std::vector<Column>& columns) override {
-    this->columns = columns;
-    return true;
-  }
-  bool Row(const std::vector<Cell>& cells) override {
-    std::vector<std::string>& row = rows.emplace_back();
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      std::string text;
-      row.push_back(AppendCellText(columns[i].kind, BinaryForm::kHex, cells[i], text) ? text : "-");
-    }
-    return true;
-  }
-
-  std::vector<Column> columns;
-  std::vector<std::vector<std::string>> rows;
-};
 
 class DatabasesTest : public testing::TestWithParam<const char*> {
  protected:
@@ -176,12 +144,6 @@ TEST_P(DatabasesTest, GiveTheSameColumnsAndCells) {
               ElementsAre("-", "-", testing::_, "", "", ""));
   EXPECT_THAT(kept.rows[2], testing::Contains("-").Times(12));
 }
-
-// Keeps the whole answer in memory.
-class WrittenSink : public AnswerSpool {
- public:
-  WrittenSink() : AnswerSpool("", 1 << 20, 1 << 20) {}
-};
 
 TEST_P(DatabasesTest, LoseNoDigitAndNoNull) {
   const Outcome made =
@@ -474,60 +436,6 @@ TEST_P(PostgresTest, KeepsATransactionWhateverTheStatementsDoToItsSettings) {
                                     " $$ insert into t values (1) returning i $$"}));
   EXPECT_EQ(Refusal("select write()"), ErrorCode::kNotPermitted);
   EXPECT_THAT(Rows("select count(*) from t"), ElementsAre(ElementsAre("0")));
-}
-
-TEST(OdbcDatabase, SaysWhyItCannotConnectWithoutTheText) {
-  std::string text = PostgresServer::Shared().ConnectionText();
-  text.replace(text.find(PostgresServer::kPassword), std::string(PostgresServer::kPassword).size(),
-               "wrong word");
-  WorkLimit limit(milliseconds(30'000), [] { return false; });
-  const std::pair<std::string, const char*> cases[] = {
-      {text, "password authentication failed"},
-      {"Driver=PostgreSQL Unicode;Server=127.0.0.1;Port=1;Uid=tester;Pwd=wrong word", "refused"},
-      {"Driver=No such driver;Uid=tester;Pwd=wrong word", "lib"}};
-  for (const auto& [wrong, reason] : cases) {
-    std::int32_t failed = -1;
-    const std::string_view statement = "select 1";
-    const Outcome outcome = OdbcDatabase({wrong, limit}).Execute({&statement, 1}, failed);
-    EXPECT_EQ(outcome.code, ErrorCode::kNoDatabase);
-    EXPECT_EQ(ClassOf(outcome), error::kInternal);
-    EXPECT_THAT(TextForClients(outcome), HasSubstr("cannot be reached"));
-    EXPECT_EQ(failed, 0);
-    EXPECT_THAT(outcome.text,
-                testing::AllOf(HasSubstr(reason), Not(HasSubstr("127.0.0.1")),
-                               Not(HasSubstr("tester")), Not(HasSubstr("wrong word"))));
-  }
-}
-
-class StandInOverOdbc : public ServerTest {};
-
-TEST_F(StandInOverOdbc, ServesADatabaseOfAnotherEngine) {
-  EmptyPostgres();
-  const PostgresServer& postgres = PostgresServer::Shared();
-  ASSERT_TRUE(postgres.Run({"-f", Source("DESIGNDB.sql")}));
-  const nlohmann::json settings{
-      {"DESIGNDB",
-       {{"odbc", postgres.ConnectionText()}, {"connection_text", "Driver=for clients"}}}};
-  std::filesystem::permissions(folder_.Write("databases.json", settings.dump()),
-                               std::filesystem::perms(0600));
-  Start();
-  RawClient client(server_->Port());
-  const auto ask = [&](std::uint32_t command, const std::vector<std::string>& fields) {
-    EXPECT_TRUE(client.Send(FrameOf(command, fields)));
-    return client.Fields();
-  };
-  EXPECT_THAT(ask(300, {"DESIGNDB", "update X.dbo.Projects set name = '滨江桥' where id = 1"}),
-              ElementsAre("SUCCESS"));
-  EXPECT_THAT(ask(710, {"DESIGNDB"}), ElementsAre("1", "Driver=for clients"));
-  EXPECT_EQ(ask(300, {"DESIGNDB", "select 1/0"}).at(0), "FAILURE");
-  EXPECT_EQ(server_->Served().back().outcome,
-            "[22012] ERROR: division by zero; Error while executing the query");
-  WorkLimit limit(milliseconds(30'000), [] { return false; });
-  Kept kept;
-  EXPECT_TRUE(OdbcDatabase({postgres.ConnectionText(), limit})
-                  .Query("select code, name from projects where id = 1", kept)
-                  .Ok());
-  EXPECT_THAT(kept.rows, ElementsAre(ElementsAre("PRJ-0017", "滨江桥")));
 }
 
 }  // namespace

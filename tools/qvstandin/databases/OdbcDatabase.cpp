@@ -207,8 +207,8 @@ Outcome OdbcDatabase::WriteCall(const ProcedureCall& call, std::string& sql) {
   }
   odbc::Statement statement(session_->Connected());
   const StatementWatch::Over over(*watch_, [&](int before) { Cancel(statement, before); });
-  const std::vector<odbc::Argument> names(2, call.name);
-  if (!statement.Execute(FindRoutineSql("?", "?"), names, said_)) return Failed();
+  const std::vector<odbc::Argument> names(kRoutineParameters, call.name);
+  if (!statement.Execute(FindRoutineSql({"?", "?", "?", "?"}), names, said_)) return Failed();
   const odbc::Step step = statement.Next(said_);
   if (step == odbc::Step::kEnd) return {ErrorCode::kNoProcedure, "no procedure " + call.name};
   std::string name;

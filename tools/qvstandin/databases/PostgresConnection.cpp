@@ -85,6 +85,10 @@ bool PostgresConnection::Add(std::string_view sql, std::span<const Argument> arg
   return is_added || Failed(said);
 }
 
+bool PostgresConnection::AskForAnswers(odbc::Diagnostics& said) {
+  return PQsendFlushRequest(connection_.get()) == 1 || Failed(said);
+}
+
 bool PostgresConnection::Send(odbc::Diagnostics& said) {
   is_first_ = true;
   return PQpipelineSync(connection_.get()) == 1 || Failed(said);
@@ -171,11 +175,10 @@ bool PostgresConnection::Failed(const PGresult* result, odbc::Diagnostics& said)
   const std::string state = FieldOf(result, PG_DIAG_SQLSTATE);
   if (state.empty()) return Failed(said);
   const std::string detail = FieldOf(result, PG_DIAG_MESSAGE_DETAIL);
-  said.push_back(
-      {state, 0,
-       fmt::format("{}: {}{}{};\nError while executing the query",
-                   FieldOf(result, PG_DIAG_SEVERITY), FieldOf(result, PG_DIAG_MESSAGE_PRIMARY),
-                   detail.empty() ? "" : "\nDETAIL: ", detail)});
+  said.push_back({state, 0,
+                  fmt::format("{}: {}{}{}", FieldOf(result, PG_DIAG_SEVERITY),
+                              FieldOf(result, PG_DIAG_MESSAGE_PRIMARY),
+                              detail.empty() ? "" : "\nDETAIL: ", detail)});
   return false;
 }
 

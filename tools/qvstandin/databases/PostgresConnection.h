@@ -41,6 +41,8 @@ class PostgresConnection {
   [[nodiscard]] bool Add(std::string_view sql, odbc::Diagnostics& said) {
     return Add(sql, {}, said);
   }
+  // Makes the server send the answers to what was added before it answers the rest of the group.
+  [[nodiscard]] bool AskForAnswers(odbc::Diagnostics& said);
   // Ends the current group and sends it. Groups are independent of each other: the next one runs
   // whatever came of this one.
   [[nodiscard]] bool Send(odbc::Diagnostics& said);

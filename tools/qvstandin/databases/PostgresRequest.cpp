@@ -17,6 +17,8 @@ namespace {
 // The most that is sent before the answers to it are read, but for a longer statement.
 constexpr std::size_t kLargestGroup = 8U << 10;
 
+constexpr std::string_view kCommit = "COMMIT";
+
 bool HasBackslash(std::string_view sql) { return sql.find('\\') != std::string_view::npos; }
 
 // Returns "($1, $2)" for two arguments.
@@ -50,14 +52,17 @@ Outcome PostgresRequest::Query(const GuardedText& query, RowSink& sink) {
   if (watch_->IsOver()) return Failed();
   const auto add = [this](const Step& step) { return Connected().Add(step.sql, said_); };
   const bool is_sent = std::ranges::all_of(steps, add) && Connected().Add(sql, said_) &&
-                       Connected().Send(said_) && session_->SendRollBack(said_);
+                       session_->SendRollBack(said_);
   if (!is_sent) return Failed();
   Outcome outcome;
   for (std::size_t i = 0; i < steps.size() && outcome.Ok(); ++i) outcome = ReadStatement(nullptr);
   if (outcome.Ok()) outcome = ReadStatement(&sink);
-  Skip();
-  if (!outcome.Ok()) Skip();  // the rollback as well
-  if (!outcome.Ok() || is_delivered_) return outcome;
+  if (!outcome.Ok()) {
+    Skip();
+    RollBack();
+    return outcome;
+  }
+  if (is_delivered_) return {};
   return {ErrorCode::kNotPermitted, "a query must only read"};
 }
 
@@ -78,7 +83,7 @@ Outcome PostgresRequest::Execute(const std::deque<GuardedText>& texts, std::int3
     }
   }
   steps.push_back({release, 0});
-  steps.push_back({"COMMIT", 0});
+  steps.push_back({kCommit, 0});
   const StatementWatch::Over over(*watch_, [this](int) { Connected().Cancel(); });
   Outcome outcome = RunSteps(steps, failed);
   if (!outcome.Ok()) RollBack();
@@ -93,7 +98,7 @@ Outcome PostgresRequest::RunSteps(const Steps& steps, std::int32_t& failed) {
     if (!outcome.Ok()) return outcome;
     for (std::size_t i = first; i < end && outcome.Ok(); ++i) {
       failed = steps[i].position;
-      outcome = ReadStatement(nullptr);
+      outcome = steps[i].sql == kCommit ? ReadCommit() : ReadStatement(nullptr);
       const bool has_lost_its_mark = !outcome.Ok() && steps[i].sql.starts_with("RELEASE ");
       if (has_lost_its_mark) outcome.text = "the transaction was ended early: " + outcome.text;
     }
@@ -131,7 +136,7 @@ Outcome PostgresRequest::Call(const ProcedureCall& call, RowSink& sink) {
   }
   if (outcome.Ok() && !is_delivered_ && !sink.Begin({})) outcome = Lost();
   std::int32_t ignored = 0;
-  if (outcome.Ok()) outcome = RunSteps({{release, 0}, {"COMMIT", 0}}, ignored);
+  if (outcome.Ok()) outcome = RunSteps({{release, 0}, {kCommit, 0}}, ignored);
   if (!outcome.Ok()) RollBack();
   return outcome;
 }
@@ -140,10 +145,10 @@ Outcome PostgresRequest::BeginCall(const ProcedureCall& call, const std::string&
                                    std::string& sql) {
   if (watch_->IsOver()) return Failed();
   is_clean_ &= !MarksItsSession(call.name);
-  static const std::string find = FindRoutineSql("$1", "$2");
-  const std::vector<PostgresConnection::Argument> names(2, call.name);
+  static const std::string find = FindRoutineSql({"$1", "$1", "$1", "$1"});
+  const PostgresConnection::Argument name = call.name;
   const bool is_sent = Connected().Add("BEGIN", said_) && Connected().Add(mark, said_) &&
-                       Connected().Add(find, names, said_) && Connected().Send(said_);
+                       Connected().Add(find, {&name, 1}, said_) && Connected().Send(said_);
   if (!is_sent) return Failed();
   Outcome outcome = ReadStatement(nullptr);
   if (outcome.Ok()) outcome = ReadStatement(nullptr);
@@ -162,7 +167,7 @@ Outcome PostgresRequest::ReadRoutine(const ProcedureCall& call, std::string& sql
                          NumberedMarks(call.arguments.size()));
     reply = Connected().Read(said_);
   }
-  if (reply != Reply::kEnd) return Failed();
+  if (reply != Reply::kEnd) return FailedStatement();
   return is_found ? Outcome() : Outcome{ErrorCode::kNoProcedure, "no procedure " + call.name};
 }
 
@@ -186,7 +191,7 @@ Outcome PostgresRequest::ReadStatement(RowSink* sink) {
   std::optional<PostgresCells> cells;
   while (true) {
     const Reply reply = Connected().Read(said_);
-    if (reply != Reply::kRow && reply != Reply::kEnd) return Failed();
+    if (reply != Reply::kRow && reply != Reply::kEnd) return FailedStatement();
     if (sink != nullptr && !cells) {
       Outcome outcome = BeginAnswer(*sink, cells);
       if (!outcome.Ok()) return Stopped(std::move(outcome));
@@ -210,6 +215,16 @@ Outcome PostgresRequest::BeginAnswer(RowSink& sink, std::optional<PostgresCells>
 Outcome PostgresRequest::DeliverRow(RowSink& sink, PostgresCells& cells) {
   if (watch_->IsOver() || !cells.Read(Connected().Result(), said_)) return Failed();
   return sink.Row(cells.Row()) ? Outcome() : Lost();
+}
+
+Outcome PostgresRequest::ReadCommit() {
+  return Connected().Read(said_) == Reply::kEnd ? Outcome() : Failed();
+}
+
+// In the words of the driver.
+Outcome PostgresRequest::FailedStatement() {
+  if (!said_.empty()) said_.back().text += ";\nError while executing the query";
+  return Failed();
 }
 
 // The statement still runs.

@@ -54,6 +54,7 @@ class PostgresRequest : private EngineRequest {
   Outcome RunSteps(const Steps& steps, std::int32_t& failed);
   // Reads the answer to one statement. Its rows are discarded if there is no sink.
   Outcome ReadStatement(RowSink* sink);
+  Outcome ReadCommit();
   Outcome BeginAnswer(RowSink& sink, std::optional<PostgresCells>& cells);
   Outcome DeliverRow(RowSink& sink, PostgresCells& cells);
   // Begins the transaction, and sets `sql` to the statement that calls a procedure.
@@ -63,6 +64,7 @@ class PostgresRequest : private EngineRequest {
   void Skip();
   void RollBack();
   [[nodiscard]] Outcome Failed() { return Failure(true); }
+  [[nodiscard]] Outcome FailedStatement();
   // Returns the failure of a statement that the server has to be told to end.
   [[nodiscard]] Outcome Stopped(Outcome outcome);
 

@@ -38,8 +38,9 @@ PostgresSession::PostgresSession(std::string key, std::unique_ptr<PostgresConnec
 
 bool PostgresSession::SendRollBack(odbc::Diagnostics& said) {
   state_ = State::kRollsBack;
-  return connection_->Add("ROLLBACK", said) && connection_->Add(kForgetStatements, said) &&
-         connection_->Add(kForgetLocks, said) && connection_->Send(said);
+  return connection_->AskForAnswers(said) && connection_->Add(kForgetLocks, said) &&
+         connection_->Add(kForgetStatements, said) && connection_->Add("ROLLBACK", said) &&
+         connection_->Send(said);
 }
 
 bool PostgresSession::End() {

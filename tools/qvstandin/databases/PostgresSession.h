@@ -24,8 +24,8 @@ class PostgresSession : public KeptSession {
   [[nodiscard]] const std::string& Key() const override { return key_; }
   [[nodiscard]] PostgresConnection& Connected() const { return *connection_; }
 
-  // Sends a group that rolls back and forgets what outlasts that. It is read when the session is
-  // taken for the next request.
+  // Sends a group of statements. The engine answers these at once, and then rolls back and forgets
+  // what outlasts that. Those answers are read when the session is taken for the next request.
   [[nodiscard]] bool SendRollBack(odbc::Diagnostics& said);
   // Ends a request. Returns whether the session may be kept for another one.
   [[nodiscard]] bool End();

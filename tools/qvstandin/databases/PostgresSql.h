@@ -1,7 +1,9 @@
 // What the server itself says to PostgreSQL, and what it keeps of connections to it.
 #pragma once
 
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,9 +23,12 @@ inline constexpr const char* kForgetTheRest =
     "SET SESSION AUTHORIZATION DEFAULT; RESET ALL; CLOSE ALL; UNLISTEN *;"
     " DISCARD SEQUENCES; DISCARD TEMP";
 
-// Returns the statement that finds the name and the kind of a routine. Its two parameters, which
-// are written as `first` and `second`, are both the name that the client gave.
-[[nodiscard]] std::string FindRoutineSql(std::string_view first, std::string_view second);
+// Returns the statement that finds the name and the kind of a routine, in any letter case, but
+// preferably as it is written. All of its parameters, which are written as `names`, are the name
+// that the client gave.
+inline constexpr std::size_t kRoutineParameters = 4;
+[[nodiscard]] std::string FindRoutineSql(
+    const std::array<std::string_view, kRoutineParameters>& names);
 
 // Returns the statement that calls a routine of this kind. `name` consists of letters, digits and
 // "_"; `marks` are its parameters in brackets.
