@@ -3,7 +3,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 build_packages=(g++ cmake ninja-build libboost1.81-dev zlib1g-dev libsqlite3-dev
-  libzip-dev libcurl4-openssl-dev unixodbc-dev libfast-float-dev libcli11-dev nlohmann-json3-dev libfmt-dev
+  libzip-dev libcurl4-openssl-dev unixodbc-dev libpq-dev libfast-float-dev libcli11-dev nlohmann-json3-dev libfmt-dev
   libssl-dev libpugixml-dev libutf8proc-dev libdeflate-dev)
 test_packages=(libgtest-dev libgmock-dev openssl libsqliteodbc postgresql odbc-postgresql python3-botocore
   python3-pyftpdlib python3-openssl)

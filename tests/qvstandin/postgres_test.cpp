@@ -112,11 +112,16 @@ TEST_F(PostgresWaysTest, GivesTheSameColumnsAndCells) {
 }
 
 TEST_F(PostgresWaysTest, FailsInTheSameWords) {
-  // The driver opens a cursor on this, and so it goes on behind its end.
-  const auto cut = [](Database& database, RowSink& sink, std::int32_t&) {
-    return database.Query("select from", sink);
+  // The driver opens cursors, so that it adds to the first text and cannot run the second.
+  const auto ask = [this](bool by_driver, const char* sql) {
+    return Ask(by_driver, [sql](Database& database, RowSink& sink, std::int32_t&) {
+      return database.Query(sql, sink);
+    });
   };
-  EXPECT_EQ(Ask(false, cut).error_class, Ask(true, cut).error_class);
+  EXPECT_EQ(ask(false, "select from").error_class, ask(true, "select from").error_class);
+  const char* const writing = "with n as (delete from pg_class returning oid) select * from n";
+  EXPECT_EQ(ask(false, writing).code, ErrorCode::kNotPermitted);
+  EXPECT_EQ(ask(true, writing).code, ErrorCode::kSqlFailed);
   for (const char* const sql :
        {"select 1/0", "select id from nowhere", "select absent(1)", "select $1", "select 'a' || ?",
         "select from pg_class", "delete from pg_class", "selec 1", "insert into nowhere values (1)",

@@ -18,6 +18,12 @@ std::atomic<int> kept_sessions = 0;
 
 constexpr std::chrono::minutes kLongestAge{1};
 
+bool TakeOne() {
+  if (kept_sessions++ < kMostKept) return true;
+  --kept_sessions;
+  return false;
+}
+
 }  // namespace
 
 // Reading all names takes a millisecond, so the index is asked first, for the two likely ones.
@@ -50,7 +56,7 @@ KeptPlace::~KeptPlace() {
 }
 
 bool KeptPlace::Take() {
-  if (!is_counted_) is_counted_ = kept_sessions++ < kMostKept || (--kept_sessions, false);
+  if (!is_counted_) is_counted_ = TakeOne();
   return is_counted_;
 }
 
