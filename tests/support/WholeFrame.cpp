@@ -33,7 +33,9 @@ WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKinds expected,
   WholeFrame frame{.status = wire::ReceiveHeader(stream, expected, {}, header)};
   if (frame.status != wire::FrameStatus::kDone) return frame;
   frame.kind = header.kind;
-  if (frame.kind == wire::FrameKind::kHello || frame.kind == wire::FrameKind::kProgress) {
+  frame.number = header.number;
+  if (frame.kind == wire::FrameKind::kHello || frame.kind == wire::FrameKind::kHello3 ||
+      frame.kind == wire::FrameKind::kProgress) {
     return frame;
   }
   const auto room = [](std::string& text, std::uint64_t size) {
@@ -54,7 +56,8 @@ wire::FrameStatus SendWhole(wire::ByteStream& stream, wire::FrameKind kind, cons
   const wire::OutgoingMessage message{.kind = kind,
                                       .token = BytesOfText(frame.token),
                                       .block = BytesOfText(frame.block),
-                                      .payload = BytesOfText(frame.payload)};
+                                      .payload = BytesOfText(frame.payload),
+                                      .number = frame.number};
   return wire::SendFrame(stream, message, file);
 }
 

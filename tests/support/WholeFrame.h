@@ -26,9 +26,10 @@ struct WholeFrame {
   std::string token = {};
   std::string block = std::string(wire::kFrameBlockSize, '\0');
   std::string payload = {};
+  std::uint32_t number = 0;
 };
 
-// A file of the frame is stored as `path`. The frames hello and progress are a header alone.
+// A file of the frame is stored as `path`. Hellos and progress frames are a header alone.
 WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKinds expected,
                         const std::string& path = "");
 WholeFrame ReceiveWhole(wire::ByteStream& stream, wire::FrameKind expected,

@@ -62,6 +62,23 @@ std::string GoldenReplyWithReason() {
          std::string(kFrameBlockSize, '\0') + FromHex("070000004641494c5552450061f0816e");
 }
 
+constexpr const char* kGoldenHello3 =
+    "51764e34030002000000000000000000ffffffffffffffff0000000080da92de";
+
+std::string GoldenNumbered(const char* header, const char* rest) {
+  return FromHex(header) + '\xC8' + std::string(kFrameBlockSize - 1, '\0') + FromHex(rest);
+}
+
+std::string GoldenNumberedRequest() {
+  return GoldenNumbered("51764e34030000000d00000007000000ffffffffffffffff00000000d8ed6abb",
+                        "0800000053454c4543542031005178b411");
+}
+
+std::string GoldenNumberedReply() {
+  return GoldenNumbered("51764e34030001000c00000007000000ffffffffffffffff000000005eb225c9",
+                        "070000005355434345535300615aada4");
+}
+
 WholeFrame Receive(const std::string& frame, FrameKind kind, const std::string& path) {
   MemoryStream stream;
   stream.unread = frame;
@@ -101,6 +118,34 @@ TEST(Frame, WritesTheDocumentedBytesOfVersion2) {
                       {.token = {reason.begin(), reason.end()}, .payload = Field("FAILURE")}),
             FrameStatus::kDone);
   EXPECT_EQ(reply.written, GoldenReplyWithReason());
+}
+
+TEST(Frame, WritesTheDocumentedBytesOfVersion3AndReadsThemBack) {
+  MemoryStream hello;
+  EXPECT_TRUE(SendHello(hello, FrameKind::kHello3));
+  EXPECT_EQ(hello.written, FromHex(kGoldenHello3));
+  const struct {
+    FrameKind kind;
+    const char* text;
+    std::string golden;
+  } cases[] = {{FrameKind::kNumberedRequest, "SELECT 1", GoldenNumberedRequest()},
+               {FrameKind::kNumberedReply, "SUCCESS", GoldenNumberedReply()}};
+  for (const auto& one : cases) {
+    WholeFrame message{.payload = Field(one.text), .number = 7};
+    message.block[0] = static_cast<char>(200);
+    MemoryStream stream;
+    EXPECT_EQ(SendWhole(stream, one.kind, message), FrameStatus::kDone);
+    EXPECT_EQ(stream.written, one.golden);
+    const WholeFrame back = Receive(one.golden, one.kind, "");
+    EXPECT_EQ(back.status, FrameStatus::kDone);
+    EXPECT_EQ(back.number, 7U);
+    EXPECT_EQ(back.payload, Field(one.text));
+    for (std::size_t at = 0; at < one.golden.size(); ++at) {
+      EXPECT_EQ(Receive(one.golden.substr(0, at), one.kind, "").status,
+                FrameStatus::kConnectionLost);
+      EXPECT_NE(Receive(Damaged(one.golden, at), one.kind, "").status, FrameStatus::kDone) << at;
+    }
+  }
 }
 
 FrameStatus ReceiveBusyOf(const std::string& frame, Reason& reason) {
@@ -238,6 +283,14 @@ TEST(Frame, ChecksWhatTheFramesOfVersion2MayHold) {
       {FrameKind::kBusy, 20, token(0xFFFFFFFF), FrameStatus::kMalformed},
       {FrameKind::kBusy, 8, 1, FrameStatus::kMalformed},
       {FrameKind::kBusy, 16, 1, FrameStatus::kMalformed},
+      {FrameKind::kHello3, 8, 0, FrameStatus::kDone},
+      {FrameKind::kHello3, 8, 1ULL << 32, FrameStatus::kMalformed},
+      {FrameKind::kNumberedRequest, 8, 0xFFFFFFFF'000003E8, FrameStatus::kDone},
+      {FrameKind::kNumberedRequest, 8, 0xFFFFFFFF'000003E9, FrameStatus::kDoesNotFit},
+      {FrameKind::kNumberedReply, 8, 0x00000001'04000001, FrameStatus::kMalformed},
+      {FrameKind::kNumberedRequest, 20, token(4096), FrameStatus::kDone},
+      {FrameKind::kNumberedReply, 20, token(1005), FrameStatus::kMalformed},
+      {FrameKind::kReplyWithReason, 8, 1ULL << 32, FrameStatus::kMalformed},
   };
   for (const auto& one : cases) {
     EXPECT_EQ(DecodeWith(one.at, one.value, one.kind), one.status)

@@ -23,20 +23,31 @@ constexpr std::size_t kTokenLengthAt = 24;
 constexpr std::size_t kHeaderChecksumAt = 28;
 static_assert(kHeaderChecksumAt + kFrameChecksumSize == kFrameHeaderSize);
 
+// The number is in the upper half of the payload's length, which is zero in other messages.
+constexpr std::size_t kNumberAt = kPayloadLengthAt + 4;
+static_assert(kMaxPayload <= std::numeric_limits<std::uint32_t>::max());
+
+bool IsNumbered(FrameKind kind) {
+  return kind == FrameKind::kNumberedRequest || kind == FrameKind::kNumberedReply;
+}
+
 bool IsMessage(FrameKind kind) {
   return kind == FrameKind::kRequest || kind == FrameKind::kReply ||
-         kind == FrameKind::kReplyWithReason;
+         kind == FrameKind::kReplyWithReason || IsNumbered(kind);
 }
 
 bool IsTokenLength(FrameKind kind, std::uint32_t length) {
   switch (kind) {
     case FrameKind::kRequest:
+    case FrameKind::kNumberedRequest:
       return length <= kMaxToken;
     case FrameKind::kReplyWithReason:
+    case FrameKind::kNumberedReply:
     case FrameKind::kBusy:
       return IsReasonLength(length);
     case FrameKind::kReply:
     case FrameKind::kHello:
+    case FrameKind::kHello3:
     case FrameKind::kProgress:
       break;
   }
@@ -72,6 +83,7 @@ std::array<unsigned char, kFrameHeaderSize> EncodeHeader(const FrameHeader& head
   std::ranges::copy(kFrameMagic, &bytes[kMagicAt]);
   StoreU32(&bytes[kVersionAndKindAt], static_cast<std::uint32_t>(header.kind));
   StoreU64(&bytes[kPayloadLengthAt], header.payload_length);
+  if (IsNumbered(header.kind)) StoreU32(&bytes[kNumberAt], header.number);
   StoreU64(&bytes[kFileLengthAt], header.file_length.value_or(kNoFile));
   StoreU32(&bytes[kTokenLengthAt], header.token_length);
   StoreU32(&bytes[kHeaderChecksumAt], Crc32(0, Bytes(bytes).first(kHeaderChecksumAt)));
@@ -92,6 +104,10 @@ FrameStatus DecodeHeader(std::span<const unsigned char, kFrameHeaderSize> bytes,
                       .token_length = LoadU32(&bytes[kTokenLengthAt]),
                       .payload_length = LoadU64(&bytes[kPayloadLengthAt]),
                       .file_length = LoadU64(&bytes[kFileLengthAt])};
+  if (IsNumbered(kind)) {
+    decoded.payload_length = LoadU32(&bytes[kPayloadLengthAt]);
+    decoded.number = LoadU32(&bytes[kNumberAt]);
+  }
   if (decoded.file_length == kNoFile) decoded.file_length.reset();
   if (!IsWithinFormat(decoded)) return FrameStatus::kMalformed;
   if (!IsWithin(limits, decoded)) return FrameStatus::kDoesNotFit;

@@ -4,7 +4,7 @@
 //
 // The frame of a request or a reply is
 //   the header (kFrameHeaderSize bytes), with its own checksum,
-//   the token of a request, or the reason of a reply of version 2; often empty,
+//   the token of a request, or the reason of a reply of version 2 or 3; often empty,
 //   the message's header block (kFrameBlockSize bytes),
 //   the payload: the message's fields unchanged,
 //   the body checksum: CRC-32 of token or reason, block and payload,
@@ -54,7 +54,7 @@ enum class FrameStatus {
 
 // The values are those of the header's word: the version is in the low half, the kind in the high
 // half. Only a client that has said hello, or asked for version 2 over HTTP, is sent frames of
-// version 2.
+// version 2, and only one that has said hello in version 3 may number its requests.
 enum class FrameKind : std::uint32_t {
   kRequest = 0x0000'0001,
   kReply = 0x0001'0001,
@@ -62,23 +62,37 @@ enum class FrameKind : std::uint32_t {
   kHello = 0x0002'0002,     // the first frame of a client that knows version 2, and its answer
   kProgress = 0x0003'0002,  // the server is still at work
   kBusy = 0x0004'0002,      // in place of the answer to a hello: the server has no place left
+  kNumberedRequest = 0x0000'0003,  // may follow others whose replies have not come yet
+  kNumberedReply = 0x0001'0003,    // has the number of its request, and may have a reason
+  kHello3 = 0x0002'0003,  // the hello of a client that will number requests, and its answer
 };
+
+// How many bytes of numbered requests a client may have on the way without their replies, or one
+// request that is larger.
+inline constexpr std::uint64_t kRequestWindow = 256ULL << 10;
 
 // What a receiver takes next.
 using FrameKinds = std::span<const FrameKind>;
-inline constexpr FrameKind kFirstFromClient[] = {FrameKind::kRequest, FrameKind::kHello};
+inline constexpr FrameKind kFirstFromClient[] = {FrameKind::kRequest, FrameKind::kHello,
+                                                 FrameKind::kHello3};
+inline constexpr FrameKind kRequestsOfVersion3[] = {FrameKind::kRequest,
+                                                    FrameKind::kNumberedRequest};
 inline constexpr FrameKind kAnswersToHello[] = {FrameKind::kHello, FrameKind::kBusy};
 inline constexpr FrameKind kAnswersToRequest[] = {FrameKind::kReply, FrameKind::kReplyWithReason,
                                                   FrameKind::kProgress};
+inline constexpr FrameKind kAnswersToHello3[] = {FrameKind::kHello3, FrameKind::kBusy};
+inline constexpr FrameKind kAnswersToNumbered[] = {FrameKind::kNumberedReply, FrameKind::kProgress};
 
 struct FrameHeader {
   FrameKind kind = FrameKind::kRequest;
-  // The length of the token, or, in version 2, of the reason as EncodeReason writes it.
+  // The length of the token, or of the reason as EncodeReason writes it.
   std::uint32_t token_length = 0;
   // Of kProgress: how long the server has been at work, in milliseconds; any number.
   std::uint64_t payload_length = 0;
   // Nothing if there is no file.
   std::optional<std::uint64_t> file_length;
+  // Of a numbered request and its reply; else 0.
+  std::uint32_t number = 0;
 
   bool operator==(const FrameHeader&) const = default;
 };

@@ -48,7 +48,8 @@ FrameHeader HeaderOf(const OutgoingMessage& message, const OutgoingFile* file) {
   FrameHeader header{.kind = message.kind,
                      .token_length = static_cast<std::uint32_t>(message.token.size()),
                      .payload_length = message.payload.size(),
-                     .file_length = {}};
+                     .file_length = {},
+                     .number = message.number};
   if (file != nullptr) header.file_length = file->Length();
   return header;
 }
@@ -125,7 +126,7 @@ FrameStatus SendFrame(ByteStream& stream, const OutgoingMessage& message, Outgoi
   return file != nullptr ? SendChunks(stream, *file, progress) : FrameStatus::kDone;
 }
 
-bool SendHello(ByteStream& stream) { return SendHeader(stream, FrameKind::kHello, 0); }
+bool SendHello(ByteStream& stream, FrameKind hello) { return SendHeader(stream, hello, 0); }
 
 bool SendProgress(ByteStream& stream, std::chrono::milliseconds at_work) {
   return SendHeader(stream, FrameKind::kProgress,

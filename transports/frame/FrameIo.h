@@ -54,17 +54,20 @@ using FileProgress = std::function<void(std::uint64_t done, std::uint64_t total)
 
 // A message to send. Refers to the caller's bytes.
 struct OutgoingMessage {
-  // kRequest, kReply or kReplyWithReason.
+  // A request or a reply.
   FrameKind kind = FrameKind::kRequest;
-  // The token of a request, the reason of kReplyWithReason as EncodeReason gives it, else empty.
+  // The token of a request, the reason of kReplyWithReason and kNumberedReply as EncodeReason gives
+  // it, else empty.
   Bytes token;
   // kFrameBlockSize bytes.
   Bytes block;
   Bytes payload;
+  // Of kNumberedRequest and kNumberedReply.
+  std::uint32_t number = 0;
 };
 
 // The buffers for the parts of a received message. Each has exactly the length that the header
-// states. The token of kReplyWithReason is the reason, which DecodeReason reads.
+// states. The token of a reply is the reason, which DecodeReason reads.
 struct IncomingMessage {
   WritableBytes token;
   WritableBytes block;
@@ -81,9 +84,9 @@ struct IncomingMessage {
                                     OutgoingFile* file = nullptr,
                                     const FileProgress& progress = nullptr);
 
-// Send the other frames of version 2. Return false if the stream failed; it must not be used again
-// then.
-[[nodiscard]] bool SendHello(ByteStream& stream);
+// Send the other frames; `hello` is kHello or kHello3. Return false if the stream failed; it must
+// not be used again then.
+[[nodiscard]] bool SendHello(ByteStream& stream, FrameKind hello = FrameKind::kHello);
 [[nodiscard]] bool SendProgress(ByteStream& stream, std::chrono::milliseconds at_work);
 [[nodiscard]] bool SendBusy(ByteStream& stream, const Reason& reason);
 

@@ -15,6 +15,7 @@ namespace {
 namespace asio = boost::asio;
 using Clock = std::chrono::steady_clock;
 
+// How much is read at once, and how much may come before an answer unless more is allowed.
 constexpr std::size_t kMostAhead = 16384;
 
 constexpr ClientStream::Milliseconds kPause{1000};
@@ -23,7 +24,13 @@ constexpr ClientStream::Milliseconds kLongestGoodbye{2000};
 }  // namespace
 
 ClientStream::ClientStream(Milliseconds io_timeout) : io_timeout_(io_timeout) {
-  ahead_.reserve(kMostAhead);  // so that IsGone() cannot run out of memory
+  AllowAhead(kMostAhead);
+}
+
+void ClientStream::AllowAhead(std::size_t bytes) {
+  most_ahead_ = bytes;
+  // So that IsGone() cannot run out of memory. Pages that no byte comes to are never used.
+  ahead_.reserve(bytes);
 }
 
 ClientStream::Deadline ClientStream::DeadlineFor(std::size_t bytes) const {
@@ -199,7 +206,7 @@ bool ClientStream::IsGone() {
   Error error = StopBlocking();
   while (!error) {
     const std::size_t length = socket_.receive(asio::buffer(piece), 0, error);
-    if (ahead_.size() + length > kMostAhead) {
+    if (ahead_.size() + length > most_ahead_) {
       HangUp();  // the bytes that do not fit are lost, so requests could not be told apart
       floods_ = true;
       return true;

@@ -33,6 +33,9 @@ class ClientStream : public wire::ByteStream {
   // Makes every read end by this time, until the next call; Deadline::max() removes the limit.
   void LimitReads(Deadline until) { reads_until_ = until; }
 
+  // Allows the client to send so many bytes before it has its answer, instead of 16 KiB.
+  void AllowAhead(std::size_t bytes);
+
   // Asks for the client's address. Call it once it is connected.
   void NotePeer();
   // Returns the client's address and port as "127.0.0.1:4000", or "-" if it is unknown.
@@ -115,6 +118,7 @@ class ClientStream : public wire::ByteStream {
   // PutBack(). The first `taken_` were consumed. End-of-stream is reported only after all were.
   std::vector<unsigned char> ahead_;
   std::size_t taken_ = 0;
+  std::size_t most_ahead_;
   std::vector<unsigned char> unsent_;  // by WriteSoon() or WriteWithNext()
   boost::asio::io_context context_{1};
   Socket socket_{context_};

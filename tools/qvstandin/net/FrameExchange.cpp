@@ -50,34 +50,30 @@ wire::FrameStatus FrameExchange::Receive(wire::ByteStream& stream, wire::FrameKi
       .payload = takes_reasons_ ? wire::kMaxPayload : rules_.request_limit,
       .file =
           takes_reasons_ ? wire::kMaxFile : std::max(rules_.upload_limit, kLongestUnwantedFile)};
-  wire::FrameHeader header;
-  wire::FrameStatus status = wire::ReceiveHeader(stream, expected, limits, header);
-  is_hello_ = header.kind == wire::FrameKind::kHello;
-  if (status != wire::FrameStatus::kDone || is_hello_) return status;
+  wire::FrameStatus status = wire::ReceiveHeader(stream, expected, limits, header_);
+  if (status != wire::FrameStatus::kDone || IsHello()) return status;
   client_.LimitReads(ClientStream::Deadline::max());
-  token_.resize(header.token_length);
-  status = ReceiveMessage(stream, header);
+  token_.resize(header_.token_length);
+  status = ReceiveMessage(stream);
   if (status != wire::FrameStatus::kDone) return status;
   command_ = LoadU32(block_.data());
   is_allowed_ = ShowsToken(login_token);
-  return header.file_length ? ReceiveFile(stream, *header.file_length) : wire::FrameStatus::kDone;
+  return header_.file_length ? ReceiveFile(stream, *header_.file_length) : wire::FrameStatus::kDone;
 }
 
-wire::FrameStatus FrameExchange::ReceiveMessage(wire::ByteStream& stream,
-                                                const wire::FrameHeader& header) {
-  if (header.payload_length > rules_.request_limit) {
+wire::FrameStatus FrameExchange::ReceiveMessage(wire::ByteStream& stream) {
+  if (header_.payload_length > rules_.request_limit) {
     refusal_ = TooLarge("request", rules_.request_limit);
-    return SkipMessage(stream, header);
+    return SkipMessage(stream);
   }
-  payload_.resize(static_cast<std::size_t>(header.payload_length));
+  payload_.resize(static_cast<std::size_t>(header_.payload_length));
   return wire::ReceiveMessage(stream, {token_, block_, payload_});
 }
 
-wire::FrameStatus FrameExchange::SkipMessage(wire::ByteStream& stream,
-                                             const wire::FrameHeader& header) {
+wire::FrameStatus FrameExchange::SkipMessage(wire::ByteStream& stream) {
   constexpr std::uint64_t kPiece = 1U << 20;
   if (!stream.Read(token_) || !stream.Read(block_)) return wire::FrameStatus::kConnectionLost;
-  std::uint64_t left = header.payload_length + wire::kFrameChecksumSize;
+  std::uint64_t left = header_.payload_length + wire::kFrameChecksumSize;
   std::vector<unsigned char> piece(kPiece);
   while (left != 0) {
     const auto length = static_cast<std::size_t>(std::min(left, kPiece));
@@ -162,6 +158,7 @@ bool FrameExchange::OpenReplyFile() {
 }
 
 wire::FrameKind FrameExchange::ReplyKind() const {
+  if (Kind() == wire::FrameKind::kNumberedRequest) return wire::FrameKind::kNumberedReply;
   return takes_reasons_ ? wire::FrameKind::kReplyWithReason : wire::FrameKind::kReply;
 }
 
@@ -177,8 +174,11 @@ std::uint64_t FrameExchange::ReplyLength() const {
 bool FrameExchange::Send(wire::ByteStream& stream) {
   std::array<unsigned char, wire::kFrameBlockSize> block{};
   StoreU32(block.data(), command_);
-  const wire::OutgoingMessage message{
-      .kind = ReplyKind(), .token = reason_, .block = block, .payload = reply_.fields.Payload()};
+  const wire::OutgoingMessage message{.kind = ReplyKind(),
+                                      .token = reason_,
+                                      .block = block,
+                                      .payload = reply_.fields.Payload(),
+                                      .number = header_.number};
   return wire::SendFrame(stream, message, file_ ? &*file_ : nullptr) == wire::FrameStatus::kDone;
 }
 

@@ -31,10 +31,14 @@ class FrameExchange {
   // came outside the frame; empty if there was none.
   [[nodiscard]] wire::FrameStatus Receive(wire::ByteStream& stream, wire::FrameKinds expected,
                                           std::string_view login_token = {});
-  // Returns whether a hello came, which is not executed.
-  [[nodiscard]] bool IsHello() const { return is_hello_; }
-  // Makes the reply one of version 2, with the reason of a failure. Call it before Receive(). A
-  // request or a file that is too large is read to its end then, so that it can be answered.
+  // Returns what came. A hello is not executed.
+  [[nodiscard]] wire::FrameKind Kind() const { return header_.kind; }
+  [[nodiscard]] bool IsHello() const {
+    return Kind() == wire::FrameKind::kHello || Kind() == wire::FrameKind::kHello3;
+  }
+  // Makes the reply one with the reason of a failure: of version 2, or of version 3 if the request
+  // has a number. Call it before Receive(). A request or a file that is too large is read to its
+  // end then, so that it can be answered.
   void TakeReasons() { takes_reasons_ = true; }
   // Returns whether the request carried a valid token, or none is required.
   [[nodiscard]] bool IsAllowed() const { return is_allowed_; }
@@ -51,11 +55,9 @@ class FrameExchange {
   using Clock = std::chrono::steady_clock;
 
   [[nodiscard]] bool ShowsToken(std::string_view login_token) const;
-  [[nodiscard]] wire::FrameStatus ReceiveMessage(wire::ByteStream& stream,
-                                                 const wire::FrameHeader& header);
+  [[nodiscard]] wire::FrameStatus ReceiveMessage(wire::ByteStream& stream);
   // Reads a message to its end and keeps only its token and its block.
-  [[nodiscard]] wire::FrameStatus SkipMessage(wire::ByteStream& stream,
-                                              const wire::FrameHeader& header);
+  [[nodiscard]] wire::FrameStatus SkipMessage(wire::ByteStream& stream);
   // Executes the request.
   [[nodiscard]] Reply Work(AnswerForm form, const std::function<bool()>& abandoned);
   [[nodiscard]] wire::FrameStatus ReceiveFile(wire::ByteStream& stream, std::uint64_t length);
@@ -69,11 +71,11 @@ class FrameExchange {
   Services& services_;
   const SessionRules& rules_;
   const Clock::time_point start_ = Clock::now();
+  wire::FrameHeader header_;
   std::vector<unsigned char> token_;
   std::array<unsigned char, wire::kFrameBlockSize> block_{};
   std::vector<unsigned char> payload_;
   std::uint32_t command_ = 0;
-  bool is_hello_ = false;
   bool is_allowed_ = false;
   bool takes_reasons_ = false;
   Outcome refusal_;  // why the request is not executed, although it is complete

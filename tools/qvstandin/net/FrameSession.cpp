@@ -64,35 +64,45 @@ void FrameSession::Serve() {
 
 bool FrameSession::ServeRequest() {
   FrameExchange exchange(stream_, services_, rules_);
-  if (takes_version_2_) exchange.TakeReasons();
-  const wire::FrameKinds expected = wire::kFirstFromClient;
-  const wire::FrameStatus status = exchange.Receive(stream_, expected.first(is_new_ ? 2 : 1));
+  if (version_ > 1) exchange.TakeReasons();
+  const wire::FrameStatus status = exchange.Receive(stream_, Expected());
   is_new_ = false;
   if (status != wire::FrameStatus::kDone) {
     if (status != wire::FrameStatus::kConnectionLost) Reject(exchange, status);
     return false;
   }
-  if (exchange.IsHello()) {
-    takes_version_2_ = true;
-    return wire::SendHello(stream_);
-  }
-  return Answer(exchange);
+  return exchange.IsHello() ? Greet(exchange.Kind()) : Answer(exchange);
+}
+
+wire::FrameKinds FrameSession::Expected() const {
+  if (is_new_) return wire::kFirstFromClient;
+  const wire::FrameKinds requests = wire::kRequestsOfVersion3;
+  return requests.first(version_ == 3 ? 2 : 1);
+}
+
+bool FrameSession::Greet(wire::FrameKind hello) {
+  version_ = hello == wire::FrameKind::kHello3 ? 3 : 2;
+  if (version_ == 3) stream_.AllowAhead(wire::kRequestWindow);
+  return wire::SendHello(stream_, hello);
 }
 
 void FrameSession::Reject(FrameExchange& exchange, wire::FrameStatus status) {
   exchange.Refuse(status);
-  if (takes_version_2_ && exchange.Send(stream_)) stream_.SayGoodbye();
+  if (version_ > 1 && exchange.Send(stream_)) stream_.SayGoodbye();
 }
 
 bool FrameSession::Answer(FrameExchange& exchange) {
   ProgressClock clock;
   const auto is_abandoned = [&] {
-    const auto at_work = takes_version_2_ ? clock.IsDue() : std::nullopt;
+    const auto at_work = version_ > 1 ? clock.IsDue() : std::nullopt;
     if (at_work) stream_.WriteSoon(ProgressOf(*at_work));
     return stream_.IsGone();
   };
   const AnswerForm form{.dialect = Dialect::kRowset, .packed = false};
-  return exchange.Answer(form, is_abandoned) && exchange.Send(stream_) && exchange.IsAllowed();
+  if (!exchange.Answer(form, is_abandoned) || !exchange.Send(stream_)) return false;
+  // The requests that have come after the refused one must not cost the client its reply.
+  if (!exchange.IsAllowed() && version_ == 3) stream_.SayGoodbye();
+  return exchange.IsAllowed();
 }
 
 }  // namespace qv::standin

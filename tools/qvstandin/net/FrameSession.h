@@ -88,6 +88,10 @@ class FrameSession {
 
  private:
   [[nodiscard]] bool ServeRequest();
+  // Returns what the client may send now.
+  [[nodiscard]] wire::FrameKinds Expected() const;
+  // Answers the client's hello.
+  [[nodiscard]] bool Greet(wire::FrameKind hello);
   [[nodiscard]] bool Answer(FrameExchange& exchange);
   // Refuses a frame that cannot be received, with a reason if the client takes one.
   void Reject(FrameExchange& exchange, wire::FrameStatus status);
@@ -96,7 +100,7 @@ class FrameSession {
   Services& services_;
   const SessionRules& rules_;
   bool is_new_ = true;  // nothing was received yet
-  bool takes_version_2_ = false;
+  int version_ = 1;     // what the client knows
 };
 
 }  // namespace qv::standin

@@ -81,7 +81,7 @@ std::optional<bool> Refusal::Understand() {
 std::optional<bool> Refusal::UnderstandFrame() {
   if (heard_.size() < wire::kFrameHeaderSize) return std::nullopt;
   const auto* const bytes = reinterpret_cast<const unsigned char*>(heard_.data());
-  constexpr wire::FrameKind kHello[] = {wire::FrameKind::kHello};
+  constexpr wire::FrameKind kHello[] = {wire::FrameKind::kHello, wire::FrameKind::kHello3};
   wire::FrameHeader header;
   const auto status = wire::DecodeHeader(
       std::span<const unsigned char, wire::kFrameHeaderSize>(bytes, wire::kFrameHeaderSize), kHello,
