@@ -6,7 +6,7 @@
 
 namespace qv::platform {
 
-enum class SocketEvent { kReadable, kWritable };
+enum class SocketEvent { kReadable, kWritable, kEither };
 
 enum class SocketWait {
   kReady,   // the next operation does not block: it moves bytes, or says what is wrong

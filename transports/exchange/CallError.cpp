@@ -43,6 +43,10 @@ CallError ConnectionLost(std::string_view peer, std::string_view why) {
 
 CallError Cancelled() { return {error::kCancelled, "cancelled"}; }
 
+CallError NoBlock() {
+  return {error::kLocal, "the block of the request or the reply is too small or missing"};
+}
+
 CallError Busy(const Reason& why) {
   return {error::kBusy, With("the server is busy", platform::NarrowFromUtf8(why.text))};
 }

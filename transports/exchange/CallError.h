@@ -22,6 +22,8 @@ namespace qv::wire {
 // "the connection to h:4000 was lost: connection reset by peer"
 [[nodiscard]] CallError ConnectionLost(std::string_view peer, std::string_view why);
 [[nodiscard]] CallError Cancelled();
+// A message without a block that can be used.
+[[nodiscard]] CallError NoBlock();
 // `why` is what the server said, or empty.
 [[nodiscard]] CallError Busy(const Reason& why);
 // An error that the server gave with its reply; none for no reason.

@@ -23,16 +23,21 @@ class IdlePool {
  public:
   IdlePool() { idle_.reserve(kMaxIdle); }
 
-  // Removes and returns the most recently used connection to `server` that is still usable, or null
-  // if there is none.
-  template <class Server>
-  [[nodiscard]] std::unique_ptr<Connection> Take(const Server& server) {
+  // Removes and returns the most recently used connection to `server` that is still usable, and
+  // that `is_wanted`, or null if there is none.
+  template <class Server, class IsWanted>
+  [[nodiscard]] std::unique_ptr<Connection> Take(const Server& server, IsWanted is_wanted) {
     for (;;) {
-      Idle idle = Remove(server);
+      Idle idle = Remove(server, is_wanted);
       if (!idle.connection) return nullptr;
       const bool is_fresh = Clock::now() - idle.since < kMaxIdleTime;
       if (is_fresh && idle.connection->IsQuiet()) return std::move(idle.connection);
     }
+  }
+
+  template <class Server>
+  [[nodiscard]] std::unique_ptr<Connection> Take(const Server& server) {
+    return Take(server, [](const Connection&) { return true; });
   }
 
   // Keeps a connection after an exchange. `generation` is the value of Generation() before the
@@ -75,12 +80,12 @@ class IdlePool {
     Clock::time_point since;
   };
 
-  // Removes and returns the last entry for `server`.
-  template <class Server>
-  Idle Remove(const Server& server) {
+  // Removes and returns the last entry for `server` that `is_wanted`.
+  template <class Server, class IsWanted>
+  Idle Remove(const Server& server, IsWanted is_wanted) {
     const std::lock_guard lock(mutex_);
     const auto found = std::find_if(idle_.rbegin(), idle_.rend(), [&](const Idle& one) {
-      return one.connection->Server() == server;
+      return one.connection->Server() == server && is_wanted(*one.connection);
     });
     if (found == idle_.rend()) return {};
     Idle idle = std::move(*found);

@@ -18,14 +18,14 @@ class ReplyReceiver {
   ReplyReceiver(ByteStream& stream, CMsgContent& reply, const ProgressListener& listener)
       : stream_(stream), reply_(reply), path_(reply.FileName()), listener_(listener) {}
 
-  FrameStatus Receive(FrameKinds expected);
+  FrameStatus Receive(const ExpectedReply& expected);
   // What is wrong with the reply if its receipt ended with `status`.
   [[nodiscard]] CallError Error(FrameStatus status) const;
   [[nodiscard]] CallError ServersError() const { return FromServer(DecodeReason(reason_)); }
 
  private:
   // Skips the progress frames before the reply.
-  FrameStatus ReceiveReplyHeader(FrameKinds expected);
+  FrameStatus ReceiveReplyHeader(const ExpectedReply& expected);
   FrameStatus ReceiveBody(WritableBytes payload);
 
   ByteStream& stream_;
@@ -38,16 +38,19 @@ class ReplyReceiver {
   bool is_in_file_ = false;
 };
 
-FrameStatus ReplyReceiver::ReceiveReplyHeader(FrameKinds expected) {
+FrameStatus ReplyReceiver::ReceiveReplyHeader(const ExpectedReply& expected) {
   const FrameLimits limits{.payload = reply_.Queue().Capacity()};
   for (;;) {
-    const FrameStatus status = ReceiveHeader(stream_, expected, limits, header_);
-    if (status != FrameStatus::kDone || header_.kind != FrameKind::kProgress) return status;
+    const FrameStatus status = ReceiveHeader(stream_, expected.kinds, limits, header_);
+    if (status != FrameStatus::kDone) return status;
+    if (header_.kind != FrameKind::kProgress) {
+      return header_.number == expected.number ? FrameStatus::kDone : FrameStatus::kMalformed;
+    }
     listener_.Report(header_.payload_length, header_.payload_length, NetworkProgress_Working);
   }
 }
 
-FrameStatus ReplyReceiver::Receive(FrameKinds expected) {
+FrameStatus ReplyReceiver::Receive(const ExpectedReply& expected) {
   FrameStatus status = ReceiveReplyHeader(expected);
   if (status != FrameStatus::kDone) return status;
   if (header_.file_length && path_.empty()) return FrameStatus::kDoesNotFit;
@@ -98,7 +101,7 @@ CallError ReplyReceiver::Error(FrameStatus status) const {
 
 }  // namespace
 
-FrameStatus ReceiveReply(ByteStream& stream, FrameKinds expected, CMsgContent& reply,
+FrameStatus ReceiveReply(ByteStream& stream, const ExpectedReply& expected, CMsgContent& reply,
                          const ProgressListener& listener, CallError& error) {
   ReplyReceiver receiver(stream, reply, listener);
   const FrameStatus status = receiver.Receive(expected);

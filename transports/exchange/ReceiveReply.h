@@ -11,14 +11,22 @@
 
 namespace qv::wire {
 
+// What a client takes for a reply: these kinds, and of a numbered request this number.
+struct ExpectedReply {
+  FrameKinds kinds;
+  std::uint32_t number = 0;
+};
+
 // Receives a reply, and its file to the path that `reply` names, and passes its progress to
-// `listener`. `expected` is kAnswersToRequest, or kReply alone from a server of version 1. Sets
-// `error` to what the server gave as reason, or, if the result is neither kDone nor
-// kConnectionLost, to what is wrong with the reply. If the result is not kDone, `reply` holds no
-// fields, nothing of the file is left, and the stream must not be used again. Returns kDoesNotFit
-// also for a file if `reply` names no path.
-[[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, FrameKinds expected, CMsgContent& reply,
-                                       const ProgressListener& listener, CallError& error);
+// `listener`. Expect kAnswersToRequest, kReply alone from a server of version 1, or
+// kAnswersToNumbered; a reply with another number than the expected one is malformed. Sets `error`
+// to what the server gave as reason, or, if the result is neither kDone nor kConnectionLost, to
+// what is wrong with the reply. If the result is not kDone, `reply` holds no fields, nothing of the
+// file is left, and the stream must not be used again. Returns kDoesNotFit also for a file if
+// `reply` names no path.
+[[nodiscard]] FrameStatus ReceiveReply(ByteStream& stream, const ExpectedReply& expected,
+                                       CMsgContent& reply, const ProgressListener& listener,
+                                       CallError& error);
 
 // Passes the progress of a file to `listener`; null if there is none. `listener` outlives it.
 [[nodiscard]] FileProgress FileListener(const ProgressListener& listener);

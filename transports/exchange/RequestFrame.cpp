@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "CallError.h"
+
 namespace qv::wire {
 
 namespace {
@@ -10,15 +12,22 @@ Bytes BytesOf(const std::string& text) {
   return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
-bool HasRoom(CMsgContent& reply) { return reply.IsBound() && reply.Queue().IsValid(); }
-
 }  // namespace
+
+bool HasRoom(CMsgContent& reply) { return reply.IsBound() && reply.Queue().IsValid(); }
 
 std::optional<RequestFrame> RequestFrame::Prepare(const CMsgContent& request, CMsgContent& reply,
                                                   std::string token, CallError& error) {
+  if (HasRoom(reply)) return Prepare(request, std::move(token), error);
+  error = NoBlock();
+  return std::nullopt;
+}
+
+std::optional<RequestFrame> RequestFrame::Prepare(const CMsgContent& request, std::string token,
+                                                  CallError& error) {
   const std::optional<Bytes> payload = RequestPayload(request);
-  if (!request.IsBound() || !payload || !HasRoom(reply)) {
-    error = {error::kLocal, "the block of the request or the reply is too small or missing"};
+  if (!request.IsBound() || !payload) {
+    error = NoBlock();
     return std::nullopt;
   }
   if (payload->size() > kMaxPayload) {
@@ -47,10 +56,11 @@ FrameStatus RequestFrame::Send(ByteStream& stream, const FileProgress& progress)
 }
 
 OutgoingMessage RequestFrame::Message() const {
-  return {.kind = FrameKind::kRequest,
+  return {.kind = number_ ? FrameKind::kNumberedRequest : FrameKind::kRequest,
           .token = BytesOf(token_),
           .block = Bytes(request_->Block(), kFrameBlockSize),
-          .payload = payload_};
+          .payload = payload_,
+          .number = number_.value_or(0)};
 }
 
 std::optional<Bytes> RequestPayload(const CMsgContent& request) {

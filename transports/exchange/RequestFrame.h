@@ -20,6 +20,12 @@ class RequestFrame {
   [[nodiscard]] static std::optional<RequestFrame> Prepare(const CMsgContent& request,
                                                            CMsgContent& reply, std::string token,
                                                            CallError& error);
+  // The same without a look at the reply.
+  [[nodiscard]] static std::optional<RequestFrame> Prepare(const CMsgContent& request,
+                                                           std::string token, CallError& error);
+
+  // Makes it a numbered request. Call it before Send().
+  void SetNumber(std::uint32_t number) { number_ = number; }
 
   // The number of bytes that Send writes.
   [[nodiscard]] std::uint64_t Length() const;
@@ -37,7 +43,11 @@ class RequestFrame {
   Bytes payload_;
   std::string token_;
   std::optional<OutgoingFile> file_;
+  std::optional<std::uint32_t> number_;
 };
+
+// Returns whether a reply can be received into the message.
+[[nodiscard]] bool HasRoom(CMsgContent& reply);
 
 // Returns the fields that were appended and not read yet, from the block or from the overflow store
 // of a spilled message, which owns them. Returns nothing if the message has no area.

@@ -113,7 +113,7 @@ int HttpExchange::Talk(RequestFrame& frame) {
   // it in the meantime.
   if (status != FrameStatus::kDone) return Fail(ResultOf(stream_->Failure()));
   ReportMessage(listener_, frame.PayloadLength());
-  status = ReceiveReply(*stream_, kAnswersToRequest, reply_, listener_, error_);
+  status = ReceiveReply(*stream_, {kAnswersToRequest}, reply_, listener_, error_);
   if (status != FrameStatus::kConnectionLost) return ResultOf(status);
   return Fail(ResultOf(stream_->Failure()));
 }

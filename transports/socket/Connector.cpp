@@ -37,6 +37,7 @@ std::unique_ptr<SocketConnection> Connector::Open(CallError& error) {
   if (greeting == Greeting::kBusy && PauseWhileBusy(patience_.deadline, patience_.cancel))
     greeting = TryOnce(connection, error);
   if (greeting == Greeting::kDone) return connection;
+  if (greeting == Greeting::kOld) error = {};
   if (patience_.cancel.Ask()) error = Cancelled();
   if (error.error_class == error::kCannotConnect) old_servers_.Forget(peer_);
   return nullptr;
@@ -44,12 +45,14 @@ std::unique_ptr<SocketConnection> Connector::Open(CallError& error) {
 
 Connector::Greeting Connector::TryOnce(std::unique_ptr<SocketConnection>& connection,
                                        CallError& error) {
-  connection = Connect(error);
-  if (!connection) return Greeting::kFailed;
-  if (old_servers_.Has(peer_)) return Greeting::kDone;
-  const Greeting greeting = SayHello(*connection, error);
-  if (greeting != Greeting::kOld) return greeting;
-  old_servers_.Add(peer_);
+  if (!old_servers_.Has(peer_)) {
+    connection = Connect(error);
+    if (!connection) return Greeting::kFailed;
+    const Greeting greeting = SayHello(*connection, error);
+    if (greeting != Greeting::kOld) return greeting;
+    old_servers_.Add(peer_);
+  }
+  if (hello_ != FrameKind::kHello) return Greeting::kOld;
   connection = Connect(error);
   return connection ? Greeting::kDone : Greeting::kFailed;
 }
@@ -67,16 +70,17 @@ Connector::Greeting Connector::SayHello(SocketConnection& connection, CallError&
   FrameHeader answer;
   FrameStatus status = FrameStatus::kConnectionLost;
   // A server that is busy may have answered and closed the connection before it took the hello.
-  const bool is_sent = SendHello(connection);
+  const bool is_sent = SendHello(connection, hello_);
   if (is_sent || connection.LastTrouble() == Trouble::kLost) {
-    status = ReceiveHeader(connection, kAnswersToHello, {}, answer);
+    const bool is_new = hello_ == FrameKind::kHello3;
+    status = ReceiveHeader(connection, is_new ? kAnswersToHello3 : kAnswersToHello, {}, answer);
   }
   Reason reason;
   const bool is_busy = status == FrameStatus::kDone && answer.kind == FrameKind::kBusy;
   if (is_busy) status = ReceiveBusy(connection, answer, reason);
   if (status == FrameStatus::kDone) {
     if (is_busy) error = Busy(reason);
-    if (!is_busy) connection.SetTakesVersion2();
+    if (!is_busy) connection.SetVersion(hello_ == FrameKind::kHello3 ? 3 : 2);
     return is_busy ? Greeting::kBusy : Greeting::kDone;
   }
   if (connection.IsClosedWithoutAnswer()) return Greeting::kOld;

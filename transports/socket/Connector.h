@@ -11,7 +11,7 @@
 namespace qv::wire {
 
 // The servers that answered a hello by closing the connection in order, so that they are spoken to
-// in version 1. Each is forgotten after a while, because servers are replaced. Thread-safe.
+// in an older version. Each is forgotten after a while, because servers are replaced. Thread-safe.
 class OldServers {
  public:
   [[nodiscard]] bool Has(const Peer& peer) const;
@@ -37,17 +37,19 @@ class OldServers {
 // Opens one connection; use it once.
 class Connector {
  public:
-  // The arguments must outlive this object.
+  // The arguments must outlive this object. `hello` is kHello, or kHello3 for numbered requests;
+  // `old_servers` are those that do not know it.
   Connector(OldServers& old_servers, const Peer& peer, std::chrono::milliseconds timeout,
-            const CancelQuestion& cancel)
-      : old_servers_(old_servers),
+            const CancelQuestion& cancel, FrameKind hello = FrameKind::kHello)
+      : hello_(hello),
+        old_servers_(old_servers),
         peer_(peer),
         timeout_(timeout),
         patience_{SocketConnection::Clock::now() + timeout, cancel} {}
 
   // Returns a connection that is ready for a request. Returns null and sets `error` if there is
   // none within the timeout: kCannotConnect, kBusy (after a second try) or kCancelled. No byte of a
-  // request was sent then.
+  // request was sent then. After kHello3, the error is none if the server does not know it.
   [[nodiscard]] std::unique_ptr<SocketConnection> Open(CallError& error);
 
  private:
@@ -61,6 +63,7 @@ class Connector {
   [[nodiscard]] CallError HelloFailed(const SocketConnection& connection, FrameStatus status) const;
   [[nodiscard]] CallError Failed(const std::string& why) const;
 
+  const FrameKind hello_;
   OldServers& old_servers_;
   const Peer& peer_;
   const std::chrono::milliseconds timeout_;

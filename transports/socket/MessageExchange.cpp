@@ -52,10 +52,7 @@ int MessageExchange::Send(RequestFrame& frame) {
     ReportMessage(listener_, frame.PayloadLength());
     return kDelivered;
   }
-  const bool is_down = error_.error_class == error::kCannotConnect ||
-                       error_.error_class == error::kConnectionLost ||
-                       error_.error_class == error::kNoProgress;
-  if (is_down && Interrupted() == kNotDelivered) transport_.health.ConnectFailed(peer_);
+  if (Interrupted() == kNotDelivered) transport_.health.NotDelivered(peer_, error_);
   return Interrupted();
 }
 
@@ -76,8 +73,8 @@ FrameStatus MessageExchange::SendOver(std::unique_ptr<SocketConnection> connecti
 int MessageExchange::Receive() {
   const FrameKind old_reply[] = {FrameKind::kReply};
   const FrameKinds expected =
-      connection_->TakesVersion2() ? FrameKinds(kAnswersToRequest) : FrameKinds(old_reply);
-  const FrameStatus status = ReceiveReply(*connection_, expected, reply_, listener_, error_);
+      connection_->Version() > 1 ? FrameKinds(kAnswersToRequest) : FrameKinds(old_reply);
+  const FrameStatus status = ReceiveReply(*connection_, {expected}, reply_, listener_, error_);
   if (status == FrameStatus::kConnectionLost) error_ = connection_->Error();
   return ResultOf(status);
 }

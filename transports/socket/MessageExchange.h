@@ -15,7 +15,8 @@ struct Transport {
   SocketParameters parameters;
   IdlePool<SocketConnection> pool;
   NetworkHealth health;
-  OldServers old_servers;
+  OldServers old_servers;  // that know no hello
+  OldServers without_version_3;
 };
 
 // The transport and the messages belong to the caller and must outlive this object.

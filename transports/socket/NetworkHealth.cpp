@@ -8,7 +8,11 @@ void NetworkHealth::Delivered() {
   if (is_bad_) Declare(false);
 }
 
-void NetworkHealth::ConnectFailed(const Peer& peer) {
+void NetworkHealth::NotDelivered(const Peer& peer, const CallError& error) {
+  const bool is_down = error.error_class == error::kCannotConnect ||
+                       error.error_class == error::kConnectionLost ||
+                       error.error_class == error::kNoProgress;
+  if (!is_down) return;
   const std::lock_guard lock(mutex_);
   peer_ = peer;
   Become(true);

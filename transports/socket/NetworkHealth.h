@@ -17,7 +17,8 @@ class NetworkHealth {
   [[nodiscard]] bool IsBad() const { return is_bad_; }
   // Reports that a message was delivered.
   void Delivered();
-  void ConnectFailed(const Peer& peer);
+  // Reports that nothing of a call was delivered, for this reason.
+  void NotDelivered(const Peer& peer, const CallError& error);
   void Declare(bool bad);
   // Sets the server that a probe would go to.
   void Remember(const Peer& peer);

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <exception>
 
+#include "ManyExchange.h"
 #include "MessageExchange.h"
 #include "SocketParameters.h"
 #include "qvnetcall/transport/CallControl.h"
+#include "qvnetcall/transport/ManyCalls.h"
 #include "qvnetcall/transport/NetworkProgress.h"
 #include "transports/exchange/ReceiveReply.h"
 
@@ -39,6 +41,15 @@ int Deliver(const Peer& peer, const CMsgContent& request, CMsgContent& reply) {
   }
 }
 
+int DeliverMany(const Peer& peer, int count, const NetworkCalls& calls) {
+  ManyExchange exchange(SharedTransport(), peer, count, calls, ThisThread());
+  try {
+    return exchange.Run();
+  } catch (const std::exception&) {
+    return exchange.Interrupted();
+  }
+}
+
 // Tries to reach the server again if a probe is due.
 void ProbeBadNetwork() {
   Transport& transport = SharedTransport();
@@ -66,6 +77,7 @@ void NetworkTransInit() {}
 void NetworkTransFini() {
   qv::wire::SharedTransport().pool.Clear();
   qv::wire::SharedTransport().old_servers.Clear();
+  qv::wire::SharedTransport().without_version_3.Clear();
 }
 
 int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request,
@@ -75,6 +87,14 @@ int NetworkTransMsg(const char* server, std::uint32_t port, CMsgContent& request
   } catch (const std::exception&) {
     qv::wire::ThisThread().KeepOutOfMemory();
     return qv::wire::kNotDelivered;
+  }
+}
+
+int NetworkTransMany(const char* server, std::uint32_t port, int count, const NetworkCalls* calls) {
+  try {
+    return qv::wire::DeliverMany({server != nullptr ? server : "", port}, count, *calls);
+  } catch (const std::exception&) {
+    return 0;  // nothing was begun
   }
 }
 

@@ -139,7 +139,10 @@ void SocketConnection::Begin(std::chrono::milliseconds io_timeout, const CancelQ
   io_timeout_ = io_timeout;
   deadline_ = Clock::time_point::max();
   cancel_ = cancel;
-  has_written_ = false;
+  queue_ = {};
+  pushed_ = 0;
+  is_push_over_ = false;
+  written_ = 0;
   has_read_ = false;
 }
 
@@ -162,7 +165,7 @@ bool SocketConnection::Read(WritableBytes bytes) {
   ahead_ = ahead_.subspan(at_hand);
   bytes = bytes.subspan(at_hand);
   // What answers a request is not there yet when the request has just left.
-  if (!bytes.empty() && std::exchange(has_just_written_, false) && !WaitFor(Event::kReadable)) {
+  if (!bytes.empty() && std::exchange(has_just_written_, false) && !WaitToRead()) {
     return false;
   }
   while (!bytes.empty()) {
@@ -171,8 +174,16 @@ bool SocketConnection::Read(WritableBytes bytes) {
     const std::size_t count = ReadSome(bytes, error);
     has_read_ = has_read_ || count != 0;
     bytes = bytes.subspan(count);
-    if (error && !WaitAfter(error, Event::kReadable)) return false;
+    if (error && !(WouldBlock(error) ? WaitToRead() : Fail(error))) return false;
   }
+  return true;
+}
+
+bool SocketConnection::WaitToRead() {
+  const bool sends = !queue_.empty() && !is_push_over_;
+  if (!WaitFor(sends ? Event::kEither : Event::kReadable)) return false;
+  // What the server sent before it ceased to receive can be read all the same.
+  if (sends && !Push()) is_push_over_ = true;
   return true;
 }
 
@@ -192,15 +203,47 @@ bool SocketConnection::Write(std::initializer_list<Bytes> pieces) {
     if (IsCancelled()) return false;
     error_code error;
     const std::size_t count = socket_.write_some(buffers, error);
-    has_written_ = has_written_ || count != 0;
+    written_ += count;
     Advance(buffers, count);
-    if (error && !WaitAfter(error, Event::kWritable)) return false;
+    if (error && !(WouldBlock(error) ? WaitFor(Event::kWritable) : Fail(error))) return false;
   }
   return true;
 }
 
-bool SocketConnection::WaitAfter(const error_code& error, Event event) {
-  return WouldBlock(error) ? WaitFor(event) : Fail(error);
+void SocketConnection::Queue(std::initializer_list<Bytes> pieces) {
+  queue_.erase(queue_.begin(), queue_.begin() + static_cast<std::ptrdiff_t>(pushed_));
+  pushed_ = 0;
+  for (const Bytes piece : pieces) queue_.insert(queue_.end(), piece.begin(), piece.end());
+}
+
+bool SocketConnection::Push() {
+  while (!queue_.empty()) {
+    error_code error;
+    const Bytes left = Bytes(queue_).subspan(pushed_);
+    const std::size_t count = socket_.write_some(asio::buffer(left.data(), left.size()), error);
+    has_just_written_ = has_just_written_ || count != 0;
+    written_ += count;
+    pushed_ += count;
+    if (count == left.size()) {
+      queue_ = {};  // frees a large request
+      pushed_ = 0;
+    }
+    if (error) return WouldBlock(error) || Fail(error);
+  }
+  return true;
+}
+
+bool SocketConnection::Flush(std::uint64_t end) {
+  while (written_ < end) {
+    if (IsCancelled() || queue_.empty() || !Push()) return false;
+    if (written_ < end && !WaitFor(Event::kWritable)) return false;
+  }
+  return true;
+}
+
+void SocketConnection::TakeQueue(SocketConnection& other) {
+  queue_ = std::exchange(other.queue_, {});
+  last_number_ = other.last_number_;
 }
 
 bool SocketConnection::WaitFor(Event event) {

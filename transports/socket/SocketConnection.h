@@ -45,8 +45,9 @@ class SocketConnection final : public ByteStream {
   void Begin(std::chrono::milliseconds io_timeout, const CancelQuestion& cancel);
   // Starts the handshake after Open, which must be over at the deadline.
   void BeginHandshake(const Patience& patience);
-  // Returns true if a byte of this exchange was passed to the system and may reach the server.
-  [[nodiscard]] bool HasWritten() const { return has_written_; }
+  // Returns how many bytes of this exchange were passed to the system and may reach the server.
+  [[nodiscard]] std::uint64_t Written() const { return written_; }
+  [[nodiscard]] bool HasWritten() const { return written_ != 0; }
   // Returns true if the server closed the connection in order, without a byte in this exchange.
   [[nodiscard]] bool IsClosedWithoutAnswer() const;
   // Returns true if the connection is still usable: the server has not closed it, and nothing
@@ -54,14 +55,27 @@ class SocketConnection final : public ByteStream {
   [[nodiscard]] bool IsQuiet();
   [[nodiscard]] const Peer& Server() const { return peer_; }
 
-  // Whether the server answered a hello, so that it may send frames of version 2.
-  [[nodiscard]] bool TakesVersion2() const { return takes_version_2_; }
-  void SetTakesVersion2() { takes_version_2_ = true; }
+  // The version of the hello that the server answered; 1 if none was said.
+  [[nodiscard]] int Version() const { return version_; }
+  void SetVersion(int version) { version_ = version; }
+  // Numbers requests on and on, so that a late reply is never taken for that to another one.
+  [[nodiscard]] std::uint32_t NextNumber() { return ++last_number_; }
 
   [[nodiscard]] bool Read(WritableBytes bytes) override;
   [[nodiscard]] bool Write(std::initializer_list<Bytes> pieces) override;
 
-  // Why Read or Write failed.
+  // Queues `pieces`. Push() and Flush() send what is queued, and Read() while it waits.
+  void Queue(std::initializer_list<Bytes> pieces);
+  // Returns how many bytes of this exchange were queued so far.
+  [[nodiscard]] std::uint64_t Queued() const { return written_ + queue_.size() - pushed_; }
+  // Sends what the system takes of the queue without waiting. Returns false if that fails.
+  [[nodiscard]] bool Push();
+  // Waits until the system has taken the first `end` bytes of this exchange.
+  [[nodiscard]] bool Flush(std::uint64_t end);
+  // Takes the queue and the numbers of another connection, which has written nothing of it.
+  void TakeQueue(SocketConnection& other);
+
+  // Why Read, Write, Push or Flush failed.
   enum class Trouble { kNone, kTooLate, kCancelled, kLost };
   [[nodiscard]] Trouble LastTrouble() const { return trouble_; }
   [[nodiscard]] CallError Error() const;
@@ -81,8 +95,8 @@ class SocketConnection final : public ByteStream {
   // Waits until the socket is ready. Returns false if the deadline passes first, the call is
   // cancelled, or the system cannot wait.
   bool WaitFor(Event event);
-  // The same after `error`; returns false also if that says more than that the socket is not ready.
-  bool WaitAfter(const boost::system::error_code& error, Event event);
+  // Waits until there is something to read, and sends what is queued meanwhile.
+  bool WaitToRead();
   // Connecting: runs the operation that was started until `outcome` is set. Closes the socket at
   // `deadline`, or when the call is cancelled.
   bool Finish(const std::optional<boost::system::error_code>& outcome, Clock::time_point deadline);
@@ -101,8 +115,12 @@ class SocketConnection final : public ByteStream {
   // Bytes that arrived with those that were read, so that a small reply is read at once.
   std::array<unsigned char, 16384> ahead_room_;
   WritableBytes ahead_;
-  bool takes_version_2_ = false;
-  bool has_written_ = false;
+  std::vector<unsigned char> queue_;
+  std::size_t pushed_ = 0;     // the first bytes of the queue, which the system has taken
+  bool is_push_over_ = false;  // the server takes no more, but may have sent something
+  int version_ = 1;
+  std::uint32_t last_number_ = 0;
+  std::uint64_t written_ = 0;
   bool has_read_ = false;
   bool has_just_written_ = false;
   Trouble trouble_ = Trouble::kNone;
