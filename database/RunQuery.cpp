@@ -23,15 +23,6 @@ bool NeedsFile(const Query& query) {
   return query.may_keep && Cache().IsOn() && Cache().State() == cache_state::kOnline;
 }
 
-// Sends the query and makes `file` its answer, which may be in the reply. Returns 0 or the result
-// of the call.
-int AskServer(const Query& query, QueryExchange& exchange, AnswerFile& file) {
-  file = AnswerFile::New();
-  exchange.Reply().SetFileName(file.Path().c_str(), 0);
-  if (const int result = exchange.SendBy(query.web, query.compress); result != 0) return result;
-  return ReceiveAnswer(exchange.Reply(), query.accept, !NeedsFile(query), file);
-}
-
 bool MayKeep(const Query& query) {
   const bool allowed = !query.ask_server_to_keep || CRvoDatabase::GetServerIsSetCatche() != 0;
   return allowed && query.may_keep && Cache().State() == cache_state::kOnline;
@@ -49,40 +40,59 @@ void KeepAnswer(const std::string& key, const AnswerFile& file, Keep keep) {
   }
 }
 
-}  // namespace
+// Makes `file` the answer that the cache has. Returns 0 or the result of the call.
+int FindKept(const std::string& key, AnswerFile& file) {
+  const auto cached = Cache().Find(key, static_cast<const char*>(CRvoDatabase::GetTempFilePath()));
+  if (cached) file = AnswerFile(*cached);
+  if (cached || call::IsCancelled()) return result::kSuccess;
+  call::SetError(error::kOffline, "offline, and the cache has no answer to this query");
+  return result::kFailed;
+}
 
-int RunQuery(const Query& query, CRvoDbRes& result) {
-  call::ClearError();
-  const std::string key = CacheKey(query.database, query.sql);
-  const int when_cancelled = query.from_cache ? result::kNotDelivered : result::kOutcomeUnknown;
-  std::optional<QueryExchange> exchange;
-  AnswerFile file;
-  if (query.from_cache) {
-    const auto cached =
-        Cache().Find(key, static_cast<const char*>(CRvoDatabase::GetTempFilePath()));
-    if (cached) file = AnswerFile(*cached);
-    if (!cached && !call::IsCancelled()) {
-      call::SetError(error::kOffline, "offline, and the cache has no answer to this query");
-      return result::kFailed;
-    }
-  } else {
-    exchange.emplace(query.command, query.database, query.sql);
-    if (const int failed = AskServer(query, *exchange, file); failed != 0) return failed;
-  }
+int EndCancelled(const Query& query) {
+  call::SetCancelled();
+  return query.from_cache ? result::kNotDelivered : result::kOutcomeUnknown;
+}
+
+// Reads the answer, deletes its files, and stores it if it may be stored.
+int ReadAnswer(const Query& query, const std::string& key, const AnswerFile& file,
+               CRvoDbRes& result) {
   const DeleteAtExit deletion{file};
   // The answer may be large, and nobody waits for it any more.
-  if (call::IsCancelled()) {
-    call::SetCancelled();
-    return when_cancelled;
-  }
+  if (call::IsCancelled()) return EndCancelled(query);
   if (!file.ReadInto(result, query.web)) {
     call::SetErrorIfNone(error::kBadReply, "the answer cannot be read");
-    if (!call::IsCancelled()) return result::kFailed;
-    call::SetCancelled();
-    return when_cancelled;
+    return call::IsCancelled() ? EndCancelled(query) : result::kFailed;
   }
   if (MayKeep(query)) KeepAnswer(key, file, query.keep);
   return result::kSuccess;
+}
+
+}  // namespace
+
+void AwaitAnswer(CMsgContent& reply, AnswerFile& file) {
+  file = AnswerFile::New();
+  reply.SetFileName(file.Path().c_str(), 0);
+}
+
+int ReadReply(const Query& query, CMsgContent& reply, AnswerFile& file, CRvoDbRes& result) {
+  const int failed = ReceiveAnswer(reply, query.accept, !NeedsFile(query), file);
+  if (failed != 0) return failed;
+  return ReadAnswer(query, CacheKey(query.database, query.sql), file, result);
+}
+
+int RunQuery(const Query& query, CRvoDbRes& result) {
+  call::ClearError();
+  AnswerFile file;
+  if (query.from_cache) {
+    const std::string key = CacheKey(query.database, query.sql);
+    const int failed = FindKept(key, file);
+    return failed != 0 ? failed : ReadAnswer(query, key, file, result);
+  }
+  QueryExchange exchange(query.command, query.database, query.sql);
+  AwaitAnswer(exchange.Reply(), file);
+  const int failed = exchange.SendBy(query.web, query.compress);
+  return failed != 0 ? failed : ReadReply(query, exchange.Reply(), file, result);
 }
 
 namespace {

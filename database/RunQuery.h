@@ -38,6 +38,13 @@ struct Query {
 // server.
 [[nodiscard]] int RunQuery(const Query& query, CRvoDbRes& result);
 
+// The two ends of a query whose request and reply the caller passes to a transport. AwaitAnswer
+// makes `file` the one that the reply's file goes to. ReadReply reads a reply that was delivered
+// and returns what RunQuery returns.
+void AwaitAnswer(CMsgContent& reply, AnswerFile& file);
+[[nodiscard]] int ReadReply(const Query& query, CMsgContent& reply, AnswerFile& file,
+                            CRvoDbRes& result);
+
 }  // namespace qv
 
 class CRvoDbRes;

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "ManyCalls.h"
 #include "RunQuery.h"
 #include "base/call/LastError.h"
 #include "qvnetcall/ResultCodes.h"
@@ -19,6 +20,17 @@ namespace {
 // "SUCCESS", an unused 4-byte number and the 4-byte position of the refused statement.
 constexpr std::uint32_t kCommandBatch = 310;
 
+int ReadStatementReply(CMsgContent& reply) {
+  if (reply.GetString(nullptr) == qv::kStatusSuccess) return result::kSuccess;
+  qv::call::SetErrorIfNone(qv::error::kInternal,
+                           "the server refused the statement without a reason");
+  return result::kFailed;
+}
+
+int ExecuteAlone(const CRvoQuery& query, CRvoOutcome&) {
+  return CRvoDatabase::ExecuteSQL(query.sql, query.database);
+}
+
 }  // namespace
 
 int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
@@ -33,10 +45,21 @@ int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
   if (const int result = exchange.SendBy(qv::IsWebServer(), /*compress=*/0); result != 0) {
     return result;
   }
-  if (exchange.Reply().GetString(nullptr) == qv::kStatusSuccess) return result::kSuccess;
-  qv::call::SetErrorIfNone(qv::error::kInternal,
-                           "the server refused the statement without a reason");
-  return result::kFailed;
+  return ReadStatementReply(exchange.Reply());
+}
+
+int CRvoDatabase::ExecuteMany(const CRvoQuery* queries, CRvoOutcome* results, int count) {
+  const bool is_local = ModuleState::Get().use_local_database != 0;
+  const auto read = [](const CRvoQuery&, CMsgContent& reply, qv::AnswerFile&, CRvoOutcome&) {
+    return ReadStatementReply(reply);
+  };
+  return qv::RunMany({.together = !is_local && !qv::IsWebServer() && IsCanUseOffCache(1) == 0,
+                      .command = qv::kCommandStatement,
+                      .has_answer_file = false,
+                      .alone = ExecuteAlone,
+                      .read = read,
+                      .is_offline = [] { return IsCanUseOffCache(1) != 0; }},
+                     queries, results, count);
 }
 
 // Unlike the calls for one text, a batch always goes over the socket, whatever the server's type,

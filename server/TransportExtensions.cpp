@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "ModuleState.h"
 #include "base/call/LastError.h"
 #include "base/platform/Platform.h"
 #include "qvnetcall/ResultCodes.h"
@@ -12,14 +13,17 @@ namespace qv {
 
 namespace {
 
-// The declarations of qvnetcall/transport/CallControl.h as pointers: naming the functions would
-// make the library depend on them.
+// The declarations of qvnetcall/transport/CallControl.h and ManyCalls.h as pointers: naming the
+// functions would make the library depend on them.
 using LastErrorFunction = int (*)(char* text, int size);
 using SetCancelFunction = void (*)(int (*is_cancelled)(void*), void* context);
+using ManyFunction = int (*)(const char* server, std::uint32_t port, int count,
+                             const NetworkCalls* calls);
 
 struct Extensions {
   LastErrorFunction last_error;
   SetCancelFunction set_cancel;
+  ManyFunction many;
 };
 
 template <class Function>
@@ -31,12 +35,14 @@ const Extensions& ExtensionsOf(Transport transport) {
   static const Extensions socket = [] {
     auto* const neighbour = reinterpret_cast<void*>(&NetworkTransMsg);
     return Extensions{Find<LastErrorFunction>("QvNetClient4", neighbour, "NetworkTransLastError"),
-                      Find<SetCancelFunction>("QvNetClient4", neighbour, "NetworkTransSetCancel")};
+                      Find<SetCancelFunction>("QvNetClient4", neighbour, "NetworkTransSetCancel"),
+                      Find<ManyFunction>("QvNetClient4", neighbour, "NetworkTransMany")};
   }();
   static const Extensions http = [] {
     auto* const neighbour = reinterpret_cast<void*>(&HttpworkTransMsg);
     return Extensions{Find<LastErrorFunction>("QvHttpClient", neighbour, "HttpworkTransLastError"),
-                      Find<SetCancelFunction>("QvHttpClient", neighbour, "HttpworkTransSetCancel")};
+                      Find<SetCancelFunction>("QvHttpClient", neighbour, "HttpworkTransSetCancel"),
+                      nullptr};
   }();
   return transport == Transport::kSocket ? socket : http;
 }
@@ -65,6 +71,12 @@ void SetTransportsCancel(const call::CancelFlag* flag) {
     if (set != nullptr)
       set(flag != nullptr ? &AskFlag : nullptr, const_cast<call::CancelFlag*>(flag));
   }
+}
+
+int SendMany(int count, const NetworkCalls& calls) {
+  const ManyFunction many = ExtensionsOf(Transport::kSocket).many;
+  const ModuleState& state = ModuleState::Get();
+  return many != nullptr ? many(state.server_name.c_str(), state.server_port, count, &calls) : 0;
 }
 
 void KeepTransportError(Transport transport, int result) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/call/CancelFlag.h"
+#include "qvnetcall/transport/ManyCalls.h"
 
 namespace qv {
 
@@ -16,5 +17,10 @@ void SetTransportsCancel(const call::CancelFlag* flag);
 // or, if it says nothing, what the result means. No error if the call was delivered and the server
 // gave no reason.
 void KeepTransportError(Transport transport, int result);
+
+// Makes calls to the module's server over the socket transport without waiting for each reply.
+// Returns for how many of them, the first ones, `calls.finished` was called; 0 if the transport
+// cannot do this. The caller makes the others one by one.
+[[nodiscard]] int SendMany(int count, const NetworkCalls& calls);
 
 }  // namespace qv

@@ -9,6 +9,23 @@
 #include "qvnetcall/framework/String.h"
 #include "qvnetcall/framework/StringArray.h"
 
+// A query of CRvoDatabase::SelectMany or a statement of CRvoDatabase::ExecuteMany. Not part of the
+// platform's interface, like all that belongs to these two: an extension of this library.
+struct CRvoQuery {
+  const CString* sql;
+  const char* database;
+  int use_cache;  // as for SelectSQL; ExecuteMany ignores it
+};
+
+// How such a call ended.
+struct CRvoOutcome {
+  CRvoDbRes* rows =
+      nullptr;          // set by the caller of SelectMany: new or empty; null: rows are dropped
+  int code = 0;         // what SelectSQL or ExecuteSQL would have returned
+  int error_class = 0;  // why it failed (qv::error), and the text of the reason; 0 and an
+  CString error_text;   // empty text if there is no reason
+};
+
 // All members are static. Queries may run on several threads at once, each with a result set of its
 // own; queries on one local database may not while every call opens it anew
 // (CRvoServer::CareOpenDBConn). Ini and SetFileTempInfo are set-up: call them while no other call
@@ -74,6 +91,25 @@ class QVNETCALL_API CRvoDatabase {
   // In local mode (CRvoServer::UseLocalDB) returns 0, or 1 if the statement failed or no such
   // database is open.
   static int ExecuteSQL(const CString* sql, const char* database);
+
+  // SelectMany runs `count` queries, and ExecuteMany `count` statements, none of which may depend
+  // on another one. Each has the result that SelectSQL or ExecuteSQL would have given, also from
+  // the query cache, in local mode and offline, and one that fails does not stop the others. The
+  // calls are sent without waiting for each answer, which saves the way to the server and back for
+  // each, if the server is a socket server and both the transport and the server can do that;
+  // otherwise they are made one after another. `results` are those of `queries` in the same order;
+  // the caller owns both arrays of `count` elements. Memory is used for one answer at a time, apart
+  // from the result sets.
+  //
+  // If the connection is lost, or the calls are cancelled, the result is -2 (kOutcomeUnknown) for
+  // those that were sent and have no answer, and -1 (kNotDelivered) for those that were not sent.
+  // If the server cannot be reached, all calls fail with -1 after one attempt, unless the client
+  // may go offline. No call is sent twice.
+  //
+  // Return how many calls failed, whose `code` is not 0. CRvoServer::GetLastErrorClass and
+  // GetLastErrorText then give the error of the first of them. A `count` below 1 does nothing.
+  static int SelectMany(const CRvoQuery* queries, CRvoOutcome* results, int count);
+  static int ExecuteMany(const CRvoQuery* queries, CRvoOutcome* results, int count);
 
   // Runs statements in their order, all of them or none, on the server's database of that name.
   // They are sent in one exchange over the socket transport, whatever the kind of the server and
