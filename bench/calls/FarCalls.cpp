@@ -14,12 +14,10 @@ constexpr std::chrono::milliseconds kOneWay{10};
 // Independent calls, whose answers are not needed for one another.
 std::size_t AddOurs(Group& group, const Bench& bench, int calls) {
   const auto relay = std::make_shared<Relay>(bench.setting.port, kOneWay);
-  return group.Add({.prepare = [relay] { Host::UsePort(relay->Port()); },
-                    .call =
-                        [relay, calls](std::size_t) {
-                          for (int i = 0; i < calls; ++i) Select(kSqlite, kTwoRows, 2);
-                        },
-                    .length = Length::kLong});
+  return group.Add(
+      {.prepare = [relay] { Host::UsePort(relay->Port()); },
+       .call = [relay, calls](std::size_t) { SelectMany(kSqlite, kTwoRows, 2, calls); },
+       .length = Length::kLong});
 }
 
 std::size_t AddPeer(Group& group, const Bench& bench, int calls) {

@@ -4,6 +4,7 @@
 #include <qvnetcall/QvNetCall4.h>
 
 #include <stdexcept>
+#include <vector>
 
 namespace qv::bench {
 
@@ -56,6 +57,18 @@ void Select(const char* database, const std::string& sql, int rows, Cache cache)
   CheckResult("SelectSQL",
               CRvoDatabase::SelectSQL(&text, &result, database, cache == Cache::kYes ? 1 : 0) == 0);
   CheckRows(result, rows);
+}
+
+void SelectMany(const char* database, const std::string& sql, int rows, int calls) {
+  const CString text(sql.c_str());
+  std::vector<CRvoDbRes> answers(static_cast<std::size_t>(calls));
+  std::vector<CRvoOutcome> outcomes(answers.size());
+  for (std::size_t i = 0; i < answers.size(); ++i) outcomes[i].rows = &answers[i];
+  const std::vector<CRvoQuery> queries(answers.size(), {&text, database, 0});
+  CheckResult("SelectMany", CRvoDatabase::SelectMany(queries.data(), outcomes.data(), calls) == 0);
+  for (const CRvoDbRes& one : answers) {
+    CheckResult("the number of rows", one.GetRecordCount() == rows);
+  }
 }
 
 void CallProcedure(const char* database, const std::string& sql, int rows) {

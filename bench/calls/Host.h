@@ -32,6 +32,8 @@ enum class Cache { kNo, kYes };
 
 // Run a query and a procedure call, which must give that many rows.
 void Select(const char* database, const std::string& sql, int rows, Cache cache = Cache::kNo);
+// Runs a query `calls` times, which must give that many rows each, without waiting in between.
+void SelectMany(const char* database, const std::string& sql, int rows, int calls);
 void CallProcedure(const char* database, const std::string& sql, int rows);
 void Execute(const char* database, const std::string& sql);
 

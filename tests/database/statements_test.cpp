@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "DatabaseFixture.h"
 
 namespace qv::test {
@@ -34,6 +36,47 @@ class Statements : public DatabaseFixture {
     CRvoServer::SetCacheState(1);
   }
 };
+
+// The scripted transport cannot send calls back to back.
+TEST_F(Statements, ManyOverOtherTransportsAreMadeOneByOne) {
+  const CString texts[] = {"a", "", "b"};
+  const CRvoQuery queries[] = {
+      {&texts[0], "DESIGNDB", 0}, {&texts[1], "DESIGNDB", 0}, {&texts[2], "OTHER", 0}};
+  const auto run = [&](auto many) {
+    CRvoOutcome outcomes[3];
+    const int failed = many(queries, outcomes, 3);
+    return std::vector{failed, outcomes[0].code, outcomes[1].code, outcomes[2].code};
+  };
+  const auto asked = [&] {
+    std::string all;
+    for (const SentRequest& request : std::exchange(transport_.requests, {})) {
+      all += std::to_string(request.command) + (request.web ? " web " : " ") + request.fields[0] +
+             " " + request.fields[1] + ";";
+    }
+    return all;
+  };
+  answer_ = ScriptedReply().Text("SUCCESS");
+  EXPECT_THAT(run(CRvoDatabase::ExecuteMany), ElementsAre(1, 0, 1, 0));
+  EXPECT_EQ(asked(), "300 DESIGNDB a;300 OTHER b;");
+  EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kLocal);
+  answer_ = Memory(Rowset({{"A", "x"}}));
+  CRvoDatabase::m_NeedUpdateCompressState = 0;
+  EXPECT_THAT(run(CRvoDatabase::SelectMany), ElementsAre(1, 0, 1, 0));
+  EXPECT_EQ(asked(), "200 DESIGNDB a;200 OTHER b;");
+  UseWebServer();
+  answer_ = ScriptedReply().Text("SUCCESS");
+  EXPECT_THAT(run(CRvoDatabase::ExecuteMany), ElementsAre(1, 0, 1, 0));
+  EXPECT_EQ(asked(), "300 web DESIGNDB a;300 web OTHER b;");
+  CRvoServer::UseLocalDB(1);
+  FakeLocalDatabase local;
+  state_.local_database = &local;
+  EXPECT_THAT(run(CRvoDatabase::ExecuteMany), ElementsAre(0, 0, 0, 0));
+  EXPECT_THAT(run(CRvoDatabase::SelectMany), ElementsAre(0, 0, 0, 0));
+  EXPECT_EQ(local.log,
+            "execute DESIGNDB a;execute DESIGNDB ;execute OTHER b;"
+            "select DESIGNDB a;select DESIGNDB ;select OTHER b;");
+  EXPECT_EQ(asked(), "");
+}
 
 TEST_F(Statements, OneStatementReturnsTheAgreedCodes) {
   const struct {
