@@ -49,6 +49,7 @@ int CRvoDatabase::ExecuteSQL(const CString* sql, const char* database) {
 }
 
 int CRvoDatabase::ExecuteMany(const CRvoQuery* queries, CRvoOutcome* results, int count) {
+  if (count <= 0) return qv::RunMany({}, queries, results, 0);
   const bool is_local = ModuleState::Get().use_local_database != 0;
   const auto read = [](const CRvoQuery&, CMsgContent& reply, qv::AnswerFile&, CRvoOutcome&) {
     return ReadStatementReply(reply);
