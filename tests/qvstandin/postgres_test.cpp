@@ -1,5 +1,5 @@
 // Tests that a database in PostgreSQL is the same without its driver as through it.
-#include "tools/qvstandin/databases/Postgres.h"
+#include "tools/qvstandin/databases/postgres/Postgres.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -9,8 +9,8 @@
 #include "base/platform/Platform.h"
 #include "base/storage/OutputFile.h"
 #include "tools/qvstandin/databases/OdbcDatabase.h"
-#include "tools/qvstandin/databases/Postgres.h"
 #include "tools/qvstandin/databases/SqliteDatabase.h"
+#include "tools/qvstandin/databases/postgres/Postgres.h"
 
 namespace qv::standin {
 

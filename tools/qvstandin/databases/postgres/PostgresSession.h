@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "KeptSession.h"
 #include "PostgresConnection.h"
-#include "PostgresSql.h"
+#include "tools/qvstandin/databases/KeptSession.h"
+#include "tools/qvstandin/databases/PostgresSql.h"
 
 namespace qv::standin {
 

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "Database.h"
-#include "EngineRequest.h"
+#include "tools/qvstandin/databases/Database.h"
+#include "tools/qvstandin/databases/EngineRequest.h"
 
 namespace qv::standin {
 

@@ -4,12 +4,12 @@
 #include <string_view>
 #include <utility>
 
-#include "ClientSql.h"
-#include "OdbcDatabase.h"
 #include "Postgres.h"
 #include "PostgresParameters.h"
 #include "PostgresRequest.h"
 #include "base/text/SqlText.h"
+#include "tools/qvstandin/databases/ClientSql.h"
+#include "tools/qvstandin/databases/OdbcDatabase.h"
 
 namespace qv::standin {
 

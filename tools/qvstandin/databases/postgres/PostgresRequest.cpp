@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "PostgresCells.h"
-#include "PostgresSql.h"
+#include "tools/qvstandin/databases/PostgresSql.h"
 
 namespace qv::standin {
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Database.h"
 #include "base/odbc/Diagnostics.h"
+#include "tools/qvstandin/databases/Database.h"
 
 namespace qv::standin {
 

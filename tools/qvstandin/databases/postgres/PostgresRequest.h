@@ -9,11 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "ClientSql.h"
-#include "Database.h"
-#include "EngineRequest.h"
 #include "PostgresCells.h"
 #include "PostgresSession.h"
+#include "tools/qvstandin/databases/ClientSql.h"
+#include "tools/qvstandin/databases/Database.h"
+#include "tools/qvstandin/databases/EngineRequest.h"
 
 namespace qv::standin {
 

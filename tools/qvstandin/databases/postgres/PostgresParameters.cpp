@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "OdbcDriver.h"
 #include "base/text/Letters.h"
+#include "tools/qvstandin/databases/OdbcDriver.h"
 
 namespace qv::standin {
 
