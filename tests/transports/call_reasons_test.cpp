@@ -227,6 +227,24 @@ TEST(OldServer, IsSpokenToInVersion1AfterOneHello) {
   EXPECT_EQ(server.Connections(), 6) << "the server may be another one by now";
 }
 
+TEST(OldServer, IsNoServerThatHasOnlyAnsweredNothing) {
+  std::atomic<bool> is_down = true;
+  std::atomic<int> hellos{0};
+  ScriptedServer server([&](ServerSide& side) {
+    const auto first = ReceiveWhole(side, FrameKind::kHello);
+    if (is_down || first.status != FrameStatus::kDone) return;
+    ++hellos;
+    if (SendHello(side)) ScriptedServer::Echo(side);
+  });
+  TransportCall lost;
+  EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), lost.request, lost.reply), -2);
+  is_down = false;
+  TransportCall call;
+  EXPECT_EQ(NetworkTransMsg("127.0.0.1", server.Port(), call.request, call.reply), 0);
+  EXPECT_EQ(hellos, 1);
+  NetworkTransFini();
+}
+
 TEST(OldServer, IsNotToSendFramesThatItDoesNotKnow) {
   ScriptedServer server([](ServerSide& side) {
     WholeFrame request;

@@ -15,6 +15,7 @@ bool OldServers::Has(const Peer& peer) const {
 }
 
 void OldServers::Add(const Peer& peer) {
+  if (Has(peer)) return;
   const std::lock_guard lock(mutex_);
   std::erase_if(entries_, [&](const Entry& one) { return one.peer == peer; });
   if (entries_.size() == kMost) entries_.erase(entries_.begin());
@@ -50,7 +51,7 @@ Connector::Greeting Connector::TryOnce(std::unique_ptr<SocketConnection>& connec
     if (!connection) return Greeting::kFailed;
     const Greeting greeting = SayHello(*connection, error);
     if (greeting != Greeting::kOld) return greeting;
-    old_servers_.Add(peer_);
+    if (hello_ != FrameKind::kHello) old_servers_.Add(peer_);
   }
   if (hello_ != FrameKind::kHello) return Greeting::kOld;
   connection = Connect(error);

@@ -15,6 +15,7 @@ namespace qv::wire {
 class OldServers {
  public:
   [[nodiscard]] bool Has(const Peer& peer) const;
+  // Does nothing if the server is remembered already.
   void Add(const Peer& peer);
   void Forget(const Peer& peer);
   void Clear();

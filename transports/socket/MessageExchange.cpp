@@ -29,7 +29,11 @@ int MessageExchange::Run() {
   const std::uint64_t generation = transport_.pool.Generation();
   if (const int sent = Send(*frame); sent != kDelivered) return sent;
   const int received = Receive();
-  if (received == kDelivered) transport_.health.Delivered();
+  if (received == kDelivered) {
+    transport_.health.Delivered();
+    // Closing the connection at a hello is no proof: a server that restarts does that as well.
+    if (connection_->Version() == 1) transport_.old_servers.Add(peer_);
+  }
   if (MayKeepConnection(received, error_)) {
     transport_.pool.Give(std::move(connection_), generation);
   }
