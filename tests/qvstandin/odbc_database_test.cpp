@@ -272,6 +272,7 @@ TEST_P(DatabasesTest, SayWhichKindOfFailureItIs) {
       {"select 1 +", error::kSyntax},
       {"select * from nowhere", error::kUnknownObject},
       {"select absent from t", error::kUnknownObject},
+      {"select absent", error::kUnknownObject},
       {"select absent(i) from t", error::kUnknownObject},
       {"delete from t", error::kNotAllowed}};
   for (const auto& [sql, expected] : queries) {

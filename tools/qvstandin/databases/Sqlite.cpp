@@ -102,7 +102,16 @@ constexpr std::array kKnownTexts{
     KnownText{"is locked", error::kBusy},
     KnownText{"may not be modified", error::kNotAllowed},
     KnownText{"prohibited", error::kNotAllowed},
+    KnownText{"not authorized", error::kNotAllowed},
 };
+
+std::optional<error::Class> KnownClass(std::string_view text) {
+  const auto says = [text](const KnownText& known) {
+    return text.find(known.part) != std::string_view::npos;
+  };
+  const auto known = std::ranges::find_if(kKnownTexts, says);
+  return known != kKnownTexts.end() ? std::optional(known->error_class) : std::nullopt;
+}
 
 // The message of the engine names no limit.
 std::string TooLong(sqlite3* connection) {
@@ -164,17 +173,13 @@ Outcome SqliteFailure(sqlite3* connection, int code, const WorkLimit& limit) {
     case SQLITE_ERROR:
     case SQLITE_RANGE:
       return {ErrorCode::kSqlFailed, text, ClassOfSqliteText(text)};
-    default:
-      return {ErrorCode::kSqlFailed, text, error::kInternal};
+    default:  // also a name in a statement that nothing has
+      return {ErrorCode::kSqlFailed, text, KnownClass(text).value_or(error::kInternal)};
   }
 }
 
 error::Class ClassOfSqliteText(std::string_view text) {
-  const auto says = [text](const KnownText& known) {
-    return text.find(known.part) != std::string_view::npos;
-  };
-  const auto known = std::ranges::find_if(kKnownTexts, says);
-  return known != kKnownTexts.end() ? known->error_class : error::kSyntax;
+  return KnownClass(text).value_or(error::kSyntax);
 }
 
 std::vector<Column> ColumnsOf(sqlite3_stmt* statement, bool has_row) {
