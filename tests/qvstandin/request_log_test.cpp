@@ -92,6 +92,18 @@ TEST(WithoutPasswords, HidesTextsThatAreOrHoldOne) {
   for (const auto& [statement, shown] : cases) EXPECT_EQ(WithoutPasswords(statement), shown);
 }
 
+TEST(RequestLog, ShowsTheLinesOfAFileToo) {
+  const TempFolder folder;
+  for (const bool is_shown : {false, true}) {
+    RequestLog log({.file = folder.At("log"), .is_shown = is_shown});
+    ASSERT_TRUE(log.Open());
+    testing::internal::CaptureStderr();
+    log.Add(Failed());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              is_shown ? LogLine(Failed(), false) + "\n" : "");
+  }
+}
+
 TEST(RequestLog, KeepsThreeOlderFilesOfTheSizeAndGoesOnAfterARestart) {
   const TempFolder folder;
   const std::string file = folder.At("log");

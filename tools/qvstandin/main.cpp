@@ -92,13 +92,13 @@ void AddLimits(CLI::App& app, qv::StandInOptions& options) {
       ->transform(Bytes());
   app.add_option("--upload-limit", options.upload_limit,
                  "The largest file that clients may send (8GB)")
+      ->transform(CLI::Range(std::uint64_t{0}, kMost))
       ->transform(Bytes());
 }
 
 struct LogChoice {
   qv::RequestLogOptions options;
   std::string format = "text";
-  bool verbose = false;
 };
 
 void AddLog(CLI::App& app, LogChoice& log) {
@@ -113,7 +113,7 @@ void AddLog(CLI::App& app, LogChoice& log) {
       ->capture_default_str();
   app.add_flag("--log-statements", log.options.with_statements,
                "Include the beginning of each statement, without passwords");
-  app.add_flag("--verbose", log.verbose, "Write the log to standard error");
+  app.add_flag("--verbose", log.options.is_shown, "With --log, write to standard error as well");
 }
 
 }  // namespace

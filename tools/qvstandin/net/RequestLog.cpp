@@ -168,10 +168,9 @@ void RequestLog::Add(const ServedCommand& served) {
 }
 
 void RequestLog::Write(std::string_view line) {
-  if (options_.file.empty()) {
-    if (platform::StandardErrorHasRoom()) Put(line, stderr);
-    return;
-  }
+  const bool is_shown = options_.is_shown || options_.file.empty();
+  if (is_shown && platform::StandardErrorHasRoom()) Put(line, stderr);
+  if (options_.file.empty()) return;
   const bool is_full = size_ != 0 && size_ + line.size() > options_.size;
   if (is_full) Rotate();
   if (file_ == nullptr) return;

@@ -13,6 +13,7 @@ namespace qv::standin {
 
 struct RequestLogOptions {
   std::string file;                  // empty: standard error
+  bool is_shown = false;             // lines of a file are written to standard error as well
   std::uint64_t size = 10ULL << 20;  // a file is replaced before it grows larger, in bytes
   bool as_json = false;              // one JSON object in each line
   bool with_statements = false;      // the beginning of each statement, without passwords
