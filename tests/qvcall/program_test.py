@@ -157,7 +157,13 @@ class Program(ProgramCase):
         self.assertRegex(output, "^qvcall: none.db: there is no such file")
         self.assertEqual(status, 1)
         self.assertFalse((self.folder / "none.db").exists())
-        self.assertEqual(self.call("--direct", SQLITE + ":memory:", "query", "select 1")[0], 0)
+        for name in ("file:no%20ne.db", "file:no%20ne.db?cache=shared", f"file://{self.folder}/no%20ne.db"):
+            status, output = self.call("--direct", SQLITE + name, "query", "select 1")
+            self.assertRegex(output, "^qvcall: .*no ne.db: there is no such file")
+            self.assertEqual(status, 1)
+        self.assertEqual(list(self.folder.glob("*no*ne.db*")), [])
+        for name in (":memory:", "file::memory:", "file:x?mode=memory"):
+            self.assertEqual(self.call("--direct", SQLITE + name, "query", "select 1")[0], 0)
 
 
 class ExactValues(ProgramCase):

@@ -2,6 +2,7 @@
 
 #include <fmt/ostream.h>
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "base/text/ConnectionText.h"
 #include "base/text/HostName.h"
 #include "base/text/Letters.h"
+#include "base/text/Percent.h"
 #include "qvnetcall/QvNetCall4.h"
 #include "qvnetcall/transport/HttpParameters.h"
 #include "tools/qvcall/output/DisplayText.h"
@@ -54,6 +56,24 @@ const char* FirstRefused(const ConnectionOptions& connection, Route route) {
   return nullptr;
 }
 
+// Returns the path that the name of an embedded database means, or an empty text if the database is
+// in memory.
+std::string PathOf(std::string_view name) {
+  constexpr std::string_view kAddress = "file:";
+  if (name.front() == ':') return {};
+  if (!name.starts_with(kAddress)) return std::string(name);
+  name.remove_prefix(kAddress.size());
+  const std::size_t end = std::min(name.find_first_of("?#"), name.size());
+  const bool is_in_memory =
+      name.starts_with(':') || name.substr(end).find("mode=memory") != std::string_view::npos;
+  name = name.substr(0, end);
+  // After an empty name of a host, or that of this one.
+  if (name.starts_with("//")) name.remove_prefix(std::min(name.find('/', 2), name.size()));
+  std::string path;
+  for (const char ch : name) path += ch == '+' ? "%2B" : std::string(1, ch);  // not a blank here
+  return is_in_memory ? std::string() : text::PercentDecoded(path);
+}
+
 // Returns the file of an embedded database if it does not exist, else an empty text. The driver of
 // such databases would create an empty one, in which nothing is found.
 std::string MissingFile(const text::ConnectionText& connection) {
@@ -61,8 +81,8 @@ std::string MissingFile(const text::ConnectionText& connection) {
   const std::string* const file = connection.ValueOf("database");
   if (driver == nullptr || file == nullptr || file->empty()) return {};
   const bool is_embedded = text::ToLower(*driver).find("sqlite") != std::string::npos;
-  const bool is_path = file->front() != ':' && file->rfind("file:", 0) != 0;  // no special name
-  return is_embedded && is_path && KindOf(*file) == LocalKind::kNone ? *file : std::string();
+  const std::string path = is_embedded ? PathOf(*file) : std::string();
+  return !path.empty() && KindOf(path) == LocalKind::kNone ? path : std::string();
 }
 
 }  // namespace
