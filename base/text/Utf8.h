@@ -36,6 +36,16 @@ struct DecodedChar {
 // characters, and steps over them, in text that need not be well-formed.
 constexpr bool ContinuesCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
+// Returns the beginning of `text` up to `longest` bytes, without the start of a character that goes
+// on after them.
+constexpr std::string_view BeginningOf(std::string_view text, std::size_t longest) {
+  constexpr std::size_t kMostContinued = 3;
+  if (text.size() <= longest) return text;
+  std::size_t end = longest;
+  while (end > 0 && longest - end < kMostContinued && ContinuesCharacter(text[end])) --end;
+  return text.substr(0, end);
+}
+
 // Returns whether `character` is not to be shown, because a terminal, a log or a reader could take
 // it for more than text: a control of ASCII or Latin-1, a separator of lines or paragraphs, or one
 // that changes the direction of the text around it.

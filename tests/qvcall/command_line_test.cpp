@@ -286,6 +286,14 @@ TEST(Failures, SayTheReasonAndAHintWhereItHelps) {
        {qv::error::kUnknownObject, "no such folder"},
        "the server has no such entry",
        ""},
+      {Call::kLookInside, Route::kSocket, 0, {qv::error::kUnknownObject, "no x"}, "no x", ""},
+      {Call::kExec, Route::kSocket, kFailed, {qv::error::kInternal, "i"}, "i", "the server's log"},
+      {Call::kExec,
+       Route::kSocket,
+       kFailed,
+       {qv::error::kInternal, "see the server's log"},
+       "see the server's log",
+       ""},
       {Call::kExec, Route::kDirect, kFailed, {}, "the database refused the statement", "check"},
   };
   for (const auto& [call, route, code, reason, what, hint] : cases) {

@@ -95,9 +95,11 @@ int Run(const ConnectionOptions& connection, const ListUsers& command, std::ostr
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   const Entries users = Users(command.group);
-  // A group without users looks like one that does not exist.
-  if (users.rows.empty() && !command.group.empty() && Groups(command.group).rows.empty()) {
-    session.PrintRefusal(Call::kLook, command.group, err);
+  // A server that gives no reasons answers for a group without users as for one that does not exist.
+  const bool is_refused = session.LastReason().error_class != error::kNone;
+  if (users.rows.empty() && !command.group.empty() &&
+      (is_refused || Groups(command.group).rows.empty())) {
+    session.PrintRefusal(Call::kLookInside, command.group, err);
     return kFailed;
   }
   return Show(session, users, "user", "users", out, err);

@@ -28,7 +28,7 @@ constexpr unsigned kAll = kRows | kChanges;
 constexpr unsigned kFiles = SetOf({Call::kUpload, Call::kDownload, Call::kRemove});
 constexpr unsigned kStoreChanges =
     SetOf({Call::kMakeFolder, Call::kRemoveFolder, Call::kMove, Call::kCopy, Call::kLog});
-constexpr unsigned kStore = kStoreChanges | SetOf({Call::kLook});
+constexpr unsigned kStore = kStoreChanges | SetOf({Call::kLook, Call::kLookInside});
 
 constexpr unsigned kSocket = SetOf({Route::kSocket});
 constexpr unsigned kWeb = SetOf({Route::kWeb});
@@ -217,7 +217,7 @@ constexpr Entry kEntries[] = {
      {0, "it was not copied",
       "the file, or the folder for the copy, may not exist: check with `qvcall ls`; folders are "
       "not copied"}},
-    {SetOf({Call::kLook}),
+    {SetOf({Call::kLook, Call::kLookInside}),
      kSocket,
      {0, "the server has no such entry, or does not show it",
       "check the name and the access token (--token); the server's log has its reason"}},
@@ -253,9 +253,10 @@ bool IsDoubtful(Call call, int code) {
 
 // Returns what the user can do about a failure whose reason was printed, or an empty text if the
 // reason says enough.
-std::string Hint(Call call, Route route, int code, int error_class) {
+std::string Hint(Call call, Route route, int code, const Reason& reason) {
   const ReturnCode words = ExplainResult(call, route, code);
-  switch (error_class) {
+  const bool names_log = reason.text.find("server's log") != std::string::npos;
+  switch (reason.error_class) {
     case error::kUnknownDatabase:
       return "check the name of the database (--db)";
     case error::kBadToken:
@@ -263,7 +264,7 @@ std::string Hint(Call call, Route route, int code, int error_class) {
     case error::kBusy:
       return "nothing was done; try again later";
     case error::kInternal:
-      return "the server's log may say more";
+      return names_log ? "" : "the server's log may say more";
     case error::kCancelled:
       return IsDoubtful(call, code) ? "it may or may not have been run: check the data" : "";
     case error::kCannotConnect:
@@ -292,7 +293,7 @@ Failure DescribeFailure(Call call, Route route, int code, const Reason& reason) 
   // 0 has no meaning of its own: some calls succeed with it, others fail.
   if (code != 0) what += fmt::format(" (result {})", code);
   return {std::move(what),
-          is_known ? Hint(call, route, code, reason.error_class) : std::string(words.advice)};
+          is_known ? Hint(call, route, code, reason) : std::string(words.advice)};
 }
 
 }  // namespace qv::tool

@@ -22,7 +22,8 @@ enum class Call {
   kRemoveFolder,
   kMove,
   kCopy,
-  kLook,  // every call that only reads
+  kLook,        // every call that only reads, but for the next
+  kLookInside,  // one that lists what an entry holds, and fails for the entry's own reason
   kLog,
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "base/text/Utf8.h"
 #include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/recordsets/AnswerSpool.h"
 #include "tools/qvstandin/recordsets/RecordsetWriter.h"
@@ -22,13 +23,13 @@ std::unique_ptr<RecordsetWriter> WriterFor(Dialect dialect, AnswerSink& target) 
 }
 
 Outcome NoDatabase(const std::string& name) {
-  return {ErrorCode::kNoDatabase, "no such database: " + name};
+  return {ErrorCode::kNoDatabase, NoSuchDatabase(name)};
 }
 
 // Returns as much of a statement as a log can hold.
 std::string Beginning(std::string_view statement) {
   constexpr std::size_t kLongest = 1000;
-  return std::string(statement.substr(0, kLongest));
+  return std::string(text::BeginningOf(statement, kLongest));
 }
 
 // Where the rows of an answer come from, and the form in which they are sent.

@@ -60,12 +60,16 @@ std::string_view NameOf(error::Class error_class) {
   return kNames[std::min(static_cast<std::size_t>(error_class), kNames.size() - 1)];
 }
 
-std::string TextForClients(const Outcome& outcome) {
+std::string NoSuchDatabase(std::string_view name) {
+  return name.empty() ? "no such database" : fmt::format("no such database: {}", name);
+}
+
+std::string TextForClients(const Outcome& outcome, std::string_view database) {
   if (outcome.Ok()) return {};
   if (!outcome.is_private) return outcome.text;
   switch (ClassOf(outcome)) {
     case error::kUnknownDatabase:
-      return "no such database";
+      return NoSuchDatabase(database);
     case error::kBusy:
       return "the database has no place left";
     case error::kTooLarge:

@@ -51,8 +51,12 @@ struct [[nodiscard]] Outcome {
 // Returns one lower-case word for a class of the server's, as in "unknown-object", or for a request
 // that its client cancelled.
 [[nodiscard]] std::string_view NameOf(error::Class error_class);
-// Returns the text of a failure that clients may see.
-[[nodiscard]] std::string TextForClients(const Outcome& outcome);
+// Returns the text of a failure that clients may see. `database` is the name by which they know the
+// database that they asked for; it may be empty.
+[[nodiscard]] std::string TextForClients(const Outcome& outcome,
+                                         std::string_view database = {});
+// Returns the text for a database that does not exist.
+[[nodiscard]] std::string NoSuchDatabase(std::string_view name);
 
 // Returns a time as people write it: "30 s", or "1500 ms" if it is not whole seconds.
 [[nodiscard]] std::string TextOf(std::chrono::milliseconds time);

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "base/text/Utf8.h"
 #include "message/LittleEndian.h"
 
 namespace qv::standin {
@@ -17,11 +18,8 @@ constexpr std::uint64_t kLongestUnwantedFile = 16ULL << 20;
 // A file over the limit is skipped up to this size, so that the client learns the reason.
 constexpr std::uint64_t kLongestSkippedFile = 4ULL << 30;
 
-// Bounds a text of a client's for the record of served requests.
-std::string Remark(std::string_view text) {
-  constexpr std::size_t kLongest = 160;
-  return std::string(text.substr(0, kLongest));
-}
+// The longest name of a database or a file in the record of served requests.
+constexpr std::size_t kLongestSubject = 160;
 
 Outcome TooLarge(std::string_view what, std::uint64_t limit) {
   return {ErrorCode::kNotPermitted,
@@ -129,7 +127,7 @@ void FrameExchange::Conclude() {
   if (takes_reasons_) {
     // Only the log has a class for a client that disconnected.
     const error::Class error_class = std::min(ClassOf(reply_.outcome), error::kInternal);
-    reason_ = wire::EncodeReason({error_class, TextForClients(reply_.outcome)});
+    reason_ = wire::EncodeReason({error_class, TextForClients(reply_.outcome, reply_.database)});
   }
   Record();
 }
@@ -190,8 +188,8 @@ void FrameExchange::Record() const {
   if (reply_.stored) file_bytes = reply_.stored->size;
   rules_.on_served(
       {.command = command_,
-       .database = Remark(subject),
-       .outcome = reply_.outcome.Ok() ? "done" : Remark(reply_.outcome.text),
+       .database = std::string(text::BeginningOf(subject, kLongestSubject)),
+       .outcome = reply_.outcome.Ok() ? "done" : wire::ReasonText(reply_.outcome.text),
        .bytes = reply_.fields.Payload().size() + file_bytes,
        .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_),
        .error_class = ClassOf(reply_.outcome),

@@ -17,7 +17,11 @@ constexpr std::string_view kBetweenNames = ",;/\\";
 constexpr char kBlank = ' ';
 constexpr std::string_view kEverything = "*";
 
-Outcome Refused(const char* why) { return {ErrorCode::kNotPermitted, why}; }
+Outcome Refused(const char* why, error::Class error_class = error::kNone) {
+  return {ErrorCode::kNotPermitted, why, error_class};
+}
+Outcome Unknown(const char* what) { return Refused(what, error::kUnknownObject); }
+Outcome Taken(const char* what) { return Refused(what, error::kConstraint); }
 Outcome RefusedName() { return Refused("a name is 1 to 123 bytes without control characters"); }
 
 bool IsName(std::string_view text) {
@@ -88,13 +92,13 @@ Outcome Directory::MakeGroup(std::string_view name, std::int32_t kind, std::int3
   if (department != 0) {
     Outcome looked = Run("SELECT id FROM departments WHERE id = ?1", {department}, id);
     if (!looked.Ok()) return looked;
-    if (id == 0) return Refused("there is no such department");
+    if (id == 0) return Unknown("there is no such department");
   }
   Outcome made =
       Run("INSERT INTO groups (name, display_name, kind, department_id)"
           " VALUES (?1, ?1, ?2, nullif(?3, 0)) ON CONFLICT DO NOTHING RETURNING id",
           {std::string(name), kind, department}, id);
-  return made.Ok() && id == 0 ? Refused("a group of that name already exists") : made;
+  return made.Ok() && id == 0 ? Taken("a group of that name already exists") : made;
 }
 
 Outcome Directory::MakeUser(std::string_view name, std::string_view display_name, std::int32_t mode,
@@ -105,7 +109,7 @@ Outcome Directory::MakeUser(std::string_view name, std::string_view display_name
       Run("INSERT INTO users (name, display_name, mode) VALUES (?1, ?2, ?3)"
           " ON CONFLICT DO NOTHING RETURNING id",
           {std::string(name), std::string(display_name), mode}, id);
-  return made.Ok() && id == 0 ? Refused("a user of that name already exists") : made;
+  return made.Ok() && id == 0 ? Taken("a user of that name already exists") : made;
 }
 
 Outcome Directory::AddUsers(std::string_view group, std::span<const std::string_view> users,
@@ -120,7 +124,7 @@ Outcome Directory::AddUsers(std::string_view group, std::span<const std::string_
     std::int32_t id = 0;
     Outcome looked = Run("SELECT id FROM users WHERE name = ?1", {std::string(user)}, id);
     if (!looked.Ok()) return looked;
-    if (id == 0) return Refused("a user is not known");
+    if (id == 0) return Unknown("a user is not known");
     ids.insert(id);
   }
   if (ids.empty()) return Refused("no user is named");
@@ -173,7 +177,7 @@ Outcome Directory::List(const char* sql, Arguments arguments, std::string_view p
 Outcome Directory::GroupId(std::string_view name, std::int32_t& id) {
   if (!IsName(name)) return RefusedName();
   Outcome looked = Run("SELECT id FROM groups WHERE name = ?1", {std::string(name)}, id);
-  return looked.Ok() && id == 0 ? Refused("there is no such group") : looked;
+  return looked.Ok() && id == 0 ? Unknown("there is no such group") : looked;
 }
 
 Outcome Directory::Failure() {

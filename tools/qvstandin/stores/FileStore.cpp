@@ -87,7 +87,9 @@ Outcome FileStore::MakeFolder(std::string_view path) {
   if (place->name.size() > kLongestFolderName) return BadName();
   const std::lock_guard lock(placing_);
   if (place->folder.MakeFolder(place->name)) return {};
-  return {ErrorCode::kStoreFailed, "the folder cannot be created"};
+  const bool is_taken = place->folder.Look(place->name).has_value();
+  return {ErrorCode::kStoreFailed, is_taken ? "a folder or file of that name already exists"
+                                            : "the folder cannot be created"};
 }
 
 Outcome FileStore::DeleteFolder(std::string_view path) {
