@@ -1,13 +1,16 @@
 #include "CellForm.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <optional>
 
 #include "base/text/Letters.h"
+#include "base/text/Numbers.h"
 
 namespace qv::standin {
 
@@ -113,13 +116,40 @@ std::string_view TakeFraction(std::string_view& rest) {
   return fraction.size() > 1 ? fraction.substr(0, kLongestFraction) : std::string_view();
 }
 
-// What follows the time is ignored: the engine has converted it to the session's zone, which it may
-// name.
+// `date` has the shape of one.
+bool IsInCalendar(std::string_view date) {
+  const auto number = [date](std::size_t at, std::size_t length) {
+    return text::ParseNumber<std::uint16_t>(date.substr(at, length)).value_or(0);
+  };
+  const std::chrono::year_month_day day(std::chrono::year(number(0, 4)),
+                                        std::chrono::month(number(5, 2)),
+                                        std::chrono::day(number(8, 2)));
+  return number(0, 4) != 0 && day.ok();
+}
+
+// `time` is empty or has one of the shapes.
+bool IsOnClock(std::string_view time) {
+  if (time.empty()) return true;
+  return time.substr(0, 2) <= "23" && time.substr(3, 2) <= "59" &&
+         (time.size() == kShortTimeShape.size() || time.substr(6) <= "59");
+}
+
+// Returns whether a text is empty or an offset from universal time.
+bool IsOffset(std::string_view text) {
+  if (text.starts_with(' ')) text.remove_prefix(1);
+  if (text.empty() || text == "Z") return true;
+  if (text.front() != '+' && text.front() != '-') return false;
+  return std::ranges::all_of(text.substr(1),
+                             [](char ch) { return ch == ':' || text::IsDigit(ch); });
+}
+
+// An offset after the time is ignored: the engine has converted the time to the session's zone.
 std::optional<DateParts> SplitDate(std::string_view text) {
-  if (!HasShape(text, kDateShape)) return std::nullopt;
+  if (!HasShape(text, kDateShape) || !IsInCalendar(text)) return std::nullopt;
   DateParts parts{.date = text.substr(0, kDateShape.size()), .time = {}, .fraction = {}};
   std::string_view rest = text.substr(kDateShape.size());
   if (rest.empty()) return parts;
+  if (rest.front() != ' ' && rest.front() != 'T') return std::nullopt;
   rest.remove_prefix(1);
   for (const std::string_view shape : {kTimeShape, kShortTimeShape}) {
     if (!parts.time.empty() || !HasShape(rest, shape)) continue;
@@ -127,26 +157,41 @@ std::optional<DateParts> SplitDate(std::string_view text) {
     rest.remove_prefix(shape.size());
   }
   if (parts.time.size() == kTimeShape.size()) parts.fraction = TakeFraction(rest);
-  return parts;
+  return IsOnClock(parts.time) && IsOffset(rest) ? std::optional(parts) : std::nullopt;
 }
 
-// Returns false and appends nothing if the text is no date.
-bool AppendDate(std::string_view text, std::string& out) {
-  const auto parts = SplitDate(text);
-  if (!parts) return false;
+std::optional<DateParts> DateOf(const Cell& cell) {
+  const auto* const text = std::get_if<std::string_view>(&cell);
+  return text != nullptr ? SplitDate(*text) : std::nullopt;
+}
+
+void AppendText(const Cell& cell, std::string& out);
+
+void AppendDate(const Cell& cell, std::string& out) {
+  const auto parts = DateOf(cell);
+  if (!parts) return AppendText(cell, out);
   out += parts->date;
   out += 'T';
   out += parts->time;
   out += kTimeShape.substr(parts->time.size());
   out += parts->fraction;
-  return true;
 }
 
-bool IsTrue(const Cell& cell) {
+// Returns nothing for what is no truth value.
+std::optional<bool> TruthOf(const Cell& cell) {
   if (const auto* number = std::get_if<std::int64_t>(&cell)) return *number != 0;
   if (const auto* number = std::get_if<double>(&cell)) return *number != 0;
   const auto* text = std::get_if<std::string_view>(&cell);
-  return text != nullptr && (*text == "1" || text::EqualIgnoringCase(*text, "true"));
+  if (text == nullptr) return std::nullopt;
+  if (*text == "1" || text::EqualIgnoringCase(*text, "true")) return true;
+  if (*text == "0" || text::EqualIgnoringCase(*text, "false")) return false;
+  return std::nullopt;
+}
+
+void AppendTruth(const Cell& cell, std::string& out) {
+  const auto truth = TruthOf(cell);
+  if (!truth) return AppendText(cell, out);
+  out += *truth ? "True" : "False";
 }
 
 void AppendText(const Cell& cell, std::string& out) {
@@ -210,12 +255,24 @@ void AppendSingle(const Cell& cell, std::string& out) {
 
 }  // namespace
 
-bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::string& out) {
+bool IsMisfit(ColumnKind kind, const Cell& cell) {
   if (std::holds_alternative<std::monostate>(cell)) return false;
-  const auto* const text = std::get_if<std::string_view>(&cell);
   switch (kind) {
     case ColumnKind::kBoolean:
-      out += IsTrue(cell) ? "True" : "False";
+      return !TruthOf(cell);
+    case ColumnKind::kDate:
+    case ColumnKind::kDateTime:
+      return !DateOf(cell);
+    default:
+      return false;
+  }
+}
+
+bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::string& out) {
+  if (std::holds_alternative<std::monostate>(cell)) return false;
+  switch (kind) {
+    case ColumnKind::kBoolean:
+      AppendTruth(cell, out);
       return true;
     case ColumnKind::kUint8:
     case ColumnKind::kInt16:
@@ -231,7 +288,8 @@ bool AppendCellText(ColumnKind kind, BinaryForm binary, const Cell& cell, std::s
       return true;
     case ColumnKind::kDate:
     case ColumnKind::kDateTime:
-      return text != nullptr && AppendDate(*text, out);
+      AppendDate(cell, out);
+      return true;
     case ColumnKind::kBinary:
       AppendBinary(binary, cell, out);
       return true;

@@ -116,16 +116,22 @@ bool IsInteger(ColumnKind kind) {
 }  // namespace
 
 ColumnFit::ColumnFit(ColumnKind kind)
-    : kind_(kind), is_integer_(IsInteger(kind)), is_double_(IsDouble(kind)) {}
+    : kind_(kind),
+      is_integer_(IsInteger(kind)),
+      is_double_(IsDouble(kind)),
+      is_number_(is_integer_ || is_double_ || kind == ColumnKind::kSingle) {}
 
 void ColumnFit::Add(const Cell& cell) {
-  if (!is_integer_ && !is_double_) return;
-  if (const auto* const whole = std::get_if<std::int64_t>(&cell)) {
+  if (!is_number_) {
+    has_misfit_ |= IsMisfit(kind_, cell);
+  } else if (const auto* const whole = std::get_if<std::int64_t>(&cell)) {
     AddInteger(*whole);
   } else if (const auto* const value = std::get_if<double>(&cell)) {
     AddDouble(*value);
   } else if (const auto* const text = std::get_if<std::string_view>(&cell)) {
     AddDecimal(*text);
+  } else {
+    has_misfit_ |= std::holds_alternative<Binary>(cell);
   }
 }
 
@@ -149,11 +155,13 @@ void ColumnFit::AddDecimal(std::string_view text) {
   constexpr std::array<std::string_view, 3> kSpecial{"NaN", "Infinity", "-Infinity"};
   const bool is_special = std::ranges::find(kSpecial, text) != kSpecial.end();
   const auto decimal = ParseDecimal(text);
+  has_misfit_ |= !is_special && !decimal;
   integers_lose_ |= is_special || decimal;
   doubles_lose_ |= decimal && !FitsDouble(text, *decimal);
 }
 
 ColumnKind ColumnFit::Fitted() const {
+  if (has_misfit_) return ColumnKind::kText;
   if (is_integer_ && !integers_lose_) return FittedInteger();
   if (!is_integer_ && !is_double_) return kind_;
   if (!doubles_lose_) return ColumnKind::kDouble;
