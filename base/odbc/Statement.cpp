@@ -7,6 +7,7 @@
 
 #include "DriverCalls.h"
 #include "base/platform/Platform.h"
+#include "base/text/Numbers.h"
 
 namespace qv::odbc {
 
@@ -64,6 +65,26 @@ ColumnKind KindOf(SQLSMALLINT type) {
 std::uint64_t SizeOf(SQLULEN size) {
   constexpr SQLULEN kMost = std::numeric_limits<SQLLEN>::max();
   return size <= kMost ? size : 0;
+}
+
+bool IsDate(const Column& column) {
+  return column.kind == ColumnKind::kDate || column.kind == ColumnKind::kTimestamp;
+}
+
+// Returns the number in up to `length` digits of a text, or 0 if they are not there.
+std::int32_t NumberIn(std::string_view text, std::size_t at, std::size_t length) {
+  if (at >= text.size()) return 0;
+  return text::ParseNumber<std::int32_t>(text.substr(at, length)).value_or(0);
+}
+
+// Returns the time in a text such as "2024-02-29 23:59:58.125".
+Timestamp TimestampIn(std::string_view text) {
+  constexpr std::size_t kFraction = 20;
+  Timestamp time{NumberIn(text, 0, 4),        NumberIn(text, 5, 2),  NumberIn(text, 8, 2),
+                 NumberIn(text, 11, 2),       NumberIn(text, 14, 2), NumberIn(text, 17, 2),
+                 NumberIn(text, kFraction, 3)};
+  for (std::size_t end = text.size(); end < kFraction + 3; ++end) time.millisecond *= 10;
+  return time;
 }
 
 Encoding EncodingFor(bool is_wide) { return is_wide ? Encoding::kWide : Encoding::kNarrow; }
@@ -193,6 +214,9 @@ bool Statement::Describe(Diagnostics& diagnostics) {
     columns_.push_back(
         {std::move(facts->name), KindOf(facts->type), SizeOf(facts->size), facts->decimals});
   }
+  // Where PostgreSQL's date fits none of its types, its driver fills in parts of the current one.
+  reads_dates_as_text_ =
+      std::ranges::any_of(columns_, IsDate) && connection_.Product() == "PostgreSQL";
   return true;
 }
 
@@ -221,6 +245,7 @@ CellState Statement::ReadDouble(std::size_t column, double& value, Diagnostics& 
 }
 
 CellState Statement::ReadTimestamp(std::size_t column, Timestamp& value, Diagnostics& diagnostics) {
+  if (reads_dates_as_text_) return ReadDateText(column, value, diagnostics);
   SQL_TIMESTAMP_STRUCT read{};
   const CellState state = ReadFixed(column, SQL_C_TYPE_TIMESTAMP, read, diagnostics);
   if (state == CellState::kValue) {
@@ -230,6 +255,15 @@ CellState Statement::ReadTimestamp(std::size_t column, Timestamp& value, Diagnos
              read.minute, read.second, millisecond % 1000};
   }
   return state;
+}
+
+CellState Statement::ReadDateText(std::size_t column, Timestamp& value, Diagnostics& diagnostics) {
+  const CellState state = ReadText(column, date_, diagnostics);
+  if (state != CellState::kValue) return state;
+  const Timestamp read = TimestampIn(date_);
+  const bool is_held = read.month != 0 && read.day != 0 && !date_.ends_with("BC");
+  if (is_held) value = read;
+  return is_held ? CellState::kValue : CellState::kNull;
 }
 
 CellState Statement::ReadText(std::size_t column, std::string& text, Diagnostics& diagnostics) {
@@ -279,12 +313,13 @@ CellState Statement::ReadPieces(std::size_t column, Whole& whole, Diagnostics& d
     const bool has_more = piece.HasMore(result, indicator);
     const std::size_t length = has_more ? piece.FullLength() : piece.LastLength(indicator);
     whole.insert(whole.end(), piece.units, piece.units + length);
+    if (whole.size() * sizeof(Unit) > cell_bytes_) {
+      const std::string most = std::to_string(cell_bytes_);
+      diagnostics.push_back(
+          {kCellTooLong, 0, "a cell takes more than the limit of " + most + " bytes"});
+      return CellState::kFailed;
+    }
     if (!has_more) return CellState::kValue;
-    if (whole.size() * sizeof(Unit) <= cell_bytes_) continue;
-    const std::string most = std::to_string(cell_bytes_);
-    diagnostics.push_back(
-        {kCellTooLong, 0, "a cell takes more than the limit of " + most + " bytes"});
-    return CellState::kFailed;
   }
 }
 

@@ -89,7 +89,8 @@ class Statement {
   // Moves to the next row.
   [[nodiscard]] Step Next(Diagnostics& diagnostics);
 
-  // Read cells of the row; columns count from 0. The value is set or replaced only for kValue. On
+  // Read cells of the row; columns count from 0. A date that the driver's types cannot hold is null
+  // where the driver's text shows that it is one. The value is set or replaced only for kValue. On
   // kMisfit and kFailed, `diagnostics` contains the reason.
   [[nodiscard]] CellState ReadBoolean(std::size_t column, bool& value, Diagnostics& diagnostics);
   [[nodiscard]] CellState ReadInteger(std::size_t column, std::int64_t& value,
@@ -123,6 +124,8 @@ class Statement {
   template <class Value>
   [[nodiscard]] CellState ReadFixed(std::size_t column, std::int16_t type, Value& value,
                                     Diagnostics& diagnostics);
+  [[nodiscard]] CellState ReadDateText(std::size_t column, Timestamp& value,
+                                       Diagnostics& diagnostics);
   template <class Unit, class Whole>
   [[nodiscard]] CellState ReadPieces(std::size_t column, Whole& whole, Diagnostics& diagnostics);
   [[nodiscard]] CellState CellFailed(Diagnostics& diagnostics) const;
@@ -132,6 +135,7 @@ class Statement {
   void* statement_ = nullptr;  // a handle of the driver manager
   std::size_t cell_bytes_;
   std::vector<Column> columns_;
+  bool reads_dates_as_text_ = false;
   // A cancelled statement loses its diagnostics in the driver manager, so Cancel waits while they
   // are read.
   std::mutex cancel_mutex_;
@@ -139,6 +143,7 @@ class Statement {
   std::atomic<bool> is_cancelled_ = false;
   std::vector<char16_t> memory_;  // receives the pieces of cells
   std::u16string wide_;
+  std::string date_;
 };
 
 }  // namespace qv::odbc
