@@ -270,6 +270,7 @@ TEST_P(DatabasesTest, SayWhichKindOfFailureItIs) {
       {"select from from", error::kSyntax},
       {"-- nothing", error::kSyntax},
       {"select 1 +", error::kSyntax},
+      {"selec 1", error::kSyntax},
       {"select * from nowhere", error::kUnknownObject},
       {"select absent from t", error::kUnknownObject},
       {"select absent", error::kUnknownObject},

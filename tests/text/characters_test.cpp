@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/text/Letters.h"
@@ -46,6 +47,20 @@ TEST(Letters, AreToldFromBlanksAndControls) {
   EXPECT_TRUE(IsVisible("!~") && IsVisible(""));
   for (const char c : {' ', '\n', '\x7F', '\x80'}) EXPECT_FALSE(IsVisible({&c, 1})) << int{c};
   EXPECT_TRUE(IsLetterOrDigit('0') && IsLetterOrDigit('z') && !IsLetterOrDigit('_'));
+}
+
+TEST(Utf8, IsCutBetweenCharacters) {
+  const std::tuple<const char*, std::size_t, const char*> cases[] = {
+      {"abc", 3, "abc"},
+      {"abc", 2, "ab"},
+      {"a图b", 4, "a图"},
+      {"a图b", 3, "a"},
+      {"图", 2, ""},
+      {"图", 0, ""},
+      {"\x80\x80\x80\x80\x80", 4, "\x80"}};
+  for (const auto& [text, longest, expected] : cases) {
+    EXPECT_EQ(BeginningOf(text, longest), expected) << text << ' ' << longest;
+  }
 }
 
 TEST(Numbers, OfThePlatformSaturate) {

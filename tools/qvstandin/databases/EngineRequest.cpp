@@ -17,7 +17,6 @@ using std::chrono_literals::operator""h;
 
 constexpr std::chrono::milliseconds kLongestLogin = 15s;
 constexpr std::chrono::milliseconds kMostForDrivers = 24h;
-constexpr std::size_t kLongestRemark = 200;
 
 // The code of a failure of this class.
 ErrorCode CodeOf(error::Class error_class) {
@@ -56,6 +55,16 @@ bool MayNameTheServer(const odbc::Diagnostics& said, const Outcome& outcome) {
   };
   return outcome.code == ErrorCode::kNoDatabase || outcome.error_class == error::kInternal ||
          std::ranges::any_of(said, lacks_resources);
+}
+
+// Cuts off what PostgreSQL and its driver add to the message of a failure: details, which hold rows
+// of a table, and that the failure was one.
+void CutDetails(odbc::Diagnostics& said) {
+  for (odbc::Diagnostic& record : said) {
+    for (const std::string_view addition : {"\nDETAIL: ", ";\nError while executing the query"}) {
+      record.text.resize(std::min(record.text.find(addition), record.text.size()));
+    }
+  }
 }
 
 std::uint32_t Seconds(std::chrono::milliseconds time) {
@@ -114,11 +123,12 @@ Outcome EngineRequest::CannotConnect(Outcome outcome) {
 Outcome EngineRequest::Failure(bool has_states) {
   is_clean_ = false;
   if (watch_->Reason() != ErrorCode::kNone) return watch_->Failure();
+  CutDetails(said_);
   std::string text =
       text_.WithoutSecrets(odbc::TextOf(said_), text::ConnectionText::Hide::kAllValues);
   std::ranges::replace_if(
       text, [](char ch) { return ch >= 0 && ch < ' '; }, ' ');
-  Outcome outcome{ErrorCode::kSqlFailed, text.substr(0, kLongestRemark)};
+  Outcome outcome{ErrorCode::kSqlFailed, text};
   // Drivers without states give the engine's message.
   outcome.error_class = has_states ? error::kInternal : ClassOfSqliteText(text);
   Classify(said_, outcome);

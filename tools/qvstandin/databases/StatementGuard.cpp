@@ -20,6 +20,13 @@ constexpr std::array<std::string_view, 21> kBeginnings{
     "alter",  "analyze", "comment", "create",   "delete",  "drop",    "explain",
     "grant",  "insert",  "lock",    "merge",    "refresh", "reindex", "replace",
     "revoke", "select",  "table",   "truncate", "update",  "values",  "with"};
+// Other words that begin statements of engines, and are refused as such.
+constexpr std::array<std::string_view, 36> kForbidden{
+    "abort",   "attach",     "begin",    "call",   "checkpoint", "close",     "cluster",  "commit",
+    "copy",    "deallocate", "declare",  "detach", "discard",    "do",        "end",      "exec",
+    "execute", "fetch",      "import",   "listen", "load",       "move",      "notify",   "pragma",
+    "prepare", "reassign",   "release",  "reset",  "rollback",   "savepoint", "security", "set",
+    "show",    "start",      "unlisten", "vacuum"};
 constexpr std::array<std::string_view, 2> kNeverUnquoted{"commit", "rollback"};
 
 template <std::size_t kCount>
@@ -42,7 +49,7 @@ class Guard {
     }
     EndStatement();
     if (complaint_.empty()) return {};
-    return {ErrorCode::kNotPermitted, complaint_};
+    return {ErrorCode::kNotPermitted, complaint_, error_class_};
   }
 
  private:
@@ -81,7 +88,9 @@ class Guard {
   // The first piece of a statement must be a known word.
   void Begin(std::string_view word) {
     if (std::exchange(has_begun_, true) || IsOneOf(kBeginnings, word)) return;
-    word.empty() ? Refuse("a statement that begins with no word") : RefuseWord(word);
+    if (word.empty()) return Refuse("a statement that begins with no word");
+    if (!IsOneOf(kForbidden, word) && complaint_.empty()) error_class_ = error::kSyntax;
+    RefuseWord(word);
   }
 
   void EndStatement() {
@@ -104,6 +113,7 @@ class Guard {
   bool has_begun_ = false;       // its first word is known
   Escaped escaped_ = Escaped::kNo;
   std::string complaint_;
+  error::Class error_class_ = error::kNotAllowed;
 };
 
 Outcome GuardText(std::string_view sql, GuardedText& guarded) {

@@ -21,6 +21,10 @@ constexpr std::uint64_t kLongestSkippedFile = 4ULL << 30;
 // The longest name of a database or a file in the record of served requests.
 constexpr std::size_t kLongestSubject = 160;
 
+std::string Beginning(std::string_view text, std::size_t longest) {
+  return std::string(text::BeginningOf(text, longest));
+}
+
 Outcome TooLarge(std::string_view what, std::uint64_t limit) {
   return {ErrorCode::kNotPermitted,
           fmt::format("the {} is larger than {}", what, TextOfBytes(limit)), error::kTooLarge};
@@ -188,8 +192,9 @@ void FrameExchange::Record() const {
   if (reply_.stored) file_bytes = reply_.stored->size;
   rules_.on_served(
       {.command = command_,
-       .database = std::string(text::BeginningOf(subject, kLongestSubject)),
-       .outcome = reply_.outcome.Ok() ? "done" : wire::ReasonText(reply_.outcome.text),
+       .database = Beginning(subject, kLongestSubject),
+       .outcome =
+           reply_.outcome.Ok() ? "done" : Beginning(reply_.outcome.text, wire::kMaxReasonText),
        .bytes = reply_.fields.Payload().size() + file_bytes,
        .time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_),
        .error_class = ClassOf(reply_.outcome),

@@ -100,18 +100,6 @@ std::size_t WideSize(std::string_view text) {
   return units * sizeof(char16_t);
 }
 
-// Returns what the driver makes of a date that its types cannot hold, or an empty text for others.
-std::string SpecialDate(std::string_view text, bool has_time) {
-  constexpr std::size_t kYearDigits = 4;
-  const bool is_first = text.starts_with('-');
-  if (is_first || text.starts_with('i')) {
-    if (!has_time) return "0000-00-00";
-    return is_first ? "9999-01-01 00:00:00" : "9999-12-31 23:59:59";
-  }
-  if (text.substr(kYearDigits).starts_with('-')) return {};
-  return has_time ? "0000-00-00 00:00:00" : std::string(text.substr(0, kYearDigits)) + "-00-00";
-}
-
 void Unescape(std::string_view text, std::string& bytes) {
   struct Free {
     void operator()(unsigned char* memory) const { PQfreemem(memory); }
@@ -182,13 +170,8 @@ bool PostgresCells::ReadCell(std::size_t column, std::string_view text) {
 }
 
 std::string_view PostgresCells::TextOf(std::size_t column, std::string_view text) {
-  std::string& own = texts_[column];
-  const ColumnKind kind = columns_[column].kind;
-  if (kind == ColumnKind::kDate || kind == ColumnKind::kDateTime) {
-    own = SpecialDate(text, kind == ColumnKind::kDateTime);
-    return own.empty() ? text : std::string_view(own);
-  }
   if (types_[column] != kUuid) return text;
+  std::string& own = texts_[column];
   own = text;
   for (char& ch : own) ch = text::ToUpper(ch);
   return own;

@@ -170,15 +170,13 @@ bool PostgresConnection::Failed(odbc::Diagnostics& said) const {
   return false;
 }
 
-// In the words of PostgreSQL's ODBC driver.
+// In the words of PostgreSQL's ODBC driver, but without details, which hold rows of a table.
 bool PostgresConnection::Failed(const PGresult* result, odbc::Diagnostics& said) const {
   const std::string state = FieldOf(result, PG_DIAG_SQLSTATE);
   if (state.empty()) return Failed(said);
-  const std::string detail = FieldOf(result, PG_DIAG_MESSAGE_DETAIL);
   said.push_back({state, 0,
-                  fmt::format("{}: {}{}{}", FieldOf(result, PG_DIAG_SEVERITY),
-                              FieldOf(result, PG_DIAG_MESSAGE_PRIMARY),
-                              detail.empty() ? "" : "\nDETAIL: ", detail)});
+                  fmt::format("{}: {}", FieldOf(result, PG_DIAG_SEVERITY),
+                              FieldOf(result, PG_DIAG_MESSAGE_PRIMARY))});
   return false;
 }
 

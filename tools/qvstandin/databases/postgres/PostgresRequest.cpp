@@ -167,7 +167,7 @@ Outcome PostgresRequest::ReadRoutine(const ProcedureCall& call, std::string& sql
                          NumberedMarks(call.arguments.size()));
     reply = Connected().Read(said_);
   }
-  if (reply != Reply::kEnd) return FailedStatement();
+  if (reply != Reply::kEnd) return Failed();
   return is_found ? Outcome() : Outcome{ErrorCode::kNoProcedure, "no procedure " + call.name};
 }
 
@@ -191,7 +191,7 @@ Outcome PostgresRequest::ReadStatement(RowSink* sink) {
   std::optional<PostgresCells> cells;
   while (true) {
     const Reply reply = Connected().Read(said_);
-    if (reply != Reply::kRow && reply != Reply::kEnd) return FailedStatement();
+    if (reply != Reply::kRow && reply != Reply::kEnd) return Failed();
     if (sink != nullptr && !cells) {
       Outcome outcome = BeginAnswer(*sink, cells);
       if (!outcome.Ok()) return Stopped(std::move(outcome));
@@ -219,12 +219,6 @@ Outcome PostgresRequest::DeliverRow(RowSink& sink, PostgresCells& cells) {
 
 Outcome PostgresRequest::ReadCommit() {
   return Connected().Read(said_) == Reply::kEnd ? Outcome() : Failed();
-}
-
-// In the words of the driver.
-Outcome PostgresRequest::FailedStatement() {
-  if (!said_.empty()) said_.back().text += ";\nError while executing the query";
-  return Failed();
 }
 
 // The statement still runs.

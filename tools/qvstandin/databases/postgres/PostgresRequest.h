@@ -64,7 +64,6 @@ class PostgresRequest : private EngineRequest {
   void Skip();
   void RollBack();
   [[nodiscard]] Outcome Failed() { return Failure(true); }
-  [[nodiscard]] Outcome FailedStatement();
   // Returns the failure of a statement that the server has to be told to end.
   [[nodiscard]] Outcome Stopped(Outcome outcome);
 
