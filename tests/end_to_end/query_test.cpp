@@ -57,13 +57,13 @@ TEST_F(EndToEnd, SeveralThreadsQueryAtOnce) {
 TEST_F(EndToEnd, AFullServerAnswersOrIsBusy) {
   StandInOptions options = Options();
   options.http_port = 0;
-  options.connection_limit = 16;
+  options.connection_limit = 64;
   const auto server = Serve(options);
   CRvoDatabase::m_NeedUpdateCompressState = 0;
   for (const bool web : {false, true}) {
     ConnectTo(web ? server->HttpPort() : server->Port(), web);
     std::atomic<int> done = 0;
-    std::vector<std::thread> threads(60);
+    std::vector<std::thread> threads(200);
     for (std::thread& thread : threads) {
       thread = std::thread([&done] {
         for (int i = 0; i < 4; ++i) {
@@ -73,13 +73,13 @@ TEST_F(EndToEnd, AFullServerAnswersOrIsBusy) {
           } else {
             EXPECT_EQ(answer, "result -1");
             EXPECT_EQ(CRvoServer::GetLastErrorClass(), error::kBusy);
-            EXPECT_NE(std::strstr(CRvoServer::GetLastErrorText(), ": 16 of 16 places"), nullptr);
+            EXPECT_NE(std::strstr(CRvoServer::GetLastErrorText(), ": 64 of 64 places"), nullptr);
           }
         }
       });
     }
     for (std::thread& thread : threads) thread.join();
-    EXPECT_GE(done, 16);
+    EXPECT_GE(done, 64);
     CRvoServer::FinitNet();  // gives the places back
     CRvoServer::InitNet();
   }
