@@ -16,8 +16,6 @@ struct Limits {
   std::uint32_t query_seconds = 0;
   // Tells the driver that nothing will be changed; most drivers ignore it.
   bool reads_only = false;
-  // The longest cell that is read, in bytes as the driver delivers it.
-  std::size_t cell_bytes = std::size_t{1} << 30;
 };
 
 // One thread at a time. Every failing call adds to the diagnostics; nothing is printed.

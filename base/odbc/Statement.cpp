@@ -131,8 +131,7 @@ struct Statement::Piece {
   Unit* units;
 };
 
-Statement::Statement(Connection& connection)
-    : connection_(connection), cell_bytes_(connection.limits_.cell_bytes) {
+Statement::Statement(Connection& connection) : connection_(connection) {
   // Without a handle every call fails with a diagnostic.
   if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection.connection_, &statement_))) {
     statement_ = nullptr;

@@ -133,7 +133,7 @@ class Statement {
 
   const Connection& connection_;
   void* statement_ = nullptr;  // a handle of the driver manager
-  std::size_t cell_bytes_;
+  std::size_t cell_bytes_ = std::size_t{1} << 30;
   std::vector<Column> columns_;
   bool reads_dates_as_text_ = false;
   // A cancelled statement loses its diagnostics in the driver manager, so Cancel waits while they

@@ -41,11 +41,8 @@ class Statements : public testing::Test {
 };
 
 TEST_F(Statements, StopAtTheLongestCellThatIsAllowed) {
-  Limits limits;
-  limits.cell_bytes = 1000;
-  const auto connection = Connection::Open(ConnectionText(), limits, said_);
-  ASSERT_NE(connection, nullptr) << TextOf(said_);
-  Statement statement(*connection);
+  Statement statement(*connection_);
+  statement.LimitCells(1000);
   ASSERT_TRUE(statement.Execute("select zeroblob(1000), zeroblob(1001), zeroblob(1000000)", said_))
       << TextOf(said_);
   ASSERT_EQ(statement.Next(said_), Step::kNext);

@@ -152,6 +152,14 @@ class Program(ProgramCase):
                 self.assertIn(f"the cache has no answer of 127.0.0.1:{server.port} to this text", output)
                 self.assertEqual(status, 1)
 
+    def test_says_what_is_missing_or_there_already(self):
+        server = self.serve("data")
+        for words, said in (
+                (["users", "no group"], "qvcall: no group: there is no such group\n"),
+                (["mkdir", "drawings"], "qvcall: drawings: a folder or file of that name already exists\n"),
+                (["query", "--db", "DESIGNDB", "select nope"], "qvcall: no such column: nope (result 3)\n")):
+            self.assertEqual(self.call("--port", server.port, *words), (1, said))
+
     def test_names_the_file_of_a_database_that_does_not_exist(self):
         status, output = self.call("--direct", SQLITE + "none.db", "query", "select 1")
         self.assertRegex(output, "^qvcall: none.db: there is no such file")

@@ -146,6 +146,7 @@ TEST_F(FileStoreTest, RenamingNeverReplacesAndRemovingWantsEmptyFolders) {
   EXPECT_EQ(files.Delete("drawings").code, ErrorCode::kNoFile);
   EXPECT_TRUE(files.MakeFolder("empty").Ok());
   EXPECT_EQ(files.MakeFolder("empty").code, ErrorCode::kStoreFailed);
+  EXPECT_NE(files.MakeFolder("readme.txt").text.find("already exists"), std::string::npos);
   EXPECT_TRUE(files.Rename("drawings/structural", "empty\\to").Ok());
   EXPECT_TRUE(files.Copy("readme.txt", "a", limit_).Ok()) << "copies replace, as uploads do";
   EXPECT_EQ(BytesOf((Top() / "a").string()), BytesOf((Top() / "readme.txt").string()));

@@ -14,6 +14,7 @@
 
 #include "PostgresFixture.h"
 #include "ServerFixture.h"
+#include "base/odbc/Statement.h"
 #include "tests/support/TempFolder.h"
 #include "tools/qvstandin/databases/OdbcDatabase.h"
 
@@ -120,6 +121,37 @@ TEST_F(PostgresWaysTest, GivesDatesThatNoClientHoldsAsTheirText) {
       EXPECT_THAT(answer.bytes, HasSubstr("<z:row a='" + std::string(date).substr(0, 10))) << sql;
       EXPECT_THAT(answer.bytes, HasSubstr("dt:type='string'")) << sql;
     }
+  }
+}
+
+// As direct access reads them.
+TEST(PostgresDates, AreNullIfTheDriverHasAnotherForThem) {
+  odbc::Diagnostics said;
+  const auto connection =
+      odbc::Connection::Open(PostgresServer::Shared().ConnectionText(), {}, said);
+  ASSERT_NE(connection, nullptr) << odbc::TextOf(said);
+  const std::pair<const char*, const char*> cases[] = {
+      {"'2024-02-29'::date", "2024-2-29 0:0:0.0"},
+      {"'2024-02-29 10:11:12.125999'::timestamp", "2024-2-29 10:11:12.125"},
+      {"'2024-02-29 10:11:12.5'::timestamptz", "2024-2-29 10:11:12.500"},
+      {"null::timestamp", "null"},
+      {"'infinity'::date", "null"},
+      {"'-infinity'::date", "null"},
+      {"'20000-01-01'::date", "null"},
+      {"'-infinity'::timestamp", "null"},
+      {"'20000-01-01'::timestamp", "null"},
+      {"'0044-03-15 BC'::timestamp", "null"}};
+  for (const auto& [sql, expected] : cases) {
+    odbc::Statement statement(*connection);
+    ASSERT_TRUE(statement.Execute(std::string("select ") + sql, said)) << odbc::TextOf(said);
+    ASSERT_EQ(statement.Next(said), odbc::Step::kNext);
+    odbc::Timestamp time;
+    const bool is_value = statement.ReadTimestamp(0, time, said) == odbc::CellState::kValue;
+    EXPECT_EQ(is_value ? fmt::format("{}-{}-{} {}:{}:{}.{}", time.year, time.month, time.day,
+                                     time.hour, time.minute, time.second, time.millisecond)
+                       : "null",
+              expected)
+        << sql;
   }
 }
 

@@ -50,6 +50,17 @@ TEST(StatementGuard, RefusesWhatCouldLeaveTheTransactionHoweverItIsHidden) {
   }
 }
 
+TEST(StatementGuard, TellsAWrongWordFromAForbiddenOne) {
+  const std::pair<const char*, error::Class> cases[] = {
+      {"selec 1", error::kSyntax},      {"select 1; updat t", error::kSyntax},
+      {"PRAGMA x", error::kNotAllowed}, {"1", error::kNotAllowed},
+      {"vacuum", error::kNotAllowed},   {"commit; selec 1", error::kNotAllowed}};
+  for (const auto& [sql, expected] : cases) {
+    std::vector<std::string_view> statements;
+    EXPECT_EQ(GuardStatements(sql, statements).error_class, expected) << sql;
+  }
+}
+
 TEST(DriverSettings, AreAddedForKnownDrivers) {
   const auto whole = [](const char* text, Fetching fetching) {
     return WithDriverSettings(text::ConnectionText(text), fetching);

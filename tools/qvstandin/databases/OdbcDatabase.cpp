@@ -96,8 +96,7 @@ Outcome OdbcDatabase::Connect(Work work) {
   const bool is_postgres = HasPostgresDriver(text_);
   const odbc::Limits limits{.login_seconds = LongestLogin(),
                             .query_seconds = is_postgres ? 0 : LongestStatement(),
-                            .reads_only = work == Work::kQuery,
-                            .cell_bytes = cell_limit_};
+                            .reads_only = work == Work::kQuery};
   // Statements rarely return rows, and the driver's cursor mode (UseDeclareFetch) rejects some of
   // them.
   const Fetching fetching = work == Work::kStatements ? Fetching::kAtOnce : Fetching::kInPieces;
@@ -179,6 +178,7 @@ Outcome OdbcDatabase::Deliver(odbc::Statement& statement, RowSink& sink) {
   const Outcome lost{ErrorCode::kAnswerLost, "the answer could not be stored"};
   const std::vector<Column> columns = ColumnsOf(statement);
   if (!sink.Begin(columns)) return lost;
+  statement.LimitCells(cell_limit_);
   OdbcCells cells(columns);
   odbc::Step step = odbc::Step::kEnd;
   while ((step = statement.Next(said_)) == odbc::Step::kNext) {
