@@ -102,7 +102,7 @@ class Statement {
   [[nodiscard]] CellState ReadBytes(std::size_t column, std::vector<unsigned char>& bytes,
                                     Diagnostics& diagnostics);
 
-  // Fails for cells of more than `bytes`, as for those of more than the connection's limit.
+  // Cells of more than `bytes`, as the driver delivers them, are kFailed; 1 GiB at first.
   void LimitCells(std::size_t bytes) { cell_bytes_ = std::min(cell_bytes_, bytes); }
 
   // Finds out whether the cell is null, without reading it: the result is kValue or kNull.
