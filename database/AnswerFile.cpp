@@ -50,13 +50,11 @@ void AnswerFile::TakeFrom(CMsgContent& reply) {
 }
 
 bool AnswerFile::StayIn(CMsgContent& reply) {
-  if (!platform::MayCreateFilesIn(platform::FolderOf(path_))) return false;
   CFIFOClass::Field field;
-  if (reply.Queue().Peek(field)) {
-    bytes_ = {reinterpret_cast<const char*>(field.body), field.length};
-  }
-  stays_in_reply_ = true;
-  return true;
+  if (!reply.Queue().Peek(field)) return false;
+  stays_in_reply_ = platform::MayCreateFile(platform::FolderOf(path_), field.length);
+  if (stays_in_reply_) bytes_ = {reinterpret_cast<const char*>(field.body), field.length};
+  return stays_in_reply_;
 }
 
 bool AnswerFile::Unpack() {

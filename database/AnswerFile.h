@@ -31,8 +31,8 @@ class AnswerFile {
   // it for an answer.
   void TakeFrom(CMsgContent& reply);
   // Makes ReadInto read the reply's next field where it is, without a file, as long as the reply
-  // exists. Returns false, and does nothing, if no file could be created in its place: then
-  // TakeFrom fails as well, and so does the call.
+  // exists. Returns false, and does nothing, if there is no such field or no file could be created
+  // in its place: then TakeFrom fails as well, and so does the call.
   [[nodiscard]] bool StayIn(CMsgContent& reply);
   // Whether TakeFrom wrote the file that came, so that no transport can know it.
   [[nodiscard]] bool CameInReply() const { return came_in_reply_; }

@@ -71,9 +71,9 @@ enum class Create {
   kNew,     // an existing file is an error
 };
 
-// Returns whether the system would let this program create files in `folder`, as far as it tells
-// without trying.
-[[nodiscard]] bool MayCreateFilesIn(const std::string& folder);
+// Returns whether this program could create a file of so many bytes in `folder`, as far as the
+// system tells without trying.
+[[nodiscard]] bool MayCreateFile(const std::string& folder, std::uint64_t bytes);
 
 // Opens a file for writing that only its owner can read. The caller closes it. Returns null and
 // sets errno if the file cannot be opened or `path` names something other than a file.

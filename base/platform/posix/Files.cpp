@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #if defined(__linux__)
@@ -158,9 +160,18 @@ std::filesystem::file_type TypeOf(const std::string& path) {
   return std::filesystem::symlink_status(path, error).type();
 }
 
-bool MayCreateFilesIn(const std::string& folder) {
+bool MayCreateFile(const std::string& folder, std::uint64_t bytes) {
   const char* const place = folder.empty() ? "." : folder.c_str();
-  return ::access(place, W_OK | X_OK) == 0;
+  rlimit largest{};
+  struct statvfs disk {};
+  if (::access(place, W_OK | X_OK) != 0 || ::getrlimit(RLIMIT_FSIZE, &largest) != 0 ||
+      ::statvfs(place, &disk) != 0) {
+    return false;
+  }
+  // Some file systems have no fixed number of files.
+  const bool takes_files = disk.f_files == 0 || disk.f_favail != 0;
+  return takes_files && disk.f_frsize != 0 && bytes <= largest.rlim_cur &&
+         bytes / disk.f_frsize < disk.f_bavail;
 }
 
 bool RemoveFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }

@@ -174,9 +174,10 @@ std::filesystem::file_type TypeOf(const std::string& path) {
   return nothing ? std::filesystem::file_type::not_found : std::filesystem::file_type::none;
 }
 
-bool MayCreateFilesIn(const std::string& folder) {
-  const DWORD attributes = ::GetFileAttributesA(folder.empty() ? "." : folder.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+bool MayCreateFile(const std::string& folder, std::uint64_t bytes) {
+  ULARGE_INTEGER left{};
+  const char* const place = folder.empty() ? "." : folder.c_str();
+  return ::GetDiskFreeSpaceExA(place, &left, nullptr, nullptr) != FALSE && bytes <= left.QuadPart;
 }
 
 bool RemoveFile(const std::string& path) { return ::DeleteFileA(path.c_str()) != FALSE; }
