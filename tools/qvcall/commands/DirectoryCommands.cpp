@@ -95,7 +95,8 @@ int Run(const ConnectionOptions& connection, const ListUsers& command, std::ostr
   Session session(connection, "", Session::Calls::kOverSocket);
   if (!session.Start(err)) return kFailed;
   const Entries users = Users(command.group);
-  // A server that gives no reasons answers for a group without users as for one that does not exist.
+  // A server that gives no reasons answers for a group without users as for one that does not
+  // exist.
   const bool is_refused = session.LastReason().error_class != error::kNone;
   if (users.rows.empty() && !command.group.empty() &&
       (is_refused || Groups(command.group).rows.empty())) {

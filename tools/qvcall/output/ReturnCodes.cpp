@@ -292,8 +292,7 @@ Failure DescribeFailure(Call call, Route route, int code, const Reason& reason) 
   }
   // 0 has no meaning of its own: some calls succeed with it, others fail.
   if (code != 0) what += fmt::format(" (result {})", code);
-  return {std::move(what),
-          is_known ? Hint(call, route, code, reason) : std::string(words.advice)};
+  return {std::move(what), is_known ? Hint(call, route, code, reason) : std::string(words.advice)};
 }
 
 }  // namespace qv::tool

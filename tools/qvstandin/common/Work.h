@@ -53,8 +53,7 @@ struct [[nodiscard]] Outcome {
 [[nodiscard]] std::string_view NameOf(error::Class error_class);
 // Returns the text of a failure that clients may see. `database` is the name by which they know the
 // database that they asked for; it may be empty.
-[[nodiscard]] std::string TextForClients(const Outcome& outcome,
-                                         std::string_view database = {});
+[[nodiscard]] std::string TextForClients(const Outcome& outcome, std::string_view database = {});
 // Returns the text for a database that does not exist.
 [[nodiscard]] std::string NoSuchDatabase(std::string_view name);
 
