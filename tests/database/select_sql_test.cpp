@@ -131,6 +131,12 @@ TEST_F(SelectSql, FailsWithoutAFolderForTheAnswer) {
   }
 }
 
+TEST_F(SelectSql, DeletesWhatATransportWroteBesideAnAnswerInItsReply) {
+  AnswerWithFile("x", Memory(Rowset({{"A", "in the reply"}})));
+  EXPECT_EQ(Select(), "in the reply");
+  EXPECT_THAT(TempFiles(), IsEmpty());
+}
+
 TEST_F(SelectSql, LeavesTheTransportsFileWhereTheCallCannotUseIt) {
   AnswerWithFile("x", "FAILURE");
   EXPECT_EQ(Select(), "result 3");

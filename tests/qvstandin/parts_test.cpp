@@ -9,9 +9,9 @@
 #include "tests/support/TempFolder.h"
 #include "tools/qvstandin/commands/MessageFields.h"
 #include "tools/qvstandin/common/ServerLog.h"
-#include "tools/qvstandin/databases/ClientSql.h"
 #include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/recordsets/AnswerSpool.h"
+#include "tools/qvstandin/sql/ClientSql.h"
 #include "tools/qvstandin/stores/DataFolder.h"
 
 namespace qv::standin {

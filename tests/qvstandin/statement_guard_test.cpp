@@ -1,5 +1,5 @@
 // Tests which statements clients may send to an engine, and the settings of its driver.
-#include "tools/qvstandin/databases/ClientSql.h"
+#include "tools/qvstandin/sql/ClientSql.h"
 
 #include <gmock/gmock.h>
 

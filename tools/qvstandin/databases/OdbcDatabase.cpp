@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <deque>
 
-#include "ClientSql.h"
 #include "PostgresSql.h"
+#include "tools/qvstandin/sql/ClientSql.h"
 
 namespace qv::standin {
 

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "ClientSql.h"
 #include "base/text/Numbers.h"
+#include "tools/qvstandin/sql/ClientSql.h"
 
 namespace qv::standin {
 

@@ -8,8 +8,8 @@
 #include "PostgresParameters.h"
 #include "PostgresRequest.h"
 #include "base/text/SqlText.h"
-#include "tools/qvstandin/databases/ClientSql.h"
 #include "tools/qvstandin/databases/OdbcDatabase.h"
+#include "tools/qvstandin/sql/ClientSql.h"
 
 namespace qv::standin {
 

@@ -11,9 +11,9 @@
 
 #include "PostgresCells.h"
 #include "PostgresSession.h"
-#include "tools/qvstandin/databases/ClientSql.h"
 #include "tools/qvstandin/databases/Database.h"
 #include "tools/qvstandin/databases/EngineRequest.h"
+#include "tools/qvstandin/sql/ClientSql.h"
 
 namespace qv::standin {
 
